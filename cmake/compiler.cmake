@@ -1,0 +1,16 @@
+# Flags every target of the project is built with.
+#
+# -ffp-contract=off keeps a*b+c two roundings, so that the same input gives the same bits at every
+# optimisation level and with every compiler; nothing of the fast-math family may be added here.
+add_library(orsolva_flags INTERFACE)
+target_compile_options(orsolva_flags INTERFACE -ffp-contract=off -fno-fast-math
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wformat=2)
+if(ORSOLVA_WERROR)
+  target_compile_options(orsolva_flags INTERFACE -Werror)
+endif()
+if(ORSOLVA_SANITIZE)
+  list(JOIN ORSOLVA_SANITIZE "," _sanitizers)
+  target_compile_options(orsolva_flags INTERFACE -fsanitize=${_sanitizers} -fno-omit-frame-pointer
+    -fno-sanitize-recover=all)
+  target_link_options(orsolva_flags INTERFACE -fsanitize=${_sanitizers})
+endif()

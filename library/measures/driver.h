@@ -1,0 +1,64 @@
+// The measures of a run: code pairs, multipath, ionosphere and slips of every satellite, and the pass over the
+// stored epochs that feeds them.
+#ifndef ORSOLVA_MEASURES_DRIVER_H
+#define ORSOLVA_MEASURES_DRIVER_H
+
+#include <cstdint>
+#include <memory>
+
+#include "interface/records.h"
+#include "measures/channel_combinations.h"
+#include "measures/detail.h"
+#include "measures/ionosphere.h"
+#include "measures/multipath.h"
+#include "navigation/ephemeris.h"
+#include "qc/config.h"
+#include "qc/epoch_data.h"
+
+namespace orsolva {
+
+class IonSlipAndMultipath {
+ public:
+  IonSlipAndMultipath();
+  virtual ~IonSlipAndMultipath();
+
+  /// Builds the pairs of every system from the observed codes, sets the averaging window and copies the GLONASS
+  /// channels. Called once a run; narrows the band flags and band counts of `config` as the pairing tells.
+  /// @param code_lists        kCodeListSlots lists
+  /// @param glonass_channels  32 values, -999 = unknown
+  void Initialise(QcConfig& config, const gnssqctoolkit::IList* code_lists,
+                  const std::int32_t* glonass_channels, double interval);
+  bool Initialised() const { return initialised_; }
+  int WindowLength() const { return window_length_; }
+
+  /// Stores one epoch of one satellite for the next pass.
+  /// @param number    satellite number 1 to 208; any other is ignored
+  /// @param counting  the satellite is above the elevation cut-off
+  void AddSatelliteEpoch(int number, const QcEpochData& epoch, bool counting);
+
+  /// The pass over the stored epochs in time order; they are dropped after it.
+  ///
+  /// A lone first epoch of the run is kept for the next pass.
+  /// @param interval  s, step of the common-mode sum
+  /// @param observer  may be null
+  /// @return false when the run holds fewer than two epochs
+  bool ProcessAllEpochs(const double station_position[3], gnssqctoolkit::Ephemeris& ephemeris, double interval,
+                        QcDetailObserver* observer);
+
+  /// Multipath and slip results of a satellite (number 1 to 208).
+  const SatMp& Multipath(int number) const;
+  const SatIodDetect& Ionosphere(int number) const;
+
+  /// Drops all state.
+  void Release();
+
+ private:
+  struct Impl;
+  bool initialised_ = false;
+  int window_length_ = 50;
+  std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace orsolva
+
+#endif  // ORSOLVA_MEASURES_DRIVER_H

@@ -1,0 +1,82 @@
+// The navigation set of a run: one store a system, and the one door through which measures and positioning ask
+// for satellite positions.
+#ifndef ORSOLVA_NAVIGATION_EPHEMERIS_H
+#define ORSOLVA_NAVIGATION_EPHEMERIS_H
+
+#include <cstdint>
+
+#include "interface/records.h"
+#include "navigation/ephemeris_store.h"
+#include "navigation/satellite_state.h"
+#include "toolkit/satellite.h"
+#include "toolkit/time.h"
+
+namespace gnssqctoolkit {
+
+/// A record chosen for a satellite and an epoch. Stays valid until a record is added to its store.
+struct EphemerisChoice {
+  SatelliteId Satellite;
+  const void* Record = nullptr;  ///< null = none; the type follows from the system
+  AbsoluteTime Reference;        ///< reference epoch of the record, in the record's own scale; zero = none
+};
+
+/// Stores of all systems. QZSS has a store of its own in the GPS form.
+class Ephemeris {
+ public:
+  Ephemeris();
+  virtual ~Ephemeris() = default;
+
+  SystemEphemerisGPS& Gps() { return gps_; }
+  SystemEphemerisGLONASS& Glonass() { return glonass_; }
+  SystemEphemerisBDS& Bds() { return bds_; }
+  SystemEphemerisGALILEO& Galileo() { return galileo_; }
+  SystemEphemerisGPS& Qzss() { return qzss_; }
+
+  /// Ages with which elevations and positioning select: GPS and QZSS 7200 s, GLONASS 1800 s, BDS and
+  /// Galileo 21600 s.
+  void SetDefaultMaxAges();
+  /// Ages of the pass of the measures: 7200 s, GLONASS 1800 s.
+  void SetPassMaxAges();
+
+  /// The record for a satellite at an epoch (GPS time), by the rule of the system's store.
+  /// @return false, with an empty choice, when there is none
+  bool Select(const SatelliteId& satellite, const AbsoluteTime& time, EphemerisChoice& choice) const;
+
+  /// Position and clock at transmission time with the record selected for the reception time.
+  /// @param pseudorange  m; one of magnitude below 1e-12 fails
+  /// @return false with the state cleared (health -1) when none can be formed
+  bool SatellitePosition(const SatelliteId& satellite, const AbsoluteTime& reception, double pseudorange,
+                         SatelliteState& state) const;
+
+  /// The same with a record chosen before.
+  bool SatellitePosition(const EphemerisChoice& choice, const AbsoluteTime& reception, double pseudorange,
+                         SatelliteState& state) const;
+
+  /// Earliest time at or after `from` (GPS time) at which some record of the satellite is within the maximum
+  /// age; lets callers skip spans without records. Rounded outward: never later than the true one by more
+  /// than a microsecond, and possibly a little earlier.
+  /// @return false when there is none
+  bool CoveredAtOrAfter(const SatelliteId& satellite, const AbsoluteTime& from, AbsoluteTime& at) const;
+  /// Latest such time at or before `from`.
+  bool CoveredAtOrBefore(const SatelliteId& satellite, const AbsoluteTime& from, AbsoluteTime& at) const;
+
+  /// Frequency channels of GLONASS slots 1 to 32, -999 where unknown.
+  const std::int32_t* GlonassChannels() const { return glonass_channels_; }
+  /// Fills the channel table from the first stored record of each slot.
+  void UpdateGlonassChannels();
+
+  /// Drops every record.
+  void Release();
+
+ private:
+  SystemEphemerisGPS gps_;
+  SystemEphemerisGLONASS glonass_;
+  SystemEphemerisBDS bds_;
+  SystemEphemerisGALILEO galileo_;
+  SystemEphemerisGPS qzss_;
+  std::int32_t glonass_channels_[32];
+};
+
+}  // namespace gnssqctoolkit
+
+#endif  // ORSOLVA_NAVIGATION_EPHEMERIS_H

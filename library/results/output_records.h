@@ -1,0 +1,20 @@
+// Filling the output records from the statistics of a run.
+#ifndef ORSOLVA_RESULTS_OUTPUT_RECORDS_H
+#define ORSOLVA_RESULTS_OUTPUT_RECORDS_H
+
+#include "interface/records.h"
+#include "results/result_sources.h"
+
+namespace orsolva {
+
+/// The whole-run result.
+/// @param interval  the run's interval rounded to 1 ms, to be written back to the run
+/// @return whether the filled record is plausible: lost epochs not negative, combined completeness in [0, 1]
+bool FillAllPeriodResult(const ResultSources& sources, result_qct& record, double& interval);
+
+/// The result per signal code. The record is zeroed first.
+void FillEachCodeResult(const ResultSources& sources, total_code_qc_result& record);
+
+}  // namespace orsolva
+
+#endif  // ORSOLVA_RESULTS_OUTPUT_RECORDS_H

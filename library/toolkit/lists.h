@@ -1,13 +1,16 @@
 // Growable lists of 32-bit integers and doubles.
 //
-// The reported capacity grows in steps of 20; the memory behind it grows geometrically, so that n appends cost
-// O(n) overall. An allocation that fails leaves the list as it was and is reported, never thrown.
+// The reported capacity grows in steps of 20; the memory behind it grows geometrically, so that n appends
+// cost O(n) overall. An allocation that fails leaves the list as it was and is reported, never thrown.
 #ifndef ORSOLVA_TOOLKIT_LISTS_H
 #define ORSOLVA_TOOLKIT_LISTS_H
 
+#include <algorithm>
 #include <cstdint>
-#include <cstdlib>
-#include <cstring>
+#include <limits>
+#include <utility>
+
+#include "toolkit/growth_buffer.h"
 
 namespace gnssqctoolkit {
 
@@ -25,43 +28,77 @@ class GrowableList {
     Swap(other);
     return *this;
   }
-  virtual ~GrowableList() { Release(); }
+  virtual ~GrowableList() = default;
 
   int Count() const { return count_; }
   int Capacity() const { return capacity_; }
-  T* Data() { return data_; }
-  const T* Data() const { return data_; }
-  const T* begin() const { return data_; }
-  const T* end() const { return data_ + count_; }
+  T* Data() { return buffer_.Data(); }
+  const T* Data() const { return buffer_.Data(); }
+  const T* begin() const { return buffer_.Data(); }
+  const T* end() const { return buffer_.Data() + count_; }
 
   /// @return 1, or 0 with the list unchanged when there is no memory
-  int Append(T value);
+  int Append(T value) {
+    if (count_ >= capacity_ && !Grow()) return 0;
+    buffer_.Data()[count_++] = value;
+    return 1;
+  }
   /// Element i; outside the list the filler, reset to 0, so that a write there changes nothing.
   T& Element(int i) {
-    if (i >= 0 && i < count_) return data_[i];
+    if (i >= 0 && i < count_) return buffer_.Data()[i];
     filler_ = T{};
     return filler_;
   }
   /// Value at i, 0 outside the list.
-  T At(int i) const { return i >= 0 && i < count_ ? data_[i] : T{}; }
+  T At(int i) const { return i >= 0 && i < count_ ? buffer_.Data()[i] : T{}; }
   /// Shifts the later elements down and writes the filler into the freed slot. @return 1, or 0 out of range
-  int RemoveAt(int i);
+  int RemoveAt(int i) {
+    if (i < 0 || i >= count_) return 0;
+    T* data = buffer_.Data();
+    std::move(data + i + 1, data + count_, data + i);
+    data[--count_] = filler_;
+    return 1;
+  }
   /// Count 0; the array is kept and zeroed.
-  void Clear();
+  void Clear() {
+    std::fill_n(buffer_.Data(), capacity_, T{});
+    count_ = 0;
+  }
   /// Frees the array.
-  void Release();
+  void Release() {
+    buffer_.Release();
+    count_ = 0;
+    capacity_ = 0;
+  }
 
  private:
   static constexpr int kGrowthStep = 20;
 
-  void CopyFrom(const GrowableList& other);
-  void Swap(GrowableList& other) noexcept;
-  bool Reserve(int slots);
+  /// One step more of reported capacity, its slots set to the filler.
+  bool Grow() {
+    if (capacity_ > std::numeric_limits<int>::max() - kGrowthStep) return false;
+    if (!buffer_.Reserve(capacity_ + kGrowthStep, count_)) return false;
+    std::fill_n(buffer_.Data() + capacity_, kGrowthStep, filler_);
+    capacity_ += kGrowthStep;
+    return true;
+  }
+  void CopyFrom(const GrowableList& other) {
+    Clear();
+    for (T value : other) {
+      if (Append(value) == 0) break;
+    }
+    filler_ = other.filler_;
+  }
+  void Swap(GrowableList& other) noexcept {
+    buffer_.Swap(other.buffer_);
+    std::swap(count_, other.count_);
+    std::swap(capacity_, other.capacity_);
+    std::swap(filler_, other.filler_);
+  }
 
+  GrowthBuffer<T> buffer_;
   int count_ = 0;
-  int capacity_ = 0;   // reported, a multiple of the growth step
-  int allocated_ = 0;  // slots really owned
-  T* data_ = nullptr;
+  int capacity_ = 0;  // reported, a multiple of the growth step
   T filler_{};
 };
 

@@ -10,9 +10,9 @@ namespace gnssqctoolkit {
 struct SignalRow {
   std::int32_t code;
   std::uint8_t band;
-  std::uint8_t priority;  ///< rank within the band, 1 = first choice
-  char obs[3];            ///< observation code, band digit and tracking letter
-  std::uint8_t frequency; ///< frequency slot, 1-based, under which results of the band are kept
+  std::uint8_t priority;   ///< rank within the band, 1 = first choice
+  char obs[3];             ///< observation code, band digit and tracking letter
+  std::uint8_t frequency;  ///< frequency slot, 1-based, under which results of the band are kept
 };
 
 /// The table of a system and its number of rows; null and 0 for an unknown system.

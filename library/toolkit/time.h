@@ -6,6 +6,7 @@
 #ifndef ORSOLVA_TOOLKIT_TIME_H
 #define ORSOLVA_TOOLKIT_TIME_H
 
+#include <cstddef>
 #include <cstdint>
 
 namespace gnssqctoolkit {
@@ -24,7 +25,7 @@ class GNSSTime {
   GNSSTime(std::int32_t year, std::int32_t month, std::int32_t day, std::int32_t hour, std::int32_t minute,
            double second);
   /// From GPS week and seconds of week; whole weeks in `seconds_of_week` are carried, truncating toward zero.
-  /// Not-a-number or absurd seconds (beyond 1e15) give the zero time.
+  /// Not-a-number or absurd seconds (beyond 1e15) and a week that leaves its 32 bits give the zero time.
   GNSSTime(std::int32_t week, double seconds_of_week);
   /// From an absolute time; the stored absolute time is the one recomputed from the calendar.
   explicit GNSSTime(const AbsoluteTime& absolute);
@@ -77,6 +78,10 @@ GNSSTime BdsWeekToTime(std::int32_t week, double seconds_of_week);
 /// GPS time to UTC.
 /// @param leap_seconds  the caller's current count, used after the newest table row; 0 when none
 AbsoluteTime GpsToUtc(const AbsoluteTime& t, int leap_seconds);
+
+/// Writes "year/month/day hour:minute:second", zero-padded, cut to `size` bytes with the final zero.
+/// @param decimals  digits after the point of the seconds, held within 0 to 15
+void TimeText(const GNSSTime& t, int decimals, char* buffer, std::size_t size);
 
 }  // namespace gnssqctoolkit
 

@@ -1,0 +1,32 @@
+#!/usr/bin/env bash
+# Compares the result digests of optimised builds with unoptimised ones made here by the same compilers.
+#
+# usage: tests/property/same_bits.sh BUILD...
+set -euo pipefail
+cd "$(dirname "$0")/../.."
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+
+expected=""
+compare() {  # NAME DIGEST_PROGRAM
+  local got
+  got=$("$2")
+  echo "$1"
+  echo "$got"
+  if [ -z "$expected" ]; then expected=$got; fi
+  if [ "$got" != "$expected" ]; then
+    echo "same_bits: $1 gives other bits" >&2
+    exit 1
+  fi
+}
+
+for build in "$@"; do
+  compare "$build" "$build/bin/result_digest"
+  compiler=$(sed -n 's/^CMAKE_CXX_COMPILER:[^=]*=//p' "$build/CMakeCache.txt")
+  unoptimised=$scratch/$(basename "$build")
+  cmake -S . -B "$unoptimised" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0 \
+    -DCMAKE_CXX_COMPILER="$compiler" -DORSOLVA_BUILD_HOST=OFF >/dev/null
+  cmake --build "$unoptimised" --target result_digest >/dev/null
+  compare "$build -O0" "$unoptimised/bin/result_digest"
+done
+echo "same bits in all builds"

@@ -1,0 +1,123 @@
+#!/usr/bin/env python3
+"""Holds the picture of ARCHITECTURE.md against the tree.
+
+usage: structure_test.py ROOT
+
+Fails when an include of the library points upward or in a circle, when host/ includes more of the library than its
+interface, when an include path leaves its root with "..", or when ARCHITECTURE.md names a path that is not there.
+"""
+import pathlib
+import re
+import sys
+
+# Floors from the ground up; a file may include its own floor and those below it.
+FLOORS = [
+    ["interface/records.h"],
+    ["toolkit/"],
+    ["matrix/"],
+    ["navigation/"],
+    ["qc/config", "qc/epoch_time", "qc/epoch_data", "qc/numeric"],
+    ["measures/"],
+    ["results/"],
+    ["qc/"],
+    ["interface/"],
+]
+INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.M)
+PATH = re.compile(r"`((?:library|host|tests|docs|scripts|bench|fuzz|examples|cmake)/[^`*]*)`")
+
+
+def floor_of(path):
+    """Number of the floor a path below library/ belongs to."""
+    for number, prefixes in enumerate(FLOORS):
+        if any(path.startswith(prefix) for prefix in prefixes):
+            return number
+    return None
+
+
+def includes_of(file):
+    return INCLUDE.findall(file.read_text(encoding="utf-8"))
+
+
+def check_library(root, problems):
+    graph = {}
+    library = root / "library"
+    for file in sorted(library.rglob("*.[hc]*")):
+        if file.suffix not in (".h", ".cpp"):
+            continue
+        name = file.relative_to(library).as_posix()
+        own = floor_of(name)
+        if own is None:
+            problems.append(f"{name}: on no floor")
+            continue
+        graph[name] = []
+        for include in includes_of(file):
+            if name.startswith("interface/") and "/" not in include:
+                include = "interface/" + include
+            if not (library / include).is_file():
+                problems.append(f"{name}: includes {include}, which is not a file of the library")
+                continue
+            if floor_of(include) > own:
+                problems.append(f"{name}: includes {include} from a floor above")
+            graph[name].append(include)
+    check_circles(graph, problems)
+
+
+def check_circles(graph, problems):
+    done, open_names = set(), []
+
+    def visit(name):
+        if name in done:
+            return
+        if name in open_names:
+            problems.append("circle: " + " -> ".join(open_names[open_names.index(name):] + [name]))
+            return
+        open_names.append(name)
+        for include in graph.get(name, []):
+            visit(include)
+        open_names.pop()
+        done.add(name)
+
+    for name in graph:
+        visit(name)
+
+
+def check_host(root, problems):
+    for file in sorted((root / "host").rglob("*.[hc]*")):
+        if file.suffix not in (".h", ".cpp"):
+            continue
+        name = file.relative_to(root).as_posix()
+        for include in includes_of(file):
+            if (root / "library" / include).is_file() and not include.startswith("interface/"):
+                problems.append(f"{name}: includes {include} of the library")
+            elif include.startswith("library/") and not include.startswith("library/interface/"):
+                problems.append(f"{name}: includes {include}")
+
+
+def check_relative(root, problems):
+    for top in ("library", "host", "tests", "bench", "fuzz", "examples"):
+        for file in sorted((root / top).rglob("*.[hc]*")):
+            if file.suffix in (".h", ".cpp") and any(".." in include for include in includes_of(file)):
+                problems.append(f"{file.relative_to(root)}: include path with ..")
+
+
+def check_architecture(root, problems):
+    text = (root / "ARCHITECTURE.md").read_text(encoding="utf-8")
+    for path in PATH.findall(text):
+        if not (root / path).exists():
+            problems.append(f"ARCHITECTURE.md: {path} does not exist")
+
+
+def main():
+    root = pathlib.Path(sys.argv[1])
+    problems = []
+    check_library(root, problems)
+    check_host(root, problems)
+    check_relative(root, problems)
+    check_architecture(root, problems)
+    for problem in problems:
+        print(problem)
+    sys.exit(1 if problems else 0)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,5 +1,5 @@
-// The navigation set of a run: one store a system, and the one door through which measures and positioning ask
-// for satellite positions.
+// The navigation set of a run: one store a system, and the one door through which measures and positioning
+// ask for satellite positions.
 #ifndef ORSOLVA_NAVIGATION_EPHEMERIS_H
 #define ORSOLVA_NAVIGATION_EPHEMERIS_H
 
@@ -31,6 +31,11 @@ class Ephemeris {
   SystemEphemerisBDS& Bds() { return bds_; }
   SystemEphemerisGALILEO& Galileo() { return galileo_; }
   SystemEphemerisGPS& Qzss() { return qzss_; }
+  const SystemEphemerisGPS& Gps() const { return gps_; }
+  const SystemEphemerisGLONASS& Glonass() const { return glonass_; }
+  const SystemEphemerisBDS& Bds() const { return bds_; }
+  const SystemEphemerisGALILEO& Galileo() const { return galileo_; }
+  const SystemEphemerisGPS& Qzss() const { return qzss_; }
 
   /// Ages with which elevations and positioning select: GPS and QZSS 7200 s, GLONASS 1800 s, BDS and
   /// Galileo 21600 s.

@@ -1,4 +1,5 @@
-// Single point positioning over a batch: epochs spread over it, one least-squares solution each, their median.
+// Single point positioning over a batch: epochs spread over it, one least-squares solution each, their
+// median.
 #ifndef ORSOLVA_NAVIGATION_POSITIONING_H
 #define ORSOLVA_NAVIGATION_POSITIONING_H
 

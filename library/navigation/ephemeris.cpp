@@ -1,0 +1,125 @@
+#include "navigation/ephemeris.h"
+
+#include <cmath>
+
+#include "navigation/constants.h"
+
+namespace gnssqctoolkit {
+namespace {
+
+constexpr std::int32_t kUnknownChannel = -999;
+constexpr double kPassMaxAge = 7200.0;         // s
+constexpr double kPassMaxAgeGlonass = 1800.0;  // s
+
+template <class Traits>
+bool SelectFrom(const SystemEphemeris<Traits>& store, const SatelliteId& satellite, const AbsoluteTime& time,
+                EphemerisChoice& choice) {
+  AbsoluteTime reference;
+  const auto* record = store.Find(satellite, Traits::StoreTime(time), -1, reference);
+  if (record == nullptr) return false;
+  choice.Satellite = satellite;
+  choice.Record = record;
+  choice.Reference = reference;
+  return true;
+}
+
+template <class Traits>
+bool PositionFrom(const SystemEphemeris<Traits>& store, const EphemerisChoice& choice,
+                  const AbsoluteTime& reception, double pseudorange, SatelliteState& state) {
+  const auto& record = *static_cast<const typename Traits::Record*>(choice.Record);
+  return store.SatellitePosition(record, choice.Reference, reception, pseudorange, state) == 1;
+}
+
+// Calls `use` with the store of a system; false for a system without one.
+template <class Owner, class Use>
+bool WithStore(const Owner& owner, int system, Use use) {
+  switch (system) {
+    case kGps:
+      return use(owner.Gps());
+    case kGlonass:
+      return use(owner.Glonass());
+    case kBds:
+      return use(owner.Bds());
+    case kGalileo:
+      return use(owner.Galileo());
+    case kQzss:
+      return use(owner.Qzss());
+    default:
+      return false;
+  }
+}
+
+}  // namespace
+
+Ephemeris::Ephemeris() : qzss_(kQzss) {
+  for (std::int32_t& channel : glonass_channels_) channel = kUnknownChannel;
+}
+
+void Ephemeris::SetDefaultMaxAges() {
+  gps_.SetMaxAge(GpsTraits::kDefaultMaxAge);
+  glonass_.SetMaxAge(GlonassTraits::kDefaultMaxAge);
+  bds_.SetMaxAge(BdsTraits::kDefaultMaxAge);
+  galileo_.SetMaxAge(GalileoTraits::kDefaultMaxAge);
+  qzss_.SetMaxAge(GpsTraits::kDefaultMaxAge);
+}
+
+void Ephemeris::SetPassMaxAges() {
+  gps_.SetMaxAge(kPassMaxAge);
+  glonass_.SetMaxAge(kPassMaxAgeGlonass);
+  bds_.SetMaxAge(kPassMaxAge);
+  galileo_.SetMaxAge(kPassMaxAge);
+  qzss_.SetMaxAge(kPassMaxAge);
+}
+
+bool Ephemeris::Select(const SatelliteId& satellite, const AbsoluteTime& time,
+                       EphemerisChoice& choice) const {
+  choice = EphemerisChoice{};
+  return WithStore(*this, satellite.system,
+                   [&](const auto& store) { return SelectFrom(store, satellite, time, choice); });
+}
+
+bool Ephemeris::SatellitePosition(const SatelliteId& satellite, const AbsoluteTime& reception,
+                                  double pseudorange, SatelliteState& state) const {
+  state = SatelliteState{};
+  return WithStore(*this, satellite.system, [&](const auto& store) {
+    return store.SatellitePosition(satellite, reception, pseudorange, state) == 1;
+  });
+}
+
+bool Ephemeris::SatellitePosition(const EphemerisChoice& choice, const AbsoluteTime& reception,
+                                  double pseudorange, SatelliteState& state) const {
+  state = SatelliteState{};
+  if (choice.Record == nullptr) return false;
+  return WithStore(*this, choice.Satellite.system, [&](const auto& store) {
+    return PositionFrom(store, choice, reception, pseudorange, state);
+  });
+}
+
+bool Ephemeris::CoveredAtOrAfter(const SatelliteId& satellite, const AbsoluteTime& from,
+                                 AbsoluteTime& at) const {
+  return WithStore(*this, satellite.system,
+                   [&](const auto& store) { return store.CoveredAtOrAfter(satellite, from, at); });
+}
+
+bool Ephemeris::CoveredAtOrBefore(const SatelliteId& satellite, const AbsoluteTime& from,
+                                  AbsoluteTime& at) const {
+  return WithStore(*this, satellite.system,
+                   [&](const auto& store) { return store.CoveredAtOrBefore(satellite, from, at); });
+}
+
+void Ephemeris::UpdateGlonassChannels() {
+  for (int slot = 1; slot <= GlonassTraits::kSatellites; ++slot) {
+    const GloEph_gbt* first = glonass_.Satellite({kGlonass, slot})->At(0);
+    glonass_channels_[slot - 1] = first == nullptr ? kUnknownChannel : first->frequency_channel;
+  }
+}
+
+void Ephemeris::Release() {
+  gps_.Release();
+  glonass_.Release();
+  bds_.Release();
+  galileo_.Release();
+  qzss_.Release();
+}
+
+}  // namespace gnssqctoolkit

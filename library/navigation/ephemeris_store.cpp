@@ -1,0 +1,232 @@
+#include "navigation/ephemeris_store.h"
+
+#include <cmath>
+#include <type_traits>
+
+#include "navigation/constants.h"
+#include "toolkit/trace.h"
+
+namespace gnssqctoolkit {
+namespace {
+
+constexpr double kSameFraction = 1e-12;  // s, between the clock times of one record loaded twice
+constexpr double kCoverMargin = 1e-6;    // s, for the rounding of ages
+
+bool IsFinite(const SatelliteState& state) {
+  return std::isfinite(state.Position[0]) && std::isfinite(state.Position[1]) &&
+         std::isfinite(state.Position[2]) && std::isfinite(state.Clock);
+}
+
+bool HasRange(double pseudorange) {
+  return std::fabs(pseudorange) >= kAbsentRange && std::isfinite(pseudorange);
+}
+
+// How much later than its reference time, read as GPS time, a record may count: BDS time is behind GPS time
+// by 14 s, UTC by at most the newest leap second (and never ahead).
+template <class Traits>
+constexpr double LaterInGpsTime() {
+  if constexpr (std::is_same_v<Traits, BdsTraits>) return kGpsMinusBds;
+  if constexpr (std::is_same_v<Traits, GlonassTraits>) return 19.0;
+  return 0.0;
+}
+
+}  // namespace
+
+template <class Traits>
+bool SatelliteEphemeris<Traits>::Add(const Record& record) {
+  const AbsoluteTime added = Traits::ClockTime(record);
+  for (const Record& stored : records_) {
+    const AbsoluteTime clock = Traits::ClockTime(stored);
+    if (stored.prn == record.prn && clock.Seconds == added.Seconds &&
+        std::fabs(clock.Fraction - added.Fraction) < kSameFraction) {
+      return false;
+    }
+  }
+  if (Count() >= kMaxRecordsPerSatellite) {
+    records_.erase(records_.begin());
+    references_.erase(references_.begin());
+  }
+  references_.reserve(records_.size() + 1);  // so that a failing allocation leaves both lists alike
+  records_.push_back(record);
+  references_.push_back(Traits::ReferenceTime(record));
+  return true;
+}
+
+template <class Traits>
+const typename Traits::Record* SatelliteEphemeris<Traits>::At(int i) const {
+  return i >= 0 && i < Count() ? &records_[static_cast<std::size_t>(i)] : nullptr;
+}
+
+template <class Traits>
+void SatelliteEphemeris<Traits>::Release() {
+  std::vector<Record>().swap(records_);
+  std::vector<AbsoluteTime>().swap(references_);
+}
+
+template <class Traits>
+int SatelliteEphemeris<Traits>::Choose(const AbsoluteTime& t, std::int32_t prn, std::int32_t iode) const {
+  int chosen = -1;
+  double best = max_age_s_ + 1.0;
+  for (std::size_t i = 0; i < records_.size(); ++i) {
+    if (records_[i].prn != prn) continue;
+    if constexpr (Traits::kHasIode) {
+      if (iode >= 0 && records_[i].iode != iode) continue;
+    }
+    const double age = std::fabs(TimeDifference(t, references_[i]));
+    if (!(age <= max_age_s_)) continue;  // an age that is not a number is no age
+    if (Traits::kHasIode && iode >= 0) return static_cast<int>(i);
+    if (age <= best) {
+      best = age;
+      chosen = static_cast<int>(i);
+    }
+  }
+  return chosen;
+}
+
+template <class Traits>
+bool SatelliteEphemeris<Traits>::NearestCovered(const AbsoluteTime& t, int direction, double widen_s,
+                                                double& offset_s) const {
+  bool found = false;
+  for (const AbsoluteTime& reference : references_) {
+    const double to_reference = TimeDifference(reference, t);
+    // Times outside the calendar collapse to zero on their way to BDS time, so that a record whose own time
+    // collapsed may be near any of them.
+    if (std::is_same_v<Traits, BdsTraits> &&
+        std::fabs(TimeDifference(reference, AbsoluteTime{})) <= kLongestMaxAge) {
+      offset_s = 0.0;
+      return true;
+    }
+    const double reach = max_age_s_ + kCoverMargin + std::fabs(to_reference) * 1e-15;
+    const double first = to_reference - reach, last = to_reference + reach + widen_s;
+    const double near_edge = direction > 0 ? first : -last;
+    const double far_edge = direction > 0 ? last : -first;
+    if (!(far_edge >= 0.0)) continue;
+    const double offset = near_edge > 0.0 ? near_edge : 0.0;
+    if (!found || offset < offset_s) offset_s = offset;
+    found = true;
+  }
+  return found;
+}
+
+template <class Traits>
+SystemEphemeris<Traits>::SystemEphemeris(GnssSystem system)
+    : system_(system), max_age_s_(Traits::kDefaultMaxAge) {}
+
+template <class Traits>
+void SystemEphemeris<Traits>::SetMaxAge(double max_age_s) {
+  const bool accepted = max_age_s > 0.0 && max_age_s <= kLongestMaxAge;
+  max_age_s_ = accepted ? max_age_s : Traits::kDefaultMaxAge;
+  for (auto& satellite : satellites_) satellite.SetMaxAge(max_age_s_);
+}
+
+template <class Traits>
+void SystemEphemeris<Traits>::Add(const Record& record) {
+  if (record.prn < 1 || record.prn > Traits::kSatellites) return;
+  satellites_[static_cast<std::size_t>(record.prn - 1)].Add(record);
+}
+
+template <class Traits>
+const SatelliteEphemeris<Traits>* SystemEphemeris<Traits>::Satellite(const SatelliteId& satellite) const {
+  if (satellite.system != system_ || satellite.prn < 1 || satellite.prn > Traits::kSatellites) return nullptr;
+  return &satellites_[static_cast<std::size_t>(satellite.prn - 1)];
+}
+
+template <class Traits>
+const typename Traits::Record* SystemEphemeris<Traits>::Find(const SatelliteId& satellite,
+                                                             const AbsoluteTime& t, std::int32_t iode,
+                                                             AbsoluteTime& reference) const {
+  if (satellite.system != system_) return nullptr;
+  const SatelliteEphemeris<Traits>* store = Satellite(satellite);
+  const int chosen = store == nullptr ? -1 : store->Choose(Traits::RecordTime(t), satellite.prn, iode);
+  // Kept for compatibility: a request by issue of data is reported as missing even when it was met.
+  if ((chosen < 0 || iode >= 0) && TraceEnabled()) Traits::TraceMissing(GNSSTime(t), satellite, iode);
+  if (chosen < 0) return nullptr;
+  reference = store->Reference(chosen);
+  return store->At(chosen);
+}
+
+template <class Traits>
+typename Traits::Record SystemEphemeris<Traits>::Select(const SatelliteId& satellite, const AbsoluteTime& t,
+                                                        std::int32_t iode) const {
+  AbsoluteTime reference;
+  const Record* found = Find(satellite, t, iode, reference);
+  return found == nullptr ? Record{} : *found;
+}
+
+template <class Traits>
+int SystemEphemeris<Traits>::SatellitePosition(const SatelliteId& satellite, const AbsoluteTime& reception,
+                                               double pseudorange, SatelliteState& state) const {
+  state = SatelliteState{};
+  if (Satellite(satellite) == nullptr) return 0;
+  if (!HasRange(pseudorange)) return 0;
+  if (!Traits::CanBePositioned(satellite.prn)) return 0;
+  AbsoluteTime reference;
+  const Record* record = Find(satellite, Traits::StoreTime(reception), -1, reference);
+  if (record == nullptr) return 0;
+  return SatellitePosition(*record, reference, reception, pseudorange, state);
+}
+
+template <class Traits>
+int SystemEphemeris<Traits>::SatellitePosition(const Record& record, const AbsoluteTime& reference,
+                                               const AbsoluteTime& reception, double pseudorange,
+                                               SatelliteState& state) const {
+  state = SatelliteState{};
+  if (!HasRange(pseudorange)) return 0;
+  if (!Traits::CanBePositioned(record.prn)) return 0;
+  SatelliteState formed;
+  if (Traits::Position(record, reference, reception, pseudorange, formed) == 0) return 0;
+  // Records may hold anything; what is not a number is no position.
+  if (!IsFinite(formed)) return 0;
+  state = formed;
+  return 1;
+}
+
+template <class Traits>
+double SystemEphemeris<Traits>::Tgd(const SatelliteId& satellite, int which) const {
+  if constexpr (std::is_same_v<Traits, BdsTraits>) {
+    const SatelliteEphemeris<Traits>* store = Satellite(satellite);
+    const Record* first = store == nullptr ? nullptr : store->At(0);
+    if (first != nullptr && which == 1) return first->tgd1;
+    if (first != nullptr && which == 2) return first->tgd2;
+  }
+  return 0.0;
+}
+
+template <class Traits>
+bool SystemEphemeris<Traits>::Covered(const SatelliteId& satellite, const AbsoluteTime& from, int direction,
+                                      AbsoluteTime& at) const {
+  const SatelliteEphemeris<Traits>* store = Satellite(satellite);
+  double offset = 0.0;
+  if (store == nullptr || !store->NearestCovered(from, direction, LaterInGpsTime<Traits>(), offset))
+    return false;
+  at = offset == 0.0 ? from : AbsoluteTimeAdd(from, direction > 0 ? offset : -offset);
+  return true;
+}
+
+template <class Traits>
+bool SystemEphemeris<Traits>::CoveredAtOrAfter(const SatelliteId& satellite, const AbsoluteTime& from,
+                                               AbsoluteTime& at) const {
+  return Covered(satellite, from, +1, at);
+}
+
+template <class Traits>
+bool SystemEphemeris<Traits>::CoveredAtOrBefore(const SatelliteId& satellite, const AbsoluteTime& from,
+                                                AbsoluteTime& at) const {
+  return Covered(satellite, from, -1, at);
+}
+
+template <class Traits>
+void SystemEphemeris<Traits>::Release() {
+  for (auto& satellite : satellites_) satellite.Release();
+}
+
+template class SatelliteEphemeris<GpsTraits>;
+template class SatelliteEphemeris<GlonassTraits>;
+template class SatelliteEphemeris<GalileoTraits>;
+template class SatelliteEphemeris<BdsTraits>;
+template class SystemEphemeris<GpsTraits>;
+template class SystemEphemeris<GlonassTraits>;
+template class SystemEphemeris<GalileoTraits>;
+template class SystemEphemeris<BdsTraits>;
+
+}  // namespace gnssqctoolkit

@@ -1,0 +1,112 @@
+#include "navigation/ephemeris_traits.h"
+
+#include "navigation/bds_orbit_type.h"
+#include "navigation/constants.h"
+#include "navigation/orbits.h"
+#include "toolkit/trace.h"
+
+namespace gnssqctoolkit {
+namespace {
+
+// The leap-second table alone decides; no count newer than it is known to the library.
+constexpr int kCurrentLeapSeconds = 0;
+// The records carry no accuracy index in use.
+constexpr int kGlonassAccuracyIndex = 4;
+
+constexpr double kGlonassAccuracies[15] = {1.0,  2.0,  2.5,  4.0,  5.0,   7.0,   10.0, 12.0,
+                                           14.0, 16.0, 32.0, 64.0, 128.0, 256.0, 512.0};
+
+// Transmission time by the satellite's clock: the reception time less the travel time of the pseudorange.
+AbsoluteTime ClockReading(const AbsoluteTime& reception, double pseudorange) {
+  return AbsoluteTimeAdd(reception, -pseudorange / kSpeedOfLight);
+}
+
+template <class Record>
+int KeplerPosition(const KeplerModel& model, const Record& record, const AbsoluteTime& reference,
+                   const AbsoluteTime& reception, double pseudorange, double scale_shift,
+                   SatelliteState& state) {
+  const ClockElements clock = ClockOf(record);
+  AbsoluteTime transmission = ClockReading(reception, pseudorange);
+  const double bias = BroadcastClock(transmission, clock.Toc, clock.Af0, clock.Af1, clock.Af2);
+  transmission = AbsoluteTimeAdd(transmission, -bias);
+  if (scale_shift != 0.0) transmission = SubtractSeconds(transmission, scale_shift);
+  if (KeplerOrbit(model, transmission, reference, clock, ElementsOf(record), state.Position, state.Clock) ==
+      0) {
+    return 0;
+  }
+  state.Variance = record.ura * record.ura;
+  state.Health = record.svh;
+  return 1;
+}
+
+}  // namespace
+
+AbsoluteTime GpsTraits::ReferenceTime(const Record& record) {
+  return GNSSTime(record.week, record.toes).Absolute();
+}
+AbsoluteTime GalileoTraits::ReferenceTime(const Record& record) {
+  return GNSSTime(record.week, record.toes).Absolute();
+}
+AbsoluteTime BdsTraits::ReferenceTime(const Record& record) {
+  return BdsWeekToTime(record.week, record.toes).Absolute();
+}
+
+AbsoluteTime BdsTraits::RecordTime(const AbsoluteTime& t) { return SubtractSeconds(t, kGpsMinusBds); }
+bool BdsTraits::CanBePositioned(std::int32_t prn) { return BdsOrbitType(prn) != kBdsTypeUnknown; }
+AbsoluteTime GlonassTraits::StoreTime(const AbsoluteTime& t) { return GpsToUtc(t, kCurrentLeapSeconds); }
+
+int GpsTraits::Position(const Record& record, const AbsoluteTime& reference, const AbsoluteTime& reception,
+                        double pseudorange, SatelliteState& state) {
+  return KeplerPosition({kGmGps, kEarthRotationGps, false}, record, reference, reception, pseudorange, 0.0,
+                        state);
+}
+
+int GalileoTraits::Position(const Record& record, const AbsoluteTime& reference,
+                            const AbsoluteTime& reception, double pseudorange, SatelliteState& state) {
+  return KeplerPosition({kGmBdsGalileo, kEarthRotationGps, false}, record, reference, reception, pseudorange,
+                        0.0, state);
+}
+
+int BdsTraits::Position(const Record& record, const AbsoluteTime& reference, const AbsoluteTime& reception,
+                        double pseudorange, SatelliteState& state) {
+  const KeplerModel model{kGmBdsGalileo, kEarthRotationBds, BdsIsGeo(record.orbit_type, record.prn)};
+  return KeplerPosition(model, record, reference, reception, pseudorange, kGpsMinusBds, state);
+}
+
+int GlonassTraits::Position(const Record& record, const AbsoluteTime& reference,
+                            const AbsoluteTime& reception, double pseudorange, SatelliteState& state) {
+  AbsoluteTime transmission = ClockReading(StoreTime(reception), pseudorange);
+  double dt = TimeDifference(transmission, reference);
+  for (int round = 0; round < 2; ++round) dt -= record.clock_bias + record.clock_rate * dt;
+  transmission = AbsoluteTimeAdd(transmission, -(record.clock_bias + record.clock_rate * dt));
+  if (GlonassOrbit(transmission, record, state.Position, state.Clock) == 0) return 0;
+  state.Variance = GlonassAccuracyVariance(kGlonassAccuracyIndex);
+  state.Health = record.svh;
+  return 1;
+}
+
+double GlonassAccuracyVariance(int index) {
+  const double accuracy = index >= 0 && index < 15 ? kGlonassAccuracies[index] : 9999.99;
+  return accuracy * accuracy;
+}
+
+void GpsTraits::TraceMissing(const GNSSTime& t, const SatelliteId& satellite, int iode) {
+  Trace(2, "no broadcast ephemeris: time=%02d:%02d:%06.3lf sat sys=%d prn%d iode=%d\n", t.Hour(), t.Minute(),
+        t.Second(), satellite.system, satellite.prn, iode);
+}
+
+void GalileoTraits::TraceMissing(const GNSSTime& t, const SatelliteId& satellite, int iode) {
+  Trace(2, "no broadcast ephemeris: time=%02d:%02d:%06.3lf sat sys=%d,prn=%d iode=%3d\n", t.Hour(),
+        t.Minute(), t.Second(), satellite.system, satellite.prn, iode);
+}
+
+void BdsTraits::TraceMissing(const GNSSTime& t, const SatelliteId& satellite, int iode) {
+  GalileoTraits::TraceMissing(t, satellite, iode);
+}
+
+void GlonassTraits::TraceMissing(const GNSSTime& t, const SatelliteId& satellite, int) {
+  Trace(2, "no broadcast ephemeris: time=%02d:%02d:%06.3lf sat sys=%d,prn=%d\n", t.Hour(), t.Minute(),
+        t.Second(), satellite.system, satellite.prn);
+}
+
+}  // namespace gnssqctoolkit

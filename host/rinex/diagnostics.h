@@ -1,0 +1,70 @@
+// What readers say about a file: notices about repaired oddities, and the error that ends reading.
+#ifndef ORSOLVA_RINEX_DIAGNOSTICS_H
+#define ORSOLVA_RINEX_DIAGNOSTICS_H
+
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace orsolva_host {
+
+/// One kind of oddity in one file. The place is that of its first case.
+struct Notice {
+  std::string file;
+  long line = 0;  ///< 1-based; 0 when no line is meant
+  std::string text;
+  long count = 0;
+  bool recovered = true;  ///< false when data were lost by it
+};
+
+/// The notices of a run, grouped by file and text, in order of first appearance.
+///
+/// At most kMaxKinds kinds are kept; cases of further kinds are only counted, so that a damaged file cannot
+/// fill the memory with its own text.
+class Diagnostics {
+ public:
+  static constexpr std::size_t kMaxKinds = 200;
+
+  void Add(const std::string& file, long line, const std::string& text, bool recovered = true);
+
+  const std::vector<Notice>& Notices() const { return notices_; }
+  /// Cases of kinds beyond the kept ones.
+  long Uncounted() const { return uncounted_; }
+  /// Cases of all kinds.
+  long Total() const { return total_; }
+
+ private:
+  std::vector<Notice> notices_;
+  std::unordered_map<std::string, std::size_t> index_;
+  long uncounted_ = 0;
+  long total_ = 0;
+};
+
+/// A file that cannot be read on: where, what was found, what was expected and what the user can do.
+class FileError : public std::runtime_error {
+ public:
+  /// @param line  1-based, 0 when the file as a whole is meant
+  FileError(std::string file, long line, std::string found, std::string expected, std::string advice);
+
+  const std::string& File() const { return file_; }
+  long Line() const { return line_; }
+  const std::string& Found() const { return found_; }
+  const std::string& Expected() const { return expected_; }
+  const std::string& Advice() const { return advice_; }
+
+ private:
+  std::string file_;
+  long line_;
+  std::string found_;
+  std::string expected_;
+  std::string advice_;
+};
+
+/// A piece of a file's text fit for a message: at most 40 characters, others than printable ASCII as '?'.
+std::string Quoted(const std::string& text);
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_RINEX_DIAGNOSTICS_H

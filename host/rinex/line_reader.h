@@ -1,0 +1,44 @@
+// Lines of a byte stream, as views into one buffer.
+#ifndef ORSOLVA_RINEX_LINE_READER_H
+#define ORSOLVA_RINEX_LINE_READER_H
+
+#include <cstddef>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "host/rinex/byte_source.h"
+
+namespace orsolva_host {
+
+/// Gives the lines of a source one after another, without their ends: "\n", "\r\n" or the end of the data.
+/// A line longer than kLongestLine comes in pieces, so that memory stays bounded on data without lines.
+class LineReader {
+ public:
+  static constexpr std::size_t kLongestLine = 1U << 18;
+
+  explicit LineReader(std::unique_ptr<ByteSource> source);
+
+  /// @param line  valid until the next call
+  /// @return false at the end of the data
+  bool Next(std::string_view& line);
+  /// Makes the next call of Next give the same line again.
+  void PushBack() { again_ = true; }
+  /// Number of the line given last, 1-based; 0 before the first.
+  long Line() const { return number_; }
+
+ private:
+  bool Refill();
+
+  std::unique_ptr<ByteSource> source_;
+  std::vector<char> buffer_;
+  std::size_t begin_ = 0;
+  std::size_t end_ = 0;
+  std::string_view last_;
+  long number_ = 0;
+  bool again_ = false;
+};
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_RINEX_LINE_READER_H

@@ -1,0 +1,63 @@
+// The epochs of an observation file as they stand in it, whatever the form of the file.
+//
+// Each form (plain, compact; by version) has a class of its own behind one interface. What an observation
+// type means is not known here: a satellite is a row of cells in the order of the header's types.
+#ifndef ORSOLVA_RINEX_OBSERVATION_BODY_H
+#define ORSOLVA_RINEX_OBSERVATION_BODY_H
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/rinex/diagnostics.h"
+#include "host/rinex/line_reader.h"
+#include "host/rinex/observation_header.h"
+#include "interface/records.h"
+
+namespace orsolva_host {
+
+/// One observation: the value and the two marks that follow it.
+struct Cell {
+  double value = 0;
+  bool present = false;
+  char loss_of_lock = ' ';
+  char strength = ' ';
+};
+
+struct SatelliteRow {
+  char letter = 'G';
+  int number = 0;
+  std::size_t first_cell = 0;
+  std::size_t cells = 0;
+};
+
+struct EpochBlock {
+  long line = 0;
+  Time_gbt time = {};      ///< calendar of the file as it stands
+  bool time_given = true;  ///< an event may leave its time blank
+  int flag = 0;            ///< 0 good, 1 power failure before, above 1 event
+  std::vector<SatelliteRow> satellites;
+  std::vector<Cell> cells;
+  std::vector<std::string> records;  ///< the lines of an event
+  long first_record_line = 0;
+};
+
+class ObservationBody {
+ public:
+  virtual ~ObservationBody() = default;
+  /// Reads the next epoch or event. What cannot be read is passed over with a notice.
+  /// @param types  observation types that hold for the epoch
+  /// @return false at the end of the data
+  virtual bool Next(const ObservationTypes& types, EpochBlock& epoch) = 0;
+};
+
+/// RINEX 3 and 4, plain.
+std::unique_ptr<ObservationBody> PlainBody(LineReader& lines, std::string file, Diagnostics& diagnostics);
+
+/// RINEX 3 and 4 in compact form 3 (Hatanaka 2008, Bulletin of the GSI 55).
+std::unique_ptr<ObservationBody> CompactBody(LineReader& lines, std::string file, Diagnostics& diagnostics);
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_RINEX_OBSERVATION_BODY_H

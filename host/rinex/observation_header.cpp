@@ -1,0 +1,155 @@
+#include "host/rinex/observation_header.h"
+
+#include <cmath>
+
+#include "host/rinex/decimal.h"
+
+namespace orsolva_host {
+namespace {
+
+constexpr double kLastKnownVersion3 = 3.05;
+constexpr double kLastKnownVersion4 = 4.02;
+// Far more than any receiver has; keeps a damaged file from growing the lists.
+constexpr std::size_t kMostTypes = 200;
+constexpr long kMostHeaderLines = 100000;
+
+std::string_view Label(std::string_view line) { return Trimmed(Field(line, 60, 20)); }
+
+std::string Text(std::string_view line, std::size_t column, std::size_t width) {
+  return std::string(Trimmed(Field(line, column, width)));
+}
+
+bool IsLetter(char c) { return c >= 'A' && c <= 'Z'; }
+
+}  // namespace
+
+void HeaderParser::ReadVersion(LineReader& lines) {
+  std::string_view line;
+  if (!lines.Next(line)) {
+    throw FileError(file_, 0, "an empty file", "a RINEX observation file", "Check how the file was made.");
+  }
+  if (Label(line) == "CRINEX VERS   / TYPE") {
+    header_.compact = true;
+    if (Field(line, 0, 1) != "3") {
+      throw FileError(file_, lines.Line(), "compact RINEX version " + Quoted(Text(line, 0, 20)), "3.0",
+                      "Convert the file to RINEX 3.");
+    }
+    // The second line tells the packing program.
+    if (!lines.Next(line) || !lines.Next(line)) line = {};
+  }
+  double version = 0;
+  if (Label(line) != "RINEX VERSION / TYPE" ||
+      ParseDecimal(Field(line, 0, 9), version) != FieldState::kNumber) {
+    throw FileError(file_, lines.Line(), Quoted(std::string(line)), "a line RINEX VERSION / TYPE",
+                    "Name a RINEX observation file first.");
+  }
+  if (Field(line, 20, 1) != "O") {
+    throw FileError(file_, lines.Line(), "file type " + Quoted(Text(line, 20, 20)), "observation data",
+                    "Name the observation file first, then the navigation files.");
+  }
+  if (!(version >= 3 && version < 5)) {
+    throw FileError(file_, lines.Line(), "RINEX version " + Quoted(Text(line, 0, 9)), "version 3 or 4",
+                    "Convert the file to RINEX 3.");
+  }
+  if ((version > kLastKnownVersion3 + 0.001 && version < 4) || version > kLastKnownVersion4 + 0.001) {
+    Notice(lines.Line(),
+           "version " + Text(line, 0, 9) + " is later than those known; read as the last known");
+  }
+  header_.version = version;
+  const std::string_view system = Field(line, 40, 1);
+  if (!system.empty() && system[0] != ' ') header_.system = system[0];
+}
+
+void HeaderParser::ReadAll(LineReader& lines) {
+  ReadVersion(lines);
+  std::string_view line;
+  while (lines.Next(line)) {
+    if (Label(line) == "END OF HEADER") return;
+    if (lines.Line() > kMostHeaderLines) break;
+    Take(line, lines.Line());
+  }
+  throw FileError(file_, lines.Line(), "no END OF HEADER", "it before the first epoch",
+                  "The file is cut off or damaged; fetch it again.");
+}
+
+void HeaderParser::BeginBlock() { types_system_ = 0; }
+
+void HeaderParser::Take(std::string_view line, long number) {
+  const std::string_view label = Label(line);
+  if (label == "SYS / # / OBS TYPES") {
+    TakeTypes(line, number);
+  } else if (label == "SYS / SCALE FACTOR") {
+    TakeScaleFactor(line, number);
+  } else if (label == "APPROX POSITION XYZ") {
+    TakePosition(line, number);
+  } else if (label == "INTERVAL") {
+    TakeInterval(line, number);
+  } else if (label == "MARKER NAME") {
+    header_.marker = Text(line, 0, 60);
+  } else if (label == "MARKER NUMBER") {
+    header_.marker_number = Text(line, 0, 20);
+  } else if (label == "REC # / TYPE / VERS") {
+    header_.receiver = Text(line, 20, 20);
+  } else if (label == "ANT # / TYPE") {
+    header_.antenna = Text(line, 20, 20);
+  } else if (label == "TIME OF FIRST OBS") {
+    header_.time_system = Text(line, 48, 3);
+  } else if (label == "LEAP SECONDS") {
+    std::int64_t seconds = 0;
+    if (ParseInteger(Field(line, 0, 6), seconds) == FieldState::kNumber && std::abs(seconds) < 1000) {
+      header_.leap_seconds = static_cast<int>(seconds);
+    }
+  }
+}
+
+void HeaderParser::TakeTypes(std::string_view line, long number) {
+  const std::string_view system = Field(line, 0, 1);
+  if (!system.empty() && IsLetter(system[0])) {
+    types_system_ = system[0];
+    header_.types[types_system_ - 'A'].clear();
+  } else if (types_system_ == 0) {
+    return Notice(number, "observation types without a system are left out");
+  }
+  std::vector<std::string>& types = header_.types[types_system_ - 'A'];
+  for (std::size_t column = 7; column + 3 <= 58 && types.size() < kMostTypes; column += 4) {
+    const std::string_view type = Trimmed(Field(line, column, 3));
+    if (!type.empty()) types.emplace_back(type);
+  }
+}
+
+void HeaderParser::TakeScaleFactor(std::string_view line, long number) {
+  ScaleFactor scale;
+  const std::string_view system = Field(line, 0, 1);
+  std::int64_t factor = 0;
+  if (system.empty() || !IsLetter(system[0]) ||
+      ParseInteger(Field(line, 2, 4), factor) != FieldState::kNumber || factor < 1) {
+    return Notice(number, "a scale factor that cannot be read is left out");
+  }
+  scale.system = system[0];
+  scale.factor = static_cast<double>(factor);
+  for (std::size_t column = 11; column + 3 <= 60; column += 4) {
+    const std::string_view type = Trimmed(Field(line, column, 3));
+    if (!type.empty()) scale.types.emplace_back(type);
+  }
+  if (header_.scale_factors.size() < kMostTypes) header_.scale_factors.push_back(scale);
+}
+
+void HeaderParser::TakePosition(std::string_view line, long number) {
+  std::array<double, 3> xyz = {};
+  for (std::size_t i = 0; i < 3; ++i) {
+    if (ParseDecimal(Field(line, 14 * i, 14), xyz[i]) == FieldState::kBad) {
+      return Notice(number, "an approximate position that cannot be read is left out");
+    }
+  }
+  if (xyz[0] != 0 || xyz[1] != 0 || xyz[2] != 0) header_.position = xyz;
+}
+
+void HeaderParser::TakeInterval(std::string_view line, long number) {
+  double interval = 0;
+  if (ParseDecimal(Field(line, 0, 10), interval) == FieldState::kBad || interval < 0) {
+    return Notice(number, "an interval that cannot be read is left out");
+  }
+  if (interval > 0) header_.interval_s = interval;
+}
+
+}  // namespace orsolva_host

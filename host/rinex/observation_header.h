@@ -1,0 +1,75 @@
+// The header of a RINEX observation file.
+#ifndef ORSOLVA_RINEX_OBSERVATION_HEADER_H
+#define ORSOLVA_RINEX_OBSERVATION_HEADER_H
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/rinex/diagnostics.h"
+#include "host/rinex/line_reader.h"
+
+namespace orsolva_host {
+
+/// Observation types by system letter 'A' to 'Z', such as "C1C", in file order.
+using ObservationTypes = std::array<std::vector<std::string>, 26>;
+
+/// Divides the values of a system's observation types.
+struct ScaleFactor {
+  char system = 'G';
+  double factor = 1;
+  std::vector<std::string> types;  ///< empty: all types of the system
+};
+
+struct ObservationHeader {
+  double version = 0;
+  bool compact = false;
+  char system = 'M';
+  std::string marker;
+  std::string marker_number;
+  std::string receiver;
+  std::string antenna;
+  std::string time_system;  ///< of TIME OF FIRST OBS, such as "GPS"; empty when not given
+  std::optional<std::array<double, 3>> position;  ///< approximate, ECEF, m; absent when zero or not given
+  std::optional<double> interval_s;
+  std::optional<int> leap_seconds;
+  ObservationTypes types;
+  std::vector<ScaleFactor> scale_factors;
+
+  const std::vector<std::string>& TypesOf(char letter) const { return types[letter - 'A']; }
+};
+
+/// Takes header lines one by one; also those that stand in the body after an event.
+class HeaderParser {
+ public:
+  HeaderParser(std::string file, Diagnostics& diagnostics, ObservationHeader& header)
+      : file_(std::move(file)), diagnostics_(diagnostics), header_(header) {}
+
+  /// Reads the lines up to and with END OF HEADER.
+  /// @throws FileError when the file is no RINEX observation file of a version that is read
+  void ReadAll(LineReader& lines);
+
+  /// Takes one line, known by its label in columns 61 to 80. Unknown labels are passed over.
+  void Take(std::string_view line, long number);
+  /// Must be called before the lines of another header block: types listed in it replace the ones known.
+  void BeginBlock();
+
+ private:
+  void ReadVersion(LineReader& lines);
+  void TakeTypes(std::string_view line, long number);
+  void TakeScaleFactor(std::string_view line, long number);
+  void TakePosition(std::string_view line, long number);
+  void TakeInterval(std::string_view line, long number);
+  void Notice(long number, const std::string& text) { diagnostics_.Add(file_, number, text); }
+
+  std::string file_;
+  Diagnostics& diagnostics_;
+  ObservationHeader& header_;
+  char types_system_ = 0;  ///< system of the type list that continues
+};
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_RINEX_OBSERVATION_HEADER_H

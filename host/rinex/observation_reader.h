@@ -1,0 +1,78 @@
+// Reads an observation file epoch by epoch into the library's records.
+#ifndef ORSOLVA_RINEX_OBSERVATION_READER_H
+#define ORSOLVA_RINEX_OBSERVATION_READER_H
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/rinex/byte_source.h"
+#include "host/rinex/diagnostics.h"
+#include "host/rinex/observation_body.h"
+#include "host/rinex/observation_header.h"
+#include "host/rinex/satellite_names.h"
+#include "interface/records.h"
+
+namespace orsolva_host {
+
+/// What is done with the cells of one system, one entry an observation type.
+struct CellPlan {
+  int signal = -1;  ///< place in SignalPlan::numbers; -1: the cell is passed over
+  char kind = ' ';  ///< 'C' pseudorange, 'L' phase, 'D' Doppler, 'S' signal strength
+  double scale = 1;
+};
+
+struct SystemPlan {
+  std::vector<std::uint8_t> numbers;  ///< signal code numbers in the order of their first types
+  std::vector<CellPlan> cells;
+};
+
+/// Streams the epochs of RINEX 3 and 4 observation files, plain or compact, gzip or not.
+///
+/// Epochs are seconds since 1970-01-01 on the GPS time scale: the calendar of the file as it stands, unless
+/// the file counts in BDS time (14 s are added) or GLONASS time (UTC; the header's leap seconds are added).
+/// Missing values are 0. Types of one band and tracking letter form one signal; a signal without any value is
+/// left out. Only the first 8 signals of a satellite and the first 80 satellites of an epoch are kept, with a
+/// notice. Events (flags above 1) are passed over, but their header lines are taken.
+class ObservationReader {
+ public:
+  /// Opens the file and reads its header. @throws FileError
+  ObservationReader(const std::string& path, Diagnostics& diagnostics);
+  /// Reads from a source already open. @param name  what notices call the file
+  ObservationReader(std::unique_ptr<ByteSource> source, std::string name, Diagnostics& diagnostics);
+
+  const ObservationHeader& Header() const { return header_; }
+
+  /// Fills the next epoch with observations. @return false at the end of the data
+  bool Next(ObsEpoch_QC_gbt& epoch);
+
+  /// False once the whole file is known to hold no signal strength at all.
+  bool HasSignalStrength() const { return has_strength_; }
+
+ private:
+  void MakePlans();
+  void PlanSystem(int slot);
+  void PlanTimeScale();
+  void TakeEvent(const EpochBlock& block);
+  void FillEpoch(ObsEpoch_QC_gbt& epoch);
+  void AddSatellite(const SatelliteRow& row, ObsEpoch_QC_gbt& epoch);
+  void FillSignals(const SystemPlan& plan, const SatelliteRow& row, Satellite_gbt& satellite);
+
+  std::string name_;
+  Diagnostics& diagnostics_;
+  LineReader lines_;
+  ObservationHeader header_;
+  HeaderParser parser_;
+  std::unique_ptr<ObservationBody> body_;
+  std::array<SystemPlan, kSystems> plans_;
+  EpochBlock block_;
+  std::vector<Signal_QC_gbt> signals_;  ///< of the satellite at hand, also those beyond 8
+  std::int64_t time_shift_s_ = 0;
+  bool has_strength_ = false;
+};
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_RINEX_OBSERVATION_READER_H

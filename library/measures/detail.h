@@ -1,6 +1,7 @@
 // The seat for detail: what the run computes per epoch, satellite and pair, for plots and tables.
 //
-// Null by default; every report is behind one test of a pointer. The observer must not call back into the run.
+// Null by default; every report is behind one test of a pointer. The observer must not call back into the
+// run.
 #ifndef ORSOLVA_MEASURES_DETAIL_H
 #define ORSOLVA_MEASURES_DETAIL_H
 
@@ -53,10 +54,10 @@ struct PairEpochDetail {
   IonosphereSlipReason IonosphereSlip = IonosphereSlipReason::kNone;
 
   bool HasDifference = false;
-  double DifferenceM = 0.0;      ///< phase-minus-geometry change
-  double ExcessM = 0.0;          ///< the change less the common one (what the slip test compares)
+  double DifferenceM = 0.0;  ///< phase-minus-geometry change
+  double ExcessM = 0.0;      ///< the change less the common one (what the slip test compares)
   double GeometryThresholdM = 0.0;
-  bool NewEphemeris = false;     ///< the previous value was formed again with a new record
+  bool NewEphemeris = false;  ///< the previous value was formed again with a new record
   GeometrySlipReason GeometrySlip = GeometrySlipReason::kNone;
 };
 

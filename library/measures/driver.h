@@ -1,5 +1,5 @@
-// The measures of a run: code pairs, multipath, ionosphere and slips of every satellite, and the pass over the
-// stored epochs that feeds them.
+// The measures of a run: code pairs, multipath, ionosphere and slips of every satellite, and the pass over
+// the stored epochs that feeds them.
 #ifndef ORSOLVA_MEASURES_DRIVER_H
 #define ORSOLVA_MEASURES_DRIVER_H
 
@@ -22,8 +22,9 @@ class IonSlipAndMultipath {
   IonSlipAndMultipath();
   virtual ~IonSlipAndMultipath();
 
-  /// Builds the pairs of every system from the observed codes, sets the averaging window and copies the GLONASS
-  /// channels. Called once a run; narrows the band flags and band counts of `config` as the pairing tells.
+  /// Builds the pairs of every system from the observed codes, sets the averaging window and copies the
+  /// GLONASS channels. Called once a run; narrows the band flags and band counts of `config` as the pairing
+  /// tells.
   /// @param code_lists        kCodeListSlots lists
   /// @param glonass_channels  32 values, -999 = unknown
   void Initialise(QcConfig& config, const gnssqctoolkit::IList* code_lists,
@@ -42,8 +43,8 @@ class IonSlipAndMultipath {
   /// @param interval  s, step of the common-mode sum
   /// @param observer  may be null
   /// @return false when the run holds fewer than two epochs
-  bool ProcessAllEpochs(const double station_position[3], gnssqctoolkit::Ephemeris& ephemeris, double interval,
-                        QcDetailObserver* observer);
+  bool ProcessAllEpochs(const double station_position[3], gnssqctoolkit::Ephemeris& ephemeris,
+                        double interval, QcDetailObserver* observer);
 
   /// Multipath and slip results of a satellite (number 1 to 208).
   const SatMp& Multipath(int number) const;

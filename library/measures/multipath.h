@@ -5,15 +5,40 @@
 
 #include <cstdint>
 
+#include "measures/channel_combinations.h"
 #include "measures/detail.h"
+#include "measures/pair_signals.h"
 #include "qc/epoch_data.h"
 #include "qc/epoch_time.h"
-#include "toolkit/lists.h"
 #include "toolkit/time.h"
 
 namespace orsolva {
 
-inline constexpr int kPairsPerBand = 10;
+/// Longest averaging window, epochs.
+inline constexpr int kMaxMpWindow = 50;
+
+/// The last values of a series, oldest first, at most kMaxMpWindow of them.
+class MovingWindow {
+ public:
+  /// Appends a value; a window that holds `length` values drops its oldest first.
+  void Push(double value, int length);
+  /// Sum from oldest to newest over the count; 0 when empty. Summed anew, so that no rounding is carried on.
+  double Mean() const;
+  /// Overwrites every value, keeping their number.
+  void Fill(double value);
+  /// Overwrites the newest value, if there is one.
+  void SetNewest(double value);
+
+  int Count() const { return count_; }
+  /// Value i, 0 the oldest; i must be below Count().
+  double At(int i) const { return values_[start_ + i]; }
+
+ private:
+  // Twice the room: the window slides up the array and is moved back down only when it meets the end.
+  double values_[2 * kMaxMpWindow] = {};
+  int start_ = 0;
+  int count_ = 0;
+};
 
 /// Averaging state and accumulated residuals of one satellite and code pair.
 class AbsoluteMp {
@@ -26,7 +51,9 @@ class AbsoluteMp {
   std::uint32_t Partner = 0;
   double SumOfSquares = 0.0;  ///< m^2
   std::int64_t Count = 0;
-  // The moving windows of values and residuals: owned by the implementer of this floor (see multipath.cpp).
+  int WindowLength = kMaxMpWindow;  ///< epochs
+  MovingWindow Values;              ///< last raw values, m
+  MovingWindow Residuals;           ///< last residuals, m
 };
 
 /// Results of one satellite: per band slot up to ten pairs in ascending (code, partner) order.
@@ -34,6 +61,45 @@ struct SatMp {
   std::uint8_t Count[kBandSlots] = {};
   const AbsoluteMp* Pairs[kBandSlots][kPairsPerBand] = {};
 };
+
+/// Factors of P, lambda_a * L_a and lambda_b * L_b.
+struct MpCoefficientSet {
+  double C0 = 0.0;
+  double C1 = 0.0;
+  double C2 = 0.0;
+};
+
+/// Coefficients that make P_i + C1 lambda_j L_j + C2 lambda_k L_k free of geometry and first-order
+/// ionosphere.
+/// @return false, with all coefficients zero, when both carriers lie on one band
+/// Source: Estey and Meertens 1999, GPS Solutions 3(1), eq. 4 and 5.
+bool MpCoefficients(double f_i, double f_j, double f_k, int band_j, int band_k,
+                    MpCoefficientSet& coefficients);
+
+/// C0 P + C1 L_a lambda_a + C2 L_b lambda_b, metres.
+double MpValue(double pseudorange, double phase_a, double phase_b, double lambda_a, double lambda_b,
+               const MpCoefficientSet& coefficients);
+
+/// Residual beyond which the averaging restarts, by band of the measured code, metres.
+/// @return false for an unknown system; a band without a row gives 0
+bool MpJumpThreshold(int system, int band, double& threshold);
+
+/// What one epoch gave, for the detail observer.
+struct MultipathStep {
+  bool HasValue = false;
+  double Value = 0.0;     ///< m
+  double Residual = 0.0;  ///< m
+  RestartReason Restart = RestartReason::kNone;
+};
+
+/// One epoch of one pair.
+/// @param slip      the geometry-free test found a slip in this epoch
+/// @param counting  above the elevation cut-off: the residual enters the sum, a restart its list
+/// @param step      may be null
+/// @return whether the averaging was restarted
+bool UpdateMultipath(AbsoluteMp& state, const PairSignals& signals, const gnssqctoolkit::AbsoluteTime& epoch,
+                     const CodeObservation& code, const CodeObservation& partner, bool slip, bool counting,
+                     MultipathStep* step);
 
 }  // namespace orsolva
 

@@ -1,0 +1,100 @@
+#include "measures/epoch_store.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace orsolva {
+namespace {
+
+// Which observation of a code stays when an epoch gives it twice.
+constexpr bool kFirstStoredWins = true;
+
+// Observations are stored in the order of their satellites, so First keeps the order of storing among equals.
+bool Earlier(const StoredSatellite& a, const StoredSatellite& b) {
+  if (a.Time.time != b.Time.time) return a.Time.time < b.Time.time;
+  return a.Time.sec != b.Time.sec ? a.Time.sec < b.Time.sec : a.First < b.First;
+}
+
+bool LowerNumber(const StoredSatellite& a, const StoredSatellite& b) {
+  return a.Number != b.Number ? a.Number < b.Number : a.First < b.First;
+}
+
+}  // namespace
+
+// Keeps the observations from `first` to the end ascending by code.
+void EpochStore::Insert(const CodeObservation& observation, std::size_t first) {
+  std::size_t at = observations_.size();
+  while (at > first && observations_[at - 1].Code > observation.Code) --at;
+  if (at > first && observations_[at - 1].Code == observation.Code) {
+    if (!kFirstStoredWins) observations_[at - 1] = observation;
+    return;
+  }
+  observations_.insert(observations_.begin() + static_cast<std::ptrdiff_t>(at), observation);
+}
+
+void EpochStore::Add(int number, const QcEpochData& epoch, bool counting) {
+  if (!std::isfinite(epoch.Time.sec)) return;
+  StoredSatellite satellite{epoch.Time, observations_.size(), 0, number, counting};
+  for (const QcSlotSignals& slot : epoch.Slots) {
+    const int count = std::min<int>(slot.Count, kSignalsPerSlot);
+    for (int i = 0; i < count; ++i) {
+      const Signal_QC_gbt& signal = slot.Signals[i];
+      Insert({signal.code, signal.phase, signal.pseudorange}, satellite.First);
+    }
+  }
+  satellite.Count = static_cast<std::uint32_t>(observations_.size() - satellite.First);
+  if (satellite.Count > 0) satellites_.push_back(satellite);
+}
+
+void EpochStore::Arrange() {
+  std::sort(satellites_.begin(), satellites_.end(), Earlier);
+  epochs_.clear();
+  for (std::size_t i = 0; i < satellites_.size(); ++i) {
+    if (epochs_.empty() || !TimeEqual(satellites_[i].Time, epochs_.back().Time)) {
+      epochs_.push_back({satellites_[i].Time, i, i});
+    }
+    epochs_.back().Last = i + 1;
+  }
+  MergeRepeated();
+}
+
+// Joins the entries of one satellite in one epoch and closes the room they leave.
+void EpochStore::MergeRepeated() {
+  std::size_t kept = 0;
+  for (StoredEpoch& epoch : epochs_) {
+    std::sort(satellites_.begin() + static_cast<std::ptrdiff_t>(epoch.First),
+              satellites_.begin() + static_cast<std::ptrdiff_t>(epoch.Last), LowerNumber);
+    const std::size_t first = kept;
+    for (std::size_t i = epoch.First; i < epoch.Last; ++i) {
+      const StoredSatellite satellite = satellites_[i];
+      if (kept > first && satellites_[kept - 1].Number == satellite.Number) {
+        MergeInto(satellites_[kept - 1], satellite);
+      } else {
+        satellites_[kept++] = satellite;
+      }
+    }
+    epoch.First = first;
+    epoch.Last = kept;
+  }
+  satellites_.resize(kept);
+}
+
+void EpochStore::MergeInto(StoredSatellite& into, const StoredSatellite& again) {
+  const std::size_t first = observations_.size();
+  for (const StoredSatellite& from : {into, again}) {
+    for (std::size_t i = from.First; i < from.First + from.Count; ++i) {
+      const CodeObservation observation = observations_[i];
+      Insert(observation, first);
+    }
+  }
+  into.First = first;
+  into.Count = static_cast<std::uint32_t>(observations_.size() - first);
+}
+
+void EpochStore::Clear() {
+  satellites_.clear();
+  observations_.clear();
+  epochs_.clear();
+}
+
+}  // namespace orsolva

@@ -1,0 +1,65 @@
+// The observations of a batch, taken in satellite by satellite and read back epoch by epoch.
+#ifndef ORSOLVA_MEASURES_EPOCH_STORE_H
+#define ORSOLVA_MEASURES_EPOCH_STORE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "measures/pair_signals.h"
+#include "qc/epoch_data.h"
+#include "qc/epoch_time.h"
+
+namespace orsolva {
+
+/// One satellite at one epoch; its observations stand in the store, ascending by code, each code once.
+struct StoredSatellite {
+  Time_gbt Time{};
+  std::size_t First = 0;
+  std::uint32_t Count = 0;
+  std::int32_t Number = 0;
+  bool Counting = false;
+};
+
+/// The satellites of one epoch: a range of Satellites().
+struct StoredEpoch {
+  Time_gbt Time{};
+  std::size_t First = 0;
+  std::size_t Last = 0;  ///< one past the end
+};
+
+/// Memory is kept between batches.
+class EpochStore {
+ public:
+  virtual ~EpochStore() = default;
+
+  /// Copies the observations of a satellite at an epoch. Times that are not finite and epochs without
+  /// observations are left out.
+  void Add(int number, const QcEpochData& epoch, bool counting);
+
+  /// Sorts what is stored into epochs, ascending in time, each with its satellites in ascending order. Times
+  /// that are equal by TimeEqual are one epoch; a satellite listed twice in an epoch becomes one entry.
+  void Arrange();
+
+  /// As of the last Arrange().
+  const std::vector<StoredEpoch>& Epochs() const { return epochs_; }
+  const std::vector<StoredSatellite>& Satellites() const { return satellites_; }
+  const CodeObservation* Observations(const StoredSatellite& satellite) const {
+    return observations_.data() + satellite.First;
+  }
+
+  void Clear();
+
+ private:
+  void Insert(const CodeObservation& observation, std::size_t first);
+  void MergeInto(StoredSatellite& into, const StoredSatellite& again);
+  void MergeRepeated();
+
+  std::vector<StoredSatellite> satellites_;
+  std::vector<CodeObservation> observations_;
+  std::vector<StoredEpoch> epochs_;
+};
+
+}  // namespace orsolva
+
+#endif  // ORSOLVA_MEASURES_EPOCH_STORE_H

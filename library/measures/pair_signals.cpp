@@ -1,0 +1,24 @@
+#include "measures/pair_signals.h"
+
+#include "toolkit/signals.h"
+
+namespace orsolva {
+
+PairSignals MakePairSignals(const gnssqctoolkit::SatelliteId& satellite, std::uint32_t code,
+                            std::uint32_t partner, const std::int32_t* glonass_channels) {
+  const int system = satellite.system;
+  const int a = static_cast<int>(code);
+  const int b = static_cast<int>(partner);
+  const bool has_channel = system == gnssqctoolkit::kGlonass && satellite.prn >= 1 && satellite.prn <= 32;
+  const int channel = has_channel ? glonass_channels[satellite.prn - 1] : -999;
+  PairSignals signals;
+  signals.System = system;
+  signals.CodeSlot = gnssqctoolkit::SignalFrequency(system, a);
+  signals.CodeBand = gnssqctoolkit::SignalBand(system, a);
+  signals.PartnerBand = gnssqctoolkit::SignalBand(system, b);
+  signals.CodeWavelength = gnssqctoolkit::Wavelength(system, a, channel);
+  signals.PartnerWavelength = gnssqctoolkit::Wavelength(system, b, channel);
+  return signals;
+}
+
+}  // namespace orsolva

@@ -7,23 +7,10 @@
 #include <vector>
 
 #include "navigation/ephemeris.h"
+#include "navigation/positioning_epoch.h"
 #include "navigation/spp.h"
-#include "toolkit/time.h"
 
 namespace gnssqctoolkit {
-
-/// One pseudorange of an epoch.
-struct PositioningObservation {
-  SatelliteId Satellite;
-  std::int32_t Code = 0;     ///< signal code, for the carrier wavelength
-  double Pseudorange = 0.0;  ///< m
-};
-
-/// One epoch, one pseudorange a satellite.
-struct PositioningEpoch {
-  AbsoluteTime Time;
-  std::vector<PositioningObservation> Observations;
-};
 
 /// How many epochs of a batch are positioned at most.
 inline constexpr int kMaxPositioningEpochs = 100;

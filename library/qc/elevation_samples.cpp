@@ -1,0 +1,171 @@
+#include "qc/elevation_samples.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+#include "qc/epoch_time.h"
+
+namespace orsolva {
+
+namespace {
+
+constexpr double kNominalRange = 3.0e8;  // m, for the signal travel time of samples and exact elevations
+
+// Samples are counted no further than this (about two million years), which keeps every index an exact
+// double.
+constexpr std::int64_t kMostSamples = std::int64_t{1} << 40;
+
+constexpr std::int64_t kNone = -1;
+
+}  // namespace
+
+StationView::StationView(const gnssqctoolkit::Ephemeris& ephemeris, const double station_position[3])
+    : ephemeris_(&ephemeris), geodetic_(gnssqctoolkit::EcefToGeodetic(station_position)) {
+  std::copy_n(station_position, 3, position_);
+}
+
+bool StationView::Direction(const gnssqctoolkit::SatelliteId& satellite, const Time_gbt& time,
+                            double azimuth_elevation[2]) const {
+  gnssqctoolkit::SatelliteState state;
+  if (!ephemeris_->SatellitePosition(satellite, ToAbsolute(time), kNominalRange, state)) return false;
+  double unit[3];
+  if (gnssqctoolkit::GeometricRange(state.Position, position_, unit) < 0.0) return false;
+  gnssqctoolkit::AzimuthElevation(geodetic_, unit, azimuth_elevation);
+  return true;
+}
+
+void ElevationSamples::Open(const StationView& view, const gnssqctoolkit::SatelliteId& satellite,
+                            const Time_gbt& batch_first, const Time_gbt& batch_last) {
+  Clear();
+  view_ = &view;
+  satellite_ = satellite;
+  first_ = batch_first;
+  last_index_ = std::clamp<std::int64_t>(IndexAtOrAfter(batch_last), 1, kMostSamples);
+}
+
+void ElevationSamples::Clear() {
+  elevations_.clear();
+  gaps_.clear();
+  has_bracket_ = false;
+}
+
+bool ElevationSamples::Bracket(const Time_gbt& t, SampleBracket& bracket) {
+  // A time on the earlier sample belongs to the pair before, if there is one.
+  if (!has_bracket_ || !(TimeDifference(t, bracket_.TimeBefore) > 0.0) ||
+      !(TimeDifference(bracket_.TimeAfter, t) >= 0.0)) {
+    std::int64_t before = kNone;
+    std::int64_t after = kNone;
+    has_bracket_ = FindBracket(t, before, after);
+    if (!has_bracket_) return false;
+    bracket_ = {SampleTime(before), SampleTime(after), elevations_.at(before), elevations_.at(after)};
+  }
+  bracket = bracket_;
+  return true;
+}
+
+bool ElevationSamples::FindBracket(const Time_gbt& t, std::int64_t& before, std::int64_t& after) {
+  if (!(TimeDifference(t, first_) >= 0.0)) return false;
+  const std::int64_t at_or_after = IndexAtOrAfter(t);
+  if (at_or_after > last_index_) return false;
+  after = NextExisting(at_or_after);
+  if (after == kNone) return false;
+  before = PreviousExisting(at_or_after - 1);
+  if (before != kNone) return true;
+  // Only the very first existing sample has no neighbour before it.
+  if (!(TimeDifference(t, SampleTime(after)) >= 0.0)) return false;
+  before = after;
+  after = NextExisting(before + 1);
+  return after != kNone;
+}
+
+Time_gbt ElevationSamples::SampleTime(std::int64_t i) const {
+  const auto whole = static_cast<std::uint64_t>(first_.time) + static_cast<std::uint64_t>(i * kSampleStep);
+  return {static_cast<std::int64_t>(whole), first_.sec};
+}
+
+std::int64_t ElevationSamples::IndexAtOrAfter(const Time_gbt& t) const {
+  const double steps = std::ceil(TimeDifference(t, first_) / static_cast<double>(kSampleStep));
+  if (!(steps > 0.0)) return 0;
+  if (!(steps < static_cast<double>(kMostSamples))) return kMostSamples + 1;
+  // The division rounds: one step either way settles it.
+  auto i = static_cast<std::int64_t>(steps);
+  if (TimeDifference(SampleTime(i - 1), t) >= 0.0) return i - 1;
+  if (TimeDifference(SampleTime(i), t) < 0.0) ++i;
+  return i;
+}
+
+bool ElevationSamples::Exists(std::int64_t i) {
+  if (elevations_.count(i) != 0) return true;
+  double azimuth_elevation[2];
+  if (!view_->Direction(satellite_, SampleTime(i), azimuth_elevation)) return false;
+  elevations_.emplace_hint(elevations_.end(), i, azimuth_elevation[1]);
+  return true;
+}
+
+std::int64_t ElevationSamples::NextExisting(std::int64_t i) {
+  for (i = AfterGap(i); i <= last_index_; i = AfterGap(i)) {
+    if (Exists(i)) return i;
+    std::int64_t end = last_index_;
+    gnssqctoolkit::AbsoluteTime covered;
+    const Time_gbt time = SampleTime(i);
+    if (view_->Records().CoveredAtOrAfter(satellite_, ToAbsolute(time), covered)) {
+      const double ahead = std::floor(TimeDifference(FromAbsolute(covered), time) / 60.0);
+      if (!(ahead > 1.0)) {
+        end = i;
+      } else if (ahead < static_cast<double>(kMostSamples)) {
+        end = std::min(last_index_, i + static_cast<std::int64_t>(ahead) - 1);
+      }
+    }
+    RememberGap(i, end);
+  }
+  return kNone;
+}
+
+std::int64_t ElevationSamples::PreviousExisting(std::int64_t i) {
+  for (i = BeforeGap(i); i >= 0; i = BeforeGap(i)) {
+    if (Exists(i)) return i;
+    std::int64_t end = 0;
+    gnssqctoolkit::AbsoluteTime covered;
+    const Time_gbt time = SampleTime(i);
+    if (view_->Records().CoveredAtOrBefore(satellite_, ToAbsolute(time), covered)) {
+      const double back = std::floor(TimeDifference(time, FromAbsolute(covered)) / 60.0);
+      if (!(back > 1.0)) {
+        end = i;
+      } else if (back < static_cast<double>(kMostSamples)) {
+        end = std::max<std::int64_t>(0, i - static_cast<std::int64_t>(back) + 1);
+      }
+    }
+    RememberGap(end, i);
+  }
+  return kNone;
+}
+
+void ElevationSamples::RememberGap(std::int64_t first, std::int64_t last) {
+  auto next = gaps_.upper_bound(first);
+  if (next != gaps_.begin() && std::prev(next)->second + 1 >= first) {
+    --next;
+    first = next->first;
+    last = std::max(last, next->second);
+    next = gaps_.erase(next);
+  }
+  while (next != gaps_.end() && next->first <= last + 1) {
+    last = std::max(last, next->second);
+    next = gaps_.erase(next);
+  }
+  gaps_.emplace_hint(next, first, last);
+}
+
+std::int64_t ElevationSamples::AfterGap(std::int64_t i) const {
+  const auto next = gaps_.upper_bound(i);
+  if (next == gaps_.begin()) return i;
+  return std::max(i, std::prev(next)->second + 1);
+}
+
+std::int64_t ElevationSamples::BeforeGap(std::int64_t i) const {
+  const auto next = gaps_.upper_bound(i);
+  if (next == gaps_.begin() || std::prev(next)->second < i) return i;
+  return std::prev(next)->first - 1;
+}
+
+}  // namespace orsolva

@@ -1,0 +1,59 @@
+// Elevation flags of a satellite at the epochs of a batch: above the cut-off, above 30 degrees.
+#ifndef ORSOLVA_QC_ELEVATIONS_H
+#define ORSOLVA_QC_ELEVATIONS_H
+
+#include "interface/records.h"
+#include "navigation/ephemeris.h"
+#include "qc/elevation_samples.h"
+#include "toolkit/satellite.h"
+
+namespace orsolva {
+
+inline constexpr double kElevationSplit = 0.5235987755982988;  ///< 30 degrees, rad
+
+struct ElevationFlags {
+  bool AboveCutoff = false;
+  bool Above30 = false;
+  double ElevationRad = 0.0;  ///< linear between the samples
+};
+
+/// Elevations of the current satellite over the current batch.
+class QcEleList {
+ public:
+  virtual ~QcEleList() = default;
+
+  /// Where the station stands and what counts as above the cut-off (rad), for the satellites opened next.
+  void SetStation(const gnssqctoolkit::Ephemeris& ephemeris, const double station_position[3],
+                  double elevation_mask);
+  void OpenSatellite(const gnssqctoolkit::SatelliteId& satellite, const Time_gbt& batch_first,
+                     const Time_gbt& batch_last);
+
+  /// Flags at a time. Samples that are clearly (half a degree) above or below a limit decide; close to it the
+  /// elevation is computed exactly.
+  /// @return false, with all flags clear, when no samples bracket the time
+  bool EpochElevationFlags(const Time_gbt& t, ElevationFlags& flags);
+
+  /// The cut-off flag at any time: from the samples where they bracket it, else from the exact elevation.
+  bool AboveCutoff(const Time_gbt& t);
+
+  /// Exact azimuth and elevation in rad; false when the satellite has no position.
+  bool ExactDirection(const Time_gbt& t, double azimuth_elevation[2]) const;
+
+  /// Earliest time at or after `t` at which broadcast records cover the satellite; false when there is none.
+  bool CoveredAtOrAfter(const Time_gbt& t, Time_gbt& at) const;
+
+  void Clear() { samples_.Clear(); }
+
+ private:
+  bool AboveLimit(const SampleBracket& bracket, const Time_gbt& t, double interpolated, double limit) const;
+  bool ExactlyAbove(const Time_gbt& t, double limit) const;
+
+  StationView view_;
+  double mask_ = 0.0;
+  gnssqctoolkit::SatelliteId satellite_;
+  ElevationSamples samples_;
+};
+
+}  // namespace orsolva
+
+#endif  // ORSOLVA_QC_ELEVATIONS_H

@@ -1,0 +1,102 @@
+#include "qc/expected_epochs.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "qc/epoch_time.h"
+
+namespace orsolva {
+
+namespace {
+
+constexpr double kLookStep = 60.0;                 // s between two looks at the flag
+constexpr double kMostSteps = 4503599627370496.0;  // 2^52
+constexpr double kLongestGap = 1.0e12;             // s; anything longer is no gap but a broken clock
+
+std::int64_t Steps(double seconds, double interval) {
+  const double steps = std::floor(seconds / interval);
+  return steps < kMostSteps ? static_cast<std::int64_t>(steps) : static_cast<std::int64_t>(kMostSteps);
+}
+
+}  // namespace
+
+NominalGap::NominalGap(const Time_gbt& last, const Time_gbt& current, double interval, QcEleList& elevations)
+    : last_(last),
+      current_(current),
+      interval_(interval),
+      elevations_(elevations),
+      gap_s_(TimeDifference(current, last)) {}
+
+std::uint64_t NominalGap::CountAboveCutoff() const {
+  if (!(interval_ > 0.0) || !(gap_s_ > interval_ / 2.0) || !(gap_s_ < kLongestGap)) return 0;
+  return gap_s_ / interval_ <= kLiteralSteps ? CountOneByOne() : CountRuns();
+}
+
+std::uint64_t NominalGap::CountOneByOne() const {
+  std::uint64_t count = 0;
+  gnssqctoolkit::AbsoluteTime nominal = gnssqctoolkit::AbsoluteTimeAdd(ToAbsolute(last_), interval_);
+  // The count of steps ends it too: a fraction beyond all measure does not move when the interval is added.
+  for (int k = 0; k <= static_cast<int>(kLiteralSteps); ++k) {
+    if (!(TimeDifference(current_, FromAbsolute(nominal)) > interval_ / 2.0)) break;
+    if (elevations_.AboveCutoff(FromAbsolute(nominal))) ++count;
+    nominal = gnssqctoolkit::AbsoluteTimeAdd(nominal, interval_);
+  }
+  return count;
+}
+
+std::uint64_t NominalGap::CountRuns() const {
+  const double exact_steps = std::ceil(gap_s_ / interval_ - 0.5) - 1.0;
+  const auto steps = static_cast<std::int64_t>(std::min(exact_steps, kMostSteps));
+  std::uint64_t count = 0;
+  for (std::int64_t first = 1; first <= steps;) {
+    const std::int64_t last = std::min(steps, RunEnd(first));
+    count += CountRun(first, last);
+    first = last + 1;
+  }
+  return count;
+}
+
+std::int64_t NominalGap::RunEnd(std::int64_t first) const {
+  const std::int64_t look = std::max<std::int64_t>(1, Steps(kLookStep, interval_));
+  const Time_gbt from = Nominal(first);
+  Time_gbt covered{};
+  if (!elevations_.CoveredAtOrAfter(from, covered)) return static_cast<std::int64_t>(kMostSteps);
+  const double ahead = TimeDifference(covered, from);
+  if (!(ahead > kLookStep)) return first + look - 1;
+  // One step short of the coverage: its start is known to a microsecond.
+  return first + std::max(look, Steps(ahead, interval_)) - 1;
+}
+
+std::uint64_t NominalGap::CountRun(std::int64_t first, std::int64_t last) const {
+  const bool at_first = elevations_.AboveCutoff(Nominal(first));
+  if (first == last) return at_first ? 1 : 0;
+  const bool at_last = elevations_.AboveCutoff(Nominal(last));
+  const auto length = static_cast<std::uint64_t>(last - first + 1);
+  if (at_first == at_last) return at_first ? length : 0;
+  std::int64_t low = first;  // carries the flag of the first
+  std::int64_t high = last;  // carries the flag of the last
+  while (high - low > 1) {
+    const std::int64_t middle = low + (high - low) / 2;
+    (elevations_.AboveCutoff(Nominal(middle)) == at_first ? low : high) = middle;
+  }
+  return at_first ? static_cast<std::uint64_t>(high - first) : static_cast<std::uint64_t>(last - high + 1);
+}
+
+Time_gbt NominalGap::Nominal(std::int64_t k) const {
+  const double ahead = static_cast<double>(k) * interval_;
+  return FromAbsolute(gnssqctoolkit::AbsoluteTimeAdd(ToAbsolute(last_), ahead));
+}
+
+std::uint64_t ExpectedEpochs::Advance(int number, const Time_gbt& epoch, std::uint32_t sequence, bool above,
+                                      double interval, QcEleList& elevations) {
+  LastCounted& last = last_[number - 1];
+  std::uint64_t count = above ? 1 : 0;
+  if (last.Set) {
+    if (last.Sequence == sequence) return 0;
+    count += NominalGap(last.Time, epoch, interval, elevations).CountAboveCutoff();
+  }
+  last = {epoch, sequence, true};
+  return count;
+}
+
+}  // namespace orsolva

@@ -1,0 +1,69 @@
+// Expected epochs: at how many nominal epochs a satellite stood above the elevation cut-off.
+//
+// The first epoch of a satellite counts only itself. Every later one closes the gap since the last: the
+// nominal epochs last + k * interval, while they lie more than half an interval before the current one, and
+// then the current one itself. Each counts when the satellite is above the cut-off then.
+#ifndef ORSOLVA_QC_EXPECTED_EPOCHS_H
+#define ORSOLVA_QC_EXPECTED_EPOCHS_H
+
+#include <cstdint>
+
+#include "interface/records.h"
+#include "qc/elevations.h"
+#include "toolkit/satellite.h"
+
+namespace orsolva {
+
+/// Nominal epochs strictly between two epochs, and how many of them lie above the cut-off.
+///
+/// Up to kLiteralSteps nominal epochs are visited one by one. In a longer gap the flag is looked at every 60
+/// s where broadcast records cover the satellite and at both ends of spans where none do; between two looks
+/// it changes at most once, and the step at which it does is found by halving. So neither a tiny interval nor
+/// a gap of years makes the count long. Gaps count at most 2^52 nominal epochs.
+class NominalGap {
+ public:
+  static constexpr double kLiteralSteps = 256.0;
+
+  NominalGap(const Time_gbt& last, const Time_gbt& current, double interval, QcEleList& elevations);
+
+  std::uint64_t CountAboveCutoff() const;
+
+ private:
+  std::uint64_t CountOneByOne() const;
+  std::uint64_t CountRuns() const;
+  std::uint64_t CountRun(std::int64_t first, std::int64_t last) const;
+  std::int64_t RunEnd(std::int64_t first) const;
+  Time_gbt Nominal(std::int64_t k) const;
+
+  Time_gbt last_;
+  Time_gbt current_;
+  double interval_;
+  QcEleList& elevations_;
+  double gap_s_;
+};
+
+/// The last counted epoch of every satellite.
+class ExpectedEpochs {
+ public:
+  virtual ~ExpectedEpochs() = default;
+
+  /// Takes an epoch at which the satellite (number 1 to 208) has an elevation.
+  ///
+  /// @param sequence  number of the epoch in the run; an epoch that lists a satellite twice counts it once
+  /// @param above     its cut-off flag at the epoch
+  /// @return the expected epochs it adds
+  std::uint64_t Advance(int number, const Time_gbt& epoch, std::uint32_t sequence, bool above,
+                        double interval, QcEleList& elevations);
+
+ private:
+  struct LastCounted {
+    Time_gbt Time{};
+    std::uint32_t Sequence = 0;
+    bool Set = false;
+  };
+  LastCounted last_[gnssqctoolkit::kMaxSatellites];
+};
+
+}  // namespace orsolva
+
+#endif  // ORSOLVA_QC_EXPECTED_EPOCHS_H

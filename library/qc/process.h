@@ -1,0 +1,102 @@
+// The process object behind a handle: takes batches of epochs in, runs the measures over them, keeps the run.
+#ifndef ORSOLVA_QC_PROCESS_H
+#define ORSOLVA_QC_PROCESS_H
+
+#include <cstdint>
+
+#include "interface/records.h"
+#include "measures/detail.h"
+#include "measures/driver.h"
+#include "navigation/ephemeris.h"
+#include "qc/config.h"
+#include "qc/elevations.h"
+#include "qc/epoch_time.h"
+#include "qc/expected_epochs.h"
+#include "qc/observations.h"
+#include "results/complete_snr.h"
+#include "results/result_sources.h"
+
+namespace orsolva {
+
+/// What one batch tells about itself while it is taken in.
+struct BatchSummary {
+  double Interval = 0.0;  ///< s, 0 when it could not be told
+  Time_gbt FirstTime{};   ///< earliest epoch; zero = unset
+  Time_gbt LastTime{};
+  std::uint32_t EpochCount = 0;  ///< epochs accepted
+};
+
+class PostProcessGnssQc {
+ public:
+  PostProcessGnssQc();
+  virtual ~PostProcessGnssQc() = default;
+  PostProcessGnssQc(const PostProcessGnssQc&) = delete;
+  PostProcessGnssQc& operator=(const PostProcessGnssQc&) = delete;
+
+  double Position[3] = {0.0, 0.0, 0.0};  ///< ECEF, m; 0 until configured or computed
+  double Interval = 1.0;                 ///< s, in use
+  std::uint32_t EpochCount = 0;          ///< accepted in the run
+  std::uint32_t CombinationMask = 31;    ///< systems to combine
+  QcConfig
+      Config;  ///< EnablePosition doubles as the position-known flag, SystemMask filters what is taken in
+  gnssqctoolkit::Ephemeris Eph;
+  QcGNSSObsData ObsData;
+  /// By satellite number - 1, read as a signed byte: usable above 0. 0 = excluded by the configuration,
+  /// 255 = all broadcast records unhealthy.
+  std::uint8_t SatUsable[gnssqctoolkit::kMaxSatellites];
+  IonSlipAndMultipath IonMp;
+  CompleteSnr Snr;
+  QcEleList EleList;
+  TimeList Epochs;          ///< epochs accepted in the run
+  Time_gbt FirstTime{};     ///< earliest epoch of the run; zero = unset
+  Time_gbt LastTime{};      ///< latest epoch of the run; zero = unset
+  Time_gbt LastAccepted{};  ///< last epoch accepted; zero = unset
+
+  /// Takes a configuration over and marks the satellites it excludes; marks of earlier calls stay.
+  void Configure(const QcConfig& config);
+  /// Sets the systems to combine from the host's five flags.
+  void SetCombination(const std::uint8_t* flags);
+  /// Adds a navigation set to the stores. @return false when it holds no record at all
+  bool LoadNavigationSet(const NavBodyData_QC_gbt& nav);
+
+  /// Takes one batch through the whole chain.
+  /// @return GNSSQC_OK, GNSSQC_NO_DATA or GNSSQC_NO_POSITION
+  GNSSQC_STATE TakeBatch(const ObsBodyData_QC_gbt& obs);
+
+  /// Sorts the epochs of a batch into ObsData.
+  /// @return false when the interval cannot be told (the epochs are stored all the same) or no epoch has a
+  ///         usable time
+  bool Ingest(const ObsBodyData_QC_gbt& obs, BatchCodes& codes, BatchSummary& summary);
+
+  /// The result of the run so far. The rounded interval is written back to the run, nothing else changes.
+  bool WholePeriodResult(result_qct& record);
+  /// The result per signal code of the run so far; changes nothing.
+  void EachCodeResult(total_code_qc_result& record) const;
+
+  /// Plugs an observer of the details in for the batches that follow; null takes it out. The caller keeps
+  /// ownership.
+  void SetDetailObserver(QcDetailObserver* observer) { observer_ = observer; }
+
+  /// Drops the epochs of the current batch.
+  void ResetBatch();
+  /// Frees the run's data.
+  void Release();
+
+ private:
+  bool FindInterval(const ObsBodyData_QC_gbt& obs, BatchSummary& summary);
+  bool TooEarly(const Time_gbt& t) const;
+  void WidenRun(const BatchSummary& summary);
+  void RunMeasures();
+  void InitialiseMeasures();
+  void MeasureSatellite(int number);
+  void MeasureEpoch(int number, std::size_t i);
+  void ReportEpoch(int number, const QcEpochData& epoch, const ElevationFlags& flags);
+  ResultSources Sources() const;
+
+  ExpectedEpochs expected_;
+  QcDetailObserver* observer_ = nullptr;
+};
+
+}  // namespace orsolva
+
+#endif  // ORSOLVA_QC_PROCESS_H

@@ -4,6 +4,7 @@
 
 #include "qc/navigation_loading.h"
 #include "qc/station_position.h"
+#include "results/output_records.h"
 
 namespace orsolva {
 

@@ -1,0 +1,20 @@
+// The commands of the program. Each adds its arguments to the application and does its work when chosen.
+#ifndef ORSOLVA_CLI_COMMANDS_H
+#define ORSOLVA_CLI_COMMANDS_H
+
+namespace CLI {
+class App;
+}
+
+namespace orsolva_host {
+
+/// orsolva qc OBS [NAV...]
+/// @param exit_code  set to what the program answers when the command was chosen
+void AddQcCommand(CLI::App& app, int& exit_code);
+
+/// orsolva version
+void AddVersionCommand(CLI::App& app, int& exit_code);
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_CLI_COMMANDS_H

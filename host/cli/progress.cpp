@@ -1,0 +1,24 @@
+#include "host/cli/progress.h"
+
+#include <unistd.h>
+
+#include <cinttypes>
+#include <cstdio>
+
+namespace orsolva_host {
+
+Progress::Progress() : terminal_(isatty(STDERR_FILENO) == 1) {}
+
+Progress::~Progress() {
+  if (shown_) std::fputs("\r\033[K", stderr);
+}
+
+void Progress::Epochs(std::uint64_t count) {
+  constexpr std::uint64_t kStep = 240;
+  if (!terminal_ || count % kStep != 0) return;
+  std::fprintf(stderr, "\r%" PRIu64 " epochs", count);
+  std::fflush(stderr);
+  shown_ = true;
+}
+
+}  // namespace orsolva_host

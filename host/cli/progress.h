@@ -1,0 +1,26 @@
+// How far a run is, on standard error when that is a terminal and nowhere otherwise.
+#ifndef ORSOLVA_CLI_PROGRESS_H
+#define ORSOLVA_CLI_PROGRESS_H
+
+#include <cstdint>
+
+namespace orsolva_host {
+
+class Progress {
+ public:
+  Progress();
+  /// Wipes the line.
+  ~Progress();
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
+  void Epochs(std::uint64_t count);
+
+ private:
+  bool shown_ = false;
+  bool terminal_ = false;
+};
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_CLI_PROGRESS_H

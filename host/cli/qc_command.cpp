@@ -1,0 +1,67 @@
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <exception>
+#include <memory>
+
+#include "host/cli/commands.h"
+#include "host/cli/exit_codes.h"
+#include "host/cli/qc_run.h"
+#include "host/cli/qc_settings.h"
+#include "host/report/json_writer.h"
+#include "host/report/text_writer.h"
+
+namespace orsolva_host {
+namespace {
+
+int DoQc(const QcSettings& settings) {
+  Diagnostics diagnostics;
+  try {
+    const Report report = RunQc(settings, diagnostics);
+    const std::string text = settings.json ? WriteJson(report) : WriteText(report);
+    const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
+    if (written && std::fflush(stdout) == 0) return kGood;
+    std::fputs("orsolva: the report could not be written\n", stderr);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "orsolva: %s\n", error.what());
+    for (const Notice& notice : diagnostics.Notices()) {
+      if (notice.recovered) continue;
+      std::fprintf(stderr, "  %s:%ld: %s (%ld)\n", notice.file.c_str(), notice.line, notice.text.c_str(),
+                   notice.count);
+    }
+  }
+  return kRunFailed;
+}
+
+/// Hands an option's text to a parser and its complaint to the caller.
+template <typename Target>
+CLI::Validator Parsed(std::string (*parse)(const std::string&, Target&), Target& target) {
+  return CLI::Validator([parse, &target](std::string& text) { return parse(text, target); }, "");
+}
+
+}  // namespace
+
+void AddQcCommand(CLI::App& app, int& exit_code) {
+  CLI::App* command = app.add_subcommand("qc", "Judge the observations of a file");
+  auto settings = std::make_shared<QcSettings>();
+  auto texts = std::make_shared<std::array<std::string, 3>>();
+  command
+      ->add_option("OBS", settings->observation_file, "RINEX observation file, plain or compact, gzip or not")
+      ->required();
+  command->add_option("NAV", settings->navigation_files, "RINEX navigation files of the same time");
+  command->add_flag("--json", settings->json, "Write the report as JSON");
+  command->add_flag("--sats", settings->satellites, "Add a table per satellite");
+  command->add_option("--elevation", settings->elevation_deg, "Elevation cut-off in degrees")
+      ->check(CLI::Range(0.0, 90.0))
+      ->capture_default_str();
+  command->add_option("--interval", settings->interval_s, "Interval in seconds (default: header, else data)")
+      ->check(CLI::Range(1e-3, 86400.0));
+  command->add_option("--position", (*texts)[0], "X,Y,Z in metres, header or spp (computed; the default)")
+      ->check(Parsed(ParsePosition, settings->position));
+  command->add_option("--systems", (*texts)[1], "Systems to judge, letters out of GREJC (default: all)")
+      ->check(Parsed(ParseSystems, settings->systems));
+  command->add_option("--exclude", (*texts)[2], "Satellites to leave out, such as G04,R12")
+      ->check(Parsed(ParseExcluded, settings->excluded));
+  command->callback([settings, texts, &exit_code] { exit_code = DoQc(*settings); });
+}
+
+}  // namespace orsolva_host

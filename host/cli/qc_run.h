@@ -1,0 +1,36 @@
+// One quality check: files in, the library's exported functions in between, a report out.
+#ifndef ORSOLVA_CLI_QC_RUN_H
+#define ORSOLVA_CLI_QC_RUN_H
+
+#include <cstddef>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+#include "host/cli/qc_settings.h"
+#include "host/report/report.h"
+#include "host/rinex/diagnostics.h"
+#include "interface/records.h"
+
+namespace orsolva_host {
+
+/// A run that came to no result: what happened and what the user can do.
+class RunError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// Streams the file through the library in batches of 2,880 epochs; the first batch decides the signals.
+/// @throws FileError, RunError
+Report RunQc(const QcSettings& settings, Diagnostics& diagnostics);
+
+/// The most frequent difference between neighbouring epochs (of the first 600), the smallest among equally
+/// frequent ones; absent with fewer than two distinct times.
+std::optional<double> DetectInterval(const ObsEpoch_QC_gbt* epochs, std::size_t count);
+
+/// The identification text of the library.
+std::string LibraryBanner();
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_CLI_QC_RUN_H

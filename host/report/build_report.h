@@ -1,0 +1,33 @@
+// Makes the report's model from the library's result records.
+#ifndef ORSOLVA_REPORT_BUILD_REPORT_H
+#define ORSOLVA_REPORT_BUILD_REPORT_H
+
+#include <string>
+#include <vector>
+
+#include "host/report/report.h"
+#include "host/rinex/diagnostics.h"
+#include "interface/records.h"
+
+namespace orsolva_host {
+
+/// The figures of a summary, where a count of nothing expected, a mean or RMS of exactly 0 and whatever is
+/// not finite mean no data.
+/// @param system  code of the system whose band names apply; 0 for a mix of systems
+Figures FiguresOf(const qc_core_summary& summary, int system);
+
+/// The codes of a system's optimal combination, one entry a band slot with data.
+///
+/// The result record holds the combination's figures but not its codes: a band with one code is that code;
+/// among several it is the one whose mean SNR is the band's (within 0.005 dB-Hz). Where that does not single
+/// one out, the entry names all of them, "1C|1L".
+std::vector<std::string> CombinationOf(const qc_core_summary& summary, const code_qc_block& codes);
+
+/// @param run  what was read and set; times, position, duration and lost epochs are filled in here
+Report BuildReport(ReportRun run, const result_qct& result, const total_code_qc_result& codes);
+
+std::vector<ReportNotice> NoticesOf(const Diagnostics& diagnostics);
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_REPORT_BUILD_REPORT_H

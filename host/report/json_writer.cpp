@@ -1,0 +1,145 @@
+#include "host/report/json_writer.h"
+
+#include <cmath>
+#include <nlohmann/json.hpp>
+
+#include "host/rinex/civil_time.h"
+
+namespace orsolva_host {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+template <typename T>
+Json ValueOf(const std::optional<T>& value) {
+  return value ? Json(*value) : Json(nullptr);
+}
+
+Json NumberOf(double value) { return std::isfinite(value) ? Json(value) : Json(nullptr); }
+
+Json TimeOf(const std::optional<Time_gbt>& time) { return time ? Json(TimeText(*time)) : Json(nullptr); }
+
+Json TextOf(const std::string& text) { return text.empty() ? Json(nullptr) : Json(text); }
+
+Json BandJson(const BandFigures& band) {
+  Json j;
+  j["slot"] = band.slot;
+  j["band"] = TextOf(band.band);
+  j["mp_rms_m"] = ValueOf(band.mp_m);
+  j["snr_mean_dbhz"] = ValueOf(band.snr_dbhz);
+  j["snr_mean_below_30deg_dbhz"] = ValueOf(band.snr_below30_dbhz);
+  j["snr_mean_above_30deg_dbhz"] = ValueOf(band.snr_above30_dbhz);
+  j["iono_rms_cycles"] = ValueOf(band.iono_rms_cycles);
+  return j;
+}
+
+void AddFigures(const Figures& figures, Json& j) {
+  j["expected_epochs"] = ValueOf(figures.expected);
+  j["observed_epochs"] = ValueOf(figures.observed);
+  j["completeness_ratio"] = ValueOf(figures.completeness);
+  j["slip_epochs"] = ValueOf(figures.slips);
+  j["jump_epochs"] = ValueOf(figures.jumps);
+  j["observations_per_slip"] = ValueOf(figures.obs_per_slip);
+  j["bands"] = Json::array();
+  for (const BandFigures& band : figures.bands) j["bands"].push_back(BandJson(band));
+}
+
+Json RunJson(const ReportRun& run) {
+  Json j;
+  j["observation_file"] = run.observation_file;
+  j["navigation_files"] = run.navigation_files;
+  j["rinex_version"] = NumberOf(run.rinex_version);
+  j["marker"] = TextOf(run.marker);
+  j["receiver"] = TextOf(run.receiver);
+  j["antenna"] = TextOf(run.antenna);
+  j["first_epoch_gpst"] = TimeOf(run.first_epoch);
+  j["last_epoch_gpst"] = TimeOf(run.last_epoch);
+  j["duration_h"] = NumberOf(run.duration_h);
+  j["interval_s"] = NumberOf(run.interval_s);
+  j["interval_source"] = run.interval_source;
+  j["epochs"] = run.epochs;
+  j["lost_epochs"] = run.lost_epochs;
+  j["position_ecef_m"] = Json::array();
+  for (const double x : run.position_m) j["position_ecef_m"].push_back(NumberOf(x));
+  j["position_source"] = run.position_source;
+  j["distance_from_header_position_m"] = ValueOf(run.distance_from_header_m);
+  j["elevation_cutoff_deg"] = NumberOf(run.elevation_cutoff_deg);
+  j["systems"] = run.systems;
+  j["excluded_satellites"] = run.excluded;
+  return j;
+}
+
+Json SystemJson(const SystemReport& system) {
+  Json j;
+  j["system"] = system.name;
+  j["letter"] = std::string(1, system.letter);
+  j["optimal_combination"] = system.combination;
+  j["signals"] = system.signals;
+  AddFigures(system.figures, j);
+  return j;
+}
+
+Json SignalJson(const SignalReport& s) {
+  Json j;
+  j["system"] = s.system_name;
+  j["letter"] = std::string(1, s.system);
+  j["signal"] = s.signal;
+  j["band"] = TextOf(s.band);
+  j["expected_epochs"] = ValueOf(s.expected);
+  j["observed_epochs"] = ValueOf(s.observed);
+  j["completeness_ratio"] = ValueOf(s.completeness);
+  j["mp_rms_m"] = ValueOf(s.mp_m);
+  j["mp_values"] = ValueOf(s.mp_values);
+  j["jump_epochs"] = ValueOf(s.jumps);
+  j["iono_slip_epochs"] = ValueOf(s.iono_slips);
+  j["observations_per_slip"] = ValueOf(s.obs_per_slip);
+  j["snr_mean_dbhz"] = ValueOf(s.snr_dbhz);
+  j["snr_mean_below_30deg_dbhz"] = ValueOf(s.snr_below30_dbhz);
+  j["snr_mean_above_30deg_dbhz"] = ValueOf(s.snr_above30_dbhz);
+  return j;
+}
+
+Json SatelliteJson(const SatelliteReport& satellite) {
+  Json j;
+  j["satellite"] = satellite.name;
+  j["state"] = satellite.state;
+  AddFigures(satellite.figures, j);
+  return j;
+}
+
+Json NoticeJson(const ReportNotice& notice) {
+  Json j;
+  j["file"] = notice.file;
+  j["line"] = notice.line > 0 ? Json(notice.line) : Json(nullptr);
+  j["text"] = notice.text;
+  j["count"] = notice.count;
+  j["recovered"] = notice.recovered;
+  return j;
+}
+
+}  // namespace
+
+std::string WriteJson(const Report& report) {
+  Json j;
+  j["format"] = 1;
+  j["library_version"] = report.run.library_version;
+  j["run"] = RunJson(report.run);
+  j["systems"] = Json::array();
+  for (const SystemReport& system : report.systems) j["systems"].push_back(SystemJson(system));
+  AddFigures(report.combined, j["combined"]);
+  j["signals"] = Json::array();
+  for (const SignalReport& signal : report.signals) j["signals"].push_back(SignalJson(signal));
+  if (report.show_satellites) {
+    j["satellites"] = Json::array();
+    for (const SatelliteReport& satellite : report.satellites) {
+      j["satellites"].push_back(SatelliteJson(satellite));
+    }
+  }
+  j["notes"] = report.notes;
+  j["notices"] = Json::array();
+  for (const ReportNotice& notice : report.notices) j["notices"].push_back(NoticeJson(notice));
+  j["further_notices"] = report.further_notices;
+  return j.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
+}  // namespace orsolva_host

@@ -1,0 +1,17 @@
+// Writes a report as JSON: units in the key names, null where there are no data.
+#ifndef ORSOLVA_REPORT_JSON_WRITER_H
+#define ORSOLVA_REPORT_JSON_WRITER_H
+
+#include <string>
+
+#include "host/report/report.h"
+
+namespace orsolva_host {
+
+/// One JSON object, indented by two blanks, with a line feed at its end. Bytes that are no UTF-8 are
+/// replaced.
+std::string WriteJson(const Report& report);
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_REPORT_JSON_WRITER_H

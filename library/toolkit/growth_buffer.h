@@ -5,6 +5,7 @@
 #ifndef ORSOLVA_TOOLKIT_GROWTH_BUFFER_H
 #define ORSOLVA_TOOLKIT_GROWTH_BUFFER_H
 
+#include <cstddef>
 #include <limits>
 #include <new>
 #include <utility>

@@ -58,7 +58,8 @@ inline constexpr SignalRow kGlonassSignals[] = {
     { 42,  3,  3, "3X", 3},
 };
 
-// Kept for compatibility: codes 150 to 152 stand twice and the first rows win; bands 8, 6 and 36 share slot 3.
+// Kept for compatibility: codes 150 to 152 stand twice and the first rows win.
+// Kept for compatibility: bands 8, 6 and 36 share slot 3.
 inline constexpr SignalRow kBdsSignals[] = {
     // code band priority obs frequency
     {150, 21,  1, "2I", 1},

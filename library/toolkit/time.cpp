@@ -9,13 +9,13 @@
 #include <cstdio>
 #include <limits>
 
+#include "toolkit/constants.h"
 #include "toolkit/leap_seconds.h"
 
 namespace gnssqctoolkit {
 namespace {
 
 constexpr std::int64_t kSecondsPerDay = 86400;
-constexpr double kSecondsPerWeek = 604800.0;
 constexpr std::int64_t kDaysOf4Years = 1461;
 constexpr std::int64_t kDaysOf400Years = 146097;
 /// Days from 1970-01-01 to 2100-01-01, the first day that has no absolute form.
@@ -112,11 +112,11 @@ GNSSTime::GNSSTime(std::int32_t year, std::int32_t month, std::int32_t day, std:
 
 GNSSTime::GNSSTime(std::int32_t week, double seconds_of_week) {
   if (!(std::fabs(seconds_of_week) <= 1e15)) return;
-  const double weeks = std::trunc(seconds_of_week / kSecondsPerWeek);
+  const double weeks = std::trunc(seconds_of_week / kWeek);
   const std::int64_t whole_week = std::int64_t{week} + static_cast<std::int64_t>(weeks);
   if (!FitsInt32(whole_week)) return;
   week_ = static_cast<std::int32_t>(whole_week);
-  seconds_of_week_ = seconds_of_week - weeks * kSecondsPerWeek;
+  seconds_of_week_ = seconds_of_week - weeks * kWeek;
   WeekToCalendar();
   CalendarToAbsolute();
 }

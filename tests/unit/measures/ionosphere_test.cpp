@@ -471,6 +471,15 @@ TEST(CountSlip, ClosesTheArcAtAGapOfSixHundredSecondsWithoutASlip) {
   EXPECT_EQ(1, counting.State.WideLaneCount);
 }
 
+TEST(CountSlip, TakesAValueWithoutAPredecessorForNoGap) {
+  Counting counting(30, 0.0);
+  counting.State.PreviousEpoch = AbsoluteTime();
+  counting.State.WideLaneCount = 4;
+  EXPECT_EQ(0u, counting.Run());
+  EXPECT_EQ(0, counting.State.LongestArcCount);
+  EXPECT_EQ(4, counting.State.WideLaneCount);
+}
+
 TEST(CountSlip, GivesTheSameStateWithAndWithoutAnObserver) {
   for (double gap : {30.0, 61.0, 600.0}) {
     Counting watched(gap, 5.0), unwatched(gap, 5.0);

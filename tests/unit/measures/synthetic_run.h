@@ -73,7 +73,7 @@ struct SyntheticRun {
     double clock = 0.0;
     for (int i = 0; i < 8; ++i) {
       gnssqctoolkit::SatelliteState state;
-      Records.SatellitePosition({1, prn}, {epoch.Time.time, epoch.Time.sec},
+      Records.SatellitePosition(gnssqctoolkit::SatelliteId{1, prn}, {epoch.Time.time, epoch.Time.sec},
                                 range - gnssqctoolkit::kSpeedOfLight * clock, state);
       const double d[3] = {state.Position[0] - kStation[0], state.Position[1] - kStation[1],
                            state.Position[2] - kStation[2]};

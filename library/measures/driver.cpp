@@ -142,6 +142,9 @@ struct IonSlipAndMultipath::Impl {
   EpochMedians Medians;
   bool EpochsPassed = false;  // the run has met its two epochs
 
+  // A lone first epoch has been stored but not measured: its pairs are not results yet.
+  bool HasResults(int number) const { return EpochsPassed && number >= 1 && number <= kMaxSatellites; }
+
   // Of the epoch at hand.
   std::vector<double> Differences;
   std::vector<PairWork> Work;
@@ -306,12 +309,12 @@ bool IonSlipAndMultipath::ProcessAllEpochs(const double station_position[3],
 
 const SatMp& IonSlipAndMultipath::Multipath(int number) const {
   static const SatMp kEmpty;
-  return number >= 1 && number <= kMaxSatellites ? impl_->Satellites[number - 1].Mp : kEmpty;
+  return impl_->HasResults(number) ? impl_->Satellites[number - 1].Mp : kEmpty;
 }
 
 const SatIodDetect& IonSlipAndMultipath::Ionosphere(int number) const {
   static const SatIodDetect kEmpty;
-  return number >= 1 && number <= kMaxSatellites ? impl_->Satellites[number - 1].Iod : kEmpty;
+  return impl_->HasResults(number) ? impl_->Satellites[number - 1].Iod : kEmpty;
 }
 
 void IonSlipAndMultipath::Release() {

@@ -183,8 +183,11 @@ void CountSlip(IodDetect& state, bool counting, const EpochMedians& medians, dou
                bool new_record, SlipStep* step) {
   const double gap = std::fabs(TimeDifference(state.CurrentEpoch, state.PreviousEpoch));
   if (gap >= kArcGap) {
-    CloseArc(state);
-    state.WideLaneCount = 0;
+    // A value without a predecessor is no gap: the arc goes on.
+    if (IsSet(state.PreviousEpoch)) {
+      CloseArc(state);
+      state.WideLaneCount = 0;
+    }
     return;
   }
   if (!(gap > kTimeTolerance) || !counting) return;

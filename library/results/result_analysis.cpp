@@ -106,13 +106,14 @@ void QcResultAnalysis::BuildCodeCombinations(const ResultSources& sources, const
     result.All[s].Combinations =
         BuildCombinations(config.Sys[s], system, target, sources.CodeLists[CodeListSlotOf(system)]);
   }
-  // The flags of the BDS row serve the satellites of both generations.
-  const QcSysConfig& bds = config.Sys[kSlotBds];
+  // The combinations of the newer BDS satellites follow the flags of their own row, while their usable bands
+  // are counted by the BDS row: with the BD3 row switched off they are seen but have nothing to be judged on.
+  const QcSysConfig& own_row = config.Sys[kSlotBd3];
   const gnssqctoolkit::IList& codes = sources.CodeLists[CodeListSlotOf(gnssqctoolkit::kBds)];
   QcSysAllResult& bd3 = result.All[kSlotBd3];
-  bd3.Combinations = BuildCombinations(bds, gnssqctoolkit::kBds, CombinationTarget::kBds3, codes);
+  bd3.Combinations = BuildCombinations(own_row, gnssqctoolkit::kBds, CombinationTarget::kBds3, codes);
   bd3.AltCombinations =
-      BuildCombinations(bds, gnssqctoolkit::kBds, CombinationTarget::kBds3Stationary, codes);
+      BuildCombinations(own_row, gnssqctoolkit::kBds, CombinationTarget::kBds3Stationary, codes);
 }
 
 void QcResultAnalysis::AnalyseSatellite(const SatelliteStores& stores, const QcConfig& config,

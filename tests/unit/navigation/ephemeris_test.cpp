@@ -1,0 +1,202 @@
+#include "navigation/ephemeris.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "tests/support/exact_sky.h"
+
+namespace gnssqctoolkit {
+namespace {
+
+using namespace orsolva_test;
+
+AbsoluteTime At(double seconds) { return AbsoluteTimeAdd({kSkyTime, 0.0}, seconds); }
+
+TEST(Ephemeris, FindsTheStoreOfEachSystem) {
+  Ephemeris ephemeris;
+  EphemerisChoice choice;
+  const SatelliteId satellites[5] = {{kGps, 3}, {kGlonass, 3}, {kBds, 20}, {kGalileo, 3}, {kQzss, 3}};
+  for (const SatelliteId& s : satellites) EXPECT_FALSE(ephemeris.Select(s, At(0.0), choice));
+  ephemeris.Gps().Add(GpsRecord(3));
+  ephemeris.Glonass().Add(GlonassRecord(3));
+  ephemeris.Bds().Add(BdsRecord(20));
+  ephemeris.Galileo().Add(GalileoRecord(3));
+  ephemeris.Qzss().Add(GpsRecord(3));
+  for (const SatelliteId& s : satellites) {
+    ASSERT_TRUE(ephemeris.Select(s, At(5.0), choice));
+    EXPECT_EQ(choice.Satellite.system, s.system);
+    SatelliteState chosen, direct;
+    EXPECT_TRUE(ephemeris.SatellitePosition(choice, At(5.0), 2.2e7, chosen));
+    EXPECT_TRUE(ephemeris.SatellitePosition(s, At(5.0), 2.2e7, direct));
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(chosen.Position[i], direct.Position[i]);
+    EXPECT_EQ(chosen.Clock, direct.Clock);
+  }
+  for (std::uint8_t system : {0, 32, 64, 3}) EXPECT_FALSE(ephemeris.Select({system, 3}, At(0.0), choice));
+}
+
+TEST(Ephemeris, LeavesAnEmptyChoiceAndAClearedStateWithoutARecord) {
+  Ephemeris ephemeris;
+  EphemerisChoice choice;
+  choice.Record = &ephemeris;
+  choice.Reference = {5, 0.0};
+  EXPECT_FALSE(ephemeris.Select({kGps, 3}, At(0.0), choice));
+  EXPECT_EQ(choice.Record, nullptr);
+  EXPECT_EQ(choice.Reference.Seconds, 0);
+  SatelliteState state;
+  state.Health = 0;
+  EXPECT_FALSE(ephemeris.SatellitePosition(choice, At(0.0), 2.2e7, state));
+  EXPECT_EQ(state.Health, -1);
+}
+
+TEST(Ephemeris, GivesReferencesInTheScaleOfTheRecord) {
+  ExactSky sky;
+  EphemerisChoice choice;
+  ASSERT_TRUE(sky.Records.Select({kGps, 3}, At(0.0), choice));
+  EXPECT_EQ(choice.Reference.Seconds, kSkyTime);
+  ASSERT_TRUE(sky.Records.Select({kBds, 20}, At(0.0), choice));
+  EXPECT_EQ(choice.Reference.Seconds, kSkyTime);
+  ASSERT_TRUE(sky.Records.Select({kGlonass, 3}, At(0.0), choice));
+  EXPECT_EQ(choice.Reference.Seconds, kSkyTime - 18);
+}
+
+TEST(Ephemeris, SelectsGlonassInUtc) {
+  Ephemeris ephemeris;
+  ephemeris.Glonass().Add(GlonassRecord(3));
+  EphemerisChoice choice;
+  EXPECT_TRUE(ephemeris.Select({kGlonass, 3}, At(1800.0), choice));
+  EXPECT_FALSE(ephemeris.Select({kGlonass, 3}, At(1800.5), choice));
+  EXPECT_TRUE(ephemeris.Select({kGlonass, 3}, At(-1800.0), choice));
+  EXPECT_FALSE(ephemeris.Select({kGlonass, 3}, At(-1800.5), choice));
+}
+
+TEST(Ephemeris, SwitchesBetweenDefaultAgesAndThoseOfThePass) {
+  Ephemeris e;
+  const auto expect = [&e](double gps, double glonass, double bds, double galileo, double qzss) {
+    EXPECT_EQ(e.Gps().MaxAge(), gps);
+    EXPECT_EQ(e.Glonass().MaxAge(), glonass);
+    EXPECT_EQ(e.Bds().MaxAge(), bds);
+    EXPECT_EQ(e.Galileo().MaxAge(), galileo);
+    EXPECT_EQ(e.Qzss().MaxAge(), qzss);
+  };
+  expect(7200, 1800, 21600, 21600, 7200);
+  e.SetPassMaxAges();
+  expect(7200, 1800, 7200, 7200, 7200);
+  e.SetDefaultMaxAges();
+  expect(7200, 1800, 21600, 21600, 7200);
+}
+
+TEST(Ephemeris, KnowsTheChannelOfTheFirstRecordOfASlot) {
+  Ephemeris e;
+  GloEph_gbt r = GlonassRecord(7);
+  r.frequency_channel = 5;
+  e.Glonass().Add(r);
+  r.toe.time += 1800;
+  r.frequency_channel = -3;
+  e.Glonass().Add(r);
+  EXPECT_EQ(e.GlonassChannels()[6], -999);
+  e.UpdateGlonassChannels();
+  EXPECT_EQ(e.GlonassChannels()[6], 5);
+  EXPECT_EQ(e.GlonassChannels()[5], -999);
+}
+
+// Steps over a day in both directions: never a moment with a record outside what is reported.
+TEST(Ephemeris, ReportsCoverageNeverTooNarrow) {
+  Ephemeris e;
+  e.SetPassMaxAges();
+  for (int hour : {-3, 0, 9}) {
+    GpsEph_gbt g = GpsRecord(3);
+    g.toes += 3600.0 * hour, g.toc.time += 3600 * hour;
+    e.Gps().Add(g);
+    BdsEph_gbt b = BdsRecord(20);
+    b.toes += 3600.0 * hour, b.toc.time += 3600 * hour;
+    e.Bds().Add(b);
+    GloEph_gbt r = GlonassRecord(3);
+    r.toe.time += 3600 * hour;
+    e.Glonass().Add(r);
+  }
+  // Too wide by the leap seconds at most.
+  const auto covered_near = [&e](const SatelliteId& s, const AbsoluteTime& t) {
+    EphemerisChoice choice;
+    for (double off : {0.0, 20.0, -20.0}) {
+      if (e.Select(s, AbsoluteTimeAdd(t, off), choice)) return true;
+    }
+    return false;
+  };
+  for (const SatelliteId& s : {SatelliteId{kGps, 3}, SatelliteId{kBds, 20}, SatelliteId{kGlonass, 3}}) {
+    EphemerisChoice choice;
+    AbsoluteTime at;
+    for (double t = -50000.0; t < 50000.0; t += 97.3) {
+      const bool selected = e.Select(s, At(t), choice);
+      const bool after = e.CoveredAtOrAfter(s, At(t), at);
+      if (selected) {
+        ASSERT_TRUE(after);
+        EXPECT_LE(TimeDifference(at, At(t)), 1e-6);
+      }
+      if (after) {
+        EXPECT_GE(TimeDifference(at, At(t)), 0.0);
+        for (double skipped = t; skipped < TimeDifference(at, At(0.0)) - 1.0; skipped += 300.0) {
+          EXPECT_FALSE(e.Select(s, At(skipped), choice));
+        }
+        EXPECT_TRUE(covered_near(s, at));
+      }
+      const bool before = e.CoveredAtOrBefore(s, At(t), at);
+      if (selected) {
+        ASSERT_TRUE(before);
+        EXPECT_GE(TimeDifference(at, At(t)), -1e-6);
+      }
+      if (before) {
+        EXPECT_TRUE(covered_near(s, at));
+      }
+    }
+    EXPECT_FALSE(e.CoveredAtOrAfter(s, At(60000.0), at));
+    EXPECT_FALSE(e.CoveredAtOrBefore(s, At(-60000.0), at));
+  }
+}
+
+TEST(Ephemeris, CoversTheMaximumAgeInForce) {
+  Ephemeris e;
+  e.Galileo().Add(GalileoRecord(3));
+  AbsoluteTime at;
+  ASSERT_TRUE(e.CoveredAtOrAfter({kGalileo, 3}, At(-86400.0), at));
+  EXPECT_NEAR(TimeDifference(at, At(-21600.0)), 0.0, 2e-6);
+  e.SetPassMaxAges();
+  ASSERT_TRUE(e.CoveredAtOrAfter({kGalileo, 3}, At(-86400.0), at));
+  EXPECT_NEAR(TimeDifference(at, At(-7200.0)), 0.0, 2e-6);
+  ASSERT_TRUE(e.CoveredAtOrBefore({kGalileo, 3}, At(86400.0), at));
+  EXPECT_NEAR(TimeDifference(at, At(7200.0)), 0.0, 2e-6);
+  EXPECT_FALSE(e.CoveredAtOrAfter({kGalileo, 4}, At(0.0), at));
+  EXPECT_FALSE(e.CoveredAtOrAfter({kSbas, 4}, At(0.0), at));
+}
+
+TEST(Ephemeris, EndsForAbsurdTimes) {
+  ExactSky sky;
+  GloEph_gbt far = GlonassRecord(3);
+  far.toe = {std::numeric_limits<std::int64_t>::max(), 0.5};
+  sky.Records.Glonass().Add(far);
+  far.toe = {std::numeric_limits<std::int64_t>::min(), std::numeric_limits<double>::quiet_NaN()};
+  sky.Records.Glonass().Add(far);
+  EphemerisChoice choice;
+  AbsoluteTime at;
+  SatelliteState state;
+  for (std::int64_t s : {std::numeric_limits<std::int64_t>::max(), std::numeric_limits<std::int64_t>::min(),
+                         std::int64_t{0}}) {
+    for (std::uint8_t system : {1, 2, 4, 8}) {
+      const SatelliteId satellite{system, system == 4 ? 20 : 3};
+      sky.Records.Select(satellite, {s, 0.0}, choice);
+      sky.Records.SatellitePosition(satellite, {s, 0.0}, 2.2e7, state);
+      sky.Records.CoveredAtOrAfter(satellite, {s, 0.0}, at);
+      sky.Records.CoveredAtOrBefore(satellite, {s, 0.0}, at);
+    }
+  }
+}
+
+TEST(Ephemeris, DropsEveryRecordOnRelease) {
+  ExactSky sky;
+  sky.Records.Release();
+  EphemerisChoice choice;
+  for (std::uint8_t system : {1, 2, 4, 8}) EXPECT_FALSE(sky.Records.Select({system, 20}, At(0.0), choice));
+}
+
+}  // namespace
+}  // namespace gnssqctoolkit

@@ -31,7 +31,7 @@ Record KeplerRecord(std::int32_t prn, double sqrt_a, double inclination, double 
   r.toc = {kSkyTime, 0.0};
   r.af0 = 1e-5 * prn;
   r.af1 = 1e-12;
-  r.iode = 10 + prn;
+  r.iode = 10 + prn % 100;
   r.crs = 20.0;
   r.deln = 4e-9;
   r.M0 = anomaly;
@@ -113,6 +113,7 @@ struct ExactSky {
     using namespace gnssqctoolkit;
     const GeodeticPosition geodetic = EcefToGeodetic(Station);
     const double none[8] = {};
+    if (satellite.system == kGlonass && satellite.prn > 32) return;
     const int channel = satellite.system == kGlonass ? Records.GlonassChannels()[satellite.prn - 1] : 0;
     const double ratio = Wavelength(satellite.system, Code(satellite.system), channel) / 0.19029367279836487;
     double pseudorange = 2.2e7, azel[2] = {0.0, 0.0};

@@ -6,13 +6,14 @@
 #include <limits>
 #include <sstream>
 #include <string>
+#include <vector>
 
-#include "tests/unit/measures/recording_trace.h"
+#include "tests/support/trace_recorder.h"
 
 namespace orsolva {
 namespace {
 
-using orsolva_test::RecordingTrace;
+using orsolva_test::TraceRecorder;
 
 const char kBdsText[] = "error; bds system not enough frequency number!\n";
 const char kGalileoText[] = "error; no choose galileo system qc code num!\n";
@@ -288,11 +289,11 @@ TEST(GalileoPairs, OfChosenCodesWithAnEmptyListWarn) {
   Builder builder;
   builder.Observe(2, {kC21, kC27, kC6}).Observe(3, {kE1, kE5});
   builder.Config.Sys[kSlotGalileo].Extra = 1;
-  RecordingTrace trace;
+  TraceRecorder trace;
   EXPECT_EQ("", Pairs(builder.Build().Systems[kSlotGalileo]));
-  ASSERT_EQ(1u, trace.Lines.size());
-  EXPECT_EQ(2, trace.Lines[0].first);
-  EXPECT_EQ(kGalileoText, trace.Lines[0].second);
+  ASSERT_EQ(1u, trace.Texts.size());
+  EXPECT_EQ(2, trace.Levels[0]);
+  EXPECT_EQ(kGalileoText, trace.Texts[0]);
 }
 
 TEST(QzssPairs, OfTwoBandsGoBothWays) {
@@ -390,32 +391,30 @@ TEST(GeostationaryPairs, TouchFlags0And2Only) {
 TEST(BdsPairs, OfFewerThanTwoBandsWarnForEachRecord) {
   Builder builder;
   builder.Observe(2, {kC21});
-  RecordingTrace trace;
+  TraceRecorder trace;
   builder.Build();
-  ASSERT_EQ(3u, trace.Lines.size());
-  for (const auto& line : trace.Lines) {
-    EXPECT_EQ(2, line.first);
-    EXPECT_EQ(kBdsText, line.second);
-  }
+  ASSERT_EQ(3u, trace.Texts.size());
+  EXPECT_EQ((std::vector<int>{2, 2, 2}), trace.Levels);
+  EXPECT_EQ((std::vector<std::string>{kBdsText, kBdsText, kBdsText}), trace.Texts);
 }
 
 TEST(BdsPairs, WarnOnlyForTheRecordsThatLackBands) {
   Builder builder;
   builder.Observe(2, {kC1, kC5});
-  RecordingTrace trace;
+  TraceRecorder trace;
   builder.Build();
-  EXPECT_EQ(2u, trace.Lines.size());
+  EXPECT_EQ(2u, trace.Texts.size());
 }
 
 TEST(ChannelCombinations, AreBuiltInTheOrderOfTheSystems) {
   Builder builder;
   builder.Observe(3, {kE1, kE5});
   builder.Config.Sys[kSlotGalileo].Extra = 1;
-  RecordingTrace trace;
+  TraceRecorder trace;
   builder.Build();
-  ASSERT_EQ(4u, trace.Lines.size());
-  EXPECT_EQ(kBdsText, trace.Lines[2].second);
-  EXPECT_EQ(kGalileoText, trace.Lines[3].second);
+  ASSERT_EQ(4u, trace.Texts.size());
+  EXPECT_EQ(kBdsText, trace.Texts[2]);
+  EXPECT_EQ(kGalileoText, trace.Texts[3]);
   EXPECT_EQ(1, builder.Combinations.Systems[kSlotGps].System);
   EXPECT_EQ(2, builder.Combinations.Systems[kSlotGlonass].System);
   EXPECT_EQ(4, builder.Combinations.Systems[kSlotBds].System);

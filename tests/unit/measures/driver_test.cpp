@@ -295,6 +295,22 @@ TEST(Driver, WithoutAnyPseudorangeThereIsNoPosition) {
   EXPECT_TRUE(IsSet(run.Iod(1)->GeometryFreeEpoch));
 }
 
+TEST(Driver, EpochTimesPassThroughTheCalendar) {
+  // Seconds of the minute carry the fraction, which costs its last digits.
+  SyntheticRun run;
+  for (int i = 0; i < 2; ++i) {
+    QcEpochData epoch = run.Epoch(1, 30.0 * i);
+    epoch.Time = {kReferenceTime + 59 + 60 * i, 0.1};
+    run.Measures.AddSatelliteEpoch(1, epoch, true);
+  }
+  EXPECT_TRUE(run.Pass());
+  const gnssqctoolkit::AbsoluteTime expected =
+      gnssqctoolkit::GNSSTime(gnssqctoolkit::AbsoluteTime{kReferenceTime + 119, 0.1}).Absolute();
+  EXPECT_NE(0.1, expected.Fraction);
+  EXPECT_EQ(expected.Fraction, run.Mp(1)->LastEpoch.Fraction);
+  EXPECT_EQ(expected.Fraction, run.Iod(1)->CurrentEpoch.Fraction);
+}
+
 TEST(Driver, PassUsesItsOwnMaximumAges) {
   SyntheticRun run;
   run.Records.Gps().SetMaxAge(86400.0);

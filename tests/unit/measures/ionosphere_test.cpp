@@ -314,6 +314,15 @@ TEST(PhaseGeometryDifference, IsNotFormedOverSixHundredSecondsAndMore) {
   }
 }
 
+TEST(PhaseGeometryDifference, NeedsAValueBeforeItEvenInTheFirstMinutesOf1970) {
+  // There the zero time that stands for none is close.
+  SatelliteGeometry geometry;
+  geometry.HasPosition = true;
+  IodDetect state;
+  EXPECT_FALSE(PhaseGeometryDifference({100, 0.0}, {1, 1.2e8, 2.2e7}, kLambda1, geometry, state, nullptr));
+  EXPECT_EQ(0.0, state.Difference);
+}
+
 TEST(PhaseGeometryDifference, WithoutPhaseWavelengthOrPositionSetsTheEpochBack) {
   GeometrySeries series;
   series.Epoch(0, 1.2e8);

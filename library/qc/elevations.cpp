@@ -1,5 +1,7 @@
 #include "qc/elevations.h"
 
+#include <cmath>
+
 #include "qc/config.h"
 #include "qc/epoch_time.h"
 
@@ -45,6 +47,18 @@ bool QcEleList::AboveCutoff(const Time_gbt& t) {
   SampleBracket bracket;
   if (!samples_.Bracket(t, bracket)) return ExactlyAbove(t, mask_);
   return AboveLimit(bracket, t, Interpolate(bracket, t), mask_);
+}
+
+bool QcEleList::NearCutoff(const Time_gbt& t) {
+  SampleBracket bracket;
+  if (samples_.Bracket(t, bracket)) {
+    const double above = mask_ + kClearMargin;
+    const double below = mask_ - kClearMargin;
+    if (bracket.ElevationBefore > above && bracket.ElevationAfter > above) return false;
+    if (bracket.ElevationBefore < below && bracket.ElevationAfter < below) return false;
+  }
+  double azimuth_elevation[2];
+  return ExactDirection(t, azimuth_elevation) && std::fabs(azimuth_elevation[1] - mask_) < kClearMargin;
 }
 
 bool QcEleList::AboveLimit(const SampleBracket& bracket, const Time_gbt& t, double interpolated,

@@ -36,6 +36,10 @@ class QcEleList {
   /// The cut-off flag at any time: from the samples where they bracket it, else from the exact elevation.
   bool AboveCutoff(const Time_gbt& t);
 
+  /// The satellite stands within half a degree of the cut-off. False where the samples tell that it does not,
+  /// and where it has no position.
+  bool NearCutoff(const Time_gbt& t);
+
   /// Exact azimuth and elevation in rad; false when the satellite has no position.
   bool ExactDirection(const Time_gbt& t, double azimuth_elevation[2]) const;
 

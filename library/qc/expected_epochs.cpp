@@ -10,6 +10,7 @@ namespace orsolva {
 namespace {
 
 constexpr double kLookStep = 60.0;                 // s between two looks at the flag
+constexpr std::int64_t kCloseLooks = 60;           // looks at a run close to the cut-off
 constexpr double kMostSteps = 4503599627370496.0;  // 2^52
 constexpr double kLongestGap = 1.0e12;             // s; anything longer is no gap but a broken clock
 
@@ -68,6 +69,19 @@ std::int64_t NominalGap::RunEnd(std::int64_t first) const {
 }
 
 std::uint64_t NominalGap::CountRun(std::int64_t first, std::int64_t last) const {
+  const std::int64_t length = last - first + 1;
+  if (length < 3 || !(elevations_.NearCutoff(Nominal(first)) || elevations_.NearCutoff(Nominal(last)))) {
+    return CountMonotone(first, last);
+  }
+  const std::int64_t stride = (length + kCloseLooks - 1) / kCloseLooks;
+  std::uint64_t count = 0;
+  for (std::int64_t k = first; k <= last; k += stride) {
+    count += CountMonotone(k, std::min(last, k + stride - 1));
+  }
+  return count;
+}
+
+std::uint64_t NominalGap::CountMonotone(std::int64_t first, std::int64_t last) const {
   const bool at_first = elevations_.AboveCutoff(Nominal(first));
   if (first == last) return at_first ? 1 : 0;
   const bool at_last = elevations_.AboveCutoff(Nominal(last));

@@ -1,0 +1,228 @@
+#include "qc/elevations.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <memory>
+#include <random>
+#include <vector>
+
+#include "qc/config.h"
+#include "qc/epoch_time.h"
+#include "tests/support/sky.h"
+
+namespace {
+
+using namespace orsolva;
+using gnssqctoolkit::Ephemeris;
+
+constexpr double kMask = 10.0 * kDegree;
+
+Time_gbt At(double seconds_of_week) {
+  const double whole = std::floor(seconds_of_week);
+  return {sky::kWeekStart + static_cast<std::int64_t>(whole), seconds_of_week - whole};
+}
+
+/// The rule of the samples as it is worded: every one of them computed, walked from the front.
+class LiteralElevations {
+ public:
+  LiteralElevations(const Ephemeris& ephemeris, int prn, const Time_gbt& first, const Time_gbt& last)
+      : view_(ephemeris, sky::kStation), prn_(prn) {
+    for (int i = 0;; ++i) {
+      const Time_gbt t{first.time + 60 * i, first.sec};
+      double elevation = 0.0;
+      if (Exact(t, elevation)) samples_.push_back({t, elevation});
+      if (i >= 1 && TimeDifference(t, last) >= 0.0) break;
+    }
+  }
+
+  bool Flags(const Time_gbt& t, bool& cutoff, bool& above_30, double& interpolated) const {
+    cutoff = above_30 = false;
+    for (std::size_t i = 0; i + 1 < samples_.size(); ++i) {
+      if (!(TimeDifference(t, samples_[i].Time) >= 0.0) ||
+          !(TimeDifference(samples_[i + 1].Time, t) >= 0.0)) {
+        continue;
+      }
+      interpolated = samples_[i].Elevation + TimeDifference(t, samples_[i].Time) *
+                                                 (samples_[i + 1].Elevation - samples_[i].Elevation) / 60.0;
+      cutoff = Above(samples_[i].Elevation, samples_[i + 1].Elevation, interpolated, t, kMask);
+      above_30 = Above(samples_[i].Elevation, samples_[i + 1].Elevation, interpolated, t, kElevationSplit);
+      return true;
+    }
+    return false;
+  }
+
+ private:
+  struct Sample {
+    Time_gbt Time;
+    double Elevation;
+  };
+
+  bool Exact(const Time_gbt& t, double& elevation) const {
+    double azimuth_elevation[2];
+    if (!view_.Direction({1, prn_}, t, azimuth_elevation)) return false;
+    elevation = azimuth_elevation[1];
+    return true;
+  }
+
+  bool Above(double before, double after, double interpolated, const Time_gbt& t, double limit) const {
+    const double margin = 0.5 * 0.017453292519943295;
+    if (before > limit + margin && after > limit + margin) return true;
+    if (before < limit - margin && after < limit - margin) return false;
+    if (interpolated > limit + margin) return true;
+    double exact = 0.0;
+    return Exact(t, exact) && exact > limit;
+  }
+
+  StationView view_;
+  int prn_;
+  std::vector<Sample> samples_;
+};
+
+QcEleList Opened(const Ephemeris& ephemeris, int prn, const Time_gbt& first, const Time_gbt& last) {
+  QcEleList list;
+  list.SetStation(ephemeris, sky::kStation, kMask);
+  list.OpenSatellite({1, prn}, first, last);
+  return list;
+}
+
+void ExpectSameAsLiteral(QcEleList& list, const LiteralElevations& literal, const Time_gbt& t) {
+  ElevationFlags flags;
+  bool cutoff = false;
+  bool above_30 = false;
+  double interpolated = 0.0;
+  const bool found = literal.Flags(t, cutoff, above_30, interpolated);
+  ASSERT_EQ(list.EpochElevationFlags(t, flags), found);
+  EXPECT_EQ(flags.AboveCutoff, cutoff);
+  EXPECT_EQ(flags.Above30, above_30);
+  if (found) {
+    EXPECT_EQ(flags.ElevationRad, interpolated);
+  }
+}
+
+// Records at a few random reference times leave random gaps; epochs come in order and out of order, some of
+// them exactly on samples.
+TEST(ElevationFlags, AreThoseOfTheLiteralRuleWhateverTheGapsInTheRecords) {
+  std::mt19937 random(7);
+  std::uniform_real_distribution<double> any(0.0, 86400.0);
+  for (int round = 0; round < 60; ++round) {
+    std::vector<GpsEph_gbt> records;
+    const int prn = 1 + round % 30;
+    for (int k = 0; k < 1 + round % 4; ++k) records.push_back(sky::Record(prn, std::floor(any(random))));
+    const Ephemeris ephemeris = sky::Store(records);
+    const Time_gbt first = At(any(random) / 2.0);
+    const Time_gbt last = At(any(random));
+    QcEleList list = Opened(ephemeris, prn, first, last);
+    const LiteralElevations literal(ephemeris, prn, first, last);
+    for (int k = 0; k < 40; ++k) {
+      ExpectSameAsLiteral(list, literal, At(any(random)));
+      const auto on_sample = static_cast<std::int64_t>(any(random) / 60.0) * 60;
+      ExpectSameAsLiteral(list, literal, {first.time + on_sample, first.sec});
+    }
+    for (int k = 0; k < 300; ++k) ExpectSameAsLiteral(list, literal, {first.time + 30 * k, first.sec});
+  }
+}
+
+TEST(ElevationFlags, AreTrueAndFalseOverADay) {
+  const Ephemeris ephemeris = sky::Store(sky::Records(0.0, 86400.0));
+  int above = 0;
+  int above_30 = 0;
+  int found = 0;
+  QcEleList list = Opened(ephemeris, 3, At(0.0), At(86400.0));
+  for (int k = 0; k <= 2880; ++k) {
+    ElevationFlags flags;
+    if (list.EpochElevationFlags(At(30.0 * k), flags)) ++found;
+    above += flags.AboveCutoff ? 1 : 0;
+    above_30 += flags.Above30 ? 1 : 0;
+    EXPECT_TRUE(flags.AboveCutoff || !flags.Above30);
+  }
+  EXPECT_EQ(found, 2881);
+  EXPECT_GT(above_30, 100);
+  EXPECT_GT(above, above_30);
+  EXPECT_LT(above, 2000);
+}
+
+// Close to the limits the exact elevation decides, so the flags agree with it everywhere.
+TEST(ElevationFlags, AgreeWithTheExactElevation) {
+  const Ephemeris ephemeris = sky::Store(sky::Records(0.0, 86400.0));
+  for (int prn = 1; prn <= 30; ++prn) {
+    QcEleList list = Opened(ephemeris, prn, At(0.0), At(86400.0));
+    for (int k = 0; k < 2880; k += 7) {
+      ElevationFlags flags;
+      double azimuth_elevation[2];
+      ASSERT_TRUE(list.EpochElevationFlags(At(30.0 * k), flags));
+      ASSERT_TRUE(list.ExactDirection(At(30.0 * k), azimuth_elevation));
+      EXPECT_EQ(flags.AboveCutoff, azimuth_elevation[1] > kMask);
+      EXPECT_EQ(flags.Above30, azimuth_elevation[1] > kElevationSplit);
+    }
+  }
+}
+
+TEST(ElevationFlags, FailWithBothFlagsClearWithoutABracket) {
+  const Ephemeris ephemeris = sky::Store(sky::Records(0.0, 7200.0));
+  QcEleList list = Opened(ephemeris, 1, At(100.0), At(200.0));
+  ElevationFlags flags;
+  flags.AboveCutoff = flags.Above30 = true;
+  EXPECT_FALSE(list.EpochElevationFlags(At(99.0), flags));
+  EXPECT_FALSE(flags.AboveCutoff);
+  EXPECT_FALSE(flags.Above30);
+  EXPECT_TRUE(list.EpochElevationFlags(At(100.0), flags));
+  EXPECT_TRUE(list.EpochElevationFlags(At(220.0), flags));
+  EXPECT_FALSE(list.EpochElevationFlags(At(220.5), flags));
+}
+
+TEST(ElevationFlags, ABatchOfOneEpochHasTwoSamples) {
+  const Ephemeris ephemeris = sky::Store(sky::Records(0.0, 7200.0));
+  QcEleList list = Opened(ephemeris, 1, At(100.0), At(100.0));
+  ElevationFlags flags;
+  EXPECT_TRUE(list.EpochElevationFlags(At(100.0), flags));
+  EXPECT_TRUE(list.EpochElevationFlags(At(160.0), flags));
+  EXPECT_FALSE(list.EpochElevationFlags(At(161.0), flags));
+}
+
+TEST(ElevationFlags, ASatelliteWithoutRecordsHasNone) {
+  const Ephemeris ephemeris = sky::Store(sky::Records(0.0, 7200.0));
+  QcEleList list = Opened(ephemeris, 31, At(0.0), At(3600.0));
+  ElevationFlags flags;
+  EXPECT_FALSE(list.EpochElevationFlags(At(1800.0), flags));
+}
+
+TEST(ElevationFlags, OutsideTheSamplesTheCutoffComesFromTheExactElevation) {
+  const Ephemeris ephemeris = sky::Store(sky::Records(0.0, 86400.0));
+  QcEleList list = Opened(ephemeris, 3, At(0.0), At(60.0));
+  int above = 0;
+  for (int k = 0; k < 1440; ++k) {
+    double azimuth_elevation[2];
+    ASSERT_TRUE(list.ExactDirection(At(60.0 * k), azimuth_elevation));
+    EXPECT_EQ(list.AboveCutoff(At(60.0 * k)), azimuth_elevation[1] > kMask);
+    above += azimuth_elevation[1] > kMask ? 1 : 0;
+  }
+  EXPECT_GT(above, 0);
+  EXPECT_LT(above, 1440);
+}
+
+TEST(ElevationFlags, ASpanOfManyCenturiesCostsNothing) {
+  const Ephemeris ephemeris = sky::Store(sky::Records(0.0, 86400.0));
+  const auto start = std::chrono::steady_clock::now();
+  for (const std::int64_t end : {std::int64_t{4000000000}, std::int64_t{1} << 50, INT64_MAX}) {
+    QcEleList list = Opened(ephemeris, 3, {0, 0.0}, {end, 0.0});
+    ElevationFlags flags;
+    EXPECT_FALSE(list.EpochElevationFlags({10, 0.0}, flags));
+    EXPECT_TRUE(list.EpochElevationFlags(At(40000.0), flags));
+    EXPECT_FALSE(list.EpochElevationFlags({end - 1000000, 0.0}, flags));
+  }
+  QcEleList list = Opened(ephemeris, 3, {INT64_MIN, 1e300}, {INT64_MAX, -1e300});
+  ElevationFlags flags;
+  EXPECT_FALSE(list.EpochElevationFlags(At(0.0), flags));
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(1));
+}
+
+TEST(Direction, ASatelliteInsideTheEarthHasNone) {
+  GpsEph_gbt record = sky::Record(1, 0.0);
+  record.sqrtA = 1000.0;
+  const Ephemeris ephemeris = sky::Store({record});
+  double azimuth_elevation[2];
+  EXPECT_FALSE(StationView(ephemeris, sky::kStation).Direction({1, 1}, At(0.0), azimuth_elevation));
+}
+
+}  // namespace

@@ -1,0 +1,63 @@
+"""A host outside the tree finds an installed library, builds against it and runs.
+
+usage: check_consumer.py cmake|pkg-config CMAKE COMPILER BUILD_FOLDER CONSUMER_FOLDER
+"""
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+
+SKIPPED = 77
+
+
+def run(*command, **options):
+    print("+", " ".join(command), flush=True)
+    return subprocess.run(command, check=True, text=True, **options)
+
+
+def library_folder(prefix):
+    for folder, _, files in os.walk(prefix):
+        if "libOrsolva_cbb.so" in files:
+            return folder
+    raise SystemExit(f"no library below {prefix}")
+
+
+def build_by_cmake(cmake, compiler, prefix, source, scratch):
+    build = os.path.join(scratch, "build")
+    run(cmake, "-S", source, "-B", build, f"-DCMAKE_CXX_COMPILER={compiler}", f"-DCMAKE_PREFIX_PATH={prefix}")
+    run(cmake, "--build", build)
+    return os.path.join(build, "host")
+
+
+def build_by_pkg_config(compiler, prefix, source, scratch):
+    if shutil.which("pkg-config") is None:
+        print("pkg-config is not installed")
+        raise SystemExit(SKIPPED)
+    environment = dict(os.environ, PKG_CONFIG_PATH=os.path.join(library_folder(prefix), "pkgconfig"))
+    flags = run("pkg-config", "--cflags", "--libs", "orsolva", env=environment, stdout=subprocess.PIPE).stdout
+    program = os.path.join(scratch, "host")
+    run(compiler, "-std=c++17", os.path.join(source, "host.cpp"), "-o", program, *flags.split())
+    return program
+
+
+def main(way, cmake, compiler, build, source):
+    with tempfile.TemporaryDirectory() as scratch:
+        installed = os.path.join(scratch, "installed")
+        run(cmake, "--install", build, "--component", "library", "--prefix", installed)
+        prefix = os.path.join(scratch, "moved")
+        os.rename(installed, prefix)  # an installed tree may be moved
+        if way == "cmake":
+            program = build_by_cmake(cmake, compiler, prefix, source, scratch)
+        else:
+            program = build_by_pkg_config(compiler, prefix, source, scratch)
+        environment = dict(os.environ, LD_LIBRARY_PATH=library_folder(prefix))
+        printed = run(program, env=environment, stdout=subprocess.PIPE).stdout
+        if "library version: V1.2.9" not in printed:
+            print(f"unexpected output: {printed!r}")
+            return 1
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))

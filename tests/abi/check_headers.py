@@ -1,0 +1,25 @@
+"""Each public header compiles alone as strict C++17, without a warning, and twice in one file.
+
+usage: check_headers.py COMPILER FOLDER
+"""
+import os
+import subprocess
+import sys
+import tempfile
+
+FLAGS = ["-std=c++17", "-pedantic-errors", "-Wall", "-Wextra", "-Werror", "-fsyntax-only"]
+
+
+def main(compiler, folder):
+    failed = False
+    with tempfile.TemporaryDirectory() as scratch:
+        for header in ("records.h", "gnssqc.h"):
+            path = os.path.join(scratch, "alone.cpp")
+            with open(path, "w", encoding="utf-8") as file:
+                file.write(f'#include <{header}>\n#include <{header}>\nint main() {{ return 0; }}\n')
+            failed |= subprocess.run([compiler, *FLAGS, "-I", folder, path], check=False).returncode != 0
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(*sys.argv[1:]))

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 // The layout itself is asserted at compile time by the header; what is left is what hosts compute from it.
 namespace {
 
@@ -11,8 +13,9 @@ TEST(RecordLayout, TheLastUsedByteOfAConfigurationIs1739) {
 }
 
 TEST(RecordLayout, EpochsAreContiguous) {
-  const ObsEpoch_QC_gbt* epochs = nullptr;
-  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(epochs + 3), 3U * 21784U);
+  const std::vector<ObsEpoch_QC_gbt> epochs(4);
+  const auto* first = reinterpret_cast<const unsigned char*>(&epochs[0]);
+  EXPECT_EQ(reinterpret_cast<const unsigned char*>(&epochs[3]) - first, 3 * 21784);
 }
 
 TEST(RecordLayout, HealthWordsStandWhereHostsWriteThem) {

@@ -44,6 +44,11 @@ class Mutator {
     }
   }
 
+  /// a + b, wrapping.
+  static std::int64_t Shifted(std::int64_t a, std::int64_t b) {
+    return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) + static_cast<std::uint64_t>(b));
+  }
+
   std::int64_t Word() { return static_cast<std::int64_t>((std::uint64_t{random_()} << 32) | random_()); }
 
   std::int64_t Integer() {
@@ -89,7 +94,7 @@ class Mutator {
   void MutateEpoch(ObsEpoch_QC_gbt& epoch) {
     switch (Below(6)) {
       case 0:
-        epoch.time.time += Below(2) == 0 ? Integer() % 100000 : 0;
+        epoch.time.time = Shifted(epoch.time.time, Integer() % 100000);
         break;
       case 1:
         epoch.time.time = Integer();

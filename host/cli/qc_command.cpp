@@ -38,6 +38,15 @@ CLI::Validator Parsed(std::string (*parse)(const std::string&, Target&), Target&
   return CLI::Validator([parse, &target](std::string& text) { return parse(text, target); }, "");
 }
 
+CLI::Validator Number(double low, double high) {
+  return CLI::Validator(
+      [low, high](std::string& text) {
+        double number = 0;
+        return ParseNumber(text, low, high, number);
+      },
+      "");
+}
+
 }  // namespace
 
 void AddQcCommand(CLI::App& app, int& exit_code) {
@@ -51,10 +60,10 @@ void AddQcCommand(CLI::App& app, int& exit_code) {
   command->add_flag("--json", settings->json, "Write the report as JSON");
   command->add_flag("--sats", settings->satellites, "Add a table per satellite");
   command->add_option("--elevation", settings->elevation_deg, "Elevation cut-off in degrees")
-      ->check(CLI::Range(0.0, 90.0))
+      ->check(Number(0, 90))
       ->capture_default_str();
   command->add_option("--interval", settings->interval_s, "Interval in seconds (default: header, else data)")
-      ->check(CLI::Range(1e-3, 86400.0));
+      ->check(Number(1e-3, 86400));
   command->add_option("--position", (*texts)[0], "X,Y,Z in metres, header or spp (computed; the default)")
       ->check(Parsed(ParsePosition, settings->position));
   command->add_option("--systems", (*texts)[1], "Systems to judge, letters out of GREJC (default: all)")

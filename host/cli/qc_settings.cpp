@@ -1,5 +1,7 @@
 #include "host/cli/qc_settings.h"
 
+#include <fmt/format.h>
+
 #include <cmath>
 #include <sstream>
 
@@ -17,6 +19,11 @@ std::vector<std::string> SplitAtCommas(const std::string& text) {
 }
 
 }  // namespace
+
+std::string ParseNumber(const std::string& text, double low, double high, double& number) {
+  const bool good = ParseDecimal(text, number) == FieldState::kNumber && number >= low && number <= high;
+  return good ? std::string() : fmt::format("'{}' is no number from {:g} to {:g}", text, low, high);
+}
 
 std::string ParsePosition(const std::string& text, PositionChoice& position) {
   if (text == "spp" || text == "header") {

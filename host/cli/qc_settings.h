@@ -35,6 +35,8 @@ struct QcSettings {
 
 // Each of these returns an empty text, or what is wrong with the argument.
 
+/// A number in [low, high].
+std::string ParseNumber(const std::string& text, double low, double high, double& number);
 /// "X,Y,Z" in metres, "header" or "spp".
 std::string ParsePosition(const std::string& text, PositionChoice& position);
 /// Letters out of GREJC, each at most once.

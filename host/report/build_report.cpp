@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "host/rinex/civil_time.h"
 #include "host/rinex/satellite_names.h"
 #include "host/rinex/signal_codes.h"
 
@@ -100,6 +101,14 @@ void AddSatellites(int slot, const result_qct& result, Report& report) {
   }
 }
 
+/// The epochs an interval allows in the span, without the lost ones: the library's count of those it took.
+Count JudgedEpochs(const result_qct& result, double interval_s) {
+  const double span_s = std::round(Difference(result.end_time, result.start_time) * 1000) / 1000;
+  const double judged = std::floor(span_s / interval_s + 1.0) - result.lost_epochs;
+  constexpr double kMost = 1e15;
+  return judged >= 0 && judged < kMost ? static_cast<Count>(judged) : 0;
+}
+
 bool HasBand(const std::vector<std::string>& combination, char band) {
   for (const std::string& codes : combination) {
     if (!codes.empty() && codes[0] == band) return true;
@@ -175,6 +184,7 @@ Report BuildReport(ReportRun run, const result_qct& result, const total_code_qc_
   if (any) report.run.last_epoch = result.end_time;
   report.run.duration_h = std::isfinite(result.duration) ? result.duration : 0;
   report.run.lost_epochs = result.lost_epochs;
+  report.run.judged_epochs = JudgedEpochs(result, report.run.interval_s);
   for (int i = 0; i < 3; ++i) report.run.position_m[i] = result.station_xyz[i];
   for (int slot = 0; slot < kSystems; ++slot) {
     AddSystem(slot, result, codes, report);

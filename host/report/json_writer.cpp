@@ -58,6 +58,7 @@ Json RunJson(const ReportRun& run) {
   j["interval_s"] = NumberOf(run.interval_s);
   j["interval_source"] = run.interval_source;
   j["epochs"] = run.epochs;
+  j["judged_epochs"] = run.judged_epochs;
   j["lost_epochs"] = run.lost_epochs;
   j["position_ecef_m"] = Json::array();
   for (const double x : run.position_m) j["position_ecef_m"].push_back(NumberOf(x));

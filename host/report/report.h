@@ -45,7 +45,8 @@ struct ReportRun {
   std::optional<Time_gbt> first_epoch;
   std::optional<Time_gbt> last_epoch;
   double duration_h = 0;
-  Count epochs = 0;
+  Count epochs = 0;         ///< read
+  Count judged_epochs = 0;  ///< those at the interval's distance; others are passed over
   std::int64_t lost_epochs = 0;
   std::array<double, 3> position_m = {};
   std::optional<double> distance_from_header_m;  ///< of the position to the header's approximate one

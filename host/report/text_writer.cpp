@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <iterator>
 #include <string_view>
 
@@ -84,7 +85,8 @@ void WriteRun(Out out, const ReportRun& run) {
   Row(out, "Last epoch", TimeOf(run.last_epoch));
   Row(out, "Duration", fmt::format("{:.4f} h", run.duration_h));
   Row(out, "Interval", fmt::format("{:g} s, {}", run.interval_s, SourceText(run.interval_source)));
-  Row(out, "Epochs", fmt::format("{}, {} lost", run.epochs, run.lost_epochs));
+  Row(out, "Epochs",
+      fmt::format("{} read, {} judged, {} lost", run.epochs, run.judged_epochs, run.lost_epochs));
   Row(out, "Position X Y Z",
       fmt::format("{:.4f} {:.4f} {:.4f} m", run.position_m[0], run.position_m[1], run.position_m[2]));
   std::string source = SourceText(run.position_source);
@@ -133,6 +135,9 @@ void WriteAllBands(Out out, const Report& report) {
                  "SNR<=30deg", "SNR>30deg", "Iono RMS");
   for (const SystemReport& system : report.systems) WriteBands(out, system.name, system.figures);
   WriteBands(out, "Combined", report.combined);
+  const bool any = std::any_of(report.systems.begin(), report.systems.end(),
+                               [](const SystemReport& system) { return !system.figures.bands.empty(); });
+  if (!any) fmt::format_to(out, "no data\n");
 }
 
 void WriteSignals(Out out, const Report& report) {
@@ -146,6 +151,7 @@ void WriteSignals(Out out, const Report& report) {
                    Fixed(s.obs_per_slip, 1), Fixed(s.snr_dbhz, 1), Fixed(s.snr_below30_dbhz, 1),
                    Fixed(s.snr_above30_dbhz, 1));
   }
+  if (report.signals.empty()) fmt::format_to(out, "no data\n");
 }
 
 std::string BandList(const Figures& figures, std::optional<double> BandFigures::*figure, int decimals) {
@@ -169,6 +175,7 @@ void WriteSatellites(Out out, const Report& report) {
     fmt::format_to(out, "     MP {}\n", BandList(f, &BandFigures::mp_m, 3));
     fmt::format_to(out, "     SNR{}\n", BandList(f, &BandFigures::snr_dbhz, 1));
   }
+  if (report.satellites.empty()) fmt::format_to(out, "no data\n");
 }
 
 void WriteNotes(Out out, const Report& report) {

@@ -1,0 +1,201 @@
+// The built program, as a user or a script calls it.
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cmath>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+
+#include "tests/host/shared_data.h"
+
+namespace {
+
+using nlohmann::json;
+using orsolva_test::DataFile;
+using orsolva_test::ReadText;
+
+struct Answer {
+  int code = -1;
+  std::string out;
+  std::string err;
+};
+
+Answer Orsolva(const std::string& arguments) {
+  const std::string base =
+      testing::TempDir() + "orsolva_command_" + testing::UnitTest::GetInstance()->current_test_info()->name();
+  const std::string command =
+      std::string(ORSOLVA_PROGRAM) + " " + arguments + " >" + base + ".out 2>" + base + ".err </dev/null";
+  const int status = std::system(command.c_str());
+  Answer answer{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadText(base + ".out"),
+                ReadText(base + ".err")};
+  std::filesystem::remove(base + ".out");
+  std::filesystem::remove(base + ".err");
+  return answer;
+}
+
+std::string StationDay() {
+  return DataFile("ESBC00DNK_R_20201770000_01D_30S_MO.crx.gz") + " " +
+         DataFile("ESBC00DNK_R_20201770000_01D_MN.rnx.gz");
+}
+
+std::string QuarterHour() { return DataFile("SEPT078M.21O") + " " + DataFile("SEPT078M.21P"); }
+
+TEST(Command, VersionPrintsTheBanner) {
+  const Answer a = Orsolva("version");
+  EXPECT_EQ(a.code, 0);
+  EXPECT_EQ(a.out.find("library    name: libOrsolva_cbb\nlibrary version: V1.2.9\n"), 0U);
+  EXPECT_TRUE(a.err.empty());
+}
+
+TEST(Command, HelpIsGoodAndWrongUsageIsTwo) {
+  EXPECT_EQ(Orsolva("--help").code, 0);
+  EXPECT_EQ(Orsolva("qc --help").code, 0);
+  for (const char* wrong :
+       {"", "frobnicate", "qc", "qc a.rnx --no-such-option", "qc a.rnx --elevation steep",
+        "qc a.rnx --elevation 91", "qc a.rnx --interval 0", "qc a.rnx --interval nan",
+        "qc a.rnx --position here", "qc a.rnx --position 1,2", "qc a.rnx --position 1,2,3",
+        "qc a.rnx --position 4e6,nan,4e6", "qc a.rnx --systems GX", "qc a.rnx --systems GG",
+        "qc a.rnx --exclude G99", "qc a.rnx --exclude Gxx"}) {
+    const Answer a = Orsolva(wrong);
+    EXPECT_EQ(a.code, 2) << wrong;
+    EXPECT_FALSE(a.err.empty()) << wrong;
+    EXPECT_TRUE(a.out.empty()) << wrong;
+  }
+}
+
+TEST(Command, FailedRunsAreOneAndSayWhatToDo) {
+  const Answer missing = Orsolva("qc /nonexistent.rnx /nonexistent.nav");
+  EXPECT_EQ(missing.code, 1);
+  EXPECT_NE(missing.err.find("/nonexistent.rnx: found No such file or directory"), std::string::npos)
+      << missing.err;
+  EXPECT_TRUE(missing.out.empty());
+}
+
+TEST(Command, ARunWithoutNavigationSaysSo) {
+  ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
+  const Answer a = Orsolva("qc " + DataFile("SEPT078M.21O"));
+  EXPECT_EQ(a.code, 1);
+  EXPECT_NE(a.err.find("no navigation file"), std::string::npos) << a.err;
+}
+
+TEST(Command, FilesInTheWrongOrderAreNamedWithTheirLine) {
+  ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
+  const Answer a = Orsolva("qc " + DataFile("SEPT078M.21P") + " " + DataFile("SEPT078M.21O"));
+  EXPECT_EQ(a.code, 1);
+  EXPECT_NE(a.err.find("SEPT078M.21P:1: found file type"), std::string::npos) << a.err;
+}
+
+TEST(Command, NavigationOfAnotherDayGivesNoPositionAndSaysSo) {
+  ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
+  const Answer a =
+      Orsolva("qc " + DataFile("SEPT078M.21O") + " " + DataFile("ESBC00DNK_R_20201770000_01D_MN.rnx.gz"));
+  EXPECT_EQ(a.code, 1);
+  EXPECT_NE(a.err.find("no position could be computed"), std::string::npos) << a.err;
+}
+
+TEST(Command, AnIntervalLongerThanTheDatasThinsThemOut) {
+  ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
+  const Answer a = Orsolva("qc --json " + QuarterHour() + " --interval 5");
+  ASSERT_EQ(a.code, 0) << a.err;
+  const json j = json::parse(a.out);
+  EXPECT_EQ(j["run"]["epochs"], 900);
+  EXPECT_EQ(j["run"]["judged_epochs"], 180);
+  EXPECT_EQ(j["run"]["interval_source"], "option");
+}
+
+TEST(Command, AnIntervalThatGivesNoPlausibleResultIsExplained) {
+  ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
+  const Answer a = Orsolva("qc " + QuarterHour() + " --interval 1.0009");
+  EXPECT_EQ(a.code, 1);
+  EXPECT_NE(a.err.find("--interval"), std::string::npos) << a.err;
+}
+
+TEST(Command, TheStationDayMeetsWhatIsKnownOfIt) {
+  ORSOLVA_NEED_FILE(DataFile("ESBC00DNK_R_20201770000_01D_MN.rnx.gz"));
+  const Answer a = Orsolva("qc --json " + StationDay());
+  ASSERT_EQ(a.code, 0) << a.err;
+  EXPECT_TRUE(a.err.empty()) << a.err;
+  const json j = json::parse(a.out);
+  EXPECT_EQ(j["run"]["epochs"], 2880);
+  EXPECT_EQ(j["run"]["lost_epochs"], 0);
+  EXPECT_EQ(j["run"]["position_source"], "computed");
+  EXPECT_LT(j["run"]["distance_from_header_position_m"].get<double>(), 5.0);
+  EXPECT_EQ(j["systems"][0]["system"], "GPS");
+  EXPECT_GT(j["systems"][0]["completeness_ratio"].get<double>(), 0.95);
+  int bands = 0;
+  for (const json& system : j["systems"]) {
+    for (const json& band : system["bands"]) {
+      ++bands;
+      if (!band["mp_rms_m"].is_null()) {
+        EXPECT_GT(band["mp_rms_m"].get<double>(), 0.05);
+        EXPECT_LT(band["mp_rms_m"].get<double>(), 1.5);
+      }
+      if (!band["snr_mean_dbhz"].is_null()) {
+        EXPECT_GT(band["snr_mean_dbhz"].get<double>(), 25);
+        EXPECT_LT(band["snr_mean_dbhz"].get<double>(), 60);
+      }
+    }
+  }
+  EXPECT_GE(bands, 12);
+}
+
+TEST(Command, TextKeepsTo80Columns) {
+  ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
+  const Answer a = Orsolva("qc --sats " + QuarterHour());
+  ASSERT_EQ(a.code, 0) << a.err;
+  std::istringstream lines(a.out);
+  for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 80U) << line;
+  EXPECT_NE(a.out.find("SATELLITES"), std::string::npos);
+  EXPECT_EQ(a.out.find("nan"), std::string::npos);
+}
+
+TEST(Command, OptionsReachTheRun) {
+  ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
+  const Answer a = Orsolva(
+      "qc --json --sats --systems GJ --exclude G04,J02 --elevation 15 --position header " + QuarterHour());
+  ASSERT_EQ(a.code, 0) << a.err;
+  const json j = json::parse(a.out);
+  EXPECT_EQ(j["run"]["elevation_cutoff_deg"], 15);
+  EXPECT_EQ(j["run"]["position_source"], "header");
+  EXPECT_EQ(j["run"]["distance_from_header_position_m"], 0);
+  ASSERT_EQ(j["systems"].size(), 2U);
+  EXPECT_EQ(j["systems"][1]["system"], "QZSS");
+  bool any = false;
+  for (const json& satellite : j["satellites"]) {
+    any = true;
+    const bool excluded = satellite["satellite"] == "G04" || satellite["satellite"] == "J02";
+    if (excluded) {
+      EXPECT_EQ(satellite["state"], "excluded");
+    }
+  }
+  EXPECT_TRUE(any);
+}
+
+TEST(Command, APositionMayBeGivenWithNegativeCoordinates) {
+  ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
+  const Answer a = Orsolva("qc --json --position -3962108.4557,3381308.8777,3668678.1749 " + QuarterHour());
+  ASSERT_EQ(a.code, 0) << a.err;
+  const json j = json::parse(a.out);
+  EXPECT_EQ(j["run"]["position_source"], "option");
+  EXPECT_EQ(j["run"]["position_ecef_m"][0], -3962108.4557);
+}
+
+TEST(Command, TheIntervalIsFoundInTheDataWhenTheHeaderHasNone) {
+  ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
+  std::string text = ReadText(DataFile("SEPT078M.21O"));
+  const std::size_t label = text.find("INTERVAL\n");
+  ASSERT_NE(label, std::string::npos);
+  text.replace(label, 8, "COMMENT ");
+  const std::string path = testing::TempDir() + "orsolva_no_interval.21O";
+  std::ofstream(path, std::ios::binary) << text;
+  const Answer a = Orsolva("qc --json " + path + " " + DataFile("SEPT078M.21P"));
+  std::filesystem::remove(path);
+  ASSERT_EQ(a.code, 0) << a.err;
+  const json j = json::parse(a.out);
+  EXPECT_EQ(j["run"]["interval_source"], "data");
+  EXPECT_EQ(j["run"]["interval_s"], 1);
+}
+
+}  // namespace

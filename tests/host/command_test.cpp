@@ -198,4 +198,28 @@ TEST(Command, TheIntervalIsFoundInTheDataWhenTheHeaderHasNone) {
   EXPECT_EQ(j["run"]["interval_s"], 1);
 }
 
+TEST(Command, AFileOfMoreThanOneBatchIsStreamed) {
+  ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
+  const std::string text = ReadText(DataFile("SEPT078M.21O"));
+  const std::size_t body = text.find("END OF HEADER\n") + 14;
+  std::string hour = text.substr(0, body);
+  for (int quarter = 0; quarter < 4; ++quarter) {
+    std::istringstream lines(text.substr(body));
+    for (std::string line; std::getline(lines, line); hour += line + "\n") {
+      if (line[0] == '>')
+        line.replace(16, 2, std::to_string(100 + std::stoi(line.substr(16, 2)) + 15 * quarter), 1, 2);
+    }
+  }
+  const std::string path = testing::TempDir() + "orsolva_hour.21O";
+  std::ofstream(path, std::ios::binary) << hour;
+  const Answer a = Orsolva("qc --json --position header " + path + " " + DataFile("SEPT078M.21P"));
+  std::filesystem::remove(path);
+  ASSERT_EQ(a.code, 0) << a.err;
+  const json j = json::parse(a.out);
+  EXPECT_EQ(j["run"]["epochs"], 3600);
+  EXPECT_EQ(j["run"]["judged_epochs"], 3600);
+  EXPECT_EQ(j["run"]["lost_epochs"], 0);
+  EXPECT_EQ(j["run"]["last_epoch_gpst"], "2021-03-19 12:59:59.000");
+}
+
 }  // namespace

@@ -2,8 +2,6 @@
 #ifndef ORSOLVA_TESTS_SUPPORT_REFERENCE_CASE_H
 #define ORSOLVA_TESTS_SUPPORT_REFERENCE_CASE_H
 
-#include <zlib.h>
-
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
@@ -14,21 +12,10 @@
 #include <vector>
 
 #include "interface/records.h"
+#include "tests/support/gzip_file.h"
 #include "tests/support/navigation_set.h"
 
 namespace orsolva_test {
-
-/// The whole content of a gzip file.
-inline std::vector<unsigned char> Unpack(const std::filesystem::path& path) {
-  gzFile file = gzopen(path.c_str(), "rb");
-  if (file == nullptr) throw std::runtime_error("cannot open " + path.string());
-  std::vector<unsigned char> all, part(1 << 20);
-  for (int n; (n = gzread(file, part.data(), static_cast<unsigned>(part.size()))) > 0;) {
-    all.insert(all.end(), part.begin(), part.begin() + n);
-  }
-  gzclose(file);
-  return all;
-}
 
 /// A file that holds one record.
 template <class Record>

@@ -175,7 +175,9 @@ double Normal(std::mt19937& random) {
   return sum - 6.0;
 }
 
-class Observer {
+}  // namespace
+
+class SkyStream::Observer {
  public:
   Observer(const SkyOptions& options, const NavigationSet& set) : options_(options), random_(options.Seed) {
     stores_ = std::make_unique<Ephemeris>(Stores(set));
@@ -201,7 +203,8 @@ class Observer {
     const double whole = std::floor(seconds);
     epoch.time = {options_.Start + static_cast<std::int64_t>(whole), seconds - whole};
     for (const SatelliteId& satellite : satellites_) {
-      if (epoch.sat_num < 80 && Observe(satellite, epoch.time, epoch.sats[epoch.sat_num])) ++epoch.sat_num;
+      const bool room = epoch.sat_num < static_cast<std::uint32_t>(std::min(options_.MostSatellites, 80));
+      if (room && Observe(satellite, epoch.time, epoch.sats[epoch.sat_num])) ++epoch.sat_num;
     }
     return epoch;
   }
@@ -218,6 +221,8 @@ class Observer {
       if (range < 0) return false;
       elevation = gnssqctoolkit::AzimuthElevation(receiver_, unit, nullptr);
       pseudorange = range - kLight * state.Clock;
+      // The later rounds move the direction by less than a millionth of this.
+      if (elevation < options_.LowestElevation - 0.01) return false;
     }
     if (elevation < options_.LowestElevation) return false;
     out = Satellite_gbt{};
@@ -253,14 +258,23 @@ class Observer {
   std::vector<SatelliteId> satellites_;
 };
 
-}  // namespace
+SkyStream::SkyStream(const SkyOptions& options) : options_(options) {
+  const auto span = static_cast<std::int64_t>(options.Interval * options.Epochs) + 1;
+  AddRecords(navigation_, options.Start, options.Start + span);
+  observer_ = std::make_unique<Observer>(options, navigation_);
+}
+
+SkyStream::~SkyStream() = default;
+
+ObsEpoch_QC_gbt SkyStream::Next() {
+  return observer_->Observe(static_cast<double>(next_++) * options_.Interval);
+}
 
 SimulatedSky::SimulatedSky(const SkyOptions& options) : Options(options) {
-  const auto span = static_cast<std::int64_t>(options.Interval * options.Epochs) + 1;
-  AddRecords(Navigation, options.Start, options.Start + span);
-  Observer observer(options, Navigation);
+  SkyStream stream(options);
+  Navigation = stream.Navigation();
   Epochs.reserve(static_cast<std::size_t>(options.Epochs));
-  for (int k = 0; k < options.Epochs; ++k) Epochs.push_back(observer.Observe(k * options.Interval));
+  for (int k = 0; k < options.Epochs; ++k) Epochs.push_back(stream.Next());
 }
 
 config_qct OpenConfig() {
@@ -277,12 +291,14 @@ config_qct OpenConfig() {
   return config;
 }
 
-config_qct SimulatedSky::Config() const {
+config_qct ConfigOf(const SkyOptions& options) {
   config_qct config = OpenConfig();
-  config.interval = Options.Interval;
+  config.interval = options.Interval;
   config.enable_position = 1;
-  std::copy(std::begin(Options.Station), std::end(Options.Station), config.position);
+  std::copy(std::begin(options.Station), std::end(options.Station), config.position);
   return config;
 }
+
+config_qct SimulatedSky::Config() const { return ConfigOf(Options); }
 
 }  // namespace orsolva_test

@@ -4,6 +4,7 @@
 #define ORSOLVA_TESTS_SUPPORT_SIMULATED_SKY_H
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "interface/records.h"
@@ -21,6 +22,7 @@ struct SkyOptions {
   double PhaseNoise = 0.002;   ///< m, one sigma
   double MissingShare = 0.0;   ///< share of the signals left out at random
   double LowestElevation = 0;  ///< rad, satellites below are not observed
+  int MostSatellites = 80;     ///< observed in one epoch, in the order GPS, GLONASS, BDS, Galileo, QZSS
 };
 
 struct SimulatedSky {
@@ -34,8 +36,27 @@ struct SimulatedSky {
   config_qct Config() const;
 };
 
+/// The same sky epoch by epoch, for runs too long to keep: Next() gives the epochs of SimulatedSky in order.
+class SkyStream {
+ public:
+  explicit SkyStream(const SkyOptions& options);
+  ~SkyStream();
+
+  const NavigationSet& Navigation() const { return navigation_; }
+  ObsEpoch_QC_gbt Next();
+
+ private:
+  class Observer;
+  SkyOptions options_;
+  NavigationSet navigation_;
+  std::unique_ptr<Observer> observer_;
+  std::int64_t next_ = 0;
+};
+
 /// A configuration with everything on and no position.
 config_qct OpenConfig();
+/// The same with the position and the interval of a sky.
+config_qct ConfigOf(const SkyOptions& options);
 
 }  // namespace orsolva_test
 

@@ -1,0 +1,35 @@
+// Where the bytes of a file go: plain, or packed with gzip when the name ends in ".gz".
+#ifndef ORSOLVA_SIMULATE_BYTE_SINK_H
+#define ORSOLVA_SIMULATE_BYTE_SINK_H
+
+#include <cstddef>
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+namespace orsolva_host {
+
+/// A file that cannot be written: its name and why.
+class WriteError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+class ByteSink {
+ public:
+  virtual ~ByteSink() = default;
+  /// @throws WriteError
+  virtual void Write(const char* data, std::size_t size) = 0;
+  /// Must be called at the end; only then the file is whole. @throws WriteError
+  virtual void Close() = 0;
+};
+
+/// @throws WriteError when the file cannot be opened
+std::unique_ptr<ByteSink> OpenSink(const std::string& path);
+
+/// Collects in a text that outlives the sink.
+std::unique_ptr<ByteSink> TextSink(std::string& text);
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_SIMULATE_BYTE_SINK_H

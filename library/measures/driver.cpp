@@ -113,7 +113,7 @@ bool FindIonosphereSlip(const AbsoluteTime& epoch, const PairWork& work, Geometr
 void StartDetail(const PairWork& work, const Time_gbt& time, PairEpochDetail& detail) {
   detail = PairEpochDetail();
   detail.Number = gnssqctoolkit::QcSatelliteIndex(work.Satellite->Id);
-  detail.Satellite = work.Satellite->Id;
+  detail.Satellite = {work.Satellite->Id.system, work.Satellite->Id.prn};
   detail.Time = time;
   detail.Code = work.Pair->Code;
   detail.Partner = work.Pair->Partner;

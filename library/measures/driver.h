@@ -6,9 +6,9 @@
 #include <cstdint>
 #include <memory>
 
+#include "interface/detail.h"
 #include "interface/records.h"
 #include "measures/channel_combinations.h"
-#include "measures/detail.h"
 #include "measures/ionosphere.h"
 #include "measures/multipath.h"
 #include "navigation/ephemeris.h"

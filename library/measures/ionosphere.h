@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "measures/detail.h"
+#include "interface/detail.h"
 #include "measures/multipath.h"
 #include "measures/pair_signals.h"
 #include "navigation/ephemeris.h"

@@ -5,8 +5,8 @@
 
 #include <cstdint>
 
+#include "interface/detail.h"
 #include "measures/channel_combinations.h"
-#include "measures/detail.h"
 #include "measures/pair_signals.h"
 #include "qc/epoch_data.h"
 #include "qc/epoch_time.h"

@@ -1,5 +1,6 @@
 #include "qc/process.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "qc/navigation_loading.h"
@@ -168,7 +169,8 @@ void PostProcessGnssQc::MeasureEpoch(int number, std::size_t i) {
 void PostProcessGnssQc::ReportEpoch(int number, const QcEpochData& epoch, const ElevationFlags& flags) {
   SatelliteEpochDetail detail;
   detail.Number = number;
-  detail.Satellite = ObsData.Sats[number - 1].Satellite;
+  const gnssqctoolkit::SatelliteId& satellite = ObsData.Sats[number - 1].Satellite;
+  detail.Satellite = {satellite.system, satellite.prn};
   detail.Time = epoch.Time;
   detail.ElevationRad = flags.ElevationRad;
   double azimuth_elevation[2];
@@ -178,7 +180,12 @@ void PostProcessGnssQc::ReportEpoch(int number, const QcEpochData& epoch, const 
   }
   detail.AboveCutoff = flags.AboveCutoff;
   detail.Above30 = flags.Above30;
-  detail.Observations = &epoch;
+  Signal_QC_gbt signals[kBandSlots * kSignalsPerSlot];
+  for (const QcSlotSignals& slot : epoch.Slots) {
+    std::copy(slot.Signals, slot.Signals + slot.Count, signals + detail.SignalCount);
+    detail.SignalCount += slot.Count;
+  }
+  detail.Signals = signals;
   observer_->OnSatelliteEpoch(detail);
 }
 

@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
+#include "interface/detail.h"
 #include "interface/records.h"
-#include "measures/detail.h"
 #include "measures/driver.h"
 #include "navigation/ephemeris.h"
 #include "qc/config.h"

@@ -10,6 +10,7 @@
 #include <string>
 #include <thread>
 
+#include "interface/detail.h"
 #include "interface/gnssqc.h"
 #include "interface/print.h"
 #include "qc/process.h"
@@ -238,10 +239,10 @@ class Throwing : public orsolva::QcDetailObserver {
 TEST_F(Exports, NoExceptionLeavesABatchAndTheHandleStaysUsable) {
   const OwnedHandle handle = Initialised();
   Throwing throwing;
-  auto* process = reinterpret_cast<orsolva::PostProcessGnssQc*>(handle.get());
-  process->SetDetailObserver(&throwing);
+  orsolva::SetDetailObserver(nullptr, &throwing);
+  orsolva::SetDetailObserver(handle.get(), &throwing);
   EXPECT_EQ(GNSSQCPlus(obs_, handle.get()), GNSSQC_INTERNAL_ERROR);
-  process->SetDetailObserver(nullptr);
+  orsolva::SetDetailObserver(handle.get(), nullptr);
   for (ObsEpoch_QC_gbt& epoch : epochs_) epoch.time.time += 60 * 30;
   EXPECT_EQ(GNSSQCPlus(obs_, handle.get()), GNSSQC_OK);
 }

@@ -548,9 +548,9 @@ class Recorder : public QcDetailObserver {
   void OnSatelliteEpoch(const SatelliteEpochDetail& detail) override {
     ++Satellites;
     Numbers.insert(detail.Number);
-    Consistent = Consistent && detail.Observations->Time.time == detail.Time.time &&
-                 detail.AboveCutoff == (detail.ElevationRad > 10.0 * kDegree) && detail.AzimuthRad >= 0.0 &&
-                 detail.AzimuthRad <= 2.0 * sky::kPi;
+    Consistent = Consistent && detail.SignalCount > 0 && detail.Signals[0].code != 0 &&
+                 detail.Satellite.prn > 0 && detail.AboveCutoff == (detail.ElevationRad > 10.0 * kDegree) &&
+                 detail.AzimuthRad >= 0.0 && detail.AzimuthRad <= 2.0 * sky::kPi;
   }
   void OnPairEpoch(const PairEpochDetail&) override { ++Pairs; }
 

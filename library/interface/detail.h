@@ -1,15 +1,13 @@
 // The seat for detail: what the run computes per epoch, satellite and pair, for plots and tables.
 //
 // Null by default; every report is behind one test of a pointer. The observer must not call back into the
-// run.
-#ifndef ORSOLVA_MEASURES_DETAIL_H
-#define ORSOLVA_MEASURES_DETAIL_H
+// run. For programs that link the static archive: the shared library exports nothing of this.
+#ifndef ORSOLVA_INTERFACE_DETAIL_H
+#define ORSOLVA_INTERFACE_DETAIL_H
 
 #include <cstdint>
 
 #include "interface/records.h"
-#include "qc/epoch_data.h"
-#include "toolkit/satellite.h"
 
 namespace orsolva {
 
@@ -22,22 +20,29 @@ enum class IonosphereSlipReason : std::uint8_t { kNone, kRate, kLongGap };
 /// Why the phase-minus-geometry test counted a slip.
 enum class GeometrySlipReason : std::uint8_t { kNone, kDataGap, kThreshold, kNewEphemeris };
 
+/// A satellite as the records name it.
+struct DetailSatellite {
+  std::uint8_t sys = 0;
+  std::int32_t prn = 0;
+};
+
 /// One measured satellite at one epoch (an elevation was found).
 struct SatelliteEpochDetail {
   int Number = 0;  ///< satellite number 1 to 208
-  gnssqctoolkit::SatelliteId Satellite;
+  DetailSatellite Satellite;
   Time_gbt Time{};
   double ElevationRad = 0.0;
   double AzimuthRad = 0.0;
   bool AboveCutoff = false;
   bool Above30 = false;
-  const QcEpochData* Observations = nullptr;  ///< valid during the call; holds the SNR
+  const Signal_QC_gbt* Signals = nullptr;  ///< valid during the call; values that were not finite are 0
+  int SignalCount = 0;
 };
 
 /// One code pair of a satellite at one epoch of the pass.
 struct PairEpochDetail {
   int Number = 0;
-  gnssqctoolkit::SatelliteId Satellite;
+  DetailSatellite Satellite;
   Time_gbt Time{};
   std::uint32_t Code = 0;
   std::uint32_t Partner = 0;
@@ -68,6 +73,11 @@ class QcDetailObserver {
   virtual void OnPairEpoch(const PairEpochDetail& detail) = 0;
 };
 
+/// Plugs an observer in for the batches that follow; null takes it out. The caller keeps ownership. An
+/// observer that throws ends the batch with GNSSQC_INTERNAL_ERROR.
+/// @param handle  of CreatQcProcess; null is ignored
+void SetDetailObserver(unsigned long long* handle, QcDetailObserver* observer);
+
 }  // namespace orsolva
 
-#endif  // ORSOLVA_MEASURES_DETAIL_H
+#endif  // ORSOLVA_INTERFACE_DETAIL_H

@@ -24,7 +24,6 @@ constexpr double kEarthRate = 7.2921151467e-5;
 constexpr std::int64_t kGpsEpoch = 315964800;   // 1980-01-06
 constexpr std::int64_t kBdsEpoch = 1136073600;  // 2006-01-01
 constexpr std::int64_t kWeek = 604800;
-constexpr std::int64_t kLeapSeconds = 18;
 
 struct Orbit {
   double a, e, i, node, perigee, anomaly;  // m, rad; node in the frame of the week's start, anomaly at `from`

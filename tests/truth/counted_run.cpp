@@ -1,0 +1,31 @@
+#include "tests/truth/counted_run.h"
+
+namespace orsolva_test {
+
+CountedRun::CountedRun(const orsolva_host::Scenario& scenario)
+    : simulation(scenario), recount(simulation, kTruthCutoff_deg) {
+  good = Initialise(process, simulation, TruthConfig(scenario));
+  std::vector<ObsEpoch_QC_gbt> batch;
+  std::size_t most = 173;
+  while (good && simulation.NextBatch(batch, most) > 0) {
+    for (const ObsEpoch_QC_gbt& epoch : batch) recount.Add(epoch);
+    good = process.Feed(batch) == GNSSQC_OK;
+    most = 100 + (most * 7) % 331;
+    ++batches;
+  }
+  results = std::make_unique<Results>(process);
+}
+
+const code_qc_entry* CountedRun::EntryOf(int system, int prn, int code) const {
+  const code_qc_block& block = results->Codes->sat[SlotOf(system)][prn - 1];
+  for (int k = 0; k < block.count; ++k) {
+    if (block.entries[k].code == code) return &block.entries[k];
+  }
+  return nullptr;
+}
+
+bool CountedRun::HasRepeatedEpochs() const {
+  return simulation.TruthSoFar().delivered_epochs > static_cast<std::uint64_t>(recount.accepted);
+}
+
+}  // namespace orsolva_test

@@ -1,0 +1,78 @@
+// The proofs in their short form, and the page that shows the long one.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "tests/truth/proof.h"
+
+namespace orsolva_test {
+namespace {
+
+std::string CommittedPage() {
+  std::ifstream in(std::string(ORSOLVA_SOURCE_DIR) + "/docs/validation.md");
+  std::stringstream text;
+  text << in.rdbuf();
+  return text.str();
+}
+
+/// Runs a proof in its short form, leaves its tables in <build>/validation and holds the page against them.
+void Hold(const std::string& id, std::size_t least_checks) {
+  const Proof proof = Prove(id, false);
+  for (const std::string& failure : proof.Failures()) ADD_FAILURE() << failure;
+  EXPECT_EQ(proof.Failed(), 0u);
+  EXPECT_GE(proof.Checks(), least_checks);
+  const std::filesystem::path folder = std::filesystem::path(ORSOLVA_BINARY_DIR) / "validation";
+  std::filesystem::create_directories(folder);
+  std::ofstream(folder / (id + ".md")) << proof.Markdown();
+  for (const std::string& lack : proof.MissingFrom(SectionOf(id, CommittedPage()))) {
+    ADD_FAILURE() << "docs/validation.md lacks " << lack;
+  }
+}
+
+TEST(Truth, CompletenessEpochsAndDurationAreExact) { Hold("completeness", 1000); }
+TEST(Truth, SnrFiguresAreExactToTheArithmetic) { Hold("snr", 1000); }
+
+TEST(ValidationPage, ShowsEveryProofInItsLongFormWithTheCommand) {
+  const std::string page = CommittedPage();
+  EXPECT_NE(page.find("build/bin/truth_report --long --write docs/validation.md"), std::string::npos);
+  for (const ProofEntry& entry : AllProofs()) {
+    const std::string section = SectionOf(entry.id, page);
+    EXPECT_NE(section.find("- **Form:** long\n"), std::string::npos) << entry.id;
+    EXPECT_NE(section.find(", 0 failed."), std::string::npos) << entry.id;
+    EXPECT_NE(section.find("| --- |"), std::string::npos) << entry.id << " has no table";
+  }
+}
+
+TEST(ValidationPage, OnlyWhatStandsBetweenTheMarkersIsReplaced) {
+  std::string page = "a\n<!-- proof:x -->\nold\n<!-- /proof:x -->\nb\n";
+  ASSERT_TRUE(ReplaceSection("x", "new\n", page));
+  EXPECT_EQ(page, "a\n<!-- proof:x -->\nnew\n<!-- /proof:x -->\nb\n");
+  EXPECT_FALSE(ReplaceSection("y", "new\n", page));
+}
+
+TEST(ValidationPage, TableWithoutARowOfTheSameKeysIsNoticed) {
+  Proof proof;
+  proof.tables.push_back({"Caption.", {"size", "rate"}, {{"1", "50"}, {"2", "60"}}});
+  const std::string page = proof.Markdown();
+  EXPECT_TRUE(proof.MissingFrom(page).empty());
+  proof.tables[0].rows[1] = {"2", "61"};
+  EXPECT_TRUE(proof.MissingFrom(page).empty()) << "figures of the short form may differ";
+  proof.tables[0].rows[1] = {"3", "60"};
+  EXPECT_EQ(proof.MissingFrom(page).size(), 1u);
+  proof.tables[0].columns[1] = "share";
+  EXPECT_EQ(proof.MissingFrom(page).size(), 1u);
+}
+
+TEST(Proof, CountsWhatDoesNotHold) {
+  Proof proof;
+  proof.Check(true, "one");
+  proof.Check(false, "two");
+  EXPECT_EQ(proof.Checks(), 2u);
+  EXPECT_EQ(proof.Failed(), 1u);
+  EXPECT_EQ(proof.Failures().at(0), "two");
+}
+
+}  // namespace
+}  // namespace orsolva_test

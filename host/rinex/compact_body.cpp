@@ -1,26 +1,36 @@
-// Epochs of compact RINEX files of form 3.
+// Epochs of compact RINEX files: form 1 of RINEX 2, form 3 of RINEX 3 and 4.
 //
 // The epoch line is kept as text and each later one gives only the changed characters, '&' for a blank.
 // Every value is a whole number of thousandths and is sent as the difference of order k to the epochs
 // before, the order growing by one an epoch up to the arc's order: "3&23818653240" begins an arc of order 3.
-// The marks of a satellite's values follow its values, again as changed characters.
+// The marks of a satellite's values follow its values, again as changed characters. The forms differ in the
+// epoch line: where the satellites stand and which character begins a full one.
 // Source: Hatanaka 2008, Bulletin of the Geospatial Information Authority of Japan 55.
 #include <algorithm>
 #include <array>
 #include <utility>
 
+#include "host/rinex/body_base.h"
 #include "host/rinex/decimal.h"
-#include "host/rinex/epoch_line.h"
-#include "host/rinex/observation_body.h"
+#include "host/rinex/header_labels.h"
 #include "host/rinex/satellite_names.h"
 
 namespace orsolva_host {
 namespace {
 
 constexpr int kHighestOrder = 9;
-constexpr std::size_t kSatelliteColumn = 41;
 constexpr std::size_t kSatelliteWidth = 3;
 constexpr double kThousandths = 1000;
+constexpr std::ptrdiff_t kMostDigits = 18;
+
+struct Form {
+  char mark;  ///< begins a full epoch line
+  std::size_t satellite_column;
+  bool (*parse)(std::string_view, EpochLine&);
+};
+
+constexpr Form kForm1 = {'&', 32, ParseEpochLine2};
+constexpr Form kForm3 = {'>', 41, ParseEpochLine};
 
 /// The value and its differences up to the order reached.
 class Arc {
@@ -67,22 +77,56 @@ void Repair(std::string& text, std::string_view changes) {
   }
 }
 
-class Compact : public ObservationBody {
+/// A value as it is sent, up to the blank after it.
+struct Token {
+  bool empty = true;
+  bool good = true;
+  int order = -1;  ///< of an arc that begins here
+  std::int64_t number = 0;
+};
+
+/// @return where the token ends
+const char* ScanToken(const char* p, const char* end, Token& token) {
+  if (p == end || *p == ' ') return p;
+  token.empty = false;
+  if (end - p > 2 && p[1] == '&') {
+    token.order = *p - '0';
+    token.good = *p >= '0' && *p <= '9';
+    p += 2;
+  }
+  const bool negative = *p == '-';
+  if (negative) ++p;
+  const char* const first = p;
+  std::uint64_t number = 0;
+  unsigned digit = 0;
+  for (; p < end && (digit = static_cast<unsigned char>(*p) - unsigned{'0'}) < 10; ++p) {
+    number = number * 10 + digit;
+  }
+  token.good = token.good && p > first && p - first <= kMostDigits && (p == end || *p == ' ');
+  while (p < end && *p != ' ') ++p;
+  if (token.good)
+    token.number = negative ? -static_cast<std::int64_t>(number) : static_cast<std::int64_t>(number);
+  return p;
+}
+
+class Compact : public BodyBase {
  public:
-  Compact(LineReader& lines, std::string file, Diagnostics& diagnostics)
-      : lines_(lines), file_(std::move(file)), diagnostics_(diagnostics), states_(26 * 100) {}
+  Compact(LineReader& lines, std::string file, Diagnostics& diagnostics, const Form& form, char blank_letter)
+      : BodyBase(lines, std::move(file), diagnostics),
+        form_(form),
+        blank_letter_(blank_letter),
+        states_(26 * 100) {}
 
   bool Next(const ObservationTypes& types, EpochBlock& epoch) override {
     EpochLine head;
-    if (!FindEpoch(head)) return false;
-    epoch.line = lines_.Line();
-    epoch.time = head.time;
-    epoch.time_given = head.time_given;
-    epoch.flag = head.flag;
-    epoch.satellites.clear();
-    epoch.cells.clear();
-    epoch.records.clear();
-    epoch.first_record_line = epoch.line + 1;
+    std::string_view line;
+    if (!FindEpoch(line, head)) return false;
+    if (head.flag == kStrayHeader) {
+      TakeStrayHeader(line, epoch);
+      Reset();
+      return true;
+    }
+    Begin(head, epoch);
     if (head.flag > 1) {
       ReadRecords(head.count, epoch);
     } else {
@@ -92,17 +136,17 @@ class Compact : public ObservationBody {
   }
 
  private:
-  void Notice(const char* text, bool recovered = false) {
-    diagnostics_.Add(file_, lines_.Line(), text, recovered);
-  }
-
   /// Finds the next epoch line. After damage only one that begins anew will do.
-  bool FindEpoch(EpochLine& head) {
-    std::string_view line;
+  bool FindEpoch(std::string_view& line, EpochLine& head) {
     while (lines_.Next(line)) {
-      const bool begins = !line.empty() && line[0] == '>';
+      const bool begins = !line.empty() && line[0] == form_.mark;
+      if (!begins && IsHeaderLine(line)) {
+        head.flag = kStrayHeader;
+        return true;
+      }
       if (begins) {
         text_.assign(line);
+        if (form_.mark == '&') text_[0] = ' ';
         lost_ = false;
       } else if (lost_ || text_.empty()) {
         Notice("lines after damaged compact data are passed over");
@@ -110,7 +154,7 @@ class Compact : public ObservationBody {
       } else {
         Repair(text_, line);
       }
-      if (ParseEpochLine(text_, head) && HasSatellites(head)) return true;
+      if (form_.parse(text_, head) && HasSatellites(head)) return true;
       Lose("an epoch line that cannot be read; the file is read on at the next full one");
     }
     return false;
@@ -118,14 +162,17 @@ class Compact : public ObservationBody {
 
   bool HasSatellites(const EpochLine& head) const {
     const std::size_t wanted = static_cast<std::size_t>(head.count) * kSatelliteWidth;
-    return head.flag > 1 || text_.size() >= kSatelliteColumn + wanted;
+    return head.flag > 1 || text_.size() >= form_.satellite_column + wanted;
   }
 
   void Lose(const char* why) {
     Notice(why);
+    Reset();
+  }
+
+  void Reset() {
     lost_ = true;
-    ++epoch_;
-    ++epoch_;  // no arc reaches over the damage
+    epoch_ += 2;  // no arc reaches over the damage
   }
 
   void ReadRecords(int count, EpochBlock& epoch) {
@@ -145,13 +192,12 @@ class Compact : public ObservationBody {
     }
     for (int i = 0; i < count; ++i) {
       if (!lines_.Next(line)) return Notice("the file ends inside an epoch");
-      if (!line.empty() && line[0] == '>') {
+      if (!line.empty() && line[0] == form_.mark) {
         lines_.PushBack();
         return Lose("an epoch has fewer lines than it says");
       }
       SatelliteRow row;
-      const std::size_t column = kSatelliteColumn + static_cast<std::size_t>(i) * kSatelliteWidth;
-      if (ParseSatellite(Field(text_, column, kSatelliteWidth), row.letter, row.number)) {
+      if (ReadName(static_cast<std::size_t>(i), row)) {
         TakeSatellite(line, types, row, epoch);
       } else {
         Notice("a satellite of an epoch line cannot be read and is passed over");
@@ -159,10 +205,17 @@ class Compact : public ObservationBody {
     }
   }
 
+  bool ReadName(std::size_t place, SatelliteRow& row) {
+    const std::size_t column = form_.satellite_column + place * kSatelliteWidth;
+    if (column < text_.size() && text_[column] == ' ' && blank_letter_ != ' ') text_[column] = blank_letter_;
+    return ParseSatellite(Field(text_, column, kSatelliteWidth), row.letter, row.number);
+  }
+
   void TakeSatellite(std::string_view line, const ObservationTypes& types, SatelliteRow& row,
                      EpochBlock& epoch) {
-    SatelliteState& state = states_[(row.letter - 'A') * 100 + row.number];
-    row.cells = types[row.letter - 'A'].size();
+    const auto letter = static_cast<std::size_t>(row.letter - 'A');
+    SatelliteState& state = states_[letter * 100 + static_cast<std::size_t>(row.number)];
+    row.cells = types[letter].size();
     row.first_cell = epoch.cells.size();
     if (state.epoch != epoch_ - 1 || state.arcs.size() != row.cells) {
       state.arcs.assign(row.cells, Arc());
@@ -170,33 +223,46 @@ class Compact : public ObservationBody {
     }
     state.epoch = epoch_;
     epoch.cells.resize(row.first_cell + row.cells);
-    std::size_t position = 0;
+    Cell* const cells = epoch.cells.data() + row.first_cell;
+    const char* p = line.data();
+    const char* const end = p + line.size();
     for (std::size_t i = 0; i < row.cells; ++i) {
-      const std::size_t begin = std::min(position, line.size());
-      const std::size_t end = std::min(line.find(' ', begin), line.size());
-      TakeValue(line.substr(begin, end - begin), state.arcs[i], epoch.cells[row.first_cell + i]);
-      position = end + 1;
+      Token token;
+      p = ScanToken(p, end, token);
+      // A value that the end of the data ends may have lost digits.
+      if (p == end && !token.empty && lines_.Unterminated()) token.good = false;
+      TakeToken(token, state.arcs[i], cells[i]);
+      if (p < end) ++p;
     }
-    if (position < line.size()) Repair(state.marks, line.substr(position, 2 * row.cells));
-    for (std::size_t i = 0; i < row.cells; ++i) {
-      Cell& cell = epoch.cells[row.first_cell + i];
-      if (2 * i < state.marks.size()) cell.loss_of_lock = state.marks[2 * i];
-      if (2 * i + 1 < state.marks.size()) cell.strength = state.marks[2 * i + 1];
-    }
+    TakeMarks(line.substr(static_cast<std::size_t>(p - line.data())), row.cells, state.marks, cells);
+    if (form_.mark == kForm1.mark) ClearMarksOfMissing(row.cells, cells);
     epoch.satellites.push_back(row);
   }
 
-  void TakeValue(std::string_view field, Arc& arc, Cell& cell) {
-    if (field.empty()) return arc.End();
-    std::int64_t number = 0;
-    const bool begins = field.size() > 2 && field[1] == '&';
-    const bool bad = ParseInteger(begins ? field.substr(2) : field, number) != FieldState::kNumber;
-    if (bad || (begins && (field[0] < '0' || field[0] > '9'))) {
+  static void TakeMarks(std::string_view changes, std::size_t count, std::string& marks, Cell* cells) {
+    Repair(marks, changes.substr(0, 2 * count));
+    for (std::size_t i = 0; 2 * i < marks.size(); ++i) {
+      cells[i].loss_of_lock = marks[2 * i];
+      if (2 * i + 1 < marks.size()) cells[i].strength = marks[2 * i + 1];
+    }
+  }
+
+  /// Form 1 keeps the marks of a missing value for the next one but does not give them out.
+  static void ClearMarksOfMissing(std::size_t count, Cell* cells) {
+    for (std::size_t i = 0; i < count; ++i) {
+      if (!cells[i].present) cells[i] = Cell();
+    }
+  }
+
+  void TakeToken(const Token& token, Arc& arc, Cell& cell) {
+    if (token.empty) return arc.End();
+    if (!token.good) {
       arc.End();
       return Notice("a compact value that is no number counts as missing");
     }
-    if (begins) {
-      arc.Begin(field[0] - '0', number);
+    std::int64_t number = token.number;
+    if (token.order >= 0) {
+      arc.Begin(token.order, number);
     } else if (arc.Open()) {
       number = arc.Continue(number);
     } else {
@@ -206,9 +272,8 @@ class Compact : public ObservationBody {
     cell.present = true;
   }
 
-  LineReader& lines_;
-  std::string file_;
-  Diagnostics& diagnostics_;
+  Form form_;
+  char blank_letter_;
   std::vector<SatelliteState> states_;
   std::string text_;  ///< the epoch line as it stands
   long epoch_ = 0;
@@ -218,7 +283,12 @@ class Compact : public ObservationBody {
 }  // namespace
 
 std::unique_ptr<ObservationBody> CompactBody(LineReader& lines, std::string file, Diagnostics& diagnostics) {
-  return std::make_unique<Compact>(lines, std::move(file), diagnostics);
+  return std::make_unique<Compact>(lines, std::move(file), diagnostics, kForm3, ' ');
+}
+
+std::unique_ptr<ObservationBody> CompactBody2(LineReader& lines, std::string file, Diagnostics& diagnostics,
+                                              char blank_letter) {
+  return std::make_unique<Compact>(lines, std::move(file), diagnostics, kForm1, blank_letter);
 }
 
 }  // namespace orsolva_host

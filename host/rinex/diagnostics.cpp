@@ -5,19 +5,32 @@
 namespace orsolva_host {
 
 void Diagnostics::Add(const std::string& file, long line, const std::string& text, bool recovered) {
+  AddKind(file, line, text, recovered);
+}
+
+std::size_t Diagnostics::AddKind(const std::string& file, long line, const std::string& text,
+                                 bool recovered) {
+  std::string key = file;
+  key.append(1, '\n').append(text);
+  const auto [known, is_new] = index_.try_emplace(std::move(key), notices_.size());
+  if (is_new && notices_.size() >= kMaxKinds) {
+    index_.erase(known);
+    Again(kMaxKinds);
+    return kMaxKinds;
+  }
+  const std::size_t kind = known->second;
+  if (is_new) notices_.push_back({file, line, text, 0, recovered});
+  Again(kind);
+  return kind;
+}
+
+void Diagnostics::Again(std::size_t kind) {
   ++total_;
-  const std::string key = file + '\n' + text;
-  const auto known = index_.find(key);
-  if (known != index_.end()) {
-    ++notices_[known->second].count;
-    return;
-  }
-  if (notices_.size() >= kMaxKinds) {
+  if (kind < notices_.size()) {
+    ++notices_[kind].count;
+  } else {
     ++uncounted_;
-    return;
   }
-  index_.emplace(key, notices_.size());
-  notices_.push_back({file, line, text, 1, recovered});
 }
 
 namespace {

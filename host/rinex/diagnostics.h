@@ -29,6 +29,11 @@ class Diagnostics {
 
   void Add(const std::string& file, long line, const std::string& text, bool recovered = true);
 
+  /// Adds like Add. @return the place of the kind, for further cases by Again
+  std::size_t AddKind(const std::string& file, long line, const std::string& text, bool recovered = true);
+  /// Counts another case of a kind, without its text: for oddities that come by the thousand.
+  void Again(std::size_t kind);
+
   const std::vector<Notice>& Notices() const { return notices_; }
   /// Cases of kinds beyond the kept ones.
   long Uncounted() const { return uncounted_; }

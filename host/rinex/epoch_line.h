@@ -1,5 +1,7 @@
-// The epoch line of RINEX 3 and 4: "> 2020 06 25 00 00 30.0000000  0 43", and in compact files the
-// satellites from column 42 on.
+// Epoch lines.
+//
+// RINEX 3 and 4: "> 2020 06 25 00 00 30.0000000  0 43", in compact files with the satellites from column 42
+// on. RINEX 2: " 21 12 21  0  0 30.0000000  0 26G07G08..." with the satellites from column 33 on.
 #ifndef ORSOLVA_RINEX_EPOCH_LINE_H
 #define ORSOLVA_RINEX_EPOCH_LINE_H
 
@@ -16,8 +18,12 @@ struct EpochLine {
   int count = 0;  ///< satellites, or lines of an event
 };
 
-/// @return false when the line is no epoch line; an event may lack its time
+/// Of RINEX 3 and 4. @return false when the line is no epoch line; an event may lack its time
 bool ParseEpochLine(std::string_view line, EpochLine& epoch);
+
+/// Of RINEX 2, where years 80 to 99 are of the 20th century.
+/// @return false when the line is no epoch line; an event may lack its time
+bool ParseEpochLine2(std::string_view line, EpochLine& epoch);
 
 }  // namespace orsolva_host
 

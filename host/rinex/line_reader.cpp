@@ -37,6 +37,7 @@ bool LineReader::Next(std::string_view& line) {
       start = buffer_.data();
     }
     if (length > kLongestLine) length = taken = kLongestLine;
+    unterminated_ = !found && length < kLongestLine;
     begin_ += taken;
     if (length > 0 && start[length - 1] == '\r') --length;
     line = last_ = std::string_view(start, length);

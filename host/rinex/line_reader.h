@@ -24,6 +24,8 @@ class LineReader {
   bool Next(std::string_view& line);
   /// Makes the next call of Next give the same line again.
   void PushBack() { again_ = true; }
+  /// Whether the line given last was ended by the end of the data.
+  bool Unterminated() const { return unterminated_; }
   /// Number of the line given last, 1-based; 0 before the first.
   long Line() const { return number_; }
 
@@ -37,6 +39,7 @@ class LineReader {
   std::string_view last_;
   long number_ = 0;
   bool again_ = false;
+  bool unterminated_ = false;
 };
 
 }  // namespace orsolva_host

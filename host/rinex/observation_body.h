@@ -32,6 +32,9 @@ struct SatelliteRow {
   std::size_t cells = 0;
 };
 
+/// Flag of a block of header lines that stand among the observations without an event line before them.
+constexpr int kStrayHeader = 7;
+
 struct EpochBlock {
   long line = 0;
   Time_gbt time = {};      ///< calendar of the file as it stands
@@ -55,8 +58,20 @@ class ObservationBody {
 /// RINEX 3 and 4, plain.
 std::unique_ptr<ObservationBody> PlainBody(LineReader& lines, std::string file, Diagnostics& diagnostics);
 
+/// RINEX 2, plain. @param blank_letter  system of satellites without a letter
+std::unique_ptr<ObservationBody> PlainBody2(LineReader& lines, std::string file, Diagnostics& diagnostics,
+                                            char blank_letter);
+
 /// RINEX 3 and 4 in compact form 3 (Hatanaka 2008, Bulletin of the GSI 55).
 std::unique_ptr<ObservationBody> CompactBody(LineReader& lines, std::string file, Diagnostics& diagnostics);
+
+/// RINEX 2 in compact form 1. @param blank_letter  system of satellites without a letter
+std::unique_ptr<ObservationBody> CompactBody2(LineReader& lines, std::string file, Diagnostics& diagnostics,
+                                              char blank_letter);
+
+/// The one that the header asks for.
+std::unique_ptr<ObservationBody> BodyOf(const ObservationHeader& header, LineReader& lines, std::string file,
+                                        Diagnostics& diagnostics);
 
 }  // namespace orsolva_host
 

@@ -3,23 +3,30 @@
 #include <cmath>
 
 #include "host/rinex/decimal.h"
+#include "host/rinex/header_labels.h"
 
 namespace orsolva_host {
 namespace {
 
+constexpr double kLastKnownVersion2 = 2.12;
 constexpr double kLastKnownVersion3 = 3.05;
 constexpr double kLastKnownVersion4 = 4.02;
 // Far more than any receiver has; keeps a damaged file from growing the lists.
 constexpr std::size_t kMostTypes = 200;
 constexpr long kMostHeaderLines = 100000;
 
-std::string_view Label(std::string_view line) { return Trimmed(Field(line, 60, 20)); }
-
 std::string Text(std::string_view line, std::size_t column, std::size_t width) {
   return std::string(Trimmed(Field(line, column, width)));
 }
 
 bool IsLetter(char c) { return c >= 'A' && c <= 'Z'; }
+
+void AddScaledTypes(std::string_view line, ScaleFactor& scale) {
+  for (std::size_t column = 11; column + 3 <= 60; column += 4) {
+    const std::string_view type = Trimmed(Field(line, column, 3));
+    if (!type.empty() && scale.types.size() < kMostTypes) scale.types.emplace_back(type);
+  }
+}
 
 }  // namespace
 
@@ -28,17 +35,19 @@ void HeaderParser::ReadVersion(LineReader& lines) {
   if (!lines.Next(line)) {
     throw FileError(file_, 0, "an empty file", "a RINEX observation file", "Check how the file was made.");
   }
-  if (Label(line) == "CRINEX VERS   / TYPE") {
+  std::string form;
+  if (HeaderLabel(line) == "CRINEX VERS   / TYPE") {
     header_.compact = true;
-    if (Field(line, 0, 1) != "3") {
-      throw FileError(file_, lines.Line(), "compact RINEX version " + Quoted(Text(line, 0, 20)), "3.0",
-                      "Convert the file to RINEX 3.");
+    form = Field(line, 0, 1);
+    if (form != "1" && form != "3") {
+      throw FileError(file_, lines.Line(), "compact RINEX version " + Quoted(Text(line, 0, 20)), "1.0 or 3.0",
+                      "Unpack the file to plain RINEX first.");
     }
     // The second line tells the packing program.
     if (!lines.Next(line) || !lines.Next(line)) line = {};
   }
   double version = 0;
-  if (Label(line) != "RINEX VERSION / TYPE" ||
+  if (HeaderLabel(line) != "RINEX VERSION / TYPE" ||
       ParseDecimal(Field(line, 0, 9), version) != FieldState::kNumber) {
     throw FileError(file_, lines.Line(), Quoted(std::string(line)), "a line RINEX VERSION / TYPE",
                     "Name a RINEX observation file first.");
@@ -47,24 +56,45 @@ void HeaderParser::ReadVersion(LineReader& lines) {
     throw FileError(file_, lines.Line(), "file type " + Quoted(Text(line, 20, 20)), "observation data",
                     "Name the observation file first, then the navigation files.");
   }
-  if (!(version >= 3 && version < 5)) {
-    throw FileError(file_, lines.Line(), "RINEX version " + Quoted(Text(line, 0, 9)), "version 3 or 4",
-                    "Convert the file to RINEX 3.");
-  }
-  if ((version > kLastKnownVersion3 + 0.001 && version < 4) || version > kLastKnownVersion4 + 0.001) {
-    Notice(lines.Line(),
-           "version " + Text(line, 0, 9) + " is later than those known; read as the last known");
+  CheckVersion(line, version, lines.Line());
+  if (!form.empty() && (form == "1") != (version < 3)) {
+    Notice(lines.Line(), "compact form " + form + " holds RINEX " + Text(line, 0, 9) +
+                             "; read by the version of the observations");
   }
   header_.version = version;
   const std::string_view system = Field(line, 40, 1);
   if (!system.empty() && system[0] != ' ') header_.system = system[0];
 }
 
+void HeaderParser::CheckVersion(std::string_view line, double version, long number) {
+  if (!(version >= 2 && version < 5)) {
+    throw FileError(file_, number, "RINEX version " + Quoted(Text(line, 0, 9)), "version 2, 3 or 4",
+                    "Convert the file to RINEX 3.");
+  }
+  const double last = version < 3   ? kLastKnownVersion2
+                      : version < 4 ? kLastKnownVersion3
+                                    : kLastKnownVersion4;
+  if (version > last + 0.001) {
+    Notice(number, "version " + Text(line, 0, 9) + " is later than those known; read as the last known");
+  }
+}
+
+void HeaderParser::CheckSameForm(std::string_view line, long number) const {
+  double version = 0;
+  const bool compact = HeaderLabel(line) == "CRINEX VERS   / TYPE";
+  const bool known = ParseDecimal(Field(line, 0, 9), version) == FieldState::kNumber;
+  const bool same = compact ? header_.compact : known && (version < 3) == (header_.version < 3);
+  if (same) return;
+  throw FileError(file_, number,
+                  "a second header of another form, " + Quoted(std::string(line.substr(0, 60))),
+                  "observations in the form of the first header", "Split the file where its form changes.");
+}
+
 void HeaderParser::ReadAll(LineReader& lines) {
   ReadVersion(lines);
   std::string_view line;
   while (lines.Next(line)) {
-    if (Label(line) == "END OF HEADER") return;
+    if (HeaderLabel(line) == "END OF HEADER") return;
     if (lines.Line() > kMostHeaderLines) break;
     Take(line, lines.Line());
   }
@@ -72,12 +102,21 @@ void HeaderParser::ReadAll(LineReader& lines) {
                   "The file is cut off or damaged; fetch it again.");
 }
 
-void HeaderParser::BeginBlock() { types_system_ = 0; }
+void HeaderParser::BeginBlock() {
+  types_system_ = 0;
+  types2_begun_ = scale_begun_ = false;
+}
 
 void HeaderParser::Take(std::string_view line, long number) {
-  const std::string_view label = Label(line);
-  if (label == "SYS / # / OBS TYPES") {
+  const std::string_view label = HeaderLabel(line);
+  if (label == "SYS / # / OBS TYPES" && header_.version >= 3) {
     TakeTypes(line, number);
+  } else if (label == "# / TYPES OF OBSERV" && header_.version < 3) {
+    TakeTypes2(line, number);
+  } else if (label == "OBS SCALE FACTOR") {
+    TakeScaleFactor2(line, number);
+  } else if (label == "WAVELENGTH FACT L1/2") {
+    TakeWavelengthFactor(line, number);
   } else if (label == "SYS / SCALE FACTOR") {
     TakeScaleFactor(line, number);
   } else if (label == "APPROX POSITION XYZ") {
@@ -117,21 +156,67 @@ void HeaderParser::TakeTypes(std::string_view line, long number) {
   }
 }
 
+// RINEX 2 has one list for all systems: a number, then nine types a line in six columns each.
+void HeaderParser::TakeTypes2(std::string_view line, long number) {
+  std::vector<std::string>& types = header_.types[0];
+  std::int64_t count = 0;
+  const FieldState counted = ParseInteger(Field(line, 0, 6), count);
+  if (counted == FieldState::kNumber) {
+    types.clear();
+    types2_begun_ = true;
+  } else if (!types2_begun_ || counted == FieldState::kBad) {
+    return Notice(number, "observation types that cannot be read are left out");
+  }
+  for (std::size_t column = 10; column + 2 <= 60 && types.size() < kMostTypes; column += 6) {
+    const std::string_view type = Trimmed(Field(line, column, 2));
+    if (!type.empty()) types.emplace_back(type);
+  }
+  for (std::size_t i = 1; i < header_.types.size(); ++i) header_.types[i] = types;
+}
+
+// RINEX 2: a factor, the number of types (0: all) and the types, for all systems.
+void HeaderParser::TakeScaleFactor2(std::string_view line, long number) {
+  std::int64_t factor = 0;
+  if (ParseInteger(Field(line, 0, 6), factor) != FieldState::kNumber || factor < 1) {
+    return Notice(number, "a scale factor that cannot be read is left out");
+  }
+  ScaleFactor scale;
+  scale.system = '*';
+  scale.factor = static_cast<double>(factor);
+  for (std::size_t column = 16; column + 2 <= 60; column += 6) {
+    const std::string_view type = Trimmed(Field(line, column, 2));
+    if (!type.empty()) scale.types.emplace_back(type);
+  }
+  if (header_.scale_factors.size() < kMostTypes) header_.scale_factors.push_back(scale);
+}
+
+void HeaderParser::TakeWavelengthFactor(std::string_view line, long number) {
+  for (const std::size_t column : {0U, 6U}) {
+    std::int64_t factor = 0;
+    if (ParseInteger(Field(line, column, 6), factor) == FieldState::kNumber && factor == 2) {
+      Notice(number, "phases with half-cycle ambiguities (wavelength factor 2) are taken as whole ones");
+    }
+  }
+}
+
 void HeaderParser::TakeScaleFactor(std::string_view line, long number) {
   ScaleFactor scale;
   const std::string_view system = Field(line, 0, 1);
   std::int64_t factor = 0;
+  if (scale_begun_ && system == " " && Trimmed(Field(line, 2, 4)).empty()) {
+    return AddScaledTypes(line, header_.scale_factors.back());
+  }
+  scale_begun_ = false;
   if (system.empty() || !IsLetter(system[0]) ||
       ParseInteger(Field(line, 2, 4), factor) != FieldState::kNumber || factor < 1) {
     return Notice(number, "a scale factor that cannot be read is left out");
   }
   scale.system = system[0];
   scale.factor = static_cast<double>(factor);
-  for (std::size_t column = 11; column + 3 <= 60; column += 4) {
-    const std::string_view type = Trimmed(Field(line, column, 3));
-    if (!type.empty()) scale.types.emplace_back(type);
-  }
-  if (header_.scale_factors.size() < kMostTypes) header_.scale_factors.push_back(scale);
+  AddScaledTypes(line, scale);
+  if (header_.scale_factors.size() == kMostTypes) return;
+  header_.scale_factors.push_back(scale);
+  scale_begun_ = true;
 }
 
 void HeaderParser::TakePosition(std::string_view line, long number) {

@@ -13,7 +13,8 @@
 
 namespace orsolva_host {
 
-/// Observation types by system letter 'A' to 'Z', such as "C1C", in file order.
+/// Observation types by system letter 'A' to 'Z', such as "C1C", in file order. The one list of RINEX 2
+/// ("C1", "L2", ...) stands at every letter.
 using ObservationTypes = std::array<std::vector<std::string>, 26>;
 
 /// Divides the values of a system's observation types.
@@ -48,7 +49,7 @@ class HeaderParser {
       : file_(std::move(file)), diagnostics_(diagnostics), header_(header) {}
 
   /// Reads the lines up to and with END OF HEADER.
-  /// @throws FileError when the file is no RINEX observation file of a version that is read
+  /// @throws FileError when the file is no RINEX observation file of a version that is read (2.00 and later)
   void ReadAll(LineReader& lines);
 
   /// Takes one line, known by its label in columns 61 to 80. Unknown labels are passed over.
@@ -56,10 +57,18 @@ class HeaderParser {
   /// Must be called before the lines of another header block: types listed in it replace the ones known.
   void BeginBlock();
 
+  /// Must be called for the version line of a header that is repeated among the observations.
+  /// @throws FileError when the file goes on in a form that needs another reader
+  void CheckSameForm(std::string_view line, long number) const;
+
  private:
   void ReadVersion(LineReader& lines);
+  void CheckVersion(std::string_view line, double version, long number);
   void TakeTypes(std::string_view line, long number);
+  void TakeTypes2(std::string_view line, long number);
   void TakeScaleFactor(std::string_view line, long number);
+  void TakeScaleFactor2(std::string_view line, long number);
+  void TakeWavelengthFactor(std::string_view line, long number);
   void TakePosition(std::string_view line, long number);
   void TakeInterval(std::string_view line, long number);
   void Notice(long number, const std::string& text) { diagnostics_.Add(file_, number, text); }
@@ -68,6 +77,8 @@ class HeaderParser {
   Diagnostics& diagnostics_;
   ObservationHeader& header_;
   char types_system_ = 0;  ///< system of the type list that continues
+  bool types2_begun_ = false;
+  bool scale_begun_ = false;  ///< a line without a system continues the last scale factor
 };
 
 }  // namespace orsolva_host

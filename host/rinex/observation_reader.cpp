@@ -1,11 +1,16 @@
 #include "host/rinex/observation_reader.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <cstring>
 #include <utility>
 
+#include "host/rinex/civil_time.h"
 #include "host/rinex/decimal.h"
+#include "host/rinex/header_labels.h"
 #include "host/rinex/signal_codes.h"
+#include "host/rinex/version2_codes.h"
 
 namespace orsolva_host {
 namespace {
@@ -13,6 +18,8 @@ namespace {
 constexpr std::size_t kMostSignals = 8;
 constexpr std::uint32_t kMostSatellites = 80;
 constexpr std::int64_t kBdsTimeBehindGps_s = 14;
+constexpr float kStrengthStep_dbhz = 6;
+constexpr std::size_t kNoKind = static_cast<std::size_t>(-1);
 
 /// Place of a number in the list, where it is appended when it is new.
 int PlaceOf(std::vector<std::uint8_t>& numbers, int number) {
@@ -27,7 +34,8 @@ double ScaleOf(const ObservationHeader& header, char letter, const std::string& 
   for (const ScaleFactor& scale : header.scale_factors) {
     const bool all = scale.types.empty();
     const bool named = std::find(scale.types.begin(), scale.types.end(), type) != scale.types.end();
-    if (scale.system == letter && (all || named)) factor = scale.factor;
+    const bool system = scale.system == letter || scale.system == '*';
+    if (system && (all || named)) factor = scale.factor;
   }
   return factor;
 }
@@ -57,17 +65,21 @@ void Store(char kind, double value, Signal_QC_gbt& signal) {
 
 }  // namespace
 
-ObservationReader::ObservationReader(const std::string& path, Diagnostics& diagnostics)
-    : ObservationReader(OpenBytes(path, diagnostics), path, diagnostics) {}
+ObservationReader::ObservationReader(const std::string& path, Diagnostics& diagnostics,
+                                     const ObservationOptions& options)
+    : ObservationReader(OpenBytes(path, diagnostics), path, diagnostics, options) {}
 
 ObservationReader::ObservationReader(std::unique_ptr<ByteSource> source, std::string name,
-                                     Diagnostics& diagnostics)
+                                     Diagnostics& diagnostics, const ObservationOptions& options)
     : name_(std::move(name)),
       diagnostics_(diagnostics),
+      options_(options),
       lines_(std::move(source)),
-      parser_(name_, diagnostics, header_) {
+      parser_(name_, diagnostics, header_),
+      empty_satellite_(kNoKind) {
+  unjudged_.fill(kNoKind);
   parser_.ReadAll(lines_);
-  body_ = header_.compact ? CompactBody(lines_, name_, diagnostics_) : PlainBody(lines_, name_, diagnostics_);
+  body_ = BodyOf(header_, lines_, name_, diagnostics_);
   PlanTimeScale();
   MakePlans();
 }
@@ -84,13 +96,14 @@ void ObservationReader::PlanTimeScale() {
 }
 
 void ObservationReader::MakePlans() {
+  has_choices_ = false;
   for (int slot = 0; slot < kSystems; ++slot) PlanSystem(slot);
   bool any = false;
   bool any_strength = false;
   for (const SystemPlan& plan : plans_) {
     for (const CellPlan& cell : plan.cells) {
       any = any || cell.signal >= 0;
-      any_strength = any_strength || (cell.signal >= 0 && cell.kind == 'S');
+      any_strength = any_strength || (cell.signal >= 0 && (cell.kind == 'S' || cell.strength_digit));
     }
   }
   has_strength_ = has_strength_ || any_strength;
@@ -103,20 +116,93 @@ void ObservationReader::MakePlans() {
 
 void ObservationReader::PlanSystem(int slot) {
   const SystemRow& system = kSystemTable[slot];
-  SystemPlan& plan = plans_[slot];
+  SystemPlan& plan = plans_[static_cast<std::size_t>(slot)];
   plan = {};
   for (const std::string& type : header_.TypesOf(system.letter)) {
-    CellPlan cell;
-    cell.kind = type.size() == 3 ? type[0] : ' ';
-    if (std::strchr("CLDS", cell.kind)) {
-      const int number = SignalNumber(system.code, std::string_view(type).substr(1), header_.version);
-      if (number != 0) cell.signal = PlaceOf(plan.numbers, number);
-    }
-    if (cell.signal < 0 && cell.kind != 'X') {
-      diagnostics_.Add(name_, 0, "observation type " + type + " of " + system.name + " is not judged");
-    }
+    CellPlan cell = header_.version < 3 ? PlanCell2(slot, type, plan) : PlanCell(slot, type, plan);
     cell.scale = ScaleOf(header_, system.letter, type);
     plan.cells.push_back(cell);
+  }
+  plan.seen.assign(plan.numbers.size(), 0);
+  has_choices_ = has_choices_ || !plan.choices.empty();
+  if (options_.snr_from_strength) PlanStrengthDigits(plan);
+}
+
+CellPlan ObservationReader::PlanCell(int slot, const std::string& type, SystemPlan& plan) {
+  const SystemRow& system = kSystemTable[slot];
+  CellPlan cell;
+  cell.kind = type.size() == 3 ? type[0] : ' ';
+  if (std::strchr("CLDS", cell.kind)) {
+    const int number = SignalNumber(system.code, std::string_view(type).substr(1), header_.version);
+    if (number != 0) cell.signal = PlaceOf(plan.numbers, number);
+  }
+  if (cell.signal < 0 && cell.kind != 'X') {
+    diagnostics_.Add(name_, 0, fmt::format("observation type {} of {} is not judged", type, system.name));
+  }
+  return cell;
+}
+
+CellPlan ObservationReader::PlanCell2(int slot, const std::string& type, SystemPlan& plan) {
+  const SystemRow& system = kSystemTable[slot];
+  const std::vector<std::string>& types = header_.TypesOf(system.letter);
+  const bool lettered = type.size() == 2 && std::any_of(types.begin(), types.end(), [&](const auto& other) {
+                          return BandOfLettered(other) == type[1] - '0';
+                        });
+  const auto listed = [&](std::string_view signal) {
+    return std::any_of(types.begin(), types.end(), [&](const std::string& other) {
+      const bool range = other[0] == 'C' || other[0] == 'P';
+      return range && SignalsOfVersion2(system.letter, other, false).first == signal;
+    });
+  };
+  CellPlan cell;
+  Version2Signals signals = SignalsOfVersion2(system.letter, type, lettered);
+  if (signals.first.empty()) return cell;
+  if (!signals.second.empty() && !listed(signals.first) && listed(signals.second))
+    signals.first = signals.second;
+  if (!listed(signals.second)) signals.second = {};
+  cell.kind = type[0] == 'P' ? 'C' : type[0];
+  const auto place = [&](std::string_view signal) {
+    return PlaceOf(plan.numbers, SignalNumber(system.code, signal, 3));
+  };
+  cell.signal = place(signals.first);
+  if (!signals.second.empty() && signals.second != signals.first) {
+    plan.choices.push_back({plan.cells.size(), cell.signal, place(signals.second)});
+  }
+  return cell;
+}
+
+void ObservationReader::PlanStrengthDigits(SystemPlan& plan) {
+  for (CellPlan& cell : plan.cells) {
+    const bool has_strength = std::any_of(plan.cells.begin(), plan.cells.end(), [&](const CellPlan& other) {
+      return other.kind == 'S' && other.signal == cell.signal;
+    });
+    cell.strength_digit = cell.kind == 'L' && cell.signal >= 0 && !has_strength;
+    if (cell.strength_digit) {
+      diagnostics_.Add(name_, 0, "signal strengths are estimated from the digits after the phases");
+    }
+  }
+}
+
+/// Gives phases of RINEX 2 to the signal that the system's pseudoranges met so far speak for.
+void ObservationReader::SettleChoices() {
+  for (const SatelliteRow& row : block_.satellites) {
+    const int slot = SystemSlot(row.letter);
+    if (slot < 0) continue;
+    SystemPlan& plan = plans_[static_cast<std::size_t>(slot)];
+    for (std::size_t i = 0; i < plan.cells.size() && i < row.cells; ++i) {
+      const CellPlan& cell = plan.cells[i];
+      const Cell& found = block_.cells[row.first_cell + i];
+      if (cell.kind == 'C' && cell.signal >= 0 && found.present && found.value != 0) {
+        plan.seen[static_cast<std::size_t>(cell.signal)] = 1;
+      }
+    }
+  }
+  for (SystemPlan& plan : plans_) {
+    for (const SignalChoice& choice : plan.choices) {
+      const bool second = !plan.seen[static_cast<std::size_t>(choice.first)] &&
+                          plan.seen[static_cast<std::size_t>(choice.second)];
+      plan.cells[choice.cell].signal = second ? choice.second : choice.first;
+    }
   }
 }
 
@@ -132,43 +218,87 @@ bool ObservationReader::Next(ObsEpoch_QC_gbt& epoch) {
   return false;
 }
 
+void ObservationReader::NameEvent(const EpochBlock& block) {
+  static constexpr const char* kNames[] = {"the antenna begins to move", "a new site occupation",
+                                           "header lines follow",        "an external event",
+                                           "cycle slip records follow",  ""};
+  if (block.flag != kStrayHeader) {
+    return diagnostics_.Add(name_, block.line,
+                            fmt::format("event records (flag {}, {}) passed over", block.flag,
+                                        kNames[std::clamp(block.flag, 2, 7) - 2]));
+  }
+  const bool comments = std::all_of(block.records.begin(), block.records.end(),
+                                    [](const std::string& line) { return HeaderLabel(line) == "COMMENT"; });
+  diagnostics_.Add(name_, block.line,
+                   comments ? "comments among the observations are passed over"
+                            : "header lines among the observations are taken");
+}
+
 // Flags 2 to 5 bring header lines (a moving antenna, a new site, header information, an external event);
 // flag 6 brings cycle slip records, which look like observations and are none.
 void ObservationReader::TakeEvent(const EpochBlock& block) {
   constexpr int kSlipRecords = 6;
-  diagnostics_.Add(name_, block.line, "event records (flag " + std::to_string(block.flag) + ") passed over");
+  NameEvent(block);
   if (block.flag == kSlipRecords) return;
   parser_.BeginBlock();
-  bool types = false;
+  const ObservationTypes types = header_.types;
+  const std::size_t scales = header_.scale_factors.size();
   for (std::size_t i = 0; i < block.records.size(); ++i) {
     const std::string& line = block.records[i];
-    parser_.Take(line, block.first_record_line + static_cast<long>(i));
-    types = types || line.find("SYS / ") != std::string::npos;
+    const long number = block.first_record_line + static_cast<long>(i);
+    const std::string_view label = HeaderLabel(line);
+    if (label == "RINEX VERSION / TYPE" || label == "CRINEX VERS   / TYPE")
+      parser_.CheckSameForm(line, number);
+    parser_.Take(line, number);
   }
-  if (!types) return;
+  if (header_.types == types && header_.scale_factors.size() == scales) return;
   diagnostics_.Add(name_, block.line, "the observation types or scale factors change in the file");
   MakePlans();
+}
+
+void ObservationReader::CheckOrder(const Time_gbt& time) {
+  if (last_time_) {
+    const double step_s = Difference(time, *last_time_);
+    if (step_s == 0) {
+      diagnostics_.Add(name_, block_.line, "epochs that stand twice; the first is judged");
+    } else if (step_s < 0) {
+      diagnostics_.Add(name_, block_.line, "the time runs backwards; epochs are judged once it goes on");
+    }
+  }
+  last_time_ = time;
 }
 
 void ObservationReader::FillEpoch(ObsEpoch_QC_gbt& epoch) {
   epoch.time = block_.time;
   epoch.time.time += time_shift_s_;
+  CheckOrder(epoch.time);
+  if (has_choices_) SettleChoices();
   epoch.sat_num = 0;
   for (const SatelliteRow& row : block_.satellites) AddSatellite(row, epoch);
   // The records of unused satellites stay defined for hosts that copy whole epochs.
   std::memset(&epoch.sats[epoch.sat_num], 0, sizeof epoch.sats[0] * (kMostSatellites - epoch.sat_num));
 }
 
+bool ObservationReader::IsJudged(const SatelliteRow& row, int slot) {
+  if (slot < 0) {
+    std::size_t& kind = unjudged_[static_cast<std::size_t>(row.letter - 'A')];
+    if (kind != kNoKind) {
+      diagnostics_.Again(kind);
+    } else {
+      kind = diagnostics_.AddKind(name_, block_.line,
+                                  fmt::format("satellites of system {} are not judged", row.letter));
+    }
+    return false;
+  }
+  if (row.number <= kSystemTable[slot].satellites) return true;
+  diagnostics_.Add(name_, block_.line,
+                   fmt::format("satellite {} is not judged", SatelliteName(row.letter, row.number)));
+  return false;
+}
+
 void ObservationReader::AddSatellite(const SatelliteRow& row, ObsEpoch_QC_gbt& epoch) {
   const int slot = SystemSlot(row.letter);
-  if (slot < 0) {
-    return diagnostics_.Add(name_, block_.line,
-                            std::string("satellites of system ") + row.letter + " are not judged");
-  }
-  if (row.number > kSystemTable[slot].satellites) {
-    return diagnostics_.Add(name_, block_.line,
-                            "satellite " + SatelliteName(row.letter, row.number) + " is not judged");
-  }
+  if (!IsJudged(row, slot)) return;
   if (epoch.sat_num >= kMostSatellites) {
     return diagnostics_.Add(name_, block_.line, "satellites beyond the first 80 of an epoch are left out",
                             false);
@@ -177,8 +307,14 @@ void ObservationReader::AddSatellite(const SatelliteRow& row, ObsEpoch_QC_gbt& e
   std::memset(&satellite, 0, sizeof satellite);
   satellite.sys = static_cast<std::uint8_t>(kSystemTable[slot].code);
   satellite.prn = row.number;
-  FillSignals(plans_[slot], row, satellite);
-  if (satellite.signal_num > 0) ++epoch.sat_num;
+  FillSignals(plans_[static_cast<std::size_t>(slot)], row, satellite);
+  if (satellite.signal_num > 0) {
+    ++epoch.sat_num;
+  } else if (empty_satellite_ != kNoKind) {
+    diagnostics_.Again(empty_satellite_);
+  } else {
+    empty_satellite_ = diagnostics_.AddKind(name_, block_.line, "a satellite is listed without a value");
+  }
 }
 
 void ObservationReader::FillSignals(const SystemPlan& plan, const SatelliteRow& row,
@@ -188,8 +324,11 @@ void ObservationReader::FillSignals(const SystemPlan& plan, const SatelliteRow& 
   for (std::size_t i = 0; i < cells; ++i) {
     const CellPlan& plan_of = plan.cells[i];
     const Cell& cell = block_.cells[row.first_cell + i];
-    if (plan_of.signal >= 0 && cell.present) {
-      Store(plan_of.kind, cell.value / plan_of.scale, signals_[static_cast<std::size_t>(plan_of.signal)]);
+    if (plan_of.signal < 0 || !cell.present) continue;
+    Signal_QC_gbt& signal = signals_[static_cast<std::size_t>(plan_of.signal)];
+    Store(plan_of.kind, cell.value / plan_of.scale, signal);
+    if (plan_of.strength_digit && cell.strength >= '1' && cell.strength <= '9') {
+      signal.snr = kStrengthStep_dbhz * static_cast<float>(cell.strength - '0');
     }
   }
   for (std::size_t i = 0; i < signals_.size(); ++i) {

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,33 +20,55 @@ namespace orsolva_host {
 
 /// What is done with the cells of one system, one entry an observation type.
 struct CellPlan {
-  int signal = -1;  ///< place in SignalPlan::numbers; -1: the cell is passed over
-  char kind = ' ';  ///< 'C' pseudorange, 'L' phase, 'D' Doppler, 'S' signal strength
+  int signal = -1;              ///< place in SystemPlan::numbers; -1: the cell is passed over
+  char kind = ' ';              ///< 'C' pseudorange, 'L' phase, 'D' Doppler, 'S' signal strength
+  bool strength_digit = false;  ///< the digit after the phase stands for the signal strength
   double scale = 1;
+};
+
+/// A cell of RINEX 2 that belongs to one of two signals, see version2_codes.h.
+struct SignalChoice {
+  std::size_t cell = 0;
+  int first = -1;
+  int second = -1;
 };
 
 struct SystemPlan {
   std::vector<std::uint8_t> numbers;  ///< signal code numbers in the order of their first types
   std::vector<CellPlan> cells;
+  std::vector<SignalChoice> choices;
+  std::vector<char> seen;  ///< by signal: whether a pseudorange was met; kept only where there are choices
 };
 
-/// Streams the epochs of RINEX 3 and 4 observation files, plain or compact, gzip or not.
+struct ObservationOptions {
+  /// Where a signal has no S type, take 6 dB-Hz times the digit after its phase (1 to 9), the lower end of
+  /// the digit's range (RINEX 3.05, table 14).
+  bool snr_from_strength = false;
+};
+
+/// Streams the epochs of RINEX 2, 3 and 4 observation files, plain or compact, packed or not.
 ///
 /// Epochs are seconds since 1970-01-01 on the GPS time scale: the calendar of the file as it stands, unless
 /// the file counts in BDS time (14 s are added) or GLONASS time (UTC; the header's leap seconds are added).
 /// Missing values are 0. Types of one band and tracking letter form one signal; a signal without any value is
 /// left out. Only the first 8 signals of a satellite and the first 80 satellites of an epoch are kept, with a
-/// notice. Events (flags above 1) are passed over, but their header lines are taken.
+/// notice. Events (flags above 1) are passed over, but their header lines are taken. Epochs come in the order
+/// of the file, also those that stand twice or run backwards, which get a notice.
+///
+/// Codes of RINEX 2 become signals as version2_codes.h says.
 class ObservationReader {
  public:
   /// Opens the file and reads its header. @throws FileError
-  ObservationReader(const std::string& path, Diagnostics& diagnostics);
+  ObservationReader(const std::string& path, Diagnostics& diagnostics,
+                    const ObservationOptions& options = {});
   /// Reads from a source already open. @param name  what notices call the file
-  ObservationReader(std::unique_ptr<ByteSource> source, std::string name, Diagnostics& diagnostics);
+  ObservationReader(std::unique_ptr<ByteSource> source, std::string name, Diagnostics& diagnostics,
+                    const ObservationOptions& options = {});
 
   const ObservationHeader& Header() const { return header_; }
 
   /// Fills the next epoch with observations. @return false at the end of the data
+  /// @throws FileError where the file cannot be read on; the epochs given before are good
   bool Next(ObsEpoch_QC_gbt& epoch);
 
   /// False once the whole file is known to hold no signal strength at all.
@@ -54,23 +77,35 @@ class ObservationReader {
  private:
   void MakePlans();
   void PlanSystem(int slot);
+  CellPlan PlanCell(int slot, const std::string& type, SystemPlan& plan);
+  CellPlan PlanCell2(int slot, const std::string& type, SystemPlan& plan);
+  void PlanStrengthDigits(SystemPlan& plan);
   void PlanTimeScale();
+  void SettleChoices();
+  void CheckOrder(const Time_gbt& time);
   void TakeEvent(const EpochBlock& block);
+  void NameEvent(const EpochBlock& block);
   void FillEpoch(ObsEpoch_QC_gbt& epoch);
   void AddSatellite(const SatelliteRow& row, ObsEpoch_QC_gbt& epoch);
+  bool IsJudged(const SatelliteRow& row, int slot);
   void FillSignals(const SystemPlan& plan, const SatelliteRow& row, Satellite_gbt& satellite);
 
   std::string name_;
   Diagnostics& diagnostics_;
+  ObservationOptions options_;
   LineReader lines_;
   ObservationHeader header_;
   HeaderParser parser_;
   std::unique_ptr<ObservationBody> body_;
   std::array<SystemPlan, kSystems> plans_;
   EpochBlock block_;
-  std::vector<Signal_QC_gbt> signals_;  ///< of the satellite at hand, also those beyond 8
+  std::vector<Signal_QC_gbt> signals_;    ///< of the satellite at hand, also those beyond 8
+  std::array<std::size_t, 26> unjudged_;  ///< kinds of notices, by system letter
+  std::size_t empty_satellite_;           ///< kind of notice
+  std::optional<Time_gbt> last_time_;
   std::int64_t time_shift_s_ = 0;
   bool has_strength_ = false;
+  bool has_choices_ = false;
 };
 
 }  // namespace orsolva_host

@@ -1,64 +1,104 @@
-// Epochs of plain RINEX 3 and 4 files.
+// Epochs of plain RINEX 3 and 4 files: one line a satellite.
 #include <utility>
 
-#include "host/rinex/decimal.h"
-#include "host/rinex/epoch_line.h"
-#include "host/rinex/observation_body.h"
+#include "host/rinex/body_base.h"
+#include "host/rinex/cell_reader.h"
+#include "host/rinex/header_labels.h"
 #include "host/rinex/satellite_names.h"
 
 namespace orsolva_host {
 namespace {
 
-constexpr std::size_t kCellWidth = 16;
-constexpr std::size_t kValueWidth = 14;
+constexpr std::size_t kFirstCellColumn = 3;
 
-class Plain : public ObservationBody {
+class Plain : public BodyBase {
  public:
-  Plain(LineReader& lines, std::string file, Diagnostics& diagnostics)
-      : lines_(lines), file_(std::move(file)), diagnostics_(diagnostics) {}
+  using BodyBase::BodyBase;
 
   bool Next(const ObservationTypes& types, EpochBlock& epoch) override {
     EpochLine head;
-    if (!FindEpoch(head)) return false;
-    epoch.line = lines_.Line();
-    epoch.time = head.time;
-    epoch.time_given = head.time_given;
-    epoch.flag = head.flag;
-    epoch.satellites.clear();
-    epoch.cells.clear();
-    epoch.records.clear();
-    epoch.first_record_line = epoch.line + 1;
-    for (int i = 0; i < head.count; ++i) {
-      std::string_view line;
-      if (!NextOfEpoch(line)) break;
-      if (head.flag > 1) {
-        epoch.records.emplace_back(line);
-      } else {
-        TakeSatellite(line, types, epoch);
-      }
+    std::string_view line;
+    if (!FindEpoch(line, head)) return false;
+    if (head.flag == kStrayHeader) {
+      TakeStrayHeader(line, epoch);
+      return true;
+    }
+    Begin(head, epoch);
+    if (head.flag > 1) {
+      ReadRecords(head.count, epoch);
+    } else {
+      ReadSatellites(head.count, types, epoch);
     }
     return true;
   }
 
  private:
-  void Notice(const char* text, bool recovered) { diagnostics_.Add(file_, lines_.Line(), text, recovered); }
-
-  bool FindEpoch(EpochLine& head) {
-    std::string_view line;
+  bool FindEpoch(std::string_view& line, EpochLine& head) {
     while (lines_.Next(line)) {
       if (ParseEpochLine(line, head)) return true;
-      if (!Trimmed(line).empty()) {
-        Notice(line[0] == '>' ? "an epoch line that cannot be read; its lines are passed over"
-                              : "lines that belong to no epoch are passed over",
-               false);
+      if (Trimmed(line).empty()) continue;
+      if (IsHeaderLine(line)) {
+        head.flag = kStrayHeader;
+        return true;
       }
+      Notice(line[0] == '>' ? "an epoch line that cannot be read; its lines are passed over"
+                            : "lines that belong to no epoch are passed over");
     }
     return false;
   }
 
+  void ReadRecords(int count, EpochBlock& epoch) {
+    std::string_view line;
+    for (int i = 0; i < count; ++i) {
+      if (!NextOfEpoch(line)) return;
+      epoch.records.emplace_back(line);
+    }
+  }
+
+  void ReadSatellites(int count, const ObservationTypes& types, EpochBlock& epoch) {
+    std::string_view line;
+    for (int i = 0; i < count;) {
+      if (!NextOfEpoch(line)) return;
+      if (!PassesOver(line)) {
+        TakeSatellite(line, types, epoch);
+        ++i;
+      }
+    }
+    TakeUncounted(types, epoch);
+  }
+
+  /// Comments and blank lines count for no satellite.
+  bool PassesOver(std::string_view line) {
+    if (!line.empty() && line[0] != ' ') {
+      if (line.size() <= 60 || line[60] != 'C' || HeaderLabel(line) != "COMMENT") return false;
+      Notice("comments among the observations are passed over", true);
+      return true;
+    }
+    if (!Trimmed(line).empty()) {
+      if (HeaderLabel(line) != "COMMENT") return false;
+      Notice("comments among the observations are passed over", true);
+      return true;
+    }
+    Notice("blank lines among the observations are passed over", true);
+    return true;
+  }
+
+  /// Satellites beyond the number that the epoch line gives.
+  void TakeUncounted(const ObservationTypes& types, EpochBlock& epoch) {
+    std::string_view line;
+    SatelliteRow row;
+    while (lines_.Next(line)) {
+      const bool more = !line.empty() && line[0] != '>' && !IsHeaderLine(line) &&
+                        ParseSatellite(Field(line, 0, 3), row.letter, row.number);
+      if (!more) return lines_.PushBack();
+      Notice("an epoch has more lines than it says; they are taken", true);
+      TakeSatellite(line, types, epoch);
+    }
+  }
+
   bool NextOfEpoch(std::string_view& line) {
     if (!lines_.Next(line)) {
-      Notice("the file ends inside an epoch", false);
+      Notice("the file ends inside an epoch");
       return false;
     }
     if (!line.empty() && line[0] == '>') {
@@ -72,29 +112,20 @@ class Plain : public ObservationBody {
   void TakeSatellite(std::string_view line, const ObservationTypes& types, EpochBlock& epoch) {
     SatelliteRow row;
     if (!ParseSatellite(Field(line, 0, 3), row.letter, row.number)) {
-      return Notice("a line whose satellite cannot be read is passed over", false);
+      return Notice("a line whose satellite cannot be read is passed over");
     }
     row.first_cell = epoch.cells.size();
-    row.cells = types[row.letter - 'A'].size();
+    row.cells = types[static_cast<std::size_t>(row.letter - 'A')].size();
+    epoch.cells.resize(row.first_cell + row.cells);
+    Cell* const cells = epoch.cells.data() + row.first_cell;
     for (std::size_t i = 0; i < row.cells; ++i) {
-      epoch.cells.push_back(ReadCell(Field(line, 3 + kCellWidth * i, kCellWidth)));
+      if (!ReadCell(line, kFirstCellColumn + kCellWidth * i, cells[i])) {
+        Notice("a value that is no number counts as missing");
+      }
     }
+    if (lines_.Unterminated()) DropCutValue(line, kFirstCellColumn, row.cells, cells);
     epoch.satellites.push_back(row);
   }
-
-  Cell ReadCell(std::string_view field) {
-    Cell cell;
-    const FieldState state = ParseDecimal(field.substr(0, kValueWidth), cell.value);
-    cell.present = state == FieldState::kNumber;
-    if (state == FieldState::kBad) Notice("a value that is no number counts as missing", false);
-    if (field.size() > kValueWidth) cell.loss_of_lock = field[kValueWidth];
-    if (field.size() > kValueWidth + 1) cell.strength = field[kValueWidth + 1];
-    return cell;
-  }
-
-  LineReader& lines_;
-  std::string file_;
-  Diagnostics& diagnostics_;
 };
 
 }  // namespace

@@ -96,6 +96,14 @@ TEST(DamagedFiles, CompactObservations) {
   TryMany(Beginning(ReadText(path), 12000), ReadObservations);
 }
 
+TEST(DamagedFiles, ObservationsOfVersionTwo) {
+  for (const char* name : {"zegv0010.21o", "zegv0010.21d"}) {
+    const std::string path = DataFile(name);
+    ORSOLVA_NEED_FILE(path);
+    TryMany(Beginning(ReadText(path), 12000), ReadObservations);
+  }
+}
+
 TEST(DamagedFiles, Navigation) {
   const std::string path = DataFile("SEPT078M.21P");
   ORSOLVA_NEED_FILE(path);

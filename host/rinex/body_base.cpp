@@ -1,0 +1,59 @@
+#include "host/rinex/body_base.h"
+
+#include "host/rinex/fixed_field.h"
+#include "host/rinex/header_labels.h"
+
+namespace orsolva_host {
+namespace {
+
+// More than any header has; the rest of a longer block follows as another one.
+constexpr std::size_t kMostStrayLines = 10000;
+
+}  // namespace
+
+void BodyBase::Begin(const EpochLine& head, EpochBlock& epoch) const {
+  epoch.line = lines_.Line();
+  epoch.time = head.time;
+  epoch.time_given = head.time_given;
+  epoch.flag = head.flag;
+  epoch.satellites.clear();
+  epoch.cells.clear();
+  epoch.records.clear();
+  epoch.first_record_line = epoch.line + 1;
+}
+
+void BodyBase::TakeStrayHeader(std::string_view line, EpochBlock& epoch) {
+  EpochLine head;
+  head.flag = kStrayHeader;
+  Begin(head, epoch);
+  epoch.first_record_line = epoch.line;
+  do {
+    epoch.records.emplace_back(line);
+    if (HeaderLabel(line) == "END OF HEADER" || epoch.records.size() == kMostStrayLines) return;
+    if (!lines_.Next(line)) return;
+  } while (IsHeaderLine(line));
+  lines_.PushBack();
+}
+
+void BodyBase::DropCutValue(std::string_view line, std::size_t first_column, std::size_t count, Cell* cells) {
+  if (line.size() <= first_column) return;
+  const std::size_t last = (line.size() - first_column - 1) / kCellWidth;
+  if (last >= count || !cells[last].present) return;
+  if (line.size() >= first_column + last * kCellWidth + kValueWidth) return;
+  cells[last] = Cell();
+  Notice("the last value of a file cut off inside it counts as missing");
+}
+
+std::unique_ptr<ObservationBody> BodyOf(const ObservationHeader& header, LineReader& lines, std::string file,
+                                        Diagnostics& diagnostics) {
+  if (header.version >= 3) {
+    return header.compact ? CompactBody(lines, std::move(file), diagnostics)
+                          : PlainBody(lines, std::move(file), diagnostics);
+  }
+  const char letter =
+      header.system >= 'A' && header.system <= 'Z' && header.system != 'M' ? header.system : 'G';
+  return header.compact ? CompactBody2(lines, std::move(file), diagnostics, letter)
+                        : PlainBody2(lines, std::move(file), diagnostics, letter);
+}
+
+}  // namespace orsolva_host

@@ -17,11 +17,7 @@ CountedRun::CountedRun(const orsolva_host::Scenario& scenario)
 }
 
 const code_qc_entry* CountedRun::EntryOf(int system, int prn, int code) const {
-  const code_qc_block& block = results->Codes->sat[SlotOf(system)][prn - 1];
-  for (int k = 0; k < block.count; ++k) {
-    if (block.entries[k].code == code) return &block.entries[k];
-  }
-  return nullptr;
+  return FindEntry(*results->Codes, system, prn, code);
 }
 
 bool CountedRun::HasRepeatedEpochs() const {

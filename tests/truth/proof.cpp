@@ -75,8 +75,9 @@ std::string Proof::Markdown() const {
 
 const std::vector<ProofEntry>& AllProofs() {
   static const std::vector<ProofEntry> kProofs = {
-      {"completeness", ProveCompleteness},
-      {"snr", ProveSnr},
+      {"completeness", ProveCompleteness},      {"snr", ProveSnr},
+      {"multipath-noise", ProveMultipathNoise}, {"multipath-jumps", ProveMultipathJumps},
+      {"multipath-gaps", ProveMultipathGaps},
   };
   return kProofs;
 }

@@ -65,6 +65,9 @@ std::string SectionOf(const std::string& id, const std::string& page);
 
 void ProveCompleteness(bool long_form, Proof& proof);
 void ProveSnr(bool long_form, Proof& proof);
+void ProveMultipathNoise(bool long_form, Proof& proof);
+void ProveMultipathJumps(bool long_form, Proof& proof);
+void ProveMultipathGaps(bool long_form, Proof& proof);
 
 }  // namespace orsolva_test
 

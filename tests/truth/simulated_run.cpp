@@ -58,7 +58,16 @@ std::vector<ObsEpoch_QC_gbt> AllEpochs(orsolva_host::Simulation& simulation) {
   return epochs;
 }
 
+const code_qc_entry* FindEntry(const total_code_qc_result& record, int system, int prn, int code) {
+  const code_qc_block& block = record.sat[SlotOf(system)][prn - 1];
+  for (int k = 0; k < block.count; ++k) {
+    if (block.entries[k].code == code) return &block.entries[k];
+  }
+  return nullptr;
+}
+
 char LetterOf(int system) { return kSystemTable[SystemSlotOfCode(system)].letter; }
+int SystemCodeOf(char letter) { return kSystemTable[orsolva_host::SystemSlot(letter)].code; }
 int SlotOf(int system) { return SystemSlotOfCode(system); }
 std::string NameOf(int system, int prn) { return orsolva_host::SatelliteName(LetterOf(system), prn); }
 

@@ -39,8 +39,13 @@ std::unique_ptr<Figures> FiguresOf(const Process& process);
 /// Epoch by epoch, without faults of the delivery: all epochs of a scenario at once.
 std::vector<ObsEpoch_QC_gbt> AllEpochs(orsolva_host::Simulation& simulation);
 
+/// The figures of a code of a satellite in a per-code record; null when it has none.
+const code_qc_entry* FindEntry(const total_code_qc_result& record, int system, int prn, int code);
+
 /// Letter of a system code, such as 'G' for 1.
 char LetterOf(int system);
+/// System code of a letter, such as 1 for 'G'.
+int SystemCodeOf(char letter);
 /// Result slot 0 to 4 of a system code.
 int SlotOf(int system);
 std::string NameOf(int system, int prn);

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "host/cli/commands.h"
+#include "host/cli/detail_outputs.h"
 #include "host/cli/exit_codes.h"
 #include "host/cli/qc_run.h"
 #include "host/cli/qc_settings.h"
@@ -16,7 +17,9 @@ namespace {
 int DoQc(const QcSettings& settings) {
   Diagnostics diagnostics;
   try {
-    const Report report = RunQc(settings, diagnostics);
+    DetailOutputs outputs(settings.detail_file);
+    const Report report = RunQc(settings, diagnostics, outputs.Sink());
+    outputs.Finish();
     const std::string text = settings.json ? WriteJson(report) : WriteText(report);
     const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
     if (written && std::fflush(stdout) == 0) return kGood;
@@ -59,6 +62,8 @@ void AddQcCommand(CLI::App& app, int& exit_code) {
   command->add_option("NAV", settings->navigation_files, "RINEX navigation files of the same time");
   command->add_flag("--json", settings->json, "Write the report as JSON");
   command->add_flag("--sats", settings->satellites, "Add a table per satellite");
+  command->add_option("--detail", settings->detail_file,
+                      "Write a CSV table of every epoch, satellite and signal to this file (.gz packs it)");
   command->add_option("--elevation", settings->elevation_deg, "Elevation cut-off in degrees")
       ->check(Number(0, 90))
       ->capture_default_str();

@@ -16,6 +16,7 @@
 #include "host/rinex/navigation_reader.h"
 #include "host/rinex/observation_reader.h"
 #include "host/rinex/satellite_names.h"
+#include "interface/detail.h"
 #include "interface/gnssqc.h"
 
 namespace orsolva_host {
@@ -32,9 +33,10 @@ using Handle = std::unique_ptr<unsigned long long, DisposeHandle>;
 /// One run from its files to its report.
 class Run {
  public:
-  Run(const QcSettings& settings, Diagnostics& diagnostics)
+  Run(const QcSettings& settings, Diagnostics& diagnostics, DetailSink* detail)
       : settings_(settings),
         diagnostics_(diagnostics),
+        detail_(detail),
         observations_(settings.observation_file, diagnostics),
         batch_(new ObsEpoch_QC_gbt[kBatchEpochs]) {}
 
@@ -69,6 +71,7 @@ class Run {
 
   const QcSettings& settings_;
   Diagnostics& diagnostics_;
+  DetailSink* detail_;
   ObservationReader observations_;
   std::unique_ptr<ObsEpoch_QC_gbt[]> batch_;
   std::size_t batch_size_ = 0;
@@ -171,6 +174,8 @@ void Run::Start() {
     throw RunError(
         "the library refused the navigation records. Name the broadcast navigation files of the day.");
   }
+  orsolva::SetDetailObserver(handle_.get(), detail_);
+  if (detail_ != nullptr) detail_->Begin(batch_[0].time, interval_s_);
 }
 
 void Run::TakeBatch() {
@@ -178,6 +183,7 @@ void Run::TakeBatch() {
   body.epoch_num = static_cast<std::int32_t>(batch_size_);
   body.epochs = batch_.get();
   last_state_ = GNSSQCPlus(body, handle_.get());
+  if (detail_ != nullptr) detail_->EndBatch();
   if (last_state_ == GNSSQC_INTERNAL_ERROR) {
     throw RunError(settings_.observation_file + ": the library met an internal error at the epochs from " +
                    TimeText(batch_[0].time) + " on. Please report it with the file.");
@@ -217,6 +223,7 @@ Report Run::Finish() {
     throw RunError(why + ".");
   }
   GetEachCodeResult(handle_.get(), *codes);
+  if (detail_ != nullptr) detail_->Finish(*codes);
   Report report = BuildReport(Facts(), *result, *codes);
   if (const auto& header = observations_.Header().position) {
     const auto& xyz = report.run.position_m;
@@ -281,6 +288,8 @@ std::string LibraryBanner() {
   return buffer;
 }
 
-Report RunQc(const QcSettings& settings, Diagnostics& diagnostics) { return Run(settings, diagnostics).Do(); }
+Report RunQc(const QcSettings& settings, Diagnostics& diagnostics, DetailSink* detail) {
+  return Run(settings, diagnostics, detail).Do();
+}
 
 }  // namespace orsolva_host

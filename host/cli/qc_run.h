@@ -8,6 +8,7 @@
 #include <string>
 
 #include "host/cli/qc_settings.h"
+#include "host/report/detail_sink.h"
 #include "host/report/report.h"
 #include "host/rinex/diagnostics.h"
 #include "interface/records.h"
@@ -21,8 +22,9 @@ class RunError : public std::runtime_error {
 };
 
 /// Streams the file through the library in batches of 2,880 epochs; the first batch decides the signals.
-/// @throws FileError, RunError
-Report RunQc(const QcSettings& settings, Diagnostics& diagnostics);
+/// @param detail  told of every epoch while the run goes on; may be null
+/// @throws FileError, RunError, and what the sink throws
+Report RunQc(const QcSettings& settings, Diagnostics& diagnostics, DetailSink* detail = nullptr);
 
 /// The most frequent difference between neighbouring epochs (of the first 600), the smallest among equally
 /// frequent ones; absent with fewer than two distinct times.

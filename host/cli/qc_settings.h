@@ -31,6 +31,7 @@ struct QcSettings {
   std::vector<ExcludedSatellite> excluded;
   bool json = false;
   bool satellites = false;
+  std::string detail_file;  ///< empty for none
 };
 
 // Each of these returns an empty text, or what is wrong with the argument.

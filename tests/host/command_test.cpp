@@ -1,6 +1,5 @@
 // The built program, as a user or a script calls it.
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 
 #include <algorithm>
 #include <cmath>
@@ -8,32 +7,16 @@
 #include <sstream>
 #include <string>
 
+#include "tests/host/program.h"
 #include "tests/host/shared_data.h"
 
 namespace {
 
 using nlohmann::json;
+using orsolva_test::Answer;
 using orsolva_test::DataFile;
+using orsolva_test::Orsolva;
 using orsolva_test::ReadText;
-
-struct Answer {
-  int code = -1;
-  std::string out;
-  std::string err;
-};
-
-Answer Orsolva(const std::string& arguments) {
-  const std::string base =
-      testing::TempDir() + "orsolva_command_" + testing::UnitTest::GetInstance()->current_test_info()->name();
-  const std::string command =
-      std::string(ORSOLVA_PROGRAM) + " " + arguments + " >" + base + ".out 2>" + base + ".err </dev/null";
-  const int status = std::system(command.c_str());
-  Answer answer{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadText(base + ".out"),
-                ReadText(base + ".err")};
-  std::filesystem::remove(base + ".out");
-  std::filesystem::remove(base + ".err");
-  return answer;
-}
 
 std::string StationDay() {
   return DataFile("ESBC00DNK_R_20201770000_01D_30S_MO.crx.gz") + " " +

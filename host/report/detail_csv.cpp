@@ -1,0 +1,196 @@
+#include "host/report/detail_csv.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <tuple>
+#include <utility>
+
+#include "host/report/detail_reasons.h"
+#include "host/rinex/civil_time.h"
+#include "host/rinex/satellite_names.h"
+#include "host/rinex/signal_codes.h"
+
+namespace orsolva_host {
+namespace {
+
+using orsolva::PairEpochDetail;
+using orsolva::SatelliteEpochDetail;
+
+constexpr double kDegreesPerRadian = 57.295779513082320877;
+constexpr std::size_t kPieceBytes = 1 << 18;
+
+bool Before(const Time_gbt& a, const Time_gbt& b) {
+  return std::tie(a.time, a.sec) < std::tie(b.time, b.sec);
+}
+
+bool Same(const Time_gbt& a, const Time_gbt& b) { return a.time == b.time && a.sec == b.sec; }
+
+void Append(std::string& text, bool given, double value, int decimals) {
+  text += ',';
+  if (given && std::isfinite(value)) fmt::format_to(std::back_inserter(text), "{:.{}f}", value, decimals);
+}
+
+void Append(std::string& text, std::string_view word) {
+  text += ',';
+  text += word;
+}
+
+bool SaysSomething(const PairEpochDetail& pair) {
+  return pair.HasMultipath || pair.HasGeometryFreeStep || pair.HasDifference ||
+         pair.GeometrySlip != orsolva::GeometrySlipReason::kNone;
+}
+
+}  // namespace
+
+const char* const kDetailCsvHeader =
+    "time_gpst,satellite,signal,elevation_deg,azimuth_deg,above_cutoff,snr_dbhz,partner,mp_residual_m,"
+    "restart,"
+    "geometry_free_step_m,geometry_free_threshold_m,geometry_free_slip,phase_excess_m,phase_threshold_m,"
+    "phase_slip";
+
+DetailCsv::DetailCsv(std::function<void(std::string_view)> write) : write_(std::move(write)) {}
+
+void DetailCsv::Begin(const Time_gbt&, double) {
+  text_ = kDetailCsvHeader;
+  text_ += '\n';
+}
+
+void DetailCsv::OnSatelliteEpoch(const SatelliteEpochDetail& detail) {
+  arranged_ = false;
+  epochs_.push_back({detail.Time, detail.Number, detail.Satellite, detail.ElevationRad, detail.AzimuthRad,
+                     detail.AboveCutoff, signals_.size(), detail.SignalCount});
+  for (int i = 0; i < detail.SignalCount; ++i) {
+    signals_.push_back({detail.Signals[i].code, detail.Signals[i].snr});
+  }
+}
+
+void DetailCsv::OnPairEpoch(const PairEpochDetail& detail) {
+  Arrange();
+  if (!pairs_.empty() && !Same(pairs_.back().Time, detail.Time)) WriteEpoch();
+  if (pairs_.empty()) WriteEpochsBefore(detail.Time);
+  pairs_.push_back(detail);
+}
+
+void DetailCsv::EndBatch() {
+  Arrange();
+  const bool one_epoch = !epochs_.empty() && Same(epochs_.front().time, epochs_.back().time);
+  // A lone first epoch: its pairs come with the next batch.
+  if (one_epoch && next_ == 0 && pairs_.empty()) return;
+  if (!pairs_.empty()) WriteEpoch();
+  while (next_ < epochs_.size()) WriteEpoch();
+  epochs_.clear();
+  signals_.clear();
+  next_ = 0;
+  Pass();
+  Complain();
+}
+
+void DetailCsv::Finish(const total_code_qc_result&) {
+  Arrange();
+  while (next_ < epochs_.size()) WriteEpoch();
+  Pass();
+  Complain();
+}
+
+void DetailCsv::Arrange() {
+  if (arranged_) return;
+  arranged_ = true;
+  std::stable_sort(epochs_.begin() + static_cast<std::ptrdiff_t>(next_), epochs_.end(),
+                   [](const SatelliteEpoch& a, const SatelliteEpoch& b) { return Before(a.time, b.time); });
+}
+
+void DetailCsv::WriteEpochsBefore(const Time_gbt& time) {
+  while (next_ < epochs_.size() && Before(epochs_[next_].time, time)) WriteEpoch();
+}
+
+/// The satellites at next_ that share a time, with the pairs at hand.
+void DetailCsv::WriteEpoch() {
+  if (next_ >= epochs_.size()) {
+    pairs_.clear();
+    return;
+  }
+  const Time_gbt time = epochs_[next_].time;
+  time_text_ = TimeText(time);
+  std::stable_sort(pairs_.begin(), pairs_.end(), [](const PairEpochDetail& a, const PairEpochDetail& b) {
+    return std::tie(a.Number, a.Code, a.Partner) < std::tie(b.Number, b.Code, b.Partner);
+  });
+  int last_number = 0;
+  for (; next_ < epochs_.size() && Same(epochs_[next_].time, time); ++next_) {
+    const int number = epochs_[next_].number;
+    const bool again = number == last_number;
+    last_number = number;
+    const auto first = std::partition_point(pairs_.begin(), pairs_.end(),
+                                            [number](const PairEpochDetail& p) { return p.Number < number; });
+    const auto end = std::partition_point(first, pairs_.end(),
+                                          [number](const PairEpochDetail& p) { return p.Number == number; });
+    // Of a satellite listed twice the first listing has the pairs.
+    WriteSatellite(epochs_[next_], static_cast<std::size_t>(first - pairs_.begin()),
+                   static_cast<std::size_t>((again ? first : end) - pairs_.begin()));
+  }
+  pairs_.clear();
+  if (text_.size() > kPieceBytes) Pass();
+}
+
+void DetailCsv::WriteSatellite(const SatelliteEpoch& epoch, std::size_t first_pair, std::size_t end_pair) {
+  for (int i = 0; i < epoch.signal_count; ++i) {
+    const SignalValue& signal = signals_[epoch.first_signal + static_cast<std::size_t>(i)];
+    bool paired = false;
+    for (std::size_t k = first_pair; k < end_pair; ++k) {
+      const PairEpochDetail& pair = pairs_[k];
+      if (pair.Code != signal.code || !SaysSomething(pair)) continue;
+      paired = true;
+      WriteLead(epoch, signal);
+      WritePair(pair);
+    }
+    if (paired) continue;
+    WriteLead(epoch, signal);
+    text_ += ",,,,,,,,,\n";
+  }
+}
+
+void DetailCsv::WriteLead(const SatelliteEpoch& epoch, const SignalValue& signal) {
+  const int system = epoch.satellite.sys;
+  const int slot = SystemSlotOfCode(system);
+  const char letter = slot < 0 ? '?' : kSystemTable[slot].letter;
+  text_ += time_text_;
+  Append(text_, SatelliteName(letter, epoch.satellite.prn));
+  Append(text_, SignalName(system, static_cast<int>(signal.code)));
+  Append(text_, true, epoch.elevation_rad * kDegreesPerRadian, 3);
+  Append(text_, true, epoch.azimuth_rad * kDegreesPerRadian, 3);
+  Append(text_, epoch.above_cutoff ? "1" : "0");
+  Append(text_, signal.snr_dbhz > 0, signal.snr_dbhz, 3);
+}
+
+void DetailCsv::WritePair(const PairEpochDetail& pair) {
+  Append(text_, SignalName(pair.Satellite.sys, static_cast<int>(pair.Partner)));
+  Append(text_, pair.HasMultipath, pair.ResidualM, 4);
+  Append(text_, RestartText(pair.Restart));
+  Append(text_, pair.HasGeometryFreeStep, pair.GeometryFreeStepM, 4);
+  Append(text_, pair.HasGeometryFreeStep, pair.GeometryFreeThresholdM, 4);
+  Append(text_, IonosphereSlipText(pair.IonosphereSlip));
+  const bool tested = pair.GeometryThresholdM > 0;
+  Append(text_, tested, pair.ExcessM, 4);
+  Append(text_, tested, pair.GeometryThresholdM, 4);
+  Append(text_, GeometrySlipText(pair.GeometrySlip));
+  text_ += '\n';
+}
+
+void DetailCsv::Pass() {
+  if (!text_.empty() && failure_ == nullptr) {
+    try {
+      write_(text_);
+    } catch (...) {
+      failure_ = std::current_exception();
+    }
+  }
+  text_.clear();
+}
+
+void DetailCsv::Complain() {
+  if (failure_ != nullptr) std::rethrow_exception(failure_);
+}
+
+}  // namespace orsolva_host

@@ -1,0 +1,37 @@
+// Runs the built program as a user or a script does.
+#ifndef ORSOLVA_TESTS_HOST_PROGRAM_H
+#define ORSOLVA_TESTS_HOST_PROGRAM_H
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include "tests/host/shared_data.h"
+
+namespace orsolva_test {
+
+struct Answer {
+  int code = -1;
+  std::string out;
+  std::string err;
+};
+
+inline Answer Orsolva(const std::string& arguments) {
+  const std::string base =
+      testing::TempDir() + "orsolva_command_" + testing::UnitTest::GetInstance()->current_test_info()->name();
+  const std::string command =
+      std::string(ORSOLVA_PROGRAM) + " " + arguments + " >" + base + ".out 2>" + base + ".err </dev/null";
+  const int status = std::system(command.c_str());
+  Answer answer{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadText(base + ".out"),
+                ReadText(base + ".err")};
+  std::filesystem::remove(base + ".out");
+  std::filesystem::remove(base + ".err");
+  return answer;
+}
+
+}  // namespace orsolva_test
+
+#endif  // ORSOLVA_TESTS_HOST_PROGRAM_H

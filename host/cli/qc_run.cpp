@@ -12,6 +12,7 @@
 
 #include "host/cli/progress.h"
 #include "host/report/build_report.h"
+#include "host/report/navigation_coverage.h"
 #include "host/rinex/civil_time.h"
 #include "host/rinex/navigation_reader.h"
 #include "host/rinex/observation_reader.h"
@@ -76,6 +77,7 @@ class Run {
   std::unique_ptr<ObsEpoch_QC_gbt[]> batch_;
   std::size_t batch_size_ = 0;
   NavigationSet navigation_;
+  std::unique_ptr<CoverageCounter> coverage_;
   Handle handle_;
   Progress progress_;
   double interval_s_ = 0;
@@ -101,12 +103,14 @@ void Run::ReadNavigation() {
         ": found no navigation record that can be used. Name the broadcast navigation files of the "
         "day.");
   }
+  coverage_ = std::make_unique<CoverageCounter>(navigation_);
 }
 
 void Run::FillBatch() {
   batch_size_ = 0;
   while (batch_size_ < kBatchEpochs && observations_.Next(batch_[batch_size_])) {
-    ++batch_size_;
+    const ObsEpoch_QC_gbt& epoch = batch_[batch_size_++];
+    coverage_->Add(epoch);
     progress_.Epochs(++epochs_);
   }
 }
@@ -230,6 +234,7 @@ Report Run::Finish() {
     report.run.distance_from_header_m =
         std::hypot(xyz[0] - (*header)[0], xyz[1] - (*header)[1], xyz[2] - (*header)[2]);
   }
+  report.run.navigation_coverage = coverage_->Rows();
   report.show_satellites = settings_.satellites;
   report.notices = NoticesOf(diagnostics_);
   report.further_notices = diagnostics_.Uncounted();

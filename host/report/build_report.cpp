@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <utility>
 
+#include "host/report/notes.h"
 #include "host/rinex/civil_time.h"
 #include "host/rinex/satellite_names.h"
 #include "host/rinex/signal_codes.h"
@@ -109,28 +111,51 @@ Count JudgedEpochs(const result_qct& result, double interval_s) {
   return judged >= 0 && judged < kMost ? static_cast<Count>(judged) : 0;
 }
 
-bool HasBand(const std::vector<std::string>& combination, char band) {
-  for (const std::string& codes : combination) {
-    if (!codes.empty() && codes[0] == band) return true;
-  }
-  return false;
-}
-
-void AddNotes(Report& report) {
-  for (const SystemReport& system : report.systems) {
-    const bool without_channel = HasBand(system.combination, '7') || HasBand(system.combination, '8');
-    if (system.letter == 'E' && without_channel && system.figures.observed == Count{0}) {
-      report.notes.push_back(
-          "Galileo bands 7 (E5b) and 8 (E5) have no completeness and SNR channel, so a combination with them "
-          "counts no complete observation; see the completeness of each signal instead. The combined row "
-          "holds these counts as well.");
+/// Galileo combinations with a code that has no completeness channel are counted as observed nowhere: no
+/// data, not a zero.
+void DropUncountedObservations(Report& report) {
+  const auto drop = [](Figures& f) {
+    if (f.observed != Count{0}) return;
+    f.observed.reset();
+    f.completeness.reset();
+  };
+  for (SystemReport& system : report.systems) {
+    if (!HasUncountedCode(system)) continue;
+    drop(system.figures);
+    for (SatelliteReport& satellite : report.satellites) {
+      if (satellite.name[0] == system.letter) drop(satellite.figures);
     }
   }
-  if (!report.combined.bands.empty()) {
-    report.notes.push_back(
-        "The combined figures of a band slot pool the bands that the systems keep under the same slot "
-        "number.");
+}
+
+std::optional<double> MultipathOf(const Figures& figures, int slot) {
+  for (const BandFigures& band : figures.bands) {
+    if (band.slot == slot) return band.mp_m;
   }
+  return std::nullopt;
+}
+
+Summary SummaryOf(const Report& report) {
+  Summary sum;
+  Count expected = 0;
+  Count observed = 0;
+  Count jumps = 0;
+  for (const SystemReport& system : report.systems) {
+    const Figures& f = system.figures;
+    if (!f.expected || !f.observed) continue;
+    expected += *f.expected;
+    observed += *f.observed;
+    jumps += f.jumps.value_or(0);
+  }
+  if (expected > 0) {
+    sum.expected = expected;
+    sum.observed = observed;
+    sum.completeness = static_cast<double>(observed) / static_cast<double>(expected);
+  }
+  if (observed > 0) sum.obs_per_slip = static_cast<double>(jumps > 0 ? observed / jumps : observed);
+  sum.mp1_m = MultipathOf(report.combined, 1);
+  sum.mp2_m = MultipathOf(report.combined, 2);
+  return sum;
 }
 
 }  // namespace
@@ -143,7 +168,8 @@ Figures FiguresOf(const qc_core_summary& s, int system) {
   if (seen) f.observed = s.observed_epochs;
   f.completeness = GivenIf(seen, s.completeness);
   if (observed || s.slip_epochs > 0) f.slips = s.slip_epochs;
-  if (observed || s.jump_epochs > 0) f.jumps = s.jump_epochs;
+  const bool multipath = std::any_of(std::begin(s.mp), std::end(s.mp), [](double mp) { return mp > 0; });
+  if (observed || multipath || s.jump_epochs > 0) f.jumps = s.jump_epochs;
   f.obs_per_slip = GivenIf(observed, s.obs_per_slip);
   for (int i = 0; i < kBandSlots; ++i) {
     BandFigures band;
@@ -176,6 +202,11 @@ std::vector<std::string> CombinationOf(const qc_core_summary& summary, const cod
   return combination;
 }
 
+int AveragingWindow(double interval_s) {
+  if (interval_s <= 5.0) return 50;
+  return interval_s <= 30.0 ? static_cast<int>(300.0 / interval_s) : 10;
+}
+
 Report BuildReport(ReportRun run, const result_qct& result, const total_code_qc_result& codes) {
   Report report;
   report.run = std::move(run);
@@ -184,6 +215,7 @@ Report BuildReport(ReportRun run, const result_qct& result, const total_code_qc_
   if (any) report.run.last_epoch = result.end_time;
   report.run.duration_h = std::isfinite(result.duration) ? result.duration : 0;
   report.run.lost_epochs = result.lost_epochs;
+  report.run.averaging_window_epochs = AveragingWindow(report.run.interval_s);
   report.run.judged_epochs = JudgedEpochs(result, report.run.interval_s);
   for (int i = 0; i < 3; ++i) report.run.position_m[i] = result.station_xyz[i];
   for (int slot = 0; slot < kSystems; ++slot) {
@@ -191,7 +223,9 @@ Report BuildReport(ReportRun run, const result_qct& result, const total_code_qc_
     AddSatellites(slot, result, report);
   }
   report.combined = FiguresOf(result.total, 0);
-  AddNotes(report);
+  DropUncountedObservations(report);
+  report.summary = SummaryOf(report);
+  report.notes = NotesOf(report);
   return report;
 }
 

@@ -23,7 +23,10 @@ Figures FiguresOf(const qc_core_summary& summary, int system);
 /// one out, the entry names all of them, "1C|1L".
 std::vector<std::string> CombinationOf(const qc_core_summary& summary, const code_qc_block& codes);
 
-/// @param run  what was read and set; times, position, duration, judged and lost epochs are filled in
+/// How many epochs the multipath mean spans at an interval: 50 up to 5 s, 300 s up to 30 s, 10 beyond.
+int AveragingWindow(double interval_s);
+
+/// @param run  what was read and set; times, position, duration, window, judged and lost epochs are filled in
 Report BuildReport(ReportRun run, const result_qct& result, const total_code_qc_result& codes);
 
 std::vector<ReportNotice> NoticesOf(const Diagnostics& diagnostics);

@@ -44,6 +44,18 @@ void AddFigures(const Figures& figures, Json& j) {
   for (const BandFigures& band : figures.bands) j["bands"].push_back(BandJson(band));
 }
 
+Json CoverageJson(const NavigationCoverage& row) {
+  Json j;
+  j["satellite"] = row.satellite;
+  j["epochs_seen"] = row.observed_epochs;
+  j["navigation_records"] = row.records;
+  j["unhealthy_records"] = row.unhealthy_records;
+  j["first_reference"] = TimeOf(row.first_reference);
+  j["last_reference"] = TimeOf(row.last_reference);
+  j["navigation_covered_ratio"] = NumberOf(row.covered_ratio);
+  return j;
+}
+
 Json RunJson(const ReportRun& run) {
   Json j;
   j["observation_file"] = run.observation_file;
@@ -65,8 +77,13 @@ Json RunJson(const ReportRun& run) {
   j["position_source"] = run.position_source;
   j["distance_from_header_position_m"] = ValueOf(run.distance_from_header_m);
   j["elevation_cutoff_deg"] = NumberOf(run.elevation_cutoff_deg);
+  j["averaging_window_epochs"] = run.averaging_window_epochs;
   j["systems"] = run.systems;
   j["excluded_satellites"] = run.excluded;
+  j["navigation_coverage"] = Json::array();
+  for (const NavigationCoverage& row : run.navigation_coverage) {
+    j["navigation_coverage"].push_back(CoverageJson(row));
+  }
   return j;
 }
 
@@ -108,6 +125,55 @@ Json SatelliteJson(const SatelliteReport& satellite) {
   return j;
 }
 
+Json SummaryJson(const Summary& summary) {
+  Json j;
+  j["expected_epochs"] = ValueOf(summary.expected);
+  j["observed_epochs"] = ValueOf(summary.observed);
+  j["completeness_ratio"] = ValueOf(summary.completeness);
+  j["mp1_rms_m"] = ValueOf(summary.mp1_m);
+  j["mp2_rms_m"] = ValueOf(summary.mp2_m);
+  j["observations_per_slip"] = ValueOf(summary.obs_per_slip);
+  return j;
+}
+
+Json OutcomeJson(const CriterionOutcome& outcome) {
+  Json j;
+  j["criterion"] = outcome.criterion;
+  j["figure"] = outcome.figure;
+  j["unit"] = outcome.unit;
+  j["subject"] = TextOf(outcome.subject);
+  j["signal"] = TextOf(outcome.signal);
+  j["direction"] = outcome.at_least ? "at_least" : "at_most";
+  j["good_limit"] = NumberOf(outcome.good_limit);
+  j["fair_limit"] = NumberOf(outcome.fair_limit);
+  j["value"] = ValueOf(outcome.value);
+  j["grade"] = outcome.grade;
+  j["missed_by"] = ValueOf(outcome.missed_by);
+  j["source"] = outcome.source;
+  return j;
+}
+
+Json VerdictJson(const Verdict& verdict) {
+  Json j;
+  j["profile"] = verdict.profile;
+  j["title"] = verdict.title;
+  j["grade"] = verdict.grade;
+  j["passed"] = verdict.passed;
+  j["outcomes"] = Json::array();
+  for (const CriterionOutcome& outcome : verdict.outcomes) j["outcomes"].push_back(OutcomeJson(outcome));
+  return j;
+}
+
+Json NoteJson(const ReportNote& note) {
+  Json j;
+  j["id"] = note.id;
+  j["text"] = note.text;
+  j["figures"] = note.figures;
+  j["system"] = TextOf(note.system);
+  j["bands"] = note.bands;
+  return j;
+}
+
 Json NoticeJson(const ReportNotice& notice) {
   Json j;
   j["file"] = notice.file;
@@ -125,6 +191,8 @@ std::string WriteJson(const Report& report) {
   j["format"] = 1;
   j["library_version"] = report.run.library_version;
   j["run"] = RunJson(report.run);
+  j["verdict"] = report.verdict ? VerdictJson(*report.verdict) : Json(nullptr);
+  j["summary"] = SummaryJson(report.summary);
   j["systems"] = Json::array();
   for (const SystemReport& system : report.systems) j["systems"].push_back(SystemJson(system));
   AddFigures(report.combined, j["combined"]);
@@ -136,7 +204,8 @@ std::string WriteJson(const Report& report) {
       j["satellites"].push_back(SatelliteJson(satellite));
     }
   }
-  j["notes"] = report.notes;
+  j["notes"] = Json::array();
+  for (const ReportNote& note : report.notes) j["notes"].push_back(NoteJson(note));
   j["notices"] = Json::array();
   for (const ReportNotice& notice : report.notices) j["notices"].push_back(NoticeJson(notice));
   j["further_notices"] = report.further_notices;

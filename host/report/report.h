@@ -25,6 +25,26 @@ struct ReportNotice {
   bool recovered = true;
 };
 
+/// What a reader must know to read a figure right. Writers mark the figures it stands for.
+struct ReportNote {
+  std::string id;  ///< stable name, such as "galileo-no-channel"
+  std::string text;
+  std::vector<std::string> figures;  ///< keys of figures.h
+  std::string system;  ///< letter of the only system it is about, "all" for the combined row, or empty
+  std::vector<std::string> bands;  ///< the only bands it is about; empty: all
+};
+
+/// What the broadcast records say about a satellite that was observed.
+struct NavigationCoverage {
+  std::string satellite;
+  Count observed_epochs = 0;    ///< epochs of the file with the satellite, above the cut-off or not
+  Count records = 0;            ///< healthy ones
+  Count unhealthy_records = 0;  ///< never used
+  std::optional<Time_gbt> first_reference;
+  std::optional<Time_gbt> last_reference;
+  double covered_ratio = 0;  ///< part of the observed epochs with a healthy record young enough
+};
+
 /// What was read and with which settings it was judged.
 struct ReportRun {
   std::string library_version;
@@ -39,8 +59,10 @@ struct ReportRun {
   std::vector<std::string> excluded;  ///< satellites left out
   double elevation_cutoff_deg = 0;
   double interval_s = 0;
-  std::string interval_source;  ///< "header", "data" or "option"
-  std::string position_source;  ///< "computed", "header" or "option"
+  std::string interval_source;      ///< "header", "data" or "option"
+  std::string position_source;      ///< "computed", "header" or "option"
+  int averaging_window_epochs = 0;  ///< of the multipath mean
+  std::vector<NavigationCoverage> navigation_coverage;
 
   std::optional<Time_gbt> first_epoch;
   std::optional<Time_gbt> last_epoch;
@@ -109,14 +131,53 @@ struct SignalReport {
   std::optional<double> snr_above30_dbhz;
 };
 
+/// How a criterion of a profile came out for one figure.
+struct CriterionOutcome {
+  std::string criterion;  ///< its name in the profile
+  std::string figure;     ///< key of figures.h
+  std::string unit;
+  std::string subject;   ///< "G", "G04", "all", or empty for the run
+  std::string signal;    ///< "1C", a band such as "L1", or empty
+  bool at_least = true;  ///< the limits are lowest allowed values; else highest ones
+  double good_limit = 0;
+  double fair_limit = 0;  ///< beyond it the criterion fails
+  std::optional<double> value;
+  std::string grade;                ///< "good", "fair", "fail" or "no data"
+  std::optional<double> missed_by;  ///< how far the value lies beyond the fair limit; with "fail" only
+  std::string source;               ///< where the limits come from
+};
+
+/// A report held against a profile of limits.
+struct Verdict {
+  std::string profile;
+  std::string title;
+  std::string grade;   ///< the worst grade of its outcomes; "no data" when nothing could be judged
+  bool passed = true;  ///< neither "fail" nor "no data"
+  std::vector<CriterionOutcome> outcomes;  ///< failed ones first
+};
+
+/// The few figures that one line of a file holds.
+///
+/// Counts are sums over the systems whose combination has a completeness; the others are left out of them.
+struct Summary {
+  std::optional<Count> expected;
+  std::optional<Count> observed;
+  std::optional<double> completeness;  ///< observed / expected
+  std::optional<double> mp1_m;         ///< of band slot 1, all systems pooled
+  std::optional<double> mp2_m;
+  std::optional<double> obs_per_slip;  ///< observed / jumps, or observed without a jump
+};
+
 struct Report {
   ReportRun run;
+  std::optional<Verdict> verdict;
+  Summary summary;
   std::vector<SystemReport> systems;
   Figures combined;
   std::vector<SignalReport> signals;
   std::vector<SatelliteReport> satellites;
   bool show_satellites = false;
-  std::vector<std::string> notes;  ///< what a reader must know to read the figures right
+  std::vector<ReportNote> notes;
   std::vector<ReportNotice> notices;
   long further_notices = 0;
 };

@@ -3,16 +3,18 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <iterator>
 #include <string_view>
+#include <utility>
 
+#include "host/report/notes.h"
+#include "host/report/verdict_text.h"
 #include "host/rinex/civil_time.h"
 
 namespace orsolva_host {
 namespace {
 
-constexpr std::size_t kWidth = 80;
-using Out = std::back_insert_iterator<std::string>;
+constexpr std::size_t kLeastWidth = 40;
+constexpr std::size_t kNameWidth = 18;
 
 std::string Fixed(const std::optional<double>& value, int decimals) {
   return value ? fmt::format("{:.{}f}", *value, decimals) : "-";
@@ -33,39 +35,6 @@ std::string Joined(const std::vector<std::string>& parts, std::string_view betwe
   return text.empty() ? "-" : text;
 }
 
-/// The text, with its middle left out when it is longer than the room for it.
-std::string Fitted(const std::string& text, std::size_t room) {
-  if (text.size() <= room || room < 8) return text;
-  const std::size_t tail = (room - 3) / 2;
-  return text.substr(0, room - 3 - tail) + "..." + text.substr(text.size() - tail);
-}
-
-/// Breaks a text at blanks into lines that begin with `indent`.
-std::string Wrapped(const std::string& text, const std::string& indent) {
-  std::string out;
-  std::string line = indent;
-  std::size_t begin = 0;
-  while (begin < text.size()) {
-    const std::size_t end = std::min(text.find(' ', begin), text.size());
-    const std::string word = Fitted(text.substr(begin, end - begin), kWidth - indent.size());
-    if (line.size() > indent.size() && line.size() + 1 + word.size() > kWidth) {
-      out += line + "\n";
-      line = indent;
-    }
-    if (line.size() > indent.size()) line += ' ';
-    line += word;
-    begin = end + 1;
-  }
-  return out + line + "\n";
-}
-
-void Heading(Out out, std::string_view text) { fmt::format_to(out, "\n{}\n", text); }
-
-void Row(Out out, std::string_view name, const std::string& value) {
-  constexpr std::size_t kNameWidth = 18;
-  fmt::format_to(out, "{:<18}{}\n", name, Fitted(value.empty() ? "-" : value, kWidth - kNameWidth));
-}
-
 std::string TimeOf(const std::optional<Time_gbt>& time) { return time ? TimeText(*time) + " GPST" : "-"; }
 
 std::string SourceText(const std::string& source) {
@@ -74,143 +43,267 @@ std::string SourceText(const std::string& source) {
   return source == "data" ? "found in the data" : "computed";
 }
 
-void WriteRun(Out out, const ReportRun& run) {
-  fmt::format_to(out, "Orsolva {} observation quality\n\n", run.library_version);
-  Row(out, "Observations", run.observation_file);
-  for (const std::string& file : run.navigation_files) Row(out, "Navigation", file);
-  Row(out, "Marker", run.marker);
-  Row(out, "Receiver", run.receiver);
-  Row(out, "Antenna", run.antenna);
-  Row(out, "First epoch", TimeOf(run.first_epoch));
-  Row(out, "Last epoch", TimeOf(run.last_epoch));
-  Row(out, "Duration", fmt::format("{:.4f} h", run.duration_h));
-  Row(out, "Interval", fmt::format("{:g} s, {}", run.interval_s, SourceText(run.interval_source)));
-  Row(out, "Epochs",
-      fmt::format("{} read, {} judged, {} lost", run.epochs, run.judged_epochs, run.lost_epochs));
-  Row(out, "Position X Y Z",
+/// Which observed satellites lack broadcast records, and for how many of their epochs.
+std::string CoverageText(const std::vector<NavigationCoverage>& rows) {
+  constexpr double kWhole = 0.9995;
+  std::size_t whole = 0;
+  std::string lacking;
+  for (const NavigationCoverage& row : rows) {
+    if (row.covered_ratio >= kWhole) {
+      ++whole;
+      continue;
+    }
+    std::string how = fmt::format("{:.0f}%", row.covered_ratio * 100);
+    if (row.records == 0) how = row.unhealthy_records > 0 ? "unhealthy" : "none";
+    lacking += fmt::format("{} {} {}", lacking.empty() ? ";" : ",", row.satellite, how);
+  }
+  return fmt::format("cover {} of {} observed satellites{}", whole, rows.size(), lacking);
+}
+
+/// The parts of a report, one after the other.
+class Writer {
+ public:
+  Writer(const Report& report, const TextStyle& style) : report_(report), style_(style) {
+    style_.width = std::max(style_.width, kLeastWidth);
+  }
+
+  std::string Do() {
+    Run();
+    if (report_.verdict) {
+      Heading("VERDICT");
+      text_ += VerdictText(*report_.verdict, style_);
+    }
+    Systems();
+    Bands();
+    Signals();
+    if (report_.show_satellites) Satellites();
+    Notes();
+    Notices();
+    return std::move(text_);
+  }
+
+ private:
+  void Heading(const std::string& text) {
+    text_ += "\n";
+    std::string lines = Wrapped(text, "", "  ", style_.width);
+    lines.pop_back();
+    text_ += Toned(lines, Tone::kStrong, style_) + "\n";
+  }
+
+  void Row(std::string name, const std::string& value) {
+    name.resize(kNameWidth, ' ');
+    text_ += Wrapped(value.empty() ? "-" : value, name, std::string(kNameWidth, ' '), style_.width);
+  }
+
+  void FileRow(std::string name, const std::string& file) {
+    name.resize(kNameWidth, ' ');
+    text_ += name + Fitted(file.empty() ? "-" : file, style_.width - kNameWidth) + "\n";
+  }
+
+  void Run();
+  void Position();
+  void Systems();
+  void AddBands(const std::string& name, std::string_view letter, const Figures& figures, TextTable& table);
+  void Bands();
+  void Signals();
+  void Satellites();
+  void Notes();
+  void Notices();
+  std::string Marked(const char* heading, std::string_view figure) const {
+    return heading + HeadingMarks(report_.notes, figure);
+  }
+
+  const Report& report_;
+  TextStyle style_;
+  std::string text_;
+};
+
+void Writer::Run() {
+  const ReportRun& run = report_.run;
+  text_ += Toned(fmt::format("Orsolva {} observation quality", run.library_version), Tone::kStrong, style_);
+  text_ += "\n\n";
+  FileRow("Observations", run.observation_file);
+  for (const std::string& file : run.navigation_files) FileRow("Navigation", file);
+  FileRow("Marker", run.marker);
+  FileRow("Receiver", run.receiver);
+  FileRow("Antenna", run.antenna);
+  Row("First epoch", TimeOf(run.first_epoch));
+  Row("Last epoch", TimeOf(run.last_epoch));
+  Row("Duration", fmt::format("{:.4f} h", run.duration_h));
+  Row("Interval", fmt::format("{:g} s, {}", run.interval_s, SourceText(run.interval_source)));
+  Row("Epochs", fmt::format("{} read, {} judged, {} lost", run.epochs, run.judged_epochs, run.lost_epochs));
+  Position();
+  Row("Elevation cut-off", fmt::format("{:g} degrees", run.elevation_cutoff_deg));
+  Row("Multipath mean", fmt::format("over {} epochs", run.averaging_window_epochs));
+  Row("Systems judged", run.systems);
+  if (!run.excluded.empty()) Row("Excluded", Joined(run.excluded, " "));
+  if (!run.navigation_coverage.empty()) Row("Broadcast records", CoverageText(run.navigation_coverage));
+}
+
+void Writer::Position() {
+  const ReportRun& run = report_.run;
+  Row("Position X Y Z",
       fmt::format("{:.4f} {:.4f} {:.4f} m", run.position_m[0], run.position_m[1], run.position_m[2]));
   std::string source = SourceText(run.position_source);
   if (run.distance_from_header_m) {
     source += fmt::format(", {:.3f} m from the header's position", *run.distance_from_header_m);
   }
-  Row(out, "Position source", source);
-  Row(out, "Elevation cut-off", fmt::format("{:g} degrees", run.elevation_cutoff_deg));
-  Row(out, "Systems judged", run.systems);
-  if (!run.excluded.empty()) Row(out, "Excluded", Joined(run.excluded, " "));
+  Row("Position source", source);
 }
 
-void WriteFigures(Out out, std::string_view name, std::size_t name_width, const std::string& combination,
-                  const Figures& f) {
-  fmt::format_to(out, "{:<{}}{:<18}{:>9}{:>9}{:>9}{:>8}{:>8}{:>10}\n", name, name_width,
-                 Fitted(combination, 17), Whole(f.expected), Whole(f.observed), Percent(f.completeness),
-                 Whole(f.slips), Whole(f.jumps), Fixed(f.obs_per_slip, 0));
+std::vector<std::string> FigureCells(const Figures& f) {
+  return {Whole(f.expected), Whole(f.observed), Percent(f.completeness),
+          Whole(f.slips),    Whole(f.jumps),    Fixed(f.obs_per_slip, 0)};
 }
 
-void WriteSystems(Out out, const Report& report) {
-  Heading(out, "SYSTEMS (optimal combination of signals)");
-  fmt::format_to(out, "{:<9}{:<18}{:>9}{:>9}{:>9}{:>8}{:>8}{:>10}\n", "System", "Combination", "Expected",
-                 "Observed", "Compl %", "Slips", "Jumps", "Obs/slip");
+void AddFigureColumns(const std::string& slips, TextTable& table) {
+  table.AddColumn("Expected", 9);
+  table.AddColumn("Observed", 9);
+  table.AddColumn("Compl %", 9);
+  table.AddColumn(slips, 9);
+  table.AddColumn("Jumps", 7);
+  table.AddColumn("Obs/slip", 10);
+}
+
+std::vector<std::string> Cells(std::vector<std::string> names, const Figures& figures) {
+  for (std::string& cell : FigureCells(figures)) names.push_back(std::move(cell));
+  return names;
+}
+
+void Writer::Systems() {
+  Heading("SYSTEMS (optimal combination of signals)");
+  TextTable table;
+  table.AddColumn("System", -12);
+  table.AddColumn("Combination", -15);
+  AddFigureColumns(Marked("Slips", "slip_epochs"), table);
   bool ambiguous = false;
-  for (const SystemReport& system : report.systems) {
+  for (const SystemReport& system : report_.systems) {
     const std::string combination = Joined(system.combination, "+");
     ambiguous = ambiguous || combination.find('|') != std::string::npos;
-    WriteFigures(out, system.name, 9, combination, system.figures);
+    const std::string marks = RowMarks(report_.notes, std::string(1, system.letter), "");
+    table.AddRow(Cells({system.name + marks, combination}, system.figures));
   }
-  WriteFigures(out, "Combined", 9, "", report.combined);
-  if (ambiguous) fmt::format_to(out, "1C|1L: one of these; the figures do not tell which.\n");
+  // What a note says about all of Galileo's figures holds for the sums with them.
+  table.AddRow(Cells({"Combined" + RowMarks(report_.notes, "E", ""), ""}, report_.combined));
+  text_ += table.Text(style_);
+  if (ambiguous)
+    text_ += Wrapped("1C|1L: one of these; the figures do not tell which.", "", "", style_.width);
 }
 
-void WriteBands(Out out, std::string_view name, const Figures& figures) {
+void Writer::AddBands(const std::string& name, std::string_view letter, const Figures& figures,
+                      TextTable& table) {
   for (const BandFigures& b : figures.bands) {
     const std::string band = b.band.empty() ? fmt::format("slot {}", b.slot) : b.band;
-    fmt::format_to(out, "{:<9}{:<8}{:>10}{:>11}{:>11}{:>11}{:>13}\n", name, band, Fixed(b.mp_m, 3),
-                   Fixed(b.snr_dbhz, 2), Fixed(b.snr_below30_dbhz, 2), Fixed(b.snr_above30_dbhz, 2),
-                   Fixed(b.iono_rms_cycles, 4));
+    const std::string marks = RowMarks(report_.notes, letter, b.band);
+    table.AddRow({name, band + marks, Fixed(b.mp_m, 3), Fixed(b.snr_dbhz, 2), Fixed(b.snr_below30_dbhz, 2),
+                  Fixed(b.snr_above30_dbhz, 2), Fixed(b.iono_rms_cycles, 4)});
   }
 }
 
-void WriteAllBands(Out out, const Report& report) {
-  Heading(out, "BANDS (multipath RMS in m, mean SNR in dB-Hz, ionospheric RMS in cycles)");
-  fmt::format_to(out, "{:<9}{:<8}{:>10}{:>11}{:>11}{:>11}{:>13}\n", "System", "Band", "MP", "SNR",
-                 "SNR<=30deg", "SNR>30deg", "Iono RMS");
-  for (const SystemReport& system : report.systems) WriteBands(out, system.name, system.figures);
-  WriteBands(out, "Combined", report.combined);
-  const bool any = std::any_of(report.systems.begin(), report.systems.end(),
+void Writer::Bands() {
+  Heading("BANDS (multipath RMS in m, mean SNR in dB-Hz, iono RMS in cycles)");
+  const bool any = std::any_of(report_.systems.begin(), report_.systems.end(),
                                [](const SystemReport& system) { return !system.figures.bands.empty(); });
-  if (!any) fmt::format_to(out, "no data\n");
-}
-
-void WriteSignals(Out out, const Report& report) {
-  Heading(out, "SIGNALS (every code by itself)");
-  fmt::format_to(out, "{:<8}{:>8}{:>9}{:>8}{:>7}{:>7}{:>7}{:>9}{:>5}{:>6}{:>6}\n", "Signal", "Expected",
-                 "Observed", "Compl %", "MP m", "Jumps", "Ion sl", "Obs/slip", "SNR", "<=30", ">30");
-  for (const SignalReport& s : report.signals) {
-    fmt::format_to(out, "{:<8}{:>8}{:>9}{:>8}{:>7}{:>7}{:>7}{:>9}{:>5}{:>6}{:>6}\n",
-                   fmt::format("{} {} {}", s.system, s.signal, s.band), Whole(s.expected), Whole(s.observed),
-                   Percent(s.completeness), Fixed(s.mp_m, 3), Whole(s.jumps), Whole(s.iono_slips),
-                   Fixed(s.obs_per_slip, 1), Fixed(s.snr_dbhz, 1), Fixed(s.snr_below30_dbhz, 1),
-                   Fixed(s.snr_above30_dbhz, 1));
+  if (!any) {
+    text_ += "no data\n";
+    return;
   }
-  if (report.signals.empty()) fmt::format_to(out, "no data\n");
+  TextTable table;
+  table.AddColumn("System", -9);
+  table.AddColumn("Band", -12);
+  table.AddColumn("MP", 9);
+  table.AddColumn("SNR", 10);
+  table.AddColumn("SNR<=30deg", 12);
+  table.AddColumn("SNR>30deg", 12);
+  table.AddColumn(Marked("Iono RMS", "iono_rms_cycles"), 14);
+  for (const SystemReport& system : report_.systems) {
+    AddBands(system.name, std::string(1, system.letter), system.figures, table);
+  }
+  AddBands("Combined", "all", report_.combined, table);
+  text_ += table.Text(style_);
 }
 
-std::string BandList(const Figures& figures, std::optional<double> BandFigures::*figure, int decimals) {
+void Writer::Signals() {
+  Heading("SIGNALS (every code by itself)");
+  if (report_.signals.empty()) {
+    text_ += "no data\n";
+    return;
+  }
+  TextTable table;
+  table.AddColumn("Signal", -12);
+  table.AddColumn("Exp", 6);
+  table.AddColumn("Obs", 7);
+  table.AddColumn("Compl %", 8);
+  table.AddColumn("MP m", 7);
+  table.AddColumn("Jumps", 6);
+  table.AddColumn(Marked("Slips", "iono_slip_epochs"), 9);
+  table.AddColumn("Obs/slip", 9);
+  table.AddColumn("SNR", 5);
+  table.AddColumn("<=30", 6);
+  table.AddColumn(">30", 5);
+  for (const SignalReport& s : report_.signals) {
+    const std::string marks = RowMarks(report_.notes, std::string(1, s.system), s.band);
+    table.AddRow({fmt::format("{} {} {}", s.system, s.signal, s.band) + marks, Whole(s.expected),
+                  Whole(s.observed), Percent(s.completeness), Fixed(s.mp_m, 3), Whole(s.jumps),
+                  Whole(s.iono_slips), Fixed(s.obs_per_slip, 1), Fixed(s.snr_dbhz, 1),
+                  Fixed(s.snr_below30_dbhz, 1), Fixed(s.snr_above30_dbhz, 1)});
+  }
+  text_ += table.Text(style_);
+}
+
+std::string BandList(const char* name, const Figures& figures, std::optional<double> BandFigures::*figure,
+                     int decimals) {
   std::string text;
   for (const BandFigures& b : figures.bands) {
     if (b.*figure) text += fmt::format(" {}={}", b.band, Fixed(b.*figure, decimals));
   }
-  return text.empty() ? " -" : text;
+  return text.empty() ? text : name + text;
 }
 
-void WriteSatellites(Out out, const Report& report) {
-  Heading(out, "SATELLITES (MP in m, SNR in dB-Hz, by band)");
-  fmt::format_to(out, "{:<5}{:<10}{:>9}{:>9}{:>9}{:>8}{:>8}{:>10}\n", "Sat", "State", "Expected", "Observed",
-                 "Compl %", "Slips", "Jumps", "Obs/slip");
-  for (const SatelliteReport& s : report.satellites) {
-    const Figures& f = s.figures;
-    fmt::format_to(out, "{:<5}{:<10}{:>9}{:>9}{:>9}{:>8}{:>8}{:>10}\n", s.name, s.state, Whole(f.expected),
-                   Whole(f.observed), Percent(f.completeness), Whole(f.slips), Whole(f.jumps),
-                   Fixed(f.obs_per_slip, 0));
-    if (f.bands.empty()) continue;
-    fmt::format_to(out, "     MP {}\n", BandList(f, &BandFigures::mp_m, 3));
-    fmt::format_to(out, "     SNR{}\n", BandList(f, &BandFigures::snr_dbhz, 1));
+void Writer::Satellites() {
+  Heading("SATELLITES (MP in m, SNR in dB-Hz, by band)");
+  if (report_.satellites.empty()) {
+    text_ += "no data\n";
+    return;
   }
-  if (report.satellites.empty()) fmt::format_to(out, "no data\n");
+  TextTable table;
+  table.AddColumn("Sat", -6);
+  table.AddColumn("State", -12);
+  AddFigureColumns(Marked("Slips", "slip_epochs"), table);
+  for (const SatelliteReport& s : report_.satellites) {
+    table.AddRow(Cells({s.name, s.state}, s.figures));
+    for (const std::string& list : {BandList("MP ", s.figures, &BandFigures::mp_m, 3),
+                                    BandList("SNR", s.figures, &BandFigures::snr_dbhz, 1)}) {
+      if (!list.empty()) table.AddBelow(Wrapped(list, "     ", "       ", style_.width));
+    }
+  }
+  text_ += table.Text(style_);
 }
 
-void WriteNotes(Out out, const Report& report) {
-  if (report.notes.empty()) return;
-  Heading(out, "NOTES");
-  for (const std::string& note : report.notes) fmt::format_to(out, "{}", Wrapped(note, "  "));
+void Writer::Notes() {
+  if (report_.notes.empty()) return;
+  Heading("NOTES");
+  for (std::size_t i = 0; i < report_.notes.size(); ++i) {
+    text_ += Wrapped(report_.notes[i].text, fmt::format("  [{}] ", i + 1), "      ", style_.width);
+  }
 }
 
-void WriteNotices(Out out, const Report& report) {
-  if (report.notices.empty() && report.further_notices == 0) return;
-  Heading(out, "NOTICES");
-  for (const ReportNotice& n : report.notices) {
+void Writer::Notices() {
+  if (report_.notices.empty() && report_.further_notices == 0) return;
+  Heading("NOTICES");
+  for (const ReportNotice& n : report_.notices) {
     std::string place = n.file;
     if (n.line > 0) place += fmt::format(":{}", n.line);
-    fmt::format_to(out, "{}",
-                   Wrapped(fmt::format("{}: {}{}", place, n.recovered ? "" : "not repaired: ", n.text) +
-                               (n.count > 1 ? fmt::format(" ({} times)", n.count) : ""),
-                           "  "));
+    text_ += Wrapped(fmt::format("{}: {}{}", place, n.recovered ? "" : "not repaired: ", n.text) +
+                         (n.count > 1 ? fmt::format(" ({} times)", n.count) : ""),
+                     "  ", "  ", style_.width);
   }
-  if (report.further_notices > 0) fmt::format_to(out, "  and {} of further kinds\n", report.further_notices);
+  if (report_.further_notices > 0)
+    text_ += fmt::format("  and {} of further kinds\n", report_.further_notices);
 }
 
 }  // namespace
 
-std::string WriteText(const Report& report) {
-  std::string text;
-  const Out out = std::back_inserter(text);
-  WriteRun(out, report.run);
-  WriteSystems(out, report);
-  WriteAllBands(out, report);
-  WriteSignals(out, report);
-  if (report.show_satellites) WriteSatellites(out, report);
-  WriteNotes(out, report);
-  WriteNotices(out, report);
-  return text;
-}
+std::string WriteText(const Report& report, const TextStyle& style) { return Writer(report, style).Do(); }
 
 }  // namespace orsolva_host

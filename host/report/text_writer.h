@@ -1,14 +1,16 @@
-// Writes a report as text of at most 80 columns, "-" where there are no data.
+// Writes a report as text, "-" where there are no data.
 #ifndef ORSOLVA_REPORT_TEXT_WRITER_H
 #define ORSOLVA_REPORT_TEXT_WRITER_H
 
 #include <string>
 
 #include "host/report/report.h"
+#include "host/report/text_layout.h"
 
 namespace orsolva_host {
 
-std::string WriteText(const Report& report);
+/// No line is wider than the style's width (at least 40 columns are needed).
+std::string WriteText(const Report& report, const TextStyle& style = {});
 
 }  // namespace orsolva_host
 

@@ -1,0 +1,30 @@
+// Every figure of a report in one list, for the writers and checks that treat all figures alike.
+#ifndef ORSOLVA_REPORT_FIGURE_LIST_H
+#define ORSOLVA_REPORT_FIGURE_LIST_H
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/report/report.h"
+
+namespace orsolva_host {
+
+enum class FigureScope { kRun, kCombined, kSystem, kSatellite, kSignal };
+
+struct FigureValue {
+  FigureScope scope = FigureScope::kRun;
+  std::string subject;    ///< "" the run, "all", "G" or "G04"
+  std::string signal;     ///< "1C"; the band of a band figure ("L1", "slot1"); or empty
+  std::string key;        ///< of figures.h
+  std::string_view unit;  ///< of the figure
+  std::optional<double> value;
+};
+
+/// The run's figures, then combined, systems, signals and satellites, absent ones included.
+std::vector<FigureValue> ListFigures(const Report& report);
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_REPORT_FIGURE_LIST_H

@@ -1,0 +1,50 @@
+// Which of the observed satellites the broadcast records cover, and how much of the span.
+#ifndef ORSOLVA_REPORT_NAVIGATION_COVERAGE_H
+#define ORSOLVA_REPORT_NAVIGATION_COVERAGE_H
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "host/report/report.h"
+#include "host/rinex/navigation_set.h"
+#include "host/rinex/satellite_names.h"
+#include "interface/records.h"
+
+namespace orsolva_host {
+
+/// How long before and after its reference time a record gives positions, s. Same limits as the library's.
+double RecordAge_s(int system);
+
+/// Counts, epoch by epoch, the satellites seen and those with a healthy record whose reference time lies
+/// within RecordAge_s. GLONASS references are UTC; the few seconds to GPS time are left out.
+class CoverageCounter {
+ public:
+  explicit CoverageCounter(const NavigationSet& set);
+
+  /// Satellites of no judged system are passed over.
+  void Add(const ObsEpoch_QC_gbt& epoch);
+
+  /// One row for every satellite seen, in the order of systems and numbers.
+  std::vector<NavigationCoverage> Rows() const;
+
+ private:
+  struct Satellite {
+    std::vector<Time_gbt> references;  ///< of healthy records, ascending
+    std::size_t last = 0;              ///< place of the one that covered the epoch before
+    NavigationCoverage row;
+    std::uint64_t covered_epochs = 0;
+  };
+  static constexpr int kMostSatellites = 64;
+
+  template <typename Record>
+  void Take(int system, const std::vector<Record>& records);
+  static bool Covers(Satellite& satellite, const Time_gbt& time, double age_s);
+
+  std::array<std::array<Satellite, kMostSatellites>, kSystems> satellites_;
+};
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_REPORT_NAVIGATION_COVERAGE_H

@@ -1,0 +1,128 @@
+#include "host/report/notes.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace orsolva_host {
+namespace {
+
+bool HasBand(const std::vector<std::string>& codes, char band) {
+  return std::any_of(codes.begin(), codes.end(),
+                     [band](const std::string& code) { return !code.empty() && code[0] == band; });
+}
+
+bool Contains(const std::vector<std::string>& texts, std::string_view text) {
+  return std::find(texts.begin(), texts.end(), text) != texts.end();
+}
+
+const SystemReport* Find(const Report& report, char letter) {
+  for (const SystemReport& system : report.systems) {
+    if (system.letter == letter) return &system;
+  }
+  return nullptr;
+}
+
+void AddGalileo(const Report& report, std::vector<ReportNote>& notes) {
+  const SystemReport* galileo = Find(report, 'E');
+  if (galileo == nullptr) return;
+  if (!HasBand(galileo->signals, '7') && !HasBand(galileo->signals, '8')) return;
+  notes.push_back({"galileo-no-channel",
+                   "Galileo bands 7 (E5b) and 8 (E5) have multipath and slips, but no completeness and SNR "
+                   "channel.",
+                   {"expected_epochs", "observed_epochs", "completeness_ratio", "snr_mean_dbhz",
+                    "snr_mean_below_30deg_dbhz", "snr_mean_above_30deg_dbhz"},
+                   "E",
+                   {"E5b", "E5"}});
+  if (!HasUncountedCode(*galileo)) return;
+  notes.push_back(
+      {"galileo-not-counted",
+       "The Galileo combination holds E5b or E5, so its complete observations are not counted; see "
+       "each signal instead. The combined row holds Galileo's expected epochs without observed ones, "
+       "which lowers its completeness; the summary line leaves Galileo out.",
+       {"observed_epochs", "completeness_ratio", "observations_per_slip"},
+       "E",
+       {}});
+}
+
+void AddGlonass(const Report& report, std::vector<ReportNote>& notes) {
+  const SystemReport* glonass = Find(report, 'R');
+  if (glonass == nullptr || !HasBand(glonass->signals, '3')) return;
+  notes.push_back({"glonass-g3",
+                   "GLONASS pairs are of bands 1 and 2 only: band 3 has no multipath and no slips.",
+                   {"mp_rms_m", "mp_values", "jump_epochs", "iono_slip_epochs", "observations_per_slip"},
+                   "R",
+                   {"G3"}});
+}
+
+void AddSlips(const Report& report, std::vector<ReportNote>& notes) {
+  const bool any = std::any_of(report.systems.begin(), report.systems.end(),
+                               [](const SystemReport& s) { return s.figures.slips.value_or(0) > 0; });
+  if (!any) return;
+  notes.push_back(
+      {"phase-test",
+       "Slips are those of the phase-minus-geometry test. It also counts every change of the "
+       "broadcast record in use, and at 30 s the phases of low satellites, so the counts lie above "
+       "the cycle slips really there. Jumps do not suffer from it.",
+       {"slip_epochs", "iono_slip_epochs"},
+       "",
+       {}});
+}
+
+bool AnyIonosphere(const Report& report) {
+  for (const SystemReport& system : report.systems) {
+    for (const BandFigures& band : system.figures.bands) {
+      if (band.iono_rms_cycles) return true;
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
+bool HasUncountedCode(const SystemReport& system) {
+  return system.letter == 'E' && (HasBand(system.combination, '7') || HasBand(system.combination, '8'));
+}
+
+std::vector<ReportNote> NotesOf(const Report& report) {
+  std::vector<ReportNote> notes;
+  AddGalileo(report, notes);
+  AddGlonass(report, notes);
+  AddSlips(report, notes);
+  if (AnyIonosphere(report)) {
+    notes.push_back({"iono-last-satellite",
+                     "The Iono RMS of a system is that of its last satellite.",
+                     {"iono_rms_cycles"},
+                     "",
+                     {}});
+  }
+  if (!report.combined.bands.empty()) {
+    notes.push_back(
+        {"combined-slots",
+         "The combined figures of a band slot pool the bands that the systems keep under the same "
+         "slot number.",
+         {"mp_rms_m", "snr_mean_dbhz", "snr_mean_below_30deg_dbhz", "snr_mean_above_30deg_dbhz"},
+         "all",
+         {}});
+  }
+  return notes;
+}
+
+std::string HeadingMarks(const std::vector<ReportNote>& notes, std::string_view figure) {
+  std::string marks;
+  for (std::size_t i = 0; i < notes.size(); ++i) {
+    if (notes[i].system.empty() && Contains(notes[i].figures, figure)) marks += fmt::format("[{}]", i + 1);
+  }
+  return marks;
+}
+
+std::string RowMarks(const std::vector<ReportNote>& notes, std::string_view system, std::string_view band) {
+  std::string marks;
+  for (std::size_t i = 0; i < notes.size(); ++i) {
+    const bool here = band.empty() ? notes[i].bands.empty() : Contains(notes[i].bands, band);
+    if (notes[i].system == system && here) marks += fmt::format("[{}]", i + 1);
+  }
+  return marks;
+}
+
+}  // namespace orsolva_host

@@ -1,0 +1,61 @@
+#include "host/report/verdict_text.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace orsolva_host {
+namespace {
+
+/// A value as people read it: ratios in percent.
+std::string Shown(double value, const std::string& unit) {
+  if (unit == "1") return fmt::format("{:.2f} %", value * 100);
+  if (unit == "epochs" || unit == "values" || unit == "records") return fmt::format("{:.0f}", value);
+  return fmt::format("{:.3f} {}", value, unit);
+}
+
+std::string WhereText(const CriterionOutcome& o) {
+  std::string where = o.subject.empty() ? "run" : o.subject;
+  if (!o.signal.empty()) where += " " + o.signal;
+  return where;
+}
+
+std::string OutcomeText(const CriterionOutcome& o) {
+  const char* side = o.at_least ? "below" : "above";
+  if (!o.value) return "no data";
+  std::string text = Shown(*o.value, o.unit);
+  if (o.missed_by) {
+    text += fmt::format(", {} {} the limit of {}", Shown(*o.missed_by, o.unit), side,
+                        Shown(o.fair_limit, o.unit));
+  } else if (o.grade == "fair") {
+    text += fmt::format(", {} the {} of good", side, Shown(o.good_limit, o.unit));
+  }
+  return text;
+}
+
+}  // namespace
+
+Tone ToneOf(const std::string& grade) {
+  if (grade == "good") return Tone::kPass;
+  return grade == "fair" ? Tone::kWarn : Tone::kFail;
+}
+
+std::string VerdictText(const Verdict& verdict, const TextStyle& style) {
+  const auto count = [&verdict](const char* grade) {
+    return std::count_if(verdict.outcomes.begin(), verdict.outcomes.end(),
+                         [grade](const CriterionOutcome& o) { return o.grade == grade; });
+  };
+  const std::string head = fmt::format(
+      "{}: {} good, {} fair, {} failed, {} without data by the profile {} ({})", verdict.grade, count("good"),
+      count("fair"), count("fail"), count("no data"), verdict.profile, verdict.title);
+  std::string text = Toned(Wrapped(head, "", "  ", style.width), ToneOf(verdict.grade), style);
+  for (const CriterionOutcome& o : verdict.outcomes) {
+    if (o.grade == "good") continue;
+    const std::string line = fmt::format("{} {} {}: {}", o.grade, WhereText(o), o.criterion, OutcomeText(o));
+    text += Toned(Wrapped(line, "  ", "    ", style.width),
+                  o.grade == "no data" ? Tone::kFaint : ToneOf(o.grade), style);
+  }
+  return text;
+}
+
+}  // namespace orsolva_host

@@ -1,0 +1,87 @@
+#include "host/report/figures.h"
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <set>
+#include <sstream>
+#include <string>
+
+#include "host/report/figure_list.h"
+#include "host/report/json_writer.h"
+#include "tests/host/sample_report.h"
+
+namespace orsolva_host {
+namespace {
+
+using nlohmann::json;
+
+/// Keys that name or place a figure and are none.
+bool NamesSomething(const std::string& key) {
+  return key == "slot" || key == "format" || key == "rinex_version" || key == "further_notices";
+}
+
+void CollectFigures(const json& j, std::set<std::string>& keys) {
+  for (const auto& [key, value] : j.items()) {
+    if (value.is_number() && !NamesSomething(key)) keys.insert(key);
+    if (key == "verdict" || key == "notices" || key == "notes") continue;
+    if (value.is_array() && !value.empty() && value[0].is_number()) keys.insert(key);
+    if (value.is_structured() && !(value.is_array() && !value.empty() && value[0].is_number())) {
+      CollectFigures(value, keys);
+    }
+  }
+}
+
+TEST(Figures, EveryNumberOfAReportHasAnExplanation) {
+  Report report = orsolva_test::SampleReport();
+  report.show_satellites = true;
+  report.run.distance_from_header_m = 1;
+  report.systems[0].figures.bands[0].snr_below30_dbhz = 40;
+  report.signals[0].snr_dbhz = report.signals[0].snr_below30_dbhz = report.signals[0].snr_above30_dbhz = 40;
+  std::set<std::string> keys;
+  CollectFigures(json::parse(WriteJson(report)), keys);
+  EXPECT_GE(keys.size(), 25U);
+  for (const std::string& key : keys) EXPECT_NE(FindFigure(key), nullptr) << key;
+}
+
+TEST(Figures, EveryListedFigureHasAnExplanationAndItsUnit) {
+  for (const FigureValue& f : ListFigures(orsolva_test::SampleReport())) {
+    ASSERT_NE(FindFigure(f.key), nullptr) << f.key;
+    EXPECT_EQ(f.unit, FindFigure(f.key)->unit);
+    EXPECT_FALSE(f.unit.empty()) << f.key;
+  }
+}
+
+TEST(Figures, EveryRowIsWholeAndEveryNameLeadsToOneRow) {
+  std::set<std::string> names;
+  for (int i = 0; i < kFigures; ++i) {
+    const Figure& f = kFigureTable[i];
+    for (const char* text :
+         {f.key, f.title, f.formula, f.window, f.reset, f.cutoff, f.denominator, f.source}) {
+      EXPECT_STRNE(text, "") << f.key;
+    }
+    EXPECT_TRUE(names.insert(f.key).second) << f.key;
+    std::istringstream aliases(f.aliases);
+    for (std::string alias; aliases >> alias;) EXPECT_TRUE(names.insert(alias).second) << alias;
+  }
+}
+
+TEST(Figures, AreFoundByColumnHeadingAndWhateverTheCase) {
+  for (const char* name : {"mp1", "MP6", "Expected", "Obs/slip", "Compl", "SNR<=30deg", "o/slps", "%"}) {
+    EXPECT_NE(FindFigure(name), nullptr) << name;
+  }
+  EXPECT_STREQ(FindFigure("MP1")->key, "mp_rms_m");
+  EXPECT_EQ(FindFigure("mp9"), nullptr);
+  EXPECT_EQ(FindFigure(""), nullptr);
+}
+
+TEST(Figures, NamesNearAWrongOneAreOffered) {
+  EXPECT_EQ(FiguresLike("completness").front(), "completeness_ratio");
+  EXPECT_FALSE(FiguresLike("mp9").empty());
+  EXPECT_TRUE(FiguresLike("").empty());
+  EXPECT_TRUE(FiguresLike("entirely different").empty());
+  EXPECT_LE(FiguresLike("s").size(), 3U);
+}
+
+}  // namespace
+}  // namespace orsolva_host

@@ -29,6 +29,10 @@ void EpochStore::Insert(const CodeObservation& observation, std::size_t first) {
     if (!kFirstStoredWins) observations_[at - 1] = observation;
     return;
   }
+  if (at == observations_.size()) {
+    observations_.push_back(observation);
+    return;
+  }
   observations_.insert(observations_.begin() + static_cast<std::ptrdiff_t>(at), observation);
 }
 
@@ -46,8 +50,34 @@ void EpochStore::Add(int number, const QcEpochData& epoch, bool counting) {
   if (satellite.Count > 0) satellites_.push_back(satellite);
 }
 
+// What is stored satellite by satellite consists of a few ascending runs, one a satellite: neighbours are
+// merged until one is left.
+void EpochStore::SortByTime() {
+  runs_.assign(1, 0);
+  for (std::size_t i = 1; i < satellites_.size(); ++i) {
+    if (Earlier(satellites_[i], satellites_[i - 1])) runs_.push_back(i);
+  }
+  runs_.push_back(satellites_.size());
+  while (runs_.size() > 2) MergeNeighbours();
+}
+
+void EpochStore::MergeNeighbours() {
+  merged_.resize(satellites_.size());
+  const auto at = [](auto& list, std::size_t i) { return list.begin() + static_cast<std::ptrdiff_t>(i); };
+  std::size_t kept = 1;
+  for (std::size_t k = 0; k + 1 < runs_.size(); k += 2) {
+    const std::size_t first = runs_[k], middle = runs_[k + 1];
+    const std::size_t last = k + 2 < runs_.size() ? runs_[k + 2] : middle;
+    std::merge(at(satellites_, first), at(satellites_, middle), at(satellites_, middle),
+               at(satellites_, last), at(merged_, first), Earlier);
+    runs_[kept++] = last;
+  }
+  runs_.resize(kept);
+  satellites_.swap(merged_);
+}
+
 void EpochStore::Arrange() {
-  std::sort(satellites_.begin(), satellites_.end(), Earlier);
+  SortByTime();
   epochs_.clear();
   for (std::size_t i = 0; i < satellites_.size(); ++i) {
     if (epochs_.empty() || !TimeEqual(satellites_[i].Time, epochs_.back().Time)) {
@@ -62,8 +92,9 @@ void EpochStore::Arrange() {
 void EpochStore::MergeRepeated() {
   std::size_t kept = 0;
   for (StoredEpoch& epoch : epochs_) {
-    std::sort(satellites_.begin() + static_cast<std::ptrdiff_t>(epoch.First),
-              satellites_.begin() + static_cast<std::ptrdiff_t>(epoch.Last), LowerNumber);
+    const auto begin = satellites_.begin() + static_cast<std::ptrdiff_t>(epoch.First);
+    const auto end = satellites_.begin() + static_cast<std::ptrdiff_t>(epoch.Last);
+    if (!std::is_sorted(begin, end, LowerNumber)) std::sort(begin, end, LowerNumber);
     const std::size_t first = kept;
     for (std::size_t i = epoch.First; i < epoch.Last; ++i) {
       const StoredSatellite satellite = satellites_[i];

@@ -54,10 +54,14 @@ class EpochStore {
   void Insert(const CodeObservation& observation, std::size_t first);
   void MergeInto(StoredSatellite& into, const StoredSatellite& again);
   void MergeRepeated();
+  void SortByTime();
+  void MergeNeighbours();
 
   std::vector<StoredSatellite> satellites_;
   std::vector<CodeObservation> observations_;
   std::vector<StoredEpoch> epochs_;
+  std::vector<StoredSatellite> merged_;  // of SortByTime, kept for the next batch
+  std::vector<std::size_t> runs_;        // starts of the ascending runs, then the end of the last
 };
 
 }  // namespace orsolva

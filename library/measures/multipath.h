@@ -22,6 +22,8 @@ class MovingWindow {
  public:
   /// Appends a value; a window that holds `length` values drops its oldest first.
   void Push(double value, int length);
+  /// Drops the oldest value of a window that holds `length` values.
+  void MakeRoom(int length);
   /// Sum from oldest to newest over the count; 0 when empty. Summed anew, so that no rounding is carried on.
   double Mean() const;
   /// Overwrites every value, keeping their number.
@@ -39,6 +41,14 @@ class MovingWindow {
   int start_ = 0;
   int count_ = 0;
 };
+
+/// Sums of two windows, each from oldest to newest, starting at 0.
+struct WindowSums {
+  double First = 0.0;
+  double Second = 0.0;
+};
+/// Summed side by side: each sum is a chain of additions that wait for one another, two chains overlap.
+WindowSums SumBoth(const MovingWindow& first, const MovingWindow& second);
 
 /// Averaging state and accumulated residuals of one satellite and code pair.
 class AbsoluteMp {
@@ -62,27 +72,9 @@ struct SatMp {
   const AbsoluteMp* Pairs[kBandSlots][kPairsPerBand] = {};
 };
 
-/// Factors of P, lambda_a * L_a and lambda_b * L_b.
-struct MpCoefficientSet {
-  double C0 = 0.0;
-  double C1 = 0.0;
-  double C2 = 0.0;
-};
-
-/// Coefficients that make P_i + C1 lambda_j L_j + C2 lambda_k L_k free of geometry and first-order
-/// ionosphere.
-/// @return false, with all coefficients zero, when both carriers lie on one band
-/// Source: Estey and Meertens 1999, GPS Solutions 3(1), eq. 4 and 5.
-bool MpCoefficients(double f_i, double f_j, double f_k, int band_j, int band_k,
-                    MpCoefficientSet& coefficients);
-
 /// C0 P + C1 L_a lambda_a + C2 L_b lambda_b, metres.
 double MpValue(double pseudorange, double phase_a, double phase_b, double lambda_a, double lambda_b,
                const MpCoefficientSet& coefficients);
-
-/// Residual beyond which the averaging restarts, by band of the measured code, metres.
-/// @return false for an unknown system; a band without a row gives 0
-bool MpJumpThreshold(int system, int band, double& threshold);
 
 /// What one epoch gave, for the detail observer.
 struct MultipathStep {

@@ -1,8 +1,17 @@
 #include "measures/pair_signals.h"
 
+#include "toolkit/constants.h"
 #include "toolkit/signals.h"
 
 namespace orsolva {
+
+void FillMultipathConstants(PairSignals& signals) {
+  const double f_a = gnssqctoolkit::kSpeedOfLight / signals.CodeWavelength;
+  const double f_b = gnssqctoolkit::kSpeedOfLight / signals.PartnerWavelength;
+  signals.HasMultipath =
+      MpCoefficients(f_a, f_a, f_b, signals.CodeBand, signals.PartnerBand, signals.Multipath);
+  signals.HasJumpThreshold = MpJumpThreshold(signals.System, signals.CodeBand, signals.JumpThreshold);
+}
 
 PairSignals MakePairSignals(const gnssqctoolkit::SatelliteId& satellite, std::uint32_t code,
                             std::uint32_t partner, const std::int32_t* glonass_channels) {
@@ -18,6 +27,7 @@ PairSignals MakePairSignals(const gnssqctoolkit::SatelliteId& satellite, std::ui
   signals.PartnerBand = gnssqctoolkit::SignalBand(system, b);
   signals.CodeWavelength = gnssqctoolkit::Wavelength(system, a, channel);
   signals.PartnerWavelength = gnssqctoolkit::Wavelength(system, b, channel);
+  FillMultipathConstants(signals);
   return signals;
 }
 

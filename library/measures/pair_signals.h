@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "measures/multipath_coefficients.h"
 #include "toolkit/satellite.h"
 #include "toolkit/time.h"
 
@@ -29,7 +30,14 @@ struct PairSignals {
   int PartnerBand = 0;
   double CodeWavelength = 0.0;     ///< m
   double PartnerWavelength = 0.0;  ///< m
+  bool HasMultipath = false;       ///< the carriers lie on two bands
+  MpCoefficientSet Multipath;
+  bool HasJumpThreshold = false;
+  double JumpThreshold = 0.0;  ///< m
 };
+
+/// Fills in what follows from bands and wavelengths: the multipath combination and the limit of its residual.
+void FillMultipathConstants(PairSignals& signals);
 
 /// @param glonass_channels  32 channels by slot number, -999 = unknown
 PairSignals MakePairSignals(const gnssqctoolkit::SatelliteId& satellite, std::uint32_t code,

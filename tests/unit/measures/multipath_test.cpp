@@ -270,11 +270,22 @@ TEST(Multipath, BelowTheCutOffOnlyTheWindowsMove) {
   EXPECT_EQ(kStart + 2, pair.State.LastEpoch.Seconds);
 }
 
+TEST(MovingWindow, SumsTwoWindowsAsEachAlone) {
+  MovingWindow longer, shorter;
+  for (int i = 0; i < 7; ++i) longer.Push(std::sin(i) * std::pow(10.0, i), 50);
+  for (int i = 0; i < 4; ++i) shorter.Push(std::cos(i) * std::pow(10.0, 3 * i), 50);
+  EXPECT_EQ(longer.Mean(), SumBoth(longer, shorter).First / 7);
+  EXPECT_EQ(shorter.Mean(), SumBoth(longer, shorter).Second / 4);
+  EXPECT_EQ(shorter.Mean(), SumBoth(shorter, longer).First / 4);
+  EXPECT_EQ(longer.Mean(), SumBoth(shorter, longer).Second / 7);
+}
+
 TEST(Multipath, EqualBandsLeaveTheStateUntouched) {
   Pair pair;
   pair.Epoch(0, 1.0);
   const AbsoluteMp before = pair.State;
   pair.Signals.PartnerBand = pair.Signals.CodeBand;
+  FillMultipathConstants(pair.Signals);
   EXPECT_FALSE(pair.Epoch(1, 1.0));
   EXPECT_FALSE(pair.Step.HasValue);
   EXPECT_TRUE(SameBits(before, pair.State));
@@ -317,6 +328,7 @@ TEST(Multipath, PairWithoutAWavelengthIsNotUsable) {
 TEST(Multipath, UnknownSystemIsSkippedWhole) {
   Pair pair;
   pair.Signals.System = 64;
+  FillMultipathConstants(pair.Signals);
   EXPECT_FALSE(pair.Epoch(0, 1.0));
   EXPECT_EQ(0u, pair.State.Code);
   EXPECT_EQ(0, pair.State.Values.Count());
@@ -326,6 +338,7 @@ TEST(Multipath, BandWithoutAThresholdRestartsAtEveryStep) {
   Pair pair;
   pair.Signals.System = 4;
   pair.Signals.CodeBand = 36;
+  FillMultipathConstants(pair.Signals);
   pair.Epoch(0, 0.0);
   EXPECT_TRUE(pair.Epoch(1, 0.01));
   EXPECT_EQ(RestartReason::kJump, pair.Step.Restart);

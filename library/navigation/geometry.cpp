@@ -11,13 +11,25 @@ double Norm(const double vector[3]) {
   return std::sqrt(vector[0] * vector[0] + vector[1] * vector[1] + vector[2] * vector[2]);
 }
 
-// East, north and up components of a direction at a geodetic position.
-void ToLocal(const GeodeticPosition& receiver, const double unit[3], double enu[3]) {
-  const double sin_lat = std::sin(receiver.Latitude), cos_lat = std::cos(receiver.Latitude);
-  const double sin_lon = std::sin(receiver.Longitude), cos_lon = std::cos(receiver.Longitude);
-  enu[0] = -sin_lon * unit[0] + cos_lon * unit[1];
-  enu[1] = -sin_lat * cos_lon * unit[0] - sin_lat * sin_lon * unit[1] + cos_lat * unit[2];
-  enu[2] = cos_lat * cos_lon * unit[0] + cos_lat * sin_lon * unit[1] + sin_lat * unit[2];
+// Components of a direction in a frame, east first.
+double East(const LocalFrame& f, const double unit[3]) { return -f.SinLon * unit[0] + f.CosLon * unit[1]; }
+double North(const LocalFrame& f, const double unit[3]) {
+  return -f.SinLat * f.CosLon * unit[0] - f.SinLat * f.SinLon * unit[1] + f.CosLat * unit[2];
+}
+double Up(const LocalFrame& f, const double unit[3]) {
+  return f.CosLat * f.CosLon * unit[0] + f.CosLat * f.SinLon * unit[1] + f.SinLat * unit[2];
+}
+
+double Azimuth(const LocalFrame& frame, const double unit[3]) {
+  const double east = East(frame, unit), north = North(frame, unit);
+  const double azimuth = east * east + north * north < 1e-12 ? 0.0 : std::atan2(east, north);
+  return azimuth < 0.0 ? azimuth + 2.0 * kPi : azimuth;
+}
+
+double Elevation(const LocalFrame& frame, const double unit[3]) {
+  // Rounding may carry a unit vector's component a little beyond one.
+  const double up = Up(frame, unit);
+  return std::asin(up > 1.0 ? 1.0 : (up < -1.0 ? -1.0 : up));
 }
 
 }  // namespace
@@ -32,23 +44,25 @@ double GeometricRange(const double satellite[3], const double receiver[3], doubl
          kEarthRotationGps * (satellite[0] * receiver[1] - satellite[1] * receiver[0]) / kSpeedOfLight;
 }
 
-double AzimuthElevation(const GeodeticPosition& receiver, const double unit[3], double* azimuth_elevation) {
-  double azimuth = 0.0;
-  double elevation = kPi / 2.0;
-  if (receiver.Height > -kEarthRadius) {
-    double enu[3];
-    ToLocal(receiver, unit, enu);
-    azimuth = enu[0] * enu[0] + enu[1] * enu[1] < 1e-12 ? 0.0 : std::atan2(enu[0], enu[1]);
-    if (azimuth < 0.0) azimuth += 2.0 * kPi;
-    // Rounding may carry a unit vector's component a little beyond one.
-    const double up = enu[2] > 1.0 ? 1.0 : (enu[2] < -1.0 ? -1.0 : enu[2]);
-    elevation = std::asin(up);
-  }
+LocalFrame::LocalFrame(const GeodeticPosition& receiver)
+    : Defined(receiver.Height > -kEarthRadius),
+      SinLat(std::sin(receiver.Latitude)),
+      CosLat(std::cos(receiver.Latitude)),
+      SinLon(std::sin(receiver.Longitude)),
+      CosLon(std::cos(receiver.Longitude)) {}
+
+double AzimuthElevation(const LocalFrame& frame, const double unit[3], double* azimuth_elevation) {
+  const double elevation = frame.Defined ? Elevation(frame, unit) : kPi / 2.0;
+  // Most callers want no azimuth: its arc tangent is computed only where it is stored.
   if (azimuth_elevation != nullptr) {
-    azimuth_elevation[0] = azimuth;
+    azimuth_elevation[0] = frame.Defined ? Azimuth(frame, unit) : 0.0;
     azimuth_elevation[1] = elevation;
   }
   return elevation;
+}
+
+double AzimuthElevation(const GeodeticPosition& receiver, const double unit[3], double* azimuth_elevation) {
+  return AzimuthElevation(LocalFrame(receiver), unit, azimuth_elevation);
 }
 
 GeodeticPosition EcefToGeodetic(const double position[3]) {

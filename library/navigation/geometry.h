@@ -21,6 +21,17 @@ double GeometricRange(const double satellite[3], const double receiver[3], doubl
 /// @return the elevation; pi/2 (azimuth 0) for a receiver at or below the geocentre
 double AzimuthElevation(const GeodeticPosition& receiver, const double unit[3], double* azimuth_elevation);
 
+/// East, north and up at a receiver, for many directions seen from one place.
+struct LocalFrame {
+  LocalFrame() = default;
+  explicit LocalFrame(const GeodeticPosition& receiver);
+
+  bool Defined = false;  ///< false at or below the geocentre
+  double SinLat = 0.0, CosLat = 1.0, SinLon = 0.0, CosLon = 1.0;
+};
+/// AzimuthElevation with a frame made before, bit for bit.
+double AzimuthElevation(const LocalFrame& frame, const double unit[3], double* azimuth_elevation);
+
 GeodeticPosition EcefToGeodetic(const double position[3]);
 
 }  // namespace gnssqctoolkit

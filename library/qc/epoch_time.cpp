@@ -9,7 +9,6 @@
 namespace orsolva {
 namespace {
 
-constexpr double kSameTime = 1e-6;      // s
 constexpr int kDetectionEpochs = 600;   // epochs looked at for the interval
 constexpr double kSmallestStep = 1e-6;  // s, anything below is a repeated epoch
 constexpr int kTimeGrowthStep = 100;
@@ -31,10 +30,6 @@ double MostFrequent(const double* first, const double* last) {
 
 }  // namespace
 
-bool TimeEqual(const Time_gbt& a, const Time_gbt& b) {
-  return a.time == b.time && std::fabs(a.sec - b.sec) < kSameTime;
-}
-
 bool TimeGreater(const Time_gbt& a, const Time_gbt& b) {
   return a.time > b.time || (a.time == b.time && a.sec > b.sec);
 }
@@ -42,14 +37,6 @@ bool TimeGreater(const Time_gbt& a, const Time_gbt& b) {
 bool TimeGreaterOrEqual(const Time_gbt& a, const Time_gbt& b) { return TimeGreater(a, b) || TimeEqual(a, b); }
 
 bool TimeLess(const Time_gbt& a, const Time_gbt& b) { return !TimeGreaterOrEqual(a, b); }
-
-double TimeDifference(const Time_gbt& a, const Time_gbt& b) {
-  std::int64_t whole = 0;
-  if (__builtin_sub_overflow(a.time, b.time, &whole)) {
-    return (static_cast<double>(a.time) - static_cast<double>(b.time)) + (a.sec - b.sec);
-  }
-  return static_cast<double>(whole) + (a.sec - b.sec);
-}
 
 TimeList& TimeList::operator=(const TimeList& other) {
   if (this != &other) CopyFrom(other);

@@ -2,6 +2,7 @@
 #ifndef ORSOLVA_QC_EPOCH_TIME_H
 #define ORSOLVA_QC_EPOCH_TIME_H
 
+#include <cmath>
 #include <cstdint>
 
 #include "interface/records.h"
@@ -19,14 +20,22 @@ class TimeQc : public Time_gbt {
 };
 
 /// Same whole second and fractions less than 1e-6 s apart.
-bool TimeEqual(const Time_gbt& a, const Time_gbt& b);
+inline bool TimeEqual(const Time_gbt& a, const Time_gbt& b) {
+  return a.time == b.time && std::fabs(a.sec - b.sec) < 1e-6;
+}
 /// a after b, without tolerance.
 bool TimeGreater(const Time_gbt& a, const Time_gbt& b);
 bool TimeGreaterOrEqual(const Time_gbt& a, const Time_gbt& b);
 /// Neither greater nor equal.
 bool TimeLess(const Time_gbt& a, const Time_gbt& b);
 /// a - b in seconds: whole seconds plus the difference of the fractions.
-double TimeDifference(const Time_gbt& a, const Time_gbt& b);
+inline double TimeDifference(const Time_gbt& a, const Time_gbt& b) {
+  std::int64_t whole = 0;
+  if (__builtin_sub_overflow(a.time, b.time, &whole)) {
+    return (static_cast<double>(a.time) - static_cast<double>(b.time)) + (a.sec - b.sec);
+  }
+  return static_cast<double>(whole) + (a.sec - b.sec);
+}
 
 inline gnssqctoolkit::AbsoluteTime ToAbsolute(const Time_gbt& t) { return {t.time, t.sec}; }
 inline Time_gbt FromAbsolute(const gnssqctoolkit::AbsoluteTime& t) { return {t.Seconds, t.Fraction}; }

@@ -110,15 +110,14 @@ void BatchCodes::Hit(int system_slot, std::uint8_t code) {
   if (i >= 0) ++Systems[system_slot].Hits[i];
 }
 
-void QcSatData::Append(const QcEpochData& epoch, std::uint32_t sequence) {
+void QcSatData::Append(const Time_gbt& time, std::uint32_t sequence, const SlottedSignals& signals) {
   StoredEpoch stored;
-  stored.Time = epoch.Time;
+  stored.Time = time;
   stored.Sequence = sequence;
   stored.FirstSignal = static_cast<std::uint32_t>(Signals.size());
   for (int slot = 0; slot < kBandSlots; ++slot) {
-    const QcSlotSignals& signals = epoch.Slots[slot];
-    stored.Counts[slot] = signals.Count;
-    Signals.insert(Signals.end(), signals.Signals, signals.Signals + signals.Count);
+    stored.Counts[slot] = signals.Counts[slot];
+    for (int k = 0; k < signals.Counts[slot]; ++k) Signals.push_back(Finite(*signals.Entries[slot][k]));
   }
   Epochs.push_back(stored);
 }
@@ -171,15 +170,14 @@ void QcGNSSObsData::StoreSatellite(const Satellite_gbt& satellite, const Time_gb
   const int system_slot = SystemSlotOf(satellite.sys);
   if (number < 1 || system_slot < 0 || (satellite.sys & system_mask) == 0) return;
 
-  QcEpochData data;
-  data.Time = time;
+  SlottedSignals slotted;
   for (std::uint32_t k = 0; k < SignalsIn(satellite); ++k) {
     const Signal_QC_gbt& signal = satellite.signals[k];
     if (signal.code == 0) continue;
     if (codes != nullptr) codes->Hit(system_slot, signal.code);
     const int slot = slots_[system_slot][signal.code];
-    if (slot < 0 || data.Slots[slot].Count >= kSignalsPerSlot) continue;
-    data.Slots[slot].Signals[data.Slots[slot].Count++] = Finite(signal);
+    if (slot < 0 || slotted.Counts[slot] >= kSignalsPerSlot) continue;
+    slotted.Entries[slot][slotted.Counts[slot]++] = &signal;
   }
   QcSatData& stored = Sats[number - 1];
   if (stored.Epochs.empty()) {
@@ -187,7 +185,7 @@ void QcGNSSObsData::StoreSatellite(const Satellite_gbt& satellite, const Time_gb
     present_sorted_ = false;
   }
   stored.Satellite = id;
-  stored.Append(data, sequence);
+  stored.Append(time, sequence, slotted);
 }
 
 bool QcGNSSObsData::CodeListsEmpty() const {

@@ -52,6 +52,12 @@ struct StoredEpoch {
   std::uint8_t Counts[kBandSlots] = {};
 };
 
+/// Signals of the input sorted into frequency slots, where they lie.
+struct SlottedSignals {
+  std::uint8_t Counts[kBandSlots] = {};
+  const Signal_QC_gbt* Entries[kBandSlots][kSignalsPerSlot];
+};
+
 /// The batch's epochs of one satellite in time order.
 class QcSatData {
  public:
@@ -61,8 +67,8 @@ class QcSatData {
   std::vector<StoredEpoch> Epochs;
   std::vector<Signal_QC_gbt> Signals;  ///< of all epochs, ordered by epoch and frequency slot
 
-  /// Appends an epoch; values of its signals that are not finite have become 0 (missing).
-  void Append(const QcEpochData& epoch, std::uint32_t sequence);
+  /// Appends an epoch; values of its signals that are not finite become 0 (missing).
+  void Append(const Time_gbt& time, std::uint32_t sequence, const SlottedSignals& signals);
   /// Epoch i as the measures take it.
   void Load(std::size_t i, QcEpochData& epoch) const;
   /// Forgets the epochs. Memory of ordinary size is kept for the next batch.

@@ -173,11 +173,12 @@ TEST(Ingestion, ResetForgetsTheBatchAndKeepsTheCodeLists) {
 
 TEST(Ingestion, MemoryOfAHugeBatchIsGivenBack) {
   QcSatData satellite;
-  QcEpochData epoch;
-  for (int i = 0; i < 100000; ++i) satellite.Append(epoch, static_cast<std::uint32_t>(i));
+  const Time_gbt time{};
+  const SlottedSignals slotted{};
+  for (int i = 0; i < 100000; ++i) satellite.Append(time, static_cast<std::uint32_t>(i), slotted);
   satellite.Reset();
   EXPECT_LT(satellite.Epochs.capacity(), 100000U);
-  for (int i = 0; i < 100; ++i) satellite.Append(epoch, static_cast<std::uint32_t>(i));
+  for (int i = 0; i < 100; ++i) satellite.Append(time, static_cast<std::uint32_t>(i), slotted);
   const std::size_t kept = satellite.Epochs.capacity();
   satellite.Reset();
   EXPECT_EQ(satellite.Epochs.capacity(), kept);

@@ -12,6 +12,9 @@ namespace orsolva_host {
 /// @param exit_code  set to what the program answers when the command was chosen
 void AddQcCommand(CLI::App& app, int& exit_code);
 
+/// orsolva simulate
+void AddSimulateCommand(CLI::App& app, int& exit_code);
+
 /// orsolva version
 void AddVersionCommand(CLI::App& app, int& exit_code);
 

@@ -10,6 +10,7 @@ int main(int argc, char** argv) {
   app.require_subcommand(1);
   int exit_code = orsolva_host::kWrongUsage;
   orsolva_host::AddQcCommand(app, exit_code);
+  orsolva_host::AddSimulateCommand(app, exit_code);
   orsolva_host::AddVersionCommand(app, exit_code);
   try {
     app.parse(argc, argv);

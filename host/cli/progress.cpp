@@ -21,4 +21,13 @@ void Progress::Epochs(std::uint64_t count) {
   shown_ = true;
 }
 
+void Progress::Epochs(std::uint64_t count, std::uint64_t of) {
+  constexpr std::uint64_t kSteps = 100;
+  const std::uint64_t step = of / kSteps > 0 ? of / kSteps : 1;
+  if (!terminal_ || count % step != 0) return;
+  std::fprintf(stderr, "\r%" PRIu64 " of %" PRIu64 " epochs", count, of);
+  std::fflush(stderr);
+  shown_ = true;
+}
+
 }  // namespace orsolva_host

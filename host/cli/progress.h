@@ -15,6 +15,7 @@ class Progress {
   Progress& operator=(const Progress&) = delete;
 
   void Epochs(std::uint64_t count);
+  void Epochs(std::uint64_t count, std::uint64_t of);
 
  private:
   bool shown_ = false;

@@ -38,7 +38,8 @@ enum class FaultKind {
   kLateTag,       ///< the epoch is measured, and tagged, size seconds late
   kLateDelivery,  ///< the epoch is delivered after its successor
   kIonoStorm,     ///< size TECU of slant disturbance, with period_s, rising and dying away in the duration
-  kUnhealthy,     ///< every broadcast record of the satellite has its health word set to size (0: 1)
+  kUnhealthy,     ///< broadcast records with a reference time in the duration (0: all of them) have size as
+                  ///< their health word (0: 1)
   kClockJump,     ///< the receiver clock jumps by size ms
   kHeaderOffset,  ///< the header's position is size m east of the true one
 };
@@ -117,11 +118,14 @@ struct Scenario {
   double truth_cutoff_deg = 10;
 };
 
-/// @throws ScenarioError when a setting is out of its range
+/// @throws ScenarioError when a setting is out of its range, naming the key as in a scenario file
 void CheckScenario(const Scenario& scenario);
 
 /// The signals of a satellite in the scenario, default or chosen.
 const std::vector<std::string>& SignalsOf(const Scenario& scenario, char system, int satellite);
+
+/// The keys that Scenario::signals may have.
+std::vector<std::string> SignalGroups();
 
 }  // namespace orsolva_host
 

@@ -59,6 +59,10 @@ class Simulation::Work {
   }
 
   bool Next(ObsEpoch_QC_gbt& epoch);
+  /// No more epochs than these are still to be given: each may come twice.
+  std::size_t MostLeft() const {
+    return 2 * (static_cast<std::size_t>(grid.epochs - done) + held_.size()) + waiting_.size();
+  }
 
   Scenario scenario;
   EpochGrid grid;
@@ -394,6 +398,7 @@ const Sky& Simulation::TheSky() const { return work_->sky; }
 bool Simulation::Next(ObsEpoch_QC_gbt& epoch) { return work_->Next(epoch); }
 
 std::size_t Simulation::NextBatch(std::vector<ObsEpoch_QC_gbt>& batch, std::size_t most) {
+  most = std::min(most, work_->MostLeft());
   batch.resize(most);
   std::size_t count = 0;
   while (count < most && work_->Next(batch[count])) ++count;

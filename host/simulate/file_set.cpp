@@ -1,0 +1,88 @@
+#include "host/simulate/file_set.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <filesystem>
+#include <memory>
+#include <system_error>
+
+#include "host/rinex/civil_time.h"
+#include "host/simulate/broadcast.h"
+#include "host/simulate/byte_sink.h"
+#include "host/simulate/navigation_writer.h"
+#include "host/simulate/observation_writer.h"
+#include "host/simulate/simulation.h"
+#include "host/simulate/truth_json.h"
+#include "host/simulate/whole_files.h"
+
+namespace orsolva_host {
+namespace {
+
+/// "01D", "06H", "30M": the largest unit that gives a whole number.
+std::string PeriodText(double hours) {
+  const auto minutes = static_cast<long>(std::ceil(hours * 60 - 1e-9));
+  if (minutes % 1440 == 0) return fmt::format("{:02}D", minutes / 1440);
+  return minutes % 60 == 0 && minutes / 60 < 100 ? fmt::format("{:02}H", minutes / 60)
+         : minutes < 100                         ? fmt::format("{:02}M", minutes)
+                                                 : fmt::format("{:02}H", (minutes + 59) / 60);
+}
+
+/// "30S", "10Z" (ten times a second), "01M".
+std::string RateText(double interval_s) {
+  if (interval_s < 1) return fmt::format("{:02}Z", std::lround(1 / interval_s));
+  const long seconds = std::lround(interval_s);
+  return seconds % 60 == 0 ? fmt::format("{:02}M", seconds / 60) : fmt::format("{:02}S", seconds);
+}
+
+void WriteText(const std::string& path, const std::string& text) {
+  const std::unique_ptr<ByteSink> sink = OpenSink(path);
+  sink->Write(text.data(), text.size());
+  sink->Close();
+}
+
+void MakeFolder(const std::string& folder) {
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (error) throw WriteError(folder + ": the folder could not be made (" + error.message() + ").");
+}
+
+}  // namespace
+
+FileSet FileNames(const Scenario& scenario, const FileSetOptions& options) {
+  const CivilTime c = ToCivil(scenario.start);
+  const auto day = DaysFromCivil(c.year, c.month, c.day) - DaysFromCivil(c.year, 1, 1) + 1;
+  const std::string stem = fmt::format("{}_R_{:04}{:03}{:02}{:02}_{}", scenario.station, c.year, day, c.hour,
+                                       c.minute, PeriodText(scenario.hours));
+  const std::string tail = options.gzip ? ".gz" : "";
+  const std::filesystem::path folder(options.folder);
+  FileSet names;
+  names.observations = folder / (stem + "_" + RateText(scenario.interval_s) + "_MO" +
+                                 (options.compact ? ".crx" : ".rnx") + tail);
+  names.navigation = folder / (stem + "_MN.rnx" + tail);
+  names.truth = folder / "truth.json";
+  return names;
+}
+
+Truth WriteFileSet(const Scenario& scenario, const FileSetOptions& options,
+                   const SimulationProgress& progress) {
+  Simulation simulation(scenario);
+  MakeFolder(options.folder);
+  const FileSet names = FileNames(scenario, options);
+  WholeFiles files;
+  WriteText(files.Begin(names.navigation),
+            NavigationText(simulation.Navigation(), LeapSeconds(scenario.start.time)));
+  ObservationWriter writer(OpenSink(files.Begin(names.observations)), scenario,
+                           simulation.TruthSoFar().header_position_m, options.compact);
+  const auto epoch = std::make_unique<ObsEpoch_QC_gbt>();
+  while (simulation.Next(*epoch)) {
+    writer.Write(*epoch);
+    progress(simulation.NominalEpochsDone(), simulation.NominalEpochs());
+  }
+  writer.Close();
+  WriteText(files.Begin(names.truth), TruthJson(scenario, simulation.TruthSoFar()));
+  files.Publish();
+  return simulation.TruthSoFar();
+}
+
+}  // namespace orsolva_host

@@ -77,7 +77,7 @@ const std::vector<ProofEntry>& AllProofs() {
   static const std::vector<ProofEntry> kProofs = {
       {"completeness", ProveCompleteness},      {"snr", ProveSnr},
       {"multipath-noise", ProveMultipathNoise}, {"multipath-jumps", ProveMultipathJumps},
-      {"multipath-gaps", ProveMultipathGaps},
+      {"multipath-gaps", ProveMultipathGaps},   {"slips", ProveSlips},
   };
   return kProofs;
 }

@@ -68,6 +68,7 @@ void ProveSnr(bool long_form, Proof& proof);
 void ProveMultipathNoise(bool long_form, Proof& proof);
 void ProveMultipathJumps(bool long_form, Proof& proof);
 void ProveMultipathGaps(bool long_form, Proof& proof);
+void ProveSlips(bool long_form, Proof& proof);
 
 }  // namespace orsolva_test
 

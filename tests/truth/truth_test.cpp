@@ -36,6 +36,7 @@ TEST(Truth, SnrFiguresAreExactToTheArithmetic) { Hold("snr", 1000); }
 TEST(Truth, MultipathIsTheInjectedNoiseLessItsMovingMean) { Hold("multipath-noise", 2000); }
 TEST(Truth, MultipathRestartsAboveTheThresholdOfTheBandOnly) { Hold("multipath-jumps", 1500); }
 TEST(Truth, MultipathRestartsAfterGapsAboveSixHundredSeconds) { Hold("multipath-gaps", 5000); }
+TEST(Truth, SlipTestsReportWhatTheirRulesSay) { Hold("slips", 1000000); }
 
 TEST(ValidationPage, ShowsEveryProofInItsLongFormWithTheCommand) {
   const std::string page = CommittedPage();

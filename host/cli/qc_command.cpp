@@ -55,11 +55,13 @@ CLI::Validator Number(double low, double high) {
 void AddQcCommand(CLI::App& app, int& exit_code) {
   CLI::App* command = app.add_subcommand("qc", "Judge the observations of a file");
   auto settings = std::make_shared<QcSettings>();
-  auto texts = std::make_shared<std::array<std::string, 3>>();
+  auto texts = std::make_shared<std::array<std::string, 4>>();
   command
-      ->add_option("OBS", settings->observation_file, "RINEX observation file, plain or compact, gzip or not")
+      ->add_option("OBS", settings->observation_file,
+                   "RINEX observation file, plain or compact, packed or not; - is standard input")
       ->required();
-  command->add_option("NAV", settings->navigation_files, "RINEX navigation files of the same time");
+  command->add_option("NAV", settings->navigation_files,
+                      "RINEX navigation files of the same time, or folders of them (default: beside OBS)");
   command->add_flag("--json", settings->json, "Write the report as JSON");
   command->add_flag("--sats", settings->satellites, "Add a table per satellite");
   command->add_option("--detail", settings->detail_file,
@@ -75,6 +77,10 @@ void AddQcCommand(CLI::App& app, int& exit_code) {
       ->check(Parsed(ParseSystems, settings->systems));
   command->add_option("--exclude", (*texts)[2], "Satellites to leave out, such as G04,R12")
       ->check(Parsed(ParseExcluded, settings->excluded));
+  command->add_flag("--snr-from-strength", settings->snr_from_strength,
+                    "Estimate a missing SNR from the signal strength digit of its phase");
+  command->add_option("--max-size", (*texts)[3], "Most bytes a packed file may unpack to (default: 8G)")
+      ->check(Parsed(ParseSize, settings->limits));
   command->callback([settings, texts, &exit_code] { exit_code = DoQc(*settings); });
 }
 

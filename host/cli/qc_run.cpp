@@ -14,6 +14,7 @@
 #include "host/report/build_report.h"
 #include "host/report/navigation_coverage.h"
 #include "host/rinex/civil_time.h"
+#include "host/rinex/input_files.h"
 #include "host/rinex/navigation_reader.h"
 #include "host/rinex/observation_reader.h"
 #include "host/rinex/satellite_names.h"
@@ -38,15 +39,15 @@ class Run {
       : settings_(settings),
         diagnostics_(diagnostics),
         detail_(detail),
-        observations_(settings.observation_file, diagnostics),
+        observations_(settings.observation_file, diagnostics, {settings.snr_from_strength, settings.limits}),
         batch_(new ObsEpoch_QC_gbt[kBatchEpochs]) {}
 
   Report Do() {
-    ReadNavigation();
     FillBatch();
     if (batch_size_ == 0) {
       throw RunError(settings_.observation_file + ": found no epoch. Check that the file is whole.");
     }
+    ReadNavigation();
     ChooseInterval();
     ChoosePosition();
     Start();
@@ -76,6 +77,7 @@ class Run {
   ObservationReader observations_;
   std::unique_ptr<ObsEpoch_QC_gbt[]> batch_;
   std::size_t batch_size_ = 0;
+  std::vector<std::string> navigation_files_;
   NavigationSet navigation_;
   std::unique_ptr<CoverageCounter> coverage_;
   Handle handle_;
@@ -88,18 +90,20 @@ class Run {
 };
 
 void Run::ReadNavigation() {
-  if (settings_.navigation_files.empty()) {
+  navigation_files_ =
+      ChooseNavigation(settings_.navigation_files, settings_.observation_file, batch_[0].time, diagnostics_);
+  if (navigation_files_.empty()) {
     throw RunError(
         settings_.observation_file +
-        ": no navigation file named. Elevations need satellite positions: name the RINEX navigation "
-        "files of the day after the observation file.");
+        ": no navigation file named, and none of its day beside it. Elevations need satellite positions: "
+        "name the RINEX navigation files of the day after the observation file.");
   }
-  NavigationReader reader(diagnostics_);
-  for (const std::string& file : settings_.navigation_files) reader.Read(file);
+  NavigationReader reader(diagnostics_, {settings_.limits});
+  for (const std::string& file : navigation_files_) reader.Read(file);
   navigation_ = reader.Take();
   if (navigation_.Size() == 0) {
     throw RunError(
-        settings_.navigation_files.front() +
+        navigation_files_.front() +
         ": found no navigation record that can be used. Name the broadcast navigation files of the "
         "day.");
   }
@@ -109,8 +113,7 @@ void Run::ReadNavigation() {
 void Run::FillBatch() {
   batch_size_ = 0;
   while (batch_size_ < kBatchEpochs && observations_.Next(batch_[batch_size_])) {
-    const ObsEpoch_QC_gbt& epoch = batch_[batch_size_++];
-    coverage_->Add(epoch);
+    ++batch_size_;
     progress_.Epochs(++epochs_);
   }
 }
@@ -183,6 +186,7 @@ void Run::Start() {
 }
 
 void Run::TakeBatch() {
+  for (std::size_t i = 0; i < batch_size_; ++i) coverage_->Add(batch_[i]);
   ObsBodyData_QC_gbt body = {};
   body.epoch_num = static_cast<std::int32_t>(batch_size_);
   body.epochs = batch_.get();
@@ -250,7 +254,7 @@ ReportRun Run::Facts() const {
     run.library_version = banner.substr(version + 9, banner.find('\n', version) - version - 9);
   }
   run.observation_file = settings_.observation_file;
-  run.navigation_files = settings_.navigation_files;
+  run.navigation_files = navigation_files_;
   run.marker = header.marker;
   run.receiver = header.receiver;
   run.antenna = header.antenna;

@@ -2,7 +2,9 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 #include <sstream>
 
 #include "host/rinex/decimal.h"
@@ -56,6 +58,22 @@ std::string ParseSystems(const std::string& text, std::string& systems) {
   }
   if (text.empty()) return "no system given: give letters out of GREJC";
   systems = text;
+  return {};
+}
+
+std::string ParseSize(const std::string& text, InputLimits& limits) {
+  constexpr std::string_view kUnits = "KMGT";
+  const std::size_t unit = text.empty() ? std::string_view::npos : kUnits.find(text.back());
+  const bool has_unit = unit != std::string_view::npos;
+  const std::size_t shift = has_unit ? 10 * (unit + 1) : 0;
+  std::int64_t number = 0;
+  const std::string_view digits = std::string_view(text).substr(0, text.size() - (has_unit ? 1 : 0));
+  const bool good = ParseInteger(digits, number) == FieldState::kNumber && number > 0 &&
+                    number <= std::numeric_limits<std::int64_t>::max() >> shift;
+  if (!good) return "'" + text + "' is no size: give a number of bytes such as 500M or 20G";
+  limits.most_unpacked_bytes = static_cast<std::uint64_t>(number) << shift;
+  // The other limit grows along: 8 GiB are worth a million records.
+  limits.most_records = std::max<std::size_t>(limits.most_records, limits.most_unpacked_bytes >> 13);
   return {};
 }
 

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "host/rinex/byte_source.h"
+
 namespace orsolva_host {
 
 enum class PositionSource { kComputed, kHeader, kOption };
@@ -29,6 +31,8 @@ struct QcSettings {
   PositionChoice position;
   std::string systems = "GREJC";
   std::vector<ExcludedSatellite> excluded;
+  bool snr_from_strength = false;
+  InputLimits limits;
   bool json = false;
   bool satellites = false;
   std::string detail_file;  ///< empty for none
@@ -42,6 +46,8 @@ std::string ParseNumber(const std::string& text, double low, double high, double
 std::string ParsePosition(const std::string& text, PositionChoice& position);
 /// Letters out of GREJC, each at most once.
 std::string ParseSystems(const std::string& text, std::string& systems);
+/// A number of bytes, such as "500M" or "20G" (powers of 1,024).
+std::string ParseSize(const std::string& text, InputLimits& limits);
 /// "G04,R12"
 std::string ParseExcluded(const std::string& text, std::vector<ExcludedSatellite>& excluded);
 

@@ -1,14 +1,11 @@
 #include "host/rinex/byte_source.h"
 
-#include <zlib.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 namespace orsolva_host {
 namespace {
@@ -69,76 +66,40 @@ class PrefixedBytes : public ByteSource {
   std::unique_ptr<ByteSource> rest_;
 };
 
-class GzipBytes : public ByteSource {
+/// Ends reading when packed data unpack to more than the limit.
+class LimitedBytes : public ByteSource {
  public:
-  GzipBytes(std::unique_ptr<ByteSource> packed, std::string name, Diagnostics& diagnostics)
-      : packed_(std::move(packed)), name_(std::move(name)), diagnostics_(diagnostics), input_(kInputSize) {
-    constexpr int kGzipWindow = 15 + 16;
-    ended_ = inflateInit2(&stream_, kGzipWindow) != Z_OK;
-  }
-  ~GzipBytes() override { inflateEnd(&stream_); }
-  GzipBytes(const GzipBytes&) = delete;
-  GzipBytes& operator=(const GzipBytes&) = delete;
+  LimitedBytes(std::unique_ptr<ByteSource> bytes, std::string name, const InputLimits& limits)
+      : bytes_(std::move(bytes)), name_(std::move(name)), most_(limits.most_unpacked_bytes) {}
 
   std::size_t Read(char* out, std::size_t size) override {
-    stream_.next_out = reinterpret_cast<Bytef*>(out);
-    stream_.avail_out = static_cast<uInt>(std::min<std::size_t>(size, 1U << 30));
-    const std::size_t wanted = stream_.avail_out;
-    while (!ended_ && stream_.avail_out == wanted) Step();
-    return wanted - stream_.avail_out;
+    const std::size_t count = bytes_->Read(out, size);
+    if (count > most_ - given_) {
+      throw FileError(name_, 0, "more than " + std::to_string(most_) + " bytes when unpacked", "fewer",
+                      "Raise the limit with --max-size if the file is meant to be that large.");
+    }
+    given_ += count;
+    return count;
   }
 
  private:
-  static constexpr std::size_t kInputSize = 1U << 16;
-
-  bool Refill() {
-    const std::size_t count = packed_->Read(input_.data(), input_.size());
-    stream_.next_in = reinterpret_cast<Bytef*>(input_.data());
-    stream_.avail_in = static_cast<uInt>(count);
-    return count > 0;
-  }
-
-  void Step() {
-    if (stream_.avail_in == 0 && !Refill()) return End("the packed data end early");
-    const int state = inflate(&stream_, Z_NO_FLUSH);
-    if (state == Z_STREAM_END) return NextMember();
-    if (state != Z_OK && state != Z_BUF_ERROR) End("the packed data are damaged");
-  }
-
-  void NextMember() {
-    if (stream_.avail_in == 0 && !Refill()) {
-      ended_ = true;
-    } else if (stream_.next_in[0] == 0x1f) {
-      inflateReset(&stream_);
-    } else {
-      End("bytes after the packed data are left out");
-    }
-  }
-
-  void End(const char* why) {
-    ended_ = true;
-    diagnostics_.Add(name_, 0, why, false);
-  }
-
-  std::unique_ptr<ByteSource> packed_;
+  std::unique_ptr<ByteSource> bytes_;
   std::string name_;
-  Diagnostics& diagnostics_;
-  std::vector<char> input_;
-  z_stream stream_ = {};
-  bool ended_ = false;
+  std::uint64_t most_;
+  std::uint64_t given_ = 0;
 };
 
-/// The packing that the first bytes give away and that is not read; empty for none.
-std::string_view ForeignPacking(const std::string& magic) {
-  const std::string_view m = magic;
-  if (m.substr(0, 2) == "\x1f\x9d") return "a file packed with compress (.Z)";
-  if (m.substr(0, 4) == "PK\x03\x04") return "a zip archive";
-  if (m.substr(0, 3) == "BZh") return "a file packed with bzip2";
-  if (m.substr(0, 6) == std::string_view("\xfd"
-                                         "7zXZ\0",
-                                         6))
-    return "a file packed with xz";
-  return {};
+/// The packing that the first bytes give away.
+Packing PackingOf(std::string_view magic) {
+  constexpr std::string_view kXz(
+      "\xfd"
+      "7zXZ\0",
+      6);
+  const auto begins = [magic](std::string_view with) { return magic.substr(0, with.size()) == with; };
+  if (begins("\x1f\x8b")) return Packing::kGzip;
+  if (begins("PK\x03\x04")) return Packing::kZip;
+  const bool filter = begins("\x1f\x9d") || begins("BZh") || begins(kXz) || begins("\x28\xb5\x2f\xfd");
+  return filter ? Packing::kFilter : Packing::kNone;
 }
 
 std::string ReadMagic(ByteSource& source) {
@@ -158,25 +119,29 @@ std::unique_ptr<ByteSource> TextBytes(std::string text) {
   return std::make_unique<MemoryBytes>(std::move(text));
 }
 
-std::unique_ptr<ByteSource> GunzipBytes(std::unique_ptr<ByteSource> packed, std::string name,
-                                        Diagnostics& diagnostics) {
-  return std::make_unique<GzipBytes>(std::move(packed), std::move(name), diagnostics);
+std::unique_ptr<ByteSource> UnpackedBytes(std::unique_ptr<ByteSource> source, const std::string& name,
+                                          Diagnostics& diagnostics, const InputLimits& limits) {
+  // A packed file inside an archive is common; more than this is no longer an accident.
+  constexpr int kDeepestPacking = 3;
+  for (int depth = 0; depth < kDeepestPacking; ++depth) {
+    std::string magic = ReadMagic(*source);
+    const Packing packing = PackingOf(magic);
+    source = std::make_unique<PrefixedBytes>(std::move(magic), std::move(source));
+    if (packing == Packing::kNone) break;
+    source = packing == Packing::kGzip ? GunzipBytes(std::move(source), name, diagnostics)
+                                       : ArchiveBytes(std::move(source), packing, name, diagnostics);
+    source = std::make_unique<LimitedBytes>(std::move(source), name, limits);
+  }
+  return source;
 }
 
-std::unique_ptr<ByteSource> OpenBytes(const std::string& path, Diagnostics& diagnostics) {
+std::unique_ptr<ByteSource> OpenBytes(const std::string& path, Diagnostics& diagnostics,
+                                      const InputLimits& limits) {
   std::FILE* file = path == "-" ? stdin : std::fopen(path.c_str(), "rb");
   if (!file) {
     throw FileError(path, 0, std::strerror(errno), "a readable file", "Check the name and the permissions.");
   }
-  std::unique_ptr<ByteSource> bytes = std::make_unique<FileBytes>(path, file);
-  std::string magic = ReadMagic(*bytes);
-  const std::string_view foreign = ForeignPacking(magic);
-  if (!foreign.empty()) {
-    throw FileError(path, 0, std::string(foreign), "plain text or gzip", "Unpack the file first.");
-  }
-  const bool gzip = magic.substr(0, 2) == "\x1f\x8b";
-  bytes = std::make_unique<PrefixedBytes>(std::move(magic), std::move(bytes));
-  return gzip ? GunzipBytes(std::move(bytes), path, diagnostics) : std::move(bytes);
+  return UnpackedBytes(std::make_unique<FileBytes>(path, file), path, diagnostics, limits);
 }
 
 }  // namespace orsolva_host

@@ -1,14 +1,24 @@
-// Where the bytes of a file come from: a plain file, standard input, a gzip stream or a text in memory.
+// Where the bytes of a file come from: a plain file, standard input, packed data or a text in memory.
 #ifndef ORSOLVA_RINEX_BYTE_SOURCE_H
 #define ORSOLVA_RINEX_BYTE_SOURCE_H
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 
 #include "host/rinex/diagnostics.h"
 
 namespace orsolva_host {
+
+/// What one input file may cost. Packed files of a few kilobytes can unpack to more than any disk holds.
+struct InputLimits {
+  /// Bytes that a packed file may unpack to. Files that are not packed may have any size.
+  std::uint64_t most_unpacked_bytes = std::uint64_t{8} << 30;
+
+  /// Different records that navigation files may hold together: those of all systems for months.
+  std::size_t most_records = 1000000;
+};
 
 class ByteSource {
  public:
@@ -17,10 +27,16 @@ class ByteSource {
   virtual std::size_t Read(char* out, std::size_t size) = 0;
 };
 
-/// Opens a file ("-" is standard input) and unpacks gzip when the content is gzip, whatever the name says.
-/// Data that end early or are damaged give a notice, and what was unpacked before is still delivered.
-/// @throws FileError when the file cannot be opened, or is packed in a way that is not read
-std::unique_ptr<ByteSource> OpenBytes(const std::string& path, Diagnostics& diagnostics);
+/// Opens a file ("-" is standard input) and unpacks gzip, compress (.Z), zip, bzip2, xz and zstd by the
+/// content, whatever the name says, also one in another. Of a zip archive the first file is read. Data that
+/// end early or are damaged give a notice, and what was unpacked before is still delivered.
+/// @throws FileError when the file cannot be opened; reading throws it when the limit is reached
+std::unique_ptr<ByteSource> OpenBytes(const std::string& path, Diagnostics& diagnostics,
+                                      const InputLimits& limits = {});
+
+/// Unpacks a source as OpenBytes does. @param name  what notices call the data
+std::unique_ptr<ByteSource> UnpackedBytes(std::unique_ptr<ByteSource> source, const std::string& name,
+                                          Diagnostics& diagnostics, const InputLimits& limits = {});
 
 /// The bytes of a text.
 std::unique_ptr<ByteSource> TextBytes(std::string text);
@@ -28,6 +44,12 @@ std::unique_ptr<ByteSource> TextBytes(std::string text);
 /// Unpacks `packed`, which holds gzip data. Members that follow each other are joined.
 std::unique_ptr<ByteSource> GunzipBytes(std::unique_ptr<ByteSource> packed, std::string name,
                                         Diagnostics& diagnostics);
+
+enum class Packing { kNone, kGzip, kFilter, kZip };
+
+/// Unpacks data of a compression filter (compress, bzip2, xz, zstd) or the first file of a zip archive.
+std::unique_ptr<ByteSource> ArchiveBytes(std::unique_ptr<ByteSource> packed, Packing packing,
+                                         std::string name, Diagnostics& diagnostics);
 
 }  // namespace orsolva_host
 

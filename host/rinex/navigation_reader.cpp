@@ -1,23 +1,29 @@
 #include "host/rinex/navigation_reader.h"
 
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
 #include <utility>
 
 #include "host/rinex/civil_time.h"
 #include "host/rinex/decimal.h"
+#include "host/rinex/header_labels.h"
 #include "host/rinex/satellite_names.h"
 
 namespace orsolva_host {
 namespace {
 
-constexpr std::size_t kFirstValueColumn = 23;
-constexpr std::size_t kValueColumn = 4;
-constexpr std::size_t kValueWidth = 19;
 constexpr int kOrbitLines = 7;
 constexpr int kGlonassLines = 3;
+constexpr double kLastKnownVersion2 = 2.12;
 constexpr double kLastKnownVersion3 = 3.05;
 constexpr double kLastKnownVersion4 = 4.02;
 
-std::string_view Label(std::string_view line) { return Trimmed(Field(line, 60, 20)); }
+constexpr std::int64_t kGpsTimeBegins = 315964800;  // 1980-01-06
+constexpr std::int64_t kWeek_s = 604800;
+constexpr std::int64_t kWeeksOfTenBits = 1024;
+constexpr std::size_t kWeekValue = 21;
 
 bool IsTakenMessage(std::string_view message) {
   return message == "LNAV" || message == "FDMA" || message == "INAV" || message == "FNAV" ||
@@ -30,7 +36,9 @@ int LinesNeeded(char letter) { return letter == 'R' ? kGlonassLines : kOrbitLine
 
 }  // namespace
 
-void NavigationReader::Read(const std::string& path) { Read(OpenBytes(path, diagnostics_), path); }
+void NavigationReader::Read(const std::string& path) {
+  Read(OpenBytes(path, diagnostics_, options_.limits), path);
+}
 
 void NavigationReader::Read(std::unique_ptr<ByteSource> source, const std::string& name) {
   name_ = name;
@@ -39,6 +47,7 @@ void NavigationReader::Read(std::unique_ptr<ByteSource> source, const std::strin
   LineReader lines(std::move(source));
   ReadHeader(lines);
   ReadRecords(lines);
+  files_.push_back(name);
 }
 
 NavigationSet NavigationReader::Take() const {
@@ -49,28 +58,52 @@ NavigationSet NavigationReader::Take() const {
 
 void NavigationReader::ReadHeader(LineReader& lines) {
   std::string_view line;
-  const bool any = lines.Next(line);
-  if (!any || Label(line) != "RINEX VERSION / TYPE" ||
-      ParseDecimal(Field(line, 0, 9), version_) != FieldState::kNumber) {
-    throw FileError(name_, lines.Line(), any ? Quoted(std::string(line)) : "an empty file",
-                    "a line RINEX VERSION / TYPE", "Name a RINEX navigation file.");
+  if (!lines.Next(line)) {
+    throw FileError(name_, 0, "an empty file", "a line RINEX VERSION / TYPE",
+                    "Name a RINEX navigation file.");
   }
-  if (Field(line, 20, 1) != "N" && version_ >= 3) {
-    throw FileError(name_, lines.Line(), "file type " + Quoted(std::string(Trimmed(Field(line, 20, 20)))),
-                    "navigation data", "Name the observation file first, then the navigation files.");
-  }
-  if (!(version_ >= 3 && version_ < 5)) {
-    throw FileError(name_, lines.Line(), "RINEX version " + Quoted(std::string(Trimmed(Field(line, 0, 9)))),
-                    "version 3 or 4", "Convert the file to RINEX 3.");
-  }
-  if ((version_ > kLastKnownVersion3 + 0.001 && version_ < 4) || version_ > kLastKnownVersion4 + 0.001) {
-    Notice(lines.Line(), "the version is later than those known; read as the last known", true);
-  }
+  CheckVersion(line, lines.Line());
   while (lines.Next(line)) {
-    if (Label(line) == "END OF HEADER") return;
+    if (HeaderLabel(line) == "END OF HEADER") return;
   }
   throw FileError(name_, lines.Line(), "no END OF HEADER", "it before the first record",
                   "The file is cut off or damaged; fetch it again.");
+}
+
+void NavigationReader::CheckVersion(std::string_view line, long number) {
+  if (HeaderLabel(line) != "RINEX VERSION / TYPE" ||
+      ParseDecimal(Field(line, 0, 9), version_) != FieldState::kNumber) {
+    throw FileError(name_, number, Quoted(std::string(line)), "a line RINEX VERSION / TYPE",
+                    "Name a RINEX navigation file.");
+  }
+  const std::string_view type = Field(line, 20, 1);
+  const std::string_view known = version_ < 3 ? "NGHELJC" : "N";
+  if (type.empty() || known.find(type[0]) == std::string_view::npos) {
+    throw FileError(name_, number, "file type " + Quoted(std::string(Trimmed(Field(line, 20, 20)))),
+                    "navigation data", "Name the observation file first, then the navigation files.");
+  }
+  if (!(version_ >= 2 && version_ < 5)) {
+    throw FileError(name_, number, "RINEX version " + Quoted(std::string(Trimmed(Field(line, 0, 9)))),
+                    "version 2, 3 or 4", "Convert the file to RINEX 3.");
+  }
+  const double last = version_ < 3   ? kLastKnownVersion2
+                      : version_ < 4 ? kLastKnownVersion3
+                                     : kLastKnownVersion4;
+  if (version_ > last + 0.001) {
+    Notice(number, "the version is later than those known; read as the last known", true);
+  }
+  ChooseSystem(line);
+}
+
+// Navigation files of RINEX 2 are of one system, told by the file type: N GPS, G GLONASS, H geostationary
+// (RINEX 2.11, section 8). Programs also write L or E for Galileo, C for BDS and J for QZSS, or N with the
+// system's letter in column 41.
+void NavigationReader::ChooseSystem(std::string_view line) {
+  static constexpr std::string_view kTypes = "NGHLECJ";
+  static constexpr std::string_view kSystemsOfTypes = "GRSEECJ";
+  system_ = kSystemsOfTypes[std::min(kTypes.find(line[20]), kTypes.size() - 1)];
+  const std::string_view system = Field(line, 40, 1);
+  if (line[20] == 'N' && !system.empty() && SystemSlot(system[0]) >= 0) system_ = system[0];
 }
 
 void NavigationReader::ReadRecords(LineReader& lines) {
@@ -78,16 +111,15 @@ void NavigationReader::ReadRecords(LineReader& lines) {
   while (lines.Next(line)) {
     const long number = lines.Line();
     if (Trimmed(line).empty()) continue;
-    if (line[0] == ' ') {
+    if (HasHeaderLabel(line)) {
+      TakeHeaderLine(line, number);
+    } else if (!BeginsRecord(line)) {
       if (open_) {
         AddLine(line, number);
       } else if (!skipped_) {
         Notice(number, "lines that belong to no record are passed over", false);
       }
-      continue;
-    }
-    FinishRecord();
-    if (line[0] == '>') {
+    } else if (FinishRecord(); line[0] == '>') {
       skipped_ = !TakeMessageLine(line, number);
     } else if (!skipped_ || version_ < 4) {
       open_ = BeginRecord(line, number);
@@ -95,6 +127,17 @@ void NavigationReader::ReadRecords(LineReader& lines) {
     }
   }
   FinishRecord();
+}
+
+/// Files that were joined have their headers among the records.
+void NavigationReader::TakeHeaderLine(std::string_view line, long number) {
+  const std::string_view label = HeaderLabel(line);
+  if (label == "COMMENT") return Notice(number, "comments among the records are passed over", true);
+  FinishRecord();
+  skipped_ = false;
+  if (label != "RINEX VERSION / TYPE") return;
+  Notice(number, "a second header; its version holds from there on", true);
+  CheckVersion(line, number);
 }
 
 /// "> EPH G02 LNAV". @return whether the record that follows is taken
@@ -110,14 +153,12 @@ bool NavigationReader::BeginRecord(std::string_view line, long number) {
   record_ = {};
   record_.line = number;
   bad_ = false;
-  CivilTime civil;
-  if (!ParseSatellite(Field(line, 0, 3), record_.letter, record_.number) ||
-      !ParseCivil(Field(line, 4, 4), Field(line, 9, 2), Field(line, 12, 2), Field(line, 15, 2),
-                  Field(line, 18, 2), Field(line, 21, 2), civil)) {
+  const bool known = version_ < 3 ? ParseRecordLine2(line, system_, record_, columns_)
+                                  : ParseRecordLine(line, record_, columns_);
+  if (!known) {
     Notice(number, "a record whose first line cannot be read is passed over", false);
     return false;
   }
-  record_.time = ToTime(civil);
   const int slot = SystemSlot(record_.letter);
   if (slot < 0) {
     Notice(number, std::string("records of system ") + record_.letter + " are not used", true);
@@ -128,7 +169,8 @@ bool NavigationReader::BeginRecord(std::string_view line, long number) {
     return false;
   }
   for (std::size_t i = 0; i < 3; ++i) {
-    record_.v[i] = Number(Field(line, kFirstValueColumn + kValueWidth * i, kValueWidth), number);
+    const std::size_t column = columns_.first_line + kNavigationValueWidth * i;
+    record_.v[i] = Number(Field(line, column, kNavigationValueWidth), number);
   }
   return true;
 }
@@ -137,7 +179,8 @@ void NavigationReader::AddLine(std::string_view line, long number) {
   const std::size_t first = 3 + 4 * static_cast<std::size_t>(record_.lines);
   if (first + 4 > NavigationRecord::kMostValues) return;
   for (std::size_t i = 0; i < 4; ++i) {
-    record_.v[first + i] = Number(Field(line, kValueColumn + kValueWidth * i, kValueWidth), number);
+    const std::size_t column = columns_.further_lines + kNavigationValueWidth * i;
+    record_.v[first + i] = Number(Field(line, column, kNavigationValueWidth), number);
   }
   ++record_.lines;
 }
@@ -157,20 +200,53 @@ void NavigationReader::FinishRecord() {
   if (bad_) return;
   if (record_.lines < LinesNeeded(record_.letter)) {
     Notice(record_.line, "a record with too few lines is passed over", false);
-  } else if (!IsNew()) {
+    return;
+  }
+  RepairWeek();
+  CheckCount();
+  if (!met_.insert(record_).second) {
     Notice(record_.line, "records that stand twice are taken once", true);
   } else if (!Convert()) {
     Notice(record_.line, "a record with a whole number out of range is passed over", false);
   }
 }
 
-bool NavigationReader::IsNew() {
-  std::vector<NavigationRecord>& known = met_[{record_.letter, record_.number, record_.time.time}];
-  for (const NavigationRecord& other : known) {
-    if (other.v == record_.v) return false;
+/// Ten bits count the week over the air, and some programs write them as they are, or count Galileo's weeks
+/// from its own beginning.
+void NavigationReader::RepairWeek() {
+  if (record_.letter != 'G' && record_.letter != 'J' && record_.letter != 'E') return;
+  double& week = record_.v[kWeekValue];
+  if (!(std::fabs(week) < 1e6)) return;
+  const std::int64_t of_clock = (record_.time.time - kGpsTimeBegins) / kWeek_s;
+  const std::int64_t behind = of_clock - static_cast<std::int64_t>(week);
+  const std::int64_t turns = (behind + kWeeksOfTenBits / 2) / kWeeksOfTenBits;
+  if (turns < 1 || std::abs(behind - turns * kWeeksOfTenBits) > 1) return;
+  week += static_cast<double>(turns * kWeeksOfTenBits);
+  Notice(record_.line, "weeks counted from a later beginning than GPS time's are made whole", true);
+}
+
+void NavigationReader::CheckCount() const {
+  if (met_.size() < options_.limits.most_records) return;
+  throw FileError(name_, record_.line, "more than " + std::to_string(met_.size()) + " different records",
+                  "fewer", "Name the files of the day alone, or raise the limit with --max-size.");
+}
+
+std::size_t NavigationReader::SameSatellite::operator()(const NavigationRecord& record) const {
+  std::uint64_t hash = static_cast<std::uint64_t>(record.time.time) * 100 +
+                       static_cast<std::uint64_t>(record.number) +
+                       (static_cast<std::uint64_t>(record.letter) << 56);
+  for (const double value : record.v) {
+    std::uint64_t bits = 0;
+    const double positive_zero = value + 0.0;
+    std::memcpy(&bits, &positive_zero, sizeof bits);
+    hash = (hash ^ bits) * 0x9E3779B97F4A7C15ULL;
+    hash ^= hash >> 32;
   }
-  known.push_back(record_);
-  return true;
+  return static_cast<std::size_t>(hash);
+}
+
+bool NavigationReader::SameValues::operator()(const NavigationRecord& a, const NavigationRecord& b) const {
+  return a.letter == b.letter && a.number == b.number && a.time.time == b.time.time && a.v == b.v;
 }
 
 template <typename Eph>

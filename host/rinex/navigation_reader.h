@@ -2,64 +2,89 @@
 #ifndef ORSOLVA_RINEX_NAVIGATION_READER_H
 #define ORSOLVA_RINEX_NAVIGATION_READER_H
 
-#include <map>
+#include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
-#include <tuple>
+#include <unordered_set>
 #include <vector>
 
 #include "host/rinex/byte_source.h"
 #include "host/rinex/diagnostics.h"
 #include "host/rinex/line_reader.h"
+#include "host/rinex/navigation_lines.h"
 #include "host/rinex/navigation_records.h"
 #include "host/rinex/navigation_set.h"
 
 namespace orsolva_host {
 
-/// Collects the records of RINEX 3 and 4 navigation files, mixed or of one system, gzip or not.
+struct NavigationOptions {
+  InputLimits limits;
+};
+
+/// Collects the records of RINEX 2, 3 and 4 navigation files, mixed or of one system, packed or not.
 ///
 /// Reference times are seconds since 1970-01-01 with the calendar as it stands in the file: GPS, Galileo and
-/// QZSS time, BDS time, and UTC for GLONASS. Weeks and seconds of week are the file's. Of RINEX 4 the EPH
-/// records LNAV, FDMA, INAV, FNAV, D1 and D2 are taken; all others are counted and left out. A record that
-/// was met before is left out.
+/// QZSS time, BDS time, and UTC for GLONASS. Weeks and seconds of week are the file's, but that a GPS, QZSS
+/// or Galileo week counted from a later beginning (a multiple of 1,024 weeks) is made whole. Of RINEX 4 the
+/// EPH records LNAV, FDMA, INAV, FNAV, D1 and D2 are taken; all others are counted and left out. A record
+/// that was met before is left out.
 class NavigationReader {
  public:
-  explicit NavigationReader(Diagnostics& diagnostics) : diagnostics_(diagnostics) {}
+  explicit NavigationReader(Diagnostics& diagnostics, const NavigationOptions& options = {})
+      : diagnostics_(diagnostics), options_(options) {}
 
   /// Adds the records of a file. @throws FileError
   void Read(const std::string& path);
   void Read(std::unique_ptr<ByteSource> source, const std::string& name);
 
+  /// Files read, in their order.
+  const std::vector<std::string>& Files() const { return files_; }
+
   /// Everything read so far, with Galileo I/NAV preferred over F/NAV.
   NavigationSet Take() const;
 
  private:
+  struct SameSatellite {
+    std::size_t operator()(const NavigationRecord& record) const;
+  };
+  struct SameValues {
+    bool operator()(const NavigationRecord& a, const NavigationRecord& b) const;
+  };
+
   void ReadHeader(LineReader& lines);
+  void CheckVersion(std::string_view line, long number);
+  void ChooseSystem(std::string_view line);
   void ReadRecords(LineReader& lines);
+  void TakeHeaderLine(std::string_view line, long number);
   bool TakeMessageLine(std::string_view line, long number);
   bool BeginRecord(std::string_view line, long number);
   void AddLine(std::string_view line, long number);
   void FinishRecord();
   bool Convert();
   bool AddGalileo();
+  void RepairWeek();
   double Number(std::string_view field, long number);
-  bool IsNew();
+  void CheckCount() const;
   void Notice(long line, const std::string& text, bool recovered) {
     diagnostics_.Add(name_, line, text, recovered);
   }
 
   Diagnostics& diagnostics_;
+  NavigationOptions options_;
+  std::vector<std::string> files_;
   std::string name_;
   double version_ = 0;
+  char system_ = 'G';  ///< of the records of RINEX 2, which have no letter
   NavigationRecord record_;
+  NavigationColumns columns_;
   bool open_ = false;     ///< a record is being read
   bool bad_ = false;      ///< the record at hand holds a value that is no number
-  bool skipped_ = false;  ///< the RINEX 4 record at hand is of no use
+  bool skipped_ = false;  ///< the record at hand is of no use
   std::string message_;   ///< RINEX 4 message type, such as "INAV"
   NavigationSet set_;     ///< without Galileo
   std::vector<GalileoRecord> galileo_;
-  /// Records met, by satellite and reference time.
-  std::map<std::tuple<char, int, std::int64_t>, std::vector<NavigationRecord>> met_;
+  std::unordered_set<NavigationRecord, SameSatellite, SameValues> met_;
 };
 
 }  // namespace orsolva_host

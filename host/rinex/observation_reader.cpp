@@ -67,7 +67,7 @@ void Store(char kind, double value, Signal_QC_gbt& signal) {
 
 ObservationReader::ObservationReader(const std::string& path, Diagnostics& diagnostics,
                                      const ObservationOptions& options)
-    : ObservationReader(OpenBytes(path, diagnostics), path, diagnostics, options) {}
+    : ObservationReader(OpenBytes(path, diagnostics, options.limits), path, diagnostics, options) {}
 
 ObservationReader::ObservationReader(std::unique_ptr<ByteSource> source, std::string name,
                                      Diagnostics& diagnostics, const ObservationOptions& options)

@@ -44,6 +44,7 @@ struct ObservationOptions {
   /// Where a signal has no S type, take 6 dB-Hz times the digit after its phase (1 to 9), the lower end of
   /// the digit's range (RINEX 3.05, table 14).
   bool snr_from_strength = false;
+  InputLimits limits;
 };
 
 /// Streams the epochs of RINEX 2, 3 and 4 observation files, plain or compact, packed or not.

@@ -118,20 +118,6 @@ TEST(OpenBytes, AMissingFileIsAnErrorThatNamesIt) {
   }
 }
 
-TEST(OpenBytes, OtherPackingsAreNamedInTheError) {
-  const std::string path = testing::TempDir() + "orsolva_bytes_test";
-  std::ofstream(path, std::ios::binary) << "\x1f\x9d....";
-  Diagnostics notices;
-  try {
-    OpenBytes(path, notices);
-    FAIL();
-  } catch (const FileError& error) {
-    EXPECT_NE(error.Found().find(".Z"), std::string::npos);
-    EXPECT_FALSE(error.Advice().empty());
-  }
-  std::filesystem::remove(path);
-}
-
 TEST(OpenBytes, GzipIsToldByItsContent) {
   const std::string path = testing::TempDir() + "orsolva_bytes_test_plain_name";
   std::ofstream(path, std::ios::binary) << Gzipped("content");

@@ -40,7 +40,8 @@ TEST(Command, HelpIsGoodAndWrongUsageIsTwo) {
         "qc a.rnx --elevation 91", "qc a.rnx --interval 0", "qc a.rnx --interval nan",
         "qc a.rnx --position here", "qc a.rnx --position 1,2", "qc a.rnx --position 1,2,3",
         "qc a.rnx --position 4e6,nan,4e6", "qc a.rnx --systems GX", "qc a.rnx --systems GG",
-        "qc a.rnx --exclude G99", "qc a.rnx --exclude Gxx"}) {
+        "qc a.rnx --exclude G99", "qc a.rnx --exclude Gxx", "qc a.rnx --max-size 0", "qc a.rnx --max-size 8X",
+        "qc a.rnx --max-size 99999999T"}) {
     const Answer a = Orsolva(wrong);
     EXPECT_EQ(a.code, 2) << wrong;
     EXPECT_FALSE(a.err.empty()) << wrong;
@@ -58,9 +59,51 @@ TEST(Command, FailedRunsAreOneAndSayWhatToDo) {
 
 TEST(Command, ARunWithoutNavigationSaysSo) {
   ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
-  const Answer a = Orsolva("qc " + DataFile("SEPT078M.21O"));
+  const std::filesystem::path folder = std::filesystem::path(testing::TempDir()) / "orsolva_alone";
+  std::filesystem::create_directories(folder);
+  const std::filesystem::path alone = folder / "SEPT078M.21O";
+  std::filesystem::copy_file(DataFile("SEPT078M.21O"), alone,
+                             std::filesystem::copy_options::overwrite_existing);
+  const Answer a = Orsolva("qc " + alone.string());
+  std::filesystem::remove_all(folder);
   EXPECT_EQ(a.code, 1);
   EXPECT_NE(a.err.find("no navigation file"), std::string::npos) << a.err;
+}
+
+TEST(Command, NavigationBesideTheObservationsIsFoundAndNamed) {
+  ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
+  const Answer a = Orsolva("qc --json " + DataFile("SEPT078M.21O"));
+  ASSERT_EQ(a.code, 0) << a.err;
+  EXPECT_NE(a.out.find("SEPT078M.21P"), std::string::npos);
+  EXPECT_NE(a.out.find("beside the observation file"), std::string::npos);
+}
+
+TEST(Command, NavigationMayBeNamedByItsFolder) {
+  ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
+  const Answer a =
+      Orsolva("qc --json " + DataFile("SEPT078M.21O") + " " + DataFile("") + " | grep -c MN.rnx");
+  EXPECT_EQ(a.code, 0) << a.err;
+}
+
+TEST(Command, ObservationsMayComeFromStandardInput) {
+  ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
+  const Answer a = Orsolva("qc --json - " + DataFile("SEPT078M.21P"), DataFile("SEPT078M.21O"));
+  ASSERT_EQ(a.code, 0) << a.err;
+  EXPECT_EQ(json::parse(a.out)["run"]["epochs"], 900);
+}
+
+TEST(Command, APackedFileBeyondTheLimitIsRefusedAndAFlagRaisesTheLimit) {
+  ORSOLVA_NEED_FILE(DataFile("KMS300DNK_R_20221591000_01H_MN.rnx.gz"));
+  const std::string run = "qc " + DataFile("KMS300DNK_R_20221591000_01H_30S_MO.crx");
+  const Answer refused = Orsolva(run + " --max-size 10K");
+  EXPECT_EQ(refused.code, 1);
+  EXPECT_NE(refused.err.find("--max-size"), std::string::npos) << refused.err;
+  EXPECT_EQ(Orsolva(run + " --max-size 1M").code, 0);
+}
+
+TEST(Command, SignalStrengthDigitsCountOnlyWhenAsked) {
+  ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
+  EXPECT_EQ(Orsolva("qc --snr-from-strength " + QuarterHour()).code, 0);
 }
 
 TEST(Command, FilesInTheWrongOrderAreNamedWithTheirLine) {

@@ -215,6 +215,137 @@ TEST(NavigationReader, OfVersionFourTheBroadcastOrbitsAreTakenAndTheRestCounted)
   EXPECT_EQ(file.notices.Total(), 2);
 }
 
+// RINEX 2: one system a file, two-digit years, columns one further left.
+
+std::string Header2(const std::string& type, char system = ' ', const std::string& version = "2.11") {
+  std::string line = "     " + version + "           " + type;
+  line.resize(40, ' ');
+  return HeaderLine(line + system, "RINEX VERSION / TYPE") + HeaderLine("", "END OF HEADER");
+}
+
+/// The same record with three blanks before its further lines.
+std::string Record2(const std::string& first, int lines,
+                    std::initializer_list<std::pair<int, double>> named = {}) {
+  std::string text = Record(first, lines, named);
+  for (std::size_t at = 0; (at = text.find("\n    ", at)) != std::string::npos; ++at) text.erase(at + 1, 1);
+  return text;
+}
+
+TEST(NavigationVersion2, GpsRecordsHaveTheirValuesOneColumnFurtherLeft) {
+  const ReadFile file(Header2("N: GPS NAV DATA") + Record2(" 5 20  6 25  2  0  0.0", 7, {{21, 2111}}) +
+                      Record2("12 99 12 31 23 59 44.0", 7, {{21, 1042}}));
+  ASSERT_EQ(file.set.gps.size(), 2U);
+  const GpsEph_gbt& e = file.set.gps[0];
+  EXPECT_EQ(e.prn, 5);
+  EXPECT_EQ(e.toc.time, 1593050400);
+  EXPECT_EQ(e.af2, 2);
+  EXPECT_EQ(e.iode, 3);
+  EXPECT_EQ(e.sqrtA, 10);
+  EXPECT_EQ(e.idot, 19);
+  EXPECT_EQ(e.svh, 24);
+  EXPECT_EQ(file.set.gps[1].prn, 12);
+  EXPECT_EQ(file.set.gps[1].toc.time, 946684784);
+  EXPECT_EQ(file.notices.Total(), 0);
+}
+
+TEST(NavigationVersion2, GlonassRecordsKeepUtcAndClockSigns) {
+  const ReadFile file(Header2("G: GLONASS NAV DATA") +
+                      Record2(" 7 20  6 24 23 15  0.0", 3, {{0, 6.4e-5}, {1, -1e-12}, {6, 1}, {10, -7}}));
+  ASSERT_EQ(file.set.glonass.size(), 1U);
+  const GloEph_gbt& e = file.set.glonass[0];
+  EXPECT_EQ(e.prn, 7);
+  EXPECT_EQ(e.toe.time, 1593040500);
+  EXPECT_EQ(e.clock_bias, 6.4e-5);
+  EXPECT_EQ(e.clock_rate, -1e-12);
+  EXPECT_EQ(e.frequency_channel, -7);
+  EXPECT_EQ(e.az, 13);
+}
+
+TEST(NavigationVersion2, TheFileTypeOrTheLetterBesideItTellsTheSystem) {
+  const std::string record = Record2(" 5 20  6 25  2  0  0.0", 7, {{20, 517}, {21, 2111}});
+  EXPECT_EQ(ReadFile(Header2("E: GALILEO NAV DATA") + record).set.galileo.size(), 1U);
+  EXPECT_EQ(ReadFile(Header2("L: GALILEO NAV DATA") + record).set.galileo.size(), 1U);
+  EXPECT_EQ(ReadFile(Header2("N: GNSS NAV DATA", 'E') + record).set.galileo.size(), 1U);
+  EXPECT_EQ(ReadFile(Header2("J: QZSS NAV DATA") + record).set.qzss.size(), 1U);
+  EXPECT_EQ(ReadFile(Header2("N: GNSS NAV DATA", 'C') + record).set.bds.size(), 1U);
+  const ReadFile geostationary(Header2("H: GEO NAV MSG DATA") + Record2("20 20  6 25  2  0  0.0", 3));
+  EXPECT_EQ(geostationary.set.Size(), 0U);
+  EXPECT_TRUE(geostationary.Said("system S"));
+}
+
+TEST(NavigationVersion2, MixedFilesMayHaveLettersWithEitherYear) {
+  const ReadFile file(Header2("N: GNSS NAV DATA", 'M', "2.12") +
+                      Record("G05 20  6 25  2  0  0.0", 7, {{21, 2111}}) +
+                      Record("R 7 20  6 24 23 15  0.0", 3, {{10, 3}}) +
+                      Record("E11 2020 06 25 02 00 00", 7, {{20, 517}, {21, 2111}}));
+  ASSERT_EQ(file.set.gps.size(), 1U);
+  EXPECT_EQ(file.set.gps[0].toc.time, 1593050400);
+  EXPECT_EQ(file.set.gps[0].idot, 19);
+  ASSERT_EQ(file.set.glonass.size(), 1U);
+  EXPECT_EQ(file.set.glonass[0].frequency_channel, 3);
+  ASSERT_EQ(file.set.galileo.size(), 1U);
+  EXPECT_EQ(file.set.galileo[0].af1, 1);
+  EXPECT_EQ(file.notices.Total(), 0);
+}
+
+TEST(NavigationVersion2, DamagedFirstLinesArePassedOver) {
+  const ReadFile file(Header2("N: GPS NAV DATA") + Record2(" x 20  6 25  2  0  0.0", 7) +
+                      Record2(" 5 20 13 25  2  0  0.0", 7) +
+                      Record2(" 6 20  6 25  2  0  0.0", 7, {{21, 2111}}));
+  ASSERT_EQ(file.set.gps.size(), 1U);
+  EXPECT_EQ(file.set.gps[0].prn, 6);
+  EXPECT_EQ(file.notices.Total(), 2);
+}
+
+TEST(NavigationReader, WeeksCountedFromALaterBeginningAreMadeWhole) {
+  const auto week_of = [](double week, const char* satellite) {
+    const ReadFile file(Header() +
+                        Record(std::string(satellite) + " 2020 06 25 02 00 00", 7, {{20, 517}, {21, week}}));
+    return file.set.gps.empty() ? file.set.galileo.at(0).week : file.set.gps[0].week;
+  };
+  EXPECT_EQ(week_of(2111, "G05"), 2111);
+  EXPECT_EQ(week_of(2111 - 2048, "G05"), 2111);
+  EXPECT_EQ(week_of(2111 - 1024, "E05"), 2111);
+  EXPECT_EQ(week_of(2112 - 1024, "G05"), 2112);
+  EXPECT_EQ(week_of(2000, "G05"), 2000);
+  EXPECT_TRUE(ReadFile(Header() + Record("G05 2020 06 25 02 00 00", 7, {{21, 63}})).Said("made whole"));
+}
+
+TEST(NavigationReader, FilesThatWereJoinedAreReadOnAtTheirHeaders) {
+  const ReadFile file(Header() + Record("G05 2020 06 25 02 00 00", 7) + HeaderLine("note", "COMMENT") +
+                      Header2("N: GPS NAV DATA") + Record2(" 6 20  6 25  2  0  0.0", 7));
+  ASSERT_EQ(file.set.gps.size(), 2U);
+  EXPECT_EQ(file.set.gps[1].idot, 19);
+  EXPECT_TRUE(file.Said("comments among the records"));
+  EXPECT_TRUE(file.Said("a second header"));
+}
+
+TEST(NavigationReader, LaterVersionsAreReadWithANotice) {
+  const ReadFile file(Header("3.09") + Record("G05 2020 06 25 02 00 00", 7, {{21, 2111}}));
+  EXPECT_EQ(file.set.gps.size(), 1U);
+  EXPECT_TRUE(file.Said("later than those known"));
+}
+
+TEST(NavigationReader, MoreRecordsThanTheLimitAllowsAreRefused) {
+  NavigationOptions options;
+  options.limits.most_records = 2;
+  Diagnostics notices;
+  NavigationReader reader(notices, options);
+  const std::string two =
+      Header() + Record("G05 2020 06 25 02 00 00", 7) + Record("G06 2020 06 25 02 00 00", 7);
+  reader.Read(TextBytes(two), "a");
+  EXPECT_EQ(reader.Take().Size(), 2U);
+  EXPECT_THROW(reader.Read(TextBytes(Header() + Record("G07 2020 06 25 02 00 00", 7)), "b"), FileError);
+}
+
+TEST(NavigationReader, FilesReadAreKnown) {
+  Diagnostics notices;
+  NavigationReader reader(notices);
+  reader.Read(TextBytes(Header()), "a");
+  reader.Read(TextBytes(Header()), "b");
+  EXPECT_EQ(reader.Files(), (std::vector<std::string>{"a", "b"}));
+}
+
 TEST(NavigationReader, ErrorsNameTheFileAndWhatWasFound) {
   const auto found = [](const std::string& text) {
     try {
@@ -229,8 +360,9 @@ TEST(NavigationReader, ErrorsNameTheFileAndWhatWasFound) {
   EXPECT_NE(
       found(HeaderLine("     3.04           OBSERVATION DATA", "RINEX VERSION / TYPE")).find("OBSERVATION"),
       std::string::npos);
-  EXPECT_NE(found(HeaderLine("     2.11           N", "RINEX VERSION / TYPE")).find("2.11"),
+  EXPECT_NE(found(HeaderLine("     1.00           N", "RINEX VERSION / TYPE")).find("1.00"),
             std::string::npos);
+  EXPECT_NE(found(HeaderLine("     2.11           O", "RINEX VERSION / TYPE")).find("O"), std::string::npos);
   EXPECT_NE(found("").find("empty"), std::string::npos);
   EXPECT_NE(found(HeaderLine("     3.04           N", "RINEX VERSION / TYPE")).find("END OF HEADER"),
             std::string::npos);

@@ -19,11 +19,12 @@ struct Answer {
   std::string err;
 };
 
-inline Answer Orsolva(const std::string& arguments) {
+/// @param input  file that standard input is read from
+inline Answer Orsolva(const std::string& arguments, const std::string& input = "/dev/null") {
   const std::string base =
       testing::TempDir() + "orsolva_command_" + testing::UnitTest::GetInstance()->current_test_info()->name();
   const std::string command =
-      std::string(ORSOLVA_PROGRAM) + " " + arguments + " >" + base + ".out 2>" + base + ".err </dev/null";
+      std::string(ORSOLVA_PROGRAM) + " " + arguments + " >" + base + ".out 2>" + base + ".err <" + input;
   const int status = std::system(command.c_str());
   Answer answer{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadText(base + ".out"),
                 ReadText(base + ".err")};

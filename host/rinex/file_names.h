@@ -1,0 +1,29 @@
+// What the name of a RINEX file says.
+#ifndef ORSOLVA_RINEX_FILE_NAMES_H
+#define ORSOLVA_RINEX_FILE_NAMES_H
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace orsolva_host {
+
+enum class FileKind { kObservation, kNavigation, kOther };
+
+struct RinexName {
+  std::string station;   ///< four characters, or nine of a long name; upper case
+  std::int64_t day = 0;  ///< first day of the data, days since 1970-01-01
+  FileKind kind = FileKind::kOther;
+  std::string whole;  ///< upper case, without packing: equal for two packings of one file
+};
+
+/// Reads names of both forms, in any case and with or without a packing's ending:
+/// "ssssdddf.yyt" (RINEX 2.11, section 4) and "XXXXMRCCC_S_YYYYDDDHHMM_..._MO.rnx" (RINEX 3.05, table A1).
+/// Navigation data of geostationary satellites alone and of IRNSS count as other.
+/// @return absent for any other name
+std::optional<RinexName> ParseRinexName(std::string_view name);
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_RINEX_FILE_NAMES_H

@@ -80,9 +80,9 @@ TEST(Command, NavigationBesideTheObservationsIsFoundAndNamed) {
 
 TEST(Command, NavigationMayBeNamedByItsFolder) {
   ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
-  const Answer a =
-      Orsolva("qc --json " + DataFile("SEPT078M.21O") + " " + DataFile("") + " | grep -c MN.rnx");
-  EXPECT_EQ(a.code, 0) << a.err;
+  const Answer a = Orsolva("qc --json " + DataFile("SEPT078M.21O") + " " + DataFile(""));
+  ASSERT_EQ(a.code, 0) << a.err;
+  EXPECT_EQ(json::parse(a.out)["run"]["navigation_files"].size(), 3U);
 }
 
 TEST(Command, ObservationsMayComeFromStandardInput) {
@@ -99,11 +99,6 @@ TEST(Command, APackedFileBeyondTheLimitIsRefusedAndAFlagRaisesTheLimit) {
   EXPECT_EQ(refused.code, 1);
   EXPECT_NE(refused.err.find("--max-size"), std::string::npos) << refused.err;
   EXPECT_EQ(Orsolva(run + " --max-size 1M").code, 0);
-}
-
-TEST(Command, SignalStrengthDigitsCountOnlyWhenAsked) {
-  ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
-  EXPECT_EQ(Orsolva("qc --snr-from-strength " + QuarterHour()).code, 0);
 }
 
 TEST(Command, FilesInTheWrongOrderAreNamedWithTheirLine) {

@@ -117,7 +117,7 @@ TEST(DetailTable, DoesNotChangeTheReport) {
 TEST(DetailTable, AFailedRunLeavesNoTable) {
   ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
   const std::string path = Path("none.csv");
-  EXPECT_EQ(Orsolva("qc --detail " + path + " " + DataFile("SEPT078M.21O")).code, 1);
+  EXPECT_EQ(Orsolva("qc --detail " + path + " " + DataFile("SEPT078M.21O") + " /nonexistent.nav").code, 1);
   EXPECT_FALSE(std::filesystem::exists(path));
 }
 

@@ -52,7 +52,7 @@ TEST(FileNames, OtherNamesSayNothing) {
   }
 }
 
-class Folder : public testing::Test {
+class InputFolder : public testing::Test {
  protected:
   void SetUp() override {
     path_ = std::filesystem::path(testing::TempDir()) /
@@ -80,7 +80,7 @@ class Folder : public testing::Test {
 
 using Names = std::vector<std::string>;
 
-TEST_F(Folder, TheStationsOwnNavigationOfTheDayIsFoundInBothNameForms) {
+TEST_F(InputFolder, TheStationsOwnNavigationOfTheDayIsFoundInBothNameForms) {
   for (const char* name :
        {"abcd0050.21o", "abcd0050.21n", "abcd0050.21g.Z", "ABCD00XYZ_R_20210050000_01D_EN.rnx",
         "abcd0060.21n", "brdc0050.21n", "efgh0050.21n", "abcd0050.21h", "notes.txt"}) {
@@ -90,7 +90,7 @@ TEST_F(Folder, TheStationsOwnNavigationOfTheDayIsFoundInBothNameForms) {
             (Names{"abcd0050.21g.Z", "abcd0050.21n", "ABCD00XYZ_R_20210050000_01D_EN.rnx"}));
 }
 
-TEST_F(Folder, BroadcastFilesOfANetworkComeBeforeThoseOfOtherStations) {
+TEST_F(InputFolder, BroadcastFilesOfANetworkComeBeforeThoseOfOtherStations) {
   for (const char* name : {"efgh0050.21n", "BRDC00IGS_R_20210050000_01D_MN.rnx.gz"}) Put(name);
   EXPECT_EQ(Beside("abcd0050.21o", 5), (Names{"BRDC00IGS_R_20210050000_01D_MN.rnx.gz"}));
   std::filesystem::remove(path_ / "BRDC00IGS_R_20210050000_01D_MN.rnx.gz");
@@ -99,7 +99,7 @@ TEST_F(Folder, BroadcastFilesOfANetworkComeBeforeThoseOfOtherStations) {
   EXPECT_EQ(Beside("abcd0050.21o", 5), (Names{"aaaa0050.21g", "aaaa0050.21n"}));
 }
 
-TEST_F(Folder, TheNearestDayComesFirstAndFartherThanADayIsOfNoUse) {
+TEST_F(InputFolder, TheNearestDayComesFirstAndFartherThanADayIsOfNoUse) {
   for (const char* name : {"abcd0040.21n", "brdc0050.21n", "abcd0090.21n"}) Put(name);
   EXPECT_EQ(Beside("abcd0050.21o", 5), (Names{"brdc0050.21n"}));
   EXPECT_EQ(Beside("any_name.rnx", 4), (Names{"abcd0040.21n"}));
@@ -107,17 +107,17 @@ TEST_F(Folder, TheNearestDayComesFirstAndFartherThanADayIsOfNoUse) {
   EXPECT_TRUE(Beside("any_name.rnx", 7).empty());
 }
 
-TEST_F(Folder, TwoPackingsOfOneFileAreReadOnce) {
+TEST_F(InputFolder, TwoPackingsOfOneFileAreReadOnce) {
   for (const char* name : {"abcd0050.21n", "abcd0050.21n.gz", "ABCD0050.21N.Z"}) Put(name);
   EXPECT_EQ(Beside("abcd0050.21o", 5).size(), 1U);
 }
 
-TEST_F(Folder, StandardInputAndMissingFoldersHaveNothingBesideThem) {
+TEST_F(InputFolder, StandardInputAndMissingFoldersHaveNothingBesideThem) {
   EXPECT_TRUE(NavigationBeside("-", {0, 0.0}).empty());
   EXPECT_TRUE(NavigationBeside(At("missing/abcd0050.21o"), {0, 0.0}).empty());
 }
 
-TEST_F(Folder, AFolderStandsForItsFilesByNameOrContent) {
+TEST_F(InputFolder, AFolderStandsForItsFilesByNameOrContent) {
   Put("abcd0050.21o");
   Put("abcd0050.21n");
   Put("odd.nav", HeaderLine("     3.04           N: GNSS NAV DATA    M", "RINEX VERSION / TYPE"));
@@ -135,17 +135,17 @@ TEST_F(Folder, AFolderStandsForItsFilesByNameOrContent) {
             (Names{"/a/named.one", At("abcd0050.21n"), At("odd.nav")}));
 }
 
-TEST_F(Folder, AFolderWithoutNavigationIsAnError) {
+TEST_F(InputFolder, AFolderWithoutNavigationIsAnError) {
   EXPECT_THROW(NavigationFilesOf({path_.string()}), FileError);
 }
 
-TEST_F(Folder, FilesNamedAloneAreNeverDroppedSilently) {
+TEST_F(InputFolder, FilesNamedAloneAreNeverDroppedSilently) {
   const InputFiles files = SortInputs({At("missing.rnx"), At("abcd0050.21n")});
   EXPECT_EQ(files.observations, (Names{At("missing.rnx")}));
   EXPECT_EQ(files.navigation, (Names{At("abcd0050.21n")}));
 }
 
-TEST_F(Folder, NavigationThatWasFoundIsNamedInANoticeAndThatNamedIsNot) {
+TEST_F(InputFolder, NavigationThatWasFoundIsNamedInANoticeAndThatNamedIsNot) {
   Put("abcd0050.21n");
   Diagnostics notices;
   const Time_gbt time = {DaysFromCivil(2021, 1, 5) * 86400, 0.0};

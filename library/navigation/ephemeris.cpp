@@ -1,6 +1,7 @@
 #include "navigation/ephemeris.h"
 
 #include <cmath>
+#include <limits>
 
 #include "navigation/constants.h"
 
@@ -10,6 +11,8 @@ namespace {
 constexpr std::int32_t kUnknownChannel = -999;
 constexpr double kPassMaxAge = 7200.0;         // s
 constexpr double kPassMaxAgeGlonass = 1800.0;  // s
+// More than the shift from GPS to BDS time, s.
+constexpr double kBdsShiftMargin = 100.0;
 
 template <class Traits>
 bool SelectFrom(const SystemEphemeris<Traits>& store, const SatelliteId& satellite, const AbsoluteTime& time,
@@ -105,6 +108,15 @@ bool Ephemeris::CoveredAtOrBefore(const SatelliteId& satellite, const AbsoluteTi
                                   AbsoluteTime& at) const {
   return WithStore(*this, satellite.system,
                    [&](const auto& store) { return store.CoveredAtOrBefore(satellite, from, at); });
+}
+
+double Ephemeris::StandsStillFor(const SatelliteId& satellite, const AbsoluteTime& t, int direction) {
+  if (satellite.system != kBds) return 0.0;
+  const double before_begin = TimeDifference({kCalendarBegin, -kBdsShiftMargin}, t);
+  const double after_end = TimeDifference(t, {kCalendarEnd, kBdsShiftMargin});
+  if (before_begin > 0.0) return direction > 0 ? before_begin : std::numeric_limits<double>::infinity();
+  if (after_end > 0.0) return direction > 0 ? std::numeric_limits<double>::infinity() : after_end;
+  return 0.0;
 }
 
 void Ephemeris::UpdateGlonassChannels() {

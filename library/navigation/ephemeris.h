@@ -65,6 +65,11 @@ class Ephemeris {
   /// Latest such time at or before `from`.
   bool CoveredAtOrBefore(const SatelliteId& satellite, const AbsoluteTime& from, AbsoluteTime& at) const;
 
+  /// How long, in s, from `t` on (direction 1) or back from it (-1) the satellite has the same place:
+  /// infinity for ever, 0.0 where it moves. Beyond the calendar every time is the same to a BDS satellite.
+  /// Lets callers end a walk through times that records cover for ever.
+  static double StandsStillFor(const SatelliteId& satellite, const AbsoluteTime& t, int direction);
+
   /// Frequency channels of GLONASS slots 1 to 32, -999 where unknown.
   const std::int32_t* GlonassChannels() const { return glonass_channels_; }
   /// Fills the channel table from the first stored record of each slot.

@@ -9,8 +9,9 @@
 namespace gnssqctoolkit {
 namespace {
 
-constexpr double kSameFraction = 1e-12;  // s, between the clock times of one record loaded twice
-constexpr double kCoverMargin = 1e-6;    // s, for the rounding of ages
+constexpr double kSameFraction = 1e-12;    // s, between the clock times of one record loaded twice
+constexpr double kCoverMargin = 1e-6;      // s, for the rounding of ages
+constexpr double kCalendarMargin = 100.0;  // s, for the shift to BDS time at the ends of the calendar
 
 bool IsFinite(const SatelliteState& state) {
   return std::isfinite(state.Position[0]) && std::isfinite(state.Position[1]) &&
@@ -19,6 +20,14 @@ bool IsFinite(const SatelliteState& state) {
 
 bool HasRange(double pseudorange) {
   return std::fabs(pseudorange) >= kAbsentRange && std::isfinite(pseudorange);
+}
+
+// Times outside the calendar collapse to zero on their way to BDS time.
+double SecondsToCollapsedTime(const AbsoluteTime& t, int direction) {
+  const double since_begin = TimeDifference(t, {kCalendarBegin, kCalendarMargin});
+  const double to_end = TimeDifference({kCalendarEnd, -kCalendarMargin}, t);
+  if (since_begin > 0.0 && to_end > 0.0) return direction > 0 ? to_end : since_begin;
+  return 0.0;
 }
 
 // How much later than its reference time, read as GPS time, a record may count: BDS time is behind GPS time
@@ -89,12 +98,12 @@ bool SatelliteEphemeris<Traits>::NearestCovered(const AbsoluteTime& t, int direc
   bool found = false;
   for (const AbsoluteTime& reference : references_) {
     const double to_reference = TimeDifference(reference, t);
-    // Times outside the calendar collapse to zero on their way to BDS time, so that a record whose own time
-    // collapsed may be near any of them.
+    // A record whose own time collapsed is near every other that did.
     if (std::is_same_v<Traits, BdsTraits> &&
         std::fabs(TimeDifference(reference, AbsoluteTime{})) <= kLongestMaxAge) {
-      offset_s = 0.0;
-      return true;
+      const double offset = SecondsToCollapsedTime(t, direction);
+      if (!found || offset < offset_s) offset_s = offset;
+      found = true;
     }
     const double reach = max_age_s_ + kCoverMargin + std::fabs(to_reference) * 1e-15;
     const double first = to_reference - reach, last = to_reference + reach + widen_s;

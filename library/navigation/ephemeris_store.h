@@ -102,7 +102,6 @@ class SystemEphemeris {
   /// See Ephemeris::CoveredAtOrAfter and CoveredAtOrBefore.
   bool CoveredAtOrAfter(const SatelliteId& satellite, const AbsoluteTime& from, AbsoluteTime& at) const;
   bool CoveredAtOrBefore(const SatelliteId& satellite, const AbsoluteTime& from, AbsoluteTime& at) const;
-
   /// Drops every record.
   void Release();
 

@@ -106,18 +106,7 @@ bool ElevationSamples::Exists(std::int64_t i) {
 std::int64_t ElevationSamples::NextExisting(std::int64_t i) {
   for (i = AfterGap(i); i <= last_index_; i = AfterGap(i)) {
     if (Exists(i)) return i;
-    std::int64_t end = last_index_;
-    gnssqctoolkit::AbsoluteTime covered;
-    const Time_gbt time = SampleTime(i);
-    if (view_->Records().CoveredAtOrAfter(satellite_, ToAbsolute(time), covered)) {
-      const double ahead = std::floor(TimeDifference(FromAbsolute(covered), time) / 60.0);
-      if (!(ahead > 1.0)) {
-        end = i;
-      } else if (ahead < static_cast<double>(kMostSamples)) {
-        end = std::min(last_index_, i + static_cast<std::int64_t>(ahead) - 1);
-      }
-    }
-    RememberGap(i, end);
+    RememberGap(i, std::min(last_index_, i + Missing(i, +1) - 1));
   }
   return kNone;
 }
@@ -125,20 +114,23 @@ std::int64_t ElevationSamples::NextExisting(std::int64_t i) {
 std::int64_t ElevationSamples::PreviousExisting(std::int64_t i) {
   for (i = BeforeGap(i); i >= 0; i = BeforeGap(i)) {
     if (Exists(i)) return i;
-    std::int64_t end = 0;
-    gnssqctoolkit::AbsoluteTime covered;
-    const Time_gbt time = SampleTime(i);
-    if (view_->Records().CoveredAtOrBefore(satellite_, ToAbsolute(time), covered)) {
-      const double back = std::floor(TimeDifference(time, FromAbsolute(covered)) / 60.0);
-      if (!(back > 1.0)) {
-        end = i;
-      } else if (back < static_cast<double>(kMostSamples)) {
-        end = std::max<std::int64_t>(0, i - static_cast<std::int64_t>(back) + 1);
-      }
-    }
-    RememberGap(end, i);
+    RememberGap(std::max<std::int64_t>(0, i - Missing(i, -1) + 1), i);
   }
   return kNone;
+}
+
+std::int64_t ElevationSamples::Missing(std::int64_t i, int direction) const {
+  const gnssqctoolkit::AbsoluteTime time = ToAbsolute(SampleTime(i));
+  const gnssqctoolkit::Ephemeris& records = view_->Records();
+  gnssqctoolkit::AbsoluteTime covered;
+  const bool found = direction > 0 ? records.CoveredAtOrAfter(satellite_, time, covered)
+                                   : records.CoveredAtOrBefore(satellite_, time, covered);
+  if (!found) return kMostSamples;
+  const double uncovered = std::fabs(TimeDifference(covered, time));
+  const double still = records.StandsStillFor(satellite_, time, direction);
+  const double steps = std::floor(std::max(uncovered, still) / static_cast<double>(kSampleStep));
+  if (!(steps < static_cast<double>(kMostSamples))) return kMostSamples;
+  return std::max<std::int64_t>(1, static_cast<std::int64_t>(steps));
 }
 
 void ElevationSamples::RememberGap(std::int64_t first, std::int64_t last) {

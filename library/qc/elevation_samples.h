@@ -61,6 +61,8 @@ class ElevationSamples {
   std::int64_t IndexAtOrAfter(const Time_gbt& t) const;
   bool Exists(std::int64_t i);
   void RememberGap(std::int64_t first, std::int64_t last);
+  /// How many samples from the missing sample i on, in a direction, are known to be missing with it.
+  std::int64_t Missing(std::int64_t i, int direction) const;
   std::int64_t NextExisting(std::int64_t i);
   std::int64_t PreviousExisting(std::int64_t i);
   std::int64_t AfterGap(std::int64_t i) const;

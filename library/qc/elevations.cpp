@@ -86,4 +86,8 @@ bool QcEleList::CoveredAtOrAfter(const Time_gbt& t, Time_gbt& at) const {
   return true;
 }
 
+double QcEleList::StandsStillFor(const Time_gbt& t) const {
+  return view_.Records().StandsStillFor(satellite_, ToAbsolute(t), +1);
+}
+
 }  // namespace orsolva

@@ -46,6 +46,9 @@ class QcEleList {
   /// Earliest time at or after `t` at which broadcast records cover the satellite; false when there is none.
   bool CoveredAtOrAfter(const Time_gbt& t, Time_gbt& at) const;
 
+  /// How long from `t` on the satellite has the same place, s; see Ephemeris::StandsStillFor.
+  double StandsStillFor(const Time_gbt& t) const;
+
   void Clear() { samples_.Clear(); }
 
  private:

@@ -61,6 +61,8 @@ std::int64_t NominalGap::RunEnd(std::int64_t first) const {
   const std::int64_t look = std::max<std::int64_t>(1, Steps(kLookStep, interval_));
   const Time_gbt from = Nominal(first);
   Time_gbt covered{};
+  const double still = elevations_.StandsStillFor(from);
+  if (still > kLookStep) return first + std::max(look, Steps(still, interval_)) - 1;
   if (!elevations_.CoveredAtOrAfter(from, covered)) return static_cast<std::int64_t>(kMostSteps);
   const double ahead = TimeDifference(covered, from);
   if (!(ahead > kLookStep)) return first + look - 1;

@@ -18,8 +18,6 @@ namespace {
 constexpr std::int64_t kSecondsPerDay = 86400;
 constexpr std::int64_t kDaysOf4Years = 1461;
 constexpr std::int64_t kDaysOf400Years = 146097;
-/// Days from 1970-01-01 to 2100-01-01, the first day that has no absolute form.
-constexpr std::int64_t kDaysTo2100 = 47482;
 /// Days counted before 1981-01-01.
 // Kept for compatibility: 360 makes 1981-01-01 week 51 day 4; dates of 1980 come out six days off.
 constexpr std::int64_t kDaysBefore1981 = 360;
@@ -228,10 +226,9 @@ AbsoluteTime SubtractSeconds(const AbsoluteTime& t, double dt) {
 }
 
 AbsoluteTime ThroughCalendar(const AbsoluteTime& t) {
-  const std::int64_t days = t.Seconds / kSecondsPerDay;
   // Years below 1970 begin a whole block of four years before it: the calendar counts those days back from
   // 1970.
-  if (days <= -kDaysOf4Years || days >= kDaysTo2100) return AbsoluteTime{};
+  if (t.Seconds <= kCalendarBegin || t.Seconds >= kCalendarEnd) return AbsoluteTime{};
   const std::int64_t of_minute = t.Seconds % 60;
   const double second = static_cast<double>(of_minute) + t.Fraction;
   if (!HasWholeSeconds(second)) return AbsoluteTime{};

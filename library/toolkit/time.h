@@ -69,6 +69,10 @@ AbsoluteTime SubtractSeconds(const AbsoluteTime& t, double dt);
 /// GNSSTime(t).Absolute(), bit for bit, without building the calendar.
 AbsoluteTime ThroughCalendar(const AbsoluteTime& t);
 
+/// Whole seconds between which an instant has a calendar form: later than the first, earlier than the second.
+inline constexpr std::int64_t kCalendarBegin = std::int64_t{-1461} * 86400;
+inline constexpr std::int64_t kCalendarEnd = std::int64_t{47482} * 86400;  // 2100-01-01
+
 /// t + dt with the floor of the new fraction moved into the whole seconds.
 AbsoluteTime AbsoluteTimeAdd(const AbsoluteTime& t, double dt);
 

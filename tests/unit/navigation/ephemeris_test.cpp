@@ -169,6 +169,40 @@ TEST(Ephemeris, CoversTheMaximumAgeInForce) {
   EXPECT_FALSE(e.CoveredAtOrAfter({kSbas, 4}, At(0.0), at));
 }
 
+// A week beyond the calendar collapses to zero in BDS time, as every time beyond it does.
+TEST(Ephemeris, ABdsRecordBeyondTheCalendarCoversTheTimesBeyondItOnly) {
+  Ephemeris e;
+  BdsEph_gbt far = BdsRecord(20);
+  far.week = 100000;
+  e.Bds().Add(far);
+  const SatelliteId satellite{kBds, 20};
+  EphemerisChoice choice;
+  AbsoluteTime at;
+  EXPECT_FALSE(e.Select(satellite, At(0.0), choice));
+  ASSERT_TRUE(e.CoveredAtOrAfter(satellite, At(0.0), at));
+  EXPECT_NEAR(TimeDifference(at, {kCalendarEnd, 0.0}), 0.0, 200.0);
+  ASSERT_TRUE(e.CoveredAtOrBefore(satellite, At(0.0), at));
+  EXPECT_LE(TimeDifference(at, {86400, 200.0}), 0.0) << "the record itself is read as the first day of 1970";
+  for (const AbsoluteTime& beyond :
+       {AbsoluteTime{kCalendarEnd, 200.0}, AbsoluteTime{kCalendarBegin, -200.0}}) {
+    EXPECT_TRUE(e.Select(satellite, beyond, choice));
+    ASSERT_TRUE(e.CoveredAtOrAfter(satellite, beyond, at));
+    EXPECT_EQ(TimeDifference(at, beyond), 0.0);
+  }
+}
+
+TEST(Ephemeris, ABdsSatelliteStandsStillBeyondTheCalendar) {
+  const SatelliteId bds{kBds, 20};
+  EXPECT_EQ(Ephemeris::StandsStillFor(bds, At(0.0), +1), 0.0);
+  EXPECT_EQ(Ephemeris::StandsStillFor(bds, {kCalendarEnd, 200.0}, +1),
+            std::numeric_limits<double>::infinity());
+  EXPECT_EQ(Ephemeris::StandsStillFor(bds, {kCalendarEnd, 200.0}, -1), 100.0);
+  EXPECT_EQ(Ephemeris::StandsStillFor(bds, {kCalendarBegin, -200.0}, +1), 100.0);
+  EXPECT_EQ(Ephemeris::StandsStillFor(bds, {kCalendarBegin, -200.0}, -1),
+            std::numeric_limits<double>::infinity());
+  EXPECT_EQ(Ephemeris::StandsStillFor({kGps, 20}, {kCalendarEnd, 200.0}, +1), 0.0);
+}
+
 TEST(Ephemeris, EndsForAbsurdTimes) {
   ExactSky sky;
   GloEph_gbt far = GlonassRecord(3);

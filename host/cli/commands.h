@@ -15,6 +15,9 @@ void AddQcCommand(CLI::App& app, int& exit_code);
 /// orsolva simulate
 void AddSimulateCommand(CLI::App& app, int& exit_code);
 
+/// orsolva compare REPORT TRUTH
+void AddCompareCommand(CLI::App& app, int& exit_code);
+
 /// orsolva version
 void AddVersionCommand(CLI::App& app, int& exit_code);
 

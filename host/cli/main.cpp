@@ -11,6 +11,7 @@ int main(int argc, char** argv) {
   int exit_code = orsolva_host::kWrongUsage;
   orsolva_host::AddQcCommand(app, exit_code);
   orsolva_host::AddSimulateCommand(app, exit_code);
+  orsolva_host::AddCompareCommand(app, exit_code);
   orsolva_host::AddVersionCommand(app, exit_code);
   try {
     app.parse(argc, argv);

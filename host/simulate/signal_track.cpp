@@ -176,7 +176,9 @@ void SignalTrack::Measure(const EpochGeometry& g, Signal_QC_gbt& out, SignalTrut
   out.snr = static_cast<float>(ThreeDecimals(std::max(snr, 1.0)));
 
   const double error = noise + multipath + jump;
-  const double residual = mean_.Residual(error);
+  if (jump != last_jump_m_) mean_.Clear();
+  last_jump_m_ = jump;
+  const double residual = mean_.Residual(noise + multipath);
   if (!g.delivered) return;
   ++truth.tracked;
   const double given = static_cast<double>(out.snr);

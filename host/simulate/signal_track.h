@@ -84,6 +84,7 @@ class SignalTrack {
   double acquired_from_s_ = 0;
   double outage_end_s_ = 0;
   double ambiguity_cycles_ = 0;
+  double last_jump_m_ = 0;
   MovingMean mean_;
 };
 

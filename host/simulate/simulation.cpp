@@ -379,6 +379,8 @@ void Simulation::Work::Observe(std::size_t index, const EpochGeometry& geometry,
   for (std::size_t i = logged; i < truth.faults.size(); ++i) {
     truth.faults[i].satellite = SatelliteName(t.system, t.number);
   }
+  const bool two = satellite.signal_num >= std::min<std::size_t>(2, work_[index].signals.size());
+  if (two && satellite.signal_num > 0 && geometry.above_cutoff && geometry.delivered) ++t.two_signals;
   if (geometry.elevation_rad > 0) moments.back().tracked_signals = static_cast<int>(satellite.signal_num);
   if (satellite.signal_num == 0 || epoch.sat_num >= kMostSatellites) return;
   satellite.sys = static_cast<std::uint8_t>(kSystemTable[SystemSlot(t.system)].code);

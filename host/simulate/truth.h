@@ -32,8 +32,9 @@ struct SignalTruth {
   MeanOf noise_square;             ///< m^2, above the cut-off
   MeanOf multipath_square;         ///< m^2, above the cut-off
   MeanOf code_error_square;        ///< m^2, above the cut-off: noise, multipath and code jumps together
-  MeanOf detrended_square;         ///< m^2, above the cut-off: code error less its moving mean, see Truth
-  MeanOf snr;                      ///< dB-Hz, every epoch tracked
+  MeanOf detrended_square;  ///< m^2, above the cut-off: noise and multipath less their moving mean, see
+                            ///< Truth; a code jump begins the mean anew
+  MeanOf snr;               ///< dB-Hz, every epoch tracked
   MeanOf snr_above_cutoff;
   MeanOf snr_below30;  ///< at and below 30 degrees
   MeanOf snr_above30;
@@ -45,6 +46,9 @@ struct SatelliteTruth {
   bool healthy = true;
   std::uint64_t visible = 0;       ///< nominal epochs of the span with the satellite above the horizon
   std::uint64_t above_cutoff = 0;  ///< nominal epochs with it above the truth cut-off, delivered or not
+  /// Epochs delivered with the satellite above the truth cut-off and two of its signals tracked, or its only
+  /// one.
+  std::uint64_t two_signals = 0;
   std::vector<SignalTruth> signals;
 };
 

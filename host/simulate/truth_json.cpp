@@ -22,6 +22,7 @@ Json SignalJson(const SignalTruth& s) {
   j["signal"] = s.name;
   j["tracked_epochs"] = s.tracked;
   j["above_cutoff_epochs"] = s.above_cutoff;
+  j["above_30deg_epochs"] = s.snr_above30.count;
   j["arcs"] = s.arcs;
   j["code_noise_rms_m"] = RmsJson(s.noise_square);
   j["multipath_rms_m"] = RmsJson(s.multipath_square);
@@ -40,6 +41,7 @@ Json SatelliteJson(const SatelliteTruth& s) {
   j["healthy"] = s.healthy;
   j["visible_epochs"] = s.visible;
   j["above_cutoff_epochs"] = s.above_cutoff;
+  j["two_signals_epochs"] = s.two_signals;
   j["signals"] = Json::array();
   for (const SignalTruth& signal : s.signals) j["signals"].push_back(SignalJson(signal));
   return j;

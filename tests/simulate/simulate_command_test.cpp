@@ -121,4 +121,30 @@ TEST(SimulateCommand, PresetsAreListed) {
   EXPECT_EQ(folder.Names().size(), 0U);
 }
 
+TEST(CompareCommand, LaysTheReportOfASimulatedDayBesideItsTruth) {
+  const TestFolder folder("compare");
+  ASSERT_EQ(Orsolva(folder, "simulate --preset station-day --hours 3").code, 0);
+  const Answer report = Orsolva(folder, "qc --json SIMU00ORS_R_20201770000_03H_30S_MO.rnx *_MN.rnx");
+  ASSERT_EQ(report.code, 0) << report.err;
+  orsolva_test::WriteFile(folder.Path("report.json"), report.out);
+  const Answer a = Orsolva(folder, "compare report.json truth.json");
+  EXPECT_EQ(a.code, 0) << a.err;
+  for (const char* system : {"GPS", "GLONASS", "BDS", "Galileo", "QZSS"}) {
+    EXPECT_NE(a.out.find(std::string("\n") + system), std::string::npos) << system;
+  }
+  std::istringstream lines(a.out);
+  for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 80U) << line;
+}
+
+TEST(CompareCommand, WhatCannotBeComparedIsOneAndWrongUsageIsTwo) {
+  const TestFolder folder("compare_wrong");
+  orsolva_test::WriteFile(folder.Path("x.json"), "{}");
+  const Answer none = Orsolva(folder, "compare none.json x.json");
+  EXPECT_EQ(none.code, 1);
+  EXPECT_EQ(none.err.find("orsolva: none.json: "), 0U) << none.err;
+  EXPECT_EQ(Orsolva(folder, "compare x.json x.json").code, 1);
+  EXPECT_EQ(Orsolva(folder, "compare x.json").code, 2);
+  EXPECT_EQ(Orsolva(folder, "compare").code, 2);
+}
+
 }  // namespace

@@ -1,0 +1,50 @@
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <string>
+
+#include "host/cli/commands.h"
+#include "host/cli/exit_codes.h"
+#include "host/simulate/comparison.h"
+
+namespace orsolva_host {
+namespace {
+
+struct CompareSettings {
+  std::string report;
+  std::string truth;
+};
+
+/// @throws ComparisonError when the file cannot be read
+NamedText ReadNamed(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  NamedText named{path, std::string(std::istreambuf_iterator<char>(file), {})};
+  if (!file.is_open() || file.bad()) throw ComparisonError(path + ": found no file that can be read");
+  return named;
+}
+
+int DoCompare(const CompareSettings& settings) {
+  try {
+    const std::string text = ComparisonText(ReadNamed(settings.report), ReadNamed(settings.truth));
+    const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
+    if (written && std::fflush(stdout) == 0) return kGood;
+    std::fputs("orsolva: the comparison could not be written\n", stderr);
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "orsolva: %s\n", error.what());
+  }
+  return kRunFailed;
+}
+
+}  // namespace
+
+void AddCompareCommand(CLI::App& app, int& exit_code) {
+  CLI::App* command = app.add_subcommand("compare", "Lay a report beside the truth of simulated data");
+  auto settings = std::make_shared<CompareSettings>();
+  command->add_option("REPORT", settings->report, "What orsolva qc --json wrote")->required();
+  command->add_option("TRUTH", settings->truth, "The truth.json of orsolva simulate")->required();
+  command->callback([settings, &exit_code] { exit_code = DoCompare(*settings); });
+}
+
+}  // namespace orsolva_host

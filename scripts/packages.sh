@@ -27,6 +27,6 @@ require_packages() {
   "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq "${missing[@]}" >/dev/null
 }
 
-build_packages=(g++ cmake ninja-build pkg-config libfmt-dev libcli11-dev nlohmann-json3-dev zlib1g-dev libarchive-dev)
-test_packages=(libgtest-dev binutils python3)
+build_packages=(g++ cmake ninja-build pkg-config libfmt-dev libcli11-dev nlohmann-json3-dev libtomlplusplus-dev zlib1g-dev libarchive-dev)
+test_packages=(python3-jsonschema libgtest-dev binutils python3)
 ci_packages=(clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev)

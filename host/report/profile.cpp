@@ -1,0 +1,193 @@
+#include "host/report/profile.h"
+
+#include <fmt/format.h>
+#include <toml++/toml.h>
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <utility>
+
+#include "host/report/figures.h"
+
+namespace orsolva_host {
+namespace {
+
+[[noreturn]] void Refuse(const std::string& origin, const toml::node& node, const std::string& what) {
+  throw ProfileError(fmt::format("{}:{}: {}", origin, node.source().begin.line, what));
+}
+
+std::string TextOf(const toml::table& table, const char* key, const std::string& origin) {
+  const std::optional<std::string> text = table[key].value<std::string>();
+  if (!text || text->empty()) Refuse(origin, table, fmt::format("expected a text for '{}'", key));
+  return *text;
+}
+
+double NumberOf(const toml::table& table, const char* key, const std::string& origin) {
+  const std::optional<double> number = table[key].value<double>();
+  if (!number || !std::isfinite(*number)) {
+    Refuse(origin, table, fmt::format("expected a number for '{}'", key));
+  }
+  return *number;
+}
+
+void RefuseUnknownKeys(const toml::table& table, std::initializer_list<std::string_view> known,
+                       const std::string& origin) {
+  for (const auto& [key, value] : table) {
+    if (std::find(known.begin(), known.end(), key.str()) == known.end()) {
+      Refuse(origin, value, fmt::format("'{}' is no key of a profile", key.str()));
+    }
+  }
+}
+
+FigureScope ScopeOf(const toml::table& table, const std::string& origin) {
+  const std::string name = TextOf(table, "scope", origin);
+  constexpr std::pair<const char*, FigureScope> kScopes[] = {{"run", FigureScope::kRun},
+                                                             {"combined", FigureScope::kCombined},
+                                                             {"system", FigureScope::kSystem},
+                                                             {"satellite", FigureScope::kSatellite},
+                                                             {"signal", FigureScope::kSignal}};
+  for (const auto& [text, scope] : kScopes) {
+    if (name == text) return scope;
+  }
+  Refuse(origin, table, "'" + name + "' is no scope: use run, combined, system, satellite or signal");
+}
+
+void TakeLimits(const toml::table& table, const std::string& origin, Criterion& criterion) {
+  const toml::table* least = table["at_least"].as_table();
+  const toml::table* most = table["at_most"].as_table();
+  if ((least == nullptr) == (most == nullptr)) {
+    Refuse(origin, table,
+           "expected either at_least or at_most, such as at_least = { good = 0.9, fair = 0.8 }");
+  }
+  const toml::table& limits = least != nullptr ? *least : *most;
+  RefuseUnknownKeys(limits, {"good", "fair"}, origin);
+  criterion.at_least = least != nullptr;
+  criterion.good = NumberOf(limits, "good", origin);
+  criterion.fair = NumberOf(limits, "fair", origin);
+  const bool ordered =
+      criterion.at_least ? criterion.good >= criterion.fair : criterion.good <= criterion.fair;
+  if (!ordered) Refuse(origin, limits, "the good limit is easier to meet than the fair one");
+}
+
+Criterion CriterionOf(const toml::table& table, const std::string& origin) {
+  RefuseUnknownKeys(table, {"name", "figure", "scope", "systems", "signals", "at_least", "at_most", "source"},
+                    origin);
+  Criterion criterion;
+  criterion.name = TextOf(table, "name", origin);
+  const std::string figure = TextOf(table, "figure", origin);
+  const Figure* known = FindFigure(figure);
+  if (known == nullptr) Refuse(origin, table, "'" + figure + "' is no figure; see orsolva explain");
+  criterion.figure = known->key;
+  criterion.scope = ScopeOf(table, origin);
+  criterion.systems = table["systems"].value_or(std::string());
+  if (const toml::array* signals = table["signals"].as_array()) {
+    for (const toml::node& signal : *signals) criterion.signals.push_back(signal.value_or(std::string()));
+  }
+  TakeLimits(table, origin, criterion);
+  criterion.source = TextOf(table, "source", origin);
+  return criterion;
+}
+
+bool IsAbout(const Criterion& c, const FigureValue& f) {
+  if (f.scope != c.scope || f.key != c.figure) return false;
+  const bool system = c.systems.empty() || f.subject.empty() || f.subject == "all" ||
+                      c.systems.find(f.subject[0]) != std::string::npos;
+  const bool signal =
+      c.signals.empty() || std::find(c.signals.begin(), c.signals.end(), f.signal) != c.signals.end();
+  return system && signal;
+}
+
+CriterionOutcome OutcomeOf(const Criterion& c, const FigureValue& f) {
+  CriterionOutcome o{c.name,    c.figure, std::string(UnitOf(c.figure)),
+                     f.subject, f.signal, c.at_least,
+                     c.good,    c.fair,   f.value,
+                     "no data", {},       c.source};
+  if (!f.value) return o;
+  const double sign = c.at_least ? 1 : -1;
+  const double over_good = sign * (*f.value - c.good);
+  const double over_fair = sign * (*f.value - c.fair);
+  const bool same = c.good == c.fair;
+  o.grade = over_good > 0 || (same && over_good >= 0) ? "good" : over_fair >= 0 ? "fair" : "fail";
+  if (o.grade == "fail") o.missed_by = -over_fair;
+  return o;
+}
+
+int Rank(const std::string& grade) {
+  if (grade == "fail") return 0;
+  if (grade == "fair") return 1;
+  return grade == "good" ? 3 : 2;
+}
+
+/// Worst of the outcomes that have data.
+std::string GradeOf(const std::vector<CriterionOutcome>& outcomes) {
+  std::string grade = "no data";
+  for (const CriterionOutcome& o : outcomes) {
+    if (o.value && (grade == "no data" || Rank(o.grade) < Rank(grade))) grade = o.grade;
+  }
+  return grade;
+}
+
+}  // namespace
+
+Profile ParseProfile(std::string_view text, const std::string& origin) {
+  try {
+    const toml::table table = toml::parse(text, origin);
+    RefuseUnknownKeys(table, {"name", "title", "criterion"}, origin);
+    Profile profile{TextOf(table, "name", origin), TextOf(table, "title", origin), {}};
+    const toml::array* criteria = table["criterion"].as_array();
+    if (criteria == nullptr || criteria->empty())
+      Refuse(origin, table, "expected at least one [[criterion]]");
+    for (const toml::node& node : *criteria) {
+      if (!node.is_table()) Refuse(origin, node, "expected a table [[criterion]]");
+      profile.criteria.push_back(CriterionOf(*node.as_table(), origin));
+    }
+    return profile;
+  } catch (const toml::parse_error& error) {
+    throw ProfileError(
+        fmt::format("{}:{}: {}", origin, error.source().begin.line, std::string(error.description())));
+  }
+}
+
+Profile LoadProfile(const std::string& name_or_file) {
+  for (int i = 0; i < kBuiltInProfileCount; ++i) {
+    if (name_or_file == kBuiltInProfiles[i].name) return ParseProfile(kBuiltInProfiles[i].text, name_or_file);
+  }
+  std::ifstream file(name_or_file, std::ios::binary);
+  const std::string text(std::istreambuf_iterator<char>(file), {});
+  if (!file || text.empty()) {
+    std::string names;
+    for (int i = 0; i < kBuiltInProfileCount; ++i) {
+      names += std::string(i > 0 ? ", " : "") + kBuiltInProfiles[i].name;
+    }
+    throw ProfileError("'" + name_or_file + "' is no profile (" + names + ") and no file of one");
+  }
+  return ParseProfile(text, name_or_file);
+}
+
+Verdict Judge(const Report& report, const Profile& profile) {
+  Verdict verdict;
+  verdict.profile = profile.name;
+  verdict.title = profile.title;
+  const std::vector<FigureValue> figures = ListFigures(report);
+  for (const Criterion& criterion : profile.criteria) {
+    const std::size_t before = verdict.outcomes.size();
+    for (const FigureValue& figure : figures) {
+      if (IsAbout(criterion, figure)) verdict.outcomes.push_back(OutcomeOf(criterion, figure));
+    }
+    if (verdict.outcomes.size() > before) continue;
+    FigureValue none;
+    none.subject = criterion.systems;
+    if (!criterion.signals.empty()) none.signal = criterion.signals.front();
+    verdict.outcomes.push_back(OutcomeOf(criterion, none));
+  }
+  std::stable_sort(verdict.outcomes.begin(), verdict.outcomes.end(),
+                   [](const auto& a, const auto& b) { return Rank(a.grade) < Rank(b.grade); });
+  verdict.grade = GradeOf(verdict.outcomes);
+  verdict.passed = verdict.grade == "good" || verdict.grade == "fair";
+  return verdict;
+}
+
+}  // namespace orsolva_host

@@ -1,0 +1,110 @@
+#include "host/report/profile.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <string>
+
+#include "host/report/verdict_text.h"
+#include "tests/host/sample_report.h"
+
+namespace orsolva_host {
+namespace {
+
+using orsolva_test::SampleReport;
+
+std::string CriterionText(const std::string& limits) {
+  return "name='n'\ntitle='t'\n[[criterion]]\nname='c'\nfigure='mp1'\nscope='system'\n" + limits +
+         "\nsource='s'\n";
+}
+
+std::string GradeAt(double completeness) {
+  Report report = SampleReport();
+  report.systems[0].figures.completeness = completeness;
+  return Judge(report, LoadProfile("network")).grade;
+}
+
+std::string Complaint(const std::string& text) {
+  try {
+    ParseProfile(text, "p.toml");
+  } catch (const ProfileError& error) {
+    return error.what();
+  }
+  return {};
+}
+
+TEST(Profile, NetworkIsGoodAbove90FairTo80AndFailsBelow) {
+  EXPECT_EQ(GradeAt(0.95), "good");
+  EXPECT_EQ(GradeAt(0.9), "fair");
+  EXPECT_EQ(GradeAt(0.8), "fair");
+  EXPECT_EQ(GradeAt(0.7999), "fail");
+}
+
+TEST(Profile, StationHoldsMultipathAndObservationsPerSlipOfGps) {
+  Report report = SampleReport();
+  report.systems[0].figures.bands[1].mp_m = 0.75;
+  EXPECT_EQ(Judge(report, LoadProfile("station")).grade, "good");
+  report.systems[0].figures.bands[1].mp_m = 0.8;
+  report.systems[0].figures.obs_per_slip = 150;
+  const Verdict v = Judge(report, LoadProfile("station"));
+  EXPECT_EQ(v.grade, "fail");
+  EXPECT_FALSE(v.passed);
+  ASSERT_EQ(v.outcomes.size(), 3U);
+  EXPECT_EQ(v.outcomes[0].criterion, "MP2");
+  EXPECT_NEAR(v.outcomes[0].missed_by.value(), 0.05, 1e-12);
+  EXPECT_EQ(v.outcomes[1].grade, "fair");
+  EXPECT_EQ(v.outcomes[2].grade, "good");
+}
+
+TEST(Profile, TheTextNamesEachFailedCriterionAndByHowMuch) {
+  Report report = SampleReport();
+  report.systems[0].figures.completeness = 0.7;
+  const std::string text = VerdictText(Judge(report, LoadProfile("network")), {});
+  EXPECT_NE(text.find("fail G completeness: 70.00 %, 10.00 % below the limit of 80.00 %"), std::string::npos)
+      << text;
+}
+
+TEST(Profile, FiguresWithoutDataFailOnlyWhenNothingCanBeJudged) {
+  Report report = SampleReport();
+  SystemReport other{'E', "Galileo", {}, {}, {}};
+  report.systems.push_back(other);
+  const Verdict some = Judge(report, LoadProfile("network"));
+  EXPECT_TRUE(some.passed);
+  EXPECT_EQ(some.outcomes.front().grade, "fair");
+  EXPECT_EQ(some.outcomes.back().grade, "no data");
+  report.systems.clear();
+  const Verdict none = Judge(report, LoadProfile("network"));
+  EXPECT_EQ(none.grade, "no data");
+  EXPECT_FALSE(none.passed);
+  ASSERT_EQ(none.outcomes.size(), 1U);
+}
+
+TEST(Profile, EveryBuiltInProfileIsWholeAndNamesItsSources) {
+  EXPECT_GE(kBuiltInProfileCount, 2);
+  for (int i = 0; i < kBuiltInProfileCount; ++i) {
+    const Profile profile = LoadProfile(kBuiltInProfiles[i].name);
+    EXPECT_EQ(profile.name, kBuiltInProfiles[i].name);
+    for (const Criterion& c : profile.criteria) EXPECT_FALSE(c.source.empty());
+  }
+}
+
+TEST(Profile, AFileOfAUserIsRead) {
+  const std::string path = testing::TempDir() + "orsolva_profile.toml";
+  std::ofstream(path) << CriterionText("at_most = { good = 0.2, fair = 0.3 }");
+  EXPECT_EQ(Judge(SampleReport(), LoadProfile(path)).outcomes.front().grade, "fair");
+}
+
+TEST(Profile, MistakesAreNamedWithTheirLine) {
+  EXPECT_EQ(Complaint("name = ").find("p.toml:1: "), 0U);
+  EXPECT_NE(Complaint("name='n'\ntitle='t'\n").find("[[criterion]]"), std::string::npos);
+  EXPECT_NE(Complaint(CriterionText("")).find("at_least or at_most"), std::string::npos);
+  EXPECT_NE(Complaint(CriterionText("at_most={good=2,fair=1}")).find("easier"), std::string::npos);
+  EXPECT_NE(Complaint(CriterionText("at_most={good=nan,fair=1}")).find("number"), std::string::npos);
+  EXPECT_NE(Complaint(CriterionText("at_most={good=1,fair=1}\nodd=1")).find("p.toml:8: 'odd'"),
+            std::string::npos);
+  EXPECT_NE(Complaint("name='n'\ntitle='t'\ncriterion=[1]\n").find("p.toml:3"), std::string::npos);
+  EXPECT_THROW(LoadProfile("/no/such/profile"), ProfileError);
+}
+
+}  // namespace
+}  // namespace orsolva_host

@@ -17,9 +17,9 @@ namespace {
 int DoQc(const QcSettings& settings) {
   Diagnostics diagnostics;
   try {
-    DetailOutputs outputs(settings.detail_file);
+    DetailOutputs outputs(settings.detail_file, settings.html_file);
     const Report report = RunQc(settings, diagnostics, outputs.Sink());
-    outputs.Finish();
+    outputs.Finish(report);
     const std::string text = settings.json ? WriteJson(report) : WriteText(report);
     const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
     if (written && std::fflush(stdout) == 0) return kGood;
@@ -64,6 +64,8 @@ void AddQcCommand(CLI::App& app, int& exit_code) {
                       "RINEX navigation files of the same time, or folders of them (default: beside OBS)");
   command->add_flag("--json", settings->json, "Write the report as JSON");
   command->add_flag("--sats", settings->satellites, "Add a table per satellite");
+  command->add_option("--html", settings->html_file,
+                      "Write the report with plots to this file, one page that needs no network");
   command->add_option("--detail", settings->detail_file,
                       "Write a CSV table of every epoch, satellite and signal to this file (.gz packs it)");
   command->add_option("--elevation", settings->elevation_deg, "Elevation cut-off in degrees")

@@ -36,6 +36,7 @@ struct QcSettings {
   bool json = false;
   bool satellites = false;
   std::string detail_file;  ///< empty for none
+  std::string html_file;    ///< empty for none
 };
 
 // Each of these returns an empty text, or what is wrong with the argument.

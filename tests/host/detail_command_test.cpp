@@ -129,4 +129,20 @@ TEST(DetailTable, AFolderThatIsNotThereIsNamed) {
   EXPECT_NE(a.err.find("/nonexistent/"), std::string::npos) << a.err;
 }
 
+TEST(HtmlReport, HoldsTheReportOfTheRunAndChangesNothingOfIt) {
+  ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
+  const std::string path = Path("page.html");
+  const std::string files = DataFile("SEPT078M.21O") + " " + DataFile("SEPT078M.21P");
+  const Answer without = Orsolva("qc --json --sats " + files);
+  const Answer with = Orsolva("qc --json --sats --html " + path + " " + files);
+  EXPECT_EQ(without.out, with.out);
+  const std::string page = ReadText(path);
+  std::filesystem::remove(path);
+  const std::string start = "id=\"report-data\">";
+  const std::size_t from = page.find(start);
+  ASSERT_NE(from, std::string::npos);
+  const std::size_t to = page.find("</script>", from);
+  EXPECT_EQ(json::parse(page.substr(from + start.size(), to - from - start.size())), json::parse(with.out));
+}
+
 }  // namespace

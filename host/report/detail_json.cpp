@@ -1,0 +1,237 @@
+#include "host/report/detail_json.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+#include <map>
+#include <tuple>
+#include <utility>
+
+#include "host/rinex/satellite_names.h"
+#include "host/rinex/signal_codes.h"
+
+namespace orsolva_host {
+namespace {
+
+constexpr std::size_t kMostEventsTold = 20'000;
+
+// One name for each EventKind.
+constexpr const char* kEventNames[kEventKinds] = {
+    "ionospheric_rate", "long_gap", "geometry", "data_gap", "new_ephemeris", "jump", "restart_after_gap"};
+
+template <class Value>
+std::string Column(std::vector<Value> values, std::size_t size, Value missing) {
+  values.resize(size, missing);
+  std::string bytes;
+  bytes.reserve(2 * size);
+  for (const Value value : values) {
+    const auto bits = static_cast<std::uint16_t>(value);
+    bytes += static_cast<char>(bits & 0xffU);
+    bytes += static_cast<char>(bits >> 8U);
+  }
+  return Base64(bytes);
+}
+
+template <class... Parts>
+void Add(std::string& text, fmt::format_string<Parts...> form, Parts&&... parts) {
+  fmt::format_to(std::back_inserter(text), form, std::forward<Parts>(parts)...);
+}
+
+void Comma(std::string& text) {
+  if (text.back() != '[' && text.back() != '{') text += ',';
+}
+
+std::string NameOf(const orsolva::DetailSatellite& satellite) {
+  const int slot = SystemSlotOfCode(satellite.sys);
+  return SatelliteName(slot < 0 ? '?' : kSystemTable[slot].letter, satellite.prn);
+}
+
+/// Neighbouring rows as [first, count, first, count, ...] in steps of the stride.
+void AddRuns(const std::vector<EpochIndex>& epochs, EpochIndex stride, std::string& text) {
+  text += "\"runs\":[";
+  for (std::size_t i = 0; i < epochs.size();) {
+    std::size_t end = i + 1;
+    while (end < epochs.size() && epochs[end] == epochs[end - 1] + stride) ++end;
+    Comma(text);
+    Add(text, "{},{}", epochs[i] / stride, end - i);
+    i = end;
+  }
+  text += ']';
+}
+
+void AddArcs(const std::vector<Arc>& arcs, std::string& text) {
+  text += ",\"arcs\":[";
+  for (const Arc& arc : arcs) {
+    Comma(text);
+    Add(text, "{},{}", arc.first, arc.last);
+  }
+  text += ']';
+}
+
+void AddSignals(const DetailCollector& detail, const SatelliteColumns& columns, std::string& text) {
+  const std::size_t rows = columns.epoch.size();
+  const PairColumn* first_pair = nullptr;
+  text += ",\"signals\":[";
+  for (const SignalColumn& signal : columns.signals) {
+    const PairColumn* pair = detail.PairOf(columns, signal.code);
+    if (first_pair == nullptr) first_pair = pair;
+    Comma(text);
+    Add(text, "{{\"signal\":\"{}\",\"snr_values\":{},\"snr\":\"{}\"",
+        SignalName(columns.satellite.sys, static_cast<int>(signal.code)), signal.values,
+        Column<std::uint16_t>(signal.snr, rows, 0));
+    if (pair != nullptr) {
+      Add(text, ",\"partner\":\"{}\",\"mp_values\":{},\"mp\":\"{}\"",
+          SignalName(columns.satellite.sys, static_cast<int>(pair->partner)), pair->values,
+          Column<std::int16_t>(pair->residual, rows, kNoValue));
+    }
+    text += '}';
+  }
+  text += ']';
+  if (first_pair == nullptr) return;
+  Add(text, ",\"rate_pair\":[\"{}\",\"{}\"],\"rate\":\"{}\"",
+      SignalName(columns.satellite.sys, static_cast<int>(first_pair->code)),
+      SignalName(columns.satellite.sys, static_cast<int>(first_pair->partner)),
+      Column<std::int16_t>(first_pair->rate, rows, kNoValue));
+}
+
+using SignalKey = std::tuple<int, std::uint32_t>;
+
+struct SignalBins {
+  ElevationBins snr;
+  ElevationBins squares;
+};
+
+void Merge(const ElevationBins& from, ElevationBins& into) {
+  for (std::size_t i = 0; i < from.size(); ++i) {
+    into[i].count += from[i].count;
+    into[i].sum += from[i].sum;
+  }
+}
+
+void AddBins(const char* name, const ElevationBins& bins, std::string& text) {
+  Add(text, ",\"{}\":[", name);
+  for (const ElevationBin& bin : bins) {
+    Comma(text);
+    const bool good = std::isfinite(bin.sum);
+    Add(text, "{},{:.6g}", good ? bin.count : 0, good ? bin.sum : 0.0);
+  }
+  text += ']';
+}
+
+/// [count, sum, ...] by 5 degrees of elevation, of every epoch: sums of SNR and of squared residuals.
+void AddSignalBins(const DetailCollector& detail, std::string& text) {
+  std::map<SignalKey, SignalBins> all;
+  for (const auto& [number, columns] : detail.Satellites()) {
+    for (const SignalColumn& signal : columns.signals) {
+      SignalBins& bins = all[{SystemSlotOfCode(columns.satellite.sys), signal.code}];
+      Merge(signal.mean_snr, bins.snr);
+      if (const PairColumn* pair = detail.PairOf(columns, signal.code)) Merge(pair->squares, bins.squares);
+    }
+  }
+  text += ",\"bins\":[";
+  for (const auto& [key, bins] : all) {
+    const auto [slot, code] = key;
+    if (slot < 0) continue;
+    Comma(text);
+    Add(text, "{{\"letter\":\"{}\",\"signal\":\"{}\"", kSystemTable[slot].letter,
+        SignalName(kSystemTable[slot].code, static_cast<int>(code)));
+    AddBins("snr", bins.snr, text);
+    AddBins("mp", bins.squares, text);
+    text += '}';
+  }
+  text += ']';
+}
+
+/// Events of the pairs that figures come from, those of one satellite, epoch and kind in one row:
+/// [satellite, epoch, kind, elevation in 0.1 degrees, signals as bits].
+class EventRows {
+ public:
+  explicit EventRows(const DetailCollector& detail) : detail_(detail) {
+    int place = 0;
+    for (const auto& [number, columns] : detail.Satellites()) AddSatellite(columns, place++);
+  }
+
+  void Write(std::string& text) const {
+    text += ",\"events\":[";
+    std::size_t told = 0;
+    for (const auto& [key, row] : rows_) {
+      if (told++ == kMostEventsTold) break;
+      Comma(text);
+      const auto& [epoch, place, kind] = key;
+      Add(text, "[{},{},{},{},{}]", place, epoch, kind, row.elevation, row.signals);
+    }
+    const std::size_t left_out = rows_.size() - std::min(rows_.size(), kMostEventsTold);
+    Add(text, "],\"events_left_out\":{}", left_out + detail_.EventsLeftOut());
+  }
+
+ private:
+  struct Row {
+    int elevation = 0;
+    std::uint32_t signals = 0;
+  };
+
+  void AddSatellite(const SatelliteColumns& columns, int place) {
+    for (const DetailEvent& event : columns.events) {
+      const PairColumn* pair = detail_.PairOf(columns, event.code);
+      if (pair == nullptr || pair->partner != event.partner) continue;
+      Row& row = rows_[{event.epoch, place, static_cast<int>(event.kind)}];
+      row.elevation = event.elevation;
+      for (std::size_t i = 0; i < columns.signals.size() && i < 31; ++i) {
+        if (columns.signals[i].code == event.code) row.signals |= 1U << i;
+      }
+    }
+  }
+
+  const DetailCollector& detail_;
+  std::map<std::tuple<EpochIndex, int, int>, Row> rows_;
+};
+
+}  // namespace
+
+std::string Base64(std::string_view bytes) {
+  static constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+  std::string text;
+  text.reserve((bytes.size() + 2) / 3 * 4);
+  for (std::size_t i = 0; i < bytes.size(); i += 3) {
+    const auto byte = [&](std::size_t k) {
+      return k < bytes.size() ? static_cast<std::uint32_t>(static_cast<unsigned char>(bytes[k])) : 0U;
+    };
+    const std::uint32_t group = (byte(i) << 16U) | (byte(i + 1) << 8U) | byte(i + 2);
+    text += kDigits[group >> 18U];
+    text += kDigits[(group >> 12U) & 63U];
+    text += i + 1 < bytes.size() ? kDigits[(group >> 6U) & 63U] : '=';
+    text += i + 2 < bytes.size() ? kDigits[group & 63U] : '=';
+  }
+  return text;
+}
+
+std::string WriteDetailJson(const DetailCollector& detail, double cutoff_deg) {
+  std::string text = "{";
+  Add(text, "\"first_s\":{},\"first_fraction_s\":{},\"interval_s\":{},\"stride\":{},\"least_gap\":{}",
+      detail.First().time, detail.First().sec, detail.IntervalS(), detail.Stride(), detail.LeastGap());
+  Add(text, ",\"cutoff_deg\":{},\"satellite_epochs\":{},\"event_kinds\":[", cutoff_deg,
+      detail.SatelliteEpochs());
+  for (const char* name : kEventNames) {
+    Comma(text);
+    Add(text, "\"{}\"", name);
+  }
+  text += "],\"satellites\":[";
+  for (const auto& [number, columns] : detail.Satellites()) {
+    Comma(text);
+    const std::size_t rows = columns.epoch.size();
+    Add(text, "{{\"satellite\":\"{}\",\"elevation\":\"{}\",\"azimuth\":\"{}\",", NameOf(columns.satellite),
+        Column<std::int16_t>(columns.elevation, rows, 0), Column<std::uint16_t>(columns.azimuth, rows, 0));
+    AddRuns(columns.epoch, detail.Stride(), text);
+    AddArcs(columns.arcs, text);
+    AddSignals(detail, columns, text);
+    text += '}';
+  }
+  text += ']';
+  AddSignalBins(detail, text);
+  EventRows(detail).Write(text);
+  return text + "}";
+}
+
+}  // namespace orsolva_host

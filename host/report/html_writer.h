@@ -1,0 +1,28 @@
+// Writes a report as one HTML file that holds everything it shows: plots, tables, script and data.
+#ifndef ORSOLVA_REPORT_HTML_WRITER_H
+#define ORSOLVA_REPORT_HTML_WRITER_H
+
+#include <string>
+#include <string_view>
+
+#include "host/report/detail_collector.h"
+#include "host/report/report.h"
+
+namespace orsolva_host {
+
+/// The page without data, as host/web builds it.
+std::string_view PageTemplate();
+
+/// Where the data go in PageTemplate().
+extern const char* const kPageDataMark;
+
+/// JSON that may stand inside a script element: "<" and the two line ends that JSON allows and scripts do not
+/// are written as escapes.
+std::string InsideScript(std::string json);
+
+/// The report's page. The data are the JSON report with its satellites, and the collected detail.
+std::string WriteHtml(const Report& report, const DetailCollector& detail);
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_REPORT_HTML_WRITER_H

@@ -1,0 +1,150 @@
+// Completeness and multipath of every signal and satellite, as the report gives them.
+import { select, tip } from '../dom';
+import { axisStyle, type Drawing, Figure, insideZoom } from '../figure';
+import { fixed, percent, whole } from '../format';
+import type { Report } from '../report';
+import { type Colors, systemColor } from '../theme';
+
+interface Bar {
+  name: string;
+  letter: string;
+  value: number;
+  lines: [string, string][];
+}
+
+function draw(bars: Bar[], what: string, unit: string, c: Colors, width: number): Drawing {
+  const crowded = bars.length * 34 > width;
+  const lowest = Math.min(...bars.map((b) => b.value));
+  // Near-complete signals would all look alike on an axis from zero.
+  const min = unit === '%' ? (lowest > 90 ? 90 : lowest > 50 ? 50 : 0) : 0;
+  return {
+    points: bars.length,
+    label: `${what}, ${bars.length} bars. The tables below hold the same figures.`,
+    note: min > 0 ? `The axis starts at ${min} %.` : '',
+    option: {
+      grid: { left: 48, right: 10, top: 26, bottom: crowded ? 54 : 36 },
+      xAxis: { type: 'category', data: bars.map((b) => b.name), ...axisStyle(c), axisLabel: { color: c.soft, rotate: crowded ? 90 : 0, fontSize: crowded && bars.length > 40 ? 9 : 11, interval: bars.length > 60 ? 'auto' : 0 } },
+      yAxis: { type: 'value', name: unit, min, max: unit === '%' ? 100 : undefined, ...axisStyle(c) },
+      dataZoom: [insideZoom('xAxisIndex')],
+      series: [
+        {
+          type: 'bar',
+          data: bars.map((b) => ({ value: b.value, itemStyle: { color: systemColor(b.letter) } })),
+          barMaxWidth: 28,
+          label: { show: !crowded, position: 'top', color: c.soft, fontSize: 10, formatter: (p: { value: number }) => fixed(p.value, unit === '%' ? 1 : 2) },
+        },
+      ],
+      tooltip: { formatter: (p: { dataIndex: number }) => tip(bars[p.dataIndex].name, bars[p.dataIndex].lines) },
+    },
+  };
+}
+
+function signalCompleteness(report: Report): Bar[] {
+  return report.signals
+    .filter((s) => s.completeness_ratio !== null)
+    .map((s) => ({
+      name: `${s.letter} ${s.signal}`,
+      letter: s.letter,
+      value: 100 * s.completeness_ratio!,
+      lines: [
+        ['Completeness', percent(s.completeness_ratio)],
+        ['Observed', whole(s.observed_epochs)],
+        ['Expected', whole(s.expected_epochs)],
+      ],
+    }));
+}
+
+function signalMultipath(report: Report): Bar[] {
+  return report.signals
+    .filter((s) => s.mp_rms_m !== null)
+    .map((s) => ({
+      name: `${s.letter} ${s.signal}`,
+      letter: s.letter,
+      value: s.mp_rms_m!,
+      lines: [
+        ['Multipath RMS', `${fixed(s.mp_rms_m, 3)} m`],
+        ['Values', whole(s.mp_values)],
+        ['Band', s.band ?? '-'],
+      ],
+    }));
+}
+
+function satelliteCompleteness(report: Report): Bar[] {
+  return (report.satellites ?? [])
+    .filter((s) => s.completeness_ratio !== null)
+    .map((s) => ({
+      name: s.satellite,
+      letter: s.satellite[0],
+      value: 100 * s.completeness_ratio!,
+      lines: [
+        ['Completeness', percent(s.completeness_ratio)],
+        ['Observed', whole(s.observed_epochs)],
+        ['Expected', whole(s.expected_epochs)],
+      ],
+    }));
+}
+
+function satelliteMultipath(report: Report): Bar[] {
+  return (report.satellites ?? []).flatMap((s): Bar[] => {
+    const bands = s.bands.filter((b) => b.mp_rms_m !== null);
+    if (bands.length === 0) return [];
+    const worst = bands.reduce((a, b) => (b.mp_rms_m! > a.mp_rms_m! ? b : a));
+    return [
+      {
+        name: s.satellite,
+        letter: s.satellite[0],
+        value: worst.mp_rms_m!,
+        lines: bands.map((b) => [`Multipath RMS ${b.band ?? b.slot}`, `${fixed(b.mp_rms_m, 3)} m`]),
+      },
+    ];
+  });
+}
+
+function figureOf(
+  id: string,
+  title: string,
+  help: string,
+  what: string,
+  unit: string,
+  bySignal: Bar[],
+  bySatellite: Bar[],
+): Figure {
+  let of = 'signal';
+  const control = select('By', [['signal', 'Signal'], ['satellite', 'Satellite']], of, (value) => {
+    of = value;
+    figure.redraw();
+  });
+  const figure: Figure = new Figure({
+    id,
+    title,
+    help,
+    height: () => 300,
+    draw: (c, width) => draw(of === 'signal' ? bySignal : bySatellite, `${what} by ${of}`, unit, c, width),
+    controls: [control],
+  });
+  return figure;
+}
+
+export function completenessFigure(report: Report): Figure {
+  return figureOf(
+    'completeness',
+    'Completeness',
+    'Observed of expected epochs above the cut-off. By satellite it is that of the system\u2019s combination of signals.',
+    'Completeness',
+    '%',
+    signalCompleteness(report),
+    satelliteCompleteness(report),
+  );
+}
+
+export function multipathBars(report: Report): Figure {
+  return figureOf(
+    'multipath-bars',
+    'Multipath RMS',
+    'RMS of the multipath residual. By satellite the worst band is drawn; the hover text has all of them.',
+    'Multipath RMS',
+    'm',
+    signalMultipath(report),
+    satelliteMultipath(report),
+  );
+}

@@ -1,0 +1,97 @@
+// Tables that sort by any column, with the keyboard too.
+import { button, el } from './dom';
+
+export type Cell = string | number | null;
+
+export interface Column {
+  name: string;
+  /** Explains the name. */
+  title?: string;
+  numeric?: boolean;
+  text?: (value: Cell) => string;
+}
+
+const PAGE = 200;
+
+function compare(a: Cell, b: Cell): number {
+  if (typeof a === 'number' && typeof b === 'number') return a - b;
+  return String(a) < String(b) ? -1 : String(a) > String(b) ? 1 : 0;
+}
+
+export class SortTable {
+  readonly element: HTMLElement;
+  private readonly columns: Column[];
+  private rows: Cell[][];
+  private sorted = -1;
+  private descending = false;
+  private shown = PAGE;
+  private readonly heads: HTMLTableCellElement[] = [];
+  private readonly body = el('tbody');
+  private readonly more: HTMLButtonElement;
+
+  constructor(caption: string, columns: Column[], rows: Cell[][]) {
+    this.columns = columns;
+    this.rows = rows;
+    const head = el('tr');
+    columns.forEach((column, i) => {
+      const cell = el(
+        'th',
+        { scope: 'col', class: column.numeric ? 'number' : undefined, 'aria-sort': 'none' },
+        button(column.name, () => this.sort(i), { title: column.title ?? `Sort by ${column.name}` }),
+      );
+      this.heads.push(cell);
+      head.append(cell);
+    });
+    this.more = button('', () => {
+      this.shown += 5 * PAGE;
+      this.fill();
+    });
+    const table = el('table', {}, el('caption', {}, caption), el('thead', {}, head), this.body);
+    this.element = el('div', { class: 'table' }, el('div', { class: 'scroll', tabindex: 0, role: 'region', 'aria-label': caption }, table), this.more);
+    this.fill();
+  }
+
+  set(rows: Cell[][]): void {
+    this.rows = rows;
+    this.shown = PAGE;
+    if (this.sorted >= 0) this.arrange();
+    this.fill();
+  }
+
+  private sort(column: number): void {
+    this.descending = this.sorted === column ? !this.descending : this.columns[column].numeric === true;
+    this.sorted = column;
+    this.heads.forEach((head, i) => {
+      head.setAttribute('aria-sort', i !== column ? 'none' : this.descending ? 'descending' : 'ascending');
+    });
+    this.arrange();
+    this.fill();
+  }
+
+  /** Missing values come last, whichever the direction. */
+  private arrange(): void {
+    const i = this.sorted;
+    const sign = this.descending ? -1 : 1;
+    this.rows = [...this.rows].sort((a, b) => {
+      if (a[i] === null || b[i] === null) return a[i] === b[i] ? 0 : a[i] === null ? 1 : -1;
+      return sign * compare(a[i], b[i]);
+    });
+  }
+
+  private fill(): void {
+    this.body.replaceChildren(...this.rows.slice(0, this.shown).map((row) => this.line(row)));
+    const left = this.rows.length - this.shown;
+    this.more.hidden = left <= 0;
+    this.more.textContent = `Show more (${Math.max(left, 0)} rows left)`;
+  }
+
+  private line(row: Cell[]): HTMLTableRowElement {
+    const line = el('tr');
+    row.forEach((value, i) => {
+      const column = this.columns[i];
+      const text = value === null ? '-' : column.text ? column.text(value) : String(value);
+      line.append(i === 0 ? el('th', { scope: 'row' }, text) : el('td', { class: column.numeric ? 'number' : undefined }, text));
+    });
+    return line;
+  }
+}

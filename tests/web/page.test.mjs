@@ -1,0 +1,323 @@
+// The HTML report in a browser: what is drawn, what hovering says, themes, paper, keyboard, size, hostile names.
+//
+// usage: node --test page.test.mjs, with REPORT (a page), REPORT_JSON (the same run's --json --sats) and
+// HOSTILE (a page of a file with markup in its name and header) in the environment; see run.sh.
+import assert from 'node:assert/strict';
+import { readFileSync, statSync } from 'node:fs';
+import { after, before, describe, it } from 'node:test';
+import { launch, open } from './browser.mjs';
+
+const REPORT = process.env.REPORT;
+const HOSTILE = process.env.HOSTILE;
+const json = JSON.parse(readFileSync(process.env.REPORT_JSON, 'utf8'));
+const MOST_BYTES = 6e6;
+const MOST_S = 2;
+
+let browser;
+before(async () => {
+  browser = await launch();
+});
+after(async () => {
+  await browser.close();
+});
+
+const showAll = (page) => page.evaluate(() => window.orsolva.figures.forEach((figure) => figure.show()));
+const points = (page, id) => page.locator(`#${id}`).getAttribute('data-points').then(Number);
+
+async function choose(page, signal, satellite = '*') {
+  await page.evaluate(([g, s]) => window.orsolva.selection.set(g, s), [signal, satellite]);
+}
+
+/** Moves the pointer onto a value of a chart and reads what appears. */
+async function hover(page, id, finder) {
+  await page.locator(`#${id} .chart`).scrollIntoViewIfNeeded();
+  const at = await page.evaluate(
+    ([figureId, x, y]) => {
+      const figure = window.orsolva.figures.find((f) => f.element.id === figureId);
+      return figure.chart.convertToPixel({ xAxisIndex: 0, yAxisIndex: 0 }, [x, y]);
+    },
+    [id, finder.x, finder.y],
+  );
+  const box = await page.locator(`#${id} .chart`).boundingBox();
+  await page.mouse.move(box.x + at[0] - 3, box.y + at[1] + 3);
+  await page.mouse.move(box.x + at[0], box.y + at[1] + (finder.down ?? 0), { steps: 3 });
+  const tip = page.locator(`#${id} .tip`);
+  await tip.waitFor({ timeout: 5000 });
+  return tip.innerText();
+}
+
+describe('page', () => {
+  it('opens with less than two seconds of work', async () => {
+    const { context, page } = await open(browser, 'about:blank');
+    // Time of the page's own thread, whatever else the machine does.
+    const session = await context.newCDPSession(page);
+    await session.send('Performance.enable', { timeDomain: 'threadTicks' });
+    await page.goto(`file://${REPORT}`);
+    await page.waitForFunction(() => window.orsolva !== undefined);
+    const { metrics } = await session.send('Performance.getMetrics');
+    const seconds = metrics.find((m) => m.name === 'TaskDuration').value;
+    assert.ok(seconds > 0 && seconds < MOST_S, `${seconds} s`);
+    await context.close();
+  });
+
+  it('is small, asks for nothing and says nothing on the console', async () => {
+    assert.ok(statSync(REPORT).size < MOST_BYTES, `${statSync(REPORT).size} bytes`);
+    const { context, page, problems, requests } = await open(browser, REPORT);
+    await showAll(page);
+    await page.waitForTimeout(300);
+    assert.deepEqual(problems, []);
+    assert.equal(requests.length, 1);
+    await context.close();
+  });
+
+  it('names the marker, the worst signal and the tables', async () => {
+    const { context, page } = await open(browser, REPORT);
+    assert.equal(await page.locator('h1').innerText(), json.run.marker);
+    const worst = json.signals.filter((s) => s.mp_rms_m !== null).reduce((a, b) => (b.mp_rms_m > a.mp_rms_m ? b : a));
+    const hints = await page.locator('.hints').innerText();
+    assert.ok(hints.includes(`Worst multipath: ${worst.letter} ${worst.signal}`), hints);
+    assert.ok(hints.includes(worst.mp_rms_m.toFixed(3)), hints);
+    for (const caption of ['Systems', 'Signals', 'Satellites', 'Slips and restarts']) {
+      assert.equal(await page.locator('caption', { hasText: new RegExp(`^${caption}$`) }).count(), 1, caption);
+    }
+    await context.close();
+  });
+});
+
+describe('plots', () => {
+  it('draw as many multipath points as values enter the RMS of each signal', async () => {
+    const { context, page } = await open(browser, REPORT);
+    await showAll(page);
+    assert.equal(await page.evaluate(() => window.orsolva.detail.stride), 1);
+    for (const s of json.signals.filter((s) => s.mp_values !== null)) {
+      await choose(page, `${s.letter} ${s.signal}`);
+      assert.equal(await points(page, 'multipath'), s.mp_values, `${s.letter} ${s.signal}`);
+    }
+    await context.close();
+  });
+
+  it('give the RMS of the report from the points they draw', async () => {
+    const { context, page } = await open(browser, REPORT);
+    for (const s of json.signals.filter((s) => s.mp_values !== null)) {
+      const rms = await page.evaluate(([letter, name]) => {
+        let sum = 0;
+        let count = 0;
+        for (const satellite of window.orsolva.detail.satellites.filter((x) => x.letter === letter)) {
+          const signal = satellite.signals.find((x) => x.signal === name);
+          for (const r of signal?.mp ?? []) {
+            if (Number.isNaN(r)) continue;
+            sum += r * r;
+            ++count;
+          }
+        }
+        return Math.sqrt(sum / count);
+      }, [s.letter, s.signal]);
+      // Residuals are kept to 1 mm.
+      assert.ok(Math.abs(rms - s.mp_rms_m) < 1e-3, `${s.letter} ${s.signal}: ${rms}`);
+    }
+    await context.close();
+  });
+
+  it('tell the phase slips that the report counts', async () => {
+    const { context, page } = await open(browser, REPORT);
+    for (const s of json.signals.filter((s) => s.iono_slip_epochs !== null)) {
+      const count = await page.evaluate(
+        ([letter, name]) =>
+          window.orsolva.detail.events.filter(
+            (e) =>
+              e.satellite[0] === letter &&
+              e.signals.includes(name) &&
+              ['geometry', 'data_gap', 'new_ephemeris'].includes(e.kind),
+          ).length,
+        [s.letter, s.signal],
+      );
+      assert.equal(count, s.iono_slip_epochs, `${s.letter} ${s.signal}`);
+    }
+    await context.close();
+  });
+
+  it('draw a bar for every signal with a figure', async () => {
+    const { context, page } = await open(browser, REPORT);
+    await showAll(page);
+    assert.equal(await points(page, 'multipath-bars'), json.signals.filter((s) => s.mp_rms_m !== null).length);
+    assert.equal(await points(page, 'completeness'), json.signals.filter((s) => s.completeness_ratio !== null).length);
+    await page.locator('#completeness select').selectOption('satellite');
+    assert.equal(await points(page, 'completeness'), json.satellites.filter((s) => s.completeness_ratio !== null).length);
+    await context.close();
+  });
+
+  it('draw only the satellite chosen, and all kinds of colour', async () => {
+    const { context, page } = await open(browser, REPORT);
+    await showAll(page);
+    const all = await points(page, 'sky');
+    const name = await page.evaluate(() => window.orsolva.detail.satellites[0].name);
+    await page.locator('.selection select').nth(1).selectOption(name);
+    const rows = await page.evaluate(() => window.orsolva.detail.satellites[0].rows);
+    const one = await points(page, 'sky');
+    assert.ok(one > 0 && one <= rows && rows < all, `${one} of ${rows} of ${all}`);
+    await page.locator('#sky select').selectOption('mp');
+    assert.ok((await points(page, 'sky')) > 0);
+    await context.close();
+  });
+
+  it('say the value of the report under the pointer', async () => {
+    const { context, page } = await open(browser, REPORT);
+    await showAll(page);
+    const bars = json.signals.filter((s) => s.mp_rms_m !== null);
+    const place = Math.floor(bars.length / 2);
+    const text = await hover(page, 'multipath-bars', { x: place, y: bars[place].mp_rms_m / 2 });
+    assert.ok(text.includes(`${bars[place].letter} ${bars[place].signal}`), text);
+    assert.ok(text.includes(`${bars[place].mp_rms_m.toFixed(3)} m`), text);
+    await context.close();
+  });
+
+  it('say the values of a point under the pointer', async () => {
+    const { context, page } = await open(browser, REPORT);
+    await showAll(page);
+    const name = await page.evaluate(() => window.orsolva.detail.satellites[0].name);
+    await choose(page, '*', name);
+    const wanted = await page.evaluate(() => {
+      const { satellite, signal } = window.orsolva.selection.shown()[0];
+      let row = 0;
+      for (let i = 0; i < satellite.rows; ++i) if (signal.snr[i] > 0 && satellite.elevation[i] > satellite.elevation[row]) row = i;
+      return { x: satellite.elevation[row], y: signal.snr[row] };
+    });
+    const text = await hover(page, 'snr', wanted);
+    const lines = text.replaceAll('\n', ' ');
+    const time = /\d\d:\d\d:\d\d/.exec(lines)[0];
+    // Neighbours lie on top of each other: what is said must be true of the epoch that is named.
+    const truth = await page.evaluate((clock) => {
+      const { satellite, signal } = window.orsolva.selection.shown()[0];
+      for (let i = 0; i < satellite.rows; ++i) {
+        if (new Date(satellite.time[i]).toISOString().slice(11, 19) === clock) {
+          return [`${satellite.elevation[i].toFixed(1)}\u00b0`, `${signal.snr[i].toFixed(2)} dB-Hz`];
+        }
+      }
+      return ['no such epoch'];
+    }, time);
+    for (const value of [name, ...truth]) assert.ok(lines.includes(value), `${value}: ${lines}`);
+    await context.close();
+  });
+
+  it('zoom by buttons and come back', async () => {
+    const { context, page } = await open(browser, REPORT);
+    await showAll(page);
+    const shown = () =>
+      page.evaluate(() => {
+        const zoom = window.orsolva.figures.find((f) => f.element.id === 'snr').chart.getOption().dataZoom[0];
+        return Math.round(zoom.end - zoom.start);
+      });
+    assert.equal(await shown(), 100);
+    await page.locator('#snr').getByRole('button', { name: /^Zoom in/ }).click();
+    assert.equal(await shown(), 50);
+    await page.locator('#snr').getByRole('button', { name: /^Reset zoom/ }).click();
+    assert.equal(await shown(), 100);
+    await context.close();
+  });
+
+  it('are saved as PNG and SVG', async () => {
+    const { context, page } = await open(browser, REPORT);
+    await choose(page, '*', await page.evaluate(() => window.orsolva.detail.satellites[0].name));
+    for (const [kind, start] of [['PNG', '\x89PNG'], ['SVG', '<svg']]) {
+      const waiting = page.waitForEvent('download');
+      await page.locator('#snr').getByRole('button', { name: `Save as ${kind}` }).click();
+      const file = await (await waiting).path();
+      assert.equal(readFileSync(file, 'latin1').slice(0, 4), start, kind);
+    }
+    await context.close();
+  });
+});
+
+describe('themes and paper', () => {
+  it('follow the system and the button', async () => {
+    for (const [colorScheme, other] of [['light', 'dark'], ['dark', 'light']]) {
+      const { context, page } = await open(browser, REPORT, { colorScheme });
+      const back = () => page.evaluate(() => getComputedStyle(document.body).backgroundColor);
+      assert.equal(await page.evaluate(() => document.documentElement.dataset.theme), colorScheme);
+      const first = await back();
+      await page.locator('#theme').click();
+      assert.equal(await page.evaluate(() => document.documentElement.dataset.theme), other);
+      assert.notEqual(await back(), first);
+      await context.close();
+    }
+  });
+
+  it('print every plot, in light, from the dark', async () => {
+    const { context, page, problems } = await open(browser, REPORT, { colorScheme: 'dark' });
+    const pdf = await page.pdf({ format: 'A4' });
+    assert.equal(pdf.subarray(0, 5).toString(), '%PDF-');
+    assert.ok(pdf.length > 50_000, `${pdf.length} bytes`);
+    const drawn = await page.evaluate(() => window.orsolva.figures.filter((f) => f.chart !== null).length);
+    assert.equal(drawn, await page.evaluate(() => window.orsolva.figures.length));
+    assert.equal(await page.evaluate(() => document.documentElement.dataset.theme), 'dark');
+    assert.deepEqual(problems, []);
+    await context.close();
+  });
+
+  it('fit a phone without scrolling sideways', async () => {
+    const { context, page } = await open(browser, REPORT, { viewport: { width: 360, height: 740 }, isMobile: true, hasTouch: true });
+    await showAll(page);
+    assert.ok((await page.evaluate(() => document.documentElement.scrollWidth)) <= 360);
+    await context.close();
+  });
+});
+
+describe('keyboard and screen readers', () => {
+  it('sort tables by every column with the keyboard', async () => {
+    const { context, page } = await open(browser, REPORT);
+    const table = page.locator('table', { has: page.locator('caption', { hasText: /^Satellites$/ }) });
+    const head = table.locator('th', { hasText: 'Expected' });
+    await head.locator('button').focus();
+    await page.keyboard.press('Enter');
+    assert.equal(await head.getAttribute('aria-sort'), 'descending');
+    const most = Math.max(...json.satellites.map((s) => s.expected_epochs ?? 0));
+    const cell = () => table.locator('tbody tr').first().locator('td').nth(1).innerText();
+    assert.equal((await cell()).replace(/\D/g, ''), String(most));
+    await page.keyboard.press('Enter');
+    assert.equal(await head.getAttribute('aria-sort'), 'ascending');
+    const least = Math.min(...json.satellites.map((s) => s.expected_epochs ?? Infinity));
+    assert.equal((await cell()).replace(/\D/g, ''), String(least));
+    await context.close();
+  });
+
+  it('have names for every control, one h1, headers in every table and a text for every plot', async () => {
+    const { context, page } = await open(browser, REPORT);
+    await showAll(page);
+    const faults = await page.evaluate(() => {
+      const found = [];
+      if (document.querySelectorAll('h1').length !== 1) found.push('h1');
+      for (const b of document.querySelectorAll('button')) {
+        if (!(b.getAttribute('aria-label') || b.textContent.trim())) found.push(b.outerHTML);
+      }
+      for (const s of document.querySelectorAll('select')) if (!s.closest('label')) found.push(s.outerHTML);
+      for (const t of document.querySelectorAll('table')) {
+        if (!t.caption || t.querySelectorAll('thead th[scope=col]').length === 0) found.push('table');
+        for (const r of t.tBodies[0].rows) if (!r.querySelector('th[scope=row]')) found.push('row');
+      }
+      for (const c of document.querySelectorAll('.chart')) {
+        if (c.getAttribute('role') !== 'img' || !c.getAttribute('aria-label')) found.push('chart');
+      }
+      if (document.querySelector('[tabindex]:not([tabindex="0"]):not([tabindex="-1"])')) found.push('tabindex');
+      return found;
+    });
+    assert.deepEqual(faults, []);
+    await page.keyboard.press('Tab');
+    assert.equal(await page.evaluate(() => document.activeElement.className), 'skip');
+    await context.close();
+  });
+});
+
+describe('hostile input', () => {
+  it('stays text: markup in file and marker names does nothing', async () => {
+    const { context, page, problems, requests } = await open(browser, HOSTILE);
+    await showAll(page);
+    assert.equal(await page.evaluate(() => window.hacked), undefined);
+    assert.equal(await page.evaluate(() => document.querySelectorAll('main img, header img').length), 0);
+    const name = await page.locator('h1').innerText();
+    assert.ok(name.includes('</script><img'), name);
+    assert.ok((await page.locator('.facts').innerText()).includes('<img src=x'), 'file name');
+    assert.deepEqual(problems, []);
+    assert.equal(requests.length, 1);
+    await context.close();
+  });
+});

@@ -1,0 +1,42 @@
+#!/usr/bin/env bash
+# Tests the HTML report in the machine's Chromium. Installs what is missing; safe to run twice.
+#
+# usage: tests/web/run.sh [BUILD FOLDER]    (default: build; the program is built there already)
+set -euo pipefail
+here=$(cd "$(dirname "$0")" && pwd)
+root=$(cd "$here/../.." && pwd)
+build=$(cd "$root" && cd "${1:-build}" && pwd)
+. "$root/scripts/packages.sh"
+require_packages "${web_packages[@]}"
+. "$root/scripts/node.sh"
+
+echo "the committed page is what host/web builds"
+clean_install "$root/host/web"
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+(cd "$root/host/web" && npx --no-install tsc --noEmit && node build.mjs "$work/report.html")
+if ! cmp "$work/report.html" "$root/host/web/dist/report.html"; then
+  echo "host/web/dist/report.html is not what its sources build: run 'npm run build' in host/web and commit it" >&2
+  exit 1
+fi
+
+data=${ORSOLVA_SHARED:-$root/../shared}/data
+observations=$data/ESBC00DNK_R_20201770000_01D_30S_MO.crx.gz
+navigation=$data/ESBC00DNK_R_20201770000_01D_MN.rnx.gz
+if [ ! -e "$observations" ]; then
+  echo "the shared data folder is missing beside the checkout: no station-day to draw" >&2
+  exit 1
+fi
+
+"$build/bin/orsolva" qc --json --sats --html "$work/station.html" "$observations" "$navigation" >"$work/station.json"
+
+# A file whose name and marker are markup.
+hostile="$work/<img src=x onerror=hacked=1>.rnx"
+marker='</script><img src=x onerror=window.hacked=1>'
+sed -e "s|^.*MARKER NAME *\$|$(printf '%-60s' "$marker")MARKER NAME|" "$data/SEPT078M.21O" >"$hostile"
+grep -q '</script><img' "$hostile"
+"$build/bin/orsolva" qc --html "$work/hostile.html" "$hostile" "$data/SEPT078M.21P" >/dev/null
+
+clean_install "$here"
+REPORT=$work/station.html REPORT_JSON=$work/station.json HOSTILE=$work/hostile.html \
+  node --test --test-reporter=spec "$here/page.test.mjs"

@@ -2,9 +2,11 @@
 
 namespace orsolva_test {
 
-CountedRun::CountedRun(const orsolva_host::Scenario& scenario)
+CountedRun::CountedRun(const orsolva_host::Scenario& scenario, unsigned combined)
     : simulation(scenario), recount(simulation, kTruthCutoff_deg) {
-  good = Initialise(process, simulation, TruthConfig(scenario));
+  config_qct config = TruthConfig(scenario);
+  for (unsigned s = 0; s < 5; ++s) config.combination_system[s] = (combined >> s & 1U) != 0 ? 1 : 0;
+  good = Initialise(process, simulation, config);
   std::vector<ObsEpoch_QC_gbt> batch;
   std::size_t most = 173;
   while (good && simulation.NextBatch(batch, most) > 0) {

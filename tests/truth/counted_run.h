@@ -11,7 +11,8 @@ namespace orsolva_test {
 
 /// The batches have changing lengths, so that their borders fall into outages and gaps.
 struct CountedRun {
-  explicit CountedRun(const orsolva_host::Scenario& scenario);
+  /// @param combined  systems of the combined result, bit s for slot s
+  explicit CountedRun(const orsolva_host::Scenario& scenario, unsigned combined = 31);
 
   /// The figures of a code of a satellite in the per-code record; null when it has none.
   const code_qc_entry* EntryOf(int system, int prn, int code) const;

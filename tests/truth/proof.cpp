@@ -74,11 +74,18 @@ std::string Proof::Markdown() const {
 }
 
 const std::vector<ProofEntry>& AllProofs() {
+  // clang-format off
   static const std::vector<ProofEntry> kProofs = {
-      {"completeness", ProveCompleteness},      {"snr", ProveSnr},
-      {"multipath-noise", ProveMultipathNoise}, {"multipath-jumps", ProveMultipathJumps},
-      {"multipath-gaps", ProveMultipathGaps},   {"slips", ProveSlips},
+      {"completeness", ProveCompleteness},
+      {"snr", ProveSnr},
+      {"multipath-noise", ProveMultipathNoise},
+      {"multipath-jumps", ProveMultipathJumps},
+      {"multipath-gaps", ProveMultipathGaps},
+      {"slips", ProveSlips},
+      {"position", ProvePosition},
+      {"results", ProveResults},
   };
+  // clang-format on
   return kProofs;
 }
 

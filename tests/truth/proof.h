@@ -69,6 +69,8 @@ void ProveMultipathNoise(bool long_form, Proof& proof);
 void ProveMultipathJumps(bool long_form, Proof& proof);
 void ProveMultipathGaps(bool long_form, Proof& proof);
 void ProveSlips(bool long_form, Proof& proof);
+void ProvePosition(bool long_form, Proof& proof);
+void ProveResults(bool long_form, Proof& proof);
 
 }  // namespace orsolva_test
 

@@ -1,5 +1,6 @@
 #include "tests/truth/recount.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace orsolva_test {
@@ -15,6 +16,15 @@ double RecountedCode::Spread() const {
   double sum = 0;
   for (const int q : quarters) sum += (q * 0.25 - all.Mean()) * (q * 0.25 - all.Mean());
   return std::sqrt(sum / static_cast<double>(quarters.size() - 1));
+}
+
+std::uint64_t RecountedSatellite::ObservedTogether(std::vector<int> wanted) const {
+  std::sort(wanted.begin(), wanted.end());
+  std::uint64_t count = 0;
+  for (const auto& [seen, epochs] : together) {
+    if (std::includes(seen.begin(), seen.end(), wanted.begin(), wanted.end())) count += epochs;
+  }
+  return count;
 }
 
 Recount::Recount(const orsolva_host::Simulation& simulation, double cutoff_deg)
@@ -44,18 +54,25 @@ void Recount::AddSatellite(const Satellite_gbt& satellite, std::int64_t number) 
   }
   s.last = number;
   ++s.listed;
+  const bool above = elevation > cutoff_rad_;
+  std::vector<int> seen;
   for (std::uint32_t i = 0; i < satellite.signal_num; ++i) {
     const Signal_QC_gbt& signal = satellite.signals[i];
     RecountedCode& code = s.codes[signal.code];
     const double snr = static_cast<double>(signal.snr);
-    const bool above = elevation > cutoff_rad_;
-    if (above && signal.pseudorange >= kLeast && signal.phase >= kLeast && snr >= kLeast) ++code.observed;
+    const bool complete = signal.pseudorange >= kLeast && signal.phase >= kLeast && snr >= kLeast;
+    if (above && complete) {
+      ++code.observed;
+      seen.push_back(signal.code);
+    }
     if (!(snr > kLeast)) continue;
     code.all.Add(snr);
     (above ? code.above : code.below).Add(snr);
     (elevation > kSplit_rad ? code.above30 : code.below30).Add(snr);
     code.quarters.push_back(static_cast<int>(snr * 4 + 0.5) % 256);
   }
+  std::sort(seen.begin(), seen.end());
+  if (above) ++s.together[seen];
 }
 
 }  // namespace orsolva_test

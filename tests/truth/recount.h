@@ -32,6 +32,10 @@ struct RecountedSatellite {
   std::int64_t last = -1;  ///< nominal number of the last epoch with the satellite
   bool above_last = false;
   std::map<int, RecountedCode> codes;
+  /// Epochs above the cut-off by the codes that were observed in them, ascending.
+  std::map<std::vector<int>, std::uint64_t> together;
+  /// Epochs above the cut-off in which all of some codes were observed.
+  std::uint64_t ObservedTogether(std::vector<int> wanted) const;
 };
 
 class Recount {

@@ -37,6 +37,8 @@ TEST(Truth, MultipathIsTheInjectedNoiseLessItsMovingMean) { Hold("multipath-nois
 TEST(Truth, MultipathRestartsAboveTheThresholdOfTheBandOnly) { Hold("multipath-jumps", 1500); }
 TEST(Truth, MultipathRestartsAfterGapsAboveSixHundredSeconds) { Hold("multipath-gaps", 5000); }
 TEST(Truth, SlipTestsReportWhatTheirRulesSay) { Hold("slips", 1000000); }
+TEST(Truth, PositionsAreNearTheTruthAndExclusionsMeetTheFaultySatellite) { Hold("position", 500); }
+TEST(Truth, BestCombinationsAndMergedResultsFollowFromTheSatellites) { Hold("results", 20000); }
 
 TEST(ValidationPage, ShowsEveryProofInItsLongFormWithTheCommand) {
   const std::string page = CommittedPage();

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "host/simulate/portable_math.h"
 #include "host/simulate/random_streams.h"
 
 namespace orsolva_host {
@@ -42,7 +43,7 @@ double SqrtAxis(const NominalOrbit& o, const KeplerRecord& r) {
   if (o.kind != OrbitKind::kMedium) {
     // One turn while the Earth turns once below the (slowly moving) node.
     const double motion = r.earth_rate - r.node_rate - r.deln;
-    return std::cbrt(std::sqrt(r.gravity) / motion);
+    return CubeRoot(std::sqrt(r.gravity) / motion);
   }
   if (o.system == 'G') return 5153.65;
   return o.system == 'E' ? 5440.606 : 5282.618;
@@ -73,22 +74,22 @@ KeplerRecord Common(const NominalOrbit& o) {
 using Vector = std::array<double, 3>;
 
 Vector IntoTiltedFrame(const Vector& v) {
-  const double s = std::sin(kGeoTilt_rad), c = std::cos(kGeoTilt_rad);
+  const auto [s, c] = SineCosineOf(kGeoTilt_rad);
   return {v[0], c * v[1] - s * v[2], s * v[1] + c * v[2]};
 }
 
 /// Orientation of a geostationary orbit in the tilted frame that stands still since the reference time.
 void OrientGeostationary(const NominalOrbit& o, double node, KeplerRecord& r) {
-  const double sn = std::sin(node), cn = std::cos(node);
-  const double si = std::sin(o.inclination_rad), ci = std::cos(o.inclination_rad);
-  const double sp = std::sin(o.perigee_rad), cp = std::cos(o.perigee_rad);
+  const auto [sn, cn] = SineCosineOf(node);
+  const auto [si, ci] = SineCosineOf(o.inclination_rad);
+  const auto [sp, cp] = SineCosineOf(o.perigee_rad);
   const Vector w = IntoTiltedFrame({si * sn, -si * cn, ci});
   const Vector p = IntoTiltedFrame({cp * cn - sp * ci * sn, cp * sn + sp * ci * cn, sp * si});
-  r.i0 = AsBroadcast(std::atan2(std::sqrt(w[0] * w[0] + w[1] * w[1]), w[2]));
-  const double tilted = std::atan2(w[0], -w[1]);
-  const double nx = std::cos(tilted), ny = std::sin(tilted);
+  r.i0 = AsBroadcast(ArcTangent(std::sqrt(w[0] * w[0] + w[1] * w[1]), w[2]));
+  const double tilted = ArcTangent(w[0], -w[1]);
+  const auto [ny, nx] = SineCosineOf(tilted);
   const Vector m = {-w[2] * ny, w[2] * nx, w[0] * ny - w[1] * nx};
-  r.perigee = AsBroadcast(std::atan2(p[0] * m[0] + p[1] * m[1] + p[2] * m[2], p[0] * nx + p[1] * ny));
+  r.perigee = AsBroadcast(ArcTangent(p[0] * m[0] + p[1] * m[1] + p[2] * m[2], p[0] * nx + p[1] * ny));
   r.node_at_week = AsBroadcast(WithinPi(tilted + r.earth_rate * r.seconds_of_week));
 }
 
@@ -111,9 +112,9 @@ void FillAt(const NominalOrbit& o, const KeplerRecord& common, double since_week
 GlonassState NominalGlonass(const NominalOrbit& o) {
   const double u = o.mean_anomaly_rad + o.perigee_rad;
   const double speed = std::sqrt(kGravityGlonass / kGlonassRadius_m);
-  const double sn = std::sin(o.node_rad), cn = std::cos(o.node_rad);
-  const double si = std::sin(o.inclination_rad), ci = std::cos(o.inclination_rad);
-  const double su = std::sin(u), cu = std::cos(u);
+  const auto [sn, cn] = SineCosineOf(o.node_rad);
+  const auto [si, ci] = SineCosineOf(o.inclination_rad);
+  const auto [su, cu] = SineCosineOf(u);
   const Vector radial = {cu * cn - su * ci * sn, cu * sn + su * ci * cn, su * si};
   const Vector along = {-su * cn - cu * ci * sn, -su * sn + cu * ci * cn, cu * si};
   GlonassState s;
@@ -141,7 +142,7 @@ GlonassAcceleration Pull(const NominalOrbit& o, std::int64_t time) {
   for (std::size_t i = 0; i < 3; ++i) {
     const double turn =
         2 * kPi * static_cast<double>(time % kDay_s) / kDay_s + static_cast<double>(i) + o.number;
-    a[i] = std::round(2.4 * std::sin(turn)) * 0x1p-30 * 1000;
+    a[i] = std::round(2.4 * Sine(turn)) * 0x1p-30 * 1000;
   }
   return a;
 }

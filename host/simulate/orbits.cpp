@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "host/simulate/portable_math.h"
+
 namespace orsolva_host {
 namespace {
 
@@ -11,9 +13,10 @@ constexpr double kEarthRateTwice = 0.0001458423;
 constexpr double kFlattening = 2.633267117769225e+25;  // 1.5 J2 GM Re^2 of PZ-90
 
 double SolveKepler(double m, double e) {
-  double anomaly = m + e * std::sin(m);
+  double anomaly = m + e * Sine(m);
   for (int i = 0; i < 10; ++i) {
-    const double change = (anomaly - e * std::sin(anomaly) - m) / (1 - e * std::cos(anomaly));
+    const auto [sine, cosine] = SineCosineOf(anomaly);
+    const double change = (anomaly - e * sine - m) / (1 - e * cosine);
     anomaly -= change;
     if (std::fabs(change) < 1e-9) break;  // the next change would be below 1e-18
   }
@@ -53,13 +56,14 @@ KeplerOrbit::KeplerOrbit(const KeplerRecord& record)
 double KeplerOrbit::StateAt(double time_s, double* position_m) const {
   const double tk = time_s - r_.reference_s;
   const double anomaly = SolveKepler(r_.m0 + motion_ * tk, r_.e);
-  const double sine = std::sin(anomaly), cosine = std::cos(anomaly);
-  const double u0 = std::atan2(root_ * sine, cosine - r_.e) + r_.perigee;
-  const double c2 = std::cos(2 * u0), s2 = std::sin(2 * u0);
+  const auto [sine, cosine] = SineCosineOf(anomaly);
+  const double u0 = ArcTangent(root_ * sine, cosine - r_.e) + r_.perigee;
+  const auto [s2, c2] = SineCosineOf(2 * u0);
   const double u = u0 + r_.cuc * c2 + r_.cus * s2;
   const double radius = axis_ * (1 - r_.e * cosine) + r_.crc * c2 + r_.crs * s2;
   const double inclination = r_.i0 + r_.idot * tk + r_.cic * c2 + r_.cis * s2;
-  const double x = radius * std::cos(u), y = radius * std::sin(u);
+  const auto [su, cu] = SineCosineOf(u);
+  const double x = radius * cu, y = radius * su;
   if (r_.geostationary) {
     ToEarth(node_ + r_.node_rate * tk, x, y, inclination, position_m);
     RotateGeostationary(tk, position_m);
@@ -70,17 +74,17 @@ double KeplerOrbit::StateAt(double time_s, double* position_m) const {
 }
 
 void KeplerOrbit::ToEarth(double node, double x, double y, double inclination, double* out) const {
-  const double sn = std::sin(node), cn = std::cos(node);
-  const double ci = std::cos(inclination);
+  const auto [sn, cn] = SineCosineOf(node);
+  const auto [si, ci] = SineCosineOf(inclination);
   out[0] = x * cn - y * ci * sn;
   out[1] = x * sn + y * ci * cn;
-  out[2] = y * std::sin(inclination);
+  out[2] = y * si;
 }
 
 void KeplerOrbit::RotateGeostationary(double tk, double* p) const {
   const double turn = r_.earth_rate * tk;
-  const double sw = std::sin(turn), cw = std::cos(turn);
-  const double sf = std::sin(kGeoTilt_rad), cf = std::cos(kGeoTilt_rad);
+  const auto [sw, cw] = SineCosineOf(turn);
+  const auto [sf, cf] = SineCosineOf(kGeoTilt_rad);
   const double x = p[0], y = p[1], z = p[2];
   p[0] = cw * x + sw * cf * y + sw * sf * z;
   p[1] = -sw * x + cw * cf * y + cw * sf * z;

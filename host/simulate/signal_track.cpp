@@ -7,6 +7,7 @@
 #include "host/rinex/signal_codes.h"
 #include "host/simulate/carriers.h"
 #include "host/simulate/orbits.h"
+#include "host/simulate/portable_math.h"
 #include "host/simulate/surroundings.h"
 
 namespace orsolva_host {
@@ -162,7 +163,7 @@ void SignalTrack::Measure(const EpochGeometry& g, Signal_QC_gbt& out, SignalTrut
   const auto index = static_cast<std::uint64_t>(g.epoch);
   const double noise = At(e.code_noise_m, g.cosine_squared) * code_stream_.Normal(index);
   const double multipath =
-      At(e.multipath_m, g.cosine_squared) * std::sin(multipath_rate_ * g.time_s + multipath_phase_);
+      At(e.multipath_m, g.cosine_squared) * Sine(multipath_rate_ * g.time_s + multipath_phase_);
   const double jump = faults_.empty() ? 0 : SumOf(FaultKind::kCodeJump, g.epoch, log);
   const double drop = faults_.empty() ? 0 : SumOf(FaultKind::kSnrDrop, g.epoch, log);
   const double phase_noise = At(e.phase_noise_m, g.cosine_squared) * phase_stream_.Normal(index);

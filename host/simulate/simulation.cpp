@@ -7,6 +7,7 @@
 #include "host/rinex/satellite_names.h"
 #include "host/simulate/active_faults.h"
 #include "host/simulate/orbits.h"
+#include "host/simulate/portable_math.h"
 #include "host/simulate/signal_track.h"
 #include "host/simulate/surroundings.h"
 
@@ -291,7 +292,7 @@ Sight Simulation::Work::Look(std::size_t index, double true_s, double& travel_s)
   for (int round = 0; round < 10; ++round) {
     sight.state = sky.StateAt(index, true_s - travel_s, true_s);
     const double turn = kEarthRate * travel_s;
-    const double s = std::sin(turn), c = std::cos(turn);
+    const auto [s, c] = SineCosineOf(turn);
     const double* p = sight.state.position_m;
     line[0] = c * p[0] + s * p[1] - site.position_m[0];
     line[1] = -s * p[0] + c * p[1] - site.position_m[1];
@@ -312,8 +313,8 @@ double Simulation::Work::StormTec(const SatelliteWork& work, double time_s) cons
     if (!storm->At(done)) continue;
     const Fault& f = storm->fault;
     const double length = f.duration_s > 0 ? f.duration_s : grid.Seconds(grid.epochs) - f.at_s;
-    const double swell = std::sin(kPi * (time_s - f.at_s) / length);
-    sum += f.size * swell * swell * std::sin(2 * kPi * (time_s - f.at_s) / f.period_s + work.storm_phase);
+    const double swell = Sine(kPi * (time_s - f.at_s) / length);
+    sum += f.size * swell * swell * Sine(2 * kPi * (time_s - f.at_s) / f.period_s + work.storm_phase);
   }
   return sum;
 }
@@ -344,7 +345,7 @@ void Simulation::Work::MakeSatellite(std::size_t index, double true_s, bool deli
   g.above30 = g.elevation_rad > 30 * kRadian;
   ++t.visible;
   if (g.above_cutoff) ++t.above_cutoff;
-  g.sine = std::sin(g.elevation_rad);
+  g.sine = Sine(g.elevation_rad);
   g.cosine_squared = 1 - g.sine * g.sine;
 
   SatelliteMoment m;

@@ -21,12 +21,15 @@ std::int64_t CadenceOf(const Cadence& cadence, char system) {
   return static_cast<std::int64_t>(seconds);
 }
 
-int HealthOf(const Scenario& scenario, char system, int number) {
+/// Health word of the record with a reference time, s after the start.
+int HealthOf(const Scenario& scenario, const NominalOrbit& orbit, double reference_s) {
   for (const Fault& fault : scenario.faults) {
     if (fault.kind != FaultKind::kUnhealthy) continue;
-    const bool meant = (fault.target.system == 0 || fault.target.system == system) &&
-                       (fault.target.satellite == 0 || fault.target.satellite == number);
-    if (meant) return fault.size > 0 ? static_cast<int>(fault.size) : 1;
+    const bool meant = (fault.target.system == 0 || fault.target.system == orbit.system) &&
+                       (fault.target.satellite == 0 || fault.target.satellite == orbit.number);
+    const bool now =
+        fault.duration_s <= 0 || (reference_s >= fault.at_s && reference_s < fault.at_s + fault.duration_s);
+    if (meant && now) return fault.size > 0 ? static_cast<int>(fault.size) : 1;
   }
   return 0;
 }
@@ -74,8 +77,6 @@ class Sky::Stores {
 
  private:
   void Add(const Scenario& scenario, const NominalOrbit& orbit) {
-    const int health = HealthOf(scenario, orbit.system, orbit.number);
-    satellites.push_back({orbit.system, orbit.number, orbit.channel, health == 0});
     const std::int64_t step = CadenceOf(scenario.cadence, orbit.system);
     const std::int64_t end = origin_ + static_cast<std::int64_t>(std::ceil(scenario.hours * 3600)) + 60;
     std::int64_t offset = 0;
@@ -85,15 +86,22 @@ class Sky::Stores {
     Series s;
     s.first_s = static_cast<double>(times.first - origin_);
     s.step_s = static_cast<double>(step);
+    std::vector<int> health;
+    for (std::int64_t i = 0; i < times.count; ++i) {
+      health.push_back(HealthOf(scenario, orbit, s.first_s + s.step_s * static_cast<double>(i)));
+    }
+    const bool healthy = std::find(health.begin(), health.end(), 0) != health.end();
+    satellites.push_back({orbit.system, orbit.number, orbit.channel, healthy});
     orbit.system == 'R' ? AddGlonass(orbit, times, health, s) : AddKepler(orbit, times, health, s);
     series.push_back(std::move(s));
   }
 
-  void AddKepler(const NominalOrbit& orbit, const RecordTimes& times, int health, Series& s) {
+  void AddKepler(const NominalOrbit& orbit, const RecordTimes& times, const std::vector<int>& health,
+                 Series& s) {
     int issue = 0;
     for (const KeplerRecord& record : KeplerRecords(orbit, times, origin_)) {
       s.kepler.emplace_back(record);
-      AddRecord(orbit, record, times.first + issue * times.step, issue + 1, health);
+      AddRecord(orbit, record, times.first + issue * times.step, issue + 1, health[s.kepler.size() - 1]);
       ++issue;
     }
   }
@@ -120,10 +128,11 @@ class Sky::Stores {
     }
   }
 
-  void AddGlonass(const NominalOrbit& orbit, const RecordTimes& times, int health, Series& s) {
+  void AddGlonass(const NominalOrbit& orbit, const RecordTimes& times, const std::vector<int>& health,
+                  Series& s) {
     double reference_s = s.first_s;
     for (GloEph_gbt& e : GlonassRecords(orbit, times)) {
-      e.svh = health;
+      e.svh = health[s.glonass.size()];
       // The same products as a reader of the record forms, which has kilometres.
       const GlonassState state = {e.x * 1000, e.y * 1000, e.z * 1000, e.vx * 1000, e.vy * 1000, e.vz * 1000};
       const GlonassAcceleration pull = {e.ax * 1000, e.ay * 1000, e.az * 1000};

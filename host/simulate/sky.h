@@ -16,7 +16,7 @@ struct SkySatellite {
   char system = 'G';
   int number = 0;
   int channel = 0;  ///< GLONASS frequency channel
-  bool healthy = true;
+  bool healthy = true;  ///< by one of its records at least
 };
 
 struct SkyState {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/simulate/portable_math.h"
+
 namespace orsolva_host {
 namespace {
 
@@ -14,7 +16,7 @@ constexpr double kHumidity = 0.7;
 
 double VerticalTec(double local_hour, double night, double day) {
   // A smooth hump of fourteen hours around the early afternoon.
-  const double wave = std::max(0.0, std::cos((local_hour - 14) * kPi / 14));
+  const double wave = std::max(0.0, Cosine((local_hour - 14) * kPi / 14));
   return night + day * wave * wave;
 }
 
@@ -30,11 +32,11 @@ Site MakeSite(const std::array<double, 3>& p) {
     normal = kEarthRadius_m / std::sqrt(1 - kEccentricitySquared * sine * sine);
     z = p[2] + normal * kEccentricitySquared * sine;
   }
-  site.latitude_rad = std::atan2(z, r);
-  site.longitude_rad = std::atan2(p[1], p[0]);
+  site.latitude_rad = ArcTangent(z, r);
+  site.longitude_rad = ArcTangent(p[1], p[0]);
   site.height_m = std::sqrt(r * r + z * z) - normal;
-  const double sf = std::sin(site.latitude_rad), cf = std::cos(site.latitude_rad);
-  const double sl = std::sin(site.longitude_rad), cl = std::cos(site.longitude_rad);
+  const auto [sf, cf] = SineCosineOf(site.latitude_rad);
+  const auto [sl, cl] = SineCosineOf(site.longitude_rad);
   site.east = {-sl, cl, 0};
   site.north = {-sf * cl, -sf * sl, cf};
   site.up = {cf * cl, cf * sl, sf};
@@ -46,28 +48,28 @@ Direction DirectionOf(const Site& site, const double* line, double length_m) {
     return (line[0] * axis[0] + line[1] * axis[1] + line[2] * axis[2]) / length_m;
   };
   const double up = std::min(1.0, std::max(-1.0, along(site.up)));
-  return {std::asin(up), std::atan2(along(site.east), along(site.north))};
+  return {ArcSine(up), ArcTangent(along(site.east), along(site.north))};
 }
 
 double TroposphereDelay(const Site& site, double elevation_rad) {
   const double height = std::min(std::max(site.height_m, 0.0), 10000.0);
-  const double pressure = 1013.25 * std::pow(1 - 2.2557e-5 * height, 5.2568);
+  const double pressure = 1013.25 * Exponential(5.2568 * Logarithm(1 - 2.2557e-5 * height));
   const double kelvin = 15.0 - 6.5e-3 * height + 273.16;
-  const double vapour = 6.108 * kHumidity * std::exp((17.15 * kelvin - 4684.0) / (kelvin - 38.45));
-  const double sine = std::sin(std::max(elevation_rad, 0.03));
+  const double vapour = 6.108 * kHumidity * Exponential((17.15 * kelvin - 4684.0) / (kelvin - 38.45));
+  const double sine = Sine(std::max(elevation_rad, 0.03));
   const double dry =
-      0.0022768 * pressure / (1 - 0.00266 * std::cos(2 * site.latitude_rad) - 0.00028 * height / 1000) / sine;
+      0.0022768 * pressure / (1 - 0.00266 * Cosine(2 * site.latitude_rad) - 0.00028 * height / 1000) / sine;
   return dry + 0.002277 * (1255.0 / kelvin + 0.05) * vapour / sine;
 }
 
 double SlantTec(const Site& site, const Direction& d, double day_s, double night, double day) {
-  const double shell_sine = kShellRatio * std::cos(d.elevation_rad);
+  const double shell_sine = kShellRatio * Cosine(d.elevation_rad);
   const double shell_cosine = std::sqrt(1 - shell_sine * shell_sine);
-  const double angle = kPi / 2 - d.elevation_rad - std::asin(shell_sine);
-  const double sf = std::sin(site.latitude_rad), cf = std::cos(site.latitude_rad);
-  const double sa = std::sin(angle), ca = std::cos(angle);
-  const double north = std::cos(d.azimuth_rad), east = std::sin(d.azimuth_rad);
-  const double longitude = site.longitude_rad + std::atan2(east * sa, cf * ca - sf * sa * north);
+  const double angle = kPi / 2 - d.elevation_rad - ArcSine(shell_sine);
+  const auto [sf, cf] = SineCosineOf(site.latitude_rad);
+  const auto [sa, ca] = SineCosineOf(angle);
+  const auto [east, north] = SineCosineOf(d.azimuth_rad);
+  const double longitude = site.longitude_rad + ArcTangent(east * sa, cf * ca - sf * sa * north);
   double hour = day_s / 3600 + longitude * 12 / kPi;
   hour -= 24 * std::floor((hour - 2) / 24);  // from 2 h to 26 h, so that the hump is whole
   return VerticalTec(hour, night, day) / shell_cosine;

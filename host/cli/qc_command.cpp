@@ -22,8 +22,13 @@ int DoQc(const QcSettings& settings) {
     outputs.Finish(report);
     const std::string text = settings.json ? WriteJson(report) : WriteText(report);
     const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
-    if (written && std::fflush(stdout) == 0) return kGood;
-    std::fputs("orsolva: the report could not be written\n", stderr);
+    if (!written || std::fflush(stdout) != 0) {
+      std::fputs("orsolva: the report could not be written\n", stderr);
+    } else if (report.read_error.empty()) {
+      return kGood;
+    } else {
+      std::fprintf(stderr, "orsolva: %s The report covers what stands before.\n", report.read_error.c_str());
+    }
   } catch (const std::exception& error) {
     std::fprintf(stderr, "orsolva: %s\n", error.what());
     for (const Notice& notice : diagnostics.Notices()) {

@@ -99,7 +99,15 @@ void Run::ReadNavigation() {
         "name the RINEX navigation files of the day after the observation file.");
   }
   NavigationReader reader(diagnostics_, {settings_.limits});
-  for (const std::string& file : navigation_files_) reader.Read(file);
+  for (const std::string& file : navigation_files_) {
+    try {
+      reader.Read(file);
+    } catch (const FileError& error) {
+      // A file nobody named must not stop a run that others of its day serve.
+      if (!settings_.navigation_files.empty() || navigation_files_.size() == 1) throw;
+      diagnostics_.Add(file, error.Line(), "passed over: found " + error.Found(), false);
+    }
+  }
   navigation_ = reader.Take();
   if (navigation_.Size() == 0) {
     throw RunError(
@@ -242,6 +250,7 @@ Report Run::Finish() {
   report.show_satellites = settings_.satellites;
   report.notices = NoticesOf(diagnostics_);
   report.further_notices = diagnostics_.Uncounted();
+  if (observations_.Failure()) report.read_error = observations_.Failure()->what();
   return report;
 }
 

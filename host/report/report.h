@@ -180,6 +180,7 @@ struct Report {
   std::vector<ReportNote> notes;
   std::vector<ReportNotice> notices;
   long further_notices = 0;
+  std::string read_error;  ///< why reading ended before the end of the file; empty when it did not
 };
 
 }  // namespace orsolva_host

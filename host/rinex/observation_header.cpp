@@ -14,6 +14,7 @@ constexpr double kLastKnownVersion4 = 4.02;
 // Far more than any receiver has; keeps a damaged file from growing the lists.
 constexpr std::size_t kMostTypes = 200;
 constexpr long kMostHeaderLines = 100000;
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 std::string Text(std::string_view line, std::size_t column, std::size_t width) {
   return std::string(Trimmed(Field(line, column, width)));
@@ -32,9 +33,18 @@ void AddScaledTypes(std::string_view line, ScaleFactor& scale) {
 
 void HeaderParser::ReadVersion(LineReader& lines) {
   std::string_view line;
-  if (!lines.Next(line)) {
-    throw FileError(file_, 0, "an empty file", "a RINEX observation file", "Check how the file was made.");
-  }
+  bool blank = false;
+  do {
+    if (!lines.Next(line)) {
+      throw FileError(file_, 0, "an empty file", "a RINEX observation file", "Check how the file was made.");
+    }
+    if (lines.Line() == 1 && line.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
+      line.remove_prefix(kByteOrderMark.size());
+      Notice(1, "a byte order mark before the header is passed over");
+    }
+    blank = Trimmed(line).empty();
+    if (blank) Notice(lines.Line(), "blank lines before the header are passed over");
+  } while (blank && lines.Line() < kMostHeaderLines);
   std::string form;
   if (HeaderLabel(line) == "CRINEX VERS   / TYPE") {
     header_.compact = true;

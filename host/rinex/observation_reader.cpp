@@ -207,6 +207,21 @@ void ObservationReader::SettleChoices() {
 }
 
 bool ObservationReader::Next(ObsEpoch_QC_gbt& epoch) {
+  if (failure_) return false;
+  try {
+    return Advance(epoch);
+  } catch (const FileError& error) {
+    if (!last_time_) throw;
+    failure_ = error;
+    diagnostics_.Add(name_, error.Line() > 0 ? error.Line() : lines_.Line(),
+                     "reading ends here: found " + error.Found() + ", expected " + error.Expected() + ". " +
+                         error.Advice(),
+                     false);
+    return false;
+  }
+}
+
+bool ObservationReader::Advance(ObsEpoch_QC_gbt& epoch) {
   while (body_->Next(header_.types, block_)) {
     if (block_.flag > 1) {
       TakeEvent(block_);
@@ -249,6 +264,10 @@ void ObservationReader::TakeEvent(const EpochBlock& block) {
     const std::string_view label = HeaderLabel(line);
     if (label == "RINEX VERSION / TYPE" || label == "CRINEX VERS   / TYPE")
       parser_.CheckSameForm(line, number);
+    if (label == "SYS / PHASE SHIFT" || label == "SYS / PHASE SHIFTS") {
+      diagnostics_.Add(name_, number,
+                       "phase shifts among the observations: phases may step by a part of a cycle there");
+    }
     parser_.Take(line, number);
   }
   if (header_.types == types && header_.scale_factors.size() == scales) return;
@@ -274,6 +293,7 @@ void ObservationReader::FillEpoch(ObsEpoch_QC_gbt& epoch) {
   CheckOrder(epoch.time);
   if (has_choices_) SettleChoices();
   epoch.sat_num = 0;
+  met_.fill(0);
   for (const SatelliteRow& row : block_.satellites) AddSatellite(row, epoch);
   // The records of unused satellites stay defined for hosts that copy whole epochs.
   std::memset(&epoch.sats[epoch.sat_num], 0, sizeof epoch.sats[0] * (kMostSatellites - epoch.sat_num));
@@ -299,6 +319,12 @@ bool ObservationReader::IsJudged(const SatelliteRow& row, int slot) {
 void ObservationReader::AddSatellite(const SatelliteRow& row, ObsEpoch_QC_gbt& epoch) {
   const int slot = SystemSlot(row.letter);
   if (!IsJudged(row, slot)) return;
+  std::uint64_t& met = met_[static_cast<std::size_t>(slot)];
+  const std::uint64_t bit = std::uint64_t{1} << (row.number - 1);
+  if (met & bit) {
+    return diagnostics_.Add(name_, block_.line,
+                            "a satellite is listed twice in an epoch; the first is judged", false);
+  }
   if (epoch.sat_num >= kMostSatellites) {
     return diagnostics_.Add(name_, block_.line, "satellites beyond the first 80 of an epoch are left out",
                             false);
@@ -310,6 +336,7 @@ void ObservationReader::AddSatellite(const SatelliteRow& row, ObsEpoch_QC_gbt& e
   FillSignals(plans_[static_cast<std::size_t>(slot)], row, satellite);
   if (satellite.signal_num > 0) {
     ++epoch.sat_num;
+    met |= bit;
   } else if (empty_satellite_ != kNoKind) {
     diagnostics_.Again(empty_satellite_);
   } else {

@@ -68,14 +68,20 @@ class ObservationReader {
 
   const ObservationHeader& Header() const { return header_; }
 
-  /// Fills the next epoch with observations. @return false at the end of the data
-  /// @throws FileError where the file cannot be read on; the epochs given before are good
+  /// Fills the next epoch with observations. Where the file cannot be read on after an epoch was given, a
+  /// notice says so and Failure() tells why; the epochs given before are good.
+  /// @return false at the end of the data that can be read
+  /// @throws FileError when the file cannot be read on before its first epoch
   bool Next(ObsEpoch_QC_gbt& epoch);
+
+  /// Why reading ended before the end of the file; absent when it did not.
+  const std::optional<FileError>& Failure() const { return failure_; }
 
   /// False once the whole file is known to hold no signal strength at all.
   bool HasSignalStrength() const { return has_strength_; }
 
  private:
+  bool Advance(ObsEpoch_QC_gbt& epoch);
   void MakePlans();
   void PlanSystem(int slot);
   CellPlan PlanCell(int slot, const std::string& type, SystemPlan& plan);
@@ -104,6 +110,8 @@ class ObservationReader {
   std::array<std::size_t, 26> unjudged_;  ///< kinds of notices, by system letter
   std::size_t empty_satellite_;           ///< kind of notice
   std::optional<Time_gbt> last_time_;
+  std::optional<FileError> failure_;
+  std::array<std::uint64_t, kSystems> met_ = {};  ///< satellites of the epoch, a bit a number
   std::int64_t time_shift_s_ = 0;
   bool has_strength_ = false;
   bool has_choices_ = false;

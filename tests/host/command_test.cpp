@@ -243,4 +243,44 @@ TEST(Command, AFileOfMoreThanOneBatchIsStreamed) {
   EXPECT_EQ(j["run"]["last_epoch_gpst"], "2021-03-19 12:59:59.000");
 }
 
+/// A copy of the quarter of an hour with one text replaced; gone with the test.
+class Changed {
+ public:
+  Changed(const std::string& name, const std::string& from, const std::string& to)
+      : path_(testing::TempDir() + name) {
+    std::string text = ReadText(DataFile("SEPT078M.21O"));
+    const std::size_t place = text.find(from);
+    EXPECT_NE(place, std::string::npos);
+    if (place != std::string::npos) text.replace(place, from.size(), to);
+    std::ofstream(path_, std::ios::binary) << text;
+  }
+  ~Changed() { std::filesystem::remove(path_); }
+  Changed(const Changed&) = delete;
+  Changed& operator=(const Changed&) = delete;
+  std::string Run() const { return "qc --json " + path_ + " " + DataFile("SEPT078M.21P"); }
+
+ private:
+  std::string path_;
+};
+
+TEST(Command, AHeaderThatSaysAnotherIntervalThanTheDataHaveIsNamed) {
+  ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
+  const Changed file("orsolva_interval.21O", "     1.000 ", "     5.000 ");
+  const Answer a = Orsolva(file.Run());
+  ASSERT_EQ(a.code, 0) << a.err;
+  EXPECT_NE(a.out.find("an interval of 5 s and the data have 1 s"), std::string::npos);
+}
+
+TEST(Command, WhatStandsBeforeAnErrorIsJudgedAndTheErrorIsTheAnswer) {
+  ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
+  std::string header = "     2.11           OBSERVATION DATA    M";
+  header.resize(60, ' ');
+  const std::string epoch = "> 2021 03 19 12 10  0.0000000";
+  const Changed file("orsolva_two_forms.21O", epoch, header + "RINEX VERSION / TYPE\n" + epoch);
+  const Answer a = Orsolva(file.Run());
+  EXPECT_EQ(a.code, 1);
+  EXPECT_NE(a.err.find("a second header of another form"), std::string::npos) << a.err;
+  EXPECT_EQ(json::parse(a.out)["run"]["epochs"], 600);
+}
+
 }  // namespace

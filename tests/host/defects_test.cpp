@@ -1,0 +1,296 @@
+// Defects of real files: each is repaired or passed over with a notice that names its line and is counted.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/host/observation_text.h"
+
+namespace orsolva_host {
+namespace {
+
+using orsolva_test::Epoch;
+using orsolva_test::Header;
+using orsolva_test::HeaderLine;
+using orsolva_test::ReadFile;
+using orsolva_test::Satellite;
+
+const char kTypes[] = "G    2 C1C S1C";  // a header of three lines
+
+std::string Compact(const std::string& body, const std::string& header = Header(kTypes)) {
+  return HeaderLine("3.0                 COMPACT RINEX FORMAT", "CRINEX VERS   / TYPE") +
+         HeaderLine("by hand", "CRINEX PROG / DATE") + header + body;
+}
+
+std::string CompactEpoch(const std::string& second) {
+  return "> 2021 12 21 00 00 " + second + "000000  0  1      G05\n\n3&1000 3&40000\n";
+}
+
+std::string Good(const std::string& second, const std::string& name = "G05") {
+  return Epoch(second, 1) + Satellite(name, {"1.000", "40.000"});
+}
+
+std::string Header2() {
+  return HeaderLine("     2.11           OBSERVATION DATA    M", "RINEX VERSION / TYPE") +
+         HeaderLine("     2    C1    S1", "# / TYPES OF OBSERV") + HeaderLine("", "END OF HEADER");
+}
+
+std::string Good2(const std::string& second, const std::string& name = "G05") {
+  return " 21 12 21  0  0 " + second + "00000  0  1" + name + "\n         1.000          40.000\n";
+}
+
+TEST(Defects, CommentsStandAnywhereAmongTheObservations) {
+  const std::string comment = HeaderLine("a remark", "COMMENT");
+  const ReadFile plain(Header(kTypes) + comment + Epoch("00.0", 2) + comment +
+                       Satellite("G05", {"1.000", "40.000"}) + comment +
+                       Satellite("G06", {"2.000", "40.000"}) + comment + comment + Good("30.0"));
+  ASSERT_EQ(plain.epochs.size(), 2U);
+  EXPECT_EQ(plain.epochs[0].sat_num, 2U);
+  EXPECT_EQ(plain.LineOf("comments among the observations"), 4);
+  const ReadFile old(Header2() + comment + Good2("00.00") + comment + Good2("30.00"));
+  EXPECT_EQ(old.epochs.size(), 2U);
+  EXPECT_EQ(old.LineOf("comments among the observations"), 4);
+  const ReadFile compact(Compact(CompactEpoch("00.0") + comment + CompactEpoch("30.0")));
+  EXPECT_EQ(compact.epochs.size(), 2U);
+  EXPECT_EQ(compact.LineOf("comments among the observations"), 9);
+}
+
+TEST(Defects, ARepeatedHeaderIsTakenAndHoldsFromThereOn) {
+  const std::string turned = Header("G    2 S1C C1C");
+  const ReadFile file(Header(kTypes) + Good("00.0") + turned + Epoch("30.0", 1) +
+                      Satellite("G05", {"41.000", "2.000"}));
+  ASSERT_EQ(file.epochs.size(), 2U);
+  EXPECT_EQ(file.epochs[1].sats[0].signals[0].pseudorange, 2);
+  EXPECT_EQ(file.epochs[1].sats[0].signals[0].snr, 41);
+  EXPECT_EQ(file.LineOf("header lines among the observations"), 6);
+  EXPECT_TRUE(file.Said("change in the file"));
+  const ReadFile old(Header2() + Good2("00.00") + Header2() + Good2("30.00"));
+  EXPECT_EQ(old.epochs.size(), 2U);
+  EXPECT_TRUE(old.Said("header lines among the observations"));
+}
+
+TEST(Defects, ASecondHeaderOfAnotherFormEndsReadingAndWhatStandsBeforeStays) {
+  Diagnostics notices;
+  ObservationReader reader(TextBytes(Header(kTypes) + Good("00.0") + Header2() + Good2("30.00")), "test.rnx",
+                           notices);
+  ObsEpoch_QC_gbt epoch;
+  EXPECT_TRUE(reader.Next(epoch));
+  EXPECT_FALSE(reader.Failure());
+  EXPECT_FALSE(reader.Next(epoch));
+  EXPECT_FALSE(reader.Next(epoch));
+  ASSERT_TRUE(reader.Failure());
+  EXPECT_EQ(reader.Failure()->Line(), 6);
+  EXPECT_FALSE(reader.Failure()->Advice().empty());
+  EXPECT_FALSE(notices.Notices().back().recovered);
+}
+
+TEST(Defects, AFileThatFailsBeforeItsFirstEpochIsAnError) {
+  Diagnostics notices;
+  ObservationReader reader(TextBytes(Header(kTypes) + Header2()), "test.rnx", notices);
+  ObsEpoch_QC_gbt epoch;
+  EXPECT_THROW(reader.Next(epoch), FileError);
+}
+
+TEST(Defects, MarkersOfMovingAntennasAndNewSitesAreNamed) {
+  const ReadFile file(Header(kTypes) + Good("00.0") + ">                              2  1\n" +
+                      HeaderLine("on the road", "COMMENT") + Good("10.0") +
+                      ">                              3  1\n" + HeaderLine("NEXT", "MARKER NAME") +
+                      Good("20.0"));
+  ASSERT_EQ(file.epochs.size(), 3U);
+  EXPECT_EQ(file.LineOf("antenna begins to move"), 6);
+  EXPECT_EQ(file.LineOf("new site occupation"), 10);
+  EXPECT_EQ(file.header.marker, "NEXT");
+}
+
+TEST(Defects, BlankAndShortLinesCostNothing) {
+  const ReadFile file("\n\n" + Header(kTypes) + "\n" + Epoch("00.0", 3) + "\nG05         1.000\n   \n" +
+                      Satellite("G06", {"2.000", "40.000"}) + "G07\n\n" + Good("30.0"));
+  ASSERT_EQ(file.epochs.size(), 2U);
+  ASSERT_EQ(file.epochs[0].sat_num, 2U);
+  EXPECT_EQ(file.epochs[0].sats[0].signals[0].pseudorange, 1);
+  EXPECT_EQ(file.epochs[0].sats[1].prn, 6);
+  EXPECT_EQ(file.LineOf("blank lines before the header"), 1);
+  EXPECT_EQ(file.LineOf("blank lines among the observations"), 8);
+  EXPECT_EQ(file.CountOf("blank lines among the observations"), 2);
+}
+
+TEST(Defects, AByteOrderMarkIsNoPartOfTheHeader) {
+  const ReadFile file("\xEF\xBB\xBF" + Header(kTypes) + Good("00.0"));
+  EXPECT_EQ(file.epochs.size(), 1U);
+  EXPECT_EQ(file.LineOf("byte order mark"), 1);
+}
+
+std::string WithCrLf(const std::string& text) {
+  std::string out;
+  for (const char c : text) out += c == '\n' ? std::string("\r\n") : std::string(1, c);
+  return out;
+}
+
+TEST(Defects, LinesEndedByCrLfReadTheSameInEveryForm) {
+  for (const std::string& text :
+       {Header(kTypes) + Good("00.0"), Header2() + Good2("00.00"), Compact(CompactEpoch("00.0"))}) {
+    const ReadFile file(WithCrLf(text));
+    ASSERT_EQ(file.epochs.size(), 1U);
+    EXPECT_EQ(file.epochs[0].sats[0].signals[0].pseudorange, 1);
+    EXPECT_EQ(file.epochs[0].sats[0].signals[0].snr, 40);
+    EXPECT_EQ(file.notices.Total(), 0);
+  }
+}
+
+TEST(Defects, AMissingLastLineEndCostsOnlyAValueCutInsideIt) {
+  const std::string whole = Header(kTypes) + Epoch("00.0", 1) + "G05         1.000          40.000";
+  const ReadFile kept(whole);
+  EXPECT_EQ(kept.epochs.at(0).sats[0].signals[0].snr, 40);
+  EXPECT_EQ(kept.notices.Total(), 0);
+  const ReadFile cut(whole.substr(0, whole.size() - 2));
+  EXPECT_EQ(cut.epochs.at(0).sats[0].signals[0].pseudorange, 1);
+  EXPECT_EQ(cut.epochs[0].sats[0].signals[0].snr, 0);
+  EXPECT_EQ(cut.LineOf("cut off inside it"), 5);
+}
+
+TEST(Defects, ACompactValueCutByTheEndOfTheFileCountsAsMissing) {
+  const std::string text = Compact(CompactEpoch("00.0"));
+  const ReadFile cut(text.substr(0, text.size() - 3));
+  EXPECT_EQ(cut.epochs.at(0).sats[0].signals[0].pseudorange, 1);
+  EXPECT_EQ(cut.epochs[0].sats[0].signals[0].snr, 0);
+  EXPECT_TRUE(cut.Said("counts as missing"));
+}
+
+TEST(Defects, MoreSatellitesThanTheEpochLineSaysAreTaken) {
+  const ReadFile file(Header(kTypes) + Epoch("00.0", 1) + Satellite("G05", {"1.000", "40.000"}) +
+                      Satellite("G06", {"2.000", "40.000"}) + Satellite("G07", {"3.000", "40.000"}) +
+                      Good("30.0"));
+  ASSERT_EQ(file.epochs.size(), 2U);
+  EXPECT_EQ(file.epochs[0].sat_num, 3U);
+  EXPECT_EQ(file.LineOf("more lines than it says"), 6);
+  EXPECT_EQ(file.CountOf("more lines than it says"), 2);
+}
+
+TEST(Defects, ALastEpochCutOffKeepsTheSatellitesItHas) {
+  const ReadFile plain(Header(kTypes) + Good("00.0") + Epoch("30.0", 4) +
+                       Satellite("G05", {"1.000", "40.000"}));
+  ASSERT_EQ(plain.epochs.size(), 2U);
+  EXPECT_EQ(plain.epochs[1].sat_num, 1U);
+  EXPECT_EQ(plain.LineOf("ends inside an epoch"), 7);
+  const ReadFile old(Header2() + Good2("00.00") +
+                     " 21 12 21  0  0 30.0000000  0  2G05G06\n         1.000          40.000\n");
+  ASSERT_EQ(old.epochs.size(), 2U);
+  EXPECT_EQ(old.epochs[1].sat_num, 1U);
+  EXPECT_TRUE(old.Said("ends inside an epoch"));
+  const std::string two = "> 2021 12 21 00 00 30.0000000  0  2      G05G06\n\n3&1000 3&40000\n";
+  const ReadFile compact(Compact(CompactEpoch("00.0") + two));
+  ASSERT_EQ(compact.epochs.size(), 2U);
+  EXPECT_EQ(compact.epochs[1].sat_num, 1U);
+  EXPECT_TRUE(compact.Said("ends inside an epoch"));
+}
+
+TEST(Defects, EpochsThatStandTwiceOrRunBackwardsAreGivenAndNamed) {
+  const ReadFile file(Header(kTypes) + Good("30.0") + Good("30.0") + Good("10.0") + Good("40.0"));
+  ASSERT_EQ(file.epochs.size(), 4U);
+  EXPECT_EQ(file.LineOf("stand twice"), 6);
+  EXPECT_EQ(file.LineOf("runs backwards"), 8);
+  EXPECT_EQ(file.CountOf("runs backwards"), 1);
+}
+
+TEST(Defects, SatellitesListedWithoutAValueAreLeftOutAndCounted) {
+  const ReadFile file(Header(kTypes) + Epoch("00.0", 3) + Satellite("G05", {"", ""}) + "G06\n" +
+                      Satellite("G07", {"3.000", "40.000"}));
+  ASSERT_EQ(file.epochs.at(0).sat_num, 1U);
+  EXPECT_EQ(file.epochs[0].sats[0].prn, 7);
+  EXPECT_EQ(file.LineOf("listed without a value"), 4);
+  EXPECT_EQ(file.CountOf("listed without a value"), 2);
+}
+
+TEST(Defects, OfASatelliteListedTwiceTheFirstIsJudged) {
+  const ReadFile file(Header(kTypes) + Epoch("00.0", 3) + Satellite("G05", {"", ""}) +
+                      Satellite("G05", {"1.000", "40.000"}) + Satellite("G05", {"2.000", "40.000"}) +
+                      Good("30.0"));
+  ASSERT_EQ(file.epochs.at(0).sat_num, 1U);
+  EXPECT_EQ(file.epochs[0].sats[0].signals[0].pseudorange, 1);
+  EXPECT_EQ(file.CountOf("listed twice"), 1);
+  EXPECT_EQ(file.epochs.at(1).sat_num, 1U);
+}
+
+TEST(Defects, PhaseShiftsInTheHeaderNeedNothingAndAmongTheObservationsAreNamed) {
+  const std::string shift = HeaderLine("G L2S -0.25000", "SYS / PHASE SHIFT");
+  EXPECT_EQ(ReadFile(Header(kTypes, "3.04", shift) + Good("00.0")).notices.Total(), 0);
+  const ReadFile file(Header(kTypes) + Good("00.0") + Epoch("10.0", 1, 4) + shift + Good("30.0"));
+  EXPECT_EQ(file.epochs.size(), 2U);
+  EXPECT_EQ(file.LineOf("phase shifts"), 7);
+}
+
+TEST(Defects, ScaleFactorsMayChangeAmongTheObservations) {
+  const std::string factor = HeaderLine("G   10   1 C1C", "SYS / SCALE FACTOR");
+  const ReadFile file(Header(kTypes) + Good("00.0") + Epoch("10.0", 1, 4) + factor + Good("30.0"));
+  ASSERT_EQ(file.epochs.size(), 2U);
+  EXPECT_EQ(file.epochs[0].sats[0].signals[0].pseudorange, 1);
+  EXPECT_EQ(file.epochs[1].sats[0].signals[0].pseudorange, 0.1);
+  EXPECT_EQ(file.LineOf("scale factors change"), 6);
+}
+
+TEST(Defects, AbsurdCountsEndWithTheEpochOrTheFile) {
+  const ReadFile plain(Header(kTypes) + Epoch("00.0", 999) + Satellite("G05", {"1.000", "40.000"}) +
+                       Good("30.0"));
+  EXPECT_EQ(plain.epochs.size(), 2U);
+  EXPECT_TRUE(plain.Said("fewer lines than it says"));
+  const ReadFile old(Header2() + " 21 12 21  0  0  0.0000000  0999G05\n" + Good2("30.00"));
+  EXPECT_LE(old.epochs.size(), 2U);
+  EXPECT_GE(old.notices.Total(), 1);
+  const ReadFile event(Header(kTypes) + ">                              4999\n" +
+                       HeaderLine("a remark", "COMMENT") + Good("30.0"));
+  EXPECT_EQ(event.epochs.size(), 1U);
+  const ReadFile compact(
+      Compact("> 2021 12 21 00 00  0.0000000  0999      G05\n\n3&1 3&1\n" + CompactEpoch("30.0")));
+  EXPECT_EQ(compact.epochs.size(), 1U);
+}
+
+TEST(Defects, TypeListsOfADamagedHeaderStayBounded) {
+  std::string lines;
+  for (int i = 0; i < 500; ++i) {
+    lines += HeaderLine("       C1C L1C D1C S1C C1C L1C D1C S1C C1C L1C D1C S1C C1C", "SYS / # / OBS TYPES");
+  }
+  const ReadFile file(Header(kTypes, "3.04", lines) + Good("00.0"));
+  EXPECT_LE(file.header.TypesOf('G').size(), 200U);
+  EXPECT_EQ(file.epochs.size(), 1U);
+}
+
+TEST(Defects, ALineWithoutEndIsPassedOverInPieces) {
+  const ReadFile file(Header(kTypes) + Good("00.0") + std::string(3000000, 'x') + "\n" + Good("30.0"));
+  EXPECT_EQ(file.epochs.size(), 2U);
+  EXPECT_TRUE(file.Said("passed over"));
+}
+
+TEST(Defects, BytesThatAreNoTextArePassedOver) {
+  const std::string noise("\0\x01\xff\x80 >\t\0\x1b[2J", 12);
+  for (const std::string& text : {Header(kTypes) + Good("00.0") + noise + "\n" + Good("30.0"),
+                                  Header2() + Good2("00.00") + noise + "\n" + Good2("30.00"),
+                                  Compact(CompactEpoch("00.0") + noise + "\n" + CompactEpoch("30.0"))}) {
+    const ReadFile file(text);
+    EXPECT_EQ(file.epochs.size(), 2U);
+    EXPECT_GE(file.notices.Total(), 1);
+  }
+}
+
+TEST(Defects, WhatCannotBeUnpackedFurtherKeepsWhatStandsBefore) {
+  std::string text = Header(kTypes);
+  for (int i = 10; i < 60; ++i) text += Good(std::to_string(i) + ".0");
+  struct Failing : ByteSource {
+    explicit Failing(std::string t) : bytes(TextBytes(std::move(t))) {}
+    std::size_t Read(char* out, std::size_t size) override {
+      const std::size_t count = bytes->Read(out, size);
+      if (count == 0) throw FileError("x.gz", 0, "more than the limit", "fewer", "Raise it.");
+      return count;
+    }
+    std::unique_ptr<ByteSource> bytes;
+  };
+  Diagnostics notices;
+  ObservationReader reader(std::make_unique<Failing>(text), "x.gz", notices);
+  ObsEpoch_QC_gbt epoch;
+  int epochs = 0;
+  while (reader.Next(epoch)) ++epochs;
+  EXPECT_GE(epochs, 49);
+  ASSERT_TRUE(reader.Failure());
+  EXPECT_EQ(reader.Failure()->Found(), "more than the limit");
+}
+
+}  // namespace
+}  // namespace orsolva_host

@@ -1,0 +1,117 @@
+// Holds the table of docs/readers.md against what the readers make of the shared files.
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <set>
+#include <string>
+
+#include "host/rinex/input_files.h"
+#include "host/rinex/navigation_reader.h"
+#include "host/rinex/observation_reader.h"
+#include "tests/host/shared_data.h"
+
+namespace orsolva_host {
+namespace {
+
+using orsolva_test::ReadText;
+
+const std::string kBegin = "<!-- table of files: kept by tests/host/readers_table_test.cpp -->\n";
+const std::string kEnd = "<!-- end of the table -->\n";
+
+std::string Notices(const Diagnostics& diagnostics) {
+  std::string text;
+  for (const Notice& notice : diagnostics.Notices()) {
+    if (!text.empty()) text += "; ";
+    if (notice.line > 0) text += fmt::format("line {}: ", notice.line);
+    text += notice.text;
+    if (notice.count > 1) text += fmt::format(" ({} times)", notice.count);
+  }
+  return text.empty() ? "none" : text;
+}
+
+/// "G32 R24", systems in the library's order.
+std::string PerSystem(const std::map<int, std::size_t>& counts) {
+  std::string text;
+  for (const SystemRow& system : kSystemTable) {
+    const auto count = counts.find(system.code);
+    if (count == counts.end() || count->second == 0) continue;
+    text += (text.empty() ? "" : " ") + fmt::format("{}{}", system.letter, count->second);
+  }
+  return text;
+}
+
+std::string ObservationRow(const std::string& path, const std::string& name) {
+  Diagnostics diagnostics;
+  ObservationReader reader(path, diagnostics);
+  ObsEpoch_QC_gbt epoch;
+  int epochs = 0;
+  std::map<int, std::set<int>> satellites;
+  for (; reader.Next(epoch); ++epochs) {
+    for (std::uint32_t i = 0; i < epoch.sat_num; ++i) satellites[epoch.sats[i].sys].insert(epoch.sats[i].prn);
+  }
+  std::map<int, std::size_t> counts;
+  for (const auto& [system, numbers] : satellites) counts[system] = numbers.size();
+  const ObservationHeader& header = reader.Header();
+  return fmt::format("| `{}` | observations {:.2f}, {} | {} epochs | {} | {} |\n", name, header.version,
+                     header.compact ? "compact" : "plain", epochs, PerSystem(counts), Notices(diagnostics));
+}
+
+std::string NavigationRow(const std::string& path, const std::string& name) {
+  Diagnostics diagnostics;
+  NavigationReader reader(diagnostics);
+  reader.Read(path);
+  const NavigationSet set = reader.Take();
+  const std::map<int, std::size_t> counts = {{kGps, set.gps.size()},
+                                             {kGlonass, set.glonass.size()},
+                                             {kBds, set.bds.size()},
+                                             {kGalileo, set.galileo.size()},
+                                             {kQzss, set.qzss.size()}};
+  return fmt::format("| `{}` | navigation | {} records | {} | {} |\n", name, set.Size(), PerSystem(counts),
+                     Notices(diagnostics));
+}
+
+std::string Table(const std::string& folder) {
+  std::set<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    names.insert(entry.path().filename().string());
+  }
+  std::string table =
+      "| file | what | read | satellites or records by system | notices |\n|---|---|---|---|---|\n";
+  for (const std::string& name : names) {
+    const std::string path = folder + "/" + name;
+    const FileKind kind = KindOfFile(path);
+    table += kind == FileKind::kObservation  ? ObservationRow(path, name)
+             : kind == FileKind::kNavigation ? NavigationRow(path, name)
+                                             : fmt::format(
+                                                   "| `{}` | passed over | | | its first line is that "
+                                                   "of neither observations nor navigation |\n",
+                                                   name);
+  }
+  return table;
+}
+
+TEST(ReadersTable, DocsShowWhatTheSharedFilesGive) {
+  const std::string folder = orsolva_test::SharedFolder() + "/data";
+  ORSOLVA_NEED_FILE(folder);
+  const std::string page = std::string(ORSOLVA_SOURCE_DIR) + "/docs/readers.md";
+  std::string text = ReadText(page);
+  const std::size_t begin = text.find(kBegin);
+  const std::size_t end = text.find(kEnd);
+  ASSERT_NE(begin, std::string::npos);
+  ASSERT_NE(end, std::string::npos);
+  const std::size_t first = begin + kBegin.size();
+  const std::string table = Table(folder);
+  if (std::getenv("ORSOLVA_WRITE_DOCS") != nullptr) {
+    std::ofstream(page, std::ios::binary) << text.replace(first, end - first, table);
+    return;
+  }
+  EXPECT_EQ(text.substr(first, end - first), table)
+      << "if the new table is right, run this test with ORSOLVA_WRITE_DOCS=1";
+}
+
+}  // namespace
+}  // namespace orsolva_host

@@ -10,6 +10,8 @@ namespace gnssqctoolkit {
 namespace {
 
 constexpr double kSameFraction = 1e-12;    // s, between the clock times of one record loaded twice
+constexpr double kFarAway = 1e9;           // s, records further from a time are never its nearest
+constexpr double kLeadMargin = 1e-5;       // s, for the rounding of ages below kFarAway
 constexpr double kCoverMargin = 1e-6;      // s, for the rounding of ages
 constexpr double kCalendarMargin = 100.0;  // s, for the shift to BDS time at the ends of the calendar
 
@@ -17,6 +19,9 @@ bool IsFinite(const SatelliteState& state) {
   return std::isfinite(state.Position[0]) && std::isfinite(state.Position[1]) &&
          std::isfinite(state.Position[2]) && std::isfinite(state.Clock);
 }
+
+// Ages of such times are exact to kLeadMargin; a larger fraction would swallow whole seconds.
+bool HasPlainFraction(const AbsoluteTime& t) { return std::fabs(t.Fraction) <= 1e3; }
 
 bool HasRange(double pseudorange) {
   return std::fabs(pseudorange) >= kAbsentRange && std::isfinite(pseudorange);
@@ -55,6 +60,7 @@ bool SatelliteEphemeris<Traits>::Add(const Record& record) {
     records_.erase(records_.begin());
     references_.erase(references_.begin());
   }
+  nearest_ = Nearest{};
   references_.reserve(records_.size() + 1);  // so that a failing allocation leaves both lists alike
   records_.push_back(record);
   references_.push_back(Traits::ReferenceTime(record));
@@ -70,26 +76,54 @@ template <class Traits>
 void SatelliteEphemeris<Traits>::Release() {
   std::vector<Record>().swap(records_);
   std::vector<AbsoluteTime>().swap(references_);
+  nearest_ = Nearest{};
+  memory_ = typename Traits::Memory{};
+}
+
+template <class Traits>
+int SatelliteEphemeris<Traits>::ChooseIssue(const AbsoluteTime& t, std::int32_t prn,
+                                            std::int32_t iode) const {
+  if constexpr (Traits::kHasIode) {
+    for (std::size_t i = 0; i < records_.size(); ++i) {
+      if (records_[i].prn != prn || records_[i].iode != iode) continue;
+      if (YoungEnough(std::fabs(TimeDifference(t, references_[i])))) return static_cast<int>(i);
+    }
+  }
+  return -1;
+}
+
+template <class Traits>
+typename SatelliteEphemeris<Traits>::Nearest SatelliteEphemeris<Traits>::FindNearest(const AbsoluteTime& t,
+                                                                                     std::int32_t prn) const {
+  Nearest found{t, prn, -1, 0.0};
+  double best = kFarAway;
+  double second = kFarAway;  // a lone record leads by so much
+  bool plain = HasPlainFraction(t);
+  for (std::size_t i = 0; i < records_.size(); ++i) {
+    if (records_[i].prn != prn) continue;
+    plain = plain && HasPlainFraction(references_[i]);
+    const double age = std::fabs(TimeDifference(t, references_[i]));
+    if (age <= best) {
+      second = best;
+      best = age;
+      found.Index = static_cast<int>(i);
+    } else if (age < second) {
+      second = age;
+    }
+  }
+  // Twice the time between two epochs is what the lead can shrink by; the margin is for rounding.
+  found.Lead = plain ? second - best - kLeadMargin : 0.0;
+  return found;
 }
 
 template <class Traits>
 int SatelliteEphemeris<Traits>::Choose(const AbsoluteTime& t, std::int32_t prn, std::int32_t iode) const {
-  int chosen = -1;
-  double best = max_age_s_ + 1.0;
-  for (std::size_t i = 0; i < records_.size(); ++i) {
-    if (records_[i].prn != prn) continue;
-    if constexpr (Traits::kHasIode) {
-      if (iode >= 0 && records_[i].iode != iode) continue;
-    }
-    const double age = std::fabs(TimeDifference(t, references_[i]));
-    if (!(age <= max_age_s_)) continue;  // an age that is not a number is no age
-    if (Traits::kHasIode && iode >= 0) return static_cast<int>(i);
-    if (age <= best) {
-      best = age;
-      chosen = static_cast<int>(i);
-    }
-  }
-  return chosen;
+  if (Traits::kHasIode && iode >= 0) return ChooseIssue(t, prn, iode);
+  const bool still_nearest = nearest_.Prn == prn && HasPlainFraction(t) &&
+                             2.0 * std::fabs(TimeDifference(t, nearest_.Time)) < nearest_.Lead;
+  if (!still_nearest) nearest_ = FindNearest(t, prn);
+  if (nearest_.Index < 0) return -1;
+  return YoungEnough(std::fabs(TimeDifference(t, Reference(nearest_.Index)))) ? nearest_.Index : -1;
 }
 
 template <class Traits>
@@ -183,7 +217,10 @@ int SystemEphemeris<Traits>::SatellitePosition(const Record& record, const Absol
   if (!HasRange(pseudorange)) return 0;
   if (!Traits::CanBePositioned(record.prn)) return 0;
   SatelliteState formed;
-  if (Traits::Position(record, reference, reception, pseudorange, formed) == 0) return 0;
+  const SatelliteEphemeris<Traits>* store = Satellite({system_, record.prn});
+  typename Traits::Memory none;
+  auto& memory = store == nullptr ? none : store->Memory();
+  if (Traits::Position(record, reference, reception, pseudorange, memory, formed) == 0) return 0;
   // Records may hold anything; what is not a number is no position.
   if (!IsFinite(formed)) return 0;
   state = formed;

@@ -41,6 +41,8 @@ class SatelliteEphemeris {
   /// nearest in time, the later stored of two equally near.
   int Choose(const AbsoluteTime& t, std::int32_t prn, std::int32_t iode) const;
   const AbsoluteTime& Reference(int i) const { return references_[static_cast<std::size_t>(i)]; }
+  /// What forming a position may keep for the next one. Never changes what comes out.
+  typename Traits::Memory& Memory() const { return memory_; }
 
   /// Nearest interval of validity in one direction, in seconds from t (scale of the reference times).
   /// @param direction  +1 later, -1 earlier
@@ -52,6 +54,21 @@ class SatelliteEphemeris {
   std::vector<Record> records_;
   std::vector<AbsoluteTime> references_;  // parallel to the records
   double max_age_s_ = Traits::kDefaultMaxAge;
+
+  // The record nearest to a time, whatever its age, and how far off the second nearest is. It stays the
+  // nearest for all times close by, which spares most epochs the walk over the records.
+  struct Nearest {
+    AbsoluteTime Time;
+    std::int32_t Prn = 0;
+    int Index = -1;
+    double Lead = 0.0;  // s by which the second nearest is further away; 0 = look again
+  };
+  Nearest FindNearest(const AbsoluteTime& t, std::int32_t prn) const;
+  int ChooseIssue(const AbsoluteTime& t, std::int32_t prn, std::int32_t iode) const;
+  bool YoungEnough(double age_s) const { return age_s <= max_age_s_; }  // not a number is no age
+
+  mutable Nearest nearest_;
+  mutable typename Traits::Memory memory_;
 };
 
 /// Records of one system.

@@ -56,30 +56,32 @@ bool BdsTraits::CanBePositioned(std::int32_t prn) { return BdsOrbitType(prn) != 
 AbsoluteTime GlonassTraits::StoreTime(const AbsoluteTime& t) { return GpsToUtc(t, kCurrentLeapSeconds); }
 
 int GpsTraits::Position(const Record& record, const AbsoluteTime& reference, const AbsoluteTime& reception,
-                        double pseudorange, SatelliteState& state) {
+                        double pseudorange, Memory&, SatelliteState& state) {
   return KeplerPosition({kGmGps, kEarthRotationGps, false}, record, reference, reception, pseudorange, 0.0,
                         state);
 }
 
 int GalileoTraits::Position(const Record& record, const AbsoluteTime& reference,
-                            const AbsoluteTime& reception, double pseudorange, SatelliteState& state) {
+                            const AbsoluteTime& reception, double pseudorange, Memory&,
+                            SatelliteState& state) {
   return KeplerPosition({kGmBdsGalileo, kEarthRotationGps, false}, record, reference, reception, pseudorange,
                         0.0, state);
 }
 
 int BdsTraits::Position(const Record& record, const AbsoluteTime& reference, const AbsoluteTime& reception,
-                        double pseudorange, SatelliteState& state) {
+                        double pseudorange, Memory&, SatelliteState& state) {
   const KeplerModel model{kGmBdsGalileo, kEarthRotationBds, BdsIsGeo(record.orbit_type, record.prn)};
   return KeplerPosition(model, record, reference, reception, pseudorange, kGpsMinusBds, state);
 }
 
 int GlonassTraits::Position(const Record& record, const AbsoluteTime& reference,
-                            const AbsoluteTime& reception, double pseudorange, SatelliteState& state) {
+                            const AbsoluteTime& reception, double pseudorange, Memory& memory,
+                            SatelliteState& state) {
   AbsoluteTime transmission = ClockReading(StoreTime(reception), pseudorange);
   double dt = TimeDifference(transmission, reference);
   for (int round = 0; round < 2; ++round) dt -= record.clock_bias + record.clock_rate * dt;
   transmission = AbsoluteTimeAdd(transmission, -(record.clock_bias + record.clock_rate * dt));
-  if (GlonassOrbit(transmission, record, state.Position, state.Clock) == 0) return 0;
+  if (GlonassOrbit(transmission, record, memory, state.Position, state.Clock) == 0) return 0;
   state.Variance = GlonassAccuracyVariance(kGlonassAccuracyIndex);
   state.Health = record.svh;
   return 1;

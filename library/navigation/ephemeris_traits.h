@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "interface/records.h"
+#include "navigation/glonass_trajectory.h"
 #include "navigation/satellite_state.h"
 #include "toolkit/satellite.h"
 #include "toolkit/time.h"
@@ -20,11 +21,16 @@ namespace gnssqctoolkit {
 //   StoreTime             a reception time (GPS time) in the scale Select takes
 //   RecordTime            that time in the scale of the reference times
 //   CanBePositioned       false for a number that has no position whatever its records say
+//   Memory                what is kept of a satellite between two positions
 //   Position              1 and the state of one record, or 0 with the state untouched
 //   TraceMissing          the diagnostic of Select
 
+/// Nothing.
+struct NoMemory {};
+
 struct GpsTraits {
   using Record = GpsEph_gbt;
+  using Memory = NoMemory;
   static constexpr GnssSystem kSystem = kGps;
   static constexpr int kSatellites = 35;
   static constexpr double kDefaultMaxAge = 7200.0;
@@ -35,12 +41,13 @@ struct GpsTraits {
   static AbsoluteTime RecordTime(const AbsoluteTime& t) { return t; }
   static bool CanBePositioned(std::int32_t) { return true; }
   static int Position(const Record& record, const AbsoluteTime& reference, const AbsoluteTime& reception,
-                      double pseudorange, SatelliteState& state);
+                      double pseudorange, Memory& memory, SatelliteState& state);
   static void TraceMissing(const GNSSTime& t, const SatelliteId& satellite, int iode);
 };
 
 struct GalileoTraits {
   using Record = GalEph_gbt;
+  using Memory = NoMemory;
   static constexpr GnssSystem kSystem = kGalileo;
   static constexpr int kSatellites = 37;
   static constexpr double kDefaultMaxAge = 21600.0;
@@ -51,13 +58,14 @@ struct GalileoTraits {
   static AbsoluteTime RecordTime(const AbsoluteTime& t) { return t; }
   static bool CanBePositioned(std::int32_t) { return true; }
   static int Position(const Record& record, const AbsoluteTime& reference, const AbsoluteTime& reception,
-                      double pseudorange, SatelliteState& state);
+                      double pseudorange, Memory& memory, SatelliteState& state);
   static void TraceMissing(const GNSSTime& t, const SatelliteId& satellite, int iode);
 };
 
 /// Reference times are BDS time; Select takes GPS time and shifts it once.
 struct BdsTraits {
   using Record = BdsEph_gbt;
+  using Memory = NoMemory;
   static constexpr GnssSystem kSystem = kBds;
   static constexpr int kSatellites = 64;
   static constexpr double kDefaultMaxAge = 21600.0;
@@ -68,13 +76,14 @@ struct BdsTraits {
   static AbsoluteTime RecordTime(const AbsoluteTime& t);
   static bool CanBePositioned(std::int32_t prn);
   static int Position(const Record& record, const AbsoluteTime& reference, const AbsoluteTime& reception,
-                      double pseudorange, SatelliteState& state);
+                      double pseudorange, Memory& memory, SatelliteState& state);
   static void TraceMissing(const GNSSTime& t, const SatelliteId& satellite, int iode);
 };
 
 /// Reference times and the times Select takes are UTC.
 struct GlonassTraits {
   using Record = GloEph_gbt;
+  using Memory = GlonassTrajectory;
   static constexpr GnssSystem kSystem = kGlonass;
   static constexpr int kSatellites = 32;
   static constexpr double kDefaultMaxAge = 1800.0;
@@ -85,7 +94,7 @@ struct GlonassTraits {
   static AbsoluteTime RecordTime(const AbsoluteTime& t) { return t; }
   static bool CanBePositioned(std::int32_t) { return true; }
   static int Position(const Record& record, const AbsoluteTime& reference, const AbsoluteTime& reception,
-                      double pseudorange, SatelliteState& state);
+                      double pseudorange, Memory& memory, SatelliteState& state);
   static void TraceMissing(const GNSSTime& t, const SatelliteId& satellite, int iode);
 };
 

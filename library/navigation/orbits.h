@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "interface/records.h"
+#include "navigation/glonass_trajectory.h"
 #include "toolkit/time.h"
 
 namespace gnssqctoolkit {
@@ -57,16 +58,14 @@ int KeplerOrbit(int system, const KeplerModel& model, const AbsoluteTime& t,
                 const ClockElements& clock_elements, const KeplerElements& elements, std::int32_t week,
                 double position[3], double& clock);
 
-/// Position and clock by integrating the broadcast state vector in steps of 60 s.
-/// @param t  UTC
+/// Position and clock by integrating the broadcast state vector in whole steps and one last part of a step.
+/// @param t           UTC
+/// @param trajectory  keeps the whole steps for the next time
 /// @return 1, or 0 with the outputs untouched for a state at the geocentre or a t more than a day from toe
+int GlonassOrbit(const AbsoluteTime& t, const GloEph_gbt& record, GlonassTrajectory& trajectory,
+                 double position[3], double& clock);
+/// The same, integrated anew.
 int GlonassOrbit(const AbsoluteTime& t, const GloEph_gbt& record, double position[3], double& clock);
-
-/// One fourth-order Runge-Kutta step of the GLONASS equations of motion.
-/// @param state         position (m) and velocity (m/s), replaced
-/// @param acceleration  lunisolar, m/s^2
-/// @return false for a state at the geocentre
-bool GlonassStep(double step_s, double state[6], const double acceleration[3]);
 
 }  // namespace gnssqctoolkit
 

@@ -58,7 +58,14 @@ class GNSSTime {
 };
 
 /// a - b in seconds: the whole seconds first, then the fractions.
-double TimeDifference(const AbsoluteTime& a, const AbsoluteTime& b);
+// Inline, as all that follows the epochs calls it.
+inline double TimeDifference(const AbsoluteTime& a, const AbsoluteTime& b) {
+  std::int64_t whole = 0;
+  if (__builtin_sub_overflow(a.Seconds, b.Seconds, &whole)) {
+    return static_cast<double>(a.Seconds) - static_cast<double>(b.Seconds) + a.Fraction - b.Fraction;
+  }
+  return static_cast<double>(whole) + a.Fraction - b.Fraction;
+}
 double TimeDifference(const GNSSTime& a, const GNSSTime& b);
 
 /// The instant `dt` seconds before t. The fraction is normalised by whole seconds; exactly 1.0 stays.

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <random>
 
 #include "navigation/orbits.h"
 #include "tests/support/exact_sky.h"
@@ -149,6 +150,35 @@ TEST(SystemEphemeris, SelectsTheNearestWhateverTheOrder) {
   SystemEphemerisGPS gps;
   for (int hour : {4, 0, 2, 6}) gps.Add(GpsAt(3, 3600.0 * hour, hour));
   for (int hour : {0, 2, 4, 6}) EXPECT_EQ(gps.Select({kGps, 3}, At(3600.0 * hour + 600.0)).iode, hour);
+}
+
+TEST(SystemEphemeris, SelectsTheSameWhateverWasAskedBefore) {
+  SystemEphemerisGPS asked;
+  std::mt19937 random(5);
+  for (int i = 0; i < 40; ++i) asked.Add(GpsAt(3, static_cast<double>(random() % 40000), i));
+  asked.Add(GpsAt(3, 20000.5, 40));
+  double seconds = 0.0;
+  for (int k = 0; k < 20000; ++k) {
+    // Mostly small steps, as epochs make them, and now and then a leap.
+    seconds = k % 97 == 0 ? static_cast<double>(random() % 60000) - 10000.0 : seconds + 0.5 * (random() % 41);
+    const SystemEphemerisGPS fresh = asked;
+    fresh.Select({kGps, 3}, At(-1e7));  // what the copy remembers is of no use
+    ASSERT_EQ(asked.Select({kGps, 3}, At(seconds)).iode, fresh.Select({kGps, 3}, At(seconds)).iode)
+        << seconds;
+  }
+}
+
+TEST(SystemEphemeris, SelectsByAgeAloneWhereFractionsSwallowSeconds) {
+  SystemEphemerisGPS gps;
+  for (int i = 0; i < 4; ++i) gps.Add(GpsAt(3, 5000.0 * i, i));
+  std::mt19937 random(6);
+  for (int k = 0; k < 2000; ++k) {
+    const AbsoluteTime swallowed = {kSkyTime + static_cast<std::int64_t>(random() % 40000), 1e16};
+    const AbsoluteTime t = k % 2 == 0 ? swallowed : AbsoluteTime{kSkyTime - 10000000000000000, 1e16};
+    const SystemEphemerisGPS fresh = gps;
+    fresh.Select({kGps, 3}, At(-1e7));
+    ASSERT_EQ(gps.Select({kGps, 3}, t).iode, fresh.Select({kGps, 3}, t).iode);
+  }
 }
 
 TEST(SystemEphemeris, GivesTheFirstRecordOfARequestedIssueWithinTheAge) {

@@ -90,6 +90,21 @@ TEST(GlonassOrbit, ReadsItsClockAtTheTime) {
   EXPECT_EQ(clock, r.clock_bias + r.clock_rate * -400.0);
 }
 
+TEST(GlonassTrajectory, KeptTrajectoryChangesNoBit) {
+  const GloEph_gbt records[] = {WithAcceleration(), GlonassRecord(6)};
+  GlonassTrajectory kept;
+  // Forwards, backwards, shorter and longer spans, and two records in turn.
+  for (double seconds : {0.0, 30.0, 725.0, -90.0, 60.0, -1800.0, 900.5, 3600.0, -0.5, 2e-10}) {
+    for (const GloEph_gbt& r : records) {
+      double anew[3], again[3], clock_anew, clock_again;
+      ASSERT_EQ(GlonassOrbit(After(r, seconds), r, anew, clock_anew), 1);
+      ASSERT_EQ(GlonassOrbit(After(r, seconds), r, kept, again, clock_again), 1);
+      for (int i = 0; i < 3; ++i) EXPECT_EQ(anew[i], again[i]) << seconds;
+      EXPECT_EQ(clock_anew, clock_again);
+    }
+  }
+}
+
 TEST(GlonassOrbit, FailsAtTheGeocentre) {
   GloEph_gbt r{};
   r.toe = {orsolva_test::kSkyTime, 0.0};

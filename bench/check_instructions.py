@@ -1,0 +1,50 @@
+#!/usr/bin/env python3
+"""Counts the instructions of small cases under callgrind and holds them against their budgets.
+
+usage: bench/check_instructions.py BUILD [--write]
+
+Counts repeat to a small fraction of a percent, unlike times. A case fails when it takes more than its budget;
+--write sets the budgets to what is counted now plus the margin, for a change that is meant to cost more (or
+has made things cheaper).
+"""
+import json
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+
+HERE = pathlib.Path(__file__).resolve().parent
+BUDGETS = HERE / "instruction_budgets.json"
+MARGIN = 1.05  # other compilers and C libraries of one kind differ by less
+
+
+def instructions(build: pathlib.Path, case: str) -> int:
+    with tempfile.TemporaryDirectory() as folder:
+        command = [
+            "valgrind", "--tool=callgrind", "--toggle-collect=CountedRun*",
+            f"--callgrind-out-file={folder}/out", str(build / "bin" / "instruction_case"), case,
+        ]
+        done = subprocess.run(command, capture_output=True, text=True, check=True)
+    return int(re.search(r"Collected : (\d+)", done.stderr).group(1))
+
+
+def main() -> int:
+    build = pathlib.Path(sys.argv[1])
+    write = "--write" in sys.argv[2:]
+    budgets = json.loads(BUDGETS.read_text())
+    over = 0
+    for case, budget in budgets.items():
+        counted = instructions(build, case)
+        if write:
+            budgets[case] = int(counted * MARGIN)
+        exceeded = not write and counted > budget
+        over += exceeded
+        print(f"{case:20} {counted:>14,} of {budgets[case]:>14,} {'OVER BUDGET' if exceeded else ''}")
+    if write:
+        BUDGETS.write_text(json.dumps(budgets, indent=2) + "\n")
+    return 1 if over else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -147,13 +147,22 @@ void EpochMedians::Store(const AbsoluteTime& epoch, double median) {
   entries_.push_back({epoch, median});
 }
 
+// Nearly always one of the last, as most pairs were seen an epoch ago.
+std::vector<EpochMedians::Entry>::const_iterator EpochMedians::FirstAfter(const AbsoluteTime& t) const {
+  const auto begin = entries_.begin() + static_cast<std::ptrdiff_t>(head_);
+  const auto not_after = [&](const Entry& e) { return TimeDifference(e.Epoch, t) <= kTimeTolerance; };
+  auto first = entries_.end();
+  for (int k = 0; k < 4; ++k, --first) {
+    if (first == begin || not_after(*std::prev(first))) return first;
+  }
+  return std::partition_point(begin, first, not_after);
+}
+
 double EpochMedians::AddBetween(double start, const AbsoluteTime& previous, const AbsoluteTime& current,
                                 double interval) const {
   if (!(interval > 0.0)) return start;
   // Walking the stored epochs instead of the steps bounds the work whatever the interval is.
-  auto entry = std::partition_point(
-      entries_.begin() + static_cast<std::ptrdiff_t>(head_), entries_.end(),
-      [&](const Entry& e) { return TimeDifference(e.Epoch, previous) <= kTimeTolerance; });
+  auto entry = FirstAfter(previous);
   double sum = start;
   for (; entry != entries_.end() && TimeDifference(current, entry->Epoch) > 0.0; ++entry) {
     const double offset = TimeDifference(entry->Epoch, previous);

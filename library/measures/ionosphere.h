@@ -123,6 +123,8 @@ class EpochMedians {
     gnssqctoolkit::AbsoluteTime Epoch;
     double Median;
   };
+  std::vector<Entry>::const_iterator FirstAfter(const gnssqctoolkit::AbsoluteTime& t) const;
+
   std::vector<Entry> entries_;  // ascending; those before head_ are dropped
   std::size_t head_ = 0;
 };

@@ -29,5 +29,6 @@ require_packages() {
 
 build_packages=(g++ cmake ninja-build pkg-config libfmt-dev libcli11-dev nlohmann-json3-dev libtomlplusplus-dev zlib1g-dev libarchive-dev)
 test_packages=(python3-jsonschema libgtest-dev binutils python3)
-ci_packages=(clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev)
+ci_packages=(clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev valgrind)
 web_packages=(chromium fonts-dejavu-core)
+bench_packages=(libbenchmark-dev linux-perf valgrind)

@@ -1,0 +1,78 @@
+#!/usr/bin/env python3
+"""The command over a whole station-day against `gzip -dc` of the same observation file, in one run.
+
+usage: bench/end_to_end.py BUILD OBS NAV [--rounds N] [--jobs-files N]
+
+Both reports are asked for: text, then JSON, each a run of the command of its own. Rounds of the three commands
+alternate, so that what else the machine does meets all alike; processor time (user and system) of the fastest
+round counts. With --jobs-files N, as many copies of the day are judged by one process after the other and by
+two at a time, and the rates are compared by the clock on the wall.
+"""
+import argparse
+import os
+import pathlib
+import subprocess
+import time
+
+
+def processor_seconds(command):
+    before = os.times()
+    with open(os.devnull, "wb") as sink:
+        subprocess.run([str(part) for part in command], stdout=sink, stderr=sink, check=True)
+    after = os.times()
+    return after.children_user - before.children_user + after.children_system - before.children_system
+
+
+
+def ratios(tool, obs, nav, rounds):
+    commands = {
+        "gzip -dc": ["gzip", "-dc", obs],
+        "text report": [tool, "qc", obs, nav],
+        "JSON report": [tool, "qc", "--json", obs, nav],
+    }
+    best = {name: float("inf") for name in commands}
+    for _ in range(rounds):
+        for name, command in commands.items():
+            # Short commands are below the resolution of the processor clock when run alone.
+            repeats = 20 if name == "gzip -dc" else 3
+            spent = sum(processor_seconds(command) for _ in range(repeats)) / repeats
+            best[name] = min(best[name], spent)
+    for name, seconds in best.items():
+        print(f"{name:12} {seconds * 1e3:8.1f} ms {seconds / best['gzip -dc']:6.2f} times gzip -dc")
+
+
+def wall_seconds(command, files, at_once):
+    started = time.monotonic()
+    running = []
+    for _ in range(files):
+        if len(running) == at_once:
+            running.pop(0).wait()
+        running.append(subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL))
+    for process in running:
+        process.wait()
+    return time.monotonic() - started
+
+
+def processes(tool, obs, nav, files):
+    command = [str(tool), "qc", str(obs), str(nav)]
+    one = wall_seconds(command, files, 1)
+    two = wall_seconds(command, files, 2)
+    print(f"{files} days, one process at a time {one:.2f} s, two at a time {two:.2f} s: {one / two:.2f} times the rate")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("build", type=pathlib.Path)
+    parser.add_argument("obs", type=pathlib.Path)
+    parser.add_argument("nav", type=pathlib.Path)
+    parser.add_argument("--rounds", type=int, default=5)
+    parser.add_argument("--jobs-files", type=int, default=0)
+    told = parser.parse_args()
+    tool = told.build / "bin" / "orsolva"
+    ratios(tool, told.obs, told.nav, told.rounds)
+    if told.jobs_files:
+        processes(tool, told.obs, told.nav, told.jobs_files)
+
+
+if __name__ == "__main__":
+    main()

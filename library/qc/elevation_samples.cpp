@@ -18,20 +18,36 @@ constexpr std::int64_t kMostSamples = std::int64_t{1} << 40;
 
 constexpr std::int64_t kNone = -1;
 
+// A sample is looked for and put in its place among so many of the last ones.
+constexpr int kLastSamples = 4;
+
 }  // namespace
 
 StationView::StationView(const gnssqctoolkit::Ephemeris& ephemeris, const double station_position[3])
-    : ephemeris_(&ephemeris), geodetic_(gnssqctoolkit::EcefToGeodetic(station_position)) {
+    : ephemeris_(&ephemeris), frame_(gnssqctoolkit::EcefToGeodetic(station_position)) {
   std::copy_n(station_position, 3, position_);
+}
+
+bool StationView::UnitVector(const gnssqctoolkit::SatelliteId& satellite, const Time_gbt& time,
+                             double unit[3]) const {
+  gnssqctoolkit::SatelliteState state;
+  return ephemeris_->SatellitePosition(satellite, ToAbsolute(time), kNominalRange, state) &&
+         !(gnssqctoolkit::GeometricRange(state.Position, position_, unit) < 0.0);
 }
 
 bool StationView::Direction(const gnssqctoolkit::SatelliteId& satellite, const Time_gbt& time,
                             double azimuth_elevation[2]) const {
-  gnssqctoolkit::SatelliteState state;
-  if (!ephemeris_->SatellitePosition(satellite, ToAbsolute(time), kNominalRange, state)) return false;
   double unit[3];
-  if (gnssqctoolkit::GeometricRange(state.Position, position_, unit) < 0.0) return false;
-  gnssqctoolkit::AzimuthElevation(geodetic_, unit, azimuth_elevation);
+  if (!UnitVector(satellite, time, unit)) return false;
+  gnssqctoolkit::AzimuthElevation(frame_, unit, azimuth_elevation);
+  return true;
+}
+
+bool StationView::Elevation(const gnssqctoolkit::SatelliteId& satellite, const Time_gbt& time,
+                            double& elevation) const {
+  double unit[3];
+  if (!UnitVector(satellite, time, unit)) return false;
+  elevation = gnssqctoolkit::AzimuthElevation(frame_, unit, nullptr);
   return true;
 }
 
@@ -46,6 +62,7 @@ void ElevationSamples::Open(const StationView& view, const gnssqctoolkit::Satell
 
 void ElevationSamples::Clear() {
   elevations_.clear();
+  strays_.clear();
   gaps_.clear();
   has_bracket_ = false;
 }
@@ -58,7 +75,7 @@ bool ElevationSamples::Bracket(const Time_gbt& t, SampleBracket& bracket) {
     std::int64_t after = kNone;
     has_bracket_ = FindBracket(t, before, after);
     if (!has_bracket_) return false;
-    bracket_ = {SampleTime(before), SampleTime(after), elevations_.at(before), elevations_.at(after)};
+    bracket_ = {SampleTime(before), SampleTime(after), *Computed(before), *Computed(after)};
   }
   bracket = bracket_;
   return true;
@@ -95,11 +112,35 @@ std::int64_t ElevationSamples::IndexAtOrAfter(const Time_gbt& t) const {
   return i;
 }
 
+const double* ElevationSamples::Computed(std::int64_t i) const {
+  if (!elevations_.empty() && elevations_.back().Index >= i) {
+    const auto earlier = [](const Sample& sample, std::int64_t index) { return sample.Index < index; };
+    const auto begin = elevations_.begin();
+    auto place = elevations_.end();
+    for (int k = 0; k < kLastSamples && place != begin && std::prev(place)->Index >= i; ++k) --place;
+    if (place != begin && std::prev(place)->Index >= i) place = std::lower_bound(begin, place, i, earlier);
+    if (place->Index == i) return &place->Elevation;
+  }
+  const auto stray = strays_.find(i);
+  return stray == strays_.end() ? nullptr : &stray->second;
+}
+
+void ElevationSamples::Keep(const Sample& sample) {
+  auto place = elevations_.end();
+  for (int k = 0; place != elevations_.begin() && std::prev(place)->Index > sample.Index; ++k, --place) {
+    if (k < kLastSamples) continue;
+    // Times that run backwards: moving all later samples for each would make the batch cost its square.
+    strays_.emplace(sample.Index, sample.Elevation);
+    return;
+  }
+  elevations_.insert(place, sample);
+}
+
 bool ElevationSamples::Exists(std::int64_t i) {
-  if (elevations_.count(i) != 0) return true;
-  double azimuth_elevation[2];
-  if (!view_->Direction(satellite_, SampleTime(i), azimuth_elevation)) return false;
-  elevations_.emplace_hint(elevations_.end(), i, azimuth_elevation[1]);
+  if (Computed(i) != nullptr) return true;
+  double elevation = 0.0;
+  if (!view_->Elevation(satellite_, SampleTime(i), elevation)) return false;
+  Keep({i, elevation});
   return true;
 }
 

@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <map>
+#include <vector>
 
 #include "interface/records.h"
 #include "navigation/ephemeris.h"
@@ -30,12 +31,16 @@ class StationView {
   /// @return false when the satellite has no position or one inside the Earth
   bool Direction(const gnssqctoolkit::SatelliteId& satellite, const Time_gbt& time,
                  double azimuth_elevation[2]) const;
+  /// The elevation alone, in rad.
+  bool Elevation(const gnssqctoolkit::SatelliteId& satellite, const Time_gbt& time, double& elevation) const;
   const gnssqctoolkit::Ephemeris& Records() const { return *ephemeris_; }
 
  private:
+  bool UnitVector(const gnssqctoolkit::SatelliteId& satellite, const Time_gbt& time, double unit[3]) const;
+
   const gnssqctoolkit::Ephemeris* ephemeris_ = nullptr;
   double position_[3] = {0.0, 0.0, 0.0};
-  gnssqctoolkit::GeodeticPosition geodetic_;
+  gnssqctoolkit::LocalFrame frame_;
 };
 
 /// Two consecutive existing samples around a time.
@@ -57,6 +62,14 @@ class ElevationSamples {
   void Clear();
 
  private:
+  struct Sample {
+    std::int64_t Index;
+    double Elevation;  // rad
+  };
+
+  /// The elevation of a sample computed before, null when it was not.
+  const double* Computed(std::int64_t i) const;
+  void Keep(const Sample& sample);
   Time_gbt SampleTime(std::int64_t i) const;
   std::int64_t IndexAtOrAfter(const Time_gbt& t) const;
   bool Exists(std::int64_t i);
@@ -73,7 +86,8 @@ class ElevationSamples {
   gnssqctoolkit::SatelliteId satellite_;
   Time_gbt first_{};
   std::int64_t last_index_ = 0;
-  std::map<std::int64_t, double> elevations_;  // existing samples that were computed
+  std::vector<Sample> elevations_;             // existing samples that were computed, ascending
+  std::map<std::int64_t, double> strays_;      // those that came too late for their place among them
   std::map<std::int64_t, std::int64_t> gaps_;  // first to last index of runs known not to exist
   bool has_bracket_ = false;
   SampleBracket bracket_;

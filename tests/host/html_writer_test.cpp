@@ -7,10 +7,11 @@
 #include <cmath>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <random>
 #include <string>
 #include <vector>
 
-#include "host/report/detail_json.h"
+#include "host/report/detail_data.h"
 #include "host/rinex/satellite_names.h"
 #include "host/rinex/signal_codes.h"
 
@@ -27,6 +28,15 @@ constexpr double kRadiansPerDegree = 0.017453292519943295;
 
 std::uint32_t Code(const char* name) {
   return static_cast<std::uint32_t>(orsolva_host::SignalNumber(orsolva_host::kGps, name, 3.04));
+}
+
+/// The header of the encoded detail.
+json Header(const DetailCollector& detail) {
+  const std::string bytes = orsolva_host::EncodeDetail(detail, 10);
+  const auto byte = [&](std::size_t i) {
+    return std::size_t{static_cast<unsigned char>(bytes[i])} << (8 * i);
+  };
+  return json::parse(bytes.substr(4, byte(0) | byte(1) | byte(2) | byte(3)));
 }
 
 class Collected : public testing::Test {
@@ -140,16 +150,46 @@ TEST_F(Collected, ManyEpochsAreThinnedAndTheRestIsStillCounted) {
   for (const auto epoch : columns.epoch) EXPECT_EQ(epoch % 4, 0U);
   EXPECT_EQ(columns.signals[0].values, 400U);
   EXPECT_EQ(detail->PairOf(columns, Code("1C"))->squares[8].count, 400U);
-  const json told = json::parse(orsolva_host::WriteDetailJson(*detail, 10));
+  const json told = Header(*detail);
   EXPECT_EQ(told["stride"], 4);
   EXPECT_EQ(told["satellites"][0]["runs"], json::array({0, 100}));
+}
+
+TEST_F(Collected, APageTooLargeIsThinnedUntilItFits) {
+  Start();
+  std::minstd_rand random(1);  // noise does not pack
+  for (int epoch = 0; epoch < 4000; ++epoch) {
+    const double elevation = static_cast<double>(random() % 9000) / 100;
+    Satellite(epoch, 5, elevation, static_cast<float>(random() % 6000) / 100 + 1);
+  }
+  detail->EndBatch();
+  detail->Finish(total_code_qc_result{});
+  EXPECT_EQ(detail->Stride(), 1U);
+  const std::size_t whole = WriteHtml(orsolva_host::Report(), *detail).size();
+  EXPECT_EQ(detail->Stride(), 1U);
+  const std::string page = WriteHtml(orsolva_host::Report(), *detail, whole - 4000);
+  EXPECT_LE(page.size(), whole - 4000);
+  EXPECT_GT(detail->Stride(), 1U);
+}
+
+TEST_F(Collected, ColumnsAreLowBytesThenHighBytesAndSmoothOnesAreChanges) {
+  Start();
+  Satellite(0, 5, 42.5);
+  Satellite(1, 5, 40.0);
+  const std::string bytes = orsolva_host::EncodeDetail(*detail, 10);
+  const json header = Header(*detail);
+  const std::size_t blob = bytes.find("events_left_out");
+  const std::size_t start =
+      bytes.find('}', blob) + 1 + header["satellites"][0]["elevation"].get<std::size_t>();
+  // 4250 = 0x109a, then -250 = 0xff06.
+  EXPECT_EQ(bytes.substr(start, 4), "\x9a\x06\x10\xff");
 }
 
 TEST_F(Collected, ABreakOfTrackingEndsAnArc) {
   Start();
   for (int epoch : {0, 1, 2, 5, 6}) Satellite(epoch, 5);
   EXPECT_EQ(Only().arcs.size(), 2U);
-  const json told = json::parse(orsolva_host::WriteDetailJson(*detail, 10));
+  const json told = Header(*detail);
   EXPECT_EQ(told["satellites"][0]["arcs"], json::array({0, 2, 5, 6}));
   EXPECT_EQ(told["satellites"][0]["runs"], json::array({0, 3, 5, 2}));
 }
@@ -178,7 +218,7 @@ TEST_F(Collected, AbsurdValuesStayWithinTheColumns) {
   detail->OnSatelliteEpoch(far);
   detail->EndBatch();
   detail->Finish(total_code_qc_result{});
-  EXPECT_TRUE(json::accept(orsolva_host::WriteDetailJson(*detail, 10)));
+  EXPECT_EQ(Header(*detail)["satellites"].size(), 1U);
 }
 
 TEST(Page, Base64IsThatOfRfc4648) {
@@ -211,7 +251,8 @@ TEST(Page, NamesOfFilesAndHeadersCannotLeaveTheirScript) {
   orsolva_host::Report report;
   report.run.marker = "</script><script>alert(1)</script>";
   report.run.observation_file = "<img src=x>.rnx";
-  const std::string page = WriteHtml(report, DetailCollector());
+  DetailCollector nothing;
+  const std::string page = WriteHtml(report, nothing);
   EXPECT_EQ(page.find("<script>alert"), std::string::npos);
   EXPECT_EQ(page.find("<img"), std::string::npos);
   EXPECT_NE(page.find("\\u003cimg src=x>.rnx"), std::string::npos);

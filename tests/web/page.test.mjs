@@ -1,7 +1,8 @@
 // The HTML report in a browser: what is drawn, what hovering says, themes, paper, keyboard, size, hostile names.
 //
-// usage: node --test page.test.mjs, with REPORT (a page), REPORT_JSON (the same run's --json --sats) and
-// HOSTILE (a page of a file with markup in its name and header) in the environment; see run.sh.
+// usage: node --test page.test.mjs, with REPORT (a page), REPORT_JSON (the same run's --json --sats), DEMO and
+// DEMO_TRUTH (a page of simulated data and their truth) and HOSTILE (a page of a file with markup in its name
+// and header) in the environment; see run.sh.
 import assert from 'node:assert/strict';
 import { readFileSync, statSync } from 'node:fs';
 import { after, before, describe, it } from 'node:test';
@@ -80,6 +81,30 @@ describe('page', () => {
     for (const caption of ['Systems', 'Signals', 'Satellites', 'Slips and restarts']) {
       assert.equal(await page.locator('caption', { hasText: new RegExp(`^${caption}$`) }).count(), 1, caption);
     }
+    await context.close();
+  });
+});
+
+describe('demo day', () => {
+  it('names the satellites with injected slips and code jumps, and no others', async () => {
+    const truth = JSON.parse(readFileSync(process.env.DEMO_TRUTH, 'utf8'));
+    const injected = (kind) => new Set(truth.faults.filter((f) => f.kind === kind && f.shows_in_the_data).map((f) => f.satellite));
+    const { context, page } = await open(browser, process.env.DEMO);
+    const named = async (title) => {
+      const text = await page.locator('.hints li', { hasText: title }).first().innerText();
+      return new Set(text.match(/\b[GRECJ]\d\d\b/g));
+    };
+    assert.deepEqual([...(await named('Most slips'))].sort(), [...injected('slip')].sort());
+    assert.deepEqual([...(await named('code jump'))].sort(), [...injected('code_jump')].sort());
+    const lost = await page.locator('.hints li', { hasText: 'lost' }).first().innerText();
+    assert.ok(lost.includes(`${truth.missing_epochs} epochs lost`), lost);
+    await context.close();
+  });
+
+  it('carries every point within its size', async () => {
+    assert.ok(statSync(process.env.DEMO).size < MOST_BYTES, `${statSync(process.env.DEMO).size} bytes`);
+    const { context, page } = await open(browser, process.env.DEMO);
+    assert.equal(await page.evaluate(() => window.orsolva.detail.stride), 1);
     await context.close();
   });
 });

@@ -37,6 +37,11 @@ sed -e "s|^.*MARKER NAME *\$|$(printf '%-60s' "$marker")MARKER NAME|" "$data/SEP
 grep -q '</script><img' "$hostile"
 "$build/bin/orsolva" qc --html "$work/hostile.html" "$hostile" "$data/SEPT078M.21P" >/dev/null
 
+# The demo day, whose faults are known.
+"$build/bin/orsolva" simulate --preset station-day --output "$work/demo" >/dev/null
+"$build/bin/orsolva" qc --html "$work/demo.html" "$work"/demo/*_MO.rnx "$work"/demo/*_MN.rnx >/dev/null
+
 clean_install "$here"
-REPORT=$work/station.html REPORT_JSON=$work/station.json HOSTILE=$work/hostile.html \
+DEMO=$work/demo.html DEMO_TRUTH=$work/demo/truth.json \
+  REPORT=$work/station.html REPORT_JSON=$work/station.json HOSTILE=$work/hostile.html \
   node --test --test-reporter=spec "$here/page.test.mjs"

@@ -1,23 +1,25 @@
-// The detail columns of a page: what detail_json.cpp writes, decoded into typed arrays.
+// The detail columns of a page: what detail_data.cpp writes, decoded into typed arrays.
 
 export interface RawSignal {
   signal: string;
   snr_values: number;
-  snr: string;
+  /** This and the like: first byte of a column. */
+  snr: number;
   partner?: string;
   mp_values?: number;
-  mp?: string;
+  mp?: number;
 }
 
 export interface RawSatellite {
   satellite: string;
-  elevation: string;
-  azimuth: string;
+  rows: number;
+  elevation: number;
+  azimuth: number;
   runs: number[];
   arcs: number[];
   signals: RawSignal[];
   rate_pair?: [string, string];
-  rate?: string;
+  rate?: number;
 }
 
 export interface RawBins {
@@ -101,25 +103,47 @@ export interface Detail {
   eventsLeftOut: number;
 }
 
-function bytesOf(base64: string): ArrayBuffer {
+/** Unpacks base64 of gzip. */
+export async function unpack(base64: string): Promise<Uint8Array> {
   const text = atob(base64);
-  const bytes = new Uint8Array(text.length);
-  for (let i = 0; i < text.length; ++i) bytes[i] = text.charCodeAt(i);
-  return bytes.buffer;
+  const packed = new Uint8Array(text.length);
+  for (let i = 0; i < text.length; ++i) packed[i] = text.charCodeAt(i);
+  const stream = new Blob([packed]).stream().pipeThrough(new DecompressionStream('gzip'));
+  return new Uint8Array(await new Response(stream).arrayBuffer());
 }
 
-function scaledSigned(base64: string, unit: number): Float32Array {
-  const raw = new Int16Array(bytesOf(base64));
-  const values = new Float32Array(raw.length);
-  for (let i = 0; i < raw.length; ++i) values[i] = raw[i] === NO_VALUE ? NaN : raw[i] * unit;
-  return values;
-}
+/** Reads 16-bit columns: n low bytes, then n high bytes. */
+class Columns {
+  private readonly bytes: Uint8Array;
 
-function scaledUnsigned(base64: string, unit: number, missing: number): Float32Array {
-  const raw = new Uint16Array(bytesOf(base64));
-  const values = new Float32Array(raw.length);
-  for (let i = 0; i < raw.length; ++i) values[i] = raw[i] === missing ? NaN : raw[i] * unit;
-  return values;
+  constructor(bytes: Uint8Array) {
+    this.bytes = bytes;
+  }
+
+  private unsigned(place: number, rows: number, changes: boolean): Uint16Array {
+    const values = new Uint16Array(rows);
+    let before = 0;
+    for (let i = 0; i < rows; ++i) {
+      const kept = this.bytes[place + i] | (this.bytes[place + rows + i] << 8);
+      before = changes ? (before + kept) & 0xffff : kept;
+      values[i] = before;
+    }
+    return values;
+  }
+
+  /** Hundredths that change smoothly; `missing` stands for none. */
+  hundredths(place: number, rows: number, missing: number): Float32Array {
+    return Float32Array.from(this.unsigned(place, rows, true), (raw) => (raw === missing ? NaN : raw / 100));
+  }
+
+  signedHundredths(place: number, rows: number): Float32Array {
+    return Float32Array.from(new Int16Array(this.unsigned(place, rows, true).buffer), (raw) => raw / 100);
+  }
+
+  thousandths(place: number, rows: number): Float32Array {
+    const raw = new Int16Array(this.unsigned(place, rows, false).buffer);
+    return Float32Array.from(raw, (value) => (value === NO_VALUE ? NaN : value / 1000));
+  }
 }
 
 function pairs(flat: number[]): { count: number; sum: number }[] {
@@ -128,40 +152,43 @@ function pairs(flat: number[]): { count: number; sum: number }[] {
   return out;
 }
 
-function decodeSignal(raw: RawSignal): Signal {
-  return {
-    signal: raw.signal,
-    partner: raw.partner ?? null,
-    snrValues: raw.snr_values,
-    mpValues: raw.mp_values ?? 0,
-    snr: scaledUnsigned(raw.snr, 0.01, 0),
-    mp: raw.mp === undefined ? null : scaledSigned(raw.mp, 0.001),
-  };
-}
-
-export function decode(raw: RawDetail): Detail {
+export function decode(bytes: Uint8Array): Detail {
+  const length = new DataView(bytes.buffer, bytes.byteOffset).getUint32(0, true);
+  const raw = JSON.parse(new TextDecoder().decode(bytes.subarray(4, 4 + length))) as RawDetail;
+  const columns = new Columns(bytes.subarray(4 + length));
   const first = raw.first_s * 1000 + raw.first_fraction_s * 1000;
   const step = raw.interval_s * 1000;
-  const satellites = raw.satellites.map((s): Satellite => {
-    const elevation = scaledSigned(s.elevation, 0.01);
-    const time = new Float64Array(elevation.length);
+
+  const timesOf = (s: RawSatellite): Float64Array => {
+    const time = new Float64Array(s.rows);
     let row = 0;
     for (let i = 0; i + 1 < s.runs.length; i += 2) {
       for (let k = 0; k < s.runs[i + 1]; ++k) time[row++] = first + (s.runs[i] + k) * raw.stride * step;
     }
-    return {
+    return time;
+  };
+  const signalOf = (s: RawSignal, rows: number): Signal => ({
+    signal: s.signal,
+    partner: s.partner ?? null,
+    snrValues: s.snr_values,
+    mpValues: s.mp_values ?? 0,
+    snr: columns.hundredths(s.snr, rows, 0),
+    mp: s.mp === undefined ? null : columns.thousandths(s.mp, rows),
+  });
+  const satellites = raw.satellites.map(
+    (s): Satellite => ({
       name: s.satellite,
       letter: s.satellite[0],
-      rows: elevation.length,
-      time,
-      elevation,
-      azimuth: scaledUnsigned(s.azimuth, 0.01, -1),
-      signals: s.signals.map(decodeSignal),
+      rows: s.rows,
+      time: timesOf(s),
+      elevation: columns.signedHundredths(s.elevation, s.rows),
+      azimuth: columns.hundredths(s.azimuth, s.rows, -1),
+      signals: s.signals.map((signal) => signalOf(signal, s.rows)),
       ratePair: s.rate_pair ?? null,
-      rate: s.rate === undefined ? null : scaledSigned(s.rate, 0.001),
+      rate: s.rate === undefined ? null : columns.thousandths(s.rate, s.rows),
       arcs: pairs(s.arcs).map((a) => ({ from: first + a.count * step, to: first + a.sum * step })),
-    };
-  });
+    }),
+  );
   return {
     stride: raw.stride,
     leastGap: raw.least_gap,

@@ -1,8 +1,7 @@
 // What to look at first, told from the figures.
-import { gapsInView } from './charts/timeline';
+import { gapsInView, holes, splitEvents } from './common';
 import type { Detail } from './detail';
-import { HARD } from './events';
-import { fixed, percent } from './format';
+import { clock, fixed, percent } from './format';
 import type { Report, SignalReport } from './report';
 
 export interface Hint {
@@ -29,21 +28,68 @@ function median(values: number[]): number | null {
   return sorted[sorted.length >> 1];
 }
 
-function slips(detail: Detail): Hint[] {
-  const counts = new Map<string, { slips: number; jumps: number }>();
-  for (const e of detail.events) {
-    if (!HARD.has(e.kind)) continue;
+interface SlipCount {
+  name: string;
+  slips: number;
+  jumps: number;
+}
+
+function slipCounts(detail: Detail): { counts: SlipCount[]; commonTimes: number[] } {
+  const { single, commonTimes } = splitEvents(detail);
+  const counts = new Map<string, SlipCount>();
+  for (const e of single) {
     let c = counts.get(e.satellite);
-    if (c === undefined) counts.set(e.satellite, (c = { slips: 0, jumps: 0 }));
+    if (c === undefined) counts.set(e.satellite, (c = { name: e.satellite, slips: 0, jumps: 0 }));
     if (e.kind === 'jump') ++c.jumps;
     else ++c.slips;
   }
-  if (counts.size === 0) return [{ title: 'No slips', text: 'No slip of the geometry-free phase and no code jump was found.', figure: 'timeline' }];
-  const order = [...counts].sort(([, a], [, b]) => b.slips - a.slips || b.jumps - a.jumps);
-  const [name, c] = order[0];
-  const jumps = c.jumps > 0 ? ` and ${c.jumps} code jumps` : '';
-  const next = order.length > 1 ? ` Next: ${order.slice(1, 4).map(([n, k]) => `${n} (${k.slips} slips, ${k.jumps} jumps)`).join(', ')}.` : '';
-  return [{ title: `Most slips: ${name}`, text: `${c.slips} slips of the geometry-free phase${jumps}.${next}`, figure: 'timeline', satellite: name }];
+  return { counts: [...counts.values()].sort((a, b) => b.slips - a.slips || b.jumps - a.jumps), commonTimes };
+}
+
+function many(count: number, one: string): string {
+  return `${count} ${one}${count === 1 ? '' : 's'}`;
+}
+
+/** "C01, G05 and 3 more" */
+function names(list: string[]): string {
+  const most = 10;
+  const more = list.length > most ? ` and ${list.length - most} more` : '';
+  return list.slice(0, most).join(', ') + more;
+}
+
+function slips(detail: Detail): Hint[] {
+  const { counts, commonTimes } = slipCounts(detail);
+  const hints: Hint[] = [];
+  const slipped = counts.filter((c) => c.slips > 0);
+  const jumped = counts.filter((c) => c.jumps > 0);
+  if (slipped.length > 0) {
+    const most = slipped[0].slips;
+    const first = slipped.filter((c) => c.slips === most).map((c) => c.name);
+    const rest = slipped.filter((c) => c.slips < most).map((c) => `${c.name} (${c.slips})`);
+    hints.push({
+      title: `Most slips: ${first.length > 3 ? `${first.length} satellites` : first.join(', ')}`,
+      text: `${many(most, 'slip')} of the geometry-free phase${first.length > 1 ? ` each: ${names(first)}` : ''}.${rest.length > 0 ? ` Then ${names(rest)}.` : ''}`,
+      figure: 'timeline',
+      satellite: first.length === 1 ? first[0] : undefined,
+    });
+  }
+  if (jumped.length > 0) {
+    const total = jumped.reduce((sum, c) => sum + c.jumps, 0);
+    const order = [...jumped].sort((a, b) => b.jumps - a.jumps).map((c) => `${c.name} (${c.jumps})`);
+    hints.push({ title: many(total, 'code jump'), text: `The multipath left its average on ${names(order)}.`, figure: 'timeline' });
+  }
+  if (commonTimes.length > 0) {
+    const times = [...commonTimes].sort((a, b) => a - b).map(clock);
+    hints.push({
+      title: `Slips of the whole receiver`,
+      text: `Many satellites slipped at once at ${names(times)}: look for an outage or a reset.`,
+      figure: 'timeline',
+    });
+  }
+  if (hints.length === 0) {
+    hints.push({ title: 'No slips', text: 'No slip of the geometry-free phase and no code jump was found.', figure: 'timeline' });
+  }
+  return hints;
 }
 
 function worstMultipath(report: Report): Hint[] {
@@ -79,18 +125,25 @@ function worstCompleteness(report: Report): Hint[] {
 
 function gaps(report: Report, detail: Detail): Hint[] {
   const hints: Hint[] = [];
+  const breaks = holes(detail);
   if (report.run.lost_epochs > 0) {
-    hints.push({ title: `${report.run.lost_epochs} epochs lost`, text: 'No satellite at all was recorded in them: look for a break of the receiver or the line.', figure: 'timeline' });
-  }
-  const counts = detail.satellites.map((s) => ({ name: s.name, gaps: gapsInView(s, detail.cutoff) })).filter((s) => s.gaps.length > 0);
-  if (counts.length > 0) {
-    const all = counts.reduce((sum, s) => sum + s.gaps.length, 0);
-    const most = counts.reduce((a, b) => (b.gaps.length > a.gaps.length ? b : a));
+    const times = breaks.map((hole) => clock(hole.from));
     hints.push({
-      title: `${all} gaps while in view`,
-      text: `${counts.length} satellites were lost above the cut-off, most often ${most.name} (${most.gaps.length} times).`,
+      title: `${many(report.run.lost_epochs, 'epoch')} lost`,
+      text: `No satellite at all was recorded in them${times.length > 0 ? `: ${names(times)}` : ''}.`,
       figure: 'timeline',
-      satellite: counts.length === 1 ? most.name : undefined,
+    });
+  }
+  const counts = detail.satellites
+    .map((s) => ({ name: s.name, gaps: gapsInView(detail, s, breaks).length }))
+    .filter((s) => s.gaps > 0)
+    .sort((a, b) => b.gaps - a.gaps);
+  if (counts.length > 0) {
+    hints.push({
+      title: many(counts.reduce((sum, s) => sum + s.gaps, 0), 'gap') + ' while in view',
+      text: `Single satellites were lost above the cut-off: ${names(counts.map((s) => `${s.name} (${s.gaps})`))}.`,
+      figure: 'timeline',
+      satellite: counts.length === 1 ? counts[0].name : undefined,
     });
   }
   return hints;

@@ -4,7 +4,7 @@ import { multipathFigure, snrFigure } from './charts/elevation';
 import { rateFigure } from './charts/rate';
 import { skyFigure } from './charts/sky';
 import { timelineFigure } from './charts/timeline';
-import { decode, type Detail, type RawDetail } from './detail';
+import { decode, type Detail, unpack } from './detail';
 import { button, el, select } from './dom';
 import type { Figure } from './figure';
 import { baseName, fixed, percent, whole } from './format';
@@ -15,8 +15,8 @@ import { eventTable, noticeTable, satelliteTable, signalTable, systemTable } fro
 import { forPaper, onTheme, startTheme, theme, toggleTheme } from './theme';
 import { verdictPanel } from './verdict';
 
-function dataOf<T>(id: string): T {
-  return JSON.parse(document.getElementById(id)!.textContent!) as T;
+function dataOf(id: string): string {
+  return document.getElementById(id)!.textContent!;
 }
 
 function themeButton(): HTMLButtonElement {
@@ -150,12 +150,17 @@ function printing(figures: Figure[]): void {
   });
 }
 
-function start(): void {
+async function start(): Promise<void> {
   startTheme();
-  const report = dataOf<Report>('report-data');
-  const detail = decode(dataOf<RawDetail>('detail-data'));
-  const selection = new Selection(detail);
+  const report = JSON.parse(dataOf('report-data')) as Report;
   header(report);
+  if (typeof DecompressionStream === 'undefined') {
+    const text = 'The points of this report are packed in a way that this browser cannot open: use one of 2023 or later.';
+    document.getElementById('report')!.append(el('p', { class: 'warning' }, text));
+    return;
+  }
+  const detail = decode(await unpack(dataOf('detail-data')));
+  const selection = new Selection(detail);
   const figures = [
     skyFigure(detail, selection),
     snrFigure(detail, selection),
@@ -186,4 +191,4 @@ function start(): void {
   (window as unknown as Record<string, unknown>).orsolva = { report, detail, selection, figures, drawn: performance.now() };
 }
 
-start();
+void start();

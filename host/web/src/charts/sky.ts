@@ -133,7 +133,7 @@ function draw(detail: Detail, selection: Selection, by: By, c: Colors, width: nu
 /** Says when points stand for more epochs than one. */
 export function thinning(detail: Detail): string {
   if (detail.stride === 1) return 'Every epoch is shown.';
-  return `Every ${detail.stride}th epoch is shown, to keep this file small; lines and tables use all of them.`;
+  return `One epoch in ${detail.stride} is shown, to keep this file small; lines, arcs and tables use all of them.`;
 }
 
 export function skyFigure(detail: Detail, selection: Selection): Figure {

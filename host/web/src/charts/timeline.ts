@@ -1,4 +1,5 @@
 // When each satellite was tracked, with gaps while in view, slips and restarts.
+import { gapsInView, holes, type Span } from '../common';
 import type { Detail, Event, Satellite } from '../detail';
 import { select, tip } from '../dom';
 import { EVENTS } from '../events';
@@ -16,37 +17,12 @@ interface Bar {
 }
 
 const ROW = 13;
-/** A satellite that sets and rises again is away for longer. */
-const LONGEST_GAP = 2 * 3600 * 1000;
-
-function elevationAt(satellite: Satellite, time: number): number {
-  let low = 0;
-  let high = satellite.rows;
-  while (low < high) {
-    const middle = (low + high) >> 1;
-    if (satellite.time[middle] < time) low = middle + 1;
-    else high = middle;
-  }
-  return satellite.rows === 0 ? NaN : satellite.elevation[Math.min(low, satellite.rows - 1)];
-}
-
-/** Breaks of tracking with the satellite above the cut-off on both sides. */
-export function gapsInView(satellite: Satellite, cutoff: number): { from: number; to: number }[] {
-  const gaps = [];
-  for (let i = 1; i < satellite.arcs.length; ++i) {
-    const from = satellite.arcs[i - 1].to;
-    const to = satellite.arcs[i].from;
-    if (to - from > LONGEST_GAP) continue;
-    if (elevationAt(satellite, from) > cutoff && elevationAt(satellite, to) > cutoff) gaps.push({ from, to });
-  }
-  return gaps;
-}
-
 function barsOf(detail: Detail, satellites: Satellite[]): Bar[] {
   const step = detail.interval * 1000;
+  const common = holes(detail);
   return satellites.flatMap((satellite, row) => [
     ...satellite.arcs.map(({ from, to }) => ({ satellite, row, from, to: to + step, gap: false })),
-    ...gapsInView(satellite, detail.cutoff).map(({ from, to }) => ({ satellite, row, from: from + step, to, gap: true })),
+    ...gapsInView(detail, satellite, common).map(({ from, to }) => ({ satellite, row, from, to, gap: true })),
   ]);
 }
 
@@ -71,8 +47,25 @@ function renderBar(bars: Bar[], c: Colors) {
   };
 }
 
+/** Times without any satellite, over the whole height. */
+function renderHole(breaks: Span[], c: Colors) {
+  return (params: any, api: any) => {
+    const hole = breaks[params.dataIndex];
+    const area = params.coordSys;
+    const left = Math.max(api.coord([hole.from, 0])[0], area.x);
+    const right = Math.min(Math.max(api.coord([hole.to, 0])[0], left + 1), area.x + area.width);
+    if (right <= left) return undefined;
+    return {
+      type: 'rect',
+      shape: { x: left, y: area.y, width: right - left, height: area.height },
+      style: { fill: c.bad, opacity: 0.35 },
+    };
+  };
+}
+
 function draw(detail: Detail, satellites: Satellite[], c: Colors, width: number): Drawing {
   const bars = barsOf(detail, satellites);
+  const breaks = holes(detail);
   const rows = new Map(satellites.map((s, row) => [s.name, row]));
   const kinds = EVENTS.map((style) => ({
     style,
@@ -83,9 +76,9 @@ function draw(detail: Detail, satellites: Satellite[], c: Colors, width: number)
   const left = detail.eventsLeftOut > 0 ? ` ${detail.eventsLeftOut} further events are left out.` : '';
   const joined = detail.leastGap > 1 ? ` Breaks shorter than ${detail.leastGap} epochs are not drawn.` : '';
   return {
-    points: bars.length + total,
+    points: bars.length + breaks.length + total,
     label: `Tracking of ${satellites.length} satellites: ${bars.length - gaps} arcs, ${gaps} gaps while in view, ${total} events.`,
-    note: `${gaps} gaps while in view (red frames). Grey kinds in the legend can be switched on.${joined}${left}`,
+    note: `${gaps} gaps of single satellites while in view (red frames), ${breaks.length} breaks without any satellite (red bands). Grey kinds in the legend can be switched on.${joined}${left}`,
     option: {
       grid: { left: 42, right: 14, top: 34, bottom: width < 600 ? 150 : 112 },
       legend: {
@@ -112,6 +105,15 @@ function draw(detail: Detail, satellites: Satellite[], c: Colors, width: number)
           data: bars.map((b) => [b.from, b.to, b.row]),
           progressive: 0,
         },
+        {
+          type: 'custom',
+          name: 'No satellite',
+          renderItem: renderHole(breaks, c),
+          encode: { x: [0, 1] },
+          data: breaks.map((b) => [b.from, b.to]),
+          progressive: 0,
+          z: 1,
+        },
         ...kinds.map(({ style, events }) => ({
           type: 'scatter',
           name: style.name,
@@ -133,7 +135,15 @@ function draw(detail: Detail, satellites: Satellite[], c: Colors, width: number)
               ['Length', span(bar.to - bar.from)],
             ]);
           }
-          const { style, events } = kinds[p.seriesIndex - 1];
+          if (p.seriesIndex === 1) {
+            const hole = breaks[p.dataIndex];
+            return tip('No satellite recorded', [
+              ['From', clock(hole.from)],
+              ['To', clock(hole.to)],
+              ['Length', span(hole.to - hole.from)],
+            ]);
+          }
+          const { style, events } = kinds[p.seriesIndex - 2];
           return eventTip(events[p.dataIndex], style.name, style.help);
         },
       },

@@ -1,13 +1,16 @@
-#include "host/report/detail_json.h"
+#include "host/report/detail_data.h"
 
 #include <fmt/format.h>
+#include <zlib.h>
 
 #include <algorithm>
 #include <cmath>
 #include <iterator>
 #include <map>
+#include <new>
 #include <tuple>
 #include <utility>
+#include <vector>
 
 #include "host/rinex/satellite_names.h"
 #include "host/rinex/signal_codes.h"
@@ -21,18 +24,31 @@ constexpr std::size_t kMostEventsTold = 20'000;
 constexpr const char* kEventNames[kEventKinds] = {
     "ionospheric_rate", "long_gap", "geometry", "data_gap", "new_ephemeris", "jump", "restart_after_gap"};
 
-template <class Value>
-std::string Column(std::vector<Value> values, std::size_t size, Value missing) {
-  values.resize(size, missing);
-  std::string bytes;
-  bytes.reserve(2 * size);
-  for (const Value value : values) {
-    const auto bits = static_cast<std::uint16_t>(value);
-    bytes += static_cast<char>(bits & 0xffU);
-    bytes += static_cast<char>(bits >> 8U);
+enum class Coding { kPlain, kChanges };
+
+/// The columns of all satellites, one after the other.
+class Columns {
+ public:
+  /// @return the place of the column's first byte
+  template <class Value>
+  std::size_t Add(const std::vector<Value>& values, std::size_t size, Value missing, Coding coding) {
+    const std::size_t place = bytes_.size();
+    bytes_.resize(place + 2 * size);
+    std::uint32_t before = 0;
+    for (std::size_t i = 0; i < size; ++i) {
+      const auto bits = static_cast<std::uint16_t>(i < values.size() ? values[i] : missing);
+      const std::uint32_t kept = coding == Coding::kChanges ? bits - before : bits;
+      before = bits;
+      bytes_[place + i] = static_cast<char>(kept & 0xffU);
+      bytes_[place + size + i] = static_cast<char>((kept >> 8U) & 0xffU);
+    }
+    return place;
   }
-  return Base64(bytes);
-}
+  const std::string& Bytes() const { return bytes_; }
+
+ private:
+  std::string bytes_;
+};
 
 template <class... Parts>
 void Add(std::string& text, fmt::format_string<Parts...> form, Parts&&... parts) {
@@ -70,7 +86,8 @@ void AddArcs(const std::vector<Arc>& arcs, std::string& text) {
   text += ']';
 }
 
-void AddSignals(const DetailCollector& detail, const SatelliteColumns& columns, std::string& text) {
+void AddSignals(const DetailCollector& detail, const SatelliteColumns& columns, Columns& blob,
+                std::string& text) {
   const std::size_t rows = columns.epoch.size();
   const PairColumn* first_pair = nullptr;
   text += ",\"signals\":[";
@@ -78,22 +95,22 @@ void AddSignals(const DetailCollector& detail, const SatelliteColumns& columns, 
     const PairColumn* pair = detail.PairOf(columns, signal.code);
     if (first_pair == nullptr) first_pair = pair;
     Comma(text);
-    Add(text, "{{\"signal\":\"{}\",\"snr_values\":{},\"snr\":\"{}\"",
+    Add(text, "{{\"signal\":\"{}\",\"snr_values\":{},\"snr\":{}",
         SignalName(columns.satellite.sys, static_cast<int>(signal.code)), signal.values,
-        Column<std::uint16_t>(signal.snr, rows, 0));
+        blob.Add<std::uint16_t>(signal.snr, rows, 0, Coding::kChanges));
     if (pair != nullptr) {
-      Add(text, ",\"partner\":\"{}\",\"mp_values\":{},\"mp\":\"{}\"",
+      Add(text, ",\"partner\":\"{}\",\"mp_values\":{},\"mp\":{}",
           SignalName(columns.satellite.sys, static_cast<int>(pair->partner)), pair->values,
-          Column<std::int16_t>(pair->residual, rows, kNoValue));
+          blob.Add<std::int16_t>(pair->residual, rows, kNoValue, Coding::kPlain));
     }
     text += '}';
   }
   text += ']';
   if (first_pair == nullptr) return;
-  Add(text, ",\"rate_pair\":[\"{}\",\"{}\"],\"rate\":\"{}\"",
+  Add(text, ",\"rate_pair\":[\"{}\",\"{}\"],\"rate\":{}",
       SignalName(columns.satellite.sys, static_cast<int>(first_pair->code)),
       SignalName(columns.satellite.sys, static_cast<int>(first_pair->partner)),
-      Column<std::int16_t>(first_pair->rate, rows, kNoValue));
+      blob.Add<std::int16_t>(first_pair->rate, rows, kNoValue, Coding::kPlain));
 }
 
 using SignalKey = std::tuple<int, std::uint32_t>;
@@ -207,7 +224,27 @@ std::string Base64(std::string_view bytes) {
   return text;
 }
 
-std::string WriteDetailJson(const DetailCollector& detail, double cutoff_deg) {
+std::string Gzip(std::string_view bytes) {
+  constexpr int kGzipWindow = 15 + 16;
+  constexpr int kMemoryLevel = 8;
+  z_stream stream = {};
+  if (deflateInit2(&stream, 6, Z_DEFLATED, kGzipWindow, kMemoryLevel, Z_DEFAULT_STRATEGY) != Z_OK) {
+    throw std::bad_alloc();
+  }
+  std::string packed(deflateBound(&stream, static_cast<uLong>(bytes.size())), '\0');
+  // zlib takes a pointer to what it only reads as one to what it may write.
+  stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes.data()));
+  stream.avail_in = static_cast<uInt>(bytes.size());
+  stream.next_out = reinterpret_cast<Bytef*>(packed.data());
+  stream.avail_out = static_cast<uInt>(packed.size());
+  deflate(&stream, Z_FINISH);
+  packed.resize(stream.total_out);
+  deflateEnd(&stream);
+  return packed;
+}
+
+std::string EncodeDetail(const DetailCollector& detail, double cutoff_deg) {
+  Columns blob;
   std::string text = "{";
   Add(text, "\"first_s\":{},\"first_fraction_s\":{},\"interval_s\":{},\"stride\":{},\"least_gap\":{}",
       detail.First().time, detail.First().sec, detail.IntervalS(), detail.Stride(), detail.LeastGap());
@@ -221,17 +258,21 @@ std::string WriteDetailJson(const DetailCollector& detail, double cutoff_deg) {
   for (const auto& [number, columns] : detail.Satellites()) {
     Comma(text);
     const std::size_t rows = columns.epoch.size();
-    Add(text, "{{\"satellite\":\"{}\",\"elevation\":\"{}\",\"azimuth\":\"{}\",", NameOf(columns.satellite),
-        Column<std::int16_t>(columns.elevation, rows, 0), Column<std::uint16_t>(columns.azimuth, rows, 0));
+    Add(text, "{{\"satellite\":\"{}\",\"rows\":{},\"elevation\":{},\"azimuth\":{},",
+        NameOf(columns.satellite), rows, blob.Add<std::int16_t>(columns.elevation, rows, 0, Coding::kChanges),
+        blob.Add<std::uint16_t>(columns.azimuth, rows, 0, Coding::kChanges));
     AddRuns(columns.epoch, detail.Stride(), text);
     AddArcs(columns.arcs, text);
-    AddSignals(detail, columns, text);
+    AddSignals(detail, columns, blob, text);
     text += '}';
   }
   text += ']';
   AddSignalBins(detail, text);
   EventRows(detail).Write(text);
-  return text + "}";
+  text += '}';
+  std::string bytes;
+  for (unsigned shift = 0; shift < 32; shift += 8) bytes += static_cast<char>((text.size() >> shift) & 0xffU);
+  return bytes + text + blob.Bytes();
 }
 
 }  // namespace orsolva_host

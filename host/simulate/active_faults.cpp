@@ -14,11 +14,6 @@ constexpr double kTicksPerSecond = 1e7;
 constexpr double kUpBefore_s = 600;
 constexpr int kMostDraws = 50;
 
-bool ChoosesSignals(FaultKind kind) {
-  return kind == FaultKind::kSlip || kind == FaultKind::kCodeJump || kind == FaultKind::kOutage ||
-         kind == FaultKind::kSnrDrop;
-}
-
 bool IsMomentary(FaultKind kind) {
   return kind == FaultKind::kSlip || kind == FaultKind::kMissingEpoch || kind == FaultKind::kDuplicate ||
          kind == FaultKind::kLateTag || kind == FaultKind::kLateDelivery;
@@ -26,10 +21,10 @@ bool IsMomentary(FaultKind kind) {
 
 /// Draws time, satellite and signal. @return false when no satellite was up at any time drawn
 bool Draw(const EpochGrid& grid, const VisibleAt& visible, const RandomStream& stream, Fault& fault) {
-  const double span_s = grid.Seconds(grid.epochs);
   for (std::uint64_t draw = 0; draw < kMostDraws; ++draw) {
-    fault.at_s = std::floor(stream.Uniform(2 * draw) * span_s);
-    if (!ChoosesSignals(fault.kind)) return true;
+    const double place = std::floor(stream.Uniform(2 * draw) * static_cast<double>(grid.epochs));
+    fault.at_s = grid.Seconds(static_cast<std::int64_t>(place));
+    if (!MeetsSignals(fault.kind)) return true;
     const double before = std::max(0.0, fault.at_s - kUpBefore_s);
     std::vector<FaultTarget> up;
     for (const FaultTarget& one : visible(fault.target, fault.at_s, fault.random_above_deg)) {
@@ -54,6 +49,11 @@ ActiveFault OnGrid(const Fault& fault, const EpochGrid& grid) {
 }
 
 }  // namespace
+
+bool MeetsSignals(FaultKind kind) {
+  return kind == FaultKind::kSlip || kind == FaultKind::kCodeJump || kind == FaultKind::kOutage ||
+         kind == FaultKind::kSnrDrop;
+}
 
 const char* FaultName(FaultKind kind) {
   switch (kind) {

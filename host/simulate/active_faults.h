@@ -16,6 +16,9 @@ namespace orsolva_host {
 /// Name of a kind in scenario files and truth, such as "slip".
 const char* FaultName(FaultKind kind);
 
+/// Whether a fault changes what single signals give: slips, code jumps, outages and SNR drops.
+bool MeetsSignals(FaultKind kind);
+
 struct ActiveFault {
   Fault fault;
   std::int64_t first = 0;  ///< number of the first epoch met

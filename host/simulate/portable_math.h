@@ -3,7 +3,8 @@
 // compiler may fold them at compile time; with these the same scenario gives the same bytes on every machine.
 // Errors stay below two units in the last place (PortableMath tests).
 //
-// Method: reduction of the argument with constants cut into pieces (Cody and Waite 1980), then Taylor's series.
+// Method: reduction of the argument with constants cut into pieces (Cody and Waite 1980), then Taylor's
+// series.
 #ifndef ORSOLVA_SIMULATE_PORTABLE_MATH_H
 #define ORSOLVA_SIMULATE_PORTABLE_MATH_H
 

@@ -34,6 +34,7 @@ int MeanWindow(double interval_s) {
 struct SatelliteWork {
   std::vector<SignalTrack> signals;
   std::vector<ActiveFault*> storms;
+  std::vector<std::int64_t> slips;  ///< epochs
   double travel_s = kFirstTravel_s;
   double travel_rate = 0;
   double travel_time_s = -1e9;  ///< when it was found
@@ -143,8 +144,11 @@ void Simulation::Work::BeginFaults() {
     for (std::size_t i = 0; i < work_.size(); ++i) {
       if (!active.Meets(truth.satellites[i].system, truth.satellites[i].number)) continue;
       if (active.fault.kind == FaultKind::kIonoStorm) work_[i].storms.push_back(&active);
+      if (active.fault.kind == FaultKind::kSlip) work_[i].slips.push_back(active.first);
       for (std::size_t j = 0; j < work_[i].signals.size(); ++j) {
-        if (active.Meets(truth.satellites[i].signals[j].name)) work_[i].signals[j].AddFault(&active);
+        const bool meets =
+            MeetsSignals(active.fault.kind) && active.Meets(truth.satellites[i].signals[j].name);
+        if (meets) work_[i].signals[j].AddFault(&active);
       }
     }
   }
@@ -322,7 +326,9 @@ double Simulation::Work::StormTec(const SatelliteWork& work, double time_s) cons
 void Simulation::Work::MakeSatellite(std::size_t index, double true_s, bool delivered,
                                      ObsEpoch_QC_gbt& epoch) {
   SatelliteWork& work = work_[index];
-  if (true_s < work.look_again_s) return;
+  // A slip is told of even when the satellite is not up.
+  const bool slips = std::find(work.slips.begin(), work.slips.end(), done) != work.slips.end();
+  if (true_s < work.look_again_s && !slips) return;
   const double step = true_s - work.travel_time_s;
   double travel = work.travel_s + (std::fabs(step) < 120 ? work.travel_rate * step : 0.0);
   const Sight sight = Look(index, true_s, travel);

@@ -15,7 +15,7 @@ namespace orsolva_host {
 struct SkySatellite {
   char system = 'G';
   int number = 0;
-  int channel = 0;  ///< GLONASS frequency channel
+  int channel = 0;      ///< GLONASS frequency channel
   bool healthy = true;  ///< by one of its records at least
 };
 

@@ -54,6 +54,14 @@ FileError::FileError(std::string file, long line, std::string found, std::string
       expected_(std::move(expected)),
       advice_(std::move(advice)) {}
 
+std::string Printable(std::string_view text) {
+  std::string out(text);
+  for (char& c : out) {
+    if (static_cast<unsigned char>(c) < ' ' || c == '\x7f') c = '?';
+  }
+  return out;
+}
+
 std::string Quoted(const std::string& text) {
   std::string out = "\"";
   for (const char c : text.substr(0, 40)) out += (c >= ' ' && c <= '~') ? c : '?';

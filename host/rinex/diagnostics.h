@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -66,6 +67,9 @@ class FileError : public std::runtime_error {
   std::string expected_;
   std::string advice_;
 };
+
+/// A file's text without control characters, which could command a terminal: '?' stands for each.
+std::string Printable(std::string_view text);
 
 /// A piece of a file's text fit for a message: at most 40 characters, others than printable ASCII as '?'.
 std::string Quoted(const std::string& text);

@@ -17,7 +17,7 @@ constexpr long kMostHeaderLines = 100000;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 std::string Text(std::string_view line, std::size_t column, std::size_t width) {
-  return std::string(Trimmed(Field(line, column, width)));
+  return Printable(Trimmed(Field(line, column, width)));
 }
 
 bool IsLetter(char c) { return c >= 'A' && c <= 'Z'; }

@@ -137,7 +137,8 @@ CellPlan ObservationReader::PlanCell(int slot, const std::string& type, SystemPl
     if (number != 0) cell.signal = PlaceOf(plan.numbers, number);
   }
   if (cell.signal < 0 && cell.kind != 'X') {
-    diagnostics_.Add(name_, 0, fmt::format("observation type {} of {} is not judged", type, system.name));
+    diagnostics_.Add(name_, 0,
+                     fmt::format("observation type {} of {} is not judged", Printable(type), system.name));
   }
   return cell;
 }

@@ -1,11 +1,14 @@
 // A compact file and its plain twin must read the same, value for value and mark for mark.
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <filesystem>
 #include <string>
 
 #include "host/rinex/byte_source.h"
 #include "host/rinex/observation_body.h"
 #include "host/rinex/observation_header.h"
+#include "host/rinex/observation_reader.h"
 #include "tests/host/shared_data.h"
 
 namespace orsolva_host {
@@ -79,6 +82,40 @@ TEST(CompactTwins, Version3OfTwoSystems) { ExpectTwins("pdel0010.21o", "pdel0010
 
 TEST(CompactTwins, Version3OfAllSystems) {
   ExpectTwins("ACOR00ESP_R_20213550000_01D_30S_MO.rnx", "ACOR00ESP_R_20213550000_01D_30S_MO.crx", 25, 3.04);
+}
+
+/// The plain name of a compact file, or an empty text.
+std::string PlainNameOf(const std::string& name) {
+  if (name.size() < 4 || name[name.size() - 4] != '.') return {};
+  const std::string stem = name.substr(0, name.size() - 4);
+  const std::string ending = name.substr(name.size() - 4);
+  if (ending == ".crx") return stem + ".rnx";
+  if (ending[3] == 'd') return stem + ending.substr(0, 3) + "o";
+  if (ending[3] == 'D') return stem + ending.substr(0, 3) + "O";
+  return {};
+}
+
+TEST(CompactTwins, EveryCompactFileWithAPlainTwinGivesTheSameRecords) {
+  ORSOLVA_NEED_FILE(DataFile(""));
+  int twins = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(DataFile(""))) {
+    const std::string plain_name = PlainNameOf(entry.path().filename().string());
+    if (plain_name.empty() || !std::filesystem::exists(DataFile(plain_name))) continue;
+    ++twins;
+    Diagnostics notices;
+    ObservationReader plain(DataFile(plain_name), notices);
+    ObservationReader compact(entry.path().string(), notices);
+    ObsEpoch_QC_gbt a;
+    ObsEpoch_QC_gbt b;
+    std::memset(&a, 0, sizeof a);
+    std::memset(&b, 0, sizeof b);
+    while (plain.Next(a)) {
+      ASSERT_TRUE(compact.Next(b)) << plain_name;
+      ASSERT_EQ(std::memcmp(&a, &b, sizeof a), 0) << plain_name;
+    }
+    EXPECT_FALSE(compact.Next(b)) << plain_name;
+  }
+  EXPECT_GE(twins, 4);
 }
 
 }  // namespace

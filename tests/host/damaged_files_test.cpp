@@ -8,13 +8,17 @@
 
 #include "host/rinex/navigation_reader.h"
 #include "host/rinex/observation_reader.h"
+#include "tests/host/packed_text.h"
 #include "tests/host/shared_data.h"
 
 namespace orsolva_host {
 namespace {
 
 using orsolva_test::DataFile;
+using orsolva_test::Filtered;
+using orsolva_test::HeaderLine;
 using orsolva_test::ReadText;
+using orsolva_test::Zipped;
 
 constexpr int kMutations = 1500;
 
@@ -45,10 +49,11 @@ std::string Mutated(std::string text, std::mt19937_64& random) {
   return text;
 }
 
-void TryMany(const std::string& text, const std::function<void(const std::string&)>& read) {
+void TryMany(const std::string& text, const std::function<void(const std::string&)>& read,
+             int mutations = kMutations) {
   ASSERT_FALSE(text.empty());
   std::mt19937_64 random(20260101);
-  for (int i = 0; i < kMutations; ++i) {
+  for (int i = 0; i < mutations; ++i) {
     try {
       read(Mutated(text, random));
     } catch (const FileError& error) {
@@ -119,6 +124,42 @@ TEST(DamagedFiles, PackedNavigationOfVersionFour) {
     reader.Read(GunzipBytes(TextBytes(packed), "damaged", notices), "damaged");
     reader.Take();
   });
+}
+
+TEST(DamagedFiles, NavigationOfVersionTwo) {
+  std::string text = HeaderLine("     2.11           N: GNSS NAV DATA    M", "RINEX VERSION / TYPE") +
+                     HeaderLine("", "END OF HEADER");
+  for (const char* first : {" 5 20  6 25  2  0  0.0", "G06 20  6 25  2  0  0.0", "R07 2020 06 25 02 00 00"}) {
+    text += first;
+    for (int i = 0; i < 3; ++i) text += " 0.123456789012D-04";
+    for (int line = 0; line < 7; ++line) {
+      text += "\n   ";
+      for (int i = 0; i < 4; ++i) text += " 0.123456789012D+01";
+    }
+    text += "\n";
+  }
+  TryMany(text, ReadNavigation);
+}
+
+TEST(DamagedFiles, PackedByEveryFilter) {
+  const std::string path = DataFile("zegv0010.21d");
+  ORSOLVA_NEED_FILE(path);
+  const std::string text = Beginning(ReadText(path), 4000);
+  const auto read = [](const std::string& packed) {
+    Diagnostics notices;
+    InputLimits limits;
+    limits.most_unpacked_bytes = 1U << 22;
+    ObservationReader reader(UnpackedBytes(TextBytes(packed), "damaged", notices, limits), "damaged",
+                             notices);
+    ObsEpoch_QC_gbt epoch;
+    while (reader.Next(epoch)) {
+    }
+  };
+  for (const auto filter : {archive_write_add_filter_compress, archive_write_add_filter_bzip2,
+                            archive_write_add_filter_xz, archive_write_add_filter_zstd}) {
+    TryMany(Filtered(filter, text), read, kMutations / 8);
+  }
+  TryMany(Zipped({{"zegv0010.21d", text}, {"more", text}}), read, kMutations / 8);
 }
 
 }  // namespace

@@ -270,6 +270,17 @@ TEST(Defects, BytesThatAreNoTextArePassedOver) {
   }
 }
 
+TEST(Defects, ControlCharactersOfAHeaderReachNoReport) {
+  const ReadFile file(
+      Header("G    3 C1C \x1b[2 S1C", "3.04", HeaderLine("A\x1b[31mB\x7f\xc3\xbc", "MARKER NAME")) +
+      Good("00.0"));
+  EXPECT_EQ(file.header.marker, "A?[31mB?\xc3\xbc");
+  for (const Notice& notice : file.notices.Notices()) {
+    EXPECT_EQ(notice.text.find('\x1b'), std::string::npos) << notice.text;
+  }
+  EXPECT_TRUE(file.Said("observation type ?[2"));
+}
+
 TEST(Defects, WhatCannotBeUnpackedFurtherKeepsWhatStandsBefore) {
   std::string text = Header(kTypes);
   for (int i = 10; i < 60; ++i) text += Good(std::to_string(i) + ".0");

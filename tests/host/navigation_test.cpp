@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <sstream>
 #include <string>
 
 #include "host/rinex/navigation_reader.h"
@@ -398,6 +400,51 @@ TEST(NavigationRealFiles, AreReadWithTheRecordsTheyHold) {
     EXPECT_EQ(set.galileo.size(), c.galileo) << c.name;
     EXPECT_EQ(set.qzss.size(), c.qzss) << c.name;
     for (const Notice& n : notices.Notices()) EXPECT_TRUE(n.recovered) << c.name << ": " << n.text;
+  }
+}
+
+/// The records of one system out of a RINEX 3 text, as RINEX 2 writes them: no letter, a year of two digits,
+/// everything one column further left.
+std::string AsVersion2(const std::string& text, char letter) {
+  std::istringstream lines(text.substr(text.find("END OF HEADER") + 13));
+  std::string out;
+  bool taken = false;
+  for (std::string line; std::getline(lines, line);) {
+    if (line.size() < 23) continue;
+    if (line[0] == ' ') {
+      if (taken) out += line.substr(1) + "\n";
+      continue;
+    }
+    taken = line[0] == letter;
+    if (!taken) continue;
+    const auto pair = [&line](std::size_t column) {
+      const std::string digits = line.substr(column, 2);
+      return digits[0] == '0' ? " " + digits.substr(1) : digits;
+    };
+    out += pair(1) + " " + line.substr(6, 2) + " " + pair(9) + " " + pair(12) + " " + pair(15) + " " +
+           pair(18) + " " + pair(21) + ".0" + line.substr(23) + "\n";
+  }
+  return out;
+}
+
+TEST(NavigationRealFiles, TheSameRecordsWrittenAsVersionTwoReadTheSame) {
+  const std::string path = DataFile("ESBC00DNK_R_20201770000_01D_MN.rnx.gz");
+  ORSOLVA_NEED_FILE(path);
+  Diagnostics notices;
+  std::string text;
+  const auto source = OpenBytes(path, notices);
+  char buffer[4096];
+  for (std::size_t n = 0; (n = source->Read(buffer, sizeof buffer)) > 0;) text.append(buffer, n);
+  const ReadFile whole(text);
+  const ReadFile gps(Header2("N: GPS NAV DATA") + AsVersion2(text, 'G'));
+  const ReadFile glonass(Header2("G: GLONASS NAV DATA") + AsVersion2(text, 'R'));
+  ASSERT_EQ(gps.set.gps.size(), whole.set.gps.size());
+  ASSERT_EQ(glonass.set.glonass.size(), whole.set.glonass.size());
+  for (std::size_t i = 0; i < gps.set.gps.size(); ++i) {
+    ASSERT_EQ(std::memcmp(&gps.set.gps[i], &whole.set.gps[i], sizeof(GpsEph_gbt)), 0) << i;
+  }
+  for (std::size_t i = 0; i < glonass.set.glonass.size(); ++i) {
+    ASSERT_EQ(std::memcmp(&glonass.set.glonass[i], &whole.set.glonass[i], sizeof(GloEph_gbt)), 0) << i;
   }
 }
 

@@ -131,7 +131,9 @@ std::vector<std::string> NavigationBeside(const std::string& observation_file, c
   }
   std::vector<std::string> files;
   if (found.empty()) return files;
-  for (const auto& [whole, file] : found.begin()->second) files.push_back(file);
+  for (const auto& [whole, file] : found.begin()->second) {
+    files.push_back(path.has_parent_path() ? file : fs::path(file).filename().string());
+  }
   return files;
 }
 

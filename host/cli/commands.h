@@ -18,6 +18,21 @@ void AddSimulateCommand(CLI::App& app, int& exit_code);
 /// orsolva compare REPORT TRUTH
 void AddCompareCommand(CLI::App& app, int& exit_code);
 
+/// orsolva inspect FILE...
+void AddInspectCommand(CLI::App& app, int& exit_code);
+
+/// orsolva explain [FIGURE]
+void AddExplainCommand(CLI::App& app, int& exit_code);
+
+/// orsolva config
+void AddConfigCommand(CLI::App& app, int& exit_code);
+
+/// orsolva completion SHELL
+void AddCompletionCommand(CLI::App& app, int& exit_code);
+
+/// orsolva manual
+void AddManualCommand(CLI::App& app, int& exit_code);
+
 /// orsolva version
 void AddVersionCommand(CLI::App& app, int& exit_code);
 

@@ -1,22 +1,27 @@
 // orsolva: judges the quality of GNSS observation files.
-#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <exception>
 
-#include "host/cli/commands.h"
+#include "host/cli/app.h"
+#include "host/cli/config_file.h"
 #include "host/cli/exit_codes.h"
 
 int main(int argc, char** argv) {
-  CLI::App app("Judges the quality of GNSS observations.", "orsolva");
-  app.footer("Exit codes: 0 good, 1 the run failed, 2 wrong usage.");
-  app.require_subcommand(1);
-  int exit_code = orsolva_host::kWrongUsage;
-  orsolva_host::AddQcCommand(app, exit_code);
-  orsolva_host::AddSimulateCommand(app, exit_code);
-  orsolva_host::AddCompareCommand(app, exit_code);
-  orsolva_host::AddVersionCommand(app, exit_code);
+  using namespace orsolva_host;
+  int exit_code = kWrongUsage;
+  const std::unique_ptr<CLI::App> app = MakeApp(exit_code);
   try {
-    app.parse(argc, argv);
+    std::vector<std::string> arguments(argv + 1, argv + argc);
+    arguments = WithConfigFile(JoinFormatFiles(arguments));
+    app->parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? orsolva_host::kGood : orsolva_host::kWrongUsage;
+    return app->exit(error) == 0 ? kGood : kWrongUsage;
+  } catch (const ConfigError& error) {
+    std::fprintf(stderr, "orsolva: %s\n", error.what());
+    return kWrongUsage;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "orsolva: %s\n", error.what());
+    return kRunFailed;
   }
   return exit_code;
 }

@@ -10,7 +10,7 @@
 #include <memory>
 #include <utility>
 
-#include "host/cli/progress.h"
+#include "host/cli/counted_file.h"
 #include "host/report/build_report.h"
 #include "host/report/navigation_coverage.h"
 #include "host/rinex/civil_time.h"
@@ -35,11 +35,13 @@ using Handle = std::unique_ptr<unsigned long long, DisposeHandle>;
 /// One run from its files to its report.
 class Run {
  public:
-  Run(const QcSettings& settings, Diagnostics& diagnostics, DetailSink* detail)
+  Run(const QcSettings& settings, Diagnostics& diagnostics, DetailSink* detail, RunMonitor* monitor)
       : settings_(settings),
         diagnostics_(diagnostics),
         detail_(detail),
-        observations_(settings.observation_file, diagnostics, {settings.snr_from_strength, settings.limits}),
+        monitor_(monitor),
+        observations_(OpenCounted(settings.observation_file, diagnostics, settings.limits, monitor),
+                      settings.observation_file, diagnostics, {settings.snr_from_strength, settings.limits}),
         batch_(new ObsEpoch_QC_gbt[kBatchEpochs]) {}
 
   Report Do() {
@@ -74,6 +76,7 @@ class Run {
   const QcSettings& settings_;
   Diagnostics& diagnostics_;
   DetailSink* detail_;
+  RunMonitor* monitor_;
   ObservationReader observations_;
   std::unique_ptr<ObsEpoch_QC_gbt[]> batch_;
   std::size_t batch_size_ = 0;
@@ -81,7 +84,6 @@ class Run {
   NavigationSet navigation_;
   std::unique_ptr<CoverageCounter> coverage_;
   Handle handle_;
-  Progress progress_;
   double interval_s_ = 0;
   std::string interval_source_;
   std::uint64_t epochs_ = 0;
@@ -122,7 +124,10 @@ void Run::FillBatch() {
   batch_size_ = 0;
   while (batch_size_ < kBatchEpochs && observations_.Next(batch_[batch_size_])) {
     ++batch_size_;
-    progress_.Epochs(++epochs_);
+    ++epochs_;
+    if (monitor_ == nullptr) continue;
+    monitor_->epochs.fetch_add(1, std::memory_order_relaxed);
+    if (monitor_->stop.load(std::memory_order_relaxed)) throw Stopped();
   }
 }
 
@@ -306,8 +311,8 @@ std::string LibraryBanner() {
   return buffer;
 }
 
-Report RunQc(const QcSettings& settings, Diagnostics& diagnostics, DetailSink* detail) {
-  return Run(settings, diagnostics, detail).Do();
+Report RunQc(const QcSettings& settings, Diagnostics& diagnostics, DetailSink* detail, RunMonitor* monitor) {
+  return Run(settings, diagnostics, detail, monitor).Do();
 }
 
 }  // namespace orsolva_host

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "host/cli/qc_settings.h"
+#include "host/cli/run_monitor.h"
 #include "host/report/detail_sink.h"
 #include "host/report/report.h"
 #include "host/rinex/diagnostics.h"
@@ -22,9 +23,11 @@ class RunError : public std::runtime_error {
 };
 
 /// Streams the file through the library in batches of 2,880 epochs; the first batch decides the signals.
-/// @param detail  told of every epoch while the run goes on; may be null
-/// @throws FileError, RunError, and what the sink throws
-Report RunQc(const QcSettings& settings, Diagnostics& diagnostics, DetailSink* detail = nullptr);
+/// @param detail   told of every epoch while the run goes on; may be null
+/// @param monitor  counts and may stop the run; may be null
+/// @throws FileError, RunError, Stopped, and what the sink throws
+Report RunQc(const QcSettings& settings, Diagnostics& diagnostics, DetailSink* detail = nullptr,
+             RunMonitor* monitor = nullptr);
 
 /// The most frequent difference between neighbouring epochs (of the first 600), the smallest among equally
 /// frequent ones; absent with fewer than two distinct times.

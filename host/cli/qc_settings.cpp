@@ -27,6 +27,29 @@ std::string ParseNumber(const std::string& text, double low, double high, double
   return good ? std::string() : fmt::format("'{}' is no number from {:g} to {:g}", text, low, high);
 }
 
+std::string ParseInterval(const std::string& text, std::optional<double>& interval_s) {
+  interval_s.reset();
+  if (text == "auto") return {};
+  constexpr double kShortest_s = 1e-3;
+  constexpr double kLongest_s = 86400;
+  double number = 0;
+  const std::string complaint = ParseNumber(text, kShortest_s, kLongest_s, number);
+  if (complaint.empty()) interval_s = number;
+  return complaint;
+}
+
+std::string ParseFormats(const std::string& text, std::string& formats) {
+  formats = ",";
+  for (const std::string& name : SplitAtCommas(text)) {
+    bool known = false;
+    for (const char* format : {"text", "json", "csv", "sum", "html", "detail"})
+      known = known || name == format;
+    if (!known) return "'" + name + "' is no format: give names out of text,json,csv,sum,html,detail";
+    formats += name + ",";
+  }
+  return formats == "," ? "no format given: give names out of text,json,csv,sum,html,detail" : std::string();
+}
+
 std::string ParsePosition(const std::string& text, PositionChoice& position) {
   if (text == "spp" || text == "header") {
     position.source = text == "spp" ? PositionSource::kComputed : PositionSource::kHeader;

@@ -3,6 +3,7 @@
 #define ORSOLVA_CLI_QC_SETTINGS_H
 
 #include <array>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -33,16 +34,36 @@ struct QcSettings {
   std::vector<ExcludedSatellite> excluded;
   bool snr_from_strength = false;
   InputLimits limits;
-  bool json = false;
   bool satellites = false;
   std::string detail_file;  ///< empty for none
   std::string html_file;    ///< empty for none
+};
+
+/// What is asked for beyond the judging of one file.
+struct QcRequest {
+  QcSettings settings;             ///< of every file, without its names
+  std::vector<std::string> paths;  ///< observations, navigation, folders, patterns
+  std::vector<std::string> navigation;
+  std::string profile;
+  std::string text, json, csv, sum;       ///< a file, "-" or empty
+  std::string network;                    ///< file of the table over all files
+  std::string output;                     ///< folder
+  std::string formats = "text,json,sum";  ///< of the files in that folder
+  std::string color = "auto";
+  std::size_t width = 0;  ///< 0: the terminal's, at most 80
+  unsigned jobs = 0;      ///< 0: one a core
+  bool quiet = false;
+  bool verbose = false;
 };
 
 // Each of these returns an empty text, or what is wrong with the argument.
 
 /// A number in [low, high].
 std::string ParseNumber(const std::string& text, double low, double high, double& number);
+/// "auto", or seconds from 0.001 to 86,400.
+std::string ParseInterval(const std::string& text, std::optional<double>& interval_s);
+/// Names out of text, json, csv, sum, html and detail, between commas.
+std::string ParseFormats(const std::string& text, std::string& formats);
 /// "X,Y,Z" in metres, "header" or "spp".
 std::string ParsePosition(const std::string& text, PositionChoice& position);
 /// Letters out of GREJC, each at most once.

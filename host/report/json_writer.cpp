@@ -212,4 +212,12 @@ std::string WriteJson(const Report& report) {
   return j.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
+std::string WriteJsonFailure(const std::string& file, const std::string& error) {
+  Json j;
+  j["format"] = 1;
+  j["observation_file"] = file;
+  j["error"] = error;
+  return j.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+}
+
 }  // namespace orsolva_host

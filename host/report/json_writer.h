@@ -12,6 +12,9 @@ namespace orsolva_host {
 /// replaced.
 std::string WriteJson(const Report& report);
 
+/// The object of a file that could not be judged, in an array of reports.
+std::string WriteJsonFailure(const std::string& file, const std::string& error);
+
 }  // namespace orsolva_host
 
 #endif  // ORSOLVA_REPORT_JSON_WRITER_H

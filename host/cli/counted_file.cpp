@@ -1,0 +1,47 @@
+#include "host/cli/counted_file.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <utility>
+
+namespace orsolva_host {
+namespace {
+
+struct CloseFile {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+class CountedFile : public ByteSource {
+ public:
+  CountedFile(std::string path, std::FILE* file, RunMonitor& monitor)
+      : path_(std::move(path)), file_(file), monitor_(monitor) {}
+
+  std::size_t Read(char* out, std::size_t size) override {
+    const std::size_t count = std::fread(out, 1, size, file_.get());
+    if (count == 0 && std::ferror(file_.get()) != 0) {
+      throw FileError(path_, 0, "an error of reading", "readable data", "Check the disk.");
+    }
+    monitor_.bytes.fetch_add(count, std::memory_order_relaxed);
+    return count;
+  }
+
+ private:
+  std::string path_;
+  std::unique_ptr<std::FILE, CloseFile> file_;
+  RunMonitor& monitor_;
+};
+
+}  // namespace
+
+std::unique_ptr<ByteSource> OpenCounted(const std::string& path, Diagnostics& diagnostics,
+                                        const InputLimits& limits, RunMonitor* monitor) {
+  std::error_code ignored;
+  const bool counted =
+      monitor != nullptr && monitor->count_bytes && std::filesystem::is_regular_file(path, ignored);
+  std::FILE* file = counted ? std::fopen(path.c_str(), "rb") : nullptr;
+  // What cannot be opened gets its message from the plain way.
+  if (file == nullptr) return OpenBytes(path, diagnostics, limits);
+  return UnpackedBytes(std::make_unique<CountedFile>(path, file, *monitor), path, diagnostics, limits);
+}
+
+}  // namespace orsolva_host

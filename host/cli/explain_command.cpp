@@ -1,0 +1,77 @@
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "host/cli/commands.h"
+#include "host/cli/exit_codes.h"
+#include "host/report/figures.h"
+#include "host/report/text_layout.h"
+
+namespace orsolva_host {
+namespace {
+
+constexpr std::size_t kWidth = 80;
+
+std::string Paragraph(const char* name, const char* text) {
+  constexpr std::size_t kNameWidth = 13;
+  std::string head = name;
+  head.resize(kNameWidth, ' ');
+  return Wrapped(text, head, std::string(kNameWidth, ' '), kWidth);
+}
+
+std::string Explanation(const Figure& f) {
+  std::string text = fmt::format("{}{}\n\n", f.key, *f.unit == '\0' ? "" : fmt::format("  [{}]", f.unit));
+  text += Wrapped(f.title, "", "", kWidth) + "\n";
+  text += Paragraph("Formula", f.formula);
+  text += Paragraph("Window", f.window);
+  text += Paragraph("Reset", f.reset);
+  text += Paragraph("Cut-off", f.cutoff);
+  text += Paragraph("Denominator", f.denominator);
+  text += Paragraph("Source", f.source);
+  if (*f.aliases != '\0') text += Paragraph("Also called", f.aliases);
+  return text;
+}
+
+std::string FigureLines() {
+  std::string text = "orsolva explain FIGURE tells how a figure is made. The figures:\n\n";
+  for (int i = 0; i < kFigures; ++i) {
+    const Figure& f = kFigureTable[i];
+    std::string head = std::string("  ") + f.key;
+    constexpr std::size_t kKeyWidth = 34;
+    head.resize(std::max(head.size() + 1, kKeyWidth), ' ');
+    text += Wrapped(f.title, head, std::string(kKeyWidth, ' '), kWidth);
+  }
+  return text;
+}
+
+int DoExplain(const std::string& name) {
+  if (name.empty()) {
+    std::fputs(FigureLines().c_str(), stdout);
+    return kGood;
+  }
+  const Figure* figure = FindFigure(name);
+  if (figure != nullptr) {
+    std::fputs(Explanation(*figure).c_str(), stdout);
+    return kGood;
+  }
+  std::string near;
+  for (const std::string& key : FiguresLike(name)) near += (near.empty() ? " Did you mean " : ", ") + key;
+  std::fprintf(stderr, "orsolva: '%s' is no figure.%s%s `orsolva explain` lists them all.\n", name.c_str(),
+               near.c_str(), near.empty() ? "" : "?");
+  return kWrongUsage;
+}
+
+}  // namespace
+
+void AddExplainCommand(CLI::App& app, int& exit_code) {
+  CLI::App* command = app.add_subcommand("explain", "Tell how a figure of the report is made");
+  auto name = std::make_shared<std::string>();
+  command->add_option("FIGURE", *name, "Key, column heading or name such as mp1; without it all are listed");
+  command->callback([name, &exit_code] { exit_code = DoExplain(*name); });
+}
+
+}  // namespace orsolva_host

@@ -1,0 +1,173 @@
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <exception>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "host/cli/commands.h"
+#include "host/cli/exit_codes.h"
+#include "host/cli/qc_run.h"
+#include "host/report/text_layout.h"
+#include "host/rinex/civil_time.h"
+#include "host/rinex/input_files.h"
+#include "host/rinex/navigation_reader.h"
+#include "host/rinex/observation_reader.h"
+#include "host/rinex/satellite_names.h"
+#include "host/rinex/signal_codes.h"
+
+namespace orsolva_host {
+namespace {
+
+constexpr std::size_t kNameWidth = 18;
+constexpr std::size_t kFirstEpochs = 600;
+
+void Row(std::string name, const std::string& value) {
+  name.resize(kNameWidth, ' ');
+  std::fputs(Wrapped(value.empty() ? "-" : value, name, std::string(kNameWidth, ' '), 80).c_str(), stdout);
+}
+
+/// What the observations of a system hold.
+struct SystemCounts {
+  std::set<int> satellites;
+  std::uint64_t observations = 0;        ///< satellites summed over epochs
+  std::map<int, std::uint64_t> signals;  ///< by signal code number
+};
+
+struct Contents {
+  std::uint64_t epochs = 0;
+  Time_gbt first = {};
+  Time_gbt last = {};
+  std::array<SystemCounts, kSystems> systems;
+  std::vector<ObsEpoch_QC_gbt> start;  ///< for the interval
+};
+
+void Count(const ObsEpoch_QC_gbt& epoch, Contents& contents) {
+  if (contents.epochs++ == 0) contents.first = epoch.time;
+  contents.last = epoch.time;
+  for (std::uint32_t i = 0; i < epoch.sat_num; ++i) {
+    const Satellite_gbt& satellite = epoch.sats[i];
+    const int slot = SystemSlotOfCode(satellite.sys);
+    if (slot < 0) continue;
+    SystemCounts& counts = contents.systems[slot];
+    counts.satellites.insert(satellite.prn);
+    ++counts.observations;
+    for (std::uint32_t k = 0; k < satellite.signal_num; ++k) ++counts.signals[satellite.signals[k].code];
+  }
+}
+
+void ShowNotices(const Diagnostics& diagnostics) {
+  Row("Notices", fmt::format("{}", diagnostics.Total()));
+  for (const Notice& n : diagnostics.Notices()) {
+    const std::string line =
+        fmt::format("{}: {}{} ({})", n.line, n.recovered ? "" : "not repaired: ", n.text, n.count);
+    std::fputs(Wrapped(line, "  ", "    ", 80).c_str(), stdout);
+  }
+}
+
+void ShowHeader(const ObservationHeader& header) {
+  Row("Kind",
+      fmt::format("{} observations, RINEX {:.2f}", header.compact ? "compact" : "plain", header.version));
+  Row("Marker", header.marker);
+  Row("Receiver", header.receiver);
+  Row("Antenna", header.antenna);
+  if (const auto& p = header.position) {
+    Row("Position X Y Z", fmt::format("{:.4f} {:.4f} {:.4f} m, of the header", (*p)[0], (*p)[1], (*p)[2]));
+  } else {
+    Row("Position X Y Z", "none in the header");
+  }
+}
+
+void ShowContents(const Contents& contents, const ObservationHeader& header) {
+  Row("Epochs", fmt::format("{}", contents.epochs));
+  if (contents.epochs == 0) return;
+  Row("First epoch", TimeText(contents.first) + " GPST");
+  Row("Last epoch", TimeText(contents.last) + " GPST");
+  Row("Duration", fmt::format("{:.4f} h", Difference(contents.last, contents.first) / 3600));
+  const auto found = DetectInterval(contents.start.data(), contents.start.size());
+  Row("Interval", fmt::format("{} in the header, {} in the data",
+                              header.interval_s ? fmt::format("{:g} s", *header.interval_s) : "none",
+                              found ? fmt::format("{:g} s", *found) : "none"));
+  for (int slot = 0; slot < kSystems; ++slot) {
+    const SystemCounts& counts = contents.systems[slot];
+    if (counts.observations == 0) continue;
+    std::string text = fmt::format("{} satellites, {} satellite-epochs; signals", counts.satellites.size(),
+                                   counts.observations);
+    for (const auto& [code, count] : counts.signals) {
+      text += fmt::format(" {}={}", SignalName(kSystemTable[slot].code, code), count);
+    }
+    Row(kSystemTable[slot].name, text);
+  }
+}
+
+void InspectObservations(const std::string& file, Diagnostics& diagnostics) {
+  ObservationReader reader(file, diagnostics);
+  ShowHeader(reader.Header());
+  Contents contents;
+  const auto epoch = std::make_unique<ObsEpoch_QC_gbt>();
+  try {
+    while (reader.Next(*epoch)) {
+      Count(*epoch, contents);
+      if (contents.start.size() < kFirstEpochs) {
+        contents.start.emplace_back();
+        contents.start.back().time = epoch->time;
+      }
+    }
+  } catch (...) {
+    // What was read before the end is still worth knowing.
+    ShowContents(contents, reader.Header());
+    throw;
+  }
+  ShowContents(contents, reader.Header());
+}
+
+void InspectNavigation(const std::string& file, Diagnostics& diagnostics) {
+  NavigationReader reader(diagnostics);
+  reader.Read(file);
+  const NavigationSet set = reader.Take();
+  Row("Kind", "navigation");
+  Row("Records", fmt::format("GPS {}, GLONASS {}, BDS {}, Galileo {}, QZSS {}", set.gps.size(),
+                             set.glonass.size(), set.bds.size(), set.galileo.size(), set.qzss.size()));
+}
+
+bool Inspect(const std::string& file) {
+  Diagnostics diagnostics;
+  Row("File", file);
+  bool good = true;
+  try {
+    if (KindOfFile(file) == FileKind::kNavigation) {
+      InspectNavigation(file, diagnostics);
+    } else {
+      InspectObservations(file, diagnostics);
+    }
+  } catch (const std::exception& error) {
+    std::fflush(stdout);
+    std::fprintf(stderr, "orsolva: %s\n", error.what());
+    good = false;
+  }
+  ShowNotices(diagnostics);
+  return good;
+}
+
+}  // namespace
+
+void AddInspectCommand(CLI::App& app, int& exit_code) {
+  CLI::App* command = app.add_subcommand("inspect", "Tell what a file holds, without judging it");
+  auto files = std::make_shared<std::vector<std::string>>();
+  command->add_option("FILE", *files, "RINEX observation or navigation files, packed or not")->required();
+  command->callback([files, &exit_code] {
+    exit_code = kGood;
+    for (std::size_t i = 0; i < files->size(); ++i) {
+      if (i > 0) std::puts("");
+      if (!Inspect((*files)[i])) exit_code = kRunFailed;
+    }
+  });
+}
+
+}  // namespace orsolva_host

@@ -1,0 +1,16 @@
+// SIGINT and SIGTERM as something to ask for.
+#ifndef ORSOLVA_CLI_INTERRUPT_H
+#define ORSOLVA_CLI_INTERRUPT_H
+
+namespace orsolva_host {
+
+/// From now on the first SIGINT or SIGTERM is only noted; a second one ends the program at once. A closed
+/// pipe becomes an error of writing.
+void NoteInterrupts();
+
+/// The exit code of the signal that was noted; 0 without one.
+int InterruptExitCode();
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_CLI_INTERRUPT_H

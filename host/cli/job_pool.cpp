@@ -1,0 +1,48 @@
+#include "host/cli/job_pool.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace orsolva_host {
+
+JobPool::JobPool(std::size_t jobs, unsigned threads, std::function<void(std::size_t)> work)
+    : jobs_(jobs), work_(std::move(work)), done_(jobs, 0) {
+  for (unsigned i = 0; i < threads; ++i) threads_.emplace_back([this] { Work(); });
+}
+
+JobPool::~JobPool() {
+  Stop();
+  for (std::thread& thread : threads_) thread.join();
+}
+
+void JobPool::Work() {
+  for (;;) {
+    const std::size_t job = next_.fetch_add(1);
+    if (job >= jobs_) return;
+    work_(job);
+    {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      done_[job] = 1;
+      ++count_;
+    }
+    changed_.notify_all();
+  }
+}
+
+bool JobPool::Wait(std::size_t job, std::chrono::milliseconds longest) {
+  std::unique_lock<std::mutex> lock(mutex_);
+  return changed_.wait_for(lock, longest, [&] { return done_[job] != 0; });
+}
+
+std::size_t JobPool::Done() {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  return count_;
+}
+
+unsigned ThreadsFor(unsigned asked, std::size_t jobs) {
+  const unsigned cores = std::max(1U, std::thread::hardware_concurrency());
+  const std::size_t wanted = asked > 0 ? asked : cores;
+  return static_cast<unsigned>(std::clamp<std::size_t>(jobs, 1, wanted));
+}
+
+}  // namespace orsolva_host

@@ -1,0 +1,51 @@
+// Runs numbered jobs on several threads; the results are taken in the order of the numbers.
+#ifndef ORSOLVA_CLI_JOB_POOL_H
+#define ORSOLVA_CLI_JOB_POOL_H
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <functional>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace orsolva_host {
+
+class JobPool {
+ public:
+  /// Begins at once.
+  /// @param work  is called once for every number below `jobs`, from several threads; must not throw
+  JobPool(std::size_t jobs, unsigned threads, std::function<void(std::size_t)> work);
+  /// Jobs that have not begun are left out; those under way are waited for.
+  ~JobPool();
+  JobPool(const JobPool&) = delete;
+  JobPool& operator=(const JobPool&) = delete;
+
+  /// Waits until a job is done, at most the time given. @return whether it is done
+  bool Wait(std::size_t job, std::chrono::milliseconds longest);
+  /// Jobs that have not begun are left out.
+  void Stop() { next_.store(jobs_); }
+  /// How many are done.
+  std::size_t Done();
+
+ private:
+  void Work();
+
+  std::size_t jobs_;
+  std::function<void(std::size_t)> work_;
+  std::atomic<std::size_t> next_{0};
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::vector<char> done_;
+  std::size_t count_ = 0;
+  std::vector<std::thread> threads_;
+};
+
+/// Threads of a run over so many jobs: those asked for, or one a core; never more than jobs, never none.
+unsigned ThreadsFor(unsigned asked, std::size_t jobs);
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_CLI_JOB_POOL_H

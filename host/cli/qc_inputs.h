@@ -1,0 +1,25 @@
+// Which observation files a check judges, and which navigation files go with them.
+#ifndef ORSOLVA_CLI_QC_INPUTS_H
+#define ORSOLVA_CLI_QC_INPUTS_H
+
+#include <string>
+#include <vector>
+
+namespace orsolva_host {
+
+struct QcInputs {
+  std::vector<std::string> observations;
+  /// For every observation file; empty: those beside it are looked for.
+  std::vector<std::string> navigation;
+};
+
+/// Sorts arguments into observations and navigation by what the files hold, in any order.
+///
+/// Patterns with * ? [ that name no file themselves stand for the files they match. A folder stands for the
+/// observation files in it; its navigation files serve every file only when the folder holds no observations.
+/// @param navigation  further navigation files and folders (--nav)
+QcInputs InputsOf(const std::vector<std::string>& paths, const std::vector<std::string>& navigation);
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_CLI_QC_INPUTS_H

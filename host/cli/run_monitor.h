@@ -1,0 +1,26 @@
+// What a run tells while it goes on, and how it is told to stop. Shared between threads.
+#ifndef ORSOLVA_CLI_RUN_MONITOR_H
+#define ORSOLVA_CLI_RUN_MONITOR_H
+
+#include <atomic>
+#include <cstdint>
+#include <stdexcept>
+
+namespace orsolva_host {
+
+struct RunMonitor {
+  std::atomic<std::uint64_t> epochs{0};  ///< read so far, of all runs
+  std::atomic<std::uint64_t> bytes{0};   ///< of observation files read so far, as they lie on disk
+  std::atomic<bool> stop{false};         ///< runs end with Stopped as soon as they see it
+  bool count_bytes = false;              ///< set before the runs begin
+};
+
+/// A run that was told to stop.
+class Stopped : public std::runtime_error {
+ public:
+  Stopped() : std::runtime_error("stopped") {}
+};
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_CLI_RUN_MONITOR_H

@@ -1,0 +1,136 @@
+#include "host/report/network.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+#include <tuple>
+
+#include "host/report/csv_writer.h"
+#include "host/report/verdict_text.h"
+#include "host/rinex/civil_time.h"
+
+namespace orsolva_host {
+namespace {
+
+std::string Fixed(const std::optional<double>& value, int decimals, const char* none) {
+  return value ? fmt::format("{:.{}f}", *value, decimals) : none;
+}
+
+template <typename T>
+std::string Exact(const std::optional<T>& value) {
+  return value ? fmt::format("{}", *value) : std::string();
+}
+
+std::string StateOf(const NetworkRow& row) {
+  if (!row.error.empty()) return "ERROR";
+  return row.grade.empty() ? "judged" : row.grade;
+}
+
+/// The error in one line, without the file's name that stands beside it.
+std::string ErrorOf(const NetworkRow& row) {
+  std::string error = row.error;
+  if (error.compare(0, row.file.size() + 2, row.file + ": ") == 0) error.erase(0, row.file.size() + 2);
+  std::replace(error.begin(), error.end(), '\n', ' ');
+  return error;
+}
+
+int Rank(const NetworkRow& row) {
+  if (!row.error.empty()) return 0;
+  if (row.grade == "fail") return 1;
+  if (row.grade == "no data") return 2;
+  return row.grade == "fair" ? 3 : 4;
+}
+
+Tone ToneOfRow(const NetworkRow& row) {
+  if (!row.error.empty()) return Tone::kFail;
+  return row.grade.empty() ? Tone::kPlain : ToneOf(row.grade);
+}
+
+std::string TimeOf(const std::optional<Time_gbt>& time) { return time ? TimeText(*time) : std::string(); }
+
+}  // namespace
+
+NetworkRow RowOf(const Report& report) {
+  NetworkRow row;
+  row.file = report.run.observation_file;
+  row.marker = report.run.marker;
+  if (report.verdict) row.grade = report.verdict->grade;
+  row.first_epoch = report.run.first_epoch;
+  row.last_epoch = report.run.last_epoch;
+  row.duration_h = report.run.duration_h;
+  row.interval_s = report.run.interval_s;
+  row.epochs = report.run.epochs;
+  row.lost_epochs = report.run.lost_epochs;
+  row.summary = report.summary;
+  row.notices = report.further_notices;
+  for (const ReportNotice& notice : report.notices) row.notices += notice.count;
+  return row;
+}
+
+NetworkRow FailedRow(const std::string& file, const std::string& error) {
+  NetworkRow row;
+  row.file = file;
+  row.judged = false;
+  row.error = error.empty() ? "unknown error" : error;
+  return row;
+}
+
+void SortWorstFirst(std::vector<NetworkRow>& rows) {
+  std::stable_sort(rows.begin(), rows.end(), [](const NetworkRow& a, const NetworkRow& b) {
+    const auto key = [](const NetworkRow& r) {
+      return std::make_tuple(Rank(r), r.summary.completeness.value_or(-1), std::cref(r.file));
+    };
+    return key(a) < key(b);
+  });
+}
+
+std::string NetworkText(const std::vector<NetworkRow>& rows, const TextStyle& style) {
+  const auto failed =
+      std::count_if(rows.begin(), rows.end(), [](const NetworkRow& r) { return !r.error.empty(); });
+  std::string text = Toned(fmt::format("NETWORK ({} files, {} judged, {} failed; worst first)", rows.size(),
+                                       static_cast<std::ptrdiff_t>(rows.size()) - failed, failed),
+                           Tone::kStrong, style) +
+                     "\n";
+  TextTable table;
+  table.AddColumn("File", -30);
+  table.AddColumn("State", -8);
+  table.AddColumn("Compl %", 8);
+  table.AddColumn("Lost", 7);
+  table.AddColumn("MP1 m", 7);
+  table.AddColumn("MP2 m", 7);
+  table.AddColumn("Obs/slip", 10);
+  for (const NetworkRow& row : rows) {
+    const std::optional<double>& ratio = row.summary.completeness;
+    const std::string percent = ratio ? fmt::format("{:.2f}", *ratio * 100) : "-";
+    const std::string name = std::filesystem::path(row.file).filename().string();
+    table.AddRow({name.empty() ? row.file : name, StateOf(row), percent,
+                  row.judged ? fmt::format("{}", row.lost_epochs) : "-", Fixed(row.summary.mp1_m, 3, "-"),
+                  Fixed(row.summary.mp2_m, 3, "-"), Fixed(row.summary.obs_per_slip, 0, "-")},
+                 ToneOfRow(row));
+    if (!row.error.empty()) table.AddBelow(Wrapped(ErrorOf(row), "    ", "    ", style.width));
+  }
+  return text + table.Text(style);
+}
+
+std::string NetworkCsv(const std::vector<NetworkRow>& rows) {
+  std::string text =
+      "file,marker,state,first_epoch_gpst,last_epoch_gpst,duration_h,interval_s,epochs,lost_epochs,"
+      "expected_epochs,observed_epochs,completeness_ratio,mp1_rms_m,mp2_rms_m,observations_per_slip,notices,"
+      "error\n";
+  for (const NetworkRow& row : rows) {
+    const bool judged = row.judged;
+    const Summary& s = row.summary;
+    text += fmt::format(
+        "{},{},{},{},{},{},{},{},{},{},{},{},{},{},{},{},{}\n", CsvField(row.file), CsvField(row.marker),
+        StateOf(row), TimeOf(row.first_epoch), TimeOf(row.last_epoch),
+        judged ? fmt::format("{}", row.duration_h) : "", judged ? fmt::format("{}", row.interval_s) : "",
+        judged ? fmt::format("{}", row.epochs) : "", judged ? fmt::format("{}", row.lost_epochs) : "",
+        Exact(s.expected), Exact(s.observed), Exact(s.completeness), Exact(s.mp1_m), Exact(s.mp2_m),
+        Exact(s.obs_per_slip), judged ? fmt::format("{}", row.notices) : "", CsvField(ErrorOf(row)));
+  }
+  return text;
+}
+
+}  // namespace orsolva_host

@@ -1,0 +1,42 @@
+// One row a file: the table at the end of a run over many files.
+#ifndef ORSOLVA_REPORT_NETWORK_H
+#define ORSOLVA_REPORT_NETWORK_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/report/report.h"
+#include "host/report/text_layout.h"
+
+namespace orsolva_host {
+
+struct NetworkRow {
+  std::string file;
+  std::string marker;
+  bool judged = true;
+  std::string error;  ///< why the file could not be judged, or not to its end; empty when it was
+  std::string grade;  ///< of the verdict; empty without a profile
+  std::optional<Time_gbt> first_epoch;
+  std::optional<Time_gbt> last_epoch;
+  double duration_h = 0;
+  double interval_s = 0;
+  Count epochs = 0;
+  std::int64_t lost_epochs = 0;
+  Summary summary;
+  long notices = 0;
+};
+
+NetworkRow RowOf(const Report& report);
+NetworkRow FailedRow(const std::string& file, const std::string& error);
+
+/// Worst first: files that could not be judged, then by grade, then by completeness from the lowest; equal
+/// rows by name.
+void SortWorstFirst(std::vector<NetworkRow>& rows);
+
+std::string NetworkText(const std::vector<NetworkRow>& rows, const TextStyle& style);
+std::string NetworkCsv(const std::vector<NetworkRow>& rows);
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_REPORT_NETWORK_H

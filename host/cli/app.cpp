@@ -53,7 +53,7 @@ std::vector<std::string> JoinFormatFiles(const std::vector<std::string>& argumen
     if (i + 1 == arguments.size()) break;
     for (const auto& [flag, ending] : kFlags) {
       if (arguments[i] != flag) continue;
-      if (arguments[i + 1] == "-" || EndsIn(arguments[i + 1], ending)) joined.back() += "=" + arguments[++i];
+      if (EndsIn(arguments[i + 1], ending)) joined.back() += "=" + arguments[++i];
       break;
     }
   }

@@ -2,6 +2,7 @@
 
 #include <glob.h>
 
+#include <cctype>
 #include <filesystem>
 
 #include "host/rinex/input_files.h"
@@ -21,23 +22,68 @@ std::vector<std::string> Matches(const std::string& text) {
   return files.empty() ? std::vector<std::string>{text} : files;
 }
 
+bool IsFolder(const std::string& path) {
+  std::error_code ignored;
+  return std::filesystem::is_directory(path, ignored);
+}
+
+/// Whether the name is one that people give observation files: .rnx, .crx, .obs, .20o, .20d, packed or not.
+bool LooksLikeObservations(const std::string& path) {
+  std::string name = std::filesystem::path(path).filename().string();
+  for (char& c : name) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  std::filesystem::path stem(name);
+  for (const char* packing : {".gz", ".z", ".bz2", ".xz", ".zip"}) {
+    if (stem.extension() == packing) stem = stem.stem();
+  }
+  const std::string ending = stem.extension().string();
+  if (ending == ".rnx" || ending == ".crx" || ending == ".obs") return true;
+  return ending.size() == 4 && std::isdigit(static_cast<unsigned char>(ending[1])) != 0 &&
+         std::isdigit(static_cast<unsigned char>(ending[2])) != 0 && (ending[3] == 'o' || ending[3] == 'd');
+}
+
+void Append(const std::vector<std::string>& files, std::vector<std::string>& to) {
+  to.insert(to.end(), files.begin(), files.end());
+}
+
+void TakeFolder(const std::string& path, bool for_navigation, QcInputs& inputs) {
+  const InputFiles sorted = SortInputs({path});
+  if (for_navigation) {
+    inputs.navigation.push_back(path);
+  } else if (!sorted.observations.empty()) {
+    Append(sorted.observations, inputs.observations);
+  } else if (!sorted.navigation.empty()) {
+    Append(sorted.navigation, inputs.navigation);
+  } else {
+    // Reading it says that there is nothing in it.
+    inputs.observations.push_back(path);
+  }
+}
+
+void TakeFile(const std::string& path, QcInputs& inputs) {
+  std::error_code ignored;
+  const bool there = path == "-" || std::filesystem::exists(path, ignored);
+  bool navigation = path != "-" && KindOfFile(path) == FileKind::kNavigation;
+  // A mistyped name of a navigation file must not let other navigation files stand in for it.
+  if (!there && !inputs.observations.empty() && !LooksLikeObservations(path)) navigation = true;
+  (navigation ? inputs.navigation : inputs.observations).push_back(path);
+}
+
 }  // namespace
 
 QcInputs InputsOf(const std::vector<std::string>& paths, const std::vector<std::string>& navigation) {
   QcInputs inputs;
+  bool file_named = false;
   for (const std::string& text : paths) {
     for (const std::string& path : Matches(text)) {
-      std::error_code ignored;
-      const bool folder = std::filesystem::is_directory(path, ignored);
-      const InputFiles sorted = SortInputs({path});
-      for (const std::string& file : sorted.observations) inputs.observations.push_back(file);
-      if (folder && !sorted.observations.empty()) continue;
-      for (const std::string& file : sorted.navigation) inputs.navigation.push_back(file);
-      // Reading it says that there is nothing in it.
-      if (folder && sorted.navigation.empty()) inputs.observations.push_back(path);
+      if (IsFolder(path)) {
+        TakeFolder(path, file_named, inputs);
+      } else {
+        TakeFile(path, inputs);
+        file_named = !inputs.observations.empty();
+      }
     }
   }
-  inputs.navigation.insert(inputs.navigation.end(), navigation.begin(), navigation.end());
+  Append(navigation, inputs.navigation);
   return inputs;
 }
 

@@ -16,7 +16,9 @@ struct QcInputs {
 /// Sorts arguments into observations and navigation by what the files hold, in any order.
 ///
 /// Patterns with * ? [ that name no file themselves stand for the files they match. A folder stands for the
-/// observation files in it; its navigation files serve every file only when the folder holds no observations.
+/// observation files in it; for its navigation files when it holds no observations, or stands after a named
+/// observation file. A name that does not exist counts as an observation file when it looks like one or is
+/// the first, else as a navigation file.
 /// @param navigation  further navigation files and folders (--nav)
 QcInputs InputsOf(const std::vector<std::string>& paths, const std::vector<std::string>& navigation);
 

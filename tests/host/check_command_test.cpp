@@ -1,0 +1,309 @@
+// orsolva qc over many files, its outputs, profiles and configuration, and the commands beside it.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "host/cli/exit_codes.h"
+#include "host/cli/output_plan.h"
+#include "host/cli/progress_bar.h"
+#include "host/cli/qc_inputs.h"
+#include "tests/host/program.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+using orsolva_test::Answer;
+using orsolva_test::DataFile;
+using orsolva_test::Orsolva;
+using orsolva_test::ReadText;
+
+/// An empty folder that goes with the test.
+class Folder {
+ public:
+  Folder()
+      : path_(testing::TempDir() + "orsolva_folder_" +
+              testing::UnitTest::GetInstance()->current_test_info()->name() + Next()) {
+    fs::remove_all(path_);
+    fs::create_directories(path_);
+  }
+  ~Folder() { fs::remove_all(path_); }
+  /// A test may have several.
+  static std::string Next() {
+    static int count = 0;
+    return std::to_string(++count);
+  }
+  Folder(const Folder&) = delete;
+  Folder& operator=(const Folder&) = delete;
+  std::string operator/(const std::string& name) const { return path_ + "/" + name; }
+  const std::string& Path() const { return path_; }
+  std::set<std::string> Names() const {
+    std::set<std::string> names;
+    for (const auto& entry : fs::directory_iterator(path_)) names.insert(entry.path().filename().string());
+    return names;
+  }
+
+ private:
+  std::string path_;
+};
+
+std::string Quarter() { return DataFile("SEPT078M.21O"); }
+std::string QuarterNavigation() { return DataFile("SEPT078M.21P"); }
+
+/// Three stations: two good ones and a broken one.
+void FillNetwork(const Folder& folder) {
+  fs::copy_file(Quarter(), folder / "SEPA078M.21O");
+  fs::copy_file(Quarter(), folder / "SEPB078M.21O");
+  std::ofstream(folder / "SEPC078M.21O") << "nothing of RINEX\n";
+  fs::copy_file(QuarterNavigation(), folder / "SEPT078M.21P");
+}
+
+TEST(ManyFiles, AFailingFileStopsNoOtherAndIsListedWithItsError) {
+  ORSOLVA_NEED_FILE(Quarter());
+  const Folder folder;
+  FillNetwork(folder);
+  const Answer a = Orsolva("qc --no-config " + folder.Path() + " --jobs 3");
+  EXPECT_EQ(a.code, 1);
+  EXPECT_NE(a.out.find("NETWORK (3 files, 2 judged, 1 failed; worst first)"), std::string::npos) << a.out;
+  const std::size_t table = a.out.find("NETWORK");
+  EXPECT_LT(a.out.find("SEPC078M.21O", table), a.out.find("SEPA078M.21O", table));
+  EXPECT_NE(a.err.find("SEPC078M.21O"), std::string::npos) << a.err;
+}
+
+TEST(ManyFiles, OutputIsTheSameForAnyNumberOfJobs) {
+  ORSOLVA_NEED_FILE(Quarter());
+  const Folder folder;
+  FillNetwork(folder);
+  const std::string pattern = " '" + (folder / "SEP?078M.21O") + "' ";
+  const Answer one = Orsolva("qc --no-config --csv --jobs 1" + pattern);
+  const Answer many = Orsolva("qc --no-config --csv --jobs 4" + pattern);
+  EXPECT_EQ(one.out, many.out);
+  EXPECT_EQ(one.err, many.err);
+  EXPECT_NE(one.out.find("SEPB078M.21O"), std::string::npos);
+}
+
+TEST(ManyFiles, AFolderGetsEveryFormatAndNoHalfFiles) {
+  ORSOLVA_NEED_FILE(Quarter());
+  const Folder folder;
+  FillNetwork(folder);
+  const Folder out;
+  const std::string into = out / "new/reports";
+  const Answer a = Orsolva("qc --no-config --quiet " + folder.Path() + " --output " + into);
+  EXPECT_EQ(a.code, 1);
+  EXPECT_TRUE(a.out.empty());
+  std::set<std::string> names;
+  for (const auto& entry : fs::directory_iterator(into)) names.insert(entry.path().filename().string());
+  EXPECT_EQ(names, (std::set<std::string>{"SEPA078M.21O.json", "SEPA078M.21O.sum", "SEPA078M.21O.txt",
+                                          "SEPB078M.21O.json", "SEPB078M.21O.sum", "SEPB078M.21O.txt",
+                                          "network.csv", "network.txt"}));
+  EXPECT_EQ(json::parse(ReadText(into + "/SEPA078M.21O.json"))["run"]["epochs"], 900);
+}
+
+TEST(Outputs, EveryFormatGoesToItsFileWithOrWithoutEqualsSign) {
+  ORSOLVA_NEED_FILE(Quarter());
+  const Folder out;
+  const Answer a = Orsolva("qc --no-config " + Quarter() + " --json " + (out / "r.json") +
+                           " --csv=" + (out / "r.csv") + " --sum");
+  EXPECT_EQ(a.code, 0) << a.err;
+  EXPECT_EQ(a.out.find("SUM 2021-03-19T12:00:00 2021-03-19T12:14:59 0.25 1 "), 0U) << a.out;
+  EXPECT_EQ(out.Names(), (std::set<std::string>{"r.json", "r.csv"}));
+  EXPECT_TRUE(json::accept(ReadText(out / "r.json")));
+}
+
+TEST(Outputs, ThatCannotBeWrittenFailTheRunAndLeaveNothing) {
+  ORSOLVA_NEED_FILE(Quarter());
+  const Folder out;
+  EXPECT_EQ(Orsolva("qc --no-config " + Quarter() + " --json=" + (out / "none/r.json")).code, 1);
+  EXPECT_EQ(Orsolva("qc --no-config " + Quarter() + " --json --csv").code, 2);
+  EXPECT_TRUE(out.Names().empty());
+}
+
+TEST(Outputs, ColoursStandOnlyOnTerminalsUnlessAskedFor) {
+  ORSOLVA_NEED_FILE(Quarter());
+  EXPECT_EQ(Orsolva("qc --no-config " + Quarter()).out.find('\033'), std::string::npos);
+  EXPECT_NE(Orsolva("qc --no-config --color always " + Quarter()).out.find('\033'), std::string::npos);
+}
+
+TEST(Outputs, StemsLosePackingAndStayDistinct) {
+  EXPECT_EQ(orsolva_host::OutputStems({"a/X.crx.gz", "b/X.rnx", "Y.21O.Z", "-"}),
+            (std::vector<std::string>{"X", "X-2", "Y.21O", "stdin"}));
+}
+
+TEST(Verdicts, AFailedOneIsThree) {
+  ORSOLVA_NEED_FILE(Quarter());
+  EXPECT_EQ(Orsolva("qc --no-config --quiet --profile network " + Quarter()).code, 0);
+  const Folder folder;
+  std::ofstream(folder / "hard.toml")
+      << "name='hard'\ntitle='t'\n[[criterion]]\nname='strong'\nfigure='snr'\n"
+         "scope='system'\nsystems='G'\nsignals=['L1']\n"
+         "at_least={good=70,fair=60}\nsource='s'\n";
+  const Answer a = Orsolva("qc --no-config --profile " + (folder / "hard.toml") + " " + Quarter());
+  EXPECT_EQ(a.code, 3) << a.err;
+  EXPECT_NE(a.out.find("fail G L1 strong: "), std::string::npos) << a.out;
+  EXPECT_NE(a.out.find("below the limit of 60.000 dB-Hz"), std::string::npos) << a.out;
+  EXPECT_EQ(Orsolva("qc --no-config --profile nonesuch " + Quarter()).code, 2);
+}
+
+TEST(Config, FlagsGoOverTheFileAndTheFileOverDefaults) {
+  ORSOLVA_NEED_FILE(Quarter());
+  const Folder folder;
+  const std::string file = folder / "c.toml";
+  std::ofstream(file) << "[qc]\nelevation = 20\ninterval = 5\nsystems = \"GE\"\njson = true\n";
+  const Answer a = Orsolva("qc --config " + file + " --elevation 15 " + Quarter());
+  ASSERT_EQ(a.code, 0) << a.err;
+  const json run = json::parse(a.out)["run"];
+  EXPECT_EQ(run["elevation_cutoff_deg"], 15);
+  EXPECT_EQ(run["interval_s"], 5);
+  EXPECT_EQ(run["systems"], "GE");
+}
+
+TEST(Config, MistakesAreNamedWithTheirLineAndAreTwo) {
+  const Folder folder;
+  const std::string file = folder / "c.toml";
+  for (const char* wrong : {"[qc]\nelevatoin = 20\n", "[qc]\nelevation = \"steep\"\n",
+                            "[oc]\nelevation = 20\n", "[qc]\nelevation = \n", "[qc]\nsystems = [[1]]\n"}) {
+    std::ofstream(file) << wrong;
+    const Answer a = Orsolva("qc --config " + file + " a.rnx");
+    EXPECT_EQ(a.code, 2) << wrong;
+    const std::string line = std::string(wrong).find("[oc]") == 0 ? ":1: " : ":2: ";
+    EXPECT_NE(a.err.find(file + line), std::string::npos) << a.err;
+  }
+  EXPECT_EQ(Orsolva("qc --config " + (folder / "none.toml") + " a.rnx").code, 2);
+}
+
+TEST(Config, ThePrintedDefaultsAreTakenAndChangeNothing) {
+  ORSOLVA_NEED_FILE(Quarter());
+  const Folder folder;
+  std::istringstream lines(Orsolva("config").out);
+  std::ofstream file(folder / "c.toml");
+  int keys = 0;
+  for (std::string line; std::getline(lines, line);) {
+    const bool key = line.size() > 1 && line[0] == '#' && line[1] != ' ';
+    keys += key ? 1 : 0;
+    file << (key ? line.substr(1) : line) << "\n";
+  }
+  file.close();
+  EXPECT_GT(keys, 20);
+  EXPECT_EQ(Orsolva("qc --config " + (folder / "c.toml") + " " + Quarter()).out,
+            Orsolva("qc --no-config " + Quarter()).out);
+}
+
+TEST(Explain, TellsFormulaWindowResetCutoffDenominatorAndSource) {
+  const Answer a = Orsolva("explain mp1");
+  EXPECT_EQ(a.code, 0);
+  for (const char* part : {"Formula ", "Window ", "Reset ", "Cut-off ", "Denominator ", "Source "}) {
+    EXPECT_NE(a.out.find(std::string("\n") + part), std::string::npos) << part;
+  }
+  EXPECT_NE(Orsolva("explain").out.find("completeness_ratio"), std::string::npos);
+  const Answer wrong = Orsolva("explain completness");
+  EXPECT_EQ(wrong.code, 2);
+  EXPECT_NE(wrong.err.find("completeness_ratio"), std::string::npos);
+}
+
+TEST(Inspect, NeedsNoNavigation) {
+  ORSOLVA_NEED_FILE(DataFile("GRAS00FRA_R_20223151700_15M_01S_MO.crx.gz"));
+  const Answer a = Orsolva("inspect " + DataFile("GRAS00FRA_R_20223151700_15M_01S_MO.crx.gz"));
+  EXPECT_EQ(a.code, 0) << a.err;
+  for (const char* part :
+       {"compact observations", "Marker", "First epoch", "GPS ", "signals 1C=", "Notices"}) {
+    EXPECT_NE(a.out.find(part), std::string::npos) << part << a.out;
+  }
+  EXPECT_EQ(Orsolva("inspect /no/such/file").code, 1);
+}
+
+/// "--name" of every flag in a help text.
+std::set<std::string> FlagsIn(const std::string& help) {
+  std::set<std::string> flags;
+  for (std::size_t at = help.find("--"); at != std::string::npos; at = help.find("--", at + 2)) {
+    const std::size_t end = help.find_first_not_of("abcdefghijklmnopqrstuvwxyz-", at);
+    if (end > at + 3) flags.insert(help.substr(at, end - at));
+  }
+  return flags;
+}
+
+TEST(ShellTexts, HoldEveryCommandAndEveryFlag) {
+  std::string manual = Orsolva("manual").out;
+  manual.erase(std::remove(manual.begin(), manual.end(), '\\'), manual.end());
+  const std::string bash = Orsolva("completion bash").out;
+  const std::string zsh = Orsolva("completion zsh").out;
+  const std::string fish = Orsolva("completion fish").out;
+  const std::string help = Orsolva("--help").out;
+  std::istringstream commands(help.substr(help.find("Subcommands:")));
+  std::string line;
+  std::getline(commands, line);
+  int count = 0;
+  while (std::getline(commands, line) && line.compare(0, 2, "  ") == 0) {
+    const std::string command = line.substr(2, line.find(' ', 2) - 2);
+    if (command.empty()) continue;
+    ++count;
+    EXPECT_NE(manual.find(".SS " + command + "\n"), std::string::npos) << command;
+    for (const std::string& flag : FlagsIn(Orsolva(command + " --help").out)) {
+      EXPECT_NE(manual.find(".B " + flag), std::string::npos) << flag;
+      EXPECT_NE(bash.find(flag), std::string::npos) << flag;
+      EXPECT_NE(zsh.find(flag), std::string::npos) << flag;
+      EXPECT_NE(fish.find("-l " + flag.substr(2) + " "), std::string::npos) << flag;
+    }
+  }
+  EXPECT_GE(count, 8);
+  EXPECT_EQ(Orsolva("completion tcsh").code, 2);
+}
+
+TEST(ShellTexts, BashCompletesCommandsFlagsAndChoices) {
+  const Folder folder;
+  std::ofstream(folder / "c.bash") << Orsolva("completion bash").out;
+  const auto completed = [&folder](const std::string& words) {
+    const std::string out = folder / "out";
+    const std::string script = "source " + (folder / "c.bash") + "; COMP_WORDS=(" + words +
+                               "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _orsolva; echo ${COMPREPLY[*]}";
+    const int status = std::system(("bash -c '" + script + "' >" + out).c_str());
+    return status == 0 ? ReadText(out) : "failed";
+  };
+  EXPECT_EQ(completed("orsolva ins"), "inspect\n");
+  EXPECT_EQ(completed("orsolva qc --elev"), "--elevation\n");
+  EXPECT_EQ(completed("orsolva qc --profile netw"), "network\n");
+  EXPECT_EQ(completed("orsolva explain mp_r"), "mp_rms_m\n");
+}
+
+TEST(ExitCodes, StandInHelpManualAndDocumentation) {
+  const std::string help = Orsolva("--help").out;
+  const std::string manual = Orsolva("manual").out;
+  const std::string page = ReadText(ORSOLVA_COMMAND_PAGE);
+  for (int i = 0; i < orsolva_host::kExitCodeCount; ++i) {
+    const orsolva_host::ExitCode& row = orsolva_host::kExitCodes[i];
+    EXPECT_NE(help.find(row.meaning), std::string::npos) << row.code;
+    EXPECT_NE(page.find("| " + std::to_string(row.code) + " | " + row.meaning + " |"), std::string::npos)
+        << row.code;
+    EXPECT_NE(manual.find(".B " + std::to_string(row.code) + "\n"), std::string::npos) << row.code;
+  }
+}
+
+TEST(Progress, TheLineTellsPartRateAndTimeLeft) {
+  orsolva_host::ProgressState s;
+  s.files = 8;
+  s.files_done = 3;
+  s.epochs = 3000;
+  s.bytes = 50;
+  s.bytes_of = 200;
+  s.seconds = 10;
+  EXPECT_EQ(orsolva_host::ProgressLine(s, 100),
+            "[#####---------------]  25 %  3/8 files  3000 epochs  300 epochs/s  0:30 left");
+  EXPECT_EQ(orsolva_host::ProgressLine(s, 10).size(), 10U);
+  s.bytes_of = 0;
+  EXPECT_EQ(orsolva_host::ProgressLine(s, 100), "3/8 files  3000 epochs  300 epochs/s");
+}
+
+TEST(Inputs, AMistypedNavigationFileStandsInForNothing) {
+  const orsolva_host::QcInputs inputs =
+      orsolva_host::InputsOf({"/no/a.rnx", "/no/b.20o", "/no/typo.nav"}, {"n"});
+  EXPECT_EQ(inputs.observations, (std::vector<std::string>{"/no/a.rnx", "/no/b.20o"}));
+  EXPECT_EQ(inputs.navigation, (std::vector<std::string>{"/no/typo.nav", "n"}));
+}
+
+}  // namespace

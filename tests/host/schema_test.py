@@ -1,0 +1,63 @@
+#!/usr/bin/env python3
+"""Holds real output of the program against docs/report.schema.json.
+
+usage: schema_test.py PROGRAM SCHEMA DATA_FOLDER
+
+Exits 77 (skipped) without the data. Also checks that the schema refuses what it must.
+"""
+import copy
+import json
+import pathlib
+import subprocess
+import sys
+
+import jsonschema
+
+program, schema_path, data = sys.argv[1], pathlib.Path(sys.argv[2]), pathlib.Path(sys.argv[3])
+day = data / "ESBC00DNK_R_20201770000_01D_30S_MO.crx.gz"
+quarter = data / "SEPT078M.21O"
+if not day.exists() or not quarter.exists():
+    print("no data in", data)
+    sys.exit(77)
+
+schema = json.loads(schema_path.read_text(encoding="utf-8"))
+jsonschema.Draft202012Validator.check_schema(schema)
+validator = jsonschema.Draft202012Validator(schema)
+
+
+def report(*arguments, code=0):
+    run = subprocess.run([program, "qc", "--no-config", "--quiet", "--json", *map(str, arguments)],
+                         stdout=subprocess.PIPE, check=False)
+    assert run.returncode == code, (arguments, run.returncode)
+    return json.loads(run.stdout)
+
+
+def check(name, document):
+    errors = sorted(validator.iter_errors(document), key=str)
+    for error in errors[:5]:
+        print(f"{name}: {list(error.absolute_path)}: {error.message[:300]}")
+    assert not errors, name
+
+
+whole = report(day, "--sats", "--profile", "network")
+check("station-day", whole)
+check("quarter of an hour with a failed verdict",
+      report(quarter, "--interval", "5", "--exclude", "G04", "--profile", "network", code=0))
+check("several files, one of them missing", report(quarter, "/no/such/file.rnx", "--jobs", "2", code=1))
+
+# The note ids that readers of JSON rely on.
+ids = [note["id"] for note in whole["notes"]]
+assert "galileo-no-channel" in ids and "phase-test" in ids, ids
+galileo = next(s for s in whole["systems"] if s["letter"] == "E")
+assert galileo["completeness_ratio"] is None
+
+# What the schema must refuse.
+for spoil in (lambda r: r["run"].pop("interval_s"),
+              lambda r: r["systems"][0].update(completeness_ratio="1.0"),
+              lambda r: r["signals"][0].update(surprise=1),
+              lambda r: r["run"].update(first_epoch_gpst="yesterday"),
+              lambda r: r.update(format=2)):
+    bad = copy.deepcopy(whole)
+    spoil(bad)
+    assert not validator.is_valid(bad)
+print("1 passed, 0 failed")

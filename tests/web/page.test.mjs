@@ -279,6 +279,30 @@ describe('themes and paper', () => {
     await context.close();
   });
 
+  it('paint every plot whole before the paper is taken', async () => {
+    const { context, page } = await open(browser, REPORT);
+    await page.evaluate(() => window.orsolva.figures.forEach((figure) => figure.show()));
+    await page.waitForTimeout(500);
+    const marks = (where) =>
+      page.evaluate((selector) => {
+        if (selector === '.still') dispatchEvent(new Event('beforeprint'));
+        return window.orsolva.figures.map((figure) => {
+          let count = 0;
+          for (const canvas of figure.element.querySelectorAll(selector)) {
+            const { data } = canvas.getContext('2d').getImageData(0, 0, canvas.width, canvas.height);
+            for (let i = 3; i < data.length; i += 4) if (data[i] > 0) ++count;
+          }
+          return count / figure.chart.getWidth() / figure.chart.getHeight();
+        });
+      }, where);
+    const paper = await marks('.still');
+    await page.evaluate(() => dispatchEvent(new Event('afterprint')));
+    assert.equal(await page.locator('.still').count(), 0);
+    // Share of the area with ink: every plot has lines, letters and its points.
+    for (const share of paper) assert.ok(share > 0.05, `${paper}`);
+    await context.close();
+  });
+
   it('fit a phone without scrolling sideways', async () => {
     const { context, page } = await open(browser, REPORT, { viewport: { width: 360, height: 740 }, isMobile: true, hasTouch: true });
     await showAll(page);

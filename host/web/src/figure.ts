@@ -98,7 +98,7 @@ export class Figure {
   show(): void {
     if (this.chart !== null) return;
     this.box.style.height = `${this.spec.height(this.box.clientWidth)}px`;
-    this.chart = init(this.box, null, { renderer: 'canvas', devicePixelRatio: Math.max(devicePixelRatio, 1.5) });
+    this.chart = init(this.box, null, { renderer: 'canvas', devicePixelRatio: Math.max(devicePixelRatio, 2) });
     this.redraw();
   }
 
@@ -113,6 +113,28 @@ export class Figure {
 
   resize(): void {
     if (this.chart !== null && this.box.clientWidth !== this.chart.getWidth()) this.refit();
+  }
+
+  /**
+   * Puts a still picture in the chart's place: paper takes neither what is painted over the next frames nor
+   * all of several layers.
+   */
+  freeze(): void {
+    const chart = this.chart;
+    if (chart === null) return;
+    chart.getZr().flush();
+    (chart.getZr().painter as { refresh(all?: boolean): unknown }).refresh(true);
+    const still = el('canvas', { class: 'still', width: 2 * chart.getWidth(), height: 2 * chart.getHeight() });
+    const context = still.getContext('2d')!;
+    for (const layer of this.box.querySelectorAll('canvas')) context.drawImage(layer, 0, 0, still.width, still.height);
+    this.box.classList.add('frozen');
+    this.box.after(still);
+  }
+
+  thaw(): void {
+    this.box.classList.remove('frozen');
+    this.element.querySelector('.still')?.remove();
+    this.refit();
   }
 
   /** After a change that needs another height. */

@@ -137,16 +137,15 @@ function notes(report: Report): HTMLElement | null {
 function printing(figures: Figure[]): void {
   addEventListener('beforeprint', () => {
     forPaper(true);
-    document.documentElement.classList.add('paper');
     figures.forEach((figure) => {
       figure.show();
       figure.refit();
+      figure.freeze();
     });
   });
   addEventListener('afterprint', () => {
     forPaper(false);
-    document.documentElement.classList.remove('paper');
-    figures.forEach((figure) => figure.refit());
+    figures.forEach((figure) => figure.thaw());
   });
 }
 

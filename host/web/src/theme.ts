@@ -43,8 +43,16 @@ export function colors(): Colors {
   return { text: get('--text'), soft: get('--soft'), line: get('--line'), back: get('--card'), bad: get('--bad') };
 }
 
+let printing = false;
+
+export function onPaper(): boolean {
+  return printing;
+}
+
 /** On paper every chart is light, whatever the screen shows. */
 export function forPaper(on: boolean): void {
+  printing = on;
+  document.documentElement.classList.toggle('paper', on);
   document.documentElement.dataset.theme = on ? 'light' : theme();
 }
 

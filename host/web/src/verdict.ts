@@ -17,11 +17,11 @@ export function verdictPanel(report: Report): HTMLElement | null {
   const shown = missed.slice(0, 12);
   const more = missed.length > shown.length ? el('li', {}, `and ${missed.length - shown.length} more`) : null;
   const tone = verdict.grade === 'good' ? 'good' : verdict.passed ? 'fair' : 'bad';
-  const said = verdict.passed ? 'Passed' : 'Failed';
+  const said = verdict.passed ? `Passed: ${verdict.grade}` : verdict.grade === 'fail' ? 'Failed' : `Not passed: ${verdict.grade}`;
   return el(
     'div',
     { class: `verdict ${tone}` },
-    el('strong', {}, `${said}: ${verdict.grade}`),
+    el('strong', {}, said),
     el('p', { class: 'help' }, `Profile ${verdict.title || verdict.profile}, ${verdict.outcomes.length} criteria held against the figures.`),
     shown.length > 0 ? el('ul', {}, ...shown.map((o) => el('li', {}, line(o))), more) : null,
   );

@@ -6,7 +6,7 @@ import { EVENTS } from '../events';
 import { axisStyle, type Drawing, Figure, insideZoom } from '../figure';
 import { clock, fixed, span } from '../format';
 import type { Selection } from '../selection';
-import { type Colors, systemColor } from '../theme';
+import { type Colors, onPaper, systemColor } from '../theme';
 
 interface Bar {
   satellite: Satellite;
@@ -17,6 +17,8 @@ interface Bar {
 }
 
 const ROW = 13;
+/** A page of paper less heading and note. */
+const MOST_ON_PAPER = 850;
 function barsOf(detail: Detail, satellites: Satellite[]): Bar[] {
   const step = detail.interval * 1000;
   const common = holes(detail);
@@ -90,7 +92,7 @@ function draw(detail: Detail, satellites: Satellite[], c: Colors, width: number)
         itemWidth: 14,
       },
       xAxis: { type: 'time', position: 'top', ...axisStyle(c), axisPointer: { show: false } },
-      yAxis: { type: 'category', inverse: true, data: satellites.map((s) => s.name), ...axisStyle(c), axisLabel: { color: c.soft, interval: 0, fontSize: 10 }, splitLine: { show: false } },
+      yAxis: { type: 'category', inverse: true, data: satellites.map((s) => s.name), ...axisStyle(c), axisLabel: { color: c.soft, interval: 0, fontSize: onPaper() && satellites.length > 50 ? 5 : 10 }, splitLine: { show: false } },
       useUTC: true,
       dataZoom: [
         insideZoom('xAxisIndex', { filterMode: 'weakFilter' }),
@@ -178,7 +180,10 @@ export function timelineFigure(detail: Detail, selection: Selection): Figure {
     id: 'timeline',
     title: 'Tracking timeline',
     help: 'A bar where a satellite was tracked, a red frame where it was lost while above the cut-off, and what happened to its signals.',
-    height: (width) => Math.max(chosen().length, 6) * ROW + (width < 600 ? 190 : 152),
+    height: (width) => {
+      const height = Math.max(chosen().length, 6) * ROW + (width < 600 ? 190 : 152);
+      return onPaper() ? Math.min(height, MOST_ON_PAPER) : height;
+    },
     draw: (c, width) => draw(detail, chosen(), c, width),
     controls: [control],
     wide: true,

@@ -84,6 +84,7 @@ const std::vector<ProofEntry>& AllProofs() {
       {"slips", ProveSlips},
       {"position", ProvePosition},
       {"results", ProveResults},
+      {"laws", ProveLaws},
   };
   // clang-format on
   return kProofs;

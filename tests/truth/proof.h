@@ -71,6 +71,7 @@ void ProveMultipathGaps(bool long_form, Proof& proof);
 void ProveSlips(bool long_form, Proof& proof);
 void ProvePosition(bool long_form, Proof& proof);
 void ProveResults(bool long_form, Proof& proof);
+void ProveLaws(bool long_form, Proof& proof);
 
 }  // namespace orsolva_test
 

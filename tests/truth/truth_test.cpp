@@ -39,6 +39,7 @@ TEST(Truth, MultipathRestartsAfterGapsAboveSixHundredSeconds) { Hold("multipath-
 TEST(Truth, SlipTestsReportWhatTheirRulesSay) { Hold("slips", 1000000); }
 TEST(Truth, PositionsAreNearTheTruthAndExclusionsMeetTheFaultySatellite) { Hold("position", 500); }
 TEST(Truth, BestCombinationsAndMergedResultsFollowFromTheSatellites) { Hold("results", 20000); }
+TEST(Truth, LawsHoldOnTroubledSkies) { Hold("laws", 800); }
 
 TEST(ValidationPage, ShowsEveryProofInItsLongFormWithTheCommand) {
   const std::string page = CommittedPage();

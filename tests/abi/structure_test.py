@@ -4,7 +4,8 @@
 usage: structure_test.py ROOT
 
 Fails when an include of the library points upward or in a circle, when host/ includes more of the library than its
-interface, when an include path leaves its root with "..", or when ARCHITECTURE.md names a path that is not there.
+interface, when an include path leaves its root with "..", when a floor below names no file, or when ARCHITECTURE.md
+names a path, in its text or in a drawing, that is not there.
 """
 import pathlib
 import re
@@ -16,13 +17,15 @@ FLOORS = [
     ["toolkit/"],
     ["matrix/"],
     ["navigation/"],
-    ["qc/config", "qc/epoch_time", "qc/epoch_data", "qc/numeric"],
+    ["qc/config", "qc/epoch_time", "qc/epoch_data"],
     ["measures/"],
     ["results/"],
     ["qc/"],
     ["interface/"],
 ]
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.M)
+DRAWING = re.compile(r"^```\n(.*?)^```", re.M | re.S)
+DRAWN = re.compile(r"(?<![\w/.])((?:interface|toolkit|matrix|navigation|qc|measures|results)/[\w.]*)")
 PATH = re.compile(r"`((?:library|host|tests|docs|scripts|bench|fuzz|examples|cmake)/[^`*]*)`")
 
 
@@ -60,6 +63,13 @@ def check_library(root, problems):
                 problems.append(f"{name}: includes {include} from a floor above")
             graph[name].append(include)
     check_circles(graph, problems)
+
+
+def check_floors(root, problems):
+    names = [file.relative_to(root / "library").as_posix() for file in (root / "library").rglob("*.[hc]*")]
+    for prefix in (prefix for floor in FLOORS for prefix in floor):
+        if not any(name.startswith(prefix) for name in names):
+            problems.append(f"structure_test.py: no file of the library begins with {prefix}")
 
 
 def check_circles(graph, problems):
@@ -105,12 +115,20 @@ def check_architecture(root, problems):
     for path in PATH.findall(text):
         if not (root / path).exists():
             problems.append(f"ARCHITECTURE.md: {path} does not exist")
+    drawn = [path for drawing in DRAWING.findall(text) for path in DRAWN.findall(drawing)]
+    if not drawn:
+        problems.append("ARCHITECTURE.md: no drawing of the floors")
+    for path in drawn:
+        # A stem stands for its files: qc/process for qc/process.h and qc/process.cpp.
+        if not (root / "library" / path).exists() and not (root / "library" / (path + ".h")).exists():
+            problems.append(f"ARCHITECTURE.md: the drawing names {path}, which is not in library/")
 
 
 def main():
     root = pathlib.Path(sys.argv[1])
     problems = []
     check_library(root, problems)
+    check_floors(root, problems)
     check_host(root, problems)
     check_relative(root, problems)
     check_architecture(root, problems)

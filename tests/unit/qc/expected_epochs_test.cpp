@@ -108,6 +108,14 @@ TEST(NominalGap, ACenturyCountsTheCoveredDayOnly) {
   EXPECT_GT(century, 100U);
 }
 
+TEST(NominalGap, OfAMillionMillionSecondsCountsNothing) {
+  const Ephemeris ephemeris = sky::Store(sky::Records(0.0, 86400.0));
+  QcEleList list = Opened(ephemeris, 3, At(4.9e11), At(4.9e11));
+  EXPECT_GT(NominalGap(At(-5.0e11), At(4.9e11), 30.0, list).CountAboveCutoff(), 100U);
+  QcEleList broken = Opened(ephemeris, 3, At(5.0e11), At(5.0e11));
+  EXPECT_EQ(NominalGap(At(-5.0e11), At(5.0e11), 30.0, broken).CountAboveCutoff(), 0U);
+}
+
 class Expected : public testing::Test {
  protected:
   Ephemeris ephemeris_ = sky::Store(sky::Records(0.0, 86400.0));

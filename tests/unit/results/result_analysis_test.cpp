@@ -269,6 +269,21 @@ TEST(ResultAnalysis, CombinesSystemsThatAreEnabledAndChosen) {
       << "the systems' own figures stay";
 }
 
+TEST(ResultAnalysis, ShowsNoBdsWithoutACodeOfTheOlderSatellites) {
+  RunStores run;
+  run.Observed(kBds, {kC1P, kC5P, kC7D, kC8D, kC6D});
+  run.Track(kBds, 25, Epoch({{3, kC1P}, {4, kC5P}}), 7);
+  const Analysis newer(run);
+  EXPECT_EQ(newer.Result->All[kSlotBds].PerComb[0].ExpectedEpochs, 7u) << "the satellite is judged";
+  EXPECT_EQ(newer.Result->Optimal[kSlotBds].System, 0);
+  EXPECT_EQ(newer.Result->Optimal[kSlotBds].Sys.ExpectedEpochs, 0u);
+  EXPECT_EQ(newer.Result->Optimal[kSlotBds].PerSat[24].ExpectedEpochs, 0u);
+  EXPECT_EQ(newer.Result->Optimal[kSlotBd3].PerSat[24].ExpectedEpochs, 0u);
+  EXPECT_EQ(newer.Total.ExpectedEpochs, 0u);
+  run.Observed(kBds, {kC6I});
+  EXPECT_EQ(Analysis(run).Total.ExpectedEpochs, 7u);
+}
+
 TEST(ResultAnalysis, NeverMergesTheBds3Slot) {
   RunStores run;
   const auto result = std::make_unique<QcResult>();

@@ -384,6 +384,13 @@ TEST(SubtractSeconds, OfAbsurdSecondsIsBounded) {
   ExpectSameBits(SubtractSeconds(t, kNan).Absolute(), {0, 0.0});
 }
 
+TEST(SubtractSeconds, LeavesAFractionOf2To53AndMoreToTheCalendar) {
+  // Whole seconds carried before would have left the years of the calendar.
+  constexpr std::int64_t kLeft = 10000000000000000;
+  ExpectSameBits(SubtractSeconds(AbsoluteTime{1700000000, 0.0}, 1e16), {1700000000 - kLeft, 0.0});
+  ExpectSameBits(SubtractSeconds(AbsoluteTime{1700000000, 0.0}, 8e15), {0, 0.0});
+}
+
 TEST(SubtractSeconds, OnAbsoluteTimesEqualsTheCalendarRoute) {
   std::mt19937_64 random(12);
   for (int i = 0; i < 200000; ++i) {

@@ -23,7 +23,6 @@ def processor_seconds(command):
     return after.children_user - before.children_user + after.children_system - before.children_system
 
 
-
 def ratios(tool, obs, nav, rounds):
     commands = {
         "gzip -dc": ["gzip", "-dc", obs],

@@ -94,15 +94,21 @@ void RunDay(int epochs) {
   constexpr int kBatch = 2880;
   TimedRun run(Sky1Hz(epochs));
   const double before = ResidentMb();
-  std::vector<double> batches;
-  for (int at = 0; at < epochs; at += kBatch) batches.push_back(run.Feed(std::min(kBatch, epochs - at)));
+  std::vector<double> batches;  // ns a satellite-epoch
+  for (int at = 0; at < epochs; at += kBatch) {
+    const std::int64_t seen = run.SatelliteEpochs;
+    const double seconds = run.Feed(std::min(kBatch, epochs - at));
+    batches.push_back(seconds * 1e9 / static_cast<double>(run.SatelliteEpochs - seen));
+  }
   const double grown = ResidentMb() - before;
   const double results = run.Finish();
   std::printf("1 Hz, %d epochs, %.1f satellites, batches of %d\n", epochs,
               static_cast<double>(run.SatelliteEpochs) / epochs, kBatch);
   std::printf("  library %.2f s, results %.3f s, %.0f ns a satellite-epoch\n", run.Total, results,
               run.Total * 1e9 / static_cast<double>(run.SatelliteEpochs));
-  std::printf("  last batch over second batch %.2f\n", batches.back() / batches[1]);
+  std::printf("  ns a satellite-epoch by batch:");
+  for (const double cost : batches) std::printf(" %.0f", cost);
+  std::printf("\n  last batch over first batch %.2f\n", batches.back() / batches.front());
   std::printf("  memory: grown %.0f MB, peak of the process %.0f MB\n", grown, PeakMb());
 }
 

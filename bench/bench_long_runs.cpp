@@ -147,9 +147,19 @@ void RunLive(int epochs) {
   std::printf("\n");
 }
 
-void PrintScaling(const char* what, int value, const TimedRun& run) {
-  std::printf("  %s %6d: %8.1f ms, %6.0f ns a satellite-epoch\n", what, value, run.Total * 1e3,
-              run.Total * 1e9 / static_cast<double>(run.SatelliteEpochs));
+/// Prints the cost of the fastest of three runs: what else the machine does only ever adds.
+void PrintScaling(const char* what, int value, const SkyOptions& options) {
+  double best = 0.0;
+  std::int64_t satellite_epochs = 0;
+  for (int round = 0; round < 3; ++round) {
+    TimedRun run(options);
+    for (int at = 0; at < options.Epochs; at += 120) run.Feed(120);
+    run.Finish();
+    if (round == 0 || run.Total < best) best = run.Total;
+    satellite_epochs = run.SatelliteEpochs;
+  }
+  std::printf("  %s %6d: %8.1f ms, %6.0f ns a satellite-epoch\n", what, value, best * 1e3,
+              best * 1e9 / static_cast<double>(satellite_epochs));
 }
 
 /// One hour to seven days of 30 s epochs.
@@ -157,10 +167,7 @@ void ScaleEpochs() {
   for (const int hours : {1, 3, 6, 12, 24, 48, 96, 168}) {
     SkyOptions options = Sky1Hz(hours * 120);
     options.Interval = 30.0;
-    TimedRun run(options);
-    for (int at = 0; at < options.Epochs; at += 120) run.Feed(120);
-    run.Finish();
-    PrintScaling("hours", hours, run);
+    PrintScaling("hours", hours, options);
   }
 }
 
@@ -171,10 +178,7 @@ void ScaleSatellites() {
     options.Interval = 30.0;
     options.LowestElevation = -0.5;
     options.MostSatellites = satellites;
-    TimedRun run(options);
-    run.Feed(options.Epochs);
-    run.Finish();
-    PrintScaling("satellites", satellites, run);
+    PrintScaling("satellites", satellites, options);
   }
 }
 

@@ -1,4 +1,4 @@
-// The library's only text output and the hooks of a log that no longer exists.
+// The library's only text output, and the log hooks, which do nothing.
 #ifndef ORSOLVA_INTERFACE_PRINT_H
 #define ORSOLVA_INTERFACE_PRINT_H
 

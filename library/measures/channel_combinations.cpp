@@ -1,6 +1,5 @@
 #include "measures/channel_combinations.h"
 
-#include <algorithm>
 #include <array>
 
 #include "toolkit/signals.h"
@@ -32,10 +31,6 @@ constexpr BandPlan kGeostationaryPlan = {gnssqctoolkit::kBds, {{21}, {}, {6}}, 0
 constexpr BandPlan kGalileoPlan = {gnssqctoolkit::kGalileo, {{1}, {5}, {7}, {8}, {6}}, 0x1f, kFiveFlags};
 constexpr BandPlan kQzssPlan = {gnssqctoolkit::kQzss, {{1}, {2}, {5}, {6}}, 0x0f, kFiveFlags};
 
-bool Holds(const IList& list, std::int32_t code) {
-  return std::find(list.begin(), list.end(), code) != list.end();
-}
-
 int SlotOfBand(const BandPlan& plan, int band) {
   if (band == 0) return -1;
   for (int slot = 0; slot < kBandSlots; ++slot) {
@@ -47,7 +42,7 @@ int SlotOfBand(const BandPlan& plan, int band) {
 CodesOfBands CollectCodes(const BandPlan& plan, const QcSysConfig& config, const IList& observed) {
   CodesOfBands codes;
   for (std::int32_t code : observed) {
-    if (config.Extra != 0 && !Holds(config.CodeList, code)) continue;
+    if (config.Extra != 0 && !config.CodeList.Contains(code)) continue;
     const int slot = SlotOfBand(plan, gnssqctoolkit::SignalBand(plan.system, code));
     if (slot >= 0) codes[static_cast<std::size_t>(slot)].push_back(static_cast<std::uint32_t>(code));
   }

@@ -69,7 +69,7 @@ const CodeObservation* Find(const CodeObservation* observations, std::uint32_t c
 // Observations ascend by code, so the first valid one is the one of the lowest code.
 double FirstPseudorange(const CodeObservation* observations, std::uint32_t count) {
   for (std::uint32_t i = 0; i < count; ++i) {
-    if (observations[i].Pseudorange > kPresenceLimit) return observations[i].Pseudorange;
+    if (Present(observations[i].Pseudorange)) return observations[i].Pseudorange;
   }
   return 0.0;
 }
@@ -154,7 +154,7 @@ struct IonSlipAndMultipath::Impl {
 
   void Open(int number, int window_length);
   void MeetPairs();
-  void PassEpoch(const StoredEpoch& epoch, const double station[3], const gnssqctoolkit::Ephemeris& ephemeris,
+  void PassEpoch(const EpochRange& epoch, const double station[3], const gnssqctoolkit::Ephemeris& ephemeris,
                  double interval, QcDetailObserver* observer);
   void MeasureSatellite(const StoredSatellite& stored, const Time_gbt& time, const AbsoluteTime& epoch,
                         SatelliteGeometry& geometry, bool observed);
@@ -189,7 +189,7 @@ void IonSlipAndMultipath::Impl::MeetPairs() {
   }
 }
 
-void IonSlipAndMultipath::Impl::PassEpoch(const StoredEpoch& epoch, const double station[3],
+void IonSlipAndMultipath::Impl::PassEpoch(const EpochRange& epoch, const double station[3],
                                           const gnssqctoolkit::Ephemeris& ephemeris, double interval,
                                           QcDetailObserver* observer) {
   Differences.clear();
@@ -300,7 +300,7 @@ bool IonSlipAndMultipath::ProcessAllEpochs(const double station_position[3],
   impl_->MeetPairs();
   if (!impl_->EpochsPassed && store.Epochs().size() < 2) return false;
   impl_->EpochsPassed = true;
-  for (const StoredEpoch& epoch : store.Epochs()) {
+  for (const EpochRange& epoch : store.Epochs()) {
     impl_->PassEpoch(epoch, station_position, ephemeris, interval, observer);
   }
   store.Clear();

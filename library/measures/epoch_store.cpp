@@ -6,9 +6,6 @@
 namespace orsolva {
 namespace {
 
-// Which observation of a code stays when an epoch gives it twice.
-constexpr bool kFirstStoredWins = true;
-
 // Observations are stored in the order of their satellites, so First keeps the order of storing among equals.
 bool Earlier(const StoredSatellite& a, const StoredSatellite& b) {
   if (a.Time.time != b.Time.time) return a.Time.time < b.Time.time;
@@ -21,14 +18,11 @@ bool LowerNumber(const StoredSatellite& a, const StoredSatellite& b) {
 
 }  // namespace
 
-// Keeps the observations from `first` to the end ascending by code.
+// Keeps the observations from `first` to the end ascending by code; of a code given twice the first stays.
 void EpochStore::Insert(const CodeObservation& observation, std::size_t first) {
   std::size_t at = observations_.size();
   while (at > first && observations_[at - 1].Code > observation.Code) --at;
-  if (at > first && observations_[at - 1].Code == observation.Code) {
-    if (!kFirstStoredWins) observations_[at - 1] = observation;
-    return;
-  }
+  if (at > first && observations_[at - 1].Code == observation.Code) return;
   if (at == observations_.size()) {
     observations_.push_back(observation);
     return;
@@ -91,7 +85,7 @@ void EpochStore::Arrange() {
 // Joins the entries of one satellite in one epoch and closes the room they leave.
 void EpochStore::MergeRepeated() {
   std::size_t kept = 0;
-  for (StoredEpoch& epoch : epochs_) {
+  for (EpochRange& epoch : epochs_) {
     const auto begin = satellites_.begin() + static_cast<std::ptrdiff_t>(epoch.First);
     const auto end = satellites_.begin() + static_cast<std::ptrdiff_t>(epoch.Last);
     if (!std::is_sorted(begin, end, LowerNumber)) std::sort(begin, end, LowerNumber);

@@ -22,7 +22,7 @@ struct StoredSatellite {
 };
 
 /// The satellites of one epoch: a range of Satellites().
-struct StoredEpoch {
+struct EpochRange {
   Time_gbt Time{};
   std::size_t First = 0;
   std::size_t Last = 0;  ///< one past the end
@@ -42,7 +42,7 @@ class EpochStore {
   void Arrange();
 
   /// As of the last Arrange().
-  const std::vector<StoredEpoch>& Epochs() const { return epochs_; }
+  const std::vector<EpochRange>& Epochs() const { return epochs_; }
   const std::vector<StoredSatellite>& Satellites() const { return satellites_; }
   const CodeObservation* Observations(const StoredSatellite& satellite) const {
     return observations_.data() + satellite.First;
@@ -59,7 +59,7 @@ class EpochStore {
 
   std::vector<StoredSatellite> satellites_;
   std::vector<CodeObservation> observations_;
-  std::vector<StoredEpoch> epochs_;
+  std::vector<EpochRange> epochs_;
   std::vector<StoredSatellite> merged_;  // of SortByTime, kept for the next batch
   std::vector<std::size_t> runs_;        // starts of the ascending runs, then the end of the last
 };

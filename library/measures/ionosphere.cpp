@@ -21,8 +21,6 @@ constexpr double kSlipGap = 60.0;
 constexpr double kWideLaneLimit = 1e-16;
 constexpr double kFirstWideLaneVariance = 0.25;  // cycles^2
 
-bool Present(double value) { return value > kPresenceLimit; }
-
 bool AtMost(double gap, double bound) { return gap < bound || std::fabs(gap - bound) <= kTimeTolerance; }
 
 double Distance(const double a[3], const double b[3]) {
@@ -40,11 +38,17 @@ void ForgetPrevious(IodDetect& state) {
 }
 
 // The stored value as the record of now would have given it.
-void FormPreviousAgain(double wavelength, const SatelliteGeometry& geometry, IodDetect& state) {
-  gnssqctoolkit::SatelliteState satellite;
+void FormPreviousAgain(const AbsoluteTime& epoch, double wavelength, const SatelliteGeometry& geometry,
+                       IodDetect& state) {
   if (!Present(wavelength) || !Present(state.LastPseudorange) || !Present(state.LastPhase) ||
-      geometry.Choice.Record == nullptr || geometry.Records == nullptr ||
-      !geometry.Records->SatellitePosition(geometry.Choice, state.PreviousEpoch, state.LastPseudorange,
+      geometry.Choice.Record == nullptr || geometry.Records == nullptr) {
+    ForgetPrevious(state);
+    return;
+  }
+  // Nothing is compared over a gap that closes the arc, and a GLONASS record reaches a day back at most.
+  if (!(std::fabs(TimeDifference(epoch, state.PreviousEpoch)) < kArcGap)) return;
+  gnssqctoolkit::SatelliteState satellite;
+  if (!geometry.Records->SatellitePosition(geometry.Choice, state.PreviousEpoch, state.LastPseudorange,
                                            satellite)) {
     ForgetPrevious(state);
     return;
@@ -101,7 +105,7 @@ bool PhaseGeometryDifference(const AbsoluteTime& epoch, const CodeObservation& o
                              const SatelliteGeometry& geometry, IodDetect& state, bool* new_record) {
   if (IsSet(state.PreviousEpoch) &&
       std::fabs(TimeDifference(state.EphemerisEpoch, geometry.Choice.Reference)) > kTimeTolerance) {
-    FormPreviousAgain(wavelength, geometry, state);
+    FormPreviousAgain(epoch, wavelength, geometry, state);
     if (new_record != nullptr) *new_record = true;
   }
   if (!Present(wavelength) || !Present(observation.Phase) || !geometry.HasPosition) {

@@ -1,6 +1,5 @@
 // Ionospheric delay changes and cycle slips of one satellite and code pair.
-// Notation: L carrier phase (cycles), P code range (m), lambda wavelength (m), rho range to the satellite
-// (m).
+// Notation: L carrier phase (cycles), P code range (m), lambda wavelength (m), rho satellite range (m).
 #ifndef ORSOLVA_MEASURES_IONOSPHERE_H
 #define ORSOLVA_MEASURES_IONOSPHERE_H
 

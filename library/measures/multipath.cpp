@@ -9,8 +9,6 @@ namespace {
 
 using gnssqctoolkit::AbsoluteTime;
 
-bool Present(double value) { return value > kPresenceLimit; }
-
 bool Complete(const PairSignals& signals, const CodeObservation& code, const CodeObservation& partner) {
   return Present(code.Pseudorange) && Present(code.Phase) && Present(partner.Phase) &&
          Present(partner.Pseudorange) && Present(signals.CodeWavelength) &&

@@ -14,8 +14,10 @@
 
 namespace orsolva {
 
-/// Longest averaging window, epochs.
-inline constexpr int kMaxMpWindow = 50;
+/// Averaging window of intervals up to 5 s, epochs.
+inline constexpr int kDefaultMpWindow = 50;
+/// Longest averaging window, epochs: 300 s of epochs a little more than 5 s apart.
+inline constexpr int kMaxMpWindow = 59;
 
 /// The last values of a series, oldest first, at most kMaxMpWindow of them.
 class MovingWindow {
@@ -61,9 +63,9 @@ class AbsoluteMp {
   std::uint32_t Partner = 0;
   double SumOfSquares = 0.0;  ///< m^2
   std::int64_t Count = 0;
-  int WindowLength = kMaxMpWindow;  ///< epochs
-  MovingWindow Values;              ///< last raw values, m
-  MovingWindow Residuals;           ///< last residuals, m
+  int WindowLength = kDefaultMpWindow;  ///< epochs
+  MovingWindow Values;                  ///< last raw values, m
+  MovingWindow Residuals;               ///< last residuals, m
 };
 
 /// Results of one satellite: per band slot up to ten pairs in ascending (code, partner) order.

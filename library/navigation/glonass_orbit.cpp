@@ -9,8 +9,8 @@ namespace gnssqctoolkit {
 namespace {
 
 constexpr double kTimeDone = 1e-9;  // s, what may be left of the interval
-// A record is never selected more than a day from its reference; what lies further out is an absurd time or
-// pseudorange, and would only cost steps.
+// A record is selected within a day of its reference and asked for minutes before that; what lies further out
+// is an absurd time or pseudorange, and would only cost steps.
 constexpr double kLongestSpan = 86400.0 + 1000.0;  // s
 
 }  // namespace

@@ -11,9 +11,8 @@
 namespace gnssqctoolkit {
 
 /// Solves an epoch from the position held in the result.
-/// @param result  replaced where the iteration converges, also when the validation then rejects it; Status
-/// says
-///                whether a valid solution was found
+/// @param result  replaced where the iteration converges, also when the validation then rejects it; its
+///                Status says whether a valid solution was found
 /// @param marks   one an observation, of the last iteration
 /// @return false for fewer than seven rows, a singular normal matrix, no convergence in ten iterations, or a
 ///         GDOP that valsol rejects

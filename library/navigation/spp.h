@@ -19,9 +19,8 @@ class SPP {
 
   /// Positions an epoch with all satellites, and when that fails with one of them left out.
   /// @param result  gives the start (zeros = none) and takes the solution
-  /// @return false for an epoch without observations or without any solution; the result is then undefined
-  /// but
-  ///         for Status 0
+  /// @return false for an epoch without observations or without any solution; only Status, which is 0, is
+  ///         then defined in the result
   bool Position(const PositioningEpoch& epoch, SPPResult& result);
 
   /// What the last epoch's solution says of each of its observations.

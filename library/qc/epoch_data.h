@@ -26,6 +26,7 @@ struct QcEpochData {
 
 /// Values above this are present.
 inline constexpr double kPresenceLimit = 1e-12;
+inline bool Present(double value) { return value > kPresenceLimit; }
 
 }  // namespace orsolva
 

@@ -23,6 +23,8 @@ class TimeQc : public Time_gbt {
 inline bool TimeEqual(const Time_gbt& a, const Time_gbt& b) {
   return a.time == b.time && std::fabs(a.sec - b.sec) < 1e-6;
 }
+/// All zero: a time not yet known.
+inline bool IsUnset(const Time_gbt& t) { return t.time == 0 && t.sec == 0.0; }
 /// a after b, without tolerance.
 bool TimeGreater(const Time_gbt& a, const Time_gbt& b);
 bool TimeGreaterOrEqual(const Time_gbt& a, const Time_gbt& b);

@@ -16,11 +16,11 @@ namespace orsolva {
 
 /// Nominal epochs strictly between two epochs, and how many of them lie above the cut-off.
 ///
-/// Up to kLiteralSteps nominal epochs are visited one by one. In a longer gap the flag is looked at every 60
-/// s where broadcast records cover the satellite (every second close to the cut-off, where a satellite may
-/// graze it) and at both ends of spans where none do; between two looks it changes at most once, and the step
-/// at which it does is found by halving. So neither a tiny interval nor a gap of years makes the count long.
-/// In a long gap the nominal epochs are last + k * interval in one product, which differs from repeated
+/// Up to kLiteralSteps nominal epochs are visited one by one. In a longer gap the flag is looked at once a
+/// minute where broadcast records cover the satellite (every second close to the cut-off, where a satellite
+/// may graze it) and at both ends of spans where none do; between two looks it changes at most once, and the
+/// step at which it does is found by halving. So neither a tiny interval nor a gap of years makes the count
+/// long. In a long gap the nominal epochs are last + k * interval in one product, which differs from repeated
 /// addition by rounding only. Gaps count at most 2^52 nominal epochs.
 class NominalGap {
  public:

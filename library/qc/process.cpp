@@ -13,8 +13,6 @@ namespace {
 
 constexpr double kTooEarlyTolerance = 0.001;  // of the interval
 
-bool IsUnset(const Time_gbt& t) { return t.time == 0 && t.sec == 0.0; }
-
 /// Index of the first or last epoch with a usable time, -1 without one.
 std::int32_t FirstUsable(const ObsBodyData_QC_gbt& obs) {
   for (std::int32_t i = 0; i < obs.epoch_num; ++i) {

@@ -37,8 +37,8 @@ class PostProcessGnssQc {
   double Interval = 1.0;                 ///< s, in use
   std::uint32_t EpochCount = 0;          ///< accepted in the run
   std::uint32_t CombinationMask = 31;    ///< systems to combine
-  QcConfig
-      Config;  ///< EnablePosition doubles as the position-known flag, SystemMask filters what is taken in
+  /// Its EnablePosition doubles as the position-known flag; its SystemMask filters what is taken in.
+  QcConfig Config;
   gnssqctoolkit::Ephemeris Eph;
   QcGNSSObsData ObsData;
   /// By satellite number - 1, read as a signed byte: usable above 0. 0 = excluded by the configuration,

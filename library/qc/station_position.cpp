@@ -17,7 +17,7 @@ const Signal_QC_gbt* FirstRanged(const QcSatData& satellite, const StoredEpoch& 
   int count = 0;
   for (const std::uint8_t in_slot : epoch.Counts) count += in_slot;
   for (int k = 0; k < count; ++k) {
-    if (signal[k].pseudorange > kPresenceLimit) return &signal[k];
+    if (Present(signal[k].pseudorange)) return &signal[k];
   }
   return nullptr;
 }

@@ -1,6 +1,5 @@
 #include "results/code_combinations.h"
 
-#include <algorithm>
 
 #include "qc/epoch_data.h"
 #include "toolkit/signals.h"
@@ -24,15 +23,11 @@ bool IsBandOfTarget(CombinationTarget target, int band) {
   }
 }
 
-bool Holds(const IList& list, std::int32_t code) {
-  return std::find(list.begin(), list.end(), code) != list.end();
-}
-
 bool IsKept(const QcSysConfig& config, int system, CombinationTarget target, std::int32_t code) {
   const int slot = gnssqctoolkit::SignalFrequency(system, code);
   if (slot < 1 || slot > kBandSlots) return false;
   if (config.Select != 0 && config.FreqEnable[slot - 1] == 0) return false;
-  if (config.Extra != 0 && !Holds(config.CodeList, code)) return false;
+  if (config.Extra != 0 && !config.CodeList.Contains(code)) return false;
   return IsBandOfTarget(target, gnssqctoolkit::SignalBand(system, code));
 }
 

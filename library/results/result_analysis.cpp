@@ -1,5 +1,6 @@
 #include "results/result_analysis.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -38,8 +39,6 @@ std::int32_t LostEpochs(double span, double interval, std::uint32_t epochs) {
   return static_cast<std::int32_t>(
       ClampToInt32(static_cast<double>(nominal - static_cast<std::int64_t>(epochs))));
 }
-
-bool IsUnset(const Time_gbt& t) { return t.time == 0 && t.sec == 0.0; }
 
 bool IsBds3(const SatelliteId& satellite) {
   return satellite.system == gnssqctoolkit::kBds && satellite.prn >= gnssqctoolkit::kFirstBds3;
@@ -160,6 +159,7 @@ void QcResultAnalysis::FinishRun(const ResultSources& sources, QcResult& result)
   }
   const double span = RoundToMillisecond(TimeDifference(result.EndTime, result.StartTime));
   result.Interval = RoundToMillisecond(sources.Interval);
+  result.EpochCount = static_cast<std::int32_t>(std::min<std::uint32_t>(sources.EpochCount, INT32_MAX));
   result.LostEpochs = LostEpochs(span, result.Interval, sources.EpochCount);
   result.DurationHours = span / kSecondsPerHour;
   for (int i = 0; i < 3; ++i) result.StationXyz[i] = sources.Position[i];

@@ -13,10 +13,7 @@ namespace {
 
 using gnssqctoolkit::IList;
 
-bool Holds(const IList& codes, std::uint32_t code) {
-  return std::any_of(codes.begin(), codes.end(),
-                     [code](std::int32_t held) { return static_cast<std::uint32_t>(held) == code; });
-}
+bool Holds(const IList& codes, std::uint32_t code) { return codes.Contains(static_cast<std::int32_t>(code)); }
 
 std::uint8_t SlotByte(int system, std::uint32_t code) {
   return static_cast<std::uint8_t>(gnssqctoolkit::SignalFrequency(system, static_cast<int>(code)));

@@ -59,6 +59,7 @@ class GrowableList {
     data[--count_] = filler_;
     return 1;
   }
+  bool Contains(T value) const { return std::find(begin(), end(), value) != end(); }
   /// Count 0; the array is kept and zeroed.
   void Clear() {
     std::fill_n(buffer_.Data(), capacity_, T{});

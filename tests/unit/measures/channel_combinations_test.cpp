@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "measures/multipath.h"
 #include "tests/support/trace_recorder.h"
 
 namespace orsolva {
@@ -113,6 +114,7 @@ std::string Geostationary(std::initializer_list<std::int32_t> codes) {
 TEST(MpWindowLength, IsFiftyUpToFiveSecondsThenThreeHundredOverTheIntervalThenTen) {
   EXPECT_EQ(50, MpWindowLength(0.1));
   EXPECT_EQ(50, MpWindowLength(5.0));
+  EXPECT_EQ(kMaxMpWindow, MpWindowLength(5.05)) << "longer than at 5 s: 300 s hold 59 epochs";
   EXPECT_EQ(50, MpWindowLength(6.0));
   EXPECT_EQ(42, MpWindowLength(7.0));
   EXPECT_EQ(20, MpWindowLength(15.0));

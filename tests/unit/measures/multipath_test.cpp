@@ -67,6 +67,13 @@ TEST(MovingWindow, KeepsTheLastValuesOldestFirst) {
   EXPECT_EQ(3.0, window.Mean());
 }
 
+TEST(MovingWindow, HoldsTheLongestLengthOverManyTurns) {
+  MovingWindow window;
+  for (int i = 0; i < 1000; ++i) window.Push(i, kMaxMpWindow);
+  ASSERT_EQ(kMaxMpWindow, window.Count());
+  for (int i = 0; i < kMaxMpWindow; ++i) EXPECT_EQ(1000 - kMaxMpWindow + i, window.At(i));
+}
+
 TEST(MovingWindow, SumsFromOldestToNewest) {
   MovingWindow window;
   const std::vector<double> values = {1e16, 1.0, -1e16, 1.0};

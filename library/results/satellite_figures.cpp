@@ -100,10 +100,12 @@ SatelliteView::SatelliteView(const SatelliteStores& stores, bool shifted) : stor
     source_[4] = 1;
     source_[1] = -1;
   }
-  for (int b = 0; b < kBandSlots; ++b) {
-    const int codes = std::min<int>(stores.Snr.CodeCount[b], kCodesPerSlot);
-    for (int k = 0; k < codes; ++k) std_dev_[b][k] = stores.Snr.Channels[b][k].StdDev();
-  }
+}
+
+double SatelliteView::StdDev(int slot, int channel) const {
+  std::optional<double>& known = std_dev_[slot][channel];
+  if (!known) known = stores_.Snr.Channels[slot][channel].StdDev();
+  return *known;
 }
 
 int SatelliteView::SourceSlot(int code) const {
@@ -134,7 +136,7 @@ bool SatelliteView::FillSnr(int code, QcSnrResult& result) const {
     result.AboveMaskMean = channel.AboveMask.Mean;
     result.BelowMaskMean = channel.BelowMask.Mean;
     result.Mean = channel.Mean;
-    result.StdDev = std_dev_[slot][k];
+    result.StdDev = StdDev(slot, k);
     result.Above30Count = channel.Above30.Count;
     result.Below30Count = channel.Below30.Count;
     result.Above30Mean = channel.Above30.Mean;

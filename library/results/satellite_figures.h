@@ -3,6 +3,7 @@
 #define ORSOLVA_RESULTS_SATELLITE_FIGURES_H
 
 #include <cstdint>
+#include <optional>
 
 #include "measures/ionosphere.h"
 #include "measures/multipath.h"
@@ -46,7 +47,9 @@ class SatelliteView {
 
   const SatelliteStores& stores_;
   int source_[kBandSlots] = {0, 1, 2, 3, 4, 5};
-  double std_dev_[kBandSlots][kCodesPerSlot] = {};
+  /// Spread of a channel's samples, which walks all of them: done once, when a combination asks for it.
+  double StdDev(int slot, int channel) const;
+  mutable std::optional<double> std_dev_[kBandSlots][kCodesPerSlot];
 };
 
 /// Epochs at which every code of the combination was observed; 0 when one of them has no channel or no flags.

@@ -120,6 +120,8 @@ int SatelliteChoice(const QcResultCore* combinations, int chosen) {
 
 }  // namespace
 
+QcResultCore::QcResultCore() = default;
+
 QcResult::QcResult() {
   for (auto& slot : SatUsed) {
     for (std::uint32_t& used : slot) used = 1;

@@ -61,6 +61,10 @@ class QcSnrResult {
 /// All figures of one satellite or one system for one combination of codes.
 class QcResultCore {
  public:
+  // Not inline: thousands of them stand in a result, and compilers would lay out each one's zeros in line.
+  QcResultCore();
+  QcResultCore(const QcResultCore&) = default;
+  QcResultCore& operator=(const QcResultCore&) = default;
   virtual ~QcResultCore() = default;
 
   std::int32_t System = 0;  ///< system code, 0 = not set

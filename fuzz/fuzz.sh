@@ -1,0 +1,32 @@
+#!/usr/bin/env bash
+# Builds the fuzz targets with clang++ and runs each for a while.
+#
+# usage: fuzz/fuzz.sh [SECONDS_EACH [TARGET...]]     (default 12 seconds, every target)
+# Corpora grow in build-fuzz/corpus/<target>; a finding is left in build-fuzz/findings/<target>/.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+seconds=${1:-12}
+shift || true
+targets=("$@")
+[ ${#targets[@]} -gt 0 ] ||
+  targets=(boundary_records observation_reader compact_decoder navigation_reader compressed_input)
+build=${ORSOLVA_FUZZ_BUILD:-build-fuzz}
+
+cmake --preset fuzz -B "$build" >/dev/null
+cmake --build "$build" --target "${targets[@]/#/fuzz_}"
+shared=${ORSOLVA_SHARED:-../shared}/data
+[ ! -d "$shared" ] || python3 fuzz/make_seeds.py "$shared" "$build/seeds"
+
+failed=0
+for target in "${targets[@]}"; do
+  echo "== $target, $seconds s"
+  mkdir -p "$build/corpus/$target" "$build/seeds/$target" "$build/findings/$target"
+  folders=("$build/corpus/$target" "$build/seeds/$target" "fuzz/seeds/$target")
+  [ ! -d "fuzz/regressions/$target" ] || folders+=("fuzz/regressions/$target")
+  "$build/bin/fuzz_$target" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 -max_len=20000 \
+    -dict=fuzz/rinex.dict -print_final_stats=1 -artifact_prefix="$build/findings/$target/" \
+    "${folders[@]}" 2>"$build/findings/$target.log" || failed=1
+  grep -E 'stat::number_of_executed_units|DONE|ERROR|SUMMARY|does not hold|runtime error' \
+    "$build/findings/$target.log" || true
+done
+exit $failed

@@ -1,0 +1,78 @@
+#!/usr/bin/env python3
+"""Cuts small seeds for the fuzz targets out of the files of the shared folder.
+
+usage: make_seeds.py DATA_FOLDER OUT_FOLDER     (seeds go to OUT_FOLDER/<target>/)
+"""
+import gzip
+import pathlib
+import random
+import sys
+
+COMPACT = (".crx", ".21D", ".21d")
+PLAIN = (".rnx", ".21O", ".21o")
+
+
+def text_of(path):
+    data = path.read_bytes()
+    return gzip.decompress(data) if data[:2] == b"\x1f\x8b" else data
+
+
+def after_header(data):
+    end = data.find(b"END OF HEADER")
+    return data.find(b"\n", end) + 1 if end >= 0 else 0
+
+
+def cut(data, body):
+    """The header and about `body` bytes of whole lines."""
+    start = after_header(data)
+    end = data.find(b"\n", start + body)
+    return data[: end + 1 if end >= 0 else len(data)]
+
+
+def write(out, target, name, data):
+    folder = out / target
+    folder.mkdir(parents=True, exist_ok=True)
+    (folder / name).write_bytes(data)
+
+
+def seeds_of(path, out):
+    data = text_of(path)
+    name = path.name.replace(".gz", "")
+    if b"NAVIGATION" in data[:200] or b"NAV DATA" in data[:200]:
+        for size in (800, 4000):
+            write(out, "navigation_reader", f"{name}.{size}", cut(data, size))
+        # Later pieces hold the other systems.
+        start = after_header(data)
+        lines = data[start:].split(b"\n")
+        for part in range(1, 6):
+            at = len(lines) * part // 6
+            while at < len(lines) and lines[at][:1] in (b" ", b""):
+                at += 1
+            piece = b"\n".join(lines[at : at + 24]) + b"\n"
+            write(out, "navigation_reader", f"{name}.part{part}", data[:start] + piece)
+    elif b"CRINEX" in data[:200]:
+        for size in (1500, 6000):
+            write(out, "observation_reader", f"{name}.{size}", cut(data, size))
+            write(out, "compact_decoder", f"{name}.{size}", cut(data, size)[after_header(data):])
+    elif b"OBSERVATION" in data[:200]:
+        for size in (1500, 6000):
+            write(out, "observation_reader", f"{name}.{size}", cut(data, size))
+    else:
+        return
+    piece = cut(data, 2000)
+    write(out, "compressed_input", f"{name}.lines", b"\0" + gzip.compress(piece, mtime=0))
+    two = gzip.compress(piece[:500], mtime=0) + gzip.compress(piece[500:], mtime=0)
+    write(out, "compressed_input", f"{name}.members", b"\x03" + two)
+
+
+def main(data_folder, out_folder):
+    out = pathlib.Path(out_folder)
+    for path in sorted(pathlib.Path(data_folder).iterdir()):
+        seeds_of(path, out)
+    choice = random.Random(1)
+    for k in range(16):
+        write(out, "boundary_records", f"random{k}", choice.randbytes(4 * (20 + 60 * k)))
+
+
+if __name__ == "__main__":
+    main(*sys.argv[1:])

@@ -2,113 +2,23 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <initializer_list>
 #include <limits>
-#include <sstream>
 #include <string>
-#include <vector>
 
 #include "measures/multipath.h"
 #include "tests/support/trace_recorder.h"
+#include "tests/unit/measures/channel_builder.h"
 
 namespace orsolva {
 namespace {
 
+using namespace orsolva::testing;
 using orsolva_test::TraceRecorder;
-
-const char kBdsText[] = "error; bds system not enough frequency number!\n";
-const char kGalileoText[] = "error; no choose galileo system qc code num!\n";
-
-// One code of each band.
-enum : std::int32_t {
-  kG1 = 1,
-  kG2 = 15,
-  kG5 = 20,
-  kR1 = 30,
-  kR2 = 35,
-  kR3 = 40,
-  kE1 = 62,
-  kE5 = 65,
-  kE7 = 68,
-  kE8 = 71,
-  kE6 = 74,
-  kJ1 = 120,
-  kJ2 = 127,
-  kJ5 = 130,
-  kJ6 = 136,
-  kC21 = 150,
-  kC1 = 153,
-  kC5 = 161,
-  kC27 = 164,
-  kC7 = 167,
-  kC8 = 170,
-  kC6 = 173,
-  kC36 = 176,
-};
-
-struct Builder {
-  QcConfig Config;
-  gnssqctoolkit::IList Lists[kCodeListSlots];
-  ChannelCombinations Combinations;
-
-  Builder() {
-    Config.ApplyDefaults();
-    for (QcSysConfig& sys : Config.Sys) sys.Select = 1;
-    Config.AutoDetectFreq = 1;
-  }
-  Builder& Observe(int list, std::initializer_list<std::int32_t> codes) {
-    for (std::int32_t code : codes) Lists[list].Append(code);
-    return *this;
-  }
-  Builder& Select(std::uint8_t select) {
-    for (QcSysConfig& sys : Config.Sys) sys.Select = select;
-    return *this;
-  }
-  Builder& Flags(int slot, std::initializer_list<int> flags) {
-    Config.AutoDetectFreq = 0;
-    int f = 0;
-    for (int flag : flags) Config.Sys[slot].FreqEnable[f++] = static_cast<std::uint8_t>(flag);
-    return *this;
-  }
-  ChannelCombinations& Build() {
-    Combinations.Build(Config, Lists);
-    return Combinations;
-  }
-  std::string FlagText(int slot) const {
-    std::string text;
-    for (std::uint8_t flag : Config.Sys[slot].FreqEnable) text += flag != 0 ? '1' : '0';
-    return text;
-  }
-};
-
-// "slot:code-partner" of every pair, in order.
-std::string Pairs(const MpIodChannelCombination& record) {
-  std::ostringstream text;
-  for (int slot = 0; slot < kBandSlots; ++slot) {
-    for (int i = 0; i < record.Count[slot]; ++i) {
-      text << slot << ":" << record.Pairs[slot][i].Code << "-" << record.Pairs[slot][i].Partner << " ";
-    }
-  }
-  return text.str();
-}
 
 std::string Gps(std::initializer_list<std::int32_t> codes, std::uint8_t select = 1) {
   return Pairs(Builder().Observe(0, codes).Select(select).Build().Systems[kSlotGps]);
-}
-std::string Galileo(std::initializer_list<std::int32_t> codes, std::uint8_t select = 1) {
-  return Pairs(Builder().Observe(3, codes).Select(select).Build().Systems[kSlotGalileo]);
-}
-std::string Qzss(std::initializer_list<std::int32_t> codes, std::uint8_t select = 1) {
-  return Pairs(Builder().Observe(5, codes).Select(select).Build().Systems[kSlotQzss]);
-}
-std::string Bds2(std::initializer_list<std::int32_t> codes, std::uint8_t select = 1) {
-  return Pairs(Builder().Observe(2, codes).Select(select).Build().Systems[kSlotBds]);
-}
-std::string Bds3(std::initializer_list<std::int32_t> codes, std::uint8_t select = 1) {
-  return Pairs(Builder().Observe(2, codes).Select(select).Build().Bds3);
-}
-std::string Geostationary(std::initializer_list<std::int32_t> codes) {
-  return Pairs(Builder().Observe(2, codes).Build().Bds3Geostationary);
 }
 
 TEST(MpWindowLength, IsFiftyUpToFiveSecondsThenThreeHundredOverTheIntervalThenTen) {
@@ -234,178 +144,6 @@ TEST(BandCount, IsStoredInTwoFrequencyModeOrWithAutomaticDetection) {
       EXPECT_EQ(select || automatic ? 3 : 77, builder.Config.Sys[kSlotGps].FreqNum);
     }
   }
-}
-
-TEST(GlonassPairs, NeedBothBands) {
-  const auto pairs = [](std::initializer_list<std::int32_t> codes) {
-    return Pairs(Builder().Observe(1, codes).Build().Systems[kSlotGlonass]);
-  };
-  EXPECT_EQ("0:30-35 1:35-30 ", pairs({kR1, kR2}));
-  EXPECT_EQ("", pairs({kR1}));
-  EXPECT_EQ("", pairs({kR1, kR3}));
-}
-
-TEST(GlonassPairs, ClearTheFlagsOfBandsTheyDoNotUse) {
-  Builder builder;
-  builder.Observe(1, {kR1, kR2, kR3}).Build();
-  EXPECT_EQ("110001", builder.FlagText(kSlotGlonass));
-  EXPECT_EQ(2, builder.Config.Sys[kSlotGlonass].FreqNum);
-}
-
-TEST(GalileoPairs, OfTwoBandsGoBothWays) {
-  EXPECT_EQ("0:62-74 4:74-62 ", Galileo({kE1, kE6}));
-  EXPECT_EQ("2:68-71 3:71-68 ", Galileo({kE7, kE8}));
-}
-
-TEST(GalileoPairs, OfThreeBandsWithTheFirstPreferBandFiveThenSevenThenEight) {
-  EXPECT_EQ("0:62-65 1:65-62 2:68-62 ", Galileo({kE1, kE5, kE7}));
-  EXPECT_EQ("0:62-68 2:68-62 3:71-62 ", Galileo({kE1, kE7, kE8}));
-  EXPECT_EQ("0:62-68 2:68-62 4:74-62 ", Galileo({kE1, kE7, kE6}));
-  EXPECT_EQ("0:62-71 3:71-62 4:74-62 ", Galileo({kE1, kE8, kE6}));
-}
-
-TEST(GalileoPairs, OfThreeBandsWithoutTheFirstPairWithBandFive) {
-  EXPECT_EQ("1:65-68 2:68-65 3:71-65 ", Galileo({kE5, kE7, kE8}));
-  EXPECT_EQ("1:65-68 2:68-65 4:74-65 ", Galileo({kE5, kE7, kE6}));
-  EXPECT_EQ("1:65-71 3:71-65 4:74-65 ", Galileo({kE5, kE8, kE6}));
-}
-
-TEST(GalileoPairs, OfBandsSevenEightAndSixPairWithBandSeven) {
-  EXPECT_EQ("2:68-71 3:71-68 4:74-68 ", Galileo({kE7, kE8, kE6}));
-}
-
-TEST(GalileoPairs, OfFourAndMoreBandsPairWithTheFirst) {
-  EXPECT_EQ("0:62-65 1:65-62 2:68-62 3:71-62 ", Galileo({kE1, kE5, kE7, kE8}));
-  EXPECT_EQ("0:62-65 1:65-62 2:68-62 3:71-62 4:74-62 ", Galileo({kE1, kE5, kE7, kE8, kE6}));
-  EXPECT_EQ("2:68-62 3:71-62 4:74-62 ", Galileo({kE1, kE7, kE8, kE6}));
-  EXPECT_EQ("", Galileo({kE5, kE7, kE8, kE6}));
-}
-
-TEST(GalileoPairs, WithoutTwoFrequencyModePairWithTheFirst) {
-  EXPECT_EQ("2:68-62 ", Galileo({kE1, kE7}, 0));
-  EXPECT_EQ("2:68-62 4:74-62 ", Galileo({kE1, kE7, kE6}, 0));
-  EXPECT_EQ("", Galileo({kE5, kE7, kE8}, 0));
-}
-
-TEST(GalileoPairs, OfChosenCodesWithAnEmptyListWarn) {
-  Builder builder;
-  builder.Observe(2, {kC21, kC27, kC6}).Observe(3, {kE1, kE5});
-  builder.Config.Sys[kSlotGalileo].Extra = 1;
-  TraceRecorder trace;
-  EXPECT_EQ("", Pairs(builder.Build().Systems[kSlotGalileo]));
-  ASSERT_EQ(1u, trace.Texts.size());
-  EXPECT_EQ(2, trace.Levels[0]);
-  EXPECT_EQ(kGalileoText, trace.Texts[0]);
-}
-
-TEST(QzssPairs, OfTwoBandsGoBothWays) {
-  EXPECT_EQ("0:120-127 1:127-120 ", Qzss({kJ1, kJ2}));
-  EXPECT_EQ("2:130-136 3:136-130 ", Qzss({kJ5, kJ6}));
-}
-
-TEST(QzssPairs, OfThreeBandsPairWithTheLowest) {
-  EXPECT_EQ("0:120-127 1:127-120 2:130-120 ", Qzss({kJ1, kJ2, kJ5}));
-  EXPECT_EQ("0:120-127 1:127-120 3:136-120 ", Qzss({kJ1, kJ2, kJ6}));
-  EXPECT_EQ("0:120-130 2:130-120 3:136-120 ", Qzss({kJ1, kJ5, kJ6}));
-  EXPECT_EQ("1:127-130 2:130-127 3:136-127 ", Qzss({kJ2, kJ5, kJ6}));
-}
-
-TEST(QzssPairs, OfFourBandsOrWithoutTwoFrequencyModePairWithTheFirst) {
-  EXPECT_EQ("0:120-127 1:127-120 2:130-120 3:136-120 ", Qzss({kJ1, kJ2, kJ5, kJ6}));
-  EXPECT_EQ("2:130-120 3:136-120 ", Qzss({kJ1, kJ5, kJ6}, 0));
-  EXPECT_EQ("", Qzss({kJ2, kJ5, kJ6}, 0));
-  EXPECT_EQ("", Qzss({kJ5, kJ6}, 0));
-}
-
-TEST(QzssPairs, NeedTwoBands) { EXPECT_EQ("", Qzss({120, 121})); }
-
-TEST(Bds2Pairs, OfTwoBandsGoBothWays) {
-  EXPECT_EQ("1:164-173 2:173-164 ", Bds2({kC27, kC6}));
-  EXPECT_EQ("0:150-164 1:164-150 ", Bds2({kC21, kC27}));
-  EXPECT_EQ("0:150-173 2:173-150 ", Bds2({kC21, kC6}));
-}
-
-TEST(Bds2Pairs, OfThreeBandsOrWithoutTwoFrequencyModePairWithBand21) {
-  EXPECT_EQ("0:150-164 1:164-150 2:173-150 ", Bds2({kC21, kC27, kC6}));
-  EXPECT_EQ("2:173-150 ", Bds2({kC21, kC6}, 0));
-  EXPECT_EQ("", Bds2({kC27, kC6}, 0));
-}
-
-TEST(Bds2Pairs, DoNotKnowTheNewSignals) {
-  EXPECT_EQ("0:150-173 2:173-150 ", Bds2({kC21, kC1, kC5, kC7, kC8, kC36, kC6}));
-}
-
-TEST(Bds2Pairs, ClearAllSixFlagsInAutomaticDetection) {
-  Builder builder;
-  builder.Observe(2, {kC21, kC1, kC5, kC6}).Build();
-  EXPECT_EQ("101000", builder.FlagText(kSlotBds));
-  EXPECT_EQ(2, builder.Config.Sys[kSlotBds].FreqNum);
-}
-
-TEST(Bds3Pairs, PairEveryBandWithTheLowestOther) {
-  EXPECT_EQ("0:150-173 2:173-150 3:153-150 4:161-150 5:167-150 ", Bds3({kC21, kC6, kC1, kC5, kC7}));
-  EXPECT_EQ("0:150-153 3:153-150 ", Bds3({kC21, kC1}));
-  EXPECT_EQ("3:153-161 4:161-153 ", Bds3({kC1, kC5}));
-  EXPECT_EQ("2:173-153 3:153-173 4:161-173 ", Bds3({kC6, kC1, kC5}));
-}
-
-TEST(Bds3Pairs, KnowNoTwoFrequencyCase) {
-  EXPECT_EQ("3:153-161 4:161-153 ", Bds3({kC1, kC5}, 0));
-  EXPECT_EQ("0:150-173 2:173-150 3:153-150 ", Bds3({kC21, kC6, kC1}, 0));
-}
-
-TEST(Bds3Pairs, NeverUseBands27And8) {
-  EXPECT_EQ("0:150-153 3:153-150 ", Bds3({kC21, kC27, kC8, kC1}));
-  EXPECT_EQ("", Bds3({kC27, kC1}));
-}
-
-TEST(Bds3Pairs, TakeBands6And36AsOne) {
-  EXPECT_EQ("0:150-176 0:150-173 2:176-150 2:173-150 ", Bds3({kC36, kC21, kC6}));
-}
-
-TEST(Bds3Pairs, GovernAllSixFlagsOfTheirOwnRow) {
-  Builder builder;
-  builder.Observe(2, {kC21, kC27, kC1}).Build();
-  EXPECT_EQ("100100", builder.FlagText(kSlotBd3));
-  EXPECT_EQ("110000", builder.FlagText(kSlotBds));
-  EXPECT_EQ(2, builder.Config.Sys[kSlotBd3].FreqNum);
-
-  Builder by_hand;
-  by_hand.Flags(kSlotBd3, {1, 1, 0, 1, 1, 1}).Observe(2, {kC21, kC27, kC6, kC1, kC5});
-  EXPECT_EQ("0:150-153 3:153-150 4:161-150 ", Pairs(by_hand.Build().Bds3));
-  EXPECT_EQ("100110", by_hand.FlagText(kSlotBd3));
-}
-
-TEST(GeostationaryPairs, UseBands21And6Alone) {
-  EXPECT_EQ("0:150-173 2:173-150 ", Geostationary({kC21, kC27, kC6, kC36, kC1, kC5, kC7}));
-  EXPECT_EQ("", Geostationary({kC21, kC36, kC1}));
-}
-
-TEST(GeostationaryPairs, TouchFlags0And2Only) {
-  // With chosen flags their effect on the shared row shows in the pairs of the other BDS-3 satellites: a band
-  // 36 without band 6 loses its flag before those are built.
-  Builder builder;
-  builder.Flags(kSlotBd3, {1, 1, 1, 1, 1, 1}).Observe(2, {kC21, kC36, kC1});
-  EXPECT_EQ("0:150-153 3:153-150 ", Pairs(builder.Build().Bds3));
-  EXPECT_EQ("100100", builder.FlagText(kSlotBd3));
-}
-
-TEST(BdsPairs, OfFewerThanTwoBandsWarnForEachRecord) {
-  Builder builder;
-  builder.Observe(2, {kC21});
-  TraceRecorder trace;
-  builder.Build();
-  ASSERT_EQ(3u, trace.Texts.size());
-  EXPECT_EQ((std::vector<int>{2, 2, 2}), trace.Levels);
-  EXPECT_EQ((std::vector<std::string>{kBdsText, kBdsText, kBdsText}), trace.Texts);
-}
-
-TEST(BdsPairs, WarnOnlyForTheRecordsThatLackBands) {
-  Builder builder;
-  builder.Observe(2, {kC1, kC5});
-  TraceRecorder trace;
-  builder.Build();
-  EXPECT_EQ(2u, trace.Texts.size());
 }
 
 TEST(ChannelCombinations, AreBuiltInTheOrderOfTheSystems) {

@@ -1,4 +1,7 @@
 // A small GPS sky for the driver: circular-like orbits and observations that agree with them to rounding.
+//
+// Why a sky of its own: the driver takes QcEpochData, one satellite at a time, before a process object
+// exists, and its tests change single observations by a known slip or code error.
 #ifndef ORSOLVA_TESTS_UNIT_MEASURES_SYNTHETIC_RUN_H
 #define ORSOLVA_TESTS_UNIT_MEASURES_SYNTHETIC_RUN_H
 
@@ -106,6 +109,17 @@ struct SyntheticRun {
     return Measures.Ionosphere(number).Pairs[slot][i];
   }
 };
+
+/// Slips counted on the first pair of a satellite.
+inline int Slips(const SyntheticRun& run, int number) { return static_cast<int>(run.Iod(number)->SlipCount); }
+
+/// Epochs first to last of every satellite.
+inline void Feed(SyntheticRun& run, int satellites, int first, int last) {
+  for (int prn = 1; prn <= satellites; ++prn) {
+    for (int i = first; i < last; ++i)
+      run.Measures.AddSatelliteEpoch(prn, run.Epoch(prn, run.Interval * i), true);
+  }
+}
 
 /// Keeps every report.
 struct RecordingObserver : orsolva::QcDetailObserver {

@@ -11,25 +11,30 @@
 
 namespace orsolva_test {
 
+struct Disposer {
+  void operator()(unsigned long long* handle) const { DiposeProcess(handle); }
+};
 /// A handle that frees itself.
+using OwnedHandle = std::unique_ptr<unsigned long long, Disposer>;
+
+/// A handle with the calls of a run.
 class Process {
  public:
   Process() : handle_(CreatQcProcess()) {}
-  ~Process() { DiposeProcess(handle_); }
-  Process(const Process&) = delete;
-  Process& operator=(const Process&) = delete;
-  unsigned long long* Handle() const { return handle_; }
+  unsigned long long* Handle() const { return handle_.get(); }
 
   bool Initialise(const NavigationSet& navigation, const config_qct& config) {
-    return InitialQc(navigation.Body(), &config, handle_);
+    return InitialQc(navigation.Body(), &config, handle_.get());
   }
-  GNSSQC_STATE Feed(const ObsEpoch_QC_gbt* epochs, int count) { return GNSSQCPlus({count, epochs}, handle_); }
+  GNSSQC_STATE Feed(const ObsEpoch_QC_gbt* epochs, int count) {
+    return GNSSQCPlus({count, epochs}, handle_.get());
+  }
   GNSSQC_STATE Feed(const std::vector<ObsEpoch_QC_gbt>& epochs) {
     return Feed(epochs.data(), static_cast<int>(epochs.size()));
   }
 
  private:
-  unsigned long long* handle_;
+  OwnedHandle handle_;
 };
 
 /// Both results of a run, zero-filled before they are asked for.

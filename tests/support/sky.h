@@ -1,4 +1,8 @@
 // A small sky of GPS satellites on circular orbits and a receiver without errors: enough to drive a run.
+//
+// Why a sky of its own beside exact_sky.h and simulated_sky.h: the tests of the process object want whole
+// epochs of one system, cheap and the same in every place, and records they can remove or mark unhealthy one
+// by one.
 #ifndef ORSOLVA_TESTS_SUPPORT_SKY_H
 #define ORSOLVA_TESTS_SUPPORT_SKY_H
 

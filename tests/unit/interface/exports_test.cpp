@@ -13,6 +13,7 @@
 #include "interface/gnssqc.h"
 #include "interface/print.h"
 #include "qc/process.h"
+#include "tests/support/run.h"
 #include "tests/support/sky.h"
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -30,10 +31,7 @@ namespace {
 
 using Handle = unsigned long long*;
 
-struct Disposer {
-  void operator()(unsigned long long* handle) const { DiposeProcess(handle); }
-};
-using OwnedHandle = std::unique_ptr<unsigned long long, Disposer>;
+using orsolva_test::OwnedHandle;
 
 /// Keeps the deliberate leak of the one-shot entry point out of leak reports.
 class LeakIsDeliberate {

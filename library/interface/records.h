@@ -1,8 +1,8 @@
 // Boundary records: the plain data that crosses the border between a host and the library.
 //
 // Every record has natural alignment on a 64-bit little-endian machine, and its layout is a contract: hosts
-// lay out arrays of these records themselves, so sizes and offsets are asserted in record_layout.h and
-// never change. Missing values are sent as 0. Nothing here needs more than the standard headers.
+// lay out arrays of these records themselves, so sizes and offsets never change; the build of the library
+// asserts each of them. Missing values are sent as 0. Nothing here needs more than the standard headers.
 //
 // Units: metres, seconds, radians, cycles and dB-Hz unless a field says otherwise.
 #ifndef ORSOLVA_INTERFACE_RECORDS_H
@@ -22,7 +22,7 @@ struct Signal_QC_gbt {
   double phase;              ///< cycles
   float doppler;             ///< carried, never read
   float snr;                 ///< dB-Hz
-  std::uint8_t code;         ///< signal code number (toolkit/signals.h); 0 = unused entry
+  std::uint8_t code;         ///< number of the signal, 0 = unused; table: docs/signals.md, in the sources
   std::uint8_t reserved[7];  ///< not read
 };
 

@@ -1,0 +1,87 @@
+// Holds the table of docs/signals.md against the library's signal tables.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <string>
+
+#include "tests/support/kept_table.h"
+#include "toolkit/constants.h"
+#include "toolkit/satellite.h"
+#include "toolkit/signals.h"
+
+namespace gnssqctoolkit {
+namespace {
+
+struct BandRow {
+  int system;
+  int band;
+  const char* name;
+};
+
+// Names of the bands: RINEX 3.05, observation code tables.
+constexpr BandRow kBands[] = {
+    {kGps, 1, "L1"},      {kGps, 2, "L2"},       {kGps, 5, "L5"},      {kGlonass, 1, "G1"},
+    {kGlonass, 4, "G1a"}, {kGlonass, 2, "G2"},   {kGlonass, 6, "G2a"}, {kGlonass, 3, "G3"},
+    {kBds, 21, "B1I"},    {kBds, 1, "B1C, B1A"}, {kBds, 5, "B2a"},     {kBds, 27, "B2I"},
+    {kBds, 7, "B2b"},     {kBds, 8, "B2a+b"},    {kBds, 6, "B3"},      {kBds, 36, "B3A"},
+    {kGalileo, 1, "E1"},  {kGalileo, 5, "E5a"},  {kGalileo, 7, "E5b"}, {kGalileo, 8, "E5"},
+    {kGalileo, 6, "E6"},  {kQzss, 1, "L1"},      {kQzss, 2, "L2"},     {kQzss, 5, "L5"},
+    {kQzss, 6, "L6"},
+};
+
+std::string BandText(int system, int band) {
+  for (const BandRow& row : kBands) {
+    if (row.system == system && row.band == band) return row.name;
+  }
+  return "?";
+}
+
+/// In MHz, from the stored wavelength; the two GLONASS bands with frequency channels as a formula.
+std::string FrequencyText(int system, const SignalRow& row) {
+  if (system == kGlonass && row.band == 1) return "1602 + 0.5625 k";
+  if (system == kGlonass && row.band == 2) return "1246 + 0.4375 k";
+  const long khz = std::lround(kSpeedOfLight / Wavelength(system, row.code, 0) / 1e3);
+  char text[32];
+  std::snprintf(text, sizeof text, "%ld.%03ld", khz / 1000, khz % 1000);
+  return text;
+}
+
+std::string Table() {
+  struct {
+    int system;
+    const char* name;
+  } const systems[] = {
+      {kGps, "GPS"}, {kGlonass, "GLONASS"}, {kBds, "BDS"}, {kGalileo, "Galileo"}, {kQzss, "QZSS"}};
+  std::string text;
+  for (const auto& system : systems) {
+    text += std::string("\n### ") + system.name +
+            "\n\n| code number | RINEX 3 | band | frequency, MHz | slot |\n" + "|---|---|---|---|---|\n";
+    int rows = 0;
+    const SignalRow* table = SignalTable(system.system, rows);
+    for (const SignalRow* row = table; row != table + rows; ++row) {
+      text += "| " + std::to_string(row->code) + " | " + row->obs + " | " +
+              BandText(system.system, row->band) + " | " + FrequencyText(system.system, *row) + " | " +
+              std::to_string(row->frequency) + " |\n";
+    }
+  }
+  return text + "\n";
+}
+
+TEST(SignalsPage, ShowsTheTablesOfTheLibrary) {
+  const std::string table = Table();
+  EXPECT_EQ(table.find('?'), std::string::npos) << "a band without a name";
+  orsolva_test::HoldTable(std::string(ORSOLVA_SOURCE_DIR) + "/docs/signals.md",
+                          "<!-- signals: kept by tests/unit/toolkit/signals_page_test.cpp -->\n",
+                          "<!-- end of the signals -->\n", table);
+}
+
+TEST(SignalsPage, GlonassChannelsFollowTheFormulasItShows) {
+  for (int k = -7; k <= 6; ++k) {
+    EXPECT_NEAR(kSpeedOfLight / Wavelength(kGlonass, 30, k), (1602.0 + 0.5625 * k) * 1e6, 1.0) << k;
+    EXPECT_NEAR(kSpeedOfLight / Wavelength(kGlonass, 35, k), (1246.0 + 0.4375 * k) * 1e6, 1.0) << k;
+  }
+}
+
+}  // namespace
+}  // namespace gnssqctoolkit

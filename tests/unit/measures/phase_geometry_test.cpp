@@ -18,7 +18,6 @@ using orsolva_test::kReferenceTime;
 using orsolva_test::kStation;
 
 constexpr double kLambda1 = 0.19029367279836487;
-constexpr double kLambda2 = 0.24421021342456825;
 
 AbsoluteTime At(double seconds) {
   const double whole = std::floor(seconds);

@@ -1,6 +1,5 @@
 #include "results/code_combinations.h"
 
-
 #include "qc/epoch_data.h"
 #include "toolkit/signals.h"
 

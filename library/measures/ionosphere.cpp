@@ -65,7 +65,7 @@ void CloseArc(IodDetect& state) {
 }
 
 void RecordSlip(IodDetect& state) {
-  state.SlipTimes.Append(FromAbsolute(state.CurrentEpoch));
+  state.SlipTimes.Push(FromAbsolute(state.CurrentEpoch));
   ++state.SlipCount;
   state.SlipFlag = true;
   CloseArc(state);

@@ -97,7 +97,7 @@ bool UpdateMultipath(AbsoluteMp& state, const PairSignals& signals, const Absolu
     state.Residuals.SetNewest(0.0);
     state.Values.Fill(m);
     // A data gap restarts silently: only jumps and slips are events.
-    if (counting && !gap) state.RestartTimes.Append(FromAbsolute(epoch));
+    if (counting && !gap) state.RestartTimes.Push(FromAbsolute(epoch));
   }
   if (counting) {
     state.SumOfSquares += r * r;

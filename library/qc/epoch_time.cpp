@@ -64,9 +64,7 @@ void TimeList::Clear() {
 
 void TimeList::CopyFrom(const TimeList& other) {
   Clear();
-  for (const Time_gbt& t : other) {
-    if (!Append(t)) break;
-  }
+  for (const Time_gbt& t : other) Push(t);
 }
 
 bool DetectInterval(const ObsEpoch_QC_gbt* epochs, std::int32_t epoch_num, double& interval) {

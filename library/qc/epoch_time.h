@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <new>
 
 #include "interface/records.h"
 #include "toolkit/growth_buffer.h"
@@ -54,6 +55,10 @@ class TimeList {
   int Capacity() const { return capacity_; }
   /// @return false, with the list unchanged, when there is no memory
   bool Append(const Time_gbt& t);
+  /// Append for callers that cannot go on without the time. @throws std::bad_alloc when there is no memory
+  void Push(const Time_gbt& t) {
+    if (!Append(t)) throw std::bad_alloc();
+  }
   /// The time at i, all zero outside the list.
   Time_gbt Get(int i) const;
   /// Frees the array.

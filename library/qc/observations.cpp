@@ -199,7 +199,7 @@ void QcGNSSObsData::FillCodeLists(const BatchCodes& codes) {
     if (list.Count() != 0) continue;
     const BatchCodes::Table& table = codes.Systems[system];
     for (int i = 0; i < table.Count; ++i) {
-      if (table.Hits[i] > 0) list.Append(table.Codes[i]);
+      if (table.Hits[i] > 0) list.Push(table.Codes[i]);
     }
   }
 }

@@ -99,7 +99,7 @@ bool PostProcessGnssQc::Ingest(const ObsBodyData_QC_gbt& obs, BatchCodes& codes,
     LastAccepted = epoch.time;
     ++summary.EpochCount;
     ++EpochCount;
-    Epochs.Append(epoch.time);
+    Epochs.Push(epoch.time);
     ObsData.StoreEpoch(epoch, EpochCount, Config.SystemMask, counting ? &codes : nullptr);
   }
   WidenRun(summary);

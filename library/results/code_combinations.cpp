@@ -43,7 +43,7 @@ void Extend(const IList* bands, int band, const IList& prefix, QcCodeCombination
   for (const std::int32_t code : bands[band]) {
     if (out.Count >= kMaxCombinations) return;
     IList longer = prefix;
-    longer.Append(code);
+    longer.Push(code);
     Extend(bands, band - 1, longer, out);
   }
 }
@@ -60,7 +60,7 @@ QcCodeCombination BuildCombinations(const QcSysConfig& config, int system, Combi
   IList bands[kBandSlots];
   for (const std::int32_t code : codes) {
     if (!IsKept(config, system, target, code)) continue;
-    bands[gnssqctoolkit::SignalFrequency(system, code) - 1].Append(code);
+    bands[gnssqctoolkit::SignalFrequency(system, code) - 1].Push(code);
   }
   QcCodeCombination out;
   Extend(bands, kBandSlots - 1, IList(), out);

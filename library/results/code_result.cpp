@@ -147,7 +147,7 @@ IList RegroupCodes(const QcSysConfig& config, int system, const IList& codes) {
     if (config.FreqEnable[slot - 1] == 0) continue;
     for (const std::int32_t code : codes) {
       const int band = gnssqctoolkit::SignalBand(system, code);
-      if (ChannelSlot(system, band, BdsGeneration::kBoth) == slot) regrouped.Append(code);
+      if (ChannelSlot(system, band, BdsGeneration::kBoth) == slot) regrouped.Push(code);
     }
   }
   return regrouped;

@@ -23,7 +23,8 @@ bool IsNewBdsBand(int band) { return band == 1 || band == 5 || band == 7 || band
 }  // namespace
 
 void ChannelCompleteObsList::Append(bool valid) {
-  if (Flags.Append(valid ? 1 : 0) != 0 && valid) ++ValidCount;
+  Flags.Push(valid ? 1 : 0);
+  if (valid) ++ValidCount;
 }
 
 std::uint64_t ChannelCompleteObsList::Observed() const {

@@ -53,7 +53,7 @@ QcCodeCombination SingleCodes(const gnssqctoolkit::IList& codes) {
   QcCodeCombination out;
   for (const std::int32_t code : codes) {
     if (out.Count >= kMaxCombinations) break;
-    out.Lists[out.Count++].Append(code);
+    out.Lists[out.Count++].Push(code);
   }
   return out;
 }

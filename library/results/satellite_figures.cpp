@@ -27,7 +27,7 @@ IList CountedCodes(const gnssqctoolkit::SatelliteId& satellite, const IList& cod
   IList counted;
   for (const std::int32_t code : codes) {
     const int band = gnssqctoolkit::SignalBand(satellite.system, code);
-    if (!IsDroppedFromCombination(satellite.system, satellite.prn, band)) counted.Append(code);
+    if (!IsDroppedFromCombination(satellite.system, satellite.prn, band)) counted.Push(code);
   }
   return counted;
 }
@@ -190,7 +190,7 @@ UsableCodes FindUsableCodes(const QcSysConfig& config, const SatelliteStores& st
       const ChannelCompleteObsList& channel = stores.Complete.Channels[b][k];
       if (channel.Flags.Count() == 0 || channel.ValidCount == 0) continue;
       if (!IsCodeEnabled(config, system, channel.Code)) continue;
-      usable.Codes.Append(channel.Code);
+      usable.Codes.Push(channel.Code);
       in_use[gnssqctoolkit::SignalFrequency(system, channel.Code) - 1] = true;
     }
   }

@@ -43,7 +43,7 @@ void SnrChannelList::Add(double snr_dbhz, bool above_cutoff, bool above_30) {
   Sum += snr_dbhz;
   Count += 1;
   Mean = Sum / Count;
-  Samples.Append(QuantiseSnr(snr_dbhz));
+  Samples.Push(QuantiseSnr(snr_dbhz));
   (above_cutoff ? AboveMask : BelowMask).Add(snr_dbhz);
   (above_30 ? Above30 : Below30).Add(snr_dbhz);
 }

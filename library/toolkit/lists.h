@@ -1,13 +1,15 @@
 // Growable lists of 32-bit integers and doubles.
 //
 // The reported capacity grows in steps of 20; the memory behind it grows geometrically, so that n appends
-// cost O(n) overall. An allocation that fails leaves the list as it was and is reported, never thrown.
+// cost O(n) overall. An append that finds no memory leaves the list as it was and reports it; a push or a
+// copy throws std::bad_alloc.
 #ifndef ORSOLVA_TOOLKIT_LISTS_H
 #define ORSOLVA_TOOLKIT_LISTS_H
 
 #include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <new>
 #include <utility>
 
 #include "toolkit/growth_buffer.h"
@@ -42,6 +44,10 @@ class GrowableList {
     if (count_ >= capacity_ && !Grow()) return 0;
     buffer_.Data()[count_++] = value;
     return 1;
+  }
+  /// Append for callers that cannot go on without the value. @throws std::bad_alloc when there is no memory
+  void Push(T value) {
+    if (Append(value) == 0) throw std::bad_alloc();
   }
   /// Element i; outside the list the filler, reset to 0, so that a write there changes nothing.
   T& Element(int i) {
@@ -85,9 +91,7 @@ class GrowableList {
   }
   void CopyFrom(const GrowableList& other) {
     Clear();
-    for (T value : other) {
-      if (Append(value) == 0) break;
-    }
+    for (T value : other) Push(value);
     filler_ = other.filler_;
   }
   void Swap(GrowableList& other) noexcept {

@@ -159,6 +159,17 @@ TEST(Lists, MoveTakesTheArray) {
   EXPECT_EQ(assigned.At(21), 22);
 }
 
+TEST(Lists, PushAndCopyThrowWithoutMemory) {
+  IList list, full;
+  full.Push(7);
+  EXPECT_EQ(full.Count(), 1);
+  FailingMemory none;
+  EXPECT_THROW(list.Push(7), std::bad_alloc);
+  EXPECT_EQ(list.Count(), 0);
+  EXPECT_THROW(IList copy(full), std::bad_alloc);
+  EXPECT_THROW(list = full, std::bad_alloc);
+}
+
 TEST(Lists, FailedAppendLeavesTheListUnchanged) {
   IList list = Numbers(20);
   {

@@ -2,9 +2,7 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <set>
 #include <string>
@@ -13,11 +11,10 @@
 #include "host/rinex/navigation_reader.h"
 #include "host/rinex/observation_reader.h"
 #include "tests/host/shared_data.h"
+#include "tests/support/kept_table.h"
 
 namespace orsolva_host {
 namespace {
-
-using orsolva_test::ReadText;
 
 const std::string kBegin = "<!-- table of files: kept by tests/host/readers_table_test.cpp -->\n";
 const std::string kEnd = "<!-- end of the table -->\n";
@@ -95,22 +92,9 @@ std::string Table(const std::string& folder) {
 }
 
 TEST(ReadersTable, DocsShowWhatTheSharedFilesGive) {
-  const std::string folder = orsolva_test::SharedFolder() + "/data";
+  const std::string folder = (orsolva_test::SharedFolder() / "data").string();
   ORSOLVA_NEED_FILE(folder);
-  const std::string page = std::string(ORSOLVA_SOURCE_DIR) + "/docs/readers.md";
-  std::string text = ReadText(page);
-  const std::size_t begin = text.find(kBegin);
-  const std::size_t end = text.find(kEnd);
-  ASSERT_NE(begin, std::string::npos);
-  ASSERT_NE(end, std::string::npos);
-  const std::size_t first = begin + kBegin.size();
-  const std::string table = Table(folder);
-  if (std::getenv("ORSOLVA_WRITE_DOCS") != nullptr) {
-    std::ofstream(page, std::ios::binary) << text.replace(first, end - first, table);
-    return;
-  }
-  EXPECT_EQ(text.substr(first, end - first), table)
-      << "if the new table is right, run this test with ORSOLVA_WRITE_DOCS=1";
+  orsolva_test::HoldTable(std::string(ORSOLVA_SOURCE_DIR) + "/docs/readers.md", kBegin, kEnd, Table(folder));
 }
 
 }  // namespace

@@ -222,7 +222,7 @@ void LoadPacked(const std::string& path, Record& record) {
 }
 
 TEST(RealReport, AStationDayFitsAndSaysWhatGalileoLacks) {
-  const std::string folder = orsolva_test::SharedFolder() + "/reference/whole-station-day/";
+  const std::string folder = (orsolva_test::SharedFolder() / "reference/whole-station-day/").string();
   ORSOLVA_NEED_FILE(folder + "result_1.bin.gz");
   Records r;
   LoadPacked(folder + "result_1.bin.gz", *r.result);

@@ -140,18 +140,18 @@ TEST(FileSet, OnlyWholeFilesAreLeft) {
 TEST(FileSet, AFailureLeavesTheFolderAsItWas) {
   const TestFolder folder("failure");
   const Scenario scenario = ScenarioOf(0.1, 30);
-  orsolva_test::WriteFile(folder.Path("truth.json"), "from before");
+  orsolva_test::WriteText(folder.Path("truth.json"), "from before");
   const SimulationProgress stop = [](std::uint64_t done, std::uint64_t) {
     if (done == 5) throw WriteError("no more");
   };
   EXPECT_THROW(WriteFileSet(scenario, {folder.Path(), false, false}, stop), WriteError);
   EXPECT_EQ(folder.Names(), std::vector<std::string>{"truth.json"});
-  EXPECT_EQ(orsolva_test::FileText(folder.Path("truth.json")), "from before");
+  EXPECT_EQ(orsolva_test::ReadText(folder.Path("truth.json")), "from before");
 }
 
 TEST(FileSet, AFolderThatCannotBeMadeIsAnError) {
   const TestFolder folder("no_folder");
-  orsolva_test::WriteFile(folder.Path("file"), "");
+  orsolva_test::WriteText(folder.Path("file"), "");
   EXPECT_THROW(WriteFileSet(ScenarioOf(0.1, 30), {folder.Path("file/below"), false, false}, kSilent),
                WriteError);
 }

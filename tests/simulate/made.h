@@ -7,8 +7,6 @@
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -17,6 +15,7 @@
 #include "host/rinex/signal_codes.h"
 #include "host/simulate/scenario.h"
 #include "host/simulate/simulation.h"
+#include "tests/support/text_file.h"
 
 namespace orsolva_test {
 
@@ -94,15 +93,6 @@ class TestFolder {
  private:
   std::filesystem::path path_;
 };
-
-inline std::string FileText(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(file), {});
-}
-
-inline void WriteFile(const std::string& path, const std::string& text) {
-  std::ofstream(path, std::ios::binary) << text;
-}
 
 }  // namespace orsolva_test
 

@@ -12,7 +12,7 @@
 namespace {
 
 using namespace orsolva_host;
-using orsolva_test::FileText;
+using orsolva_test::ReadText;
 using orsolva_test::TestFolder;
 
 /// Everything that draws, rises, jumps and waves, in twenty minutes.
@@ -38,7 +38,7 @@ Scenario Eventful() {
 }
 
 std::uint64_t DigestOf(const std::string& path) {
-  const std::string text = FileText(path);
+  const std::string text = ReadText(path);
   EXPECT_GT(text.size(), 1000U) << path;
   return orsolva_test::Digest(text.data(), text.size());
 }

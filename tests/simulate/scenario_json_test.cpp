@@ -187,7 +187,7 @@ TEST(ScenarioJson, MistakesNameTheKeyWhatWasFoundAndWhatIsExpected) {
 TEST(ScenarioJson, AFilesMistakesBeginWithItsName) {
   const orsolva_test::TestFolder folder("scenario_json");
   const std::string path = folder.Path("s.json");
-  orsolva_test::WriteFile(path, R"({"hours": 0})");
+  orsolva_test::WriteText(path, R"({"hours": 0})");
   for (const std::string& name : {path, folder.Path("none.json")}) {
     Scenario scenario;
     try {

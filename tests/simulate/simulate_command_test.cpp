@@ -12,7 +12,7 @@
 namespace {
 
 using nlohmann::json;
-using orsolva_test::FileText;
+using orsolva_test::ReadText;
 using orsolva_test::TestFolder;
 
 struct Answer {
@@ -26,7 +26,7 @@ Answer Orsolva(const TestFolder& folder, const std::string& arguments) {
   const std::string command = "cd " + folder.Path() + " && " + std::string(ORSOLVA_PROGRAM) + " " +
                               arguments + " >" + out + " 2>" + err + " </dev/null";
   const int status = std::system(command.c_str());
-  const Answer answer{WIFEXITED(status) ? WEXITSTATUS(status) : -1, FileText(out), FileText(err)};
+  const Answer answer{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadText(out), ReadText(err)};
   std::filesystem::remove(out);
   std::filesystem::remove(err);
   return answer;
@@ -41,13 +41,13 @@ TEST(SimulateCommand, WritesThreeFilesAndNamesThem) {
             "made/SIMU00ORS_R_20201770000_15M_MN.rnx\n"
             "made/truth.json\n");
   EXPECT_EQ(a.err, "") << "progress belongs on a terminal only";
-  const json truth = json::parse(FileText(folder.Path("made/truth.json")));
+  const json truth = json::parse(ReadText(folder.Path("made/truth.json")));
   EXPECT_EQ(truth["delivered_epochs"], 30);
 }
 
 TEST(SimulateCommand, OptionsStandAboveTheScenario) {
   const TestFolder folder("simulate_options");
-  orsolva_test::WriteFile(folder.Path("s.json"),
+  orsolva_test::WriteText(folder.Path("s.json"),
                           R"({"seed": 3, "hours": 9, "systems": "R", "interval_s": 60})");
   const Answer a = Orsolva(folder,
                            "simulate --scenario s.json --seed 77 --start '2021-03-19 12:00:00' --hours 0.1 "
@@ -55,7 +55,7 @@ TEST(SimulateCommand, OptionsStandAboveTheScenario) {
                            "--gzip --compact");
   ASSERT_EQ(a.code, 0) << a.err;
   EXPECT_EQ(a.out.find("./ABCD00XYZ_R_20210781200_06M_01S_MO.crx.gz\n"), 0U) << a.out;
-  const json truth = json::parse(FileText(folder.Path("truth.json")));
+  const json truth = json::parse(ReadText(folder.Path("truth.json")));
   EXPECT_EQ(truth["seed"], 77);
   EXPECT_EQ(truth["systems"], "GC");
   EXPECT_EQ(truth["interval_s"], 1);
@@ -68,7 +68,7 @@ TEST(SimulateCommand, FaultsOfAPresetJoinThoseOfTheScenario) {
   const TestFolder folder("simulate_faults");
   const Answer a = Orsolva(folder, "simulate --preset clock --faults slips --hours 1");
   ASSERT_EQ(a.code, 0) << a.err;
-  EXPECT_GT(json::parse(FileText(folder.Path("truth.json")))["faults"].size(), 60U);
+  EXPECT_GT(json::parse(ReadText(folder.Path("truth.json")))["faults"].size(), 60U);
 }
 
 TEST(SimulateCommand, FaultsAfterTheEndAreToldOf) {
@@ -80,7 +80,7 @@ TEST(SimulateCommand, FaultsAfterTheEndAreToldOf) {
 
 TEST(SimulateCommand, WrongOptionsAreTwoAndSayWhatIsExpected) {
   const TestFolder folder("simulate_wrong");
-  orsolva_test::WriteFile(folder.Path("s.json"), "{}");
+  orsolva_test::WriteText(folder.Path("s.json"), "{}");
   for (const char* wrong :
        {"--preset nosuch", "--faults nosuch", "--hours 0", "--interval 0.05", "--interval x", "--seed -1",
         "--start then", "--position 1,2,3", "--position spp", "--systems GX", "--station AB", "--cutoff 91",
@@ -95,7 +95,7 @@ TEST(SimulateCommand, WrongOptionsAreTwoAndSayWhatIsExpected) {
 
 TEST(SimulateCommand, ABadScenarioFileIsOneAndNamed) {
   const TestFolder folder("simulate_bad");
-  orsolva_test::WriteFile(folder.Path("s.json"), R"({"faults": [{"kind": "slip", "size": "big"}]})");
+  orsolva_test::WriteText(folder.Path("s.json"), R"({"faults": [{"kind": "slip", "size": "big"}]})");
   const Answer a = Orsolva(folder, "simulate --scenario s.json");
   EXPECT_EQ(a.code, 1);
   EXPECT_EQ(a.err, "orsolva: s.json: faults[0].size: found \"big\", expected a number\n");
@@ -126,7 +126,7 @@ TEST(CompareCommand, LaysTheReportOfASimulatedDayBesideItsTruth) {
   ASSERT_EQ(Orsolva(folder, "simulate --preset station-day --hours 3").code, 0);
   const Answer report = Orsolva(folder, "qc --json SIMU00ORS_R_20201770000_03H_30S_MO.rnx *_MN.rnx");
   ASSERT_EQ(report.code, 0) << report.err;
-  orsolva_test::WriteFile(folder.Path("report.json"), report.out);
+  orsolva_test::WriteText(folder.Path("report.json"), report.out);
   const Answer a = Orsolva(folder, "compare report.json truth.json");
   EXPECT_EQ(a.code, 0) << a.err;
   for (const char* system : {"GPS", "GLONASS", "BDS", "Galileo", "QZSS"}) {
@@ -138,7 +138,7 @@ TEST(CompareCommand, LaysTheReportOfASimulatedDayBesideItsTruth) {
 
 TEST(CompareCommand, WhatCannotBeComparedIsOneAndWrongUsageIsTwo) {
   const TestFolder folder("compare_wrong");
-  orsolva_test::WriteFile(folder.Path("x.json"), "{}");
+  orsolva_test::WriteText(folder.Path("x.json"), "{}");
   const Answer none = Orsolva(folder, "compare none.json x.json");
   EXPECT_EQ(none.code, 1);
   EXPECT_EQ(none.err.find("orsolva: none.json: "), 0U) << none.err;

@@ -7,10 +7,9 @@
 
 #include <cstdio>
 #include <ctime>
-#include <fstream>
-#include <sstream>
 #include <string>
 
+#include "tests/support/text_file.h"
 #include "tests/truth/proof.h"
 
 namespace {
@@ -36,21 +35,14 @@ bool Parse(int argc, char** argv, Order& order) {
   return true;
 }
 
-std::string ReadPage(const std::string& name) {
-  std::ifstream in(name, std::ios::binary);
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
-
 bool WriteSection(const std::string& name, const std::string& id, const std::string& section) {
-  std::string page = ReadPage(name);
+  std::string page = orsolva_test::ReadText(name);
   if (!orsolva_test::ReplaceSection(id, section, page)) {
     fmt::print(stderr, "{}: no section of {}; expected the lines <!-- proof:{} --> and <!-- /proof:{} -->\n",
                name, id, id, id);
     return false;
   }
-  return static_cast<bool>(std::ofstream(name, std::ios::binary) << page);
+  return orsolva_test::WriteText(name, page);
 }
 
 bool Report(const std::string& id, const Order& order) {

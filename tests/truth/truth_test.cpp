@@ -3,19 +3,14 @@
 
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 
+#include "tests/support/text_file.h"
 #include "tests/truth/proof.h"
 
 namespace orsolva_test {
 namespace {
 
-std::string CommittedPage() {
-  std::ifstream in(std::string(ORSOLVA_SOURCE_DIR) + "/docs/validation.md");
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
-}
+std::string CommittedPage() { return ReadText(std::string(ORSOLVA_SOURCE_DIR) + "/docs/validation.md"); }
 
 /// Runs a proof in its short form, leaves its tables in <build>/validation and holds the page against them.
 void Hold(const std::string& id, std::size_t least_checks) {

@@ -37,3 +37,16 @@ export async function open(browser, file, options = {}) {
   }
   return { context, page, problems, requests };
 }
+
+/** Draws every plot and returns when each has painted its last point. */
+export async function paintAll(page) {
+  await page.evaluate(() => {
+    window.unpainted = new Set(window.orsolva.figures);
+    for (const figure of window.orsolva.figures) {
+      figure.show();
+      figure.chart.on('finished', () => window.unpainted.delete(figure));
+      figure.chart.getZr().refresh(); // a plot that is painted already says so once more
+    }
+  });
+  await page.waitForFunction(() => window.unpainted.size === 0);
+}

@@ -6,7 +6,7 @@
 import assert from 'node:assert/strict';
 import { readFileSync, statSync } from 'node:fs';
 import { after, before, describe, it } from 'node:test';
-import { launch, open } from './browser.mjs';
+import { launch, open, paintAll } from './browser.mjs';
 
 const REPORT = process.env.REPORT;
 const HOSTILE = process.env.HOSTILE;
@@ -64,8 +64,7 @@ describe('page', () => {
   it('is small, asks for nothing and says nothing on the console', async () => {
     assert.ok(statSync(REPORT).size < MOST_BYTES, `${statSync(REPORT).size} bytes`);
     const { context, page, problems, requests } = await open(browser, REPORT);
-    await showAll(page);
-    await page.waitForTimeout(300);
+    await paintAll(page);
     assert.deepEqual(problems, []);
     assert.equal(requests.length, 1);
     await context.close();
@@ -281,8 +280,7 @@ describe('themes and paper', () => {
 
   it('paint every plot whole before the paper is taken', async () => {
     const { context, page } = await open(browser, REPORT);
-    await page.evaluate(() => window.orsolva.figures.forEach((figure) => figure.show()));
-    await page.waitForTimeout(500);
+    await paintAll(page);
     const marks = (where) =>
       page.evaluate((selector) => {
         if (selector === '.still') dispatchEvent(new Event('beforeprint'));

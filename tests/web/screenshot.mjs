@@ -1,7 +1,7 @@
 // Pictures of a report: screenshot.mjs REPORT.html FOLDER
 import { mkdirSync } from 'node:fs';
 import { resolve } from 'node:path';
-import { launch, open } from './browser.mjs';
+import { launch, open, paintAll } from './browser.mjs';
 
 const [report, folder] = process.argv.slice(2).map((path) => resolve(path));
 mkdirSync(folder, { recursive: true });
@@ -13,8 +13,7 @@ const shots = {
 };
 for (const [name, options] of Object.entries(shots)) {
   const { context, page } = await open(browser, report, options);
-  await page.evaluate(() => window.orsolva.figures.forEach((figure) => figure.show()));
-  await page.waitForTimeout(300);
+  await paintAll(page);
   await page.screenshot({ path: `${folder}/${name}.png`, fullPage: true });
   await page.screenshot({ path: `${folder}/${name}-top.png` });
   if (name === 'light') await page.pdf({ path: `${folder}/print.pdf`, format: 'A4' });

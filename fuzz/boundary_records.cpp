@@ -1,6 +1,7 @@
 // Valid runs of the library spoiled as the input says: every choice of the mutator is taken from its bytes.
 #include <cstdint>
 
+#include "fuzz/require.h"
 #include "tests/support/mutator.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
@@ -39,6 +40,7 @@ const orsolva_test::SimulatedSky& Sky() {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   orsolva_test::Mutator<InputWords> mutator(InputWords(data, size));
-  orsolva_test::MutatedRun(Sky(), mutator);
+  const orsolva_test::MutatedRunFacts facts = orsolva_test::MutatedRun(Sky(), mutator);
+  orsolva_fuzz::Require(facts.Broken == nullptr, facts.Broken);
   return 0;
 }

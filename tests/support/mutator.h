@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tests/support/run.h"
+#include "tests/support/run_laws.h"
 #include "tests/support/simulated_sky.h"
 
 namespace orsolva_test {
@@ -194,11 +195,16 @@ class Mutator {
   Random random_;
 };
 
+/// What a mutated run showed.
+struct MutatedRunFacts {
+  long Batches = 0;              ///< fed
+  long Accepted = 0;             ///< of them answered with GNSSQC_OK
+  const char* Broken = nullptr;  ///< the first law that did not hold, null when all did
+};
+
 /// One run over mutated records, from its initialisation to its results.
-///
-/// @return the number of batches fed
 template <class Random>
-long MutatedRun(const SimulatedSky& sky, Mutator<Random>& mutator) {
+MutatedRunFacts MutatedRun(const SimulatedSky& sky, Mutator<Random>& mutator) {
   NavigationSet navigation = sky.Navigation;
   config_qct config = sky.Config();
   if (mutator.Below(2) == 0) mutator.MutateNavigation(navigation);
@@ -209,20 +215,28 @@ long MutatedRun(const SimulatedSky& sky, Mutator<Random>& mutator) {
 
   Process process;
   InitialQc(body, &config, process.Handle());
-  long batches = 0;
+  MutatedRunFacts facts;
+  std::uint64_t epochs = 0;
+  const auto check = [&] {
+    const char* broken = BrokenLaw(Results(process), epochs);
+    if (facts.Broken == nullptr) facts.Broken = broken;
+  };
   std::vector<ObsEpoch_QC_gbt> batch;
-  for (std::size_t at = 0; at + 4 < sky.Epochs.size(); ++batches) {
+  for (std::size_t at = 0; at + 4 < sky.Epochs.size(); ++facts.Batches) {
     const std::size_t count = 1 + mutator.Below(4);
     batch.assign(sky.Epochs.begin() + static_cast<std::ptrdiff_t>(at),
                  sky.Epochs.begin() + static_cast<std::ptrdiff_t>(at + count));
     at += count;
     for (std::uint32_t n = mutator.Below(12); n > 0; --n)
       mutator.MutateEpoch(batch[mutator.Below(static_cast<std::uint32_t>(count))]);
-    process.Feed(batch.data(), static_cast<int>(batch.size()));
-    if (mutator.Below(64) == 0) Results{process};
+    const GNSSQC_STATE state = process.Feed(batch.data(), static_cast<int>(batch.size()));
+    epochs += count;
+    if (!IsAState(state)) facts.Broken = "a batch is answered with one of the states";
+    if (state == GNSSQC_OK) ++facts.Accepted;
+    if (mutator.Below(64) == 0) check();
   }
-  Results{process};
-  return batches;
+  check();
+  return facts;
 }
 
 }  // namespace orsolva_test

@@ -58,10 +58,20 @@ TEST(KlobucharDelay, LimitsAmplitudeAndPeriod) {
   EXPECT_EQ(KlobucharDelay(t, kMiddle, kHigh, brief), KlobucharDelay(t, kMiddle, kHigh, floor));
 }
 
-TEST(KlobucharDelay, EndsForAbsurdTimes) {
+TEST(KlobucharDelay, StaysBetweenNightAndNoonForAbsurdTimes) {
+  const double slant = 1.0 + 16.0 * std::pow(0.53 - 0.9 / 3.1415926535897932, 3.0);
+  const double night = 299792458.0 * slant * 5e-9;
   for (std::int64_t s :
        {std::numeric_limits<std::int64_t>::max(), std::numeric_limits<std::int64_t>::min()}) {
-    KlobucharDelay({s, std::numeric_limits<double>::quiet_NaN()}, kMiddle, kHigh, kZero);
+    for (double fraction : {0.0, 0.5, 1e300, -1e300}) {
+      const double delay = KlobucharDelay({s, fraction}, kMiddle, kHigh, kZero);
+      EXPECT_GE(delay, night - 1e-12) << s << " " << fraction;
+      EXPECT_LE(delay, 100.0) << s << " " << fraction;
+    }
+    // What is not a time is night.
+    const double unknown =
+        KlobucharDelay({s, std::numeric_limits<double>::quiet_NaN()}, kMiddle, kHigh, kZero);
+    EXPECT_NEAR(unknown, night, 1e-12);
   }
 }
 

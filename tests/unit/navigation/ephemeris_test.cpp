@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "tests/support/exact_sky.h"
+#include "tests/support/state_law.h"
 
 namespace gnssqctoolkit {
 namespace {
@@ -203,7 +204,13 @@ TEST(Ephemeris, ABdsSatelliteStandsStillBeyondTheCalendar) {
   EXPECT_EQ(Ephemeris::StandsStillFor({kGps, 20}, {kCalendarEnd, 200.0}, +1), 0.0);
 }
 
-TEST(Ephemeris, EndsForAbsurdTimes) {
+// Seconds of `at` less `s`, where the difference of the integers may overflow.
+long double After(const AbsoluteTime& at, std::int64_t s) {
+  return static_cast<long double>(at.Seconds) + static_cast<long double>(at.Fraction) -
+         static_cast<long double>(s);
+}
+
+TEST(Ephemeris, GivesFiniteStatesAndOrderedSpansForAbsurdTimes) {
   ExactSky sky;
   GloEph_gbt far = GlonassRecord(3);
   far.toe = {std::numeric_limits<std::int64_t>::max(), 0.5};
@@ -217,10 +224,17 @@ TEST(Ephemeris, EndsForAbsurdTimes) {
                          std::int64_t{0}}) {
     for (std::uint8_t system : {1, 2, 4, 8}) {
       const SatelliteId satellite{system, system == 4 ? 20 : 3};
-      sky.Records.Select(satellite, {s, 0.0}, choice);
-      sky.Records.SatellitePosition(satellite, {s, 0.0}, 2.2e7, state);
-      sky.Records.CoveredAtOrAfter(satellite, {s, 0.0}, at);
-      sky.Records.CoveredAtOrBefore(satellite, {s, 0.0}, at);
+      const bool chosen = sky.Records.Select(satellite, {s, 0.0}, choice);
+      EXPECT_EQ(chosen, choice.Record != nullptr) << s << " " << int{system};
+      const bool formed = sky.Records.SatellitePosition(satellite, {s, 0.0}, 2.2e7, state);
+      EXPECT_TRUE(IsFiniteOrCleared(formed, state)) << s << " " << int{system};
+      // The bounds are rounded outward.
+      if (sky.Records.CoveredAtOrAfter(satellite, {s, 0.0}, at)) {
+        EXPECT_GT(After(at, s), -1.0L) << s;
+      }
+      if (sky.Records.CoveredAtOrBefore(satellite, {s, 0.0}, at)) {
+        EXPECT_LT(After(at, s), 1.0L) << s;
+      }
     }
   }
 }

@@ -109,12 +109,16 @@ TEST(EcefToGeodetic, DoesNotIterateOnTheEquator) {
   EXPECT_EQ(EcefToGeodetic(centre).Height, -6378137.0);
 }
 
-TEST(EcefToGeodetic, EndsForAnyInput) {
+TEST(EcefToGeodetic, NeverPassesThePolesAndIsFiniteForFinitePositions) {
   const double inf = std::numeric_limits<double>::infinity();
   for (double x : {kNaN, inf, 1e300, 1e-300, 40000.0}) {
     for (double z : {kNaN, inf, 1e300, 1.0, 42000.0}) {
       const double position[3] = {x, 0.0, z};
-      EcefToGeodetic(position);
+      const GeodeticPosition geodetic = EcefToGeodetic(position);
+      EXPECT_FALSE(std::fabs(geodetic.Latitude) > kHalfPi) << x << " " << z;
+      if (!(x < 1e100 && z < 1e100)) continue;  // squares that overflow, infinity, not a number
+      EXPECT_TRUE(std::isfinite(geodetic.Latitude) && std::isfinite(geodetic.Height)) << x << " " << z;
+      EXPECT_EQ(geodetic.Longitude, 0.0) << x << " " << z;
     }
   }
 }

@@ -104,19 +104,42 @@ TEST(KeplerOrbit, WrapsTheTimeByWholeWeeks) {
   for (int i = 0; i < 3; ++i) EXPECT_EQ(beyond[i], wrapped[i]);
 }
 
-TEST(KeplerOrbit, EndsForAbsurdTimesAndElements) {
-  const double nan = std::numeric_limits<double>::quiet_NaN(), inf = std::numeric_limits<double>::infinity();
+bool AllFinite(const double position[3], double clock) {
+  return std::isfinite(position[0]) && std::isfinite(position[1]) && std::isfinite(position[2]) &&
+         std::isfinite(clock);
+}
+
+// The distance of a circular orbit, whatever the time.
+void ExpectOnTheCircle(const AbsoluteTime& t) {
+  const KeplerElements el = Circular();
   double position[3], clock;
-  KeplerOrbit(kModel, {std::numeric_limits<std::int64_t>::max(), 0.0}, kToe, {}, Circular(), position, clock);
-  KeplerOrbit(kModel, {std::numeric_limits<std::int64_t>::min(), 0.5}, kToe, {}, Circular(), position, clock);
+  ASSERT_EQ(KeplerOrbit(kModel, t, kToe, {}, el, position, clock), 1);
+  const double radius = std::hypot(position[0], position[1], position[2]);
+  EXPECT_NEAR(radius, el.SqrtA * el.SqrtA, 1e-6) << t.Seconds << " " << t.Fraction;
+}
+
+TEST(KeplerOrbit, StaysOnTheCircleForAbsurdTimes) {
+  ExpectOnTheCircle({std::numeric_limits<std::int64_t>::max(), 0.0});
+  ExpectOnTheCircle({std::numeric_limits<std::int64_t>::min(), 0.5});
+  ExpectOnTheCircle({kToe.Seconds, 1e308});
+}
+
+TEST(KeplerOrbit, IsNoNumberForAbsurdElements) {
+  const double nan = std::numeric_limits<double>::quiet_NaN(), inf = std::numeric_limits<double>::infinity();
+  const auto no_number = [](const AbsoluteTime& t, const KeplerElements& el) {
+    double position[3], clock;
+    return KeplerOrbit(kModel, t, kToe, {}, el, position, clock) == 0 || !AllFinite(position, clock);
+  };
   for (double bad : {nan, inf, -inf, 1e308}) {
-    KeplerOrbit(kModel, {kToe.Seconds, bad}, kToe, {}, Circular(), position, clock);
+    if (!std::isfinite(bad)) {
+      EXPECT_TRUE(no_number({kToe.Seconds, bad}, Circular())) << bad;
+    }
     KeplerElements el = Circular();
     el.E = bad;
-    KeplerOrbit(kModel, kToe, kToe, {}, el, position, clock);
+    EXPECT_TRUE(no_number(kToe, el)) << bad;
     el = Circular();
     el.SqrtA = bad;
-    KeplerOrbit(kModel, kToe, kToe, {}, el, position, clock);
+    EXPECT_TRUE(no_number(kToe, el)) << bad;
   }
 }
 

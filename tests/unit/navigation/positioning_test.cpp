@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <random>
 
 #include "tests/support/exact_sky.h"
 #include "tests/support/trace_recorder.h"
@@ -84,21 +85,52 @@ TEST(Spp, UsesAnUnhealthySatelliteWhileItsEntryIsOne) {
   EXPECT_FALSE(SPP(unhealthy, option).Position(epoch, result));
 }
 
-TEST(Spp, EndsForRandomRangesAndTimes) {
+// A range of a sound epoch now and then replaced by one that hurts.
+void SpoilRanges(std::mt19937& random, PositioningEpoch& epoch) {
+  const double bad[6] = {std::nan(""), std::numeric_limits<double>::infinity(), 0.0, -1.0, 1e300, 1e9};
+  for (auto& observation : epoch.Observations) {
+    const std::uint32_t kind = random() % 24;
+    if (kind < 6) observation.Pseudorange = bad[kind];
+    if (kind == 6) observation.Pseudorange += static_cast<double>(random()) * 1e-3;
+  }
+}
+
+TEST(Spp, GivesAFiniteSolutionOrNoneForRandomRangesAndTimes) {
+  const ExactSky sky;
+  const SPPOption option;
+  const std::int64_t times[] = {kSkyTime,
+                                kSkyTime + 300,
+                                kSkyTime + 100000,
+                                0,
+                                std::numeric_limits<std::int64_t>::max(),
+                                std::numeric_limits<std::int64_t>::min()};
+  std::mt19937 random(5);
+  int solved = 0, refused = 0;
+  for (int trial = 0; trial < 60; ++trial) {
+    PositioningEpoch epoch = sky.Epoch(0.0, 1 + static_cast<int>(random() % 15));
+    SpoilRanges(random, epoch);
+    if (trial % 4 == 3) epoch.Time = {times[random() % 6], trial % 8 == 7 ? std::nan("") : 0.0};
+    SPP spp(sky.Records, option);
+    SPPResult result;
+    const bool done = spp.Position(epoch, result);
+    ASSERT_EQ(result.Status, done ? 1 : 0) << trial;
+    (done ? solved : refused) += 1;
+    if (!done) continue;
+    for (int i = 0; i < 3; ++i) ASSERT_TRUE(std::isfinite(result.Rr[i])) << trial;
+    ASSERT_LE(result.SatNum, epoch.Observations.size()) << trial;
+  }
+  EXPECT_GT(solved, 0);
+  EXPECT_GT(refused, 0);
+}
+
+TEST(Spp, HasNoSolutionAtATimeThatIsNotANumber) {
   const ExactSky sky;
   const SPPOption option;
   PositioningEpoch epoch = sky.Epoch(0.0);
-  const double bad[6] = {std::nan(""), std::numeric_limits<double>::infinity(), 0.0, -1.0, 1e300, 1e9};
-  for (std::size_t i = 0; i < epoch.Observations.size(); ++i) {
-    if (i % 3 == 0) epoch.Observations[i].Pseudorange = bad[i / 3 % 6];
-  }
-  SPP spp(sky.Records, option);
-  SPPResult result;
-  spp.Position(epoch, result);
-  epoch.Time = {std::numeric_limits<std::int64_t>::max(), 0.0};
-  spp.Position(epoch, result);
   epoch.Time = {kSkyTime, std::nan("")};
-  EXPECT_FALSE(spp.Position(epoch, result));
+  SPPResult result;
+  EXPECT_FALSE(SPP(sky.Records, option).Position(epoch, result));
+  EXPECT_EQ(result.Status, 0);
 }
 
 TEST(SpreadEpochs, TakesAllOfAHundredAndSpreadsAHundredOverMore) {

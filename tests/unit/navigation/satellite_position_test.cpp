@@ -8,6 +8,7 @@
 
 #include "navigation/orbits.h"
 #include "tests/support/exact_sky.h"
+#include "tests/support/state_law.h"
 #include "tests/support/trace_recorder.h"
 #include "tests/unit/navigation/gps_at.h"
 #include "toolkit/constants.h"
@@ -156,12 +157,14 @@ TEST(SatellitePosition, OfARecordThatIsNotANumberFails) {
   EXPECT_EQ(state.Health, -1);
 }
 
-TEST(SatellitePosition, EndsForAbsurdPseudoranges) {
+TEST(SatellitePosition, IsFiniteOrClearedForAbsurdPseudoranges) {
   orsolva_test::ExactSky sky;
   SatelliteState state;
   for (double range : {1e300, -1e300, 1e25, 1e18, -1e13, 1e-11}) {
-    for (std::uint8_t system : {1, 2, 4, 8})
-      sky.Records.SatellitePosition(SatelliteId{system, 20}, At(0.0), range, state);
+    for (std::uint8_t system : {1, 2, 4, 8}) {
+      const bool formed = sky.Records.SatellitePosition(SatelliteId{system, 20}, At(0.0), range, state);
+      EXPECT_TRUE(orsolva_test::IsFiniteOrCleared(formed, state)) << range << " " << int{system};
+    }
   }
 }
 

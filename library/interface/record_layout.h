@@ -7,6 +7,15 @@
 
 #include "interface/records.h"
 
+// Hosts and library exchange these records as bytes.
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ != __ORDER_LITTLE_ENDIAN__
+#error "the records of the boundary need little-endian byte order"
+#endif
+#if defined(__SIZEOF_POINTER__) && __SIZEOF_POINTER__ != 8
+#error "the records of the boundary need a word size of 64 bits"
+#endif
+static_assert(sizeof(void*) == 8, "the records of the boundary need a word size of 64 bits");
+
 // clang-format off
 #define ORSOLVA_RECORD(record, bytes)                                                     \
   static_assert(sizeof(record) == (bytes), "size of " #record);                           \

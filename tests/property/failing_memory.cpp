@@ -9,6 +9,7 @@ void* FailingMemory::Take(std::size_t size) noexcept {
   ++calls;
   if (calls >= first_bad && calls <= last_bad) return nullptr;
   void* block = std::malloc(size > 0 ? size : 1);
+  bytes += size;
   if (block != nullptr) ++live;
   return block;
 }

@@ -11,10 +11,11 @@ namespace orsolva_test {
 struct FailingMemory {
   static constexpr long kNever = std::numeric_limits<long>::max();
 
-  static inline long calls = 0;           ///< allocations since Arm
-  static inline long first_bad = kNever;  ///< the first one to fail, 1-based
-  static inline long last_bad = 0;        ///< the last one to fail
-  static inline long live = 0;            ///< blocks allocated and not freed
+  static inline long calls = 0;                ///< allocations since Arm
+  static inline long first_bad = kNever;       ///< the first one to fail, 1-based
+  static inline long last_bad = 0;             ///< the last one to fail
+  static inline unsigned long long bytes = 0;  ///< allocated so far
+  static inline long live = 0;                 ///< blocks allocated and not freed
 
   /// Lets allocations `from` to `to`, counted from here, fail.
   static void Arm(long from, long to) {

@@ -4,24 +4,11 @@
 // times would make run for hours are caught by the time limit of the test runner.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <limits>
-#include <new>
 
+#include "tests/property/failing_memory.h"
 #include "tests/support/run.h"
 #include "tests/support/simulated_sky.h"
-
-namespace {
-unsigned long long allocated_bytes = 0;
-}
-
-__attribute__((noinline)) void* operator new(std::size_t size) {
-  allocated_bytes += size;
-  if (void* memory = std::malloc(size)) return memory;
-  throw std::bad_alloc();
-}
-__attribute__((noinline)) void operator delete(void* memory) noexcept { std::free(memory); }
-__attribute__((noinline)) void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace orsolva_test {
 namespace {
@@ -34,9 +21,9 @@ TEST(Growth, LiveFeedAllocatesNoMoreInItsLastHourThanInItsFirst) {
   Process process;
   ASSERT_TRUE(process.Initialise(sky.Navigation, sky.Config()));
   const auto feed = [&](int from, int to) {
-    const unsigned long long before = allocated_bytes;
+    const unsigned long long before = FailingMemory::bytes;
     for (int k = from; k < to; ++k) EXPECT_EQ(process.Feed(sky.Epochs.data() + k, 1), GNSSQC_OK);
-    return static_cast<double>(allocated_bytes - before);
+    return static_cast<double>(FailingMemory::bytes - before);
   };
   feed(0, 120);
   const double early = feed(120, 240);
@@ -57,7 +44,7 @@ class AbsurdTimes : public testing::TestWithParam<AbsurdCase> {};
 /// Bytes allocated by one run of `sky` that is fed whole, and by one that is fed epoch by epoch.
 unsigned long long BytesOfBothFeeds(const SimulatedSky& sky, const config_qct& config,
                                     double completeness[2]) {
-  const unsigned long long before = allocated_bytes;
+  const unsigned long long before = FailingMemory::bytes;
   Process one, many;
   EXPECT_TRUE(one.Initialise(sky.Navigation, config));
   EXPECT_TRUE(many.Initialise(sky.Navigation, config));
@@ -66,7 +53,7 @@ unsigned long long BytesOfBothFeeds(const SimulatedSky& sky, const config_qct& c
   const Results results(one), others(many);
   completeness[0] = results.Whole->total.completeness;
   completeness[1] = others.Whole->total.completeness;
-  return allocated_bytes - before;
+  return FailingMemory::bytes - before;
 }
 
 TEST_P(AbsurdTimes, AllocateNoMoreThanTwiceWhatAnOrdinaryRunDoes) {

@@ -2,8 +2,10 @@
 // Notation: a and b the oblateness factors, c the central acceleration over distance, omega the Earth's rate.
 #include "navigation/glonass_trajectory.h"
 
+#include <algorithm>
+#include <bit>
 #include <cmath>
-#include <cstring>
+#include <cstdint>
 
 #include "navigation/constants.h"
 
@@ -28,6 +30,10 @@ bool Derivative(const double state[6], const double acceleration[3], double rate
   return true;
 }
 
+bool SameBits(double a, double b) {
+  return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
+}
+
 }  // namespace
 
 bool GlonassStep(double step_s, double state[6], const double acceleration[3]) {
@@ -47,7 +53,7 @@ void GlonassTrajectory::StartFrom(const GloEph_gbt& record) {
   const std::array<double, 9> broadcast = {record.x,  record.y,  record.z,  record.vx, record.vy,
                                            record.vz, record.ax, record.ay, record.az};
   // Bits are compared, not values, so that a record with a NaN finds itself again.
-  const bool same = std::memcmp(broadcast.data(), broadcast_.data(), sizeof broadcast) == 0;
+  const bool same = std::equal(broadcast.begin(), broadcast.end(), broadcast_.begin(), SameBits);
   if (same && !forwards_.States.empty()) return;
   broadcast_ = broadcast;
   GlonassState state;

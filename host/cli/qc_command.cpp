@@ -161,6 +161,8 @@ void AddQcCommand(CLI::App& app, int& exit_code) {
   AddJudging(*command, *request, *texts);
   AddOutputs(*command, *request, *texts);
   AddManners(*command, *request, *texts);
+  // The options write into both as long as the command lives, whatever becomes of its callback.
+  command->preparse_callback([request, texts](std::size_t) {});
   command->callback([request, texts, &exit_code] { exit_code = DoQc(*request); });
 }
 

@@ -8,6 +8,7 @@
 #include <type_traits>
 
 #include "interface/gnssqc.h"
+#include "tests/support/deliberate_leak.h"
 #include "tests/support/record_fields.h"
 #include "tests/support/reference_case.h"
 #include "tests/support/shared_folder.h"
@@ -91,6 +92,7 @@ TEST_P(ReferenceCases, GivesTheExpectedFigures) {
     } else if (name == "one_shot") {
       auto record = std::make_unique<result_qct>();
       testing::internal::CaptureStdout();
+      const LeakIsDeliberate leak;
       const int state = GNSSQC(reference.Batch(call), navigation, reference.Config, *record);
       std::fflush(stdout);
       EXPECT_EQ(testing::internal::GetCapturedStdout(), call.at("prints").get<std::string>());

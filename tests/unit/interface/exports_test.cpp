@@ -13,36 +13,16 @@
 #include "interface/gnssqc.h"
 #include "interface/print.h"
 #include "qc/process.h"
+#include "tests/support/deliberate_leak.h"
 #include "tests/support/run.h"
 #include "tests/support/sky.h"
-
-#if defined(__SANITIZE_ADDRESS__)
-#define ORSOLVA_LEAKS_ARE_SEEN 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define ORSOLVA_LEAKS_ARE_SEEN 1
-#endif
-#endif
-#if defined(ORSOLVA_LEAKS_ARE_SEEN)
-#include <sanitizer/lsan_interface.h>
-#endif
 
 namespace {
 
 using Handle = unsigned long long*;
 
+using orsolva_test::LeakIsDeliberate;
 using orsolva_test::OwnedHandle;
-
-/// Keeps the deliberate leak of the one-shot entry point out of leak reports.
-class LeakIsDeliberate {
- public:
-#if defined(ORSOLVA_LEAKS_ARE_SEEN)
-  LeakIsDeliberate() { __lsan_disable(); }
-  ~LeakIsDeliberate() { __lsan_enable(); }
-#else
-  LeakIsDeliberate() {}
-#endif
-};
 
 class Exports : public testing::Test {
  protected:

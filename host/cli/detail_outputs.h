@@ -8,7 +8,7 @@
 #include "host/report/detail_collector.h"
 #include "host/report/detail_csv.h"
 #include "host/report/report.h"
-#include "host/report/whole_file.h"
+#include "host/output/whole_file.h"
 
 namespace orsolva_host {
 

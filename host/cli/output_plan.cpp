@@ -7,11 +7,11 @@
 #include <filesystem>
 #include <set>
 
+#include "host/output/byte_sink.h"
 #include "host/report/csv_writer.h"
 #include "host/report/json_writer.h"
 #include "host/report/sum_writer.h"
 #include "host/report/text_writer.h"
-#include "host/simulate/byte_sink.h"
 
 namespace orsolva_host {
 namespace {
@@ -101,12 +101,6 @@ void WriteOut(std::string_view text) {
     throw WriteError(std::string("the report could not be written to standard output: ") +
                      std::strerror(errno));
   }
-}
-
-void WriteWholeFile(const std::string& path, std::string_view text) {
-  WholeFile file(path);
-  file.Write(text);
-  file.Commit();
 }
 
 std::vector<std::string> OutputStems(const std::vector<std::string>& inputs) {

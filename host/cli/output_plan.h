@@ -7,9 +7,9 @@
 #include <string_view>
 #include <vector>
 
+#include "host/output/whole_file.h"
 #include "host/report/report.h"
 #include "host/report/text_layout.h"
-#include "host/report/whole_file.h"
 
 namespace orsolva_host {
 
@@ -52,9 +52,6 @@ class ReportStream {
 
 /// Writes to standard output. @throws WriteError
 void WriteOut(std::string_view text);
-
-/// Writes a file whole or not at all. @throws WriteError
-void WriteWholeFile(const std::string& path, std::string_view text);
 
 /// The names below a folder that the inputs' outputs get, without ending: the input's name less packing and
 /// ".rnx" or ".crx"; of equal names the later ones get "-2" and so on.

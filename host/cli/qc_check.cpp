@@ -24,7 +24,7 @@
 #include "host/cli/qc_run.h"
 #include "host/report/network.h"
 #include "host/report/profile.h"
-#include "host/simulate/byte_sink.h"
+#include "host/output/byte_sink.h"
 
 namespace orsolva_host {
 namespace {
@@ -292,14 +292,21 @@ int Check::Do() {
 
 }  // namespace
 
-std::string ComplaintAbout(const QcRequest& request, std::size_t observation_files) {
+std::string ComplaintAbout(const QcRequest& request, const QcInputs& inputs) {
+  const auto from_input = std::count(inputs.observations.begin(), inputs.observations.end(), "-") +
+                          std::count(inputs.navigation.begin(), inputs.navigation.end(), "-");
+  if (from_input > 1) {
+    return "standard input can be read once only: give - for the observations or for one navigation file, "
+           "and "
+           "name the other files";
+  }
   int on_output = 0;
   for (const std::string* path : {&request.text, &request.json, &request.csv, &request.sum}) {
     on_output += *path == "-" ? 1 : 0;
   }
   if (on_output > 1)
     return "only one of --text, --json, --csv and --sum can go to standard output; give the others files";
-  if (observation_files > 1 &&
+  if (inputs.observations.size() > 1 &&
       !(request.settings.detail_file.empty() && request.settings.html_file.empty())) {
     return "--detail and --html take one observation file; for many use --output FOLDER --formats "
            "html,detail";
@@ -313,7 +320,7 @@ int CheckFiles(const QcRequest& request) {
     throw RunError(
         "no observation file among the arguments, only navigation files: name what is to be judged.");
   }
-  const std::string complaint = ComplaintAbout(request, inputs.observations.size());
+  const std::string complaint = ComplaintAbout(request, inputs);
   if (!complaint.empty()) {
     std::fprintf(stderr, "orsolva: %s\n", complaint.c_str());
     return kWrongUsage;

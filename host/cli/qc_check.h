@@ -2,6 +2,9 @@
 #ifndef ORSOLVA_CLI_QC_CHECK_H
 #define ORSOLVA_CLI_QC_CHECK_H
 
+#include <string>
+
+#include "host/cli/qc_inputs.h"
 #include "host/cli/qc_settings.h"
 
 namespace orsolva_host {
@@ -11,7 +14,7 @@ namespace orsolva_host {
 int CheckFiles(const QcRequest& request);
 
 /// What is wrong with the request as a whole, such as two reports on standard output; empty when nothing is.
-std::string ComplaintAbout(const QcRequest& request, std::size_t observation_files);
+std::string ComplaintAbout(const QcRequest& request, const QcInputs& inputs);
 
 }  // namespace orsolva_host
 

@@ -117,7 +117,7 @@ void Run::ReadNavigation() {
         ": found no navigation record that can be used. Name the broadcast navigation files of the "
         "day.");
   }
-  coverage_ = std::make_unique<CoverageCounter>(navigation_);
+  coverage_ = std::make_unique<CoverageCounter>(navigation_, settings_.systems);
 }
 
 void Run::FillBatch() {

@@ -23,13 +23,14 @@ double RecordAge_s(int system) {
   return system == kBds || system == kGalileo ? 21600 : 7200;
 }
 
-CoverageCounter::CoverageCounter(const NavigationSet& set) {
+CoverageCounter::CoverageCounter(const NavigationSet& set, std::string_view systems) {
   Take(kGps, set.gps);
   Take(kGlonass, set.glonass);
   Take(kBds, set.bds);
   Take(kGalileo, set.galileo);
   Take(kQzss, set.qzss);
   for (int slot = 0; slot < kSystems; ++slot) {
+    judged_[slot] = systems.find(kSystemTable[slot].letter) != std::string_view::npos;
     for (int i = 0; i < kMostSatellites; ++i) {
       Satellite& satellite = satellites_[slot][i];
       std::sort(satellite.references.begin(), satellite.references.end(),
@@ -81,7 +82,7 @@ void CoverageCounter::Add(const ObsEpoch_QC_gbt& epoch) {
   for (std::uint32_t i = 0; i < std::min(epoch.sat_num, kEpochSatellites); ++i) {
     const int slot = SystemSlotOfCode(epoch.sats[i].sys);
     const std::int32_t number = epoch.sats[i].prn;
-    if (slot < 0 || number < 1 || number > kMostSatellites) continue;
+    if (slot < 0 || !judged_[slot] || number < 1 || number > kMostSatellites) continue;
     Satellite& satellite = satellites_[slot][number - 1];
     ++satellite.row.observed_epochs;
     if (Covers(satellite, epoch.time, RecordAge_s(epoch.sats[i].sys))) ++satellite.covered_epochs;

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 #include "host/report/report.h"
@@ -21,9 +22,10 @@ double RecordAge_s(int system);
 /// within RecordAge_s. GLONASS references are UTC; the few seconds to GPS time are left out.
 class CoverageCounter {
  public:
-  explicit CoverageCounter(const NavigationSet& set);
+  /// @param systems  letters of the systems that are judged
+  CoverageCounter(const NavigationSet& set, std::string_view systems);
 
-  /// Satellites of no judged system are passed over.
+  /// Satellites of other systems are passed over.
   void Add(const ObsEpoch_QC_gbt& epoch);
 
   /// One row for every satellite seen, in the order of systems and numbers.
@@ -42,6 +44,7 @@ class CoverageCounter {
   void Take(int system, const std::vector<Record>& records);
   static bool Covers(Satellite& satellite, const Time_gbt& time, double age_s);
 
+  std::array<bool, kSystems> judged_ = {};
   std::array<std::array<Satellite, kMostSatellites>, kSystems> satellites_;
 };
 

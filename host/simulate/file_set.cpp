@@ -7,14 +7,14 @@
 #include <memory>
 #include <system_error>
 
+#include "host/output/byte_sink.h"
+#include "host/output/whole_file.h"
 #include "host/rinex/civil_time.h"
 #include "host/simulate/broadcast.h"
-#include "host/simulate/byte_sink.h"
 #include "host/simulate/navigation_writer.h"
 #include "host/simulate/observation_writer.h"
 #include "host/simulate/simulation.h"
 #include "host/simulate/truth_json.h"
-#include "host/simulate/whole_files.h"
 
 namespace orsolva_host {
 namespace {
@@ -35,8 +35,8 @@ std::string RateText(double interval_s) {
   return seconds % 60 == 0 ? fmt::format("{:02}M", seconds / 60) : fmt::format("{:02}S", seconds);
 }
 
-void WriteText(const std::string& path, const std::string& text) {
-  const std::unique_ptr<ByteSink> sink = OpenSink(path);
+void WriteText(const std::string& path, const std::string& text, WholeFiles& files) {
+  const std::unique_ptr<ByteSink> sink = files.Begin(path);
   sink->Write(text.data(), text.size());
   sink->Close();
 }
@@ -70,9 +70,9 @@ Truth WriteFileSet(const Scenario& scenario, const FileSetOptions& options,
   MakeFolder(options.folder);
   const FileSet names = FileNames(scenario, options);
   WholeFiles files;
-  WriteText(files.Begin(names.navigation),
-            NavigationText(simulation.Navigation(), LeapSeconds(scenario.start.time)));
-  ObservationWriter writer(OpenSink(files.Begin(names.observations)), scenario,
+  WriteText(names.navigation, NavigationText(simulation.Navigation(), LeapSeconds(scenario.start.time)),
+            files);
+  ObservationWriter writer(files.Begin(names.observations), scenario,
                            simulation.TruthSoFar().header_position_m, options.compact);
   const auto epoch = std::make_unique<ObsEpoch_QC_gbt>();
   while (simulation.Next(*epoch)) {
@@ -80,7 +80,7 @@ Truth WriteFileSet(const Scenario& scenario, const FileSetOptions& options,
     progress(simulation.NominalEpochsDone(), simulation.NominalEpochs());
   }
   writer.Close();
-  WriteText(files.Begin(names.truth), TruthJson(scenario, simulation.TruthSoFar()));
+  WriteText(names.truth, TruthJson(scenario, simulation.TruthSoFar()), files);
   files.Publish();
   return simulation.TruthSoFar();
 }

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "host/rinex/satellite_names.h"
-#include "host/simulate/byte_sink.h"
+#include "host/output/byte_sink.h"
 #include "host/simulate/scenario.h"
 #include "interface/records.h"
 

@@ -14,6 +14,7 @@
 #include "host/cli/output_plan.h"
 #include "host/cli/progress_bar.h"
 #include "host/cli/qc_inputs.h"
+#include "tests/host/folder.h"
 #include "tests/host/program.h"
 
 namespace {
@@ -22,37 +23,9 @@ namespace fs = std::filesystem;
 using nlohmann::json;
 using orsolva_test::Answer;
 using orsolva_test::DataFile;
+using orsolva_test::Folder;
 using orsolva_test::Orsolva;
 using orsolva_test::ReadText;
-
-/// An empty folder that goes with the test.
-class Folder {
- public:
-  Folder()
-      : path_(testing::TempDir() + "orsolva_folder_" +
-              testing::UnitTest::GetInstance()->current_test_info()->name() + Next()) {
-    fs::remove_all(path_);
-    fs::create_directories(path_);
-  }
-  ~Folder() { fs::remove_all(path_); }
-  /// A test may have several.
-  static std::string Next() {
-    static int count = 0;
-    return std::to_string(++count);
-  }
-  Folder(const Folder&) = delete;
-  Folder& operator=(const Folder&) = delete;
-  std::string operator/(const std::string& name) const { return path_ + "/" + name; }
-  const std::string& Path() const { return path_; }
-  std::set<std::string> Names() const {
-    std::set<std::string> names;
-    for (const auto& entry : fs::directory_iterator(path_)) names.insert(entry.path().filename().string());
-    return names;
-  }
-
- private:
-  std::string path_;
-};
 
 std::string Quarter() { return DataFile("SEPT078M.21O"); }
 std::string QuarterNavigation() { return DataFile("SEPT078M.21P"); }
@@ -134,6 +107,32 @@ TEST(Outputs, ColoursStandOnlyOnTerminalsUnlessAskedFor) {
 TEST(Outputs, StemsLosePackingAndStayDistinct) {
   EXPECT_EQ(orsolva_host::OutputStems({"a/X.crx.gz", "b/X.rnx", "Y.21O.Z", "-"}),
             (std::vector<std::string>{"X", "X-2", "Y.21O", "stdin"}));
+}
+
+TEST(StandardInput, IsTakenOnceOnly) {
+  ORSOLVA_NEED_FILE(Quarter());
+  for (const char* twice : {"- --nav -", "- -", "a.rnx --nav - --nav -"}) {
+    const Answer a = Orsolva(std::string("qc --no-config ") + twice, Quarter());
+    EXPECT_EQ(a.code, 2) << twice;
+    EXPECT_NE(a.err.find("standard input can be read once only"), std::string::npos) << a.err;
+    EXPECT_TRUE(a.out.empty());
+  }
+  EXPECT_EQ(Orsolva("qc --no-config --quiet - --nav " + QuarterNavigation(), Quarter()).code, 0);
+  EXPECT_EQ(Orsolva("qc --no-config --quiet --nav - " + Quarter(), QuarterNavigation()).code, 0);
+}
+
+TEST(Coverage, HoldsTheJudgedSystemsOnly) {
+  ORSOLVA_NEED_FILE(Quarter());
+  const std::string files = " " + Quarter() + " " + QuarterNavigation();
+  const auto letters = [&files](const std::string& options) {
+    const json run = json::parse(Orsolva("qc --no-config --json " + options + files).out)["run"];
+    std::set<std::string> found;
+    for (const json& row : run["navigation_coverage"])
+      found.insert(row["satellite"].get<std::string>().substr(0, 1));
+    return found;
+  };
+  EXPECT_GT(letters("").size(), 1U);
+  EXPECT_EQ(letters("--systems G"), std::set<std::string>{"G"});
 }
 
 TEST(Verdicts, AFailedOneIsThree) {

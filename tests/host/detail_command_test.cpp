@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/host/folder.h"
 #include "tests/host/program.h"
 #include "tests/host/shared_data.h"
 
@@ -17,6 +18,7 @@ namespace {
 using nlohmann::json;
 using orsolva_test::Answer;
 using orsolva_test::DataFile;
+using orsolva_test::Folder;
 using orsolva_test::Orsolva;
 using orsolva_test::ReadText;
 
@@ -78,16 +80,14 @@ PairSum OfSignal(const Sums& sums, const std::string& letter, const std::string&
   return all;
 }
 
-std::string Path(const char* name) { return testing::TempDir() + "orsolva_detail_" + name; }
-
 TEST(DetailTable, GivesTheCountsAndRmsOfTheReport) {
   ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
-  const std::string path = Path("quarter.csv");
+  const Folder folder;
+  const std::string path = folder / "quarter.csv";
   const Answer a = Orsolva("qc --json --systems GE --detail " + path + " " + DataFile("SEPT078M.21O") + " " +
                            DataFile("SEPT078M.21P"));
   ASSERT_EQ(a.code, 0) << a.err;
   const Sums sums = SumsOf(ReadText(path));
-  std::filesystem::remove(path);
   const json report = json::parse(a.out);
   int compared = 0;
   for (const json& signal : report["signals"]) {
@@ -105,20 +105,21 @@ TEST(DetailTable, GivesTheCountsAndRmsOfTheReport) {
 
 TEST(DetailTable, DoesNotChangeTheReport) {
   ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
-  const std::string path = Path("same.csv.gz");
+  const Folder folder;
+  const std::string path = folder / "same.csv.gz";
   const std::string files = DataFile("SEPT078M.21O") + " " + DataFile("SEPT078M.21P");
   const Answer without = Orsolva("qc --json --sats " + files);
   const Answer with = Orsolva("qc --json --sats --detail " + path + " " + files);
   EXPECT_EQ(without.out, with.out);
   EXPECT_EQ(ReadText(path).substr(0, 2), "\x1f\x8b");
-  std::filesystem::remove(path);
 }
 
 TEST(DetailTable, AFailedRunLeavesNoTable) {
   ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
-  const std::string path = Path("none.csv");
+  const Folder folder;
+  const std::string path = folder / "none.csv";
   EXPECT_EQ(Orsolva("qc --detail " + path + " " + DataFile("SEPT078M.21O") + " /nonexistent.nav").code, 1);
-  EXPECT_FALSE(std::filesystem::exists(path));
+  EXPECT_TRUE(folder.Names().empty());
 }
 
 TEST(DetailTable, AFolderThatIsNotThereIsNamed) {
@@ -131,13 +132,13 @@ TEST(DetailTable, AFolderThatIsNotThereIsNamed) {
 
 TEST(HtmlReport, HoldsTheReportOfTheRunAndChangesNothingOfIt) {
   ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
-  const std::string path = Path("page.html");
+  const Folder folder;
+  const std::string path = folder / "page.html";
   const std::string files = DataFile("SEPT078M.21O") + " " + DataFile("SEPT078M.21P");
   const Answer without = Orsolva("qc --json --sats " + files);
   const Answer with = Orsolva("qc --json --sats --html " + path + " " + files);
   EXPECT_EQ(without.out, with.out);
   const std::string page = ReadText(path);
-  std::filesystem::remove(path);
   const std::string start = "id=\"report-data\">";
   const std::size_t from = page.find(start);
   ASSERT_NE(from, std::string::npos);

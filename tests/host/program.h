@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <string>
 
+#include "tests/host/folder.h"
 #include "tests/host/shared_data.h"
 
 namespace orsolva_test {
@@ -21,8 +22,7 @@ struct Answer {
 
 /// @param input  file that standard input is read from
 inline Answer Orsolva(const std::string& arguments, const std::string& input = "/dev/null") {
-  const std::string base =
-      testing::TempDir() + "orsolva_command_" + testing::UnitTest::GetInstance()->current_test_info()->name();
+  const std::string base = TemporaryName("command");
   const std::string command =
       std::string(ORSOLVA_PROGRAM) + " " + arguments + " >" + base + ".out 2>" + base + ".err <" + input;
   const int status = std::system(command.c_str());

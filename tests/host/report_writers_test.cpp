@@ -180,7 +180,7 @@ TEST(CoverageCounter, CountsEpochsWithinTheAgeOfAHealthyRecord) {
   record.toc = {120000, 0};
   record.svh = 1;
   set.gps.push_back(record);
-  CoverageCounter counter(set);
+  CoverageCounter counter(set, "GREJC");
   auto epoch = std::make_unique<ObsEpoch_QC_gbt>();
   epoch->sat_num = 2;
   epoch->sats[0].sys = 1;
@@ -198,6 +198,31 @@ TEST(CoverageCounter, CountsEpochsWithinTheAgeOfAHealthyRecord) {
   EXPECT_EQ(rows[0].records, 1U);
   EXPECT_EQ(rows[0].unhealthy_records, 1U);
   EXPECT_EQ(rows[0].covered_ratio, 0.5);
+}
+
+TEST(CoverageCounter, LeavesOutSystemsThatAreNotJudged) {
+  NavigationSet set;
+  GpsEph_gbt record = {};
+  record.prn = 4;
+  record.toc = {100000, 0};
+  set.gps.push_back(record);
+  auto epoch = std::make_unique<ObsEpoch_QC_gbt>();
+  epoch->time = {100000, 0};
+  epoch->sat_num = 2;
+  epoch->sats[0].sys = 1;
+  epoch->sats[0].prn = 4;
+  epoch->sats[1].sys = 2;
+  epoch->sats[1].prn = 7;
+  const auto satellites = [&](std::string_view systems) {
+    CoverageCounter counter(set, systems);
+    counter.Add(*epoch);
+    std::string names;
+    for (const NavigationCoverage& row : counter.Rows()) names += row.satellite + " ";
+    return names;
+  };
+  EXPECT_EQ(satellites("GREJC"), "G04 R07 ");
+  EXPECT_EQ(satellites("G"), "G04 ");
+  EXPECT_EQ(satellites("E"), "");
 }
 
 }  // namespace

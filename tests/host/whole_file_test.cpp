@@ -1,50 +1,80 @@
 // Output files are there whole or not at all.
-#include "host/report/whole_file.h"
+#include "host/output/whole_file.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <memory>
+#include <set>
+#include <string>
 
+#include "tests/host/folder.h"
 #include "tests/host/shared_data.h"
 
 namespace {
 
-namespace fs = std::filesystem;
 using orsolva_host::WholeFile;
+using orsolva_host::WholeFiles;
+using orsolva_test::Folder;
+using orsolva_test::ReadText;
+using Names = std::set<std::string>;
 
-class Folder : public testing::Test {
- protected:
-  Folder() : folder(testing::TempDir() + "orsolva_whole_file") { fs::create_directories(folder); }
-  ~Folder() override { fs::remove_all(folder); }
-
-  std::ptrdiff_t Files() const {
-    return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
-  }
-
-  fs::path folder;
-};
-
-TEST_F(Folder, NothingStaysWithoutCommit) {
+TEST(WholeFile, StaysNotWithoutCommit) {
+  const Folder folder;
   {
-    WholeFile file((folder / "a.csv").string());
+    WholeFile file(folder / "a.csv");
     file.Write("half");
+    EXPECT_EQ(folder.Names(), Names{".part-a.csv"});
   }
-  EXPECT_EQ(Files(), 0);
+  EXPECT_TRUE(folder.Names().empty());
 }
 
-TEST_F(Folder, AnUncommittedFileLeavesTheFormerOneAlone) {
-  const std::string path = (folder / "a.csv").string();
+TEST(WholeFile, UncommittedLeavesTheFormerOneAlone) {
+  const Folder folder;
+  const std::string path = folder / "a.csv";
   for (const bool commit : {true, false}) {
     WholeFile file(path);
     file.Write(commit ? "first" : "second");
     if (commit) file.Commit();
   }
-  EXPECT_EQ(orsolva_test::ReadText(path), "first");
-  EXPECT_EQ(Files(), 1);
+  EXPECT_EQ(ReadText(path), "first");
+  EXPECT_EQ(folder.Names(), Names{"a.csv"});
 }
 
-TEST_F(Folder, AFileThatCannotBeOpenedIsAnError) {
-  EXPECT_THROW(WholeFile((folder / "none" / "a.csv").string()), orsolva_host::WriteError);
+TEST(WholeFile, ThatCannotBeOpenedIsAnError) {
+  const Folder folder;
+  EXPECT_THROW(WholeFile(folder / "none/a.csv"), orsolva_host::WriteError);
+}
+
+TEST(WholeFile, IsWrittenStraightToWhatIsNoRegularFile) {
+  WholeFile file("/dev/null");
+  file.Write("gone");
+  file.Commit();
+  EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+}
+
+TEST(WholeFiles, AppearTogether) {
+  const Folder folder;
+  WholeFiles files;
+  for (const char* name : {"a", "b"}) {
+    const auto sink = files.Begin(folder / name);
+    sink->Write(name, 1);
+    sink->Close();
+  }
+  EXPECT_EQ(folder.Names(), (Names{".part-a", ".part-b"}));
+  files.Publish();
+  EXPECT_EQ(folder.Names(), (Names{"a", "b"}));
+  EXPECT_EQ(ReadText(folder / "b"), "b");
+}
+
+TEST(WholeFiles, LeaveNothingWhenOneFails) {
+  const Folder folder;
+  {
+    WholeFiles files;
+    files.Begin(folder / "a")->Close();
+    EXPECT_THROW(files.Begin(folder / "none/b"), orsolva_host::WriteError);
+  }
+  EXPECT_TRUE(folder.Names().empty());
 }
 
 }  // namespace

@@ -6,8 +6,8 @@
 #include "host/rinex/diagnostics.h"
 #include "host/rinex/navigation_reader.h"
 #include "host/rinex/observation_reader.h"
-#include "host/simulate/byte_sink.h"
-#include "host/simulate/whole_files.h"
+#include "host/output/byte_sink.h"
+#include "host/output/whole_file.h"
 #include "tests/simulate/made.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "host/simulate/byte_sink.h"
+#include "host/output/byte_sink.h"
 
 #include <zlib.h>
 

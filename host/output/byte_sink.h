@@ -1,6 +1,6 @@
 // Where the bytes of a file go: plain, or packed with gzip when the name ends in ".gz".
-#ifndef ORSOLVA_SIMULATE_BYTE_SINK_H
-#define ORSOLVA_SIMULATE_BYTE_SINK_H
+#ifndef ORSOLVA_OUTPUT_BYTE_SINK_H
+#define ORSOLVA_OUTPUT_BYTE_SINK_H
 
 #include <cstddef>
 #include <memory>
@@ -32,4 +32,4 @@ std::unique_ptr<ByteSink> TextSink(std::string& text);
 
 }  // namespace orsolva_host
 
-#endif  // ORSOLVA_SIMULATE_BYTE_SINK_H
+#endif  // ORSOLVA_OUTPUT_BYTE_SINK_H

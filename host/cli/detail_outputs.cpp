@@ -4,24 +4,28 @@
 
 namespace orsolva_host {
 
-DetailOutputs::DetailOutputs(const std::string& detail_file, const std::string& html_file) {
-  if (!detail_file.empty()) {
-    table_file_ = std::make_unique<WholeFile>(detail_file);
-    table_ = std::make_unique<DetailCsv>([this](std::string_view text) { table_file_->Write(text); });
+DetailOutputs::DetailOutputs(const std::vector<std::string>& tables, const std::vector<std::string>& pages) {
+  for (const std::string& path : tables) table_files_.push_back(std::make_unique<WholeFile>(path));
+  for (const std::string& path : pages) page_files_.push_back(std::make_unique<WholeFile>(path));
+  if (!tables.empty()) {
+    table_ = std::make_unique<DetailCsv>([this](std::string_view text) {
+      for (const auto& file : table_files_) file->Write(text);
+    });
     sinks_.Add(table_.get());
   }
-  if (!html_file.empty()) {
-    page_file_ = std::make_unique<WholeFile>(html_file);
+  if (!pages.empty()) {
     collector_ = std::make_unique<DetailCollector>();
     sinks_.Add(collector_.get());
   }
 }
 
 void DetailOutputs::Finish(const Report& report) {
-  if (table_file_) table_file_->Commit();
-  if (page_file_) {
-    page_file_->Write(WriteHtml(report, *collector_));
-    page_file_->Commit();
+  for (const auto& file : table_files_) file->Commit();
+  if (page_files_.empty()) return;
+  const std::string page = WriteHtml(report, *collector_);
+  for (const auto& file : page_files_) {
+    file->Write(page);
+    file->Commit();
   }
 }
 

@@ -4,19 +4,20 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
+#include "host/output/whole_file.h"
 #include "host/report/detail_collector.h"
 #include "host/report/detail_csv.h"
 #include "host/report/report.h"
-#include "host/output/whole_file.h"
 
 namespace orsolva_host {
 
 class DetailOutputs {
  public:
-  /// @param detail_file, html_file  empty for none
+  /// @param tables, pages  the files that shall hold them, each the same
   /// @throws WriteError when a file cannot be opened
-  DetailOutputs(const std::string& detail_file, const std::string& html_file);
+  DetailOutputs(const std::vector<std::string>& tables, const std::vector<std::string>& pages);
 
   /// What the run shall report to; null when nothing is asked for.
   DetailSink* Sink() { return sinks_.Empty() ? nullptr : &sinks_; }
@@ -25,9 +26,9 @@ class DetailOutputs {
   void Finish(const Report& report);
 
  private:
-  std::unique_ptr<WholeFile> table_file_;
+  std::vector<std::unique_ptr<WholeFile>> table_files_;
   std::unique_ptr<DetailCsv> table_;
-  std::unique_ptr<WholeFile> page_file_;
+  std::vector<std::unique_ptr<WholeFile>> page_files_;
   std::unique_ptr<DetailCollector> collector_;
   DetailFanOut sinks_;
 };

@@ -105,6 +105,7 @@ void WriteOut(std::string_view text) {
 
 std::vector<std::string> OutputStems(const std::vector<std::string>& inputs) {
   std::set<std::string> taken;
+  if (inputs.size() > 1) taken = {"network", "index"};
   std::vector<std::string> stems;
   for (const std::string& input : inputs) {
     std::string name = std::filesystem::path(input).filename().string();

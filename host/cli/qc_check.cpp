@@ -22,9 +22,10 @@
 #include "host/cli/progress_bar.h"
 #include "host/cli/qc_inputs.h"
 #include "host/cli/qc_run.h"
-#include "host/report/network.h"
-#include "host/report/profile.h"
 #include "host/output/byte_sink.h"
+#include "host/report/network.h"
+#include "host/report/network_html.h"
+#include "host/report/profile.h"
 
 namespace orsolva_host {
 namespace {
@@ -72,6 +73,8 @@ class Check {
       : request_(request),
         inputs_(std::move(inputs)),
         many_(inputs_.observations.size() > 1),
+        pages_in_folder_(!request.output.empty() &&
+                         (Lists(request.formats, "html") || (many_ && !request.settings.html_file.empty()))),
         stems_(OutputStems(inputs_.observations)),
         style_(StyleOf(request)),
         results_(inputs_.observations.size()),
@@ -86,18 +89,27 @@ class Check {
  private:
   void OpenStreams();
   QcSettings SettingsOf(std::size_t file) const;
+  std::vector<std::string> TablesOf(std::size_t file) const;
+  std::vector<std::string> PagesOf(std::size_t file) const;
+  std::string InFolder(std::size_t file, const char* ending) const {
+    return request_.output + "/" + stems_[file] + ending;
+  }
   void Judge(std::size_t file);
   void WriteFolder(std::size_t file, const Report& report) const;
   void Await(JobPool& pool, std::size_t file);
   void ShowProgress(JobPool& pool);
   void Tell(std::size_t file);
   void Take(std::size_t file);
+  std::string Index(const std::string& path) const;
+  std::string NetworkAs(const std::string& path) const;
+  void WriteNetwork() const;
   void Finish();
   int ExitCodeOf() const;
 
   const QcRequest& request_;
   QcInputs inputs_;
   bool many_;
+  bool pages_in_folder_;  ///< every file gets a page there
   std::vector<std::string> stems_;
   TextStyle style_;
   std::optional<Profile> profile_;
@@ -128,19 +140,30 @@ QcSettings Check::SettingsOf(std::size_t file) const {
   QcSettings settings = request_.settings;
   settings.observation_file = inputs_.observations[file];
   settings.navigation_files = inputs_.navigation;
-  const std::string base = request_.output + "/" + stems_[file];
-  if (!request_.output.empty() && Lists(request_.formats, "detail"))
-    settings.detail_file = base + ".detail.csv";
-  if (!request_.output.empty() && Lists(request_.formats, "html")) settings.html_file = base + ".html";
   return settings;
+}
+
+std::vector<std::string> Check::TablesOf(std::size_t file) const {
+  std::vector<std::string> tables;
+  const bool in_folder = !request_.output.empty() && Lists(request_.formats, "detail");
+  if (in_folder) tables.push_back(InFolder(file, ".detail.csv"));
+  if (!request_.settings.detail_file.empty()) tables.push_back(request_.settings.detail_file);
+  return tables;
+}
+
+/// Of many files --html is the index of their pages.
+std::vector<std::string> Check::PagesOf(std::size_t file) const {
+  std::vector<std::string> pages;
+  if (pages_in_folder_) pages.push_back(InFolder(file, ".html"));
+  if (!many_ && !request_.settings.html_file.empty()) pages.push_back(request_.settings.html_file);
+  return pages;
 }
 
 void Check::WriteFolder(std::size_t file, const Report& report) const {
   if (request_.output.empty()) return;
   for (const auto& [name, format] : kFormats) {
     if (!Lists(request_.formats, name)) continue;
-    WriteWholeFile(request_.output + "/" + stems_[file] + EndingOf(format),
-                   WriteAs(format, report, TextStyle()));
+    WriteWholeFile(InFolder(file, EndingOf(format)), WriteAs(format, report, TextStyle()));
   }
 }
 
@@ -149,9 +172,8 @@ void Check::Judge(std::size_t file) {
   FileResult& result = results_[file];
   Diagnostics diagnostics;
   try {
-    const QcSettings settings = SettingsOf(file);
-    DetailOutputs outputs(settings.detail_file, settings.html_file);
-    Report report = RunQc(settings, diagnostics, outputs.Sink(), &monitor_);
+    DetailOutputs outputs(TablesOf(file), PagesOf(file));
+    Report report = RunQc(SettingsOf(file), diagnostics, outputs.Sink(), &monitor_);
     if (profile_) report.verdict = orsolva_host::Judge(report, *profile_);
     outputs.Finish(report);
     WriteFolder(file, report);
@@ -223,6 +245,8 @@ void Check::Take(std::size_t file) {
     for (const auto& stream : streams_) stream->Add(*result.report);
     rows_.push_back(RowOf(*result.report));
     rows_.back().error = result.error;
+    if (const std::vector<std::string> pages = PagesOf(file); !pages.empty())
+      rows_.back().page = pages.front();
     failed_ = failed_ || !result.error.empty();
     if (result.report->verdict) verdict_failed_ = verdict_failed_ || !result.report->verdict->passed;
   } else {
@@ -233,20 +257,36 @@ void Check::Take(std::size_t file) {
   result.report.reset();
 }
 
+std::string Check::Index(const std::string& path) const {
+  return NetworkHtml(rows_, {LibraryVersion(), profile_ ? profile_->title : std::string()}, path);
+}
+
+/// The table in the format of a file's ending.
+std::string Check::NetworkAs(const std::string& path) const {
+  const std::string ending = std::filesystem::path(path).extension().string();
+  if (ending == ".html") return Index(path);
+  return ending == ".csv" ? NetworkCsv(rows_) : NetworkText(rows_, TextStyle());
+}
+
+void Check::WriteNetwork() const {
+  const std::string& asked = request_.network;
+  if (!asked.empty()) asked == "-" ? WriteOut(NetworkAs(asked)) : WriteWholeFile(asked, NetworkAs(asked));
+  if (!many_ || request_.output.empty()) return;
+  for (const char* name : {"/network.txt", "/network.csv"}) {
+    WriteWholeFile(request_.output + name, NetworkAs(name));
+  }
+  if (!pages_in_folder_) return;
+  const std::string& named = request_.settings.html_file;
+  const std::string index = named.empty() ? request_.output + "/index.html" : named;
+  WriteWholeFile(index, Index(index));
+}
+
 void Check::Finish() {
   bar_.Clear();
   for (const auto& stream : streams_) stream->Finish();
   SortWorstFirst(rows_);
-  if (!request_.network.empty()) {
-    const bool csv = std::filesystem::path(request_.network).extension() == ".csv";
-    const std::string text = csv ? NetworkCsv(rows_) : NetworkText(rows_, TextStyle());
-    request_.network == "-" ? WriteOut(text) : WriteWholeFile(request_.network, text);
-  }
+  WriteNetwork();
   if (!many_) return;
-  if (!request_.output.empty()) {
-    WriteWholeFile(request_.output + "/network.txt", NetworkText(rows_, TextStyle()));
-    WriteWholeFile(request_.output + "/network.csv", NetworkCsv(rows_));
-  }
   const bool other_on_output = std::any_of(streams_.begin(), streams_.end(), [](const auto& stream) {
     return stream->IsStandardOutput() && stream->Kind() != Format::kText;
   });
@@ -290,6 +330,23 @@ int Check::Do() {
   return ExitCodeOf();
 }
 
+std::string ComplaintAboutMany(const QcRequest& request, const QcInputs& inputs) {
+  const std::string& index = request.settings.html_file;
+  if (!request.settings.detail_file.empty())
+    return "--detail takes one observation file; for many use --output FOLDER --formats detail";
+  if (index.empty()) return {};
+  if (request.output.empty())
+    return "--html of many observation files is the index of their pages: say with --output FOLDER where the "
+           "pages go";
+  namespace fs = std::filesystem;
+  for (const std::string& stem : OutputStems(inputs.observations)) {
+    const fs::path page = fs::absolute(request.output + "/" + stem + ".html").lexically_normal();
+    if (page == fs::absolute(index).lexically_normal())
+      return "--html " + index + ": this is the page of one of the files; give the index another name";
+  }
+  return {};
+}
+
 }  // namespace
 
 std::string ComplaintAbout(const QcRequest& request, const QcInputs& inputs) {
@@ -306,12 +363,7 @@ std::string ComplaintAbout(const QcRequest& request, const QcInputs& inputs) {
   }
   if (on_output > 1)
     return "only one of --text, --json, --csv and --sum can go to standard output; give the others files";
-  if (inputs.observations.size() > 1 &&
-      !(request.settings.detail_file.empty() && request.settings.html_file.empty())) {
-    return "--detail and --html take one observation file; for many use --output FOLDER --formats "
-           "html,detail";
-  }
-  return {};
+  return inputs.observations.size() > 1 ? ComplaintAboutMany(request, inputs) : std::string();
 }
 
 int CheckFiles(const QcRequest& request) {

@@ -104,10 +104,13 @@ void AddOutputs(CLI::App& command, QcRequest& request, Texts& texts) {
       ->take_last();
   command
       .add_option("--html", request.settings.html_file,
-                  "Write the report with plots to this file, one page that needs no network")
+                  "Write the report with plots to this file, one page that needs no network; of many "
+                  "files the index of the pages in --output")
       ->type_name("FILE")
       ->take_last();
-  command.add_option("--network", request.network, "Write the table with a row per file here (.csv: as CSV)")
+  command
+      .add_option("--network", request.network,
+                  "Write the table with a row per file here (.csv: as CSV, .html: as a page)")
       ->type_name("FILE")
       ->take_last();
   command

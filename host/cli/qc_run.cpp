@@ -8,6 +8,7 @@
 #include <limits>
 #include <map>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 #include "host/cli/counted_file.h"
@@ -262,11 +263,7 @@ Report Run::Finish() {
 ReportRun Run::Facts() const {
   const ObservationHeader& header = observations_.Header();
   ReportRun run;
-  const std::string banner = LibraryBanner();
-  const std::size_t version = banner.find("version: ");
-  if (version != std::string::npos) {
-    run.library_version = banner.substr(version + 9, banner.find('\n', version) - version - 9);
-  }
+  run.library_version = LibraryVersion();
   run.observation_file = settings_.observation_file;
   run.navigation_files = navigation_files_;
   run.marker = header.marker;
@@ -309,6 +306,15 @@ std::string LibraryBanner() {
   char buffer[512] = {};
   GetGNSSQCLibVersion(buffer);
   return buffer;
+}
+
+std::string LibraryVersion() {
+  constexpr std::string_view kKey = "version: ";
+  const std::string banner = LibraryBanner();
+  const std::size_t key = banner.find(kKey);
+  if (key == std::string::npos) return {};
+  const std::size_t begin = key + kKey.size();
+  return banner.substr(begin, banner.find('\n', begin) - begin);
 }
 
 Report RunQc(const QcSettings& settings, Diagnostics& diagnostics, DetailSink* detail, RunMonitor* monitor) {

@@ -33,8 +33,9 @@ Report RunQc(const QcSettings& settings, Diagnostics& diagnostics, DetailSink* d
 /// frequent ones; absent with fewer than two distinct times.
 std::optional<double> DetectInterval(const ObsEpoch_QC_gbt* epochs, std::size_t count);
 
-/// The identification text of the library.
+/// The identification text of the library, and the version in it.
 std::string LibraryBanner();
+std::string LibraryVersion();
 
 }  // namespace orsolva_host
 

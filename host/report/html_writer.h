@@ -4,24 +4,13 @@
 
 #include <cstddef>
 #include <string>
-#include <string_view>
 
 #include "host/report/detail_collector.h"
 #include "host/report/report.h"
 
 namespace orsolva_host {
 
-/// The page without data, as host/web builds it.
-std::string_view PageTemplate();
-
 constexpr std::size_t kMostPageBytes = 5'800'000;
-
-/// Where the data go in PageTemplate().
-extern const char* const kPageDataMark;
-
-/// JSON that may stand inside a script element: "<" and the two line ends that JSON allows and scripts do not
-/// are written as escapes.
-std::string InsideScript(std::string json);
 
 /// The report's page. The data are the JSON report with its satellites, and the collected detail, packed. The
 /// detail is thinned until the page has no more than `most_bytes`, or few points are left.

@@ -23,19 +23,6 @@ std::string Exact(const std::optional<T>& value) {
   return value ? fmt::format("{}", *value) : std::string();
 }
 
-std::string StateOf(const NetworkRow& row) {
-  if (!row.error.empty()) return "ERROR";
-  return row.grade.empty() ? "judged" : row.grade;
-}
-
-/// The error in one line, without the file's name that stands beside it.
-std::string ErrorOf(const NetworkRow& row) {
-  std::string error = row.error;
-  if (error.compare(0, row.file.size() + 2, row.file + ": ") == 0) error.erase(0, row.file.size() + 2);
-  std::replace(error.begin(), error.end(), '\n', ' ');
-  return error;
-}
-
 int Rank(const NetworkRow& row) {
   if (!row.error.empty()) return 0;
   if (row.grade == "fail") return 1;
@@ -51,6 +38,18 @@ Tone ToneOfRow(const NetworkRow& row) {
 std::string TimeOf(const std::optional<Time_gbt>& time) { return time ? TimeText(*time) : std::string(); }
 
 }  // namespace
+
+std::string StateOf(const NetworkRow& row) {
+  if (!row.error.empty()) return "ERROR";
+  return row.grade.empty() ? "judged" : row.grade;
+}
+
+std::string ErrorOf(const NetworkRow& row) {
+  std::string error = row.error;
+  if (error.compare(0, row.file.size() + 2, row.file + ": ") == 0) error.erase(0, row.file.size() + 2);
+  std::replace(error.begin(), error.end(), '\n', ' ');
+  return error;
+}
 
 NetworkRow RowOf(const Report& report) {
   NetworkRow row;

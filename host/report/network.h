@@ -13,6 +13,7 @@ namespace orsolva_host {
 
 struct NetworkRow {
   std::string file;
+  std::string page;  ///< file of its HTML report; empty without one
   std::string marker;
   bool judged = true;
   std::string error;  ///< why the file could not be judged, or not to its end; empty when it was
@@ -29,6 +30,11 @@ struct NetworkRow {
 
 NetworkRow RowOf(const Report& report);
 NetworkRow FailedRow(const std::string& file, const std::string& error);
+
+/// "ERROR", the grade, or "judged" without a profile.
+std::string StateOf(const NetworkRow& row);
+/// The error in one line, without the file's name that stands beside it.
+std::string ErrorOf(const NetworkRow& row);
 
 /// Worst first: files that could not be judged, then by grade, then by completeness from the lowest; equal
 /// rows by name.

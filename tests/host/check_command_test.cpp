@@ -79,6 +79,48 @@ TEST(ManyFiles, AFolderGetsEveryFormatAndNoHalfFiles) {
   EXPECT_EQ(json::parse(ReadText(into + "/SEPA078M.21O.json"))["run"]["epochs"], 900);
 }
 
+TEST(ManyFiles, HaveAnIndexOfTheirPages) {
+  ORSOLVA_NEED_FILE(Quarter());
+  const Folder folder;
+  FillNetwork(folder);
+  const Folder out;
+  const std::string files = " --quiet " + folder.Path() + " --output " + (out / "pages");
+  EXPECT_EQ(Orsolva("qc --no-config --formats html" + files).code, 1);
+  const std::string beside = ReadText(out / "pages/index.html");
+  EXPECT_NE(beside.find("\"page\": \"SEPA078M.21O.html\""), std::string::npos);
+  EXPECT_TRUE(fs::exists(out / "pages/SEPA078M.21O.html"));
+  EXPECT_FALSE(fs::exists(out / "pages/SEPC078M.21O.html"));
+  fs::remove_all(out / "pages");
+  EXPECT_EQ(Orsolva("qc --no-config --formats sum --html " + (out / "all.html") + files).code, 1);
+  const std::string above = ReadText(out / "all.html");
+  EXPECT_NE(above.find("\"page\": \"pages/SEPA078M.21O.html\""), std::string::npos);
+  EXPECT_TRUE(fs::exists(out / "pages/SEPA078M.21O.html"));
+  EXPECT_FALSE(fs::exists(out / "pages/index.html"));
+}
+
+TEST(ManyFiles, AnIndexNeedsAFolderForThePagesAndANameOfItsOwn) {
+  ORSOLVA_NEED_FILE(Quarter());
+  const Folder folder;
+  FillNetwork(folder);
+  const Folder out;
+  const std::string many = "qc --no-config " + folder.Path() + " --html ";
+  EXPECT_EQ(Orsolva(many + (out / "index.html")).code, 2);
+  EXPECT_EQ(Orsolva(many + (out / "SEPA078M.21O.html") + " --output " + out.Path()).code, 2);
+  EXPECT_EQ(Orsolva("qc --no-config " + folder.Path() + " --detail " + (out / "d.csv")).code, 2);
+  EXPECT_TRUE(out.Names().empty());
+}
+
+TEST(Network, IsAPageWithoutLinksWhereNoPagesAreWritten) {
+  ORSOLVA_NEED_FILE(Quarter());
+  const Folder folder;
+  FillNetwork(folder);
+  const Folder out;
+  EXPECT_EQ(Orsolva("qc --no-config --quiet " + folder.Path() + " --network " + (out / "n.html")).code, 1);
+  const std::string page = ReadText(out / "n.html");
+  EXPECT_NE(page.find("SEPA078M.21O"), std::string::npos);
+  EXPECT_EQ(page.find("\"page\": \""), std::string::npos);
+}
+
 TEST(Outputs, EveryFormatGoesToItsFileWithOrWithoutEqualsSign) {
   ORSOLVA_NEED_FILE(Quarter());
   const Folder out;
@@ -102,6 +144,24 @@ TEST(Outputs, ColoursStandOnlyOnTerminalsUnlessAskedFor) {
   ORSOLVA_NEED_FILE(Quarter());
   EXPECT_EQ(Orsolva("qc --no-config " + Quarter()).out.find('\033'), std::string::npos);
   EXPECT_NE(Orsolva("qc --no-config --color always " + Quarter()).out.find('\033'), std::string::npos);
+}
+
+TEST(Outputs, OfOneFileGoBothToTheFolderAndToTheNameGiven) {
+  ORSOLVA_NEED_FILE(Quarter());
+  const Folder out;
+  const Answer a =
+      Orsolva("qc --no-config --quiet " + Quarter() + " --output " + (out / "all") +
+              " --formats html,detail --html " + (out / "p.html") + " --detail " + (out / "d.csv"));
+  EXPECT_EQ(a.code, 0) << a.err;
+  EXPECT_EQ(ReadText(out / "p.html"), ReadText(out / "all/SEPT078M.21O.html"));
+  EXPECT_EQ(ReadText(out / "d.csv"), ReadText(out / "all/SEPT078M.21O.detail.csv"));
+  EXPECT_GT(ReadText(out / "p.html").size(), 100000U);
+}
+
+TEST(Outputs, StemsOfManyFilesLeaveTheNamesOfTheTablesFree) {
+  EXPECT_EQ(orsolva_host::OutputStems({"index.rnx", "network.21O", "network.rnx"}),
+            (std::vector<std::string>{"index-2", "network.21O", "network-2"}));
+  EXPECT_EQ(orsolva_host::OutputStems({"index.rnx"}), (std::vector<std::string>{"index"}));
 }
 
 TEST(Outputs, StemsLosePackingAndStayDistinct) {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/report/detail_data.h"
+#include "host/report/page_data.h"
 #include "host/rinex/satellite_names.h"
 #include "host/rinex/signal_codes.h"
 
@@ -236,14 +237,15 @@ TEST(Page, JsonInsideAScriptHoldsNoMarkup) {
   EXPECT_EQ(json::parse(InsideScript(R"("<b>")")), "<b>");
 }
 
-TEST(Page, TheTemplateTakesDataOnceAndNamesNoOtherPlace) {
-  const std::string page(orsolva_host::PageTemplate());
-  const std::size_t mark = page.find(orsolva_host::kPageDataMark);
-  ASSERT_NE(mark, std::string::npos);
-  EXPECT_EQ(page.find(orsolva_host::kPageDataMark, mark + 1), std::string::npos);
-  for (const char* outside :
-       {"src=\"", "<link", "@import", "url(http", "fetch(", "XMLHttpRequest", "import("}) {
-    EXPECT_EQ(page.find(outside), std::string::npos) << outside;
+TEST(Page, TheTemplatesTakeDataOnceAndNameNoOtherPlace) {
+  for (const std::string_view page : {orsolva_host::ReportPage(), orsolva_host::NetworkPage()}) {
+    const std::size_t mark = page.find(orsolva_host::kPageDataMark);
+    ASSERT_NE(mark, std::string::npos);
+    EXPECT_EQ(page.find(orsolva_host::kPageDataMark, mark + 1), std::string::npos);
+    for (const char* outside :
+         {"src=\"", "<link", "@import", "url(http", "fetch(", "XMLHttpRequest", "import("}) {
+      EXPECT_EQ(page.find(outside), std::string::npos) << outside;
+    }
   }
 }
 

@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 
+#include "host/report/network_html.h"
 #include "tests/host/sample_report.h"
 
 namespace orsolva_host {
@@ -63,6 +66,68 @@ TEST(Network, TheCsvHasOneRowAFileAndNoFiguresOfFailedOnes) {
       "dir/station one.rnx,,judged,2020-06-25 00:00:00.000,2020-06-25 23:59:30.000,23.991666666666667,30,"
       "2880,0,1000,900,0.9,0.25,,300,2,");
   EXPECT_EQ(second, "\"b,c.rnx\",,ERROR,,,,,,,,,,,,,,why");
+}
+
+/// The data of an index page.
+nlohmann::json DataOf(const std::string& page) {
+  const std::string open = "id=\"network-data\">";
+  const std::size_t begin = page.find(open) + open.size();
+  return nlohmann::json::parse(page.substr(begin, page.find("</script>", begin) - begin));
+}
+
+TEST(NetworkHtml, HoldsARowAFileInTheOrderGivenAndNullForWhatFailedOnesLack) {
+  NetworkRow judged = RowOf(orsolva_test::SampleReport());
+  judged.page = "out/pages/one.html";
+  const std::string page =
+      NetworkHtml({FailedRow("b.rnx", "b.rnx: why\nnot"), judged}, {"V1", "a profile"}, "out/index.html");
+  const nlohmann::json data = DataOf(page);
+  EXPECT_EQ(data["library_version"], "V1");
+  EXPECT_EQ(data["profile"], "a profile");
+  ASSERT_EQ(data["rows"].size(), 2U);
+  const nlohmann::json& failed = data["rows"][0];
+  EXPECT_EQ(failed["state"], "ERROR");
+  EXPECT_EQ(failed["error"], "why not");
+  for (const char* key :
+       {"page", "duration_h", "lost_epochs", "completeness_ratio", "mp1_rms_m", "notices"}) {
+    EXPECT_TRUE(failed[key].is_null()) << key;
+  }
+  const nlohmann::json& row = data["rows"][1];
+  EXPECT_EQ(row["state"], "judged");
+  EXPECT_EQ(row["page"], "pages/one.html");
+  EXPECT_EQ(row["completeness_ratio"], 0.9);
+  EXPECT_EQ(row["mp1_rms_m"], 0.25);
+  EXPECT_TRUE(row["mp2_rms_m"].is_null());
+  EXPECT_TRUE(row["error"].is_null());
+}
+
+TEST(NetworkHtml, AFileJudgedToItsDamageHasItsErrorItsFiguresAndItsPage) {
+  NetworkRow row = RowOf(orsolva_test::SampleReport());
+  row.page = "one.html";
+  row.error = "damaged. The report covers what stands before.";
+  const nlohmann::json told = DataOf(NetworkHtml({row}, {"V1", ""}, "index.html"))["rows"][0];
+  EXPECT_EQ(told["state"], "ERROR");
+  EXPECT_EQ(told["page"], "one.html");
+  EXPECT_EQ(told["completeness_ratio"], 0.9);
+}
+
+TEST(NetworkHtml, NamesMarkersAndErrorsCannotLeaveTheirScript) {
+  NetworkRow row = FailedRow("<img src=x>.rnx", "found \"</script><script>alert(1)</script>\"");
+  row.marker = "</script><b>";
+  const std::string page = NetworkHtml({row}, {"V1", "<i>profile</i>"}, "index.html");
+  for (const char* markup : {"<script>alert", "<img", "<b>", "<i>"}) {
+    EXPECT_EQ(page.find(markup), std::string::npos) << markup;
+  }
+  EXPECT_EQ(DataOf(page)["rows"][0]["file"], "<img src=x>.rnx");
+}
+
+TEST(NetworkHtml, LinksAreRelativeAndHoldNoSchemeQueryOrMarkup) {
+  EXPECT_EQ(LinkTo("a/b.html", "a/index.html"), "b.html");
+  EXPECT_EQ(LinkTo("a/./c/../b.html", "index.html"), "a/b.html");
+  EXPECT_EQ(LinkTo("pages/b.html", "other/index.html"), "../pages/b.html");
+  EXPECT_EQ(LinkTo(std::filesystem::current_path() / "a/b.html", "a/index.html"), "b.html");
+  EXPECT_EQ(LinkTo("javascript:alert(1).html", "index.html"), "javascript%3Aalert%281%29.html");
+  EXPECT_EQ(LinkTo("a b?c#d%e\"<&\xc3\xa9\xff.html", "index.html"),
+            "a%20b%3Fc%23d%25e%22%3C%26%C3%A9%FF.html");
 }
 
 }  // namespace

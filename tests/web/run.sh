@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Tests the HTML report in the machine's Chromium. Installs what is missing; safe to run twice.
+# Tests the HTML pages in the machine's Chromium. Installs what is missing; safe to run twice.
 #
 # usage: tests/web/run.sh [BUILD FOLDER]    (default: build; the program is built there already)
 set -euo pipefail
@@ -10,15 +10,16 @@ build=$(cd "$root" && cd "${1:-build}" && pwd)
 require_packages "${web_packages[@]}"
 . "$root/scripts/node.sh"
 
-echo "the committed page is what host/web builds"
+echo "the committed pages are what host/web builds"
 clean_install "$root/host/web"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-(cd "$root/host/web" && npx --no-install tsc --noEmit && node build.mjs "$work/report.html")
-if ! cmp "$work/report.html" "$root/host/web/dist/report.html"; then
-  echo "host/web/dist/report.html is not what its sources build: run 'npm run build' in host/web and commit it" >&2
+(cd "$root/host/web" && npx --no-install tsc --noEmit && node build.mjs "$work/dist")
+for page in report.html network.html; do
+  cmp "$work/dist/$page" "$root/host/web/dist/$page" && continue
+  echo "host/web/dist/$page is not what its sources build: run 'npm run build' in host/web and commit it" >&2
   exit 1
-fi
+done
 
 data=${ORSOLVA_SHARED:-$root/../shared}/data
 observations=$data/ESBC00DNK_R_20201770000_01D_30S_MO.crx.gz
@@ -41,7 +42,31 @@ grep -q '</script><img' "$hostile"
 "$build/bin/orsolva" simulate --preset station-day --output "$work/demo" >/dev/null
 "$build/bin/orsolva" qc --html "$work/demo.html" "$work"/demo/*_MO.rnx "$work"/demo/*_MN.rnx >/dev/null
 
+# A network: good, failing and broken files, some of whose names are markup or would be a link's scheme.
+network=$work/network
+mkdir "$network"
+for name in 'one.21O' 'two words.21O' '<img src=x onerror=hacked=1>.rnx' 'javascript:hacked=1.rnx' 'index.rnx'; do
+  cp "$data/SEPT078M.21O" "$network/$name"
+done
+head -c 400000 "$data/SEPT078M.21O" >"$network/short.21O"
+echo '<script>hacked=1</script>' >"$network/<script>hacked=1<script>.rnx"
+echo 'no observations' >"$network/empty.21O"
+cat >"$network/strict.toml" <<'END'
+name = "strict"
+title = "next to no multipath"
+[[criterion]]
+name = "multipath"
+figure = "mp_rms_m"
+scope = "system"
+systems = "G"
+signals = ["L1"]
+at_most = { good = 0.20, fair = 0.22 }
+source = "this test"
+END
+"$build/bin/orsolva" qc --quiet --output "$network/reports" --formats html --profile "$network/strict.toml" \
+  "$network"/*.21O "$network"/*.rnx --nav "$data/SEPT078M.21P" 2>/dev/null || [ $? -eq 1 ]
+
 clean_install "$here"
-DEMO=$work/demo.html DEMO_TRUTH=$work/demo/truth.json \
+NETWORK=$network/reports/index.html DEMO=$work/demo.html DEMO_TRUTH=$work/demo/truth.json \
   REPORT=$work/station.html REPORT_JSON=$work/station.json HOSTILE=$work/hostile.html \
-  node --test --test-reporter=spec "$here/page.test.mjs"
+  node --test --test-reporter=spec "$here/page.test.mjs" "$here/network.test.mjs"

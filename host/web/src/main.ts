@@ -9,22 +9,12 @@ import { button, el, select } from './dom';
 import type { Figure } from './figure';
 import { baseName, fixed, percent, whole } from './format';
 import { type Hint, hintsOf } from './hints';
+import { dataOf, head, section, tile } from './layout';
 import type { Report } from './report';
 import { Selection } from './selection';
 import { eventTable, noticeTable, satelliteTable, signalTable, systemTable } from './tables';
-import { forPaper, onTheme, startTheme, theme, toggleTheme } from './theme';
+import { forPaper, startTheme } from './theme';
 import { verdictPanel } from './verdict';
-
-function dataOf(id: string): string {
-  return document.getElementById(id)!.textContent!;
-}
-
-function themeButton(): HTMLButtonElement {
-  const label = () => (theme() === 'dark' ? 'Light' : 'Dark');
-  const b = button(label(), () => toggleTheme(), { id: 'theme', title: 'Switch between light and dark' });
-  onTheme(() => (b.textContent = label()));
-  return b;
-}
 
 function header(report: Report): void {
   const run = report.run;
@@ -40,21 +30,7 @@ function header(report: Report): void {
     ['Cut-off', `${run.elevation_cutoff_deg ?? '-'}\u00b0`],
     ['Navigation', run.navigation_files.map(baseName).join(', ') || '-'],
   ];
-  const list = el('dl', { class: 'facts' });
-  for (const [what, value] of facts) list.append(el('div', {}, el('dt', {}, what), el('dd', {}, value)));
-  document.getElementById('top')!.append(
-    el(
-      'div',
-      { class: 'title' },
-      el('div', {}, el('p', { class: 'over' }, 'Observation quality'), el('h1', {}, name)),
-      el('div', { class: 'actions' }, themeButton(), button('Print', () => print())),
-    ),
-    list,
-  );
-}
-
-function tile(name: string, value: string, help: string): HTMLElement {
-  return el('div', { class: 'tile', title: help }, el('dt', {}, name), el('dd', {}, value));
+  head('Observation quality', name, facts);
 }
 
 function tiles(report: Report): HTMLElement {
@@ -122,10 +98,6 @@ function selectionBar(detail: Detail, selection: Selection): HTMLElement {
   });
   reset.disabled = true;
   return el('div', { class: 'selection', role: 'group', 'aria-label': 'What the plots show' }, signal, satellite, reset);
-}
-
-function section(id: string, title: string, ...children: (HTMLElement | null)[]): HTMLElement {
-  return el('section', { id, 'aria-labelledby': `${id}-heading` }, el('h2', { id: `${id}-heading` }, title), ...children);
 }
 
 function notes(report: Report): HTMLElement | null {

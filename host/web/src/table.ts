@@ -1,5 +1,6 @@
 // Tables that sort by any column, with the keyboard too.
 import { button, el } from './dom';
+import { fixed, whole } from './format';
 
 export type Cell = string | number | null;
 
@@ -9,7 +10,24 @@ export interface Column {
   title?: string;
   numeric?: boolean;
   text?: (value: Cell) => string;
+  /** The cell's contents in place of its text. */
+  show?: (value: Cell) => Node;
 }
+
+export interface TableOptions {
+  /** Column that names a row; the first one without it. */
+  rowHead?: number;
+  /** Column by which the rows come sorted, upwards. */
+  sorted?: number;
+  /** Rows shown before the button for more. */
+  page?: number;
+}
+
+export const digits = (n: number) => (value: Cell) => fixed(value as number, n);
+export const count = (value: Cell) => whole(value as number);
+export const text = (name: string, title?: string): Column => ({ name, title });
+export const number = (name: string, shown: (value: Cell) => string, title?: string): Column => ({ name, title, numeric: true, text: shown });
+export const hundred = (ratio: number | null): number | null => (ratio === null ? null : 100 * ratio);
 
 const PAGE = 200;
 
@@ -22,28 +40,34 @@ export class SortTable {
   readonly element: HTMLElement;
   private readonly columns: Column[];
   private rows: Cell[][];
+  private readonly rowHead: number;
+  private readonly page: number;
   private sorted = -1;
   private descending = false;
-  private shown = PAGE;
+  private shown: number;
   private readonly heads: HTMLTableCellElement[] = [];
   private readonly body = el('tbody');
   private readonly more: HTMLButtonElement;
 
-  constructor(caption: string, columns: Column[], rows: Cell[][]) {
+  constructor(caption: string, columns: Column[], rows: Cell[][], options: TableOptions = {}) {
     this.columns = columns;
     this.rows = rows;
+    this.rowHead = options.rowHead ?? 0;
+    this.sorted = options.sorted ?? -1;
+    this.page = options.page ?? PAGE;
+    this.shown = this.page;
     const head = el('tr');
     columns.forEach((column, i) => {
       const cell = el(
         'th',
-        { scope: 'col', class: column.numeric ? 'number' : undefined, 'aria-sort': 'none' },
+        { scope: 'col', class: column.numeric ? 'number' : undefined, 'aria-sort': i === this.sorted ? 'ascending' : 'none' },
         button(column.name, () => this.sort(i), { title: column.title ?? `Sort by ${column.name}` }),
       );
       this.heads.push(cell);
       head.append(cell);
     });
     this.more = button('', () => {
-      this.shown += 5 * PAGE;
+      this.shown += 5 * this.page;
       this.fill();
     });
     const table = el('table', {}, el('caption', {}, caption), el('thead', {}, head), this.body);
@@ -53,8 +77,14 @@ export class SortTable {
 
   set(rows: Cell[][]): void {
     this.rows = rows;
-    this.shown = PAGE;
+    this.shown = this.page;
     if (this.sorted >= 0) this.arrange();
+    this.fill();
+  }
+
+  /** No row is left for the button, as on paper. */
+  showAll(): void {
+    this.shown = this.rows.length;
     this.fill();
   }
 
@@ -90,7 +120,9 @@ export class SortTable {
     row.forEach((value, i) => {
       const column = this.columns[i];
       const text = value === null ? '-' : column.text ? column.text(value) : String(value);
-      line.append(i === 0 ? el('th', { scope: 'row' }, text) : el('td', { class: column.numeric ? 'number' : undefined }, text));
+      const shown = value !== null && column.show ? column.show(value) : text;
+      const kind = column.numeric ? 'number' : undefined;
+      line.append(i === this.rowHead ? el('th', { scope: 'row' }, shown) : el('td', { class: kind }, shown));
     });
     return line;
   }

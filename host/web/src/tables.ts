@@ -2,16 +2,9 @@
 import type { Detail } from './detail';
 import { el, select } from './dom';
 import { eventName, EVENTS, HARD } from './events';
-import { baseName, fixed, timeText, whole } from './format';
+import { baseName, timeText } from './format';
 import type { Report } from './report';
-import { type Cell, type Column, SortTable } from './table';
-
-const digits = (n: number) => (value: Cell) => fixed(value as number, n);
-const count = (value: Cell) => whole(value as number);
-
-const text = (name: string, title?: string): Column => ({ name, title });
-const number = (name: string, show: (value: Cell) => string, title?: string): Column => ({ name, title, numeric: true, text: show });
-const hundred = (ratio: number | null): number | null => (ratio === null ? null : 100 * ratio);
+import { type Cell, count, digits, hundred, number, SortTable, text } from './table';
 
 export function systemTable(report: Report): HTMLElement {
   const columns = [

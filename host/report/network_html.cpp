@@ -1,0 +1,72 @@
+#include "host/report/network_html.h"
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <string_view>
+
+#include "host/report/page_data.h"
+#include "host/rinex/civil_time.h"
+
+namespace orsolva_host {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+template <typename T>
+Json ValueOf(const std::optional<T>& value) {
+  return value ? Json(*value) : Json(nullptr);
+}
+
+Json TextOf(const std::string& text) { return text.empty() ? Json(nullptr) : Json(text); }
+
+Json RowJson(const NetworkRow& row, const std::string& path) {
+  Json j;
+  j["file"] = row.file;
+  j["page"] = row.page.empty() ? Json(nullptr) : Json(LinkTo(row.page, path));
+  j["marker"] = TextOf(row.marker);
+  j["state"] = StateOf(row);
+  j["error"] = TextOf(ErrorOf(row));
+  j["first_epoch_gpst"] = row.first_epoch ? Json(TimeText(*row.first_epoch)) : Json(nullptr);
+  j["duration_h"] = row.judged ? Json(row.duration_h) : Json(nullptr);
+  j["lost_epochs"] = row.judged ? Json(row.lost_epochs) : Json(nullptr);
+  j["completeness_ratio"] = ValueOf(row.summary.completeness);
+  j["mp1_rms_m"] = ValueOf(row.summary.mp1_m);
+  j["mp2_rms_m"] = ValueOf(row.summary.mp2_m);
+  j["observations_per_slip"] = ValueOf(row.summary.obs_per_slip);
+  j["notices"] = row.judged ? Json(row.notices) : Json(nullptr);
+  return j;
+}
+
+}  // namespace
+
+std::string LinkTo(const std::string& file, const std::string& page) {
+  namespace fs = std::filesystem;
+  const fs::path from = fs::absolute(page).lexically_normal().parent_path();
+  const std::string relative =
+      fs::absolute(file).lexically_normal().lexically_relative(from).generic_string();
+  constexpr std::string_view kPlain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~/";
+  constexpr char kHex[] = "0123456789ABCDEF";
+  std::string link;
+  for (const char c : relative) {
+    if (kPlain.find(c) != std::string_view::npos) {
+      link += c;
+    } else {
+      const auto byte = static_cast<unsigned char>(c);
+      link += {'%', kHex[byte >> 4U], kHex[byte & 15U]};
+    }
+  }
+  return link;
+}
+
+std::string NetworkHtml(const std::vector<NetworkRow>& rows, const NetworkHead& head,
+                        const std::string& path) {
+  Json j;
+  j["library_version"] = head.library_version;
+  j["profile"] = TextOf(head.profile);
+  j["rows"] = Json::array();
+  for (const NetworkRow& row : rows) j["rows"].push_back(RowJson(row, path));
+  const std::string json = InsideScript(j.dump(1, ' ', false, Json::error_handler_t::replace));
+  return FilledPage(NetworkPage(), DataElement("network-data", "application/json", json));
+}
+
+}  // namespace orsolva_host

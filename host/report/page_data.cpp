@@ -1,0 +1,72 @@
+#include "host/report/page_data.h"
+
+// Embeds a file as it lies in host/web/dist, from NAME_begin to NAME_end.
+#define ORSOLVA_EMBED(NAME, FILE)                     \
+  __asm__(                                            \
+      ".section .rodata\n"                            \
+      ".global " NAME                                 \
+      "_begin\n"                                      \
+      ".global " NAME "_end\n" NAME                   \
+      "_begin:\n"                                     \
+      ".incbin \"" ORSOLVA_PAGES "/" FILE "\"\n" NAME \
+      "_end:\n"                                       \
+      ".byte 0\n"                                     \
+      ".text\n")
+
+ORSOLVA_EMBED("orsolva_report_page", "report.html");
+ORSOLVA_EMBED("orsolva_network_page", "network.html");
+
+extern "C" const char orsolva_report_page_begin[];
+extern "C" const char orsolva_report_page_end[];
+extern "C" const char orsolva_network_page_begin[];
+extern "C" const char orsolva_network_page_end[];
+
+namespace orsolva_host {
+
+std::string_view ReportPage() {
+  return {orsolva_report_page_begin,
+          static_cast<std::size_t>(orsolva_report_page_end - orsolva_report_page_begin)};
+}
+
+std::string_view NetworkPage() {
+  return {orsolva_network_page_begin,
+          static_cast<std::size_t>(orsolva_network_page_end - orsolva_network_page_begin)};
+}
+
+const char* const kPageDataMark = "<!--DATA-->";
+
+std::string FilledPage(std::string_view page, std::string_view elements) {
+  const std::size_t mark = page.find(kPageDataMark);
+  std::string html(page.substr(0, mark));
+  html += elements;
+  html += page.substr(mark + std::string_view(kPageDataMark).size());
+  return html;
+}
+
+std::string DataElement(const char* id, const char* type, std::string_view data) {
+  std::string element = "<script type=\"";
+  element += type;
+  element += "\" id=\"";
+  element += id;
+  element += "\">";
+  element += data;
+  element += "</script>\n";
+  return element;
+}
+
+std::string InsideScript(std::string json) {
+  const auto replace = [&json](std::string_view what, std::string_view with) {
+    std::string out;
+    std::size_t from = 0;
+    for (std::size_t at; (at = json.find(what, from)) != std::string::npos; from = at + what.size()) {
+      out.append(json, from, at - from).append(with);
+    }
+    if (from > 0) json = out.append(json, from, std::string::npos);
+  };
+  replace("<", "\\u003c");
+  replace("\xe2\x80\xa8", "\\u2028");
+  replace("\xe2\x80\xa9", "\\u2029");
+  return json;
+}
+
+}  // namespace orsolva_host

@@ -1,0 +1,148 @@
+// The index of a run over many files in a browser: rows, order, sorting, links, hostile names, themes, paper, keyboard.
+//
+// usage: node --test network.test.mjs, with NETWORK (the index; its folder holds the pages and network.csv) in the
+// environment; see run.sh.
+import assert from 'node:assert/strict';
+import { existsSync, readFileSync, statSync } from 'node:fs';
+import { dirname } from 'node:path';
+import { after, before, describe, it } from 'node:test';
+import { fileURLToPath } from 'node:url';
+import { launch, open } from './browser.mjs';
+
+const NETWORK = process.env.NETWORK;
+/** Plain fields of network.csv, in which the worst comes first as well. */
+const csv = readFileSync(`${dirname(NETWORK)}/network.csv`, 'utf8').trim().split('\n').slice(1).map((line) => line.split(','));
+const NAME = 0, STATE = 2, COMPLETENESS = 11, MP1 = 12;
+
+let browser;
+before(async () => {
+  browser = await launch();
+});
+after(async () => {
+  await browser.close();
+});
+
+const baseName = (path) => path.slice(path.lastIndexOf('/') + 1);
+const names = (page) => page.locator('tbody th .file > :first-child').allInnerTexts();
+const column = (page, i) => page.locator(`tbody tr > :nth-child(${i + 1})`).allInnerTexts();
+const press = (page, name) => page.locator('thead').getByRole('button', { name: new RegExp(`^${name}`) }).click();
+
+describe('index', () => {
+  it('has a row a file, verdict first and worst first, as the CSV has them', async () => {
+    const { context, page, problems, requests } = await open(browser, NETWORK);
+    assert.ok(csv.length >= 6);
+    assert.deepEqual(await names(page), csv.map((row) => baseName(row[NAME])));
+    const words = { ERROR: 'Error', fail: 'Failed', good: 'Good' };
+    assert.deepEqual(await column(page, 0), csv.map((row) => words[row[STATE]]));
+    assert.deepEqual(new Set(csv.map((row) => row[STATE])), new Set(['ERROR', 'fail', 'good']));
+    assert.equal((await page.locator('thead th').first().innerText()).split(' ')[0], 'Verdict');
+    const percents = csv.map((row) => (row[COMPLETENESS] ? (100 * row[COMPLETENESS]).toFixed(2) : '-'));
+    assert.deepEqual(await column(page, 5), percents);
+    assert.deepEqual(problems, []);
+    assert.equal(requests.length, 1);
+    await context.close();
+  });
+
+  it('tells why a file could not be judged, and counts the states', async () => {
+    const { context, page } = await open(browser, NETWORK);
+    const failed = page.locator('tbody tr', { has: page.locator('.state', { hasText: /^Error$/ }) });
+    assert.equal(await failed.count(), csv.filter((row) => row[STATE] === 'ERROR').length);
+    assert.ok((await failed.first().locator('.error').innerText()).includes('found "'), await failed.first().innerText());
+    assert.equal(await failed.locator('a').count(), 0);
+    const tiles = (await page.locator('.tiles').innerText()).replaceAll('\n', ' ');
+    for (const [tile, state] of [['Errors', 'ERROR'], ['Failed', 'fail'], ['Good', 'good']]) {
+      const count = csv.filter((row) => row[STATE] === state).length;
+      assert.ok(tiles.includes(`${tile} ${count}`), `${tile} ${count}: ${tiles}`);
+    }
+    await context.close();
+  });
+
+  it('leads from every judged file to a page that is there', async () => {
+    const { context, page, problems } = await open(browser, NETWORK);
+    const links = page.locator('tbody a');
+    const judged = csv.filter((row) => row[STATE] !== 'ERROR').map((row) => baseName(row[NAME]));
+    assert.deepEqual(await links.allInnerTexts(), judged);
+    for (const href of await links.evaluateAll((all) => all.map((a) => [a.getAttribute('href'), a.href]))) {
+      assert.match(href[0], /^[A-Za-z0-9%._~/-]+$/);
+      assert.ok(existsSync(fileURLToPath(href[1])), href[1]);
+    }
+    for (const name of judged) {
+      await page.locator('tbody').getByRole('link', { name, exact: true }).click();
+      await page.waitForFunction(() => window.orsolva?.report !== undefined);
+      const file = await page.evaluate(() => window.orsolva.report.run.observation_file);
+      assert.equal(baseName(file), name);
+      await page.goto(`file://${NETWORK}`);
+    }
+    assert.deepEqual(problems, []);
+    await context.close();
+  });
+
+  it('sorts by every column and comes back to the worst first', async () => {
+    const { context, page } = await open(browser, NETWORK);
+    const first = await names(page);
+    const head = (name) => page.locator('thead th', { hasText: name });
+    assert.equal(await head('Verdict').getAttribute('aria-sort'), 'ascending');
+    await press(page, 'MP1 m');
+    assert.equal(await head('MP1 m').getAttribute('aria-sort'), 'descending');
+    assert.equal(await head('Verdict').getAttribute('aria-sort'), 'none');
+    const figures = csv.map((row) => row[MP1]).filter((text) => text !== '').map(Number).sort((a, b) => b - a);
+    const missing = csv.length - figures.length;
+    assert.deepEqual(await column(page, 7), [...figures.map((x) => x.toFixed(3)), ...Array(missing).fill('-')]);
+    await press(page, 'File');
+    assert.deepEqual(await names(page), [...first].sort());
+    await press(page, 'File');
+    assert.deepEqual(await names(page), [...first].sort().reverse());
+    await page.locator('thead').getByRole('button', { name: 'Verdict' }).focus();
+    await page.keyboard.press('Enter');
+    assert.deepEqual(await names(page), first);
+    await context.close();
+  });
+
+  it('keeps names and errors text, whatever markup or scheme they hold', async () => {
+    const { context, page, problems } = await open(browser, NETWORK);
+    const text = await page.locator('main').innerText();
+    for (const hostile of ['<img src=x onerror=hacked=1>.rnx', 'javascript:hacked=1.rnx', '<script>hacked=1<script>.rnx']) {
+      assert.ok(text.includes(hostile), hostile);
+    }
+    assert.ok(text.includes('"<script>hacked=1</script>"'), 'the error quotes the file');
+    assert.equal(await page.locator('main img, main script').count(), 0);
+    assert.equal(await page.evaluate(() => window.hacked), undefined);
+    assert.ok((await page.locator('a').evaluateAll((all) => all.map((a) => a.protocol))).every((p) => p === 'file:'));
+    assert.deepEqual(problems, []);
+    await context.close();
+  });
+
+  it('is small, light or dark, printable and fit for a phone', async () => {
+    assert.ok(statSync(NETWORK).size < 40_000, `${statSync(NETWORK).size} bytes`);
+    for (const [colorScheme, other] of [['light', 'dark'], ['dark', 'light']]) {
+      const { context, page } = await open(browser, NETWORK, { colorScheme });
+      assert.equal(await page.evaluate(() => document.documentElement.dataset.theme), colorScheme);
+      await page.locator('#theme').click();
+      assert.equal(await page.evaluate(() => document.documentElement.dataset.theme), other);
+      assert.equal((await page.pdf({ format: 'A4' })).subarray(0, 5).toString(), '%PDF-');
+      assert.equal(await page.evaluate(() => document.documentElement.dataset.theme), other);
+      await context.close();
+    }
+    const phone = await open(browser, NETWORK, { viewport: { width: 360, height: 740 }, isMobile: true, hasTouch: true });
+    assert.ok((await phone.page.evaluate(() => document.documentElement.scrollWidth)) <= 360);
+    await phone.context.close();
+  });
+
+  it('has names for every control, one h1, headers of columns and rows, and a way past the head', async () => {
+    const { context, page } = await open(browser, NETWORK);
+    const faults = await page.evaluate(() => {
+      const found = [];
+      if (document.querySelectorAll('h1').length !== 1) found.push('h1');
+      for (const b of document.querySelectorAll('button, a')) if (!b.textContent.trim() && !b.hidden) found.push(b.outerHTML);
+      const table = document.querySelector('table');
+      if (!table.caption || table.querySelectorAll('thead th[scope=col]').length !== table.tHead.rows[0].cells.length) found.push('heads');
+      for (const r of table.tBodies[0].rows) if (r.querySelectorAll('th[scope=row]').length !== 1) found.push('row');
+      return found;
+    });
+    assert.deepEqual(faults, []);
+    await page.keyboard.press('Tab');
+    assert.equal(await page.evaluate(() => document.activeElement.className), 'skip');
+    assert.ok(await page.evaluate(() => document.querySelector(document.activeElement.getAttribute('href')) !== null));
+    await context.close();
+  });
+});

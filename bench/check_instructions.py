@@ -3,6 +3,9 @@
 
 usage: bench/check_instructions.py BUILD [--write]
 
+Two spans of one sky are held against each other besides: the longer one may cost little more by
+satellite-epoch than the shorter one, so that nothing grows with what has gone before.
+
 Counts repeat to a small fraction of a percent, unlike times. A case fails when it takes more than its budget;
 --write sets the budgets to what is counted now plus the margin, for a change that is meant to cost more (or
 has made things cheaper). A count below half the budget fails as well: the budget has ceased to guard.
@@ -21,15 +24,20 @@ BUDGETS = HERE / "instruction_budgets.json"
 PLAIN = {"GLIBC_TUNABLES": "glibc.cpu.hwcaps=-AVX,-AVX2,-AVX512F,-FMA,-FMA4,-ERMS"}
 MARGIN = 1.05  # other compilers and C libraries of one kind differ by less
 
+SHORT_SPAN, LONG_SPAN = "six-hours-120s", "two-days-120s"
+MOST_GROWTH = 1.08  # of the cost by satellite-epoch from the short span to the long one
 
-def instructions(build: pathlib.Path, case: str) -> int:
+
+def instructions(build: pathlib.Path, case: str) -> tuple[int, int]:
+    """What a case takes, and how many satellite-epochs it judges."""
     with tempfile.TemporaryDirectory() as folder:
         command = [
             "valgrind", "--tool=callgrind", "--toggle-collect=CountedRun*",
             f"--callgrind-out-file={folder}/out", str(build / "bin" / "instruction_case"), case,
         ]
         done = subprocess.run(command, capture_output=True, text=True, check=True, env={**os.environ, **PLAIN})
-    return int(re.search(r"Collected : (\d+)", done.stderr).group(1))
+    counted = re.search(r"Collected : (\d+)", done.stderr).group(1)
+    return int(counted), int(re.search(r"(\d+) satellite-epochs", done.stdout).group(1))
 
 
 def judge(counted: int, budget: int) -> str:
@@ -43,13 +51,20 @@ def main() -> int:
     write = "--write" in sys.argv[2:]
     budgets = json.loads(BUDGETS.read_text())
     over = 0
+    costs = {}
     for case, budget in budgets.items():
-        counted = instructions(build, case)
+        counted, satellite_epochs = instructions(build, case)
+        costs[case] = counted / satellite_epochs
         if write:
             budgets[case] = int(counted * MARGIN)
         verdict = "" if write else judge(counted, budget)
         over += verdict != ""
         print(f"{case:20} {counted:>14,} of {budgets[case]:>14,} {verdict}")
+    growth = costs[LONG_SPAN] / costs[SHORT_SPAN]
+    grown = growth > MOST_GROWTH
+    print(f"{LONG_SPAN} against {SHORT_SPAN} by satellite-epoch: {growth:.3f} of {MOST_GROWTH}",
+          "GROWS WITH THE SPAN" if grown else "")
+    over += grown
     if write:
         BUDGETS.write_text(json.dumps(budgets, indent=2) + "\n")
     return 1 if over else 0

@@ -13,10 +13,28 @@ using orsolva_test::Process;
 using orsolva_test::Results;
 using orsolva_test::SimulatedSky;
 
-orsolva_test::SkyOptions Options(double interval, int epochs) {
+struct Case {
+  const char* Name;
+  double Interval;  // s
+  int Epochs;
+  int Batch;  // epochs a call
+  bool PositionGiven;
+};
+
+// The two spans differ in nothing but their length: what they cost by satellite-epoch is compared.
+constexpr Case kCases[] = {
+    {"empty", 30.0, 1, 120, true},
+    {"hour-30s", 30.0, 120, 120, true},
+    {"live-1s", 1.0, 120, 1, true},
+    {"computed-position", 30.0, 120, 120, false},
+    {"six-hours-120s", 120.0, 180, 30, true},
+    {"two-days-120s", 120.0, 1440, 30, true},
+};
+
+orsolva_test::SkyOptions Options(const Case& chosen) {
   orsolva_test::SkyOptions options;
-  options.Interval = interval;
-  options.Epochs = epochs;
+  options.Interval = chosen.Interval;
+  options.Epochs = chosen.Epochs;
   options.MissingShare = 0.02;
   return options;
 }
@@ -32,23 +50,26 @@ extern "C" __attribute__((noinline)) void CountedRun(const SimulatedSky& sky, co
     process.Feed(sky.Epochs.data() + at, count - at < batch ? count - at : batch);
   }
   const Results results(process);
-  std::printf("%u epochs\n", static_cast<unsigned>(results.Whole->sys[0].observed_epochs));
+  std::printf("%u epochs observed\n", static_cast<unsigned>(results.Whole->sys[0].observed_epochs));
 }
 
 }  // namespace
 
 int main(int count, char** arguments) {
   const std::string name = count > 1 ? arguments[1] : "";
-  const bool thirty = name == "hour-30s";
-  const bool position = name == "computed-position";
-  const bool live = name == "live-1s";
-  if (!thirty && !position && !live && name != "empty") {
-    std::fprintf(stderr, "usage: instruction_case hour-30s | computed-position | live-1s | empty\n");
-    return 2;
+  for (const Case& chosen : kCases) {
+    if (name != chosen.Name) continue;
+    const SimulatedSky sky(Options(chosen));
+    config_qct config = sky.Config();
+    config.enable_position = chosen.PositionGiven ? 1 : 0;
+    long satellite_epochs = 0;
+    for (const ObsEpoch_QC_gbt& epoch : sky.Epochs) satellite_epochs += epoch.sat_num;
+    std::printf("%ld satellite-epochs\n", satellite_epochs);
+    CountedRun(sky, config, chosen.Batch);
+    return 0;
   }
-  const SimulatedSky sky(Options(live ? 1.0 : 30.0, name == "empty" ? 1 : 120));
-  config_qct config = sky.Config();
-  if (position) config.enable_position = 0;
-  CountedRun(sky, config, live ? 1 : 120);
-  return 0;
+  std::fprintf(stderr, "usage: instruction_case NAME; names:");
+  for (const Case& one : kCases) std::fprintf(stderr, " %s", one.Name);
+  std::fprintf(stderr, "\n");
+  return 2;
 }

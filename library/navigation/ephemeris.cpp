@@ -98,6 +98,14 @@ bool Ephemeris::SatellitePosition(const EphemerisChoice& choice, const AbsoluteT
   });
 }
 
+bool Ephemeris::Motion(const SatelliteId& satellite, const AbsoluteTime& reception, double pseudorange,
+                       BoundedMotion& motion) const {
+  motion = BoundedMotion{};
+  return WithStore(*this, satellite.system, [&](const auto& store) {
+    return store.Motion(satellite, reception, pseudorange, motion);
+  });
+}
+
 bool Ephemeris::CoveredAtOrAfter(const SatelliteId& satellite, const AbsoluteTime& from,
                                  AbsoluteTime& at) const {
   return WithStore(*this, satellite.system,

@@ -57,6 +57,12 @@ class Ephemeris {
   bool SatellitePosition(const EphemerisChoice& choice, const AbsoluteTime& reception, double pseudorange,
                          SatelliteState& state) const;
 
+  /// Place of a satellite at a reception time, how fast it moves at most, and for how long that is known;
+  /// lets callers skip times at which a direction cannot have changed.
+  /// @return false when it has no position or its motion cannot be bounded
+  bool Motion(const SatelliteId& satellite, const AbsoluteTime& reception, double pseudorange,
+              BoundedMotion& motion) const;
+
   /// Earliest time at or after `from` (GPS time) at which some record of the satellite is within the maximum
   /// age; lets callers skip spans without records. Rounded outward: never later than the true one by more
   /// than a microsecond, and possibly a little earlier.

@@ -9,30 +9,18 @@
 namespace gnssqctoolkit {
 namespace {
 
-constexpr double kSameFraction = 1e-12;    // s, between the clock times of one record loaded twice
-constexpr double kFarAway = 1e9;           // s, records further from a time are never its nearest
-constexpr double kLeadMargin = 1e-5;       // s, for the rounding of ages below kFarAway
-constexpr double kCoverMargin = 1e-6;      // s, for the rounding of ages
-constexpr double kCalendarMargin = 100.0;  // s, for the shift to BDS time at the ends of the calendar
+constexpr double kSameFraction = 1e-12;  // s, between the clock times of one record loaded twice
 
 bool IsFinite(const SatelliteState& state) {
   return std::isfinite(state.Position[0]) && std::isfinite(state.Position[1]) &&
          std::isfinite(state.Position[2]) && std::isfinite(state.Clock);
 }
 
-// Ages of such times are exact to kLeadMargin; a larger fraction would swallow whole seconds.
+// A larger fraction would swallow whole seconds.
 bool HasPlainFraction(const AbsoluteTime& t) { return std::fabs(t.Fraction) <= 1e3; }
 
 bool HasRange(double pseudorange) {
   return std::fabs(pseudorange) >= kAbsentRange && std::isfinite(pseudorange);
-}
-
-// Times outside the calendar collapse to zero on their way to BDS time.
-double SecondsToCollapsedTime(const AbsoluteTime& t, int direction) {
-  const double since_begin = TimeDifference(t, {kCalendarBegin, kCalendarMargin});
-  const double to_end = TimeDifference({kCalendarEnd, -kCalendarMargin}, t);
-  if (since_begin > 0.0 && to_end > 0.0) return direction > 0 ? to_end : since_begin;
-  return 0.0;
 }
 
 // How much later than its reference time, read as GPS time, a record may count: BDS time is behind GPS time
@@ -58,12 +46,13 @@ bool SatelliteEphemeris<Traits>::Add(const Record& record) {
   }
   if (Count() >= kMaxRecordsPerSatellite) {
     records_.erase(records_.begin());
-    references_.erase(references_.begin());
+    references_.DropFirst();
   }
   nearest_ = Nearest{};
-  references_.reserve(records_.size() + 1);  // so that a failing allocation leaves both lists alike
+  // First, so that a failing allocation leaves both lists alike.
+  if (records_.size() == records_.capacity()) records_.reserve(2 * records_.size() + 8);
+  references_.Add(Traits::ReferenceTime(record));
   records_.push_back(record);
-  references_.push_back(Traits::ReferenceTime(record));
   return true;
 }
 
@@ -75,7 +64,7 @@ const typename Traits::Record* SatelliteEphemeris<Traits>::At(int i) const {
 template <class Traits>
 void SatelliteEphemeris<Traits>::Release() {
   std::vector<Record>().swap(records_);
-  std::vector<AbsoluteTime>().swap(references_);
+  references_.Clear();
   nearest_ = Nearest{};
   memory_ = typename Traits::Memory{};
 }
@@ -86,69 +75,44 @@ int SatelliteEphemeris<Traits>::ChooseIssue(const AbsoluteTime& t, std::int32_t 
   if constexpr (Traits::kHasIode) {
     for (std::size_t i = 0; i < records_.size(); ++i) {
       if (records_[i].prn != prn || records_[i].iode != iode) continue;
-      if (YoungEnough(std::fabs(TimeDifference(t, references_[i])))) return static_cast<int>(i);
+      if (YoungEnough(std::fabs(TimeDifference(t, Reference(static_cast<int>(i))))))
+        return static_cast<int>(i);
     }
   }
   return -1;
 }
 
 template <class Traits>
-typename SatelliteEphemeris<Traits>::Nearest SatelliteEphemeris<Traits>::FindNearest(const AbsoluteTime& t,
-                                                                                     std::int32_t prn) const {
-  Nearest found{t, prn, -1, 0.0};
-  double best = kFarAway;
-  double second = kFarAway;  // a lone record leads by so much
-  bool plain = HasPlainFraction(t);
-  for (std::size_t i = 0; i < records_.size(); ++i) {
-    if (records_[i].prn != prn) continue;
-    plain = plain && HasPlainFraction(references_[i]);
-    const double age = std::fabs(TimeDifference(t, references_[i]));
-    if (age <= best) {
-      second = best;
-      best = age;
-      found.Index = static_cast<int>(i);
-    } else if (age < second) {
-      second = age;
-    }
-  }
-  // Twice the time between two epochs is what the lead can shrink by; the margin is for rounding.
-  found.Lead = plain ? second - best - kLeadMargin : 0.0;
-  return found;
-}
-
-template <class Traits>
 int SatelliteEphemeris<Traits>::Choose(const AbsoluteTime& t, std::int32_t prn, std::int32_t iode) const {
   if (Traits::kHasIode && iode >= 0) return ChooseIssue(t, prn, iode);
-  const bool still_nearest = nearest_.Prn == prn && HasPlainFraction(t) &&
-                             2.0 * std::fabs(TimeDifference(t, nearest_.Time)) < nearest_.Lead;
-  if (!still_nearest) nearest_ = FindNearest(t, prn);
+  if (records_.empty() || records_.front().prn != prn) return -1;
+  // Twice the time between two epochs is what the lead can shrink by.
+  const bool still_nearest =
+      HasPlainFraction(t) && 2.0 * std::fabs(TimeDifference(t, nearest_.Time)) < nearest_.Lead;
+  if (!still_nearest) {
+    nearest_.Time = t;
+    nearest_.Index = references_.Nearest(t, nearest_.Lead);
+  }
   if (nearest_.Index < 0) return -1;
   return YoungEnough(std::fabs(TimeDifference(t, Reference(nearest_.Index)))) ? nearest_.Index : -1;
 }
 
 template <class Traits>
+bool SatelliteEphemeris<Traits>::ChosenAround(const AbsoluteTime& t, int i, double& before_s,
+                                              double& after_s) const {
+  if (!references_.NearestAround(t, i, before_s, after_s)) return false;
+  const double age = TimeDifference(t, Reference(i));
+  const double bounded = std::fmin(max_age_s_, Traits::kBoundedAge);
+  before_s = std::fmin(before_s, bounded + age);
+  after_s = std::fmin(after_s, bounded - age);
+  return true;
+}
+
+template <class Traits>
 bool SatelliteEphemeris<Traits>::NearestCovered(const AbsoluteTime& t, int direction, double widen_s,
                                                 double& offset_s) const {
-  bool found = false;
-  for (const AbsoluteTime& reference : references_) {
-    const double to_reference = TimeDifference(reference, t);
-    // A record whose own time collapsed is near every other that did.
-    if (std::is_same_v<Traits, BdsTraits> &&
-        std::fabs(TimeDifference(reference, AbsoluteTime{})) <= kLongestMaxAge) {
-      const double offset = SecondsToCollapsedTime(t, direction);
-      if (!found || offset < offset_s) offset_s = offset;
-      found = true;
-    }
-    const double reach = max_age_s_ + kCoverMargin + std::fabs(to_reference) * 1e-15;
-    const double first = to_reference - reach, last = to_reference + reach + widen_s;
-    const double near_edge = direction > 0 ? first : -last;
-    const double far_edge = direction > 0 ? last : -first;
-    if (!(far_edge >= 0.0)) continue;
-    const double offset = near_edge > 0.0 ? near_edge : 0.0;
-    if (!found || offset < offset_s) offset_s = offset;
-    found = true;
-  }
-  return found;
+  constexpr bool kCollapses = std::is_same_v<Traits, BdsTraits>;
+  return references_.NearestCovered(t, direction, {max_age_s_, widen_s, kCollapses}, offset_s);
 }
 
 template <class Traits>
@@ -225,6 +189,20 @@ int SystemEphemeris<Traits>::SatellitePosition(const Record& record, const Absol
   if (!IsFinite(formed)) return 0;
   state = formed;
   return 1;
+}
+
+template <class Traits>
+bool SystemEphemeris<Traits>::Motion(const SatelliteId& satellite, const AbsoluteTime& reception,
+                                     double pseudorange, BoundedMotion& motion) const {
+  const SatelliteEphemeris<Traits>* store = Satellite(satellite);
+  if (store == nullptr) return false;
+  const AbsoluteTime t = Traits::RecordTime(Traits::StoreTime(reception));
+  const int chosen = store->Choose(t, satellite.prn, -1);
+  if (chosen < 0 || !store->ChosenAround(t, chosen, motion.Before, motion.After)) return false;
+  const Record& record = *store->At(chosen);
+  motion.SpeedLimit = Traits::SpeedLimit(record, store->Reference(chosen));
+  return std::isfinite(motion.SpeedLimit) &&
+         SatellitePosition(record, store->Reference(chosen), reception, pseudorange, motion.State) == 1;
 }
 
 template <class Traits>

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "navigation/ephemeris_traits.h"
+#include "navigation/reference_times.h"
 #include "navigation/satellite_state.h"
 #include "toolkit/satellite.h"
 #include "toolkit/time.h"
@@ -19,6 +20,14 @@ namespace gnssqctoolkit {
 inline constexpr int kMaxRecordsPerSatellite = 168;
 /// Longest age that may be set, s.
 inline constexpr double kLongestMaxAge = 86400.0;
+
+/// A satellite at a time, and how little it moves about then.
+struct BoundedMotion {
+  SatelliteState State;
+  double SpeedLimit = 0.0;  ///< m/s, of the position in the Earth-fixed frame
+  double Before = 0.0;      ///< s before the time during which it has a position and the limit holds
+  double After = 0.0;       ///< s after the time
+};
 
 /// Records of one satellite in the order of their arrival.
 template <class Traits>
@@ -40,7 +49,11 @@ class SatelliteEphemeris {
   /// With an issue of data of 0 or more the first record of that issue within the age, else the record
   /// nearest in time, the later stored of two equally near.
   int Choose(const AbsoluteTime& t, std::int32_t prn, std::int32_t iode) const;
-  const AbsoluteTime& Reference(int i) const { return references_[static_cast<std::size_t>(i)]; }
+  const AbsoluteTime& Reference(int i) const { return references_.At(i); }
+  /// For how long before and after t record i, chosen for it, surely stays the choice, and a bound of its
+  /// speed holds.
+  /// @return false when nothing is sure
+  bool ChosenAround(const AbsoluteTime& t, int i, double& before_s, double& after_s) const;
   /// What forming a position may keep for the next one. Never changes what comes out.
   typename Traits::Memory& Memory() const { return memory_; }
 
@@ -52,18 +65,16 @@ class SatelliteEphemeris {
 
  private:
   std::vector<Record> records_;
-  std::vector<AbsoluteTime> references_;  // parallel to the records
+  ReferenceTimes references_;  // parallel to the records
   double max_age_s_ = Traits::kDefaultMaxAge;
 
   // The record nearest to a time, whatever its age, and how far off the second nearest is. It stays the
-  // nearest for all times close by, which spares most epochs the walk over the records.
+  // nearest for all times close by, which spares most epochs the search among the records.
   struct Nearest {
     AbsoluteTime Time;
-    std::int32_t Prn = 0;
     int Index = -1;
     double Lead = 0.0;  // s by which the second nearest is further away; 0 = look again
   };
-  Nearest FindNearest(const AbsoluteTime& t, std::int32_t prn) const;
   int ChooseIssue(const AbsoluteTime& t, std::int32_t prn, std::int32_t iode) const;
   bool YoungEnough(double age_s) const { return age_s <= max_age_s_; }  // not a number is no age
 
@@ -108,6 +119,10 @@ class SystemEphemeris {
   /// The same with a record found before.
   int SatellitePosition(const Record& record, const AbsoluteTime& reference, const AbsoluteTime& reception,
                         double pseudorange, SatelliteState& state) const;
+
+  /// Place and bounded motion of a satellite at a reception time; false when either cannot be told.
+  bool Motion(const SatelliteId& satellite, const AbsoluteTime& reception, double pseudorange,
+              BoundedMotion& motion) const;
 
   /// Group delay of the first stored record of a BDS satellite, s; 0.0 without records or for another system.
   /// @param which  1 = B1, 2 = B2

@@ -2,6 +2,7 @@
 
 #include "navigation/bds_orbit_type.h"
 #include "navigation/constants.h"
+#include "navigation/orbit_speed.h"
 #include "navigation/orbits.h"
 #include "toolkit/trace.h"
 
@@ -15,6 +16,12 @@ constexpr int kGlonassAccuracyIndex = 4;
 
 constexpr double kGlonassAccuracies[15] = {1.0,  2.0,  2.5,  4.0,  5.0,   7.0,   10.0, 12.0,
                                            14.0, 16.0, 32.0, 64.0, 128.0, 256.0, 512.0};
+
+constexpr KeplerModel kGpsModel = {kGmGps, kEarthRotationGps, false};
+constexpr KeplerModel kGalileoModel = {kGmBdsGalileo, kEarthRotationGps, false};
+KeplerModel BdsModel(const BdsEph_gbt& record) {
+  return {kGmBdsGalileo, kEarthRotationBds, BdsIsGeo(record.orbit_type, record.prn)};
+}
 
 // Transmission time by the satellite's clock: the reception time less the travel time of the pseudorange.
 AbsoluteTime ClockReading(const AbsoluteTime& reception, double pseudorange) {
@@ -57,21 +64,18 @@ AbsoluteTime GlonassTraits::StoreTime(const AbsoluteTime& t) { return GpsToUtc(t
 
 int GpsTraits::Position(const Record& record, const AbsoluteTime& reference, const AbsoluteTime& reception,
                         double pseudorange, Memory&, SatelliteState& state) {
-  return KeplerPosition({kGmGps, kEarthRotationGps, false}, record, reference, reception, pseudorange, 0.0,
-                        state);
+  return KeplerPosition(kGpsModel, record, reference, reception, pseudorange, 0.0, state);
 }
 
 int GalileoTraits::Position(const Record& record, const AbsoluteTime& reference,
                             const AbsoluteTime& reception, double pseudorange, Memory&,
                             SatelliteState& state) {
-  return KeplerPosition({kGmBdsGalileo, kEarthRotationGps, false}, record, reference, reception, pseudorange,
-                        0.0, state);
+  return KeplerPosition(kGalileoModel, record, reference, reception, pseudorange, 0.0, state);
 }
 
 int BdsTraits::Position(const Record& record, const AbsoluteTime& reference, const AbsoluteTime& reception,
                         double pseudorange, Memory&, SatelliteState& state) {
-  const KeplerModel model{kGmBdsGalileo, kEarthRotationBds, BdsIsGeo(record.orbit_type, record.prn)};
-  return KeplerPosition(model, record, reference, reception, pseudorange, kGpsMinusBds, state);
+  return KeplerPosition(BdsModel(record), record, reference, reception, pseudorange, kGpsMinusBds, state);
 }
 
 int GlonassTraits::Position(const Record& record, const AbsoluteTime& reference,
@@ -85,6 +89,19 @@ int GlonassTraits::Position(const Record& record, const AbsoluteTime& reference,
   state.Variance = GlonassAccuracyVariance(kGlonassAccuracyIndex);
   state.Health = record.svh;
   return 1;
+}
+
+double GpsTraits::SpeedLimit(const Record& record, const AbsoluteTime& reference) {
+  return KeplerSpeedLimit(kGpsModel, reference, ClockOf(record), ElementsOf(record));
+}
+double GalileoTraits::SpeedLimit(const Record& record, const AbsoluteTime& reference) {
+  return KeplerSpeedLimit(kGalileoModel, reference, ClockOf(record), ElementsOf(record));
+}
+double BdsTraits::SpeedLimit(const Record& record, const AbsoluteTime& reference) {
+  return KeplerSpeedLimit(BdsModel(record), reference, ClockOf(record), ElementsOf(record));
+}
+double GlonassTraits::SpeedLimit(const Record& record, const AbsoluteTime&) {
+  return GlonassSpeedLimit(record);
 }
 
 double GlonassAccuracyVariance(int index) {

@@ -6,6 +6,7 @@
 
 #include "interface/records.h"
 #include "navigation/glonass_trajectory.h"
+#include "navigation/orbit_speed.h"
 #include "navigation/satellite_state.h"
 #include "toolkit/satellite.h"
 #include "toolkit/time.h"
@@ -22,6 +23,8 @@ namespace gnssqctoolkit {
 //   RecordTime            that time in the scale of the reference times
 //   CanBePositioned       false for a number that has no position whatever its records say
 //   Memory                what is kept of a satellite between two positions
+//   kBoundedAge           how far from the reference time the bound of the speed holds
+//   SpeedLimit            upper bound of the speed of the position, m/s; infinity when there is none
 //   Position              1 and the state of one record, or 0 with the state untouched
 //   TraceMissing          the diagnostic of Select
 
@@ -35,6 +38,7 @@ struct GpsTraits {
   static constexpr int kSatellites = 35;
   static constexpr double kDefaultMaxAge = 7200.0;
   static constexpr bool kHasIode = true;
+  static constexpr double kBoundedAge = kBoundedKeplerAge;
   static AbsoluteTime ClockTime(const Record& record) { return {record.toc.time, record.toc.sec}; }
   static AbsoluteTime ReferenceTime(const Record& record);
   static AbsoluteTime StoreTime(const AbsoluteTime& t) { return t; }
@@ -42,6 +46,7 @@ struct GpsTraits {
   static bool CanBePositioned(std::int32_t) { return true; }
   static int Position(const Record& record, const AbsoluteTime& reference, const AbsoluteTime& reception,
                       double pseudorange, Memory& memory, SatelliteState& state);
+  static double SpeedLimit(const Record& record, const AbsoluteTime& reference);
   static void TraceMissing(const GNSSTime& t, const SatelliteId& satellite, int iode);
 };
 
@@ -52,6 +57,7 @@ struct GalileoTraits {
   static constexpr int kSatellites = 37;
   static constexpr double kDefaultMaxAge = 21600.0;
   static constexpr bool kHasIode = true;
+  static constexpr double kBoundedAge = kBoundedKeplerAge;
   static AbsoluteTime ClockTime(const Record& record) { return {record.toc.time, record.toc.sec}; }
   static AbsoluteTime ReferenceTime(const Record& record);
   static AbsoluteTime StoreTime(const AbsoluteTime& t) { return t; }
@@ -59,6 +65,7 @@ struct GalileoTraits {
   static bool CanBePositioned(std::int32_t) { return true; }
   static int Position(const Record& record, const AbsoluteTime& reference, const AbsoluteTime& reception,
                       double pseudorange, Memory& memory, SatelliteState& state);
+  static double SpeedLimit(const Record& record, const AbsoluteTime& reference);
   static void TraceMissing(const GNSSTime& t, const SatelliteId& satellite, int iode);
 };
 
@@ -70,6 +77,7 @@ struct BdsTraits {
   static constexpr int kSatellites = 64;
   static constexpr double kDefaultMaxAge = 21600.0;
   static constexpr bool kHasIode = true;
+  static constexpr double kBoundedAge = kBoundedKeplerAge;
   static AbsoluteTime ClockTime(const Record& record) { return {record.toc.time, record.toc.sec}; }
   static AbsoluteTime ReferenceTime(const Record& record);
   static AbsoluteTime StoreTime(const AbsoluteTime& t) { return t; }
@@ -77,6 +85,7 @@ struct BdsTraits {
   static bool CanBePositioned(std::int32_t prn);
   static int Position(const Record& record, const AbsoluteTime& reference, const AbsoluteTime& reception,
                       double pseudorange, Memory& memory, SatelliteState& state);
+  static double SpeedLimit(const Record& record, const AbsoluteTime& reference);
   static void TraceMissing(const GNSSTime& t, const SatelliteId& satellite, int iode);
 };
 
@@ -88,6 +97,7 @@ struct GlonassTraits {
   static constexpr int kSatellites = 32;
   static constexpr double kDefaultMaxAge = 1800.0;
   static constexpr bool kHasIode = false;
+  static constexpr double kBoundedAge = kBoundedGlonassAge;
   static AbsoluteTime ClockTime(const Record& record) { return {record.toe.time, record.toe.sec}; }
   static AbsoluteTime ReferenceTime(const Record& record) { return {record.toe.time, record.toe.sec}; }
   static AbsoluteTime StoreTime(const AbsoluteTime& t);
@@ -95,6 +105,7 @@ struct GlonassTraits {
   static bool CanBePositioned(std::int32_t) { return true; }
   static int Position(const Record& record, const AbsoluteTime& reference, const AbsoluteTime& reception,
                       double pseudorange, Memory& memory, SatelliteState& state);
+  static double SpeedLimit(const Record& record, const AbsoluteTime& reference);
   static void TraceMissing(const GNSSTime& t, const SatelliteId& satellite, int iode);
 };
 

@@ -16,6 +16,11 @@ constexpr double kNominalRange = 3.0e8;  // m, for the signal travel time of sam
 // double.
 constexpr std::int64_t kMostSamples = std::int64_t{1} << 40;
 
+constexpr double kRoundingRad = 1e-6;
+constexpr double kRightAngle = 1.5707963267948966;  // rad
+// s, more than leap seconds and the rounding of times shift an epoch by.
+constexpr double kScaleMargin = 10.0;
+
 constexpr std::int64_t kNone = -1;
 
 // A sample is looked for and put in its place among so many of the last ones.
@@ -49,6 +54,26 @@ bool StationView::Elevation(const gnssqctoolkit::SatelliteId& satellite, const T
   if (!UnitVector(satellite, time, unit)) return false;
   elevation = gnssqctoolkit::AzimuthElevation(frame_, unit, nullptr);
   return true;
+}
+
+double StationView::BelowFor(const gnssqctoolkit::SatelliteId& satellite, const Time_gbt& time,
+                             double limit_rad, double margin_s) const {
+  gnssqctoolkit::BoundedMotion motion;
+  double unit[3];
+  if (!ephemeris_->Motion(satellite, ToAbsolute(time), kNominalRange, motion) ||
+      gnssqctoolkit::GeometricRange(motion.State.Position, position_, unit) < 0.0) {
+    return 0.0;
+  }
+  const double rise = limit_rad - kRoundingRad - gnssqctoolkit::AzimuthElevation(frame_, unit, nullptr);
+  if (!(rise > 0.0)) return 0.0;
+  double line[3];
+  for (int i = 0; i < 3; ++i) line[i] = motion.State.Position[i] - position_[i];
+  const double distance = std::sqrt(line[0] * line[0] + line[1] * line[1] + line[2] * line[2]);
+  // Moving by s, the satellite turns the direction by an angle of which the sine is s / distance at most.
+  const double held = distance * std::sin(std::min(rise, kRightAngle)) / motion.SpeedLimit;
+  const double margin = margin_s + kScaleMargin;
+  if (!(margin <= std::min(held, motion.Before))) return 0.0;
+  return std::max(0.0, std::min(held, motion.After) - margin);
 }
 
 void ElevationSamples::Open(const StationView& view, const gnssqctoolkit::SatelliteId& satellite,

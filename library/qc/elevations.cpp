@@ -49,6 +49,11 @@ bool QcEleList::AboveCutoff(const Time_gbt& t) {
   return AboveLimit(bracket, t, Interpolate(bracket, t), mask_);
 }
 
+// The samples on either side of a time are clearly below the cut-off with it.
+double QcEleList::BelowCutoffFor(const Time_gbt& t) const {
+  return view_.BelowFor(satellite_, t, mask_ - kClearMargin, static_cast<double>(kSampleStep));
+}
+
 bool QcEleList::NearCutoff(const Time_gbt& t) {
   SampleBracket bracket;
   if (samples_.Bracket(t, bracket)) {

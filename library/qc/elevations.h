@@ -36,6 +36,9 @@ class QcEleList {
   /// The cut-off flag at any time: from the samples where they bracket it, else from the exact elevation.
   bool AboveCutoff(const Time_gbt& t);
 
+  /// For how long from `t` on the cut-off flag surely stays down, s; 0 when nothing is known.
+  double BelowCutoffFor(const Time_gbt& t) const;
+
   /// The satellite stands within half a degree of the cut-off. False where the samples tell that it does not,
   /// and where it has no position.
   bool NearCutoff(const Time_gbt& t);

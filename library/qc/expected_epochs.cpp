@@ -10,6 +10,8 @@ namespace orsolva {
 namespace {
 
 constexpr double kLookStep = 60.0;                 // s between two looks at the flag
+constexpr double kMostLooks = 2000.0;              // of a day in one step
+constexpr double kLeastSteps = 8.0;                // looked at one by one without asking for more
 constexpr std::int64_t kCloseLooks = 60;           // looks at a run close to the cut-off
 constexpr double kMostSteps = 4503599627370496.0;  // 2^52
 constexpr double kLongestGap = 1.0e12;             // s; anything longer is no gap but a broken clock
@@ -35,11 +37,20 @@ std::uint64_t NominalGap::CountAboveCutoff() const {
 
 std::uint64_t NominalGap::CountOneByOne() const {
   std::uint64_t count = 0;
+  Time_gbt below_from = last_;
+  double below_for = 0.0;
   gnssqctoolkit::AbsoluteTime nominal = gnssqctoolkit::AbsoluteTimeAdd(ToAbsolute(last_), interval_);
   // The count of steps ends it too: a fraction beyond all measure does not move when the interval is added.
   for (int k = 0; k <= static_cast<int>(kLiteralSteps); ++k) {
     if (!(TimeDifference(current_, FromAbsolute(nominal)) > interval_ / 2.0)) break;
-    if (elevations_.AboveCutoff(FromAbsolute(nominal))) ++count;
+    const Time_gbt t = FromAbsolute(nominal);
+    if (!(TimeDifference(t, below_from) < below_for)) {
+      const bool above = elevations_.AboveCutoff(t);
+      if (above) ++count;
+      const bool pays = !above && TimeDifference(current_, t) > kLeastSteps * interval_;
+      below_from = t;
+      below_for = pays ? elevations_.BelowCutoffFor(t) : 0.0;
+    }
     nominal = gnssqctoolkit::AbsoluteTimeAdd(nominal, interval_);
   }
   return count;
@@ -51,14 +62,27 @@ std::uint64_t NominalGap::CountRuns() const {
   std::uint64_t count = 0;
   for (std::int64_t first = 1; first <= steps;) {
     const std::int64_t last = std::min(steps, RunEnd(first));
-    count += CountRun(first, last);
+    const std::uint64_t counted = CountRun(first, last);
+    count += counted;
     first = last + 1;
+    if (counted == 0 && first <= steps) first += SurelyBelow(first);
   }
   return count;
 }
 
+// How many nominal epochs from `first` on lie below the cut-off for sure: whole looks, so that those behind
+// are looked at where they would have been.
+std::int64_t NominalGap::SurelyBelow(std::int64_t first) const {
+  const double look_s = static_cast<double>(Look()) * interval_;
+  const double looks = std::floor(elevations_.BelowCutoffFor(Nominal(first)) / look_s);
+  return looks >= 1.0 && looks < kMostLooks ? static_cast<std::int64_t>(looks) * Look() : 0;
+}
+
+// Nominal epochs between two looks.
+std::int64_t NominalGap::Look() const { return std::max<std::int64_t>(1, Steps(kLookStep, interval_)); }
+
 std::int64_t NominalGap::RunEnd(std::int64_t first) const {
-  const std::int64_t look = std::max<std::int64_t>(1, Steps(kLookStep, interval_));
+  const std::int64_t look = Look();
   const Time_gbt from = Nominal(first);
   Time_gbt covered{};
   const double still = elevations_.StandsStillFor(from);

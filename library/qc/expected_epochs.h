@@ -22,6 +22,9 @@ namespace orsolva {
 /// step at which it does is found by halving. So neither a tiny interval nor a gap of years makes the count
 /// long. In a long gap the nominal epochs are last + k * interval in one product, which differs from repeated
 /// addition by rounding only. Gaps count at most 2^52 nominal epochs.
+///
+/// Nominal epochs at which the satellite cannot have risen to the cut-off yet, because it does not move fast
+/// enough, are not looked at: they count nothing either way.
 class NominalGap {
  public:
   static constexpr double kLiteralSteps = 256.0;
@@ -35,6 +38,8 @@ class NominalGap {
   std::uint64_t CountRuns() const;
   std::uint64_t CountRun(std::int64_t first, std::int64_t last) const;
   std::uint64_t CountMonotone(std::int64_t first, std::int64_t last) const;
+  std::int64_t SurelyBelow(std::int64_t first) const;
+  std::int64_t Look() const;
   std::int64_t RunEnd(std::int64_t first) const;
   Time_gbt Nominal(std::int64_t k) const;
 

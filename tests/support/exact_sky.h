@@ -94,6 +94,28 @@ inline GloEph_gbt GlonassRecord(std::int32_t slot) {
   return r;
 }
 
+/// Satellites of four systems with records before and after the time of the sky; those of GLONASS follow no
+/// common orbit.
+inline gnssqctoolkit::Ephemeris RecordsAround() {
+  gnssqctoolkit::Ephemeris records;
+  const auto shifted = [](auto record, int hours) {
+    record.toc.time += 3600 * hours;
+    record.toes += 3600.0 * hours;
+    return record;
+  };
+  for (int hours = -6; hours <= 6; hours += 2) {
+    for (int prn = 1; prn <= 30; ++prn) records.Gps().Add(shifted(GpsRecord(prn), hours));
+    for (int prn = 1; prn <= 30; ++prn) records.Galileo().Add(shifted(GalileoRecord(prn), hours));
+    for (int prn = 1; prn <= 40; ++prn) records.Bds().Add(shifted(BdsRecord(prn), hours));
+    for (int slot = 1; slot <= 24; ++slot) {
+      GloEph_gbt record = GlonassRecord(slot);
+      record.toe.time += 3600 * hours;
+      records.Glonass().Add(record);
+    }
+  }
+  return records;
+}
+
 struct ExactSky {
   double Station[3] = {3582105.291, 532589.7313, 5232754.8054};  // ECEF, m
   double ClockTerms[4] = {30.0, 42.0, -17.0, 35.0};              // m: GPS, GLONASS, BDS, Galileo

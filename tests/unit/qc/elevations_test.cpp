@@ -2,12 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <memory>
 #include <random>
 #include <vector>
 
 #include "qc/config.h"
 #include "qc/epoch_time.h"
+#include "tests/support/exact_sky.h"
 #include "tests/support/sky.h"
 
 namespace {
@@ -198,6 +200,47 @@ TEST(ElevationFlags, OutsideTheSamplesTheCutoffComesFromTheExactElevation) {
   }
   EXPECT_GT(above, 0);
   EXPECT_LT(above, 1440);
+}
+
+// The batch covers the first hours, so that flags come from samples there and from exact elevations behind.
+TEST(ElevationFlags, StayDownForAsLongAsTheMotionOfTheSatelliteTells) {
+  const Ephemeris records = orsolva_test::RecordsAround();
+  int spans = 0;
+  double longest = 0.0;
+  for (const int system : {1, 2, 4, 8}) {
+    for (int prn = 1; prn <= 40; ++prn) {
+      const Time_gbt first{orsolva_test::kSkyTime - 9000, 0.0};
+      QcEleList list;
+      list.SetStation(records, sky::kStation, kMask);
+      list.OpenSatellite({static_cast<std::uint8_t>(system), prn}, first, {first.time + 9000, 0.0});
+      for (int k = 0; k < 30; ++k) {
+        const Time_gbt from{first.time + 613 * k, 0.0};
+        const double below = list.BelowCutoffFor(from);
+        if (below == 0.0) continue;
+        ++spans;
+        longest = std::fmax(longest, below);
+        for (const double share : {0.0, 0.1, 0.37, 0.5, 0.73, 0.9, 1.0}) {
+          const auto t = gnssqctoolkit::AbsoluteTimeAdd(ToAbsolute(from), share * below);
+          EXPECT_FALSE(list.AboveCutoff(FromAbsolute(t))) << system << " " << prn << " " << 613 * k;
+        }
+      }
+    }
+  }
+  EXPECT_GT(spans, 300);
+  EXPECT_GT(longest, 1000.0);
+}
+
+TEST(ElevationFlags, AreNotKnownToStayDownForASatelliteThatIsUpOrHasNoRecords) {
+  const Ephemeris records = orsolva_test::RecordsAround();
+  const Time_gbt from{orsolva_test::kSkyTime, 0.0};
+  for (int prn = 1; prn <= 32; ++prn) {
+    QcEleList list;
+    list.SetStation(records, sky::kStation, kMask);
+    list.OpenSatellite({1, prn}, from, from);
+    if (list.AboveCutoff(from) || prn > 30) {
+      EXPECT_EQ(list.BelowCutoffFor(from), 0.0);
+    }
+  }
 }
 
 TEST(ElevationFlags, ASpanOfManyCenturiesEnds) {

@@ -7,6 +7,7 @@
 
 #include "qc/config.h"
 #include "qc/epoch_time.h"
+#include "tests/support/exact_sky.h"
 #include "tests/support/sky.h"
 
 namespace {
@@ -57,6 +58,28 @@ TEST(NominalGap, CountsAsTheLiteralWalkDoes) {
                 << "prn " << prn << " from " << span[0] << " interval " << interval;
             total += counted;
           }
+        }
+      }
+    }
+  }
+  EXPECT_GT(total, 100000U);
+}
+
+// Each record starts its satellite anew, so that positions jump where the choice of the record changes.
+TEST(NominalGap, CountsAsTheLiteralWalkDoesInEverySystem) {
+  const Ephemeris records = orsolva_test::RecordsAround();
+  const Time_gbt first{orsolva_test::kSkyTime - 20000, 0.5}, last{orsolva_test::kSkyTime + 20000, 0.0};
+  std::uint64_t total = 0;
+  for (const int system : {1, 2, 4, 8}) {
+    for (int prn = 1; prn <= 40; prn += 3) {
+      for (const double interval : {1.0, 30.0, 170.0}) {
+        for (const Time_gbt& batch_first : {first, last}) {
+          QcEleList list;
+          list.SetStation(records, sky::kStation, kMask);
+          list.OpenSatellite({static_cast<std::uint8_t>(system), prn}, batch_first, last);
+          const std::uint64_t counted = NominalGap(first, last, interval, list).CountAboveCutoff();
+          EXPECT_EQ(counted, Literal(first, last, interval, list)) << system << " " << prn << " " << interval;
+          total += counted;
         }
       }
     }

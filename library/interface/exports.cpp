@@ -1,10 +1,11 @@
 // The exported functions: the roof of the library and the only place where errors are caught.
+#include "interface/record_layout.h"  // first: what it refuses is told before anything else fails
+
 #include <cstring>
 #include <new>
 
 #include "interface/gnssqc.h"
 #include "interface/print.h"
-#include "interface/record_layout.h"
 #include "interface/version_banner.h"
 #include "qc/config.h"
 #include "qc/process.h"

@@ -2,19 +2,21 @@
 #ifndef ORSOLVA_INTERFACE_RECORD_LAYOUT_H
 #define ORSOLVA_INTERFACE_RECORD_LAYOUT_H
 
+// Hosts and library exchange these records as bytes, with pointers among them. Stands before every include,
+// so that a machine whose headers are missing is told the reason too.
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ != __ORDER_LITTLE_ENDIAN__
+#error "the records of the boundary are laid out for little-endian byte order; this machine has another"
+#endif
+#if defined(__SIZEOF_POINTER__) && __SIZEOF_POINTER__ != 8
+#error "the records of the boundary are laid out for a word size of 64 bits; this build has another"
+#endif
+
 #include <cstddef>
 #include <type_traits>
 
 #include "interface/records.h"
 
-// Hosts and library exchange these records as bytes.
-#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ != __ORDER_LITTLE_ENDIAN__
-#error "the records of the boundary need little-endian byte order"
-#endif
-#if defined(__SIZEOF_POINTER__) && __SIZEOF_POINTER__ != 8
-#error "the records of the boundary need a word size of 64 bits"
-#endif
-static_assert(sizeof(void*) == 8, "the records of the boundary need a word size of 64 bits");
+static_assert(sizeof(void*) == 8, "the records of the boundary are laid out for a word size of 64 bits");
 
 // clang-format off
 #define ORSOLVA_RECORD(record, bytes)                                                     \

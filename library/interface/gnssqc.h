@@ -1,4 +1,4 @@
-// The eight exported functions of libOrsolva_cbb.so.
+// The eight exported functions of libOrsolva_cbb.so (on Windows libOrsolva_cbb.dll).
 //
 // A run: CreatQcProcess, InitialQc once, GNSSQCPlus once a batch (batches in time order), then
 // GetAllPeriodResult and GetEachCodeResult as often as wanted, DiposeProcess. GNSSQC does all of it for one
@@ -9,7 +9,13 @@
 
 #include "records.h"
 
-#if defined(__GNUC__)
+#if defined(_WIN32) && defined(ORSOLVA_BUILDS_LIBRARY)
+#define ORSOLVA_EXPORT __declspec(dllexport)
+#elif defined(_WIN32) && !defined(ORSOLVA_STATIC)
+#define ORSOLVA_EXPORT __declspec(dllimport)
+#elif defined(_WIN32)
+#define ORSOLVA_EXPORT
+#elif defined(__GNUC__)
 #define ORSOLVA_EXPORT __attribute__((visibility("default")))
 #else
 #define ORSOLVA_EXPORT

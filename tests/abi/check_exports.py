@@ -1,6 +1,6 @@
 """The shared library exports exactly the eight functions, under its file and object names.
 
-usage: check_exports.py LIBRARY VERSION
+usage: check_exports.py LIBRARY VERSION OBJDUMP
 """
 import os
 import re
@@ -23,20 +23,35 @@ def output(*command):
     return subprocess.run(command, check=True, capture_output=True, text=True).stdout
 
 
-def main(library, version):
-    errors = []
-    found = {line.split()[-1] for line in output("nm", "-D", "--defined-only", library).splitlines()}
-    if found != EXPORTS:
-        errors.append(f"missing {sorted(EXPORTS - found)}, surplus {sorted(found - EXPORTS)}")
-    soname = re.search(r"SONAME.*\[(.*)\]", output("readelf", "-d", library))
+def names_of_elf(library, objdump):
+    """Symbols that a host can bind to: those of the dynamic table that are neither local nor undefined."""
+    lines = [line for line in output(objdump, "-T", library).splitlines() if re.match("[0-9a-f]+ [^l]", line)]
+    return {line.split()[-1] for line in lines if "*UND*" not in line}
+
+
+def names_of_dll(library, objdump):
+    table = output(objdump, "-p", library).partition("[Ordinal/Name Pointer] Table")[2]
+    return set(re.findall(r"\[ *\d+\] (\S+)", table.partition("\n\n")[0]))
+
+
+def naming_errors(library, version, objdump):
+    soname = re.search(r"SONAME\s+(\S+)", output(objdump, "-p", library))
     if soname is None or soname.group(1) != "libOrsolva_cbb.so.1":
-        errors.append(f"object name is {soname and soname.group(1)}")
+        yield f"object name is {soname and soname.group(1)}"
     real = os.path.basename(os.path.realpath(library))
     if real != f"libOrsolva_cbb.so.{version}" or version != "1.2.9":
-        errors.append(f"file name is {real}")
+        yield f"file name is {real}"
     for link in ("libOrsolva_cbb.so", "libOrsolva_cbb.so.1"):
         if not os.path.islink(os.path.join(os.path.dirname(library), link)):
-            errors.append(f"no link {link}")
+            yield f"no link {link}"
+
+
+def main(library, version, objdump):
+    windows = library.endswith(".dll")
+    found = (names_of_dll if windows else names_of_elf)(library, objdump)
+    errors = [] if windows else list(naming_errors(library, version, objdump))
+    if found != EXPORTS:
+        errors.append(f"missing {sorted(EXPORTS - found)}, surplus {sorted(found - EXPORTS)}")
     print("\n".join(errors))
     return 1 if errors else 0
 

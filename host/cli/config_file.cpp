@@ -12,6 +12,7 @@
 #include <optional>
 
 #include "host/cli/app.h"
+#include "host/platform/platform.h"
 #include "host/report/text_layout.h"
 
 namespace orsolva_host {
@@ -87,18 +88,11 @@ void AddArguments(const std::vector<OptionFacts>& options, const std::string& ke
   }
 }
 
-std::string FromEnvironment(const char* name) {
-  const char* value = std::getenv(name);
-  return value != nullptr ? value : "";
-}
-
 /// The file that is read without being named; empty when there is none.
 std::string FileOfTheUser() {
-  const std::string named = FromEnvironment("ORSOLVA_CONFIG");
-  if (!named.empty()) return named;
-  std::string folder = FromEnvironment("XDG_CONFIG_HOME");
-  const std::string home = FromEnvironment("HOME");
-  if (folder.empty() && !home.empty()) folder = home + "/.config";
+  const char* named = std::getenv("ORSOLVA_CONFIG");
+  if (named != nullptr && *named != '\0') return named;
+  const std::string folder = SettingsFolder();
   if (folder.empty()) return {};
   const std::string file = folder + "/orsolva/config.toml";
   std::error_code ignored;

@@ -2,6 +2,8 @@
 
 #include <csignal>
 
+#include "host/platform/platform.h"
+
 namespace orsolva_host {
 namespace {
 
@@ -17,7 +19,7 @@ extern "C" void NoteSignal(int signal) {
 void NoteInterrupts() {
   std::signal(SIGINT, NoteSignal);
   std::signal(SIGTERM, NoteSignal);
-  std::signal(SIGPIPE, SIG_IGN);
+  IgnoreClosedPipes();
 }
 
 int InterruptExitCode() {

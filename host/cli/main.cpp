@@ -5,9 +5,11 @@
 #include "host/cli/app.h"
 #include "host/cli/config_file.h"
 #include "host/cli/exit_codes.h"
+#include "host/platform/platform.h"
 
 int main(int argc, char** argv) {
   using namespace orsolva_host;
+  PrepareStreams();
   int exit_code = kWrongUsage;
   const std::unique_ptr<CLI::App> app = MakeApp(exit_code);
   try {

@@ -1,13 +1,13 @@
 #include "host/cli/progress.h"
 
-#include <unistd.h>
-
 #include <cinttypes>
 #include <cstdio>
 
+#include "host/platform/platform.h"
+
 namespace orsolva_host {
 
-Progress::Progress() : terminal_(isatty(STDERR_FILENO) == 1) {}
+Progress::Progress() : terminal_(IsTerminal(Stream::kError)) {}
 
 Progress::~Progress() {
   if (shown_) std::fputs("\r\033[K", stderr);

@@ -1,11 +1,11 @@
 #include "host/cli/progress_bar.h"
 
 #include <fmt/format.h>
-#include <sys/ioctl.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
+
+#include "host/platform/platform.h"
 
 namespace orsolva_host {
 namespace {
@@ -36,11 +36,11 @@ std::string ProgressLine(const ProgressState& s, std::size_t width) {
   return line.substr(0, width);
 }
 
-ProgressBar::ProgressBar(bool wanted) : visible_(wanted && isatty(STDERR_FILENO) == 1) {}
+ProgressBar::ProgressBar(bool wanted) : visible_(wanted && IsTerminal(Stream::kError)) {}
 
 void ProgressBar::Show(const ProgressState& state) {
   if (!visible_) return;
-  const std::size_t width = TerminalWidth(STDERR_FILENO);
+  const std::size_t width = TerminalWidth(Stream::kError);
   const std::string line = ProgressLine(state, width > 1 ? width - 1 : 79);
   std::fprintf(stderr, "\r\033[K%s", line.c_str());
   std::fflush(stderr);
@@ -50,12 +50,6 @@ void ProgressBar::Show(const ProgressState& state) {
 void ProgressBar::Clear() {
   if (shown_) std::fputs("\r\033[K", stderr);
   shown_ = false;
-}
-
-std::size_t TerminalWidth(int descriptor) {
-  winsize size = {};
-  if (isatty(descriptor) != 1 || ioctl(descriptor, TIOCGWINSZ, &size) != 0) return 0;
-  return size.ws_col;
 }
 
 }  // namespace orsolva_host

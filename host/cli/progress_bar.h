@@ -40,9 +40,6 @@ class ProgressBar {
   bool shown_ = false;
 };
 
-/// Columns of the terminal behind a file descriptor; 0 when it is none.
-std::size_t TerminalWidth(int descriptor);
-
 }  // namespace orsolva_host
 
 #endif  // ORSOLVA_CLI_PROGRESS_BAR_H

@@ -1,7 +1,6 @@
 #include "host/cli/qc_check.h"
 
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
@@ -23,6 +22,7 @@
 #include "host/cli/qc_inputs.h"
 #include "host/cli/qc_run.h"
 #include "host/output/byte_sink.h"
+#include "host/platform/platform.h"
 #include "host/report/network.h"
 #include "host/report/network_html.h"
 #include "host/report/profile.h"
@@ -57,11 +57,11 @@ std::string WithUnrepaired(const std::string& what, const Diagnostics& diagnosti
 TextStyle StyleOf(const QcRequest& request) {
   const char* no_color = std::getenv("NO_COLOR");
   const char* terminal = std::getenv("TERM");
-  const bool wanted = isatty(STDOUT_FILENO) == 1 && (no_color == nullptr || *no_color == '\0') &&
+  const bool wanted = IsTerminal(Stream::kOutput) && (no_color == nullptr || *no_color == '\0') &&
                       (terminal == nullptr || std::string(terminal) != "dumb");
   TextStyle style;
   style.colour = request.color == "always" || (request.color == "auto" && wanted);
-  const std::size_t columns = TerminalWidth(STDOUT_FILENO);
+  const std::size_t columns = TerminalWidth(Stream::kOutput);
   if (columns > 0) style.width = std::min(kTextWidth, columns);
   if (request.width > 0) style.width = request.width;
   return style;

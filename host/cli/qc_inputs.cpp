@@ -1,10 +1,9 @@
 #include "host/cli/qc_inputs.h"
 
-#include <glob.h>
-
 #include <cctype>
 #include <filesystem>
 
+#include "host/platform/platform.h"
 #include "host/rinex/input_files.h"
 
 namespace orsolva_host {
@@ -14,11 +13,7 @@ namespace {
 std::vector<std::string> Matches(const std::string& text) {
   std::error_code ignored;
   if (text.find_first_of("*?[") == std::string::npos || std::filesystem::exists(text, ignored)) return {text};
-  glob_t found = {};
-  std::vector<std::string> files;
-  if (glob(text.c_str(), 0, nullptr, &found) == 0)
-    files.assign(found.gl_pathv, found.gl_pathv + found.gl_pathc);
-  globfree(&found);
+  std::vector<std::string> files = FilesMatching(text);
   return files.empty() ? std::vector<std::string>{text} : files;
 }
 

@@ -1,0 +1,36 @@
+// What operating systems do differently, in one place: terminals, patterns of file names, the folder of
+// settings, standard streams and closed pipes. One source a system; the build takes the one of its target.
+#ifndef ORSOLVA_PLATFORM_PLATFORM_H
+#define ORSOLVA_PLATFORM_PLATFORM_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace orsolva_host {
+
+enum class Stream { kOutput, kError };
+
+/// Whether a person sees what is written to the stream.
+bool IsTerminal(Stream stream);
+
+/// Columns of the terminal behind a stream; 0 when it is none.
+std::size_t TerminalWidth(Stream stream);
+
+/// The files a pattern with * and ? matches, in the order of their names; empty when it matches none. On
+/// POSIX systems [ ] stand for one of several characters and every part of the path may be a pattern; on
+/// Windows only the last part may.
+std::vector<std::string> FilesMatching(const std::string& pattern);
+
+/// The folder below which programs keep the user's settings; empty when the environment names none.
+std::string SettingsFolder();
+
+/// The standard streams carry bytes as they are, and a terminal understands colours from now on.
+void PrepareStreams();
+
+/// Writing to a closed pipe fails instead of ending the program.
+void IgnoreClosedPipes();
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_PLATFORM_PLATFORM_H

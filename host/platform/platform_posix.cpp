@@ -1,0 +1,45 @@
+#include <glob.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdlib>
+
+#include "host/platform/platform.h"
+
+namespace orsolva_host {
+namespace {
+
+int DescriptorOf(Stream stream) { return stream == Stream::kOutput ? STDOUT_FILENO : STDERR_FILENO; }
+
+}  // namespace
+
+bool IsTerminal(Stream stream) { return isatty(DescriptorOf(stream)) == 1; }
+
+std::size_t TerminalWidth(Stream stream) {
+  winsize size = {};
+  if (!IsTerminal(stream) || ioctl(DescriptorOf(stream), TIOCGWINSZ, &size) != 0) return 0;
+  return size.ws_col;
+}
+
+std::vector<std::string> FilesMatching(const std::string& pattern) {
+  glob_t found = {};
+  std::vector<std::string> files;
+  if (glob(pattern.c_str(), 0, nullptr, &found) == 0)
+    files.assign(found.gl_pathv, found.gl_pathv + found.gl_pathc);
+  globfree(&found);
+  return files;
+}
+
+std::string SettingsFolder() {
+  const char* folder = std::getenv("XDG_CONFIG_HOME");
+  if (folder != nullptr && *folder != '\0') return folder;
+  const char* home = std::getenv("HOME");
+  return home != nullptr && *home != '\0' ? std::string(home) + "/.config" : std::string();
+}
+
+void PrepareStreams() {}
+
+void IgnoreClosedPipes() { std::signal(SIGPIPE, SIG_IGN); }
+
+}  // namespace orsolva_host

@@ -1,0 +1,74 @@
+// The headers of Windows come first and alone: what they define as macros is undone by nothing.
+#define NOMINMAX
+#define WIN32_LEAN_AND_MEAN
+#include <fcntl.h>
+#include <io.h>
+#include <windows.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+#include "host/platform/platform.h"
+
+namespace orsolva_host {
+namespace {
+
+HANDLE HandleOf(Stream stream) {
+  return GetStdHandle(stream == Stream::kOutput ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
+}
+
+/// The folder a path begins with, and the separator; empty when it is a bare name.
+std::string FolderOf(const std::string& path) {
+  const std::size_t separator = path.find_last_of("/\\:");
+  return separator == std::string::npos ? std::string() : path.substr(0, separator + 1);
+}
+
+}  // namespace
+
+bool IsTerminal(Stream stream) {
+  DWORD mode = 0;
+  return GetConsoleMode(HandleOf(stream), &mode) != 0;
+}
+
+std::size_t TerminalWidth(Stream stream) {
+  CONSOLE_SCREEN_BUFFER_INFO info = {};
+  if (GetConsoleScreenBufferInfo(HandleOf(stream), &info) == 0) return 0;
+  const int columns = info.srWindow.Right - info.srWindow.Left + 1;
+  return columns > 0 ? static_cast<std::size_t>(columns) : 0;
+}
+
+std::vector<std::string> FilesMatching(const std::string& pattern) {
+  std::vector<std::string> files;
+  WIN32_FIND_DATAA entry = {};
+  const HANDLE search = FindFirstFileA(pattern.c_str(), &entry);
+  if (search == INVALID_HANDLE_VALUE) return files;
+  const std::string folder = FolderOf(pattern);
+  do {
+    const std::string name = entry.cFileName;
+    if (name != "." && name != "..") files.push_back(folder + name);
+  } while (FindNextFileA(search, &entry) != 0);
+  FindClose(search);
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+std::string SettingsFolder() {
+  const char* folder = std::getenv("APPDATA");
+  return folder != nullptr ? folder : "";
+}
+
+void PrepareStreams() {
+  for (std::FILE* stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
+  for (const Stream stream : {Stream::kOutput, Stream::kError}) {
+    DWORD mode = 0;
+    if (GetConsoleMode(HandleOf(stream), &mode) == 0) continue;
+    SetConsoleMode(HandleOf(stream), mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+    SetConsoleOutputCP(CP_UTF8);
+  }
+}
+
+// A write to a closed pipe fails here in any case.
+void IgnoreClosedPipes() {}
+
+}  // namespace orsolva_host

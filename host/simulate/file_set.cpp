@@ -57,10 +57,10 @@ FileSet FileNames(const Scenario& scenario, const FileSetOptions& options) {
   const std::string tail = options.gzip ? ".gz" : "";
   const std::filesystem::path folder(options.folder);
   FileSet names;
-  names.observations = folder / (stem + "_" + RateText(scenario.interval_s) + "_MO" +
-                                 (options.compact ? ".crx" : ".rnx") + tail);
-  names.navigation = folder / (stem + "_MN.rnx" + tail);
-  names.truth = folder / "truth.json";
+  const std::string form = options.compact ? ".crx" : ".rnx";
+  names.observations = (folder / (stem + "_" + RateText(scenario.interval_s) + "_MO" + form + tail)).string();
+  names.navigation = (folder / (stem + "_MN.rnx" + tail)).string();
+  names.truth = (folder / "truth.json").string();
   return names;
 }
 

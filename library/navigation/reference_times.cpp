@@ -160,6 +160,7 @@ void ReferenceTimes::SearchCovered(const AbsoluteTime& t, int direction, const C
 void ReferenceTimes::TakeCovered(const AbsoluteTime& t, int i, int direction, const Cover& cover,
                                  Smallest& nearest) const {
   const double to_reference = TimeDifference(At(i), t);
+  if (!std::isfinite(to_reference)) return;  // no time is near such a record
   const double reach = cover.MaxAge + kCoverMargin + std::fabs(to_reference) * 1e-15;
   const double first = to_reference - reach, last = to_reference + reach + cover.Widen;
   const double near_edge = direction > 0 ? first : -last;

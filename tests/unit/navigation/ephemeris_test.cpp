@@ -192,6 +192,25 @@ TEST(Ephemeris, ABdsRecordBeyondTheCalendarCoversTheTimesBeyondItOnly) {
   }
 }
 
+// Else a batch of a far time would look for the satellite at one sample after the other.
+TEST(Ephemeris, ARecordWithoutAFiniteTimeCoversNothing) {
+  for (const double fraction :
+       {std::numeric_limits<double>::infinity(), -std::numeric_limits<double>::infinity(),
+        std::numeric_limits<double>::quiet_NaN()}) {
+    Ephemeris e;
+    GloEph_gbt endless = GlonassRecord(3);
+    endless.toe.sec = fraction;
+    e.Glonass().Add(endless);
+    EphemerisChoice choice;
+    AbsoluteTime at;
+    for (const AbsoluteTime& t : {At(0.0), AbsoluteTime{std::int64_t{1} << 62, 0.0}}) {
+      EXPECT_FALSE(e.Select({kGlonass, 3}, t, choice)) << fraction;
+      EXPECT_FALSE(e.CoveredAtOrAfter({kGlonass, 3}, t, at)) << fraction;
+      EXPECT_FALSE(e.CoveredAtOrBefore({kGlonass, 3}, t, at)) << fraction;
+    }
+  }
+}
+
 TEST(Ephemeris, ABdsSatelliteStandsStillBeyondTheCalendar) {
   const SatelliteId bds{kBds, 20};
   EXPECT_EQ(Ephemeris::StandsStillFor(bds, At(0.0), +1), 0.0);

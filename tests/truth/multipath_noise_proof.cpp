@@ -39,16 +39,6 @@ Scenario NoiseScenario(double interval_s, int epochs) {
   return scenario;
 }
 
-/// Sum of the expected squares of the first n residuals of noise with standard deviation 1: the k-th value
-/// less the mean of the last min(k, window) has the variance 1 - 1/min(k, window).
-double DerivedSquares(std::uint64_t n, int window) {
-  double sum = 0;
-  for (std::uint64_t k = 1; k <= n; ++k) {
-    sum += 1 - 1 / static_cast<double>(std::min<std::uint64_t>(k, static_cast<std::uint64_t>(window)));
-  }
-  return sum;
-}
-
 /// What the rounded cells of code and phases can add to a residual: the error of a value and of a mean.
 double RoundingBound(const ObservedRun& run, int system, int prn, int code, const std::set<int>& partners) {
   const ElevationRule rule(run.TheSimulation().TheSky(), run.TheSimulation().Settings());
@@ -71,7 +61,7 @@ void AddSignal(const ObservedRun& run, const code_qc_entry& entry, const SignalT
   band.measured_square += entry.mp_rms * entry.mp_rms * n;
   band.true_square += truth.detrended_square.sum;
   const double interval = run.TheSimulation().Settings().interval_s;
-  band.derived_square += kNoise_m * kNoise_m * DerivedSquares(entry.mp_count, MeanWindowOf(interval));
+  band.derived_square += kNoise_m * kNoise_m * SquaresLessMovingMean(entry.mp_count, MeanWindowOf(interval));
   const double difference = std::fabs(entry.mp_rms - std::sqrt(truth.detrended_square.Mean()));
   band.largest_difference = std::max(band.largest_difference, difference);
   band.largest_bound = std::max(band.largest_bound, bound);

@@ -59,4 +59,12 @@ int MeanWindowOf(double interval_s) {
   return interval_s <= 30 ? static_cast<int>(300 / interval_s) : 10;
 }
 
+double SquaresLessMovingMean(std::uint64_t n, int window) {
+  double sum = 0;
+  for (std::uint64_t k = 1; k <= n; ++k) {
+    sum += 1 - 1 / static_cast<double>(std::min<std::uint64_t>(k, static_cast<std::uint64_t>(window)));
+  }
+  return sum;
+}
+
 }  // namespace orsolva_test

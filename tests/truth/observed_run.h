@@ -54,6 +54,10 @@ MultipathWeights WeightsOf(double f_code_hz, double f_partner_hz);
 /// Epochs of the moving mean at an interval: 5 minutes, but 10 at least and 50 at most; 50 up to 5 s.
 int MeanWindowOf(double interval_s);
 
+/// Sum of the expected squares of the first n residuals of noise with standard deviation 1: the k-th value
+/// less the mean of the last min(k, window) has the variance 1 - 1/min(k, window).
+double SquaresLessMovingMean(std::uint64_t n, int window);
+
 }  // namespace orsolva_test
 
 #endif  // ORSOLVA_TESTS_TRUTH_OBSERVED_RUN_H

@@ -79,6 +79,7 @@ const std::vector<ProofEntry>& AllProofs() {
       {"completeness", ProveCompleteness},
       {"snr", ProveSnr},
       {"multipath-noise", ProveMultipathNoise},
+      {"multipath-phase", ProveMultipathPhase},
       {"multipath-jumps", ProveMultipathJumps},
       {"multipath-gaps", ProveMultipathGaps},
       {"slips", ProveSlips},

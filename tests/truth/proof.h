@@ -66,6 +66,7 @@ std::string SectionOf(const std::string& id, const std::string& page);
 void ProveCompleteness(bool long_form, Proof& proof);
 void ProveSnr(bool long_form, Proof& proof);
 void ProveMultipathNoise(bool long_form, Proof& proof);
+void ProveMultipathPhase(bool long_form, Proof& proof);
 void ProveMultipathJumps(bool long_form, Proof& proof);
 void ProveMultipathGaps(bool long_form, Proof& proof);
 void ProveSlips(bool long_form, Proof& proof);

@@ -29,6 +29,7 @@ void Hold(const std::string& id, std::size_t least_checks) {
 TEST(Truth, CompletenessEpochsAndDurationAreExact) { Hold("completeness", 1000); }
 TEST(Truth, SnrFiguresAreExactToTheArithmetic) { Hold("snr", 1000); }
 TEST(Truth, MultipathIsTheInjectedNoiseLessItsMovingMean) { Hold("multipath-noise", 2000); }
+TEST(Truth, MultipathHoldsThePhaseNoiseOfItsPairTimesItsWeights) { Hold("multipath-phase", 50); }
 TEST(Truth, MultipathRestartsAboveTheThresholdOfTheBandOnly) { Hold("multipath-jumps", 1500); }
 TEST(Truth, MultipathRestartsAfterGapsAboveSixHundredSeconds) { Hold("multipath-gaps", 5000); }
 TEST(Truth, SlipTestsReportWhatTheirRulesSay) { Hold("slips", 1000000); }

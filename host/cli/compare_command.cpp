@@ -8,6 +8,7 @@
 #include "host/cli/commands.h"
 #include "host/cli/exit_codes.h"
 #include "host/simulate/comparison.h"
+#include "host/simulate/told_faults.h"
 
 namespace orsolva_host {
 namespace {
@@ -15,6 +16,7 @@ namespace {
 struct CompareSettings {
   std::string report;
   std::string truth;
+  std::string detail;
 };
 
 /// @throws ComparisonError when the file cannot be read
@@ -25,9 +27,18 @@ NamedText ReadNamed(const std::string& path) {
   return named;
 }
 
+std::string Compared(const CompareSettings& settings) {
+  const NamedText report = ReadNamed(settings.report), truth = ReadNamed(settings.truth);
+  if (settings.detail.empty()) return ComparisonText(report, truth);
+  Diagnostics diagnostics;
+  LineReader lines(OpenBytes(settings.detail, diagnostics));
+  const DetailTable detail{settings.detail, lines};
+  return ComparisonText(report, truth, &detail);
+}
+
 int DoCompare(const CompareSettings& settings) {
   try {
-    const std::string text = ComparisonText(ReadNamed(settings.report), ReadNamed(settings.truth));
+    const std::string text = Compared(settings);
     const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
     if (written && std::fflush(stdout) == 0) return kGood;
     std::fputs("orsolva: the comparison could not be written\n", stderr);
@@ -44,6 +55,8 @@ void AddCompareCommand(CLI::App& app, int& exit_code) {
   auto settings = std::make_shared<CompareSettings>();
   command->add_option("REPORT", settings->report, "What orsolva qc --json wrote")->required();
   command->add_option("TRUTH", settings->truth, "The truth.json of orsolva simulate")->required();
+  command->add_option("--detail", settings->detail,
+                      "What orsolva qc --detail wrote: tell which slips and jumps it has");
   command->callback([settings, &exit_code] { exit_code = DoCompare(*settings); });
 }
 

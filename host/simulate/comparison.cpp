@@ -10,6 +10,8 @@
 #include <optional>
 #include <utility>
 
+#include "host/simulate/told_faults.h"
+
 namespace orsolva_host {
 namespace {
 
@@ -115,12 +117,13 @@ std::optional<double> Distance(const Json& a, const Json& b) {
 
 class Comparison {
  public:
-  Comparison(const NamedText& report, const NamedText& truth)
+  Comparison(const NamedText& report, const NamedText& truth, const DetailTable* detail)
       : report_name_(report.name),
         truth_name_(truth.name),
         report_(Parsed(report, "report of orsolva qc --json", {"run", "systems", "signals"})),
         truth_(Parsed(truth, "truth.json of orsolva simulate", {"receiver", "satellites", "faults"})),
-        run_(report_.at("run")) {}
+        run_(report_.at("run")),
+        detail_(detail) {}
 
   std::string Write() {
     CheckBelonging();
@@ -129,6 +132,7 @@ class Comparison {
     WriteSystems();
     WriteSignals();
     WriteFaults();
+    if (detail_ != nullptr) WriteToldFaults();
     WriteNotes();
     return std::move(out_);
   }
@@ -228,6 +232,18 @@ class Comparison {
     Line("* not to be seen in the data: nothing was tracked there then");
   }
 
+  void WriteToldFaults() {
+    std::vector<ToldFault> faults;
+    for (const Json& fault : truth_.at("faults")) {
+      const bool slip = fault.at("kind") == "slip";
+      if ((!slip && fault.at("kind") != "code_jump") || !fault.at("shows_in_the_data").get<bool>()) continue;
+      faults.push_back({Text(fault.at("time_gpst")), Text(fault.at("satellite")), Text(fault.at("signal")),
+                        slip, fault.at("size").get<double>()});
+    }
+    ReadReasons(*detail_, faults);
+    out_ += ToldFaultsText(faults);
+  }
+
   void WriteNotes() {
     Line("\nNOTES");
     Line("  Observed, by system: with the best combination in the report, with any two");
@@ -242,14 +258,15 @@ class Comparison {
   std::string report_name_, truth_name_;
   Json report_, truth_;
   const Json& run_;
+  const DetailTable* detail_;
   Expectations expectations_;
   std::string out_;
 };
 
 }  // namespace
 
-std::string ComparisonText(const NamedText& report, const NamedText& truth) {
-  Comparison comparison(report, truth);
+std::string ComparisonText(const NamedText& report, const NamedText& truth, const DetailTable* detail) {
+  Comparison comparison(report, truth, detail);
   try {
     return comparison.Write();
   } catch (const Json::exception& error) {

@@ -136,6 +136,17 @@ TEST(CompareCommand, LaysTheReportOfASimulatedDayBesideItsTruth) {
   for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 80U) << line;
 }
 
+TEST(CompareCommand, EverySlipAndJumpOfTheStationDayIsToldByItsDetailTable) {
+  const TestFolder folder("compare_detail");
+  ASSERT_EQ(Orsolva(folder, "simulate --preset station-day").code, 0);
+  const Answer report = Orsolva(folder, "qc --json --detail detail.csv *_MO.rnx *_MN.rnx");
+  ASSERT_EQ(report.code, 0) << report.err;
+  orsolva_test::WriteText(folder.Path("report.json"), report.out);
+  const Answer a = Orsolva(folder, "compare report.json truth.json --detail detail.csv");
+  EXPECT_EQ(a.code, 0) << a.err;
+  EXPECT_NE(a.out.find("\nTold: 8 of 8 slips, 3 of 3 code jumps\n"), std::string::npos) << a.out;
+}
+
 TEST(CompareCommand, WhatCannotBeComparedIsOneAndWrongUsageIsTwo) {
   const TestFolder folder("compare_wrong");
   orsolva_test::WriteText(folder.Path("x.json"), "{}");

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "host/rinex/satellite_names.h"
 #include "host/output/byte_sink.h"
+#include "host/rinex/satellite_names.h"
 #include "host/simulate/scenario.h"
 #include "interface/records.h"
 

@@ -3,11 +3,11 @@
 
 #include <gtest/gtest.h>
 
+#include "host/output/byte_sink.h"
+#include "host/output/whole_file.h"
 #include "host/rinex/diagnostics.h"
 #include "host/rinex/navigation_reader.h"
 #include "host/rinex/observation_reader.h"
-#include "host/output/byte_sink.h"
-#include "host/output/whole_file.h"
 #include "tests/simulate/made.h"
 
 namespace {

@@ -6,7 +6,7 @@
 namespace orsolva_host {
 
 JobPool::JobPool(std::size_t jobs, unsigned threads, std::function<void(std::size_t)> work)
-    : jobs_(jobs), work_(std::move(work)), done_(jobs, 0) {
+    : jobs_(jobs), work_(std::move(work)), done_(jobs, 0), thrown_(jobs) {
   for (unsigned i = 0; i < threads; ++i) threads_.emplace_back([this] { Work(); });
 }
 
@@ -19,9 +19,15 @@ void JobPool::Work() {
   for (;;) {
     const std::size_t job = next_.fetch_add(1);
     if (job >= jobs_) return;
-    work_(job);
+    std::exception_ptr thrown;
+    try {
+      work_(job);
+    } catch (...) {
+      thrown = std::current_exception();
+    }
     {
       const std::lock_guard<std::mutex> lock(mutex_);
+      thrown_[job] = std::move(thrown);
       done_[job] = 1;
       ++count_;
     }
@@ -31,7 +37,9 @@ void JobPool::Work() {
 
 bool JobPool::Wait(std::size_t job, std::chrono::milliseconds longest) {
   std::unique_lock<std::mutex> lock(mutex_);
-  return changed_.wait_for(lock, longest, [&] { return done_[job] != 0; });
+  if (!changed_.wait_for(lock, longest, [&] { return done_[job] != 0; })) return false;
+  if (thrown_[job]) std::rethrow_exception(thrown_[job]);
+  return true;
 }
 
 std::size_t JobPool::Done() {

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstddef>
+#include <exception>
 #include <functional>
 #include <mutex>
 #include <thread>
@@ -16,7 +17,9 @@ namespace orsolva_host {
 class JobPool {
  public:
   /// Begins at once.
-  /// @param work  is called once for every number below `jobs`, from several threads; must not throw
+  /// @param work  is called once for every number below `jobs`, from several threads. What it throws ends
+  /// that
+  ///              job and no other.
   JobPool(std::size_t jobs, unsigned threads, std::function<void(std::size_t)> work);
   /// Jobs that have not begun are left out; those under way are waited for.
   ~JobPool();
@@ -24,6 +27,7 @@ class JobPool {
   JobPool& operator=(const JobPool&) = delete;
 
   /// Waits until a job is done, at most the time given. @return whether it is done
+  /// @throws what the job threw
   bool Wait(std::size_t job, std::chrono::milliseconds longest);
   /// Jobs that have not begun are left out.
   void Stop() { next_.store(jobs_); }
@@ -39,6 +43,7 @@ class JobPool {
   std::mutex mutex_;
   std::condition_variable changed_;
   std::vector<char> done_;
+  std::vector<std::exception_ptr> thrown_;
   std::size_t count_ = 0;
   std::vector<std::thread> threads_;
 };

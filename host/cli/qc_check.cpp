@@ -72,6 +72,7 @@ class Check {
   Check(const QcRequest& request, QcInputs inputs)
       : request_(request),
         inputs_(std::move(inputs)),
+        navigation_(inputs_.navigation, request.settings.limits),
         many_(inputs_.observations.size() > 1),
         pages_in_folder_(!request.output.empty() &&
                          (Lists(request.formats, "html") || (many_ && !request.settings.html_file.empty()))),
@@ -108,6 +109,7 @@ class Check {
 
   const QcRequest& request_;
   QcInputs inputs_;
+  SharedNavigation navigation_;
   bool many_;
   bool pages_in_folder_;  ///< every file gets a page there
   std::vector<std::string> stems_;
@@ -139,7 +141,6 @@ void Check::OpenStreams() {
 QcSettings Check::SettingsOf(std::size_t file) const {
   QcSettings settings = request_.settings;
   settings.observation_file = inputs_.observations[file];
-  settings.navigation_files = inputs_.navigation;
   return settings;
 }
 
@@ -167,13 +168,13 @@ void Check::WriteFolder(std::size_t file, const Report& report) const {
   }
 }
 
-/// Called from any thread; must not throw.
+/// Called from any thread.
 void Check::Judge(std::size_t file) {
   FileResult& result = results_[file];
   Diagnostics diagnostics;
   try {
     DetailOutputs outputs(TablesOf(file), PagesOf(file));
-    Report report = RunQc(SettingsOf(file), diagnostics, outputs.Sink(), &monitor_);
+    Report report = RunQc(SettingsOf(file), navigation_, diagnostics, outputs.Sink(), &monitor_);
     if (profile_) report.verdict = orsolva_host::Judge(report, *profile_);
     outputs.Finish(report);
     WriteFolder(file, report);
@@ -204,13 +205,19 @@ void Check::ShowProgress(JobPool& pool) {
 /// Waits for a file's end, and shows how far the run is meanwhile.
 void Check::Await(JobPool& pool, std::size_t file) {
   constexpr std::chrono::milliseconds kLook(100);
-  while (!pool.Wait(file, kLook)) {
-    if (InterruptExitCode() != 0) {
-      monitor_.stop.store(true);
-      pool.Stop();
-      return;
+  try {
+    while (!pool.Wait(file, kLook)) {
+      if (InterruptExitCode() != 0) {
+        monitor_.stop.store(true);
+        pool.Stop();
+        return;
+      }
+      if (bar_.Visible()) ShowProgress(pool);
     }
-    if (bar_.Visible()) ShowProgress(pool);
+  } catch (const std::exception& error) {
+    // Judge() itself failed, as it may without memory.
+    results_[file].report.reset();
+    results_[file].error = error.what();
   }
 }
 

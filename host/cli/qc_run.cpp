@@ -36,8 +36,10 @@ using Handle = std::unique_ptr<unsigned long long, DisposeHandle>;
 /// One run from its files to its report.
 class Run {
  public:
-  Run(const QcSettings& settings, Diagnostics& diagnostics, DetailSink* detail, RunMonitor* monitor)
+  Run(const QcSettings& settings, SharedNavigation& navigation, Diagnostics& diagnostics, DetailSink* detail,
+      RunMonitor* monitor)
       : settings_(settings),
+        named_(navigation),
         diagnostics_(diagnostics),
         detail_(detail),
         monitor_(monitor),
@@ -50,7 +52,7 @@ class Run {
     if (batch_size_ == 0) {
       throw RunError(settings_.observation_file + ": found no epoch. Check that the file is whole.");
     }
-    ReadNavigation();
+    ChooseNavigation();
     ChooseInterval();
     ChoosePosition();
     Start();
@@ -63,7 +65,8 @@ class Run {
   }
 
  private:
-  void ReadNavigation();
+  void ChooseNavigation();
+  std::shared_ptr<const ReadNavigation> NavigationBesideIt() const;
   void FillBatch();
   void ChooseInterval();
   void ChoosePosition();
@@ -75,14 +78,14 @@ class Run {
   ReportRun Facts() const;
 
   const QcSettings& settings_;
+  SharedNavigation& named_;
   Diagnostics& diagnostics_;
   DetailSink* detail_;
   RunMonitor* monitor_;
   ObservationReader observations_;
   std::unique_ptr<ObsEpoch_QC_gbt[]> batch_;
   std::size_t batch_size_ = 0;
-  std::vector<std::string> navigation_files_;
-  NavigationSet navigation_;
+  std::shared_ptr<const ReadNavigation> navigation_;
   std::unique_ptr<CoverageCounter> coverage_;
   Handle handle_;
   double interval_s_ = 0;
@@ -92,33 +95,46 @@ class Run {
   GNSSQC_STATE last_state_ = GNSSQC_OK;
 };
 
-void Run::ReadNavigation() {
-  navigation_files_ =
-      ChooseNavigation(settings_.navigation_files, settings_.observation_file, batch_[0].time, diagnostics_);
-  if (navigation_files_.empty()) {
+void Run::ChooseNavigation() {
+  navigation_ = named_.Empty() ? NavigationBesideIt() : named_.Get();
+  diagnostics_.Append(navigation_->notices);
+  if (navigation_->failure) throw FileError(*navigation_->failure);
+  if (navigation_->set.Size() == 0) {
+    throw RunError(
+        navigation_->files.front() +
+        ": found no navigation record that can be used. Name the broadcast navigation files of the "
+        "day.");
+  }
+  coverage_ = std::make_unique<CoverageCounter>(navigation_->set, settings_.systems);
+}
+
+std::shared_ptr<const ReadNavigation> Run::NavigationBesideIt() const {
+  auto read = std::make_shared<ReadNavigation>();
+  read->files = NavigationBeside(settings_.observation_file, batch_[0].time);
+  if (read->files.empty()) {
     throw RunError(
         settings_.observation_file +
         ": no navigation file named, and none of its day beside it. Elevations need satellite positions: "
         "name the RINEX navigation files of the day after the observation file.");
   }
-  NavigationReader reader(diagnostics_, {settings_.limits});
-  for (const std::string& file : navigation_files_) {
+  for (const std::string& file : read->files) {
+    read->notices.Add(file, 0, "no navigation file is named; this one beside the observation file is used");
+  }
+  NavigationReader reader(read->notices, {settings_.limits});
+  for (const std::string& file : read->files) {
     try {
       reader.Read(file);
     } catch (const FileError& error) {
       // A file nobody named must not stop a run that others of its day serve.
-      if (!settings_.navigation_files.empty() || navigation_files_.size() == 1) throw;
-      diagnostics_.Add(file, error.Line(), "passed over: found " + error.Found(), false);
+      if (read->files.size() == 1) {
+        read->failure = error;
+        return read;
+      }
+      read->notices.Add(file, error.Line(), "passed over: found " + error.Found(), false);
     }
   }
-  navigation_ = reader.Take();
-  if (navigation_.Size() == 0) {
-    throw RunError(
-        navigation_files_.front() +
-        ": found no navigation record that can be used. Name the broadcast navigation files of the "
-        "day.");
-  }
-  coverage_ = std::make_unique<CoverageCounter>(navigation_, settings_.systems);
+  read->set = reader.Take();
+  return read;
 }
 
 void Run::FillBatch() {
@@ -191,7 +207,7 @@ void Run::Start() {
   handle_.reset(CreatQcProcess());
   if (!handle_) throw RunError("there is not enough memory for a run.");
   const config_qct config = Configuration();
-  if (!InitialQc(navigation_.Body(), &config, handle_.get())) {
+  if (!InitialQc(navigation_->set.Body(), &config, handle_.get())) {
     throw RunError(
         "the library refused the navigation records. Name the broadcast navigation files of the day.");
   }
@@ -265,7 +281,7 @@ ReportRun Run::Facts() const {
   ReportRun run;
   run.library_version = LibraryVersion();
   run.observation_file = settings_.observation_file;
-  run.navigation_files = navigation_files_;
+  run.navigation_files = navigation_->files;
   run.marker = header.marker;
   run.receiver = header.receiver;
   run.antenna = header.antenna;
@@ -317,8 +333,9 @@ std::string LibraryVersion() {
   return banner.substr(begin, banner.find('\n', begin) - begin);
 }
 
-Report RunQc(const QcSettings& settings, Diagnostics& diagnostics, DetailSink* detail, RunMonitor* monitor) {
-  return Run(settings, diagnostics, detail, monitor).Do();
+Report RunQc(const QcSettings& settings, SharedNavigation& navigation, Diagnostics& diagnostics,
+             DetailSink* detail, RunMonitor* monitor) {
+  return Run(settings, navigation, diagnostics, detail, monitor).Do();
 }
 
 }  // namespace orsolva_host

@@ -9,6 +9,7 @@
 
 #include "host/cli/qc_settings.h"
 #include "host/cli/run_monitor.h"
+#include "host/cli/shared_navigation.h"
 #include "host/report/detail_sink.h"
 #include "host/report/report.h"
 #include "host/rinex/diagnostics.h"
@@ -23,11 +24,12 @@ class RunError : public std::runtime_error {
 };
 
 /// Streams the file through the library in batches of 2,880 epochs; the first batch decides the signals.
+/// @param navigation  the files named; with none, those beside the observations are looked for
 /// @param detail   told of every epoch while the run goes on; may be null
 /// @param monitor  counts and may stop the run; may be null
 /// @throws FileError, RunError, Stopped, and what the sink throws
-Report RunQc(const QcSettings& settings, Diagnostics& diagnostics, DetailSink* detail = nullptr,
-             RunMonitor* monitor = nullptr);
+Report RunQc(const QcSettings& settings, SharedNavigation& navigation, Diagnostics& diagnostics,
+             DetailSink* detail = nullptr, RunMonitor* monitor = nullptr);
 
 /// The most frequent difference between neighbouring epochs (of the first 600), the smallest among equally
 /// frequent ones; absent with fewer than two distinct times.

@@ -26,7 +26,6 @@ struct ExcludedSatellite {
 
 struct QcSettings {
   std::string observation_file;
-  std::vector<std::string> navigation_files;
   double elevation_deg = 10;
   std::optional<double> interval_s;
   PositionChoice position;

@@ -24,13 +24,18 @@ std::size_t Diagnostics::AddKind(const std::string& file, long line, const std::
   return kind;
 }
 
-void Diagnostics::Again(std::size_t kind) {
-  ++total_;
+void Diagnostics::Again(std::size_t kind, long cases) {
+  total_ += cases;
   if (kind < notices_.size()) {
-    ++notices_[kind].count;
+    notices_[kind].count += cases;
   } else {
-    ++uncounted_;
+    uncounted_ += cases;
   }
+}
+
+void Diagnostics::Append(const Diagnostics& other) {
+  for (const Notice& n : other.notices_) Again(AddKind(n.file, n.line, n.text, n.recovered), n.count - 1);
+  Again(kMaxKinds, other.uncounted_);
 }
 
 namespace {

@@ -32,8 +32,10 @@ class Diagnostics {
 
   /// Adds like Add. @return the place of the kind, for further cases by Again
   std::size_t AddKind(const std::string& file, long line, const std::string& text, bool recovered = true);
-  /// Counts another case of a kind, without its text: for oddities that come by the thousand.
-  void Again(std::size_t kind);
+  /// Counts further cases of a kind, without its text: for oddities that come by the thousand.
+  void Again(std::size_t kind, long cases = 1);
+  /// Adds all of another run of a reader, as if it had told them here.
+  void Append(const Diagnostics& other);
 
   const std::vector<Notice>& Notices() const { return notices_; }
   /// Cases of kinds beyond the kept ones.

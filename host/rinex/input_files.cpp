@@ -137,15 +137,4 @@ std::vector<std::string> NavigationBeside(const std::string& observation_file, c
   return files;
 }
 
-std::vector<std::string> ChooseNavigation(const std::vector<std::string>& named,
-                                          const std::string& observation_file, const Time_gbt& first_epoch,
-                                          Diagnostics& diagnostics) {
-  if (!named.empty()) return NavigationFilesOf(named);
-  std::vector<std::string> files = NavigationBeside(observation_file, first_epoch);
-  for (const std::string& file : files) {
-    diagnostics.Add(file, 0, "no navigation file is named; this one beside the observation file is used");
-  }
-  return files;
-}
-
 }  // namespace orsolva_host

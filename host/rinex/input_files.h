@@ -37,12 +37,6 @@ std::vector<std::string> NavigationFilesOf(const std::vector<std::string>& paths
 /// @return empty when there is none, or the observations come from standard input
 std::vector<std::string> NavigationBeside(const std::string& observation_file, const Time_gbt& first_epoch);
 
-/// The navigation files of a run: those of the arguments, or without any those beside the observation file,
-/// which a notice names.
-std::vector<std::string> ChooseNavigation(const std::vector<std::string>& named,
-                                          const std::string& observation_file, const Time_gbt& first_epoch,
-                                          Diagnostics& diagnostics);
-
 }  // namespace orsolva_host
 
 #endif  // ORSOLVA_RINEX_INPUT_FILES_H

@@ -121,6 +121,57 @@ TEST(Network, IsAPageWithoutLinksWhereNoPagesAreWritten) {
   EXPECT_EQ(page.find("\"page\": \""), std::string::npos);
 }
 
+TEST(Navigation, ThatWasFoundIsNamedInANoticeAndThatNamedIsNot) {
+  ORSOLVA_NEED_FILE(Quarter());
+  const Folder folder;
+  fs::copy_file(Quarter(), folder / "SEPT078M.21O");
+  fs::copy_file(QuarterNavigation(), folder / "SEPT078M.21P");
+  const auto notices = [&folder](const std::string& named) {
+    const json report =
+        json::parse(Orsolva("qc --no-config --json " + (folder / "SEPT078M.21O") + named).out);
+    EXPECT_EQ(report["run"]["navigation_files"], json::array({folder / "SEPT078M.21P"}));
+    std::string files;
+    for (const json& notice : report["notices"]) {
+      const std::string text = notice["text"];
+      if (text.find("no navigation file is named") != std::string::npos)
+        files += notice["file"].get<std::string>();
+    }
+    return files;
+  };
+  EXPECT_EQ(notices(""), folder / "SEPT078M.21P");
+  EXPECT_EQ(notices(" " + (folder / "SEPT078M.21P")), "");
+}
+
+TEST(ManyFiles, ShareNavigationFromStandardInputAndTheNoticesAboutIt) {
+  ORSOLVA_NEED_FILE(Quarter());
+  const Folder folder;
+  FillNetwork(folder);
+  // A line too short for its record: a notice of the reader, in every report.
+  std::ofstream(folder / "odd.21P") << ReadText(QuarterNavigation()) << "G99 short\n";
+  const std::string files = " '" + (folder / "SEP[AB]078M.21O") + "'";
+  const json reports = json::parse(Orsolva("qc --no-config --json --nav -" + files, folder / "odd.21P").out);
+  ASSERT_EQ(reports.size(), 2U);
+  const auto alone = [&](const std::string& file) {
+    return json::parse(Orsolva("qc --no-config --json --nav - " + (folder / file), folder / "odd.21P").out);
+  };
+  EXPECT_EQ(reports[0], alone("SEPA078M.21O"));
+  EXPECT_EQ(reports[1], alone("SEPB078M.21O"));
+  EXPECT_FALSE(reports[1]["notices"].empty());
+}
+
+TEST(ManyFiles, AllHaveTheErrorOfNavigationThatCannotBeRead) {
+  ORSOLVA_NEED_FILE(Quarter());
+  const Folder folder;
+  FillNetwork(folder);
+  const Answer a = Orsolva("qc --no-config --sum '" + (folder / "SEP[AB]078M.21O") + "' --nav /no/such.nav");
+  EXPECT_EQ(a.code, 1);
+  for (const char* file : {"SEPA078M.21O", "SEPB078M.21O"}) {
+    const std::size_t line = a.out.find("#FAILED " + (folder / file));
+    ASSERT_NE(line, std::string::npos) << a.out;
+    EXPECT_NE(a.out.find("/no/such.nav", line), std::string::npos);
+  }
+}
+
 TEST(Outputs, EveryFormatGoesToItsFileWithOrWithoutEqualsSign) {
   ORSOLVA_NEED_FILE(Quarter());
   const Folder out;

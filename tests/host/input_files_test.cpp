@@ -145,16 +145,5 @@ TEST_F(InputFolder, FilesNamedAloneAreNeverDroppedSilently) {
   EXPECT_EQ(files.navigation, (Names{At("abcd0050.21n")}));
 }
 
-TEST_F(InputFolder, NavigationThatWasFoundIsNamedInANoticeAndThatNamedIsNot) {
-  Put("abcd0050.21n");
-  Diagnostics notices;
-  const Time_gbt time = {DaysFromCivil(2021, 1, 5) * 86400, 0.0};
-  EXPECT_EQ(ChooseNavigation({"named"}, At("abcd0050.21o"), time, notices), (Names{"named"}));
-  EXPECT_EQ(notices.Total(), 0);
-  EXPECT_EQ(ChooseNavigation({}, At("abcd0050.21o"), time, notices), (Names{At("abcd0050.21n")}));
-  ASSERT_EQ(notices.Notices().size(), 1U);
-  EXPECT_EQ(notices.Notices()[0].file, At("abcd0050.21n"));
-}
-
 }  // namespace
 }  // namespace orsolva_host

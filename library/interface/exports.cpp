@@ -85,7 +85,12 @@ bool GetAllPeriodResult(unsigned long long* handle, result_qct* result) {
 void GetEachCodeResult(unsigned long long* handle, total_code_qc_result& out) {
   std::memset(&out, 0, sizeof(out));
   if (handle == nullptr) return;
-  Guarded([&] { ProcessOf(handle)->EachCodeResult(out); });
+  const bool filled = Guarded(false, [&] {
+    ProcessOf(handle)->EachCodeResult(out);
+    return true;
+  });
+  // What was filled before the error is no result.
+  if (!filled) std::memset(&out, 0, sizeof(out));
 }
 
 GNSSQC_STATE GNSSQC(const ObsBodyData_QC_gbt& obs, const NavBodyData_QC_gbt& nav, const config_qct& config,

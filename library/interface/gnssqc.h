@@ -45,7 +45,8 @@ ORSOLVA_EXPORT GNSSQC_STATE GNSSQCPlus(const ObsBodyData_QC_gbt& obs, unsigned l
 ///         otherwise (the record is filled all the same), for null arguments and on an error
 ORSOLVA_EXPORT bool GetAllPeriodResult(unsigned long long* handle, result_qct* result);
 
-/// Writes the result per signal code of the run so far; changes no statistic.
+/// Writes the result per signal code of the run so far; changes no statistic. For a null handle and on an
+/// error the record is zeroed: it has no codes.
 ORSOLVA_EXPORT void GetEachCodeResult(unsigned long long* handle, total_code_qc_result& out);
 
 /// One whole run over one batch. Prints "QC success! \n" or "no nav data! \n" to standard output.

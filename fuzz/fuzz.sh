@@ -9,13 +9,21 @@ seconds=${1:-12}
 shift || true
 targets=("$@")
 [ ${#targets[@]} -gt 0 ] ||
-  targets=(boundary_records observation_reader compact_decoder navigation_reader compressed_input)
+  targets=(boundary_records observation_reader compact_decoder navigation_reader compressed_input
+    config_file profile scenario)
 build=${ORSOLVA_FUZZ_BUILD:-build-fuzz}
 
 cmake --preset fuzz -B "$build" >/dev/null
 cmake --build "$build" --target "${targets[@]/#/fuzz_}"
 shared=${ORSOLVA_SHARED:-../shared}/data
 [ ! -d "$shared" ] || python3 fuzz/make_seeds.py "$shared" "$build/seeds"
+
+dictionary_of() {
+  case $1 in
+    config_file | profile | scenario) echo settings.dict ;;
+    *) echo rinex.dict ;;
+  esac
+}
 
 failed=0
 for target in "${targets[@]}"; do
@@ -24,7 +32,7 @@ for target in "${targets[@]}"; do
   folders=("$build/corpus/$target" "$build/seeds/$target" "fuzz/seeds/$target")
   [ ! -d "fuzz/regressions/$target" ] || folders+=("fuzz/regressions/$target")
   "$build/bin/fuzz_$target" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 -max_len=20000 \
-    -dict=fuzz/rinex.dict -print_final_stats=1 -artifact_prefix="$build/findings/$target/" \
+    -dict="fuzz/$(dictionary_of "$target")" -print_final_stats=1 -artifact_prefix="$build/findings/$target/" \
     "${folders[@]}" 2>"$build/findings/$target.log" || failed=1
   grep -E 'stat::number_of_executed_units|DONE|ERROR|SUMMARY|does not hold|runtime error' \
     "$build/findings/$target.log" || true

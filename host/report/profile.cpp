@@ -5,12 +5,13 @@
 
 #include <algorithm>
 #include <cmath>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <utility>
 
 #include "host/report/figures.h"
+#include "host/report/toml_keys.h"
+#include "host/rinex/diagnostics.h"
+#include "host/rinex/text_file.h"
 
 namespace orsolva_host {
 namespace {
@@ -133,6 +134,9 @@ std::string GradeOf(const std::vector<CriterionOutcome>& outcomes) {
 }  // namespace
 
 Profile ParseProfile(std::string_view text, const std::string& origin) {
+  if (const std::size_t line = LineOfDeepKey(text); line > 0) {
+    throw ProfileError(fmt::format("{}:{}: a key of more than {} parts", origin, line, kMostKeyParts));
+  }
   try {
     const toml::table table = toml::parse(text, origin);
     RefuseUnknownKeys(table, {"name", "title", "criterion"}, origin);
@@ -155,14 +159,16 @@ Profile LoadProfile(const std::string& name_or_file) {
   for (int i = 0; i < kBuiltInProfileCount; ++i) {
     if (name_or_file == kBuiltInProfiles[i].name) return ParseProfile(kBuiltInProfiles[i].text, name_or_file);
   }
-  std::ifstream file(name_or_file, std::ios::binary);
-  const std::string text(std::istreambuf_iterator<char>(file), {});
-  if (!file || text.empty()) {
+  std::string text;
+  try {
+    text = TextOfFile(name_or_file, kLargestSettings_bytes);
+  } catch (const FileError& error) {
     std::string names;
     for (int i = 0; i < kBuiltInProfileCount; ++i) {
       names += std::string(i > 0 ? ", " : "") + kBuiltInProfiles[i].name;
     }
-    throw ProfileError("'" + name_or_file + "' is no profile (" + names + ") and no file of one");
+    throw ProfileError("'" + name_or_file + "' is no profile (" + names + ") and no file of one: found " +
+                       error.Found());
   }
   return ParseProfile(text, name_or_file);
 }

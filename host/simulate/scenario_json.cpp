@@ -4,15 +4,15 @@
 #include <fmt/ranges.h>
 
 #include <cmath>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <utility>
 
 #include "host/rinex/civil_time.h"
+#include "host/rinex/diagnostics.h"
 #include "host/rinex/satellite_names.h"
+#include "host/rinex/text_file.h"
 #include "host/simulate/active_faults.h"
 
 namespace orsolva_host {
@@ -240,10 +240,13 @@ void ReadFaults(const std::string& key, const Json& value, Scenario& scenario) {
   }
 }
 
-/// Comments are taken; a key that stands twice in an object is not.
+/// Comments are taken; a key that stands twice in an object is not, nor is deep nesting, which messages about
+/// a value would follow down the stack.
 Json ParseOnceEach(const std::string& text) {
+  constexpr int kDeepest = 16;
   std::vector<std::set<std::string>> keys;
-  const auto look = [&keys](int, Json::parse_event_t event, const Json& value) {
+  const auto look = [&keys](int depth, Json::parse_event_t event, const Json& value) {
+    if (depth > kDeepest) throw ScenarioError("scenario: found more than 16 levels, expected at most 4");
     if (event == Json::parse_event_t::object_start) keys.emplace_back();
     if (event == Json::parse_event_t::object_end) keys.pop_back();
     if (event == Json::parse_event_t::key && !keys.back().insert(value.get<std::string>()).second) {
@@ -253,7 +256,7 @@ Json ParseOnceEach(const std::string& text) {
   };
   try {
     return Json::parse(text, look, true, true);
-  } catch (const Json::parse_error& error) {
+  } catch (const Json::exception& error) {  // also a number beyond all doubles
     const std::string what = error.what();
     throw ScenarioError("found no JSON: " + what.substr(what.find("] ") + 2));
   }
@@ -322,12 +325,11 @@ void ReadScenario(const std::string& text, Scenario& s) {
 }
 
 void ReadScenarioFile(const std::string& path, Scenario& scenario) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) throw ScenarioError(path + ": found no file that can be read, expected a scenario (JSON)");
-  const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
   try {
-    ReadScenario(text, scenario);
+    ReadScenario(TextOfFile(path, kLargestSettings_bytes), scenario);
     CheckScenario(scenario);
+  } catch (const FileError& error) {
+    throw ScenarioError(error.what());
   } catch (const ScenarioError& error) {
     throw ScenarioError(path + ": " + error.what());
   }

@@ -106,5 +106,15 @@ TEST(Profile, MistakesAreNamedWithTheirLine) {
   EXPECT_THROW(LoadProfile("/no/such/profile"), ProfileError);
 }
 
+std::string DeepKey() {
+  std::string text = "name = 'n'\n# a comment may hold dots: " + std::string(200, '.') + "\n";
+  for (int i = 0; i < 300000; ++i) text += "a.";
+  return text + "a = 1\n";
+}
+
+TEST(Profile, AKeyOfManyPartsIsRefusedBeforeItUsesUpTheStack) {
+  EXPECT_EQ(Complaint(DeepKey()), "p.toml:3: a key of more than 100 parts");
+}
+
 }  // namespace
 }  // namespace orsolva_host

@@ -137,6 +137,8 @@ TEST(ScenarioJson, MistakesNameTheKeyWhatWasFoundAndWhatIsExpected) {
   } cases[] = {
       {"{", "", "found no JSON: parse error at line 1", "expect"},
       {"[]", "scenario: ", "found []", "expected an object"},
+      {R"({"hours": 1e999})", "", "found no JSON: number overflow", "1e999"},
+      {"[[[[[[[[[[[[[[[[[[[[]]]]]]]]]]]]]]]]]]]]", "scenario: ", "found more than 16 levels", "expected"},
       {R"({"intervall_s": 30})", "intervall_s: ", "found an unknown key", "interval_s"},
       {R"({"seed": 1, "seed": 2})", "seed: ", "found twice", "expected once"},
       {R"({"seed": -1})", "seed: ", "found -1", "expected a whole number"},

@@ -1,0 +1,42 @@
+#include "host/rinex/text_file.h"
+
+#include <fmt/format.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+#include "host/rinex/diagnostics.h"
+
+namespace orsolva_host {
+namespace {
+
+struct CloseFile {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+[[noreturn]] void Fail(const std::string& path) {
+  throw FileError(path, 0, std::strerror(errno), "a file that can be read",
+                  "Check the name and the permissions.");
+}
+
+}  // namespace
+
+std::string TextOfFile(const std::string& path, std::size_t most_bytes) {
+  const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.c_str(), "rb"));
+  if (!file) Fail(path);
+  std::string text;
+  char piece[1U << 16];
+  while (const std::size_t count = std::fread(piece, 1, sizeof piece, file.get())) {
+    text.append(piece, count);
+    if (text.size() > most_bytes) {
+      throw FileError(path, 0, fmt::format("more than {} bytes", most_bytes), "fewer",
+                      "Check that it is the right file.");
+    }
+  }
+  if (std::ferror(file.get()) != 0) Fail(path);
+  return text;
+}
+
+}  // namespace orsolva_host

@@ -1,12 +1,12 @@
 #include <CLI/CLI.hpp>
 #include <cstdio>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <string>
 
 #include "host/cli/commands.h"
 #include "host/cli/exit_codes.h"
+#include "host/cli/standard_streams.h"
+#include "host/rinex/text_file.h"
 #include "host/simulate/comparison.h"
 #include "host/simulate/told_faults.h"
 
@@ -19,13 +19,8 @@ struct CompareSettings {
   std::string detail;
 };
 
-/// @throws ComparisonError when the file cannot be read
-NamedText ReadNamed(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  NamedText named{path, std::string(std::istreambuf_iterator<char>(file), {})};
-  if (!file.is_open() || file.bad()) throw ComparisonError(path + ": found no file that can be read");
-  return named;
-}
+/// @throws FileError when the file cannot be read
+NamedText ReadNamed(const std::string& path) { return {path, TextOfFile(path, kLargestReport_bytes)}; }
 
 std::string Compared(const CompareSettings& settings) {
   const NamedText report = ReadNamed(settings.report), truth = ReadNamed(settings.truth);
@@ -33,7 +28,9 @@ std::string Compared(const CompareSettings& settings) {
   Diagnostics diagnostics;
   LineReader lines(OpenBytes(settings.detail, diagnostics));
   const DetailTable detail{settings.detail, lines};
-  return ComparisonText(report, truth, &detail);
+  std::string text = ComparisonText(report, truth, &detail);
+  if (diagnostics.Incomplete()) throw FileError(*diagnostics.Incomplete());
+  return text;
 }
 
 int DoCompare(const CompareSettings& settings) {
@@ -41,9 +38,9 @@ int DoCompare(const CompareSettings& settings) {
     const std::string text = Compared(settings);
     const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
     if (written && std::fflush(stdout) == 0) return kGood;
-    std::fputs("orsolva: the comparison could not be written\n", stderr);
+    PrintError("the comparison could not be written to standard output");
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "orsolva: %s\n", error.what());
+    PrintError(TextOf(error));
   }
   return kRunFailed;
 }

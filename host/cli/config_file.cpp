@@ -7,13 +7,14 @@
 #include <cctype>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <optional>
 
 #include "host/cli/app.h"
 #include "host/platform/platform.h"
 #include "host/report/text_layout.h"
+#include "host/report/toml_keys.h"
+#include "host/rinex/diagnostics.h"
+#include "host/rinex/text_file.h"
 
 namespace orsolva_host {
 namespace {
@@ -109,6 +110,14 @@ std::string ChosenFile(const std::vector<std::string>& arguments) {
   return FileOfTheUser();
 }
 
+std::string TextOfConfig(const std::string& path) {
+  try {
+    return TextOfFile(path, kLargestSettings_bytes);
+  } catch (const FileError& error) {
+    throw ConfigError(std::string("the configuration file cannot be read: ") + error.what());
+  }
+}
+
 std::string TomlValue(const OptionFacts& option) {
   if (option.argument.empty() || option.argument == "[=FILE]") return "false";
   const std::string& text = option.default_text;
@@ -122,6 +131,9 @@ std::string TomlValue(const OptionFacts& option) {
 
 std::vector<std::string> ConfigArguments(std::string_view text, const std::string& origin) {
   std::vector<std::string> arguments;
+  if (const std::size_t line = LineOfDeepKey(text); line > 0) {
+    throw ConfigError(fmt::format("{}:{}: a key of more than {} parts", origin, line, kMostKeyParts));
+  }
   try {
     const std::vector<OptionFacts> options = ConfigurableOptions();
     const toml::table table = toml::parse(text, origin);
@@ -145,11 +157,8 @@ std::vector<std::string> WithConfigFile(const std::vector<std::string>& argument
   if (arguments.empty() || arguments[0] != "qc") return arguments;
   const std::string path = ChosenFile(arguments);
   if (path.empty()) return arguments;
-  std::ifstream file(path, std::ios::binary);
-  const std::string text(std::istreambuf_iterator<char>(file), {});
-  if (!file) throw ConfigError(path + ": the configuration file cannot be read");
   std::vector<std::string> all = {"qc"};
-  for (std::string& argument : ConfigArguments(text, path)) all.push_back(std::move(argument));
+  for (std::string& argument : ConfigArguments(TextOfConfig(path), path)) all.push_back(std::move(argument));
   all.insert(all.end(), arguments.begin() + 1, arguments.end());
   return all;
 }

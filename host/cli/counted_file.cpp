@@ -1,6 +1,8 @@
 #include "host/cli/counted_file.h"
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <utility>
 
@@ -19,7 +21,7 @@ class CountedFile : public ByteSource {
   std::size_t Read(char* out, std::size_t size) override {
     const std::size_t count = std::fread(out, 1, size, file_.get());
     if (count == 0 && std::ferror(file_.get()) != 0) {
-      throw FileError(path_, 0, "an error of reading", "readable data", "Check the disk.");
+      throw FileError(path_, 0, std::strerror(errno), "readable data", "Check the path and the disk.");
     }
     monitor_.bytes.fetch_add(count, std::memory_order_relaxed);
     return count;

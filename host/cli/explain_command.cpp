@@ -8,6 +8,7 @@
 
 #include "host/cli/commands.h"
 #include "host/cli/exit_codes.h"
+#include "host/cli/standard_streams.h"
 #include "host/report/figures.h"
 #include "host/report/text_layout.h"
 
@@ -60,8 +61,8 @@ int DoExplain(const std::string& name) {
   }
   std::string near;
   for (const std::string& key : FiguresLike(name)) near += (near.empty() ? " Did you mean " : ", ") + key;
-  std::fprintf(stderr, "orsolva: '%s' is no figure.%s%s `orsolva explain` lists them all.\n", name.c_str(),
-               near.c_str(), near.empty() ? "" : "?");
+  PrintError("'" + name + "' is no figure." + near + (near.empty() ? "" : "?") +
+             " `orsolva explain` lists them all.");
   return kWrongUsage;
 }
 

@@ -14,6 +14,8 @@
 #include "host/cli/commands.h"
 #include "host/cli/exit_codes.h"
 #include "host/cli/qc_run.h"
+#include "host/cli/qc_settings.h"
+#include "host/cli/standard_streams.h"
 #include "host/report/text_layout.h"
 #include "host/rinex/civil_time.h"
 #include "host/rinex/input_files.h"
@@ -27,6 +29,12 @@ namespace {
 
 constexpr std::size_t kNameWidth = 18;
 constexpr std::size_t kFirstEpochs = 600;
+
+struct InspectSettings {
+  std::vector<std::string> files;
+  std::string size;
+  InputLimits limits;
+};
 
 void Row(std::string name, const std::string& value) {
   name.resize(kNameWidth, ' ');
@@ -106,8 +114,8 @@ void ShowContents(const Contents& contents, const ObservationHeader& header) {
   }
 }
 
-void InspectObservations(const std::string& file, Diagnostics& diagnostics) {
-  ObservationReader reader(file, diagnostics);
+void InspectObservations(const std::string& file, const InputLimits& limits, Diagnostics& diagnostics) {
+  ObservationReader reader(file, diagnostics, {false, limits});
   ShowHeader(reader.Header());
   Contents contents;
   const auto epoch = std::make_unique<ObsEpoch_QC_gbt>();
@@ -125,10 +133,11 @@ void InspectObservations(const std::string& file, Diagnostics& diagnostics) {
     throw;
   }
   ShowContents(contents, reader.Header());
+  if (reader.Failure()) throw FileError(*reader.Failure());
 }
 
-void InspectNavigation(const std::string& file, Diagnostics& diagnostics) {
-  NavigationReader reader(diagnostics);
+void InspectNavigation(const std::string& file, const InputLimits& limits, Diagnostics& diagnostics) {
+  NavigationReader reader(diagnostics, {limits});
   reader.Read(file);
   const NavigationSet set = reader.Take();
   Row("Kind", "navigation");
@@ -136,36 +145,49 @@ void InspectNavigation(const std::string& file, Diagnostics& diagnostics) {
                              set.glonass.size(), set.bds.size(), set.galileo.size(), set.qzss.size()));
 }
 
-bool Inspect(const std::string& file) {
+bool Inspect(const std::string& file, const InputLimits& limits) {
   Diagnostics diagnostics;
-  Row("File", file);
+  Row("File", Printable(file));
   bool good = true;
   try {
     if (KindOfFile(file) == FileKind::kNavigation) {
-      InspectNavigation(file, diagnostics);
+      InspectNavigation(file, limits, diagnostics);
     } else {
-      InspectObservations(file, diagnostics);
+      InspectObservations(file, limits, diagnostics);
     }
   } catch (const std::exception& error) {
     std::fflush(stdout);
-    std::fprintf(stderr, "orsolva: %s\n", error.what());
+    PrintError(TextOf(error));
     good = false;
   }
   ShowNotices(diagnostics);
-  return good;
+  if (good && diagnostics.Incomplete()) {
+    std::fflush(stdout);
+    PrintError(diagnostics.Incomplete()->what());
+  }
+  return good && !diagnostics.Incomplete();
 }
 
 }  // namespace
 
 void AddInspectCommand(CLI::App& app, int& exit_code) {
   CLI::App* command = app.add_subcommand("inspect", "Tell what a file holds, without judging it");
-  auto files = std::make_shared<std::vector<std::string>>();
-  command->add_option("FILE", *files, "RINEX observation or navigation files, packed or not")->required();
-  command->callback([files, &exit_code] {
+  auto settings = std::make_shared<InspectSettings>();
+  command->add_option("FILE", settings->files, "RINEX observation or navigation files, packed or not")
+      ->required();
+  command->add_option("--max-size", settings->size, "Most bytes a packed file may unpack to")
+      ->check(CLI::Validator(
+          [limits = &settings->limits](std::string& text) { return ParseSize(text, *limits); }, ""))
+      ->type_name("BYTES")
+      ->take_last()
+      ->default_str("8G");
+  // The options write into it as long as the command lives, whatever becomes of its callback.
+  command->preparse_callback([settings](std::size_t) {});
+  command->callback([settings, &exit_code] {
     exit_code = kGood;
-    for (std::size_t i = 0; i < files->size(); ++i) {
+    for (std::size_t i = 0; i < settings->files.size(); ++i) {
       if (i > 0) std::puts("");
-      if (!Inspect((*files)[i])) exit_code = kRunFailed;
+      if (!Inspect(settings->files[i], settings->limits)) exit_code = kRunFailed;
     }
   });
 }

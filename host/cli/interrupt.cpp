@@ -19,7 +19,7 @@ extern "C" void NoteSignal(int signal) {
 void NoteInterrupts() {
   std::signal(SIGINT, NoteSignal);
   std::signal(SIGTERM, NoteSignal);
-  IgnoreClosedPipes();
+  IgnoreSignalsOfWriting();
 }
 
 int InterruptExitCode() {

@@ -5,7 +5,7 @@
 namespace orsolva_host {
 
 /// From now on the first SIGINT or SIGTERM is only noted; a second one ends the program at once. A closed
-/// pipe becomes an error of writing.
+/// pipe and a file that grows beyond the user's limit become errors of writing.
 void NoteInterrupts();
 
 /// The exit code of the signal that was noted; 0 without one.

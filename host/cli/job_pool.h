@@ -16,10 +16,10 @@ namespace orsolva_host {
 
 class JobPool {
  public:
-  /// Begins at once.
+  /// Begins at once, with fewer threads when the system gives no more.
   /// @param work  is called once for every number below `jobs`, from several threads. What it throws ends
-  /// that
-  ///              job and no other.
+  /// that job and no other.
+  /// @throws std::system_error when not even one thread can be started
   JobPool(std::size_t jobs, unsigned threads, std::function<void(std::size_t)> work);
   /// Jobs that have not begun are left out; those under way are waited for.
   ~JobPool();
@@ -31,6 +31,8 @@ class JobPool {
   bool Wait(std::size_t job, std::chrono::milliseconds longest);
   /// Jobs that have not begun are left out.
   void Stop() { next_.store(jobs_); }
+  /// After Stop: waits until no job is under way, at most the time given. @return whether none is
+  bool WaitForEnd(std::chrono::milliseconds longest);
   /// How many are done.
   std::size_t Done();
 
@@ -45,6 +47,7 @@ class JobPool {
   std::vector<char> done_;
   std::vector<std::exception_ptr> thrown_;
   std::size_t count_ = 0;
+  unsigned working_ = 0;  ///< threads that have begun and not ended
   std::vector<std::thread> threads_;
 };
 

@@ -21,7 +21,9 @@
 #include "host/cli/progress_bar.h"
 #include "host/cli/qc_inputs.h"
 #include "host/cli/qc_run.h"
+#include "host/cli/standard_streams.h"
 #include "host/output/byte_sink.h"
+#include "host/output/whole_file.h"
 #include "host/platform/platform.h"
 #include "host/report/network.h"
 #include "host/report/network_html.h"
@@ -82,7 +84,7 @@ class Check {
         bar_(!request.quiet) {
     if (!request.profile.empty()) profile_ = LoadProfile(request.profile);
     OpenStreams();
-    if (!request_.output.empty()) std::filesystem::create_directories(request_.output);
+    if (!request_.output.empty()) MakeFolder(request_.output);
   }
 
   int Do();
@@ -99,6 +101,7 @@ class Check {
   void WriteFolder(std::size_t file, const Report& report) const;
   void Await(JobPool& pool, std::size_t file);
   void ShowProgress(JobPool& pool);
+  void LeaveIfStuck(JobPool& pool);
   void Tell(std::size_t file);
   void Take(std::size_t file);
   std::string Index(const std::string& path) const;
@@ -187,7 +190,7 @@ void Check::Judge(std::size_t file) {
     result.error = error.what();
     result.write_failed = true;
   } catch (const std::exception& error) {
-    result.error = WithUnrepaired(error.what(), diagnostics);
+    result.error = WithUnrepaired(TextOf(error), diagnostics);
   }
 }
 
@@ -217,28 +220,39 @@ void Check::Await(JobPool& pool, std::size_t file) {
   } catch (const std::exception& error) {
     // Judge() itself failed, as it may without memory.
     results_[file].report.reset();
-    results_[file].error = error.what();
+    results_[file].error = TextOf(error);
   }
+}
+
+/// After an interrupt a run may wait for input that never comes, such as a pipe nobody writes to. Then the
+/// program ends without it.
+void Check::LeaveIfStuck(JobPool& pool) {
+  constexpr std::chrono::milliseconds kPatience(2000);
+  if (InterruptExitCode() == 0 || pool.WaitForEnd(kPatience)) return;
+  bar_.Clear();
+  RemoveUnfinishedFiles();
+  std::_Exit(InterruptExitCode());
 }
 
 /// The lines on standard error about a finished file.
 void Check::Tell(std::size_t file) {
   const FileResult& result = results_[file];
-  if (!result.error.empty()) std::fprintf(stderr, "orsolva: %s\n", result.error.c_str());
+  if (!result.error.empty()) PrintError(result.error);
   if (request_.quiet) return;
   if (many_ || request_.verbose) {
     const char* state = result.report ? "judged" : "failed";
     const std::string grade =
         result.report && result.report->verdict ? ", " + result.report->verdict->grade : "";
     std::fprintf(stderr, "[%zu/%zu] %s: %s%s\n", file + 1, inputs_.observations.size(),
-                 inputs_.observations[file].c_str(), state, grade.c_str());
+                 Printable(inputs_.observations[file]).c_str(), state, Printable(grade).c_str());
   }
   if (!request_.verbose || !result.report) return;
   for (const std::string& navigation : result.report->run.navigation_files) {
-    std::fprintf(stderr, "  navigation: %s\n", navigation.c_str());
+    std::fprintf(stderr, "  navigation: %s\n", Printable(navigation).c_str());
   }
   for (const ReportNotice& n : result.report->notices) {
-    std::fprintf(stderr, "  notice: %s:%ld: %s (%ld)\n", n.file.c_str(), n.line, n.text.c_str(), n.count);
+    std::fprintf(stderr, "  notice: %s:%ld: %s (%ld)\n", Printable(n.file).c_str(), n.line, n.text.c_str(),
+                 n.count);
   }
 }
 
@@ -308,7 +322,6 @@ int Check::ExitCodeOf() const {
 }
 
 int Check::Do() {
-  NoteInterrupts();
   if (bar_.Visible()) {
     monitor_.count_bytes = true;
     for (const std::string& file : inputs_.observations) {
@@ -330,6 +343,7 @@ int Check::Do() {
       monitor_.stop.store(true);
       throw;
     }
+    LeaveIfStuck(pool);
   }
   bar_.Clear();
   if (InterruptExitCode() != 0) return ExitCodeOf();
@@ -381,9 +395,10 @@ int CheckFiles(const QcRequest& request) {
   }
   const std::string complaint = ComplaintAbout(request, inputs);
   if (!complaint.empty()) {
-    std::fprintf(stderr, "orsolva: %s\n", complaint.c_str());
+    PrintError(complaint);
     return kWrongUsage;
   }
+  NoteInterrupts();
   return Check(request, std::move(inputs)).Do();
 }
 

@@ -1,6 +1,5 @@
 #include <CLI/CLI.hpp>
 #include <array>
-#include <cstdio>
 #include <exception>
 #include <memory>
 
@@ -8,6 +7,7 @@
 #include "host/cli/exit_codes.h"
 #include "host/cli/qc_check.h"
 #include "host/cli/qc_settings.h"
+#include "host/cli/standard_streams.h"
 #include "host/report/profile.h"
 
 namespace orsolva_host {
@@ -17,10 +17,10 @@ int DoQc(const QcRequest& request) {
   try {
     return CheckFiles(request);
   } catch (const ProfileError& error) {
-    std::fprintf(stderr, "orsolva: %s\n", error.what());
+    PrintError(error.what());
     return kWrongUsage;
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "orsolva: %s\n", error.what());
+    PrintError(TextOf(error));
     return kRunFailed;
   }
 }

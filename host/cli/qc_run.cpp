@@ -272,6 +272,7 @@ Report Run::Finish() {
   report.show_satellites = settings_.satellites;
   report.notices = NoticesOf(diagnostics_);
   report.further_notices = diagnostics_.Uncounted();
+  if (diagnostics_.Incomplete()) report.read_error = diagnostics_.Incomplete()->what();
   if (observations_.Failure()) report.read_error = observations_.Failure()->what();
   return report;
 }

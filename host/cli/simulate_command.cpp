@@ -13,8 +13,11 @@
 
 #include "host/cli/commands.h"
 #include "host/cli/exit_codes.h"
+#include "host/cli/interrupt.h"
 #include "host/cli/progress.h"
 #include "host/cli/qc_settings.h"
+#include "host/cli/run_monitor.h"
+#include "host/cli/standard_streams.h"
 #include "host/simulate/file_set.h"
 #include "host/simulate/presets.h"
 #include "host/simulate/scenario_json.h"
@@ -117,11 +120,14 @@ void SayWhatDoesNotHappen(const Scenario& scenario) {
 }
 
 int Simulate(const Scenario& scenario, const FileSetOptions& options) {
+  NoteInterrupts();
   Truth truth;
   {
     Progress progress;
-    truth = WriteFileSet(scenario, options,
-                         [&progress](std::uint64_t done, std::uint64_t of) { progress.Epochs(done, of); });
+    truth = WriteFileSet(scenario, options, [&progress](std::uint64_t done, std::uint64_t of) {
+      if (InterruptExitCode() != 0) throw Stopped();
+      progress.Epochs(done, of);
+    });
   }
   const FileSet names = FileNames(scenario, options);
   std::printf("%s\n%s\n%s\n", names.observations.c_str(), names.navigation.c_str(), names.truth.c_str());
@@ -136,11 +142,13 @@ int DoSimulate(const SimulateSettings& settings) {
   }
   try {
     return Simulate(MakeScenario(settings), settings.files);
+  } catch (const Stopped&) {
+    return InterruptExitCode();
   } catch (const ScenarioError& error) {
-    std::fprintf(stderr, "orsolva: %s\n", error.what());
+    PrintError(error.what());
     return kWrongUsage;
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "orsolva: %s\n", error.what());
+    PrintError(TextOf(error));
     return kRunFailed;
   }
 }

@@ -5,6 +5,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
+#include <system_error>
+#include <utility>
 
 namespace orsolva_host {
 namespace {
@@ -20,8 +23,9 @@ constexpr unsigned kGzipBuffer = 1 << 18;
 
 class PlainSink : public ByteSink {
  public:
-  explicit PlainSink(const std::string& path) : path_(path), file_(std::fopen(path.c_str(), "wb")) {
-    if (!file_) Fail(path_, std::strerror(errno));
+  PlainSink(const std::string& path, std::string name)
+      : name_(std::move(name)), file_(std::fopen(path.c_str(), "wb")) {
+    if (!file_) Fail(name_, std::strerror(errno));
   }
   ~PlainSink() override {
     if (file_) std::fclose(file_);
@@ -30,23 +34,24 @@ class PlainSink : public ByteSink {
   PlainSink& operator=(const PlainSink&) = delete;
 
   void Write(const char* data, std::size_t size) override {
-    if (std::fwrite(data, 1, size, file_) != size) Fail(path_, std::strerror(errno));
+    if (std::fwrite(data, 1, size, file_) != size) Fail(name_, std::strerror(errno));
   }
   void Close() override {
     std::FILE* file = file_;
     file_ = nullptr;
-    if (std::fclose(file) != 0) Fail(path_, std::strerror(errno));
+    if (std::fclose(file) != 0) Fail(name_, std::strerror(errno));
   }
 
  private:
-  std::string path_;
+  std::string name_;
   std::FILE* file_;
 };
 
 class GzipSink : public ByteSink {
  public:
-  explicit GzipSink(const std::string& path) : path_(path), file_(gzopen(path.c_str(), kGzipMode)) {
-    if (!file_) Fail(path_, std::strerror(errno));
+  GzipSink(const std::string& path, std::string name)
+      : name_(std::move(name)), file_(gzopen(path.c_str(), kGzipMode)) {
+    if (!file_) Fail(name_, std::strerror(errno));
     gzbuffer(file_, kGzipBuffer);
   }
   ~GzipSink() override {
@@ -56,16 +61,24 @@ class GzipSink : public ByteSink {
   GzipSink& operator=(const GzipSink&) = delete;
 
   void Write(const char* data, std::size_t size) override {
-    if (size > 0 && gzwrite(file_, data, static_cast<unsigned>(size)) <= 0) Fail(path_, "packing failed");
+    if (size == 0 || gzwrite(file_, data, static_cast<unsigned>(size)) > 0) return;
+    int state = Z_OK;
+    gzerror(file_, &state);
+    Fail(name_, ReasonOf(state));
   }
   void Close() override {
     gzFile file = file_;
     file_ = nullptr;
-    if (gzclose(file) != Z_OK) Fail(path_, "packing failed");
+    const int state = gzclose(file);
+    if (state != Z_OK) Fail(name_, ReasonOf(state));
   }
 
  private:
-  std::string path_;
+  static const char* ReasonOf(int state) {
+    return state == Z_ERRNO ? std::strerror(errno) : "packing failed";
+  }
+
+  std::string name_;
   gzFile file_;
 };
 
@@ -85,9 +98,18 @@ bool EndsInGz(const std::string& path) {
 
 }  // namespace
 
-std::unique_ptr<ByteSink> OpenSink(const std::string& path) {
-  if (EndsInGz(path)) return std::make_unique<GzipSink>(path);
-  return std::make_unique<PlainSink>(path);
+std::unique_ptr<ByteSink> OpenSink(const std::string& path, const std::string& name) {
+  const std::string& shown = name.empty() ? path : name;
+  if (EndsInGz(path)) return std::make_unique<GzipSink>(path, shown);
+  return std::make_unique<PlainSink>(path, shown);
+}
+
+void MakeFolder(const std::string& folder) {
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (!error) return;
+  throw WriteError(folder + ": the folder could not be made (" + error.message() +
+                   "). Check the name and the permissions.");
 }
 
 std::unique_ptr<ByteSink> TextSink(std::string& text) { return std::make_unique<ToText>(text); }

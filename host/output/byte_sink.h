@@ -24,8 +24,12 @@ class ByteSink {
   virtual void Close() = 0;
 };
 
+/// @param name  what errors call the file when `path` is one that goes by another name later
 /// @throws WriteError when the file cannot be opened
-std::unique_ptr<ByteSink> OpenSink(const std::string& path);
+std::unique_ptr<ByteSink> OpenSink(const std::string& path, const std::string& name = {});
+
+/// Makes a folder and those above it. @throws WriteError
+void MakeFolder(const std::string& folder);
 
 /// Collects in a text that outlives the sink.
 std::unique_ptr<ByteSink> TextSink(std::string& text);

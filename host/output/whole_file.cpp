@@ -1,12 +1,30 @@
 #include "host/output/whole_file.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <mutex>
 #include <system_error>
 
 namespace orsolva_host {
 namespace {
 
 namespace fs = std::filesystem;
+
+/// The hidden names of what is being written, of all threads.
+struct Unfinished {
+  std::mutex mutex;
+  std::vector<std::string> names;
+
+  void Remove(const std::string& name) {
+    const auto found = std::find(names.begin(), names.end(), name);
+    if (found != names.end()) names.erase(found);
+  }
+};
+
+Unfinished& AllUnfinished() {
+  static Unfinished all;
+  return all;
+}
 
 /// The hidden name; the path itself for what cannot be renamed onto.
 std::string PartOf(const std::string& path) {
@@ -19,25 +37,42 @@ std::string PartOf(const std::string& path) {
 }  // namespace
 
 WholeFiles::~WholeFiles() {
+  Unfinished& all = AllUnfinished();
+  const std::lock_guard<std::mutex> lock(all.mutex);
   std::error_code ignored;
   for (const auto& [part, path] : files_) {
-    if (part != path) fs::remove(part, ignored);
+    fs::remove(part, ignored);
+    all.Remove(part);
   }
 }
 
 std::unique_ptr<ByteSink> WholeFiles::Begin(const std::string& path) {
-  files_.emplace_back(PartOf(path), path);
-  return OpenSink(files_.back().first);
+  const std::string part = PartOf(path);
+  if (part == path) return OpenSink(path);
+  Unfinished& all = AllUnfinished();
+  const std::lock_guard<std::mutex> lock(all.mutex);
+  files_.emplace_back(part, path);
+  all.names.push_back(part);
+  return OpenSink(part, path);
 }
 
 void WholeFiles::Publish() {
+  Unfinished& all = AllUnfinished();
+  const std::lock_guard<std::mutex> lock(all.mutex);
   for (const auto& [part, path] : files_) {
-    if (part == path) continue;
     std::error_code error;
     fs::rename(part, path, error);
     if (error) throw WriteError(path + ": could not be put in place (" + error.message() + ").");
+    all.Remove(part);
   }
   files_.clear();
+}
+
+void RemoveUnfinishedFiles() {
+  Unfinished& all = AllUnfinished();
+  all.mutex.lock();  // for good
+  std::error_code ignored;
+  for (const std::string& name : all.names) fs::remove(name, ignored);
 }
 
 void WholeFile::Commit() {

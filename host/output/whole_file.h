@@ -34,6 +34,10 @@ class WholeFiles {
   std::vector<std::pair<std::string, std::string>> files_;  ///< hidden and own name
 };
 
+/// Removes what is being written, for an end of the program that cannot wait for it. No file can be begun or
+/// published afterwards: whoever tries waits for that end.
+void RemoveUnfinishedFiles();
+
 /// One such file. Without Commit nothing stays.
 class WholeFile {
  public:

@@ -25,11 +25,14 @@ std::vector<std::string> FilesMatching(const std::string& pattern);
 /// The folder below which programs keep the user's settings; empty when the environment names none.
 std::string SettingsFolder();
 
-/// The standard streams carry bytes as they are, and a terminal understands colours from now on.
+/// To be called first. The standard streams carry bytes as they are, and a terminal understands colours from
+/// now on. The places of streams that the caller has closed are taken, so that no file that is opened later
+/// gets their numbers and with them the report; reading or writing them stays an error.
 void PrepareStreams();
 
-/// Writing to a closed pipe fails instead of ending the program.
-void IgnoreClosedPipes();
+/// Writing to a closed pipe, or beyond the user's limit on the size of files, fails instead of ending the
+/// program.
+void IgnoreSignalsOfWriting();
 
 }  // namespace orsolva_host
 

@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <glob.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -38,8 +39,17 @@ std::string SettingsFolder() {
   return home != nullptr && *home != '\0' ? std::string(home) + "/.config" : std::string();
 }
 
-void PrepareStreams() {}
+void PrepareStreams() {
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) != -1) continue;
+    // The lowest free number is this stream's. Its mode is the one nobody uses the stream with.
+    if (open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY) != stream) return;
+  }
+}
 
-void IgnoreClosedPipes() { std::signal(SIGPIPE, SIG_IGN); }
+void IgnoreSignalsOfWriting() {
+  std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
+}
 
 }  // namespace orsolva_host

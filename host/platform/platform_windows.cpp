@@ -68,7 +68,7 @@ void PrepareStreams() {
   }
 }
 
-// A write to a closed pipe fails here in any case.
-void IgnoreClosedPipes() {}
+// Such writes fail here in any case.
+void IgnoreSignalsOfWriting() {}
 
 }  // namespace orsolva_host

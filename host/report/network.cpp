@@ -10,6 +10,7 @@
 #include "host/report/csv_writer.h"
 #include "host/report/verdict_text.h"
 #include "host/rinex/civil_time.h"
+#include "host/rinex/diagnostics.h"
 
 namespace orsolva_host {
 namespace {
@@ -104,11 +105,11 @@ std::string NetworkText(const std::vector<NetworkRow>& rows, const TextStyle& st
     const std::optional<double>& ratio = row.summary.completeness;
     const std::string percent = ratio ? fmt::format("{:.2f}", *ratio * 100) : "-";
     const std::string name = std::filesystem::path(row.file).filename().string();
-    table.AddRow({name.empty() ? row.file : name, StateOf(row), percent,
+    table.AddRow({Printable(name.empty() ? row.file : name), StateOf(row), percent,
                   row.judged ? fmt::format("{}", row.lost_epochs) : "-", Fixed(row.summary.mp1_m, 3, "-"),
                   Fixed(row.summary.mp2_m, 3, "-"), Fixed(row.summary.obs_per_slip, 0, "-")},
                  ToneOfRow(row));
-    if (!row.error.empty()) table.AddBelow(Wrapped(ErrorOf(row), "    ", "    ", style.width));
+    if (!row.error.empty()) table.AddBelow(Wrapped(Printable(ErrorOf(row)), "    ", "    ", style.width));
   }
   return text + table.Text(style);
 }

@@ -9,6 +9,7 @@
 #include "host/report/notes.h"
 #include "host/report/verdict_text.h"
 #include "host/rinex/civil_time.h"
+#include "host/rinex/diagnostics.h"
 
 namespace orsolva_host {
 namespace {
@@ -97,7 +98,7 @@ class Writer {
 
   void FileRow(std::string name, const std::string& file) {
     name.resize(kNameWidth, ' ');
-    text_ += name + Fitted(file.empty() ? "-" : file, style_.width - kNameWidth) + "\n";
+    text_ += name + Fitted(file.empty() ? "-" : Printable(file), style_.width - kNameWidth) + "\n";
   }
 
   void Run();
@@ -292,7 +293,7 @@ void Writer::Notices() {
   if (report_.notices.empty() && report_.further_notices == 0) return;
   Heading("NOTICES");
   for (const ReportNotice& n : report_.notices) {
-    std::string place = n.file;
+    std::string place = Printable(n.file);
     if (n.line > 0) place += fmt::format(":{}", n.line);
     text_ += Wrapped(fmt::format("{}: {}{}", place, n.recovered ? "" : "not repaired: ", n.text) +
                          (n.count > 1 ? fmt::format(" ({} times)", n.count) : ""),

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "host/rinex/diagnostics.h"
+
 namespace orsolva_host {
 namespace {
 
@@ -48,11 +50,11 @@ std::string VerdictText(const Verdict& verdict, const TextStyle& style) {
   const std::string head = fmt::format(
       "{}: {} good, {} fair, {} failed, {} without data by the profile {} ({})", verdict.grade, count("good"),
       count("fair"), count("fail"), count("no data"), verdict.profile, verdict.title);
-  std::string text = Toned(Wrapped(head, "", "  ", style.width), ToneOf(verdict.grade), style);
+  std::string text = Toned(Wrapped(Printable(head), "", "  ", style.width), ToneOf(verdict.grade), style);
   for (const CriterionOutcome& o : verdict.outcomes) {
     if (o.grade == "good") continue;
     const std::string line = fmt::format("{} {} {}: {}", o.grade, WhereText(o), o.criterion, OutcomeText(o));
-    text += Toned(Wrapped(line, "  ", "    ", style.width),
+    text += Toned(Wrapped(Printable(line), "  ", "    ", style.width),
                   o.grade == "no data" ? Tone::kFaint : ToneOf(o.grade), style);
   }
   return text;

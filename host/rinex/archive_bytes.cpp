@@ -36,7 +36,7 @@ class Archive : public ByteSource {
     const la_ssize_t count = archive_read_data(archive_.get(), out, size);
     CheckSource();
     if (count < 0) {
-      End("the packed data are damaged or end early");
+      End("packed data that are damaged or end early");
       return 0;
     }
     if (count == 0) {
@@ -72,7 +72,7 @@ class Archive : public ByteSource {
   void Open() {
     const bool open = archive_read_open(archive_.get(), this, nullptr, Refill, nullptr) == ARCHIVE_OK;
     CheckSource();
-    if (!open) return End("the packed data are damaged or end early");
+    if (!open) return End("packed data that are damaged or end early");
     if (!NextFile() && !ended_) End("an archive without a file");
   }
 
@@ -84,7 +84,7 @@ class Archive : public ByteSource {
       CheckSource();
       if (state == ARCHIVE_EOF) return false;
       if (state != ARCHIVE_OK && state != ARCHIVE_WARN) {
-        if (!ended_) End("the packed data are damaged or end early");
+        if (!ended_) End("packed data that are damaged or end early");
         return false;
       }
       // The raw format has no file type.
@@ -93,9 +93,9 @@ class Archive : public ByteSource {
     }
   }
 
-  void End(const char* why) {
+  void End(const char* what) {
     ended_ = true;
-    diagnostics_.Add(name_, 0, why, false);
+    diagnostics_.AddIncomplete(name_, what);
   }
 
   std::unique_ptr<ByteSource> packed_;

@@ -8,6 +8,11 @@ void Diagnostics::Add(const std::string& file, long line, const std::string& tex
   AddKind(file, line, text, recovered);
 }
 
+void Diagnostics::AddIncomplete(const std::string& file, const std::string& what) {
+  Add(file, 0, what, false);
+  if (!incomplete_) incomplete_.emplace(file, 0, what, "whole data", "Fetch the file again.");
+}
+
 std::size_t Diagnostics::AddKind(const std::string& file, long line, const std::string& text,
                                  bool recovered) {
   std::string key = file;
@@ -36,6 +41,7 @@ void Diagnostics::Again(std::size_t kind, long cases) {
 void Diagnostics::Append(const Diagnostics& other) {
   for (const Notice& n : other.notices_) Again(AddKind(n.file, n.line, n.text, n.recovered), n.count - 1);
   Again(kMaxKinds, other.uncounted_);
+  if (!incomplete_) incomplete_ = other.incomplete_;
 }
 
 namespace {

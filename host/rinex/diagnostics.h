@@ -3,6 +3,7 @@
 #define ORSOLVA_RINEX_DIAGNOSTICS_H
 
 #include <cstddef>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -10,6 +11,26 @@
 #include <vector>
 
 namespace orsolva_host {
+
+/// A file that cannot be read on: where, what was found, what was expected and what the user can do.
+class FileError : public std::runtime_error {
+ public:
+  /// @param line  1-based, 0 when the file as a whole is meant
+  FileError(std::string file, long line, std::string found, std::string expected, std::string advice);
+
+  const std::string& File() const { return file_; }
+  long Line() const { return line_; }
+  const std::string& Found() const { return found_; }
+  const std::string& Expected() const { return expected_; }
+  const std::string& Advice() const { return advice_; }
+
+ private:
+  std::string file_;
+  long line_;
+  std::string found_;
+  std::string expected_;
+  std::string advice_;
+};
 
 /// One kind of oddity in one file. The place is that of its first case.
 struct Notice {
@@ -32,12 +53,16 @@ class Diagnostics {
 
   /// Adds like Add. @return the place of the kind, for further cases by Again
   std::size_t AddKind(const std::string& file, long line, const std::string& text, bool recovered = true);
+  /// Packed data of which only a part could be unpacked: a notice, and the error that the run ends with.
+  void AddIncomplete(const std::string& file, const std::string& what);
   /// Counts further cases of a kind, without its text: for oddities that come by the thousand.
   void Again(std::size_t kind, long cases = 1);
   /// Adds all of another run of a reader, as if it had told them here.
   void Append(const Diagnostics& other);
 
   const std::vector<Notice>& Notices() const { return notices_; }
+  /// The first file of which only a part could be unpacked.
+  const std::optional<FileError>& Incomplete() const { return incomplete_; }
   /// Cases of kinds beyond the kept ones.
   long Uncounted() const { return uncounted_; }
   /// Cases of all kinds.
@@ -46,28 +71,9 @@ class Diagnostics {
  private:
   std::vector<Notice> notices_;
   std::unordered_map<std::string, std::size_t> index_;
+  std::optional<FileError> incomplete_;
   long uncounted_ = 0;
   long total_ = 0;
-};
-
-/// A file that cannot be read on: where, what was found, what was expected and what the user can do.
-class FileError : public std::runtime_error {
- public:
-  /// @param line  1-based, 0 when the file as a whole is meant
-  FileError(std::string file, long line, std::string found, std::string expected, std::string advice);
-
-  const std::string& File() const { return file_; }
-  long Line() const { return line_; }
-  const std::string& Found() const { return found_; }
-  const std::string& Expected() const { return expected_; }
-  const std::string& Advice() const { return advice_; }
-
- private:
-  std::string file_;
-  long line_;
-  std::string found_;
-  std::string expected_;
-  std::string advice_;
 };
 
 /// A file's text without control characters, which could command a terminal: '?' stands for each.

@@ -40,10 +40,10 @@ class GzipBytes : public ByteSource {
   }
 
   void Step() {
-    if (stream_.avail_in == 0 && !Refill()) return End("the packed data end early");
+    if (stream_.avail_in == 0 && !Refill()) return Break("packed data that end early");
     const int state = inflate(&stream_, Z_NO_FLUSH);
     if (state == Z_STREAM_END) return NextMember();
-    if (state != Z_OK && state != Z_BUF_ERROR) End("the packed data are damaged");
+    if (state != Z_OK && state != Z_BUF_ERROR) Break("packed data that are damaged");
   }
 
   void NextMember() {
@@ -54,6 +54,11 @@ class GzipBytes : public ByteSource {
     } else {
       End("bytes after the packed data are left out");
     }
+  }
+
+  void Break(const char* what) {
+    ended_ = true;
+    diagnostics_.AddIncomplete(name_, what);
   }
 
   void End(const char* why) {

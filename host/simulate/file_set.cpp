@@ -5,7 +5,6 @@
 #include <cmath>
 #include <filesystem>
 #include <memory>
-#include <system_error>
 
 #include "host/output/byte_sink.h"
 #include "host/output/whole_file.h"
@@ -39,12 +38,6 @@ void WriteText(const std::string& path, const std::string& text, WholeFiles& fil
   const std::unique_ptr<ByteSink> sink = files.Begin(path);
   sink->Write(text.data(), text.size());
   sink->Close();
-}
-
-void MakeFolder(const std::string& folder) {
-  std::error_code error;
-  std::filesystem::create_directories(folder, error);
-  if (error) throw WriteError(folder + ": the folder could not be made (" + error.message() + ").");
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "host/cli/config_file.h"
 #include "host/cli/exit_codes.h"
 #include "host/cli/output_plan.h"
 #include "host/cli/progress_bar.h"
@@ -286,6 +287,12 @@ TEST(Config, MistakesAreNamedWithTheirLineAndAreTwo) {
     EXPECT_NE(a.err.find(file + line), std::string::npos) << a.err;
   }
   EXPECT_EQ(Orsolva("qc --config " + (folder / "none.toml") + " a.rnx").code, 2);
+}
+
+TEST(Config, AKeyOfManyPartsIsRefusedBeforeItUsesUpTheStack) {
+  std::string text = "[qc]\n";
+  for (int i = 0; i < 300000; ++i) text += "a.";
+  EXPECT_THROW(orsolva_host::ConfigArguments(text + "a = 1\n", "c.toml"), orsolva_host::ConfigError);
 }
 
 TEST(Config, ThePrintedDefaultsAreTakenAndChangeNothing) {

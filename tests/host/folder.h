@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <set>
 #include <string>
@@ -13,8 +14,9 @@ namespace orsolva_test {
 
 /// What a test puts into the temporary folder: no other test, and no other run of it, has this name.
 inline std::string TemporaryName(const std::string& what) {
-  return testing::TempDir() + "orsolva_" + what + "_" +
-         testing::UnitTest::GetInstance()->current_test_info()->name() + "_" + std::to_string(getpid());
+  std::string test = testing::UnitTest::GetInstance()->current_test_info()->name();
+  std::replace(test.begin(), test.end(), '/', '_');  // of a test with a parameter
+  return testing::TempDir() + "orsolva_" + what + "_" + test + "_" + std::to_string(getpid());
 }
 
 /// An empty folder that goes with the test.

@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "host/cli/counted_file.h"
+#include "host/cli/epoch_batch.h"
 #include "host/report/build_report.h"
 #include "host/report/navigation_coverage.h"
 #include "host/rinex/civil_time.h"
@@ -45,7 +46,7 @@ class Run {
         monitor_(monitor),
         observations_(OpenCounted(settings.observation_file, diagnostics, settings.limits, monitor),
                       settings.observation_file, diagnostics, {settings.snr_from_strength, settings.limits}),
-        batch_(new ObsEpoch_QC_gbt[kBatchEpochs]) {}
+        batch_(MakeEpochBatch(kBatchEpochs)) {}
 
   Report Do() {
     FillBatch();
@@ -83,7 +84,7 @@ class Run {
   DetailSink* detail_;
   RunMonitor* monitor_;
   ObservationReader observations_;
-  std::unique_ptr<ObsEpoch_QC_gbt[]> batch_;
+  EpochBatch batch_;
   std::size_t batch_size_ = 0;
   std::shared_ptr<const ReadNavigation> navigation_;
   std::unique_ptr<CoverageCounter> coverage_;

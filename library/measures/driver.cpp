@@ -285,6 +285,10 @@ void IonSlipAndMultipath::Initialise(QcConfig& config, const gnssqctoolkit::ILis
   window_length_ = MpWindowLength(interval);
 }
 
+void IonSlipAndMultipath::Reserve(std::size_t satellite_epochs, std::size_t signals) {
+  impl_->Store.Reserve(satellite_epochs, signals);
+}
+
 void IonSlipAndMultipath::AddSatelliteEpoch(int number, const QcEpochData& epoch, bool counting) {
   if (!initialised_ || number < 1 || number > kMaxSatellites) return;
   impl_->Open(number, window_length_);

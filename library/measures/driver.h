@@ -3,6 +3,7 @@
 #ifndef ORSOLVA_MEASURES_DRIVER_H
 #define ORSOLVA_MEASURES_DRIVER_H
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 
@@ -31,6 +32,9 @@ class IonSlipAndMultipath {
                   const std::int32_t* glonass_channels, double interval);
   bool Initialised() const { return initialised_; }
   int WindowLength() const { return window_length_; }
+
+  /// Makes room for the next batch: epochs of satellites, and their signals in all.
+  void Reserve(std::size_t satellite_epochs, std::size_t signals);
 
   /// Stores one epoch of one satellite for the next pass.
   /// @param number    satellite number 1 to 208; any other is ignored

@@ -16,6 +16,15 @@ bool LowerNumber(const StoredSatellite& a, const StoredSatellite& b) {
   return a.Number != b.Number ? a.Number < b.Number : a.First < b.First;
 }
 
+// Exactly what is needed for a batch that is larger than those before; batches of slowly growing sizes must
+// not move the list each time.
+template <class T>
+void MakeRoom(std::vector<T>& list, std::size_t more) {
+  const std::size_t needed = list.size() + more;
+  if (needed <= list.capacity()) return;
+  list.reserve(std::max(needed, list.capacity() + list.capacity() / 2));
+}
+
 }  // namespace
 
 // Keeps the observations from `first` to the end ascending by code; of a code given twice the first stays.
@@ -28,6 +37,11 @@ void EpochStore::Insert(const CodeObservation& observation, std::size_t first) {
     return;
   }
   observations_.insert(observations_.begin() + static_cast<std::ptrdiff_t>(at), observation);
+}
+
+void EpochStore::Reserve(std::size_t satellites, std::size_t observations) {
+  MakeRoom(satellites_, satellites);
+  MakeRoom(observations_, observations);
 }
 
 void EpochStore::Add(int number, const QcEpochData& epoch, bool counting) {

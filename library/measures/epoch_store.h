@@ -33,6 +33,10 @@ class EpochStore {
  public:
   virtual ~EpochStore() = default;
 
+  /// Makes room for so many more satellites and observations, so that lists of a large batch are not moved
+  /// again and again while they grow. More than that may be added all the same.
+  void Reserve(std::size_t satellites, std::size_t observations);
+
   /// Copies the observations of a satellite at an epoch. Times that are not finite and epochs without
   /// observations are left out.
   void Add(int number, const QcEpochData& epoch, bool counting);

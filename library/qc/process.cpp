@@ -132,6 +132,12 @@ void PostProcessGnssQc::WidenRun(const BatchSummary& summary) {
 void PostProcessGnssQc::RunMeasures() {
   InitialiseMeasures();
   EleList.SetStation(Eph, Position, Config.ElevationMask);
+  std::size_t satellite_epochs = 0, signals = 0;
+  for (const int number : ObsData.PresentSatellites()) {
+    satellite_epochs += ObsData.Sats[number - 1].Epochs.size();
+    signals += ObsData.Sats[number - 1].Signals.size();
+  }
+  IonMp.Reserve(satellite_epochs, signals);
   for (const int number : ObsData.PresentSatellites()) {
     if (static_cast<std::int8_t>(SatUsable[number - 1]) > 0) MeasureSatellite(number);
   }

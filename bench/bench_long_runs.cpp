@@ -1,6 +1,6 @@
 // Runs too long for the clock of a micro-benchmark: a day at 1 Hz, a live feed, scaling.
 //
-// usage: bench_long_runs day [EPOCHS] | live [EPOCHS] | epochs | satellites
+// usage: bench_long_runs day [EPOCHS] | live [EPOCHS] | epochs [ROUNDS] | satellites [ROUNDS]
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -147,11 +147,11 @@ void RunLive(int epochs) {
   std::printf("\n");
 }
 
-/// Prints the cost of the fastest of three runs: what else the machine does only ever adds.
-void PrintScaling(const char* what, int value, const SkyOptions& options) {
+/// Prints the cost of the fastest of some runs: what else the machine does only ever adds.
+void PrintScaling(const char* what, int value, int rounds, const SkyOptions& options) {
   double best = 0.0;
   std::int64_t satellite_epochs = 0;
-  for (int round = 0; round < 3; ++round) {
+  for (int round = 0; round < rounds; ++round) {
     TimedRun run(options);
     for (int at = 0; at < options.Epochs; at += 120) run.Feed(120);
     run.Finish();
@@ -163,33 +163,37 @@ void PrintScaling(const char* what, int value, const SkyOptions& options) {
 }
 
 /// One hour to seven days of 30 s epochs.
-void ScaleEpochs() {
+void ScaleEpochs(int rounds) {
   for (const int hours : {1, 3, 6, 12, 24, 48, 96, 168}) {
     SkyOptions options = Sky1Hz(hours * 120);
     options.Interval = 30.0;
-    PrintScaling("hours", hours, options);
+    PrintScaling("hours", hours, rounds, options);
   }
 }
 
 /// 8 to 60 satellites an epoch, those below the horizon too so that there are enough.
-void ScaleSatellites() {
+void ScaleSatellites(int rounds) {
   for (const int satellites : {8, 16, 24, 32, 40, 50, 60}) {
     SkyOptions options = Sky1Hz(2880);
     options.Interval = 30.0;
     options.LowestElevation = -0.5;
     options.MostSatellites = satellites;
-    PrintScaling("satellites", satellites, options);
+    PrintScaling("satellites", satellites, rounds, options);
   }
 }
 
 int Run(int count, char** arguments) {
   const std::string what = count > 1 ? arguments[1] : "";
-  const int epochs = count > 2 ? std::max(2, std::atoi(arguments[2])) : 86400;
+  const int told = count > 2 ? std::atoi(arguments[2]) : 0;
+  const int epochs = told > 0 ? std::max(2, told) : 86400;
+  const int rounds = told > 0 ? told : 3;
   if (what == "day") return RunDay(std::max(epochs, 5760)), 0;
   if (what == "live") return RunLive(epochs), 0;
-  if (what == "epochs") return ScaleEpochs(), 0;
-  if (what == "satellites") return ScaleSatellites(), 0;
-  std::fprintf(stderr, "usage: bench_long_runs day [EPOCHS] | live [EPOCHS] | epochs | satellites\n");
+  if (what == "epochs") return ScaleEpochs(rounds), 0;
+  if (what == "satellites") return ScaleSatellites(rounds), 0;
+  std::fprintf(
+      stderr,
+      "usage: bench_long_runs day [EPOCHS] | live [EPOCHS] | epochs [ROUNDS] | satellites [ROUNDS]\n");
   return 2;
 }
 

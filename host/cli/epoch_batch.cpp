@@ -2,15 +2,12 @@
 
 #include <new>
 
-#if defined(__linux__)
-#include <sys/mman.h>
-#endif
+#include "host/platform/platform.h"
 
 namespace orsolva_host {
 namespace {
 
-constexpr std::size_t kHugePage = std::size_t{1} << 21;
-constexpr std::align_val_t kAlignment{kHugePage};
+constexpr std::align_val_t kAlignment{kHugePageBytes};
 
 }  // namespace
 
@@ -19,10 +16,8 @@ void FreeEpochs::operator()(ObsEpoch_QC_gbt* epochs) const noexcept { ::operator
 EpochBatch MakeEpochBatch(std::size_t count) {
   const std::size_t bytes = count * sizeof(ObsEpoch_QC_gbt);
   void* room = ::operator new(bytes, kAlignment);
-#if defined(__linux__)
-  // Whole huge pages only: what follows the batch is not ours. A refusal costs nothing but the faults.
-  static_cast<void>(madvise(room, bytes / kHugePage * kHugePage, MADV_HUGEPAGE));
-#endif
+  // Whole huge pages only: what follows the batch is not ours.
+  PreferHugePages(room, bytes / kHugePageBytes * kHugePageBytes);
   return EpochBatch(static_cast<ObsEpoch_QC_gbt*>(room));
 }
 

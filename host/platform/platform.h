@@ -1,5 +1,6 @@
 // What operating systems do differently, in one place: terminals, patterns of file names, the folder of
-// settings, standard streams and closed pipes. One source a system; the build takes the one of its target.
+// settings, standard streams, closed pipes and large memory. One source a system; the build takes the one of
+// its target.
 #ifndef ORSOLVA_PLATFORM_PLATFORM_H
 #define ORSOLVA_PLATFORM_PLATFORM_H
 
@@ -33,6 +34,10 @@ void PrepareStreams();
 /// Writing to a closed pipe, or beyond the user's limit on the size of files, fails instead of ending the
 /// program.
 void IgnoreSignalsOfWriting();
+
+/// Asks for huge pages behind memory that begins and ends at such a page; nothing where there are none.
+inline constexpr std::size_t kHugePageBytes = std::size_t{1} << 21;
+void PreferHugePages(void* memory, std::size_t bytes);
 
 }  // namespace orsolva_host
 

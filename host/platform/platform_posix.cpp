@@ -1,6 +1,7 @@
 #include <fcntl.h>
 #include <glob.h>
 #include <sys/ioctl.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -50,6 +51,15 @@ void PrepareStreams() {
 void IgnoreSignalsOfWriting() {
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
+}
+
+void PreferHugePages(void* memory, std::size_t bytes) {
+#ifdef MADV_HUGEPAGE
+  // A refusal costs nothing but the page faults.
+  static_cast<void>(madvise(memory, bytes, MADV_HUGEPAGE));
+#else
+  static_cast<void>(memory), static_cast<void>(bytes);
+#endif
 }
 
 }  // namespace orsolva_host

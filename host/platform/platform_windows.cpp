@@ -71,4 +71,6 @@ void PrepareStreams() {
 // Such writes fail here in any case.
 void IgnoreSignalsOfWriting() {}
 
+void PreferHugePages(void*, std::size_t) {}
+
 }  // namespace orsolva_host

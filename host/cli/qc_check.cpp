@@ -19,6 +19,7 @@
 #include "host/cli/job_pool.h"
 #include "host/cli/output_plan.h"
 #include "host/cli/progress_bar.h"
+#include "host/cli/qc_complaint.h"
 #include "host/cli/qc_inputs.h"
 #include "host/cli/qc_run.h"
 #include "host/cli/standard_streams.h"
@@ -77,7 +78,7 @@ class Check {
         navigation_(inputs_.navigation, request.settings.limits),
         many_(inputs_.observations.size() > 1),
         pages_in_folder_(!request.output.empty() &&
-                         (Lists(request.formats, "html") || (many_ && !request.settings.html_file.empty()))),
+                         (Lists(request.formats, "html") || (many_ && !request.html.empty()))),
         stems_(OutputStems(inputs_.observations)),
         style_(StyleOf(request)),
         results_(inputs_.observations.size()),
@@ -151,7 +152,7 @@ std::vector<std::string> Check::TablesOf(std::size_t file) const {
   std::vector<std::string> tables;
   const bool in_folder = !request_.output.empty() && Lists(request_.formats, "detail");
   if (in_folder) tables.push_back(InFolder(file, ".detail.csv"));
-  if (!request_.settings.detail_file.empty()) tables.push_back(request_.settings.detail_file);
+  if (!request_.detail.empty()) tables.push_back(request_.detail);
   return tables;
 }
 
@@ -159,7 +160,7 @@ std::vector<std::string> Check::TablesOf(std::size_t file) const {
 std::vector<std::string> Check::PagesOf(std::size_t file) const {
   std::vector<std::string> pages;
   if (pages_in_folder_) pages.push_back(InFolder(file, ".html"));
-  if (!many_ && !request_.settings.html_file.empty()) pages.push_back(request_.settings.html_file);
+  if (!many_ && !request_.html.empty()) pages.push_back(request_.html);
   return pages;
 }
 
@@ -297,7 +298,7 @@ void Check::WriteNetwork() const {
     WriteWholeFile(request_.output + name, NetworkAs(name));
   }
   if (!pages_in_folder_) return;
-  const std::string& named = request_.settings.html_file;
+  const std::string& named = request_.html;
   const std::string index = named.empty() ? request_.output + "/index.html" : named;
   WriteWholeFile(index, Index(index));
 }
@@ -351,41 +352,7 @@ int Check::Do() {
   return ExitCodeOf();
 }
 
-std::string ComplaintAboutMany(const QcRequest& request, const QcInputs& inputs) {
-  const std::string& index = request.settings.html_file;
-  if (!request.settings.detail_file.empty())
-    return "--detail takes one observation file; for many use --output FOLDER --formats detail";
-  if (index.empty()) return {};
-  if (request.output.empty())
-    return "--html of many observation files is the index of their pages: say with --output FOLDER where the "
-           "pages go";
-  namespace fs = std::filesystem;
-  for (const std::string& stem : OutputStems(inputs.observations)) {
-    const fs::path page = fs::absolute(request.output + "/" + stem + ".html").lexically_normal();
-    if (page == fs::absolute(index).lexically_normal())
-      return "--html " + index + ": this is the page of one of the files; give the index another name";
-  }
-  return {};
-}
-
 }  // namespace
-
-std::string ComplaintAbout(const QcRequest& request, const QcInputs& inputs) {
-  const auto from_input = std::count(inputs.observations.begin(), inputs.observations.end(), "-") +
-                          std::count(inputs.navigation.begin(), inputs.navigation.end(), "-");
-  if (from_input > 1) {
-    return "standard input can be read once only: give - for the observations or for one navigation file, "
-           "and "
-           "name the other files";
-  }
-  int on_output = 0;
-  for (const std::string* path : {&request.text, &request.json, &request.csv, &request.sum}) {
-    on_output += *path == "-" ? 1 : 0;
-  }
-  if (on_output > 1)
-    return "only one of --text, --json, --csv and --sum can go to standard output; give the others files";
-  return inputs.observations.size() > 1 ? ComplaintAboutMany(request, inputs) : std::string();
-}
 
 int CheckFiles(const QcRequest& request) {
   QcInputs inputs = InputsOf(request.paths, request.navigation);

@@ -98,12 +98,12 @@ void AddOutputs(CLI::App& command, QcRequest& request, Texts& texts) {
   command.add_flag("--sum{-}", request.sum, "Write a SUM line and =KEY rows for grep");
   command.add_flag("--sats", request.settings.satellites, "Add a table per satellite");
   command
-      .add_option("--detail", request.settings.detail_file,
+      .add_option("--detail", request.detail,
                   "Write a CSV table of every epoch, satellite and signal to this file (.gz packs it)")
       ->type_name("FILE")
       ->take_last();
   command
-      .add_option("--html", request.settings.html_file,
+      .add_option("--html", request.html,
                   "Write the report with plots to this file, one page that needs no network; of many "
                   "files the index of the pages in --output")
       ->type_name("FILE")

@@ -34,8 +34,6 @@ struct QcSettings {
   bool snr_from_strength = false;
   InputLimits limits;
   bool satellites = false;
-  std::string detail_file;  ///< empty for none
-  std::string html_file;    ///< empty for none
 };
 
 /// What is asked for beyond the judging of one file.
@@ -45,6 +43,8 @@ struct QcRequest {
   std::vector<std::string> navigation;
   std::string profile;
   std::string text, json, csv, sum;       ///< a file, "-" or empty
+  std::string detail;                     ///< file of the detail table; empty for none
+  std::string html;                       ///< file of the page, of many files their index; empty for none
   std::string network;                    ///< file of the table over all files
   std::string output;                     ///< folder
   std::string formats = "text,json,sum";  ///< of the files in that folder

@@ -167,12 +167,15 @@ struct IonSlipAndMultipath::Impl {
 void IonSlipAndMultipath::Impl::Open(int number, int window_length) {
   SatelliteMeasures& satellite = Satellites[number - 1];
   if (satellite.Opened) return;
-  satellite.Opened = true;
   gnssqctoolkit::SatelliteFromIndex(number, satellite.Id);
   const MpIodChannelCombination* record = Combinations.ForSatellite(satellite.Id);
-  if (record == nullptr) return;
+  if (record == nullptr) {
+    satellite.Opened = true;
+    return;
+  }
   const std::vector<ChannelComb> combs = SortedPairs(*record);
   satellite.Pairs = std::vector<PairState>(combs.size());
+  satellite.Opened = true;  // not before there is memory for the pairs
   satellite.NotMet = static_cast<int>(combs.size());
   for (std::size_t i = 0; i < combs.size(); ++i) {
     PairState& pair = satellite.Pairs[i];
@@ -279,10 +282,11 @@ IonSlipAndMultipath::~IonSlipAndMultipath() = default;
 
 void IonSlipAndMultipath::Initialise(QcConfig& config, const gnssqctoolkit::IList* code_lists,
                                      const std::int32_t* glonass_channels, double interval) {
-  initialised_ = true;
+  impl_->Combinations = ChannelCombinations();  // empty, should this be a second attempt
   impl_->Combinations.Build(config, code_lists);
   std::copy(glonass_channels, glonass_channels + 32, impl_->GlonassChannels);
   window_length_ = MpWindowLength(interval);
+  initialised_ = true;  // not before there is memory for the pairs
 }
 
 void IonSlipAndMultipath::Reserve(std::size_t satellite_epochs, std::size_t signals) {

@@ -54,7 +54,8 @@ void GlonassTrajectory::StartFrom(const GloEph_gbt& record) {
                                            record.vz, record.ax, record.ay, record.az};
   // Bits are compared, not values, so that a record with a NaN finds itself again.
   const bool same = std::equal(broadcast.begin(), broadcast.end(), broadcast_.begin(), SameBits);
-  if (same && !forwards_.States.empty()) return;
+  if (same && started_) return;
+  started_ = false;  // until both legs are, should one find no memory
   broadcast_ = broadcast;
   GlonassState state;
   for (std::size_t i = 0; i < state.size(); ++i) state[i] = broadcast[i] * 1000.0;
@@ -62,6 +63,7 @@ void GlonassTrajectory::StartFrom(const GloEph_gbt& record) {
     leg->States.assign(1, state);
     leg->Ended = false;
   }
+  started_ = true;
 }
 
 const GlonassState* GlonassTrajectory::StateAfter(const GloEph_gbt& record, bool backwards, int steps) {

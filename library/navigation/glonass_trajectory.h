@@ -42,6 +42,7 @@ class GlonassTrajectory {
     bool Ended = false;                // the next step meets the geocentre
   };
   Leg forwards_, backwards_;
+  bool started_ = false;  // both legs have their first state
 };
 
 }  // namespace gnssqctoolkit

@@ -19,7 +19,7 @@ bool Within(double bound, std::initializer_list<double> values) {
   return std::all_of(values.begin(), values.end(), [&](double value) { return std::fabs(value) <= bound; });
 }
 
-// With a bias of less than 200 s and a rate below 0.2 % as far as the bounds reach.
+// With a bias of at most 205 s and a rate below 0.2 % as far as the bounds reach.
 bool HasOrdinaryClock(const ClockElements& clock, const AbsoluteTime& toe) {
   return Within(1.0, {clock.Af0}) && Within(1e-3, {clock.Af1}) && Within(1e-9, {clock.Af2}) &&
          Within(86400.0, {TimeDifference(clock.Toc, toe)});

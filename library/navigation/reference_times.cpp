@@ -20,6 +20,10 @@ bool IsOrdinary(const AbsoluteTime& t) {
 }
 
 // Ages of such times are exact to kLeadMargin; a larger fraction would swallow whole seconds.
+bool Earlier(const AbsoluteTime& a, const AbsoluteTime& b) {
+  return a.Seconds != b.Seconds ? a.Seconds < b.Seconds : a.Fraction < b.Fraction;
+}
+
 bool HasPlainFraction(const AbsoluteTime& t) { return std::fabs(t.Fraction) <= 1e3; }
 
 // Times outside the calendar collapse to zero on their way to BDS time.
@@ -52,20 +56,21 @@ struct Ranking {
 void ReferenceTimes::Add(const AbsoluteTime& time) {
   // First, so that a failing allocation leaves both lists alike.
   if (times_.size() == times_.capacity()) times_.reserve(2 * times_.size() + 8);
-  const auto earlier = [this](const AbsoluteTime& a, int i) {
-    const AbsoluteTime& b = At(i);
-    return a.Seconds != b.Seconds ? a.Seconds < b.Seconds : a.Fraction < b.Fraction;
-  };
+  const auto earlier = [this](const AbsoluteTime& a, int i) { return Earlier(a, At(i)); };
   ascending_.insert(std::upper_bound(ascending_.begin(), ascending_.end(), time, earlier), Count());
   times_.push_back(time);
   if (!IsOrdinary(time)) ++absurd_;
 }
 
 void ReferenceTimes::DropFirst() {
-  if (!IsOrdinary(times_.front())) --absurd_;
+  const bool was_absurd = !IsOrdinary(times_.front());
   times_.erase(times_.begin());
   ascending_.erase(std::find(ascending_.begin(), ascending_.end(), 0));
   for (int& i : ascending_) --i;
+  if (!was_absurd || --absurd_ > 0) return;
+  // A fraction that is not a number may have kept those of its second out of order.
+  std::sort(ascending_.begin(), ascending_.end(),
+            [this](int a, int b) { return Earlier(At(a), At(b)) || (!Earlier(At(b), At(a)) && a < b); });
 }
 
 void ReferenceTimes::Clear() {

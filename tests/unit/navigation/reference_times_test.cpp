@@ -29,6 +29,7 @@ bool LiteralCovered(const std::vector<AbsoluteTime>& times, const AbsoluteTime& 
   bool found = false;
   for (const AbsoluteTime& time : times) {
     const double to = TimeDifference(time, t);
+    if (!std::isfinite(to)) continue;
     const double reach = age + 1e-6 + std::fabs(to) * 1e-15;
     const double near_edge = direction > 0 ? to - reach : -(to + reach + widen);
     const double far_edge = direction > 0 ? to + reach + widen : -(to - reach);
@@ -159,6 +160,25 @@ TEST(ReferenceTimes, AreNotSureBesideAnotherWithinASecond) {
   EXPECT_TRUE(times.NearestAround({kStart, 0.0}, 0, before, after));
   times.Add({kStart, 0.5});
   EXPECT_FALSE(times.NearestAround({kStart, 0.0}, 0, before, after));
+}
+
+TEST(ReferenceTimes, AreInOrderAgainWhenOneWithoutANumberIsForgotten) {
+  const double nothing = std::numeric_limits<double>::quiet_NaN();
+  std::vector<AbsoluteTime> times;
+  ReferenceTimes kept;
+  for (const double fraction : {0.7, 0.9, nothing, 0.2, 0.95, 0.97, 0.1}) {
+    times.push_back({kStart, fraction});
+    kept.Add(times.back());
+  }
+  for (int dropped = 0; dropped < 6; ++dropped) {
+    for (double fraction = 0.0; fraction <= 1.0; fraction += 0.01) {
+      double lead = 0.0;
+      const AbsoluteTime t{kStart, fraction};
+      ASSERT_EQ(kept.Nearest(t, lead), LiteralNearest(times, t)) << fraction << ", dropped " << dropped;
+    }
+    kept.DropFirst();
+    times.erase(times.begin());
+  }
 }
 
 }  // namespace

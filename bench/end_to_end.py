@@ -27,9 +27,9 @@ def processor_seconds(command):
 def ratios(tool, obs, nav, rounds, folder):
     commands = {
         "gzip -dc": ["gzip", "-dc", obs],
-        "text report": [tool, "qc", obs, nav],
-        "JSON report": [tool, "qc", "--json", obs, nav],
-        "both reports": [tool, "qc", f"--text={folder}/report.txt", f"--json={folder}/report.json", obs, nav],
+        "text report": [tool, "qc", "--no-config", obs, nav],
+        "JSON report": [tool, "qc", "--no-config", "--json", obs, nav],
+        "both reports": [tool, "qc", "--no-config", f"--text={folder}/report.txt", f"--json={folder}/report.json", obs, nav],
     }
     best = {name: float("inf") for name in commands}
     for _ in range(rounds):
@@ -55,7 +55,7 @@ def wall_seconds(command, files, at_once):
 
 
 def processes(tool, obs, nav, files):
-    command = [str(tool), "qc", str(obs), str(nav)]
+    command = [str(tool), "qc", "--no-config", str(obs), str(nav)]
     one = wall_seconds(command, files, 1)
     two = wall_seconds(command, files, 2)
     print(f"{files} days, one process at a time {one:.2f} s, two at a time {two:.2f} s: {one / two:.2f} times the rate")

@@ -29,6 +29,7 @@ std::string Compared(const CompareSettings& settings) {
   LineReader lines(OpenBytes(settings.detail, diagnostics));
   const DetailTable detail{settings.detail, lines};
   std::string text = ComparisonText(report, truth, &detail);
+  // Rows that are missing would look like faults that were not told.
   if (diagnostics.Incomplete()) throw FileError(*diagnostics.Incomplete());
   return text;
 }
@@ -52,8 +53,10 @@ void AddCompareCommand(CLI::App& app, int& exit_code) {
   auto settings = std::make_shared<CompareSettings>();
   command->add_option("REPORT", settings->report, "What orsolva qc --json wrote")->required();
   command->add_option("TRUTH", settings->truth, "The truth.json of orsolva simulate")->required();
-  command->add_option("--detail", settings->detail,
-                      "What orsolva qc --detail wrote: tell which slips and jumps it has");
+  command
+      ->add_option("--detail", settings->detail,
+                   "What orsolva qc --detail wrote: tell which slips and jumps it has")
+      ->type_name("FILE");
   command->callback([settings, &exit_code] { exit_code = DoCompare(*settings); });
 }
 

@@ -12,6 +12,7 @@
 #include "host/report/json_writer.h"
 #include "host/report/sum_writer.h"
 #include "host/report/text_writer.h"
+#include "host/rinex/file_names.h"
 
 namespace orsolva_host {
 namespace {
@@ -110,9 +111,7 @@ std::vector<std::string> OutputStems(const std::vector<std::string>& inputs) {
   for (const std::string& input : inputs) {
     std::string name = std::filesystem::path(input).filename().string();
     if (input == "-" || name.empty()) name = "stdin";
-    for (const char* packing : {".gz", ".z", ".bz2", ".xz", ".zip"}) {
-      if (DropEnding(name, packing)) break;
-    }
+    name.resize(WithoutPacking(name).size());
     for (const char* ending : {".crx", ".rnx"}) {
       if (DropEnding(name, ending)) break;
     }

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "host/platform/platform.h"
+#include "host/rinex/file_names.h"
 #include "host/rinex/input_files.h"
 
 namespace orsolva_host {
@@ -26,11 +27,7 @@ bool IsFolder(const std::string& path) {
 bool LooksLikeObservations(const std::string& path) {
   std::string name = std::filesystem::path(path).filename().string();
   for (char& c : name) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  std::filesystem::path stem(name);
-  for (const char* packing : {".gz", ".z", ".bz2", ".xz", ".zip"}) {
-    if (stem.extension() == packing) stem = stem.stem();
-  }
-  const std::string ending = stem.extension().string();
+  const std::string ending = std::filesystem::path(WithoutPacking(name)).extension().string();
   if (ending == ".rnx" || ending == ".crx" || ending == ".obs") return true;
   return ending.size() == 4 && std::isdigit(static_cast<unsigned char>(ending[1])) != 0 &&
          std::isdigit(static_cast<unsigned char>(ending[2])) != 0 && (ending[3] == 'o' || ending[3] == 'd');

@@ -160,19 +160,28 @@ void AddSimulateCommand(CLI::App& app, int& exit_code) {
       app.add_subcommand("simulate", "Write the observations of a simulated sky, and its truth");
   auto s = std::make_shared<SimulateSettings>();
   CLI::Option* preset =
-      command->add_option("--preset", s->preset, "Scenario that comes with the program; default: quiet");
-  command->add_option("--scenario", s->scenario_file, "Scenario file (JSON)")->excludes(preset);
+      command->add_option("--preset", s->preset, "Scenario that comes with the program; default: quiet")
+          ->type_name("NAME");
+  command->add_option("--scenario", s->scenario_file, "Scenario file (JSON)")
+      ->type_name("FILE")
+      ->excludes(preset);
   command->add_flag("--list-presets", s->list_presets, "List the presets and end");
-  command->add_option("--output", s->files.folder, "Folder for the files; default: the current one");
-  command->add_option("--faults", s->fault_presets, "Add the faults of these presets")->delimiter(',');
-  command->add_option("--seed", s->seed, "Seed of the random numbers");
-  command->add_option("--start", s->start, "Start, YYYY-MM-DD or \"YYYY-MM-DD HH:MM:SS\", GPS time");
-  command->add_option("--hours", s->hours, "Length of the span in hours");
-  command->add_option("--interval", s->interval_s, "Interval in seconds, 0.1 to 60");
-  command->add_option("--position", s->position, "X,Y,Z of the receiver in metres");
-  command->add_option("--systems", s->systems, "Systems, letters out of GREJC");
-  command->add_option("--station", s->station, "Station, nine characters of the file names");
-  command->add_option("--cutoff", s->cutoff_deg, "Elevation below which nothing is tracked, degrees");
+  command->add_option("--output", s->files.folder, "Folder for the files; default: the current one")
+      ->type_name("FOLDER");
+  command->add_option("--faults", s->fault_presets, "Add the faults of these presets")
+      ->type_name("NAMES")
+      ->delimiter(',');
+  command->add_option("--seed", s->seed, "Seed of the random numbers")->type_name("NUMBER");
+  command->add_option("--start", s->start, "Start, YYYY-MM-DD or \"YYYY-MM-DD HH:MM:SS\", GPS time")
+      ->type_name("TIME");
+  command->add_option("--hours", s->hours, "Length of the span in hours")->type_name("HOURS");
+  command->add_option("--interval", s->interval_s, "Interval in seconds, 0.1 to 60")->type_name("SECONDS");
+  command->add_option("--position", s->position, "X,Y,Z of the receiver in metres")->type_name("X,Y,Z");
+  command->add_option("--systems", s->systems, "Systems, letters out of GREJC")->type_name("LETTERS");
+  command->add_option("--station", s->station, "Station, nine characters of the file names")
+      ->type_name("NAME");
+  command->add_option("--cutoff", s->cutoff_deg, "Elevation below which nothing is tracked, degrees")
+      ->type_name("DEGREES");
   command->add_flag("--gzip", s->files.gzip, "Pack the RINEX files with gzip");
   command->add_flag("--compact", s->files.compact, "Write compact observations (CRINEX 3)");
   command->callback([s, &exit_code] { exit_code = DoSimulate(*s); });

@@ -55,6 +55,28 @@ void AddGlonass(const Report& report, std::vector<ReportNote>& notes) {
                    {"G3"}});
 }
 
+/// Numbers without an orbit type in the library's table, which never have a position.
+bool HasNoBdsOrbit(const std::string& satellite) {
+  if (satellite.empty() || satellite[0] != 'C') return false;
+  const int n = std::stoi(satellite.substr(1));
+  return n == 15 || n == 17 || n == 31 || (n >= 47 && n <= 58) || n >= 62;
+}
+
+void AddBds(const Report& report, std::vector<ReportNote>& notes) {
+  std::string names;
+  for (const NavigationCoverage& row : report.run.navigation_coverage) {
+    if (HasNoBdsOrbit(row.satellite)) names += (names.empty() ? "" : ", ") + row.satellite;
+  }
+  if (names.empty()) return;
+  notes.push_back({"bds-no-orbit",
+                   "BDS satellites whose number has no known kind of orbit have no position and are not "
+                   "judged, whatever records they have: " +
+                       names + ".",
+                   {"expected_epochs", "observed_epochs"},
+                   "C",
+                   {}});
+}
+
 void AddSlips(const Report& report, std::vector<ReportNote>& notes) {
   const bool any = std::any_of(report.systems.begin(), report.systems.end(),
                                [](const SystemReport& s) { return s.figures.slips.value_or(0) > 0; });
@@ -88,6 +110,7 @@ std::vector<ReportNote> NotesOf(const Report& report) {
   std::vector<ReportNote> notes;
   AddGalileo(report, notes);
   AddGlonass(report, notes);
+  AddBds(report, notes);
   AddSlips(report, notes);
   if (AnyIonosphere(report)) {
     notes.push_back({"iono-last-satellite",

@@ -28,7 +28,7 @@ void BodyBase::TakeStrayHeader(std::string_view line, EpochBlock& epoch) {
   Begin(head, epoch);
   epoch.first_record_line = epoch.line;
   do {
-    epoch.records.emplace_back(line);
+    epoch.records.emplace_back(line.substr(0, kRecordLine));
     if (HeaderLabel(line) == "END OF HEADER" || epoch.records.size() == kMostStrayLines) return;
     if (!lines_.Next(line)) return;
   } while (IsHeaderLine(line));

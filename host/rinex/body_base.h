@@ -11,6 +11,9 @@
 
 namespace orsolva_host {
 
+/// Columns of a header line; what stands further right in an event's lines says nothing.
+constexpr std::size_t kRecordLine = 80;
+
 class BodyBase : public ObservationBody {
  public:
   BodyBase(LineReader& lines, std::string file, Diagnostics& diagnostics)

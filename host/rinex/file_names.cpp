@@ -14,15 +14,6 @@ std::string UpperCase(std::string_view text) {
   return upper;
 }
 
-std::string_view WithoutPacking(std::string_view name) {
-  for (const std::string_view ending : {".GZ", ".Z", ".BZ2", ".XZ", ".ZIP", ".ZST"}) {
-    if (name.size() > ending.size() && name.substr(name.size() - ending.size()) == ending) {
-      return name.substr(0, name.size() - ending.size());
-    }
-  }
-  return name;
-}
-
 bool ParseDigits(std::string_view text, int& number) {
   number = 0;
   for (const char c : text) {
@@ -88,6 +79,15 @@ std::optional<RinexName> ParseLongName(std::string_view name) {
 }
 
 }  // namespace
+
+std::string_view WithoutPacking(std::string_view name) {
+  for (const std::string_view ending : {".GZ", ".Z", ".BZ2", ".XZ", ".ZIP", ".ZST"}) {
+    if (name.size() > ending.size() && UpperCase(name.substr(name.size() - ending.size())) == ending) {
+      return name.substr(0, name.size() - ending.size());
+    }
+  }
+  return name;
+}
 
 std::optional<RinexName> ParseRinexName(std::string_view name) {
   const std::string upper = UpperCase(name);

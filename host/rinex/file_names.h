@@ -24,6 +24,9 @@ struct RinexName {
 /// @return absent for any other name
 std::optional<RinexName> ParseRinexName(std::string_view name);
 
+/// A name without the ending of a packing (.gz, .Z, .bz2, .xz, .zip, .zst in any case), if it has one.
+std::string_view WithoutPacking(std::string_view name);
+
 }  // namespace orsolva_host
 
 #endif  // ORSOLVA_RINEX_FILE_NAMES_H

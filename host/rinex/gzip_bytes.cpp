@@ -2,6 +2,7 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -15,7 +16,7 @@ class GzipBytes : public ByteSource {
   GzipBytes(std::unique_ptr<ByteSource> packed, std::string name, Diagnostics& diagnostics)
       : packed_(std::move(packed)), name_(std::move(name)), diagnostics_(diagnostics), input_(kInputSize) {
     constexpr int kGzipWindow = 15 + 16;
-    ended_ = inflateInit2(&stream_, kGzipWindow) != Z_OK;
+    if (inflateInit2(&stream_, kGzipWindow) != Z_OK) throw std::bad_alloc();
   }
   ~GzipBytes() override { inflateEnd(&stream_); }
   GzipBytes(const GzipBytes&) = delete;

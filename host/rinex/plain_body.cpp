@@ -11,6 +11,9 @@ namespace {
 
 constexpr std::size_t kFirstCellColumn = 3;
 
+// What the three columns of an epoch line can count; an epoch of a damaged file ends there.
+constexpr std::size_t kMostSatellites = 999;
+
 class Plain : public BodyBase {
  public:
   using BodyBase::BodyBase;
@@ -51,7 +54,7 @@ class Plain : public BodyBase {
     std::string_view line;
     for (int i = 0; i < count; ++i) {
       if (!NextOfEpoch(line)) return;
-      epoch.records.emplace_back(line);
+      epoch.records.emplace_back(line.substr(0, kRecordLine));
     }
   }
 
@@ -91,6 +94,10 @@ class Plain : public BodyBase {
       const bool more = !line.empty() && line[0] != '>' && !IsHeaderLine(line) &&
                         ParseSatellite(Field(line, 0, 3), row.letter, row.number);
       if (!more) return lines_.PushBack();
+      if (epoch.satellites.size() >= kMostSatellites) {
+        Notice("an epoch has more than 999 satellites; the others are passed over");
+        continue;
+      }
       Notice("an epoch has more lines than it says; they are taken", true);
       TakeSatellite(line, types, epoch);
     }

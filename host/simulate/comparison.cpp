@@ -106,6 +106,9 @@ std::string Text(const Json& value) {
   return value.is_null() ? "-" : value.dump();
 }
 
+/// Of a fault that meets all satellites or signals: empty.
+std::string NameOrAll(const Json& value) { return value.is_null() ? "" : value.get<std::string>(); }
+
 std::optional<double> Distance(const Json& a, const Json& b) {
   double sum = 0;
   for (std::size_t i = 0; i < 3; ++i) {
@@ -237,8 +240,8 @@ class Comparison {
     for (const Json& fault : truth_.at("faults")) {
       const bool slip = fault.at("kind") == "slip";
       if ((!slip && fault.at("kind") != "code_jump") || !fault.at("shows_in_the_data").get<bool>()) continue;
-      faults.push_back({Text(fault.at("time_gpst")), Text(fault.at("satellite")), Text(fault.at("signal")),
-                        slip, fault.at("size").get<double>()});
+      faults.push_back({Text(fault.at("time_gpst")), NameOrAll(fault.at("satellite")),
+                        NameOrAll(fault.at("signal")), slip, fault.at("size").get<double>()});
     }
     ReadReasons(*detail_, faults);
     out_ += ToldFaultsText(faults);

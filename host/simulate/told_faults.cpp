@@ -47,7 +47,7 @@ std::array<std::size_t, kColumns> ColumnsOf(const DetailTable& table) {
 using Row = std::array<std::string_view, kColumns>;
 
 void AddReasons(const Row& row, ToldFault& fault) {
-  const bool own = row[kSignal] == fault.signal;
+  const bool own = fault.signal.empty() || row[kSignal] == fault.signal;
   const auto add = [&fault](std::string_view reason) {
     if (!reason.empty()) fault.reasons.emplace(reason);
   };
@@ -65,7 +65,16 @@ std::string Joined(const std::set<std::string>& reasons) {
   return text.empty() ? "not told" : text;
 }
 
+std::string SignalText(const ToldFault& fault) {
+  const std::string satellite = fault.satellite.empty() ? "all" : fault.satellite;
+  return satellite + (fault.signal.empty() ? "" : " " + fault.signal);
+}
+
 }  // namespace
+
+bool ToldFault::Told() const {
+  return reasons.count("jump") + reasons.count("ionospheric_rate") + reasons.count("geometry") > 0;
+}
 
 void ReadReasons(const DetailTable& table, std::vector<ToldFault>& faults) {
   std::multimap<std::string, ToldFault*, std::less<>> by_time;
@@ -82,7 +91,8 @@ void ReadReasons(const DetailTable& table, std::vector<ToldFault>& faults) {
     Row row;
     for (std::size_t c = 0; c < kColumns; ++c) row[c] = fields[columns[c]];
     for (auto fault = begin; fault != end; ++fault) {
-      if (fault->second->satellite == row[kSatellite]) AddReasons(row, *fault->second);
+      const std::string& satellite = fault->second->satellite;
+      if (satellite.empty() || satellite == row[kSatellite]) AddReasons(row, *fault->second);
     }
   }
 }
@@ -96,11 +106,10 @@ std::string ToldFaultsText(const std::vector<ToldFault>& faults) {
   for (const ToldFault& fault : faults) {
     const std::size_t kind = fault.is_slip ? 0 : 1;
     ++all[kind];
-    if (!fault.reasons.empty()) ++told[kind];
+    if (fault.Told()) ++told[kind];
     if (++rows > kMostRows) continue;
-    text += fmt::format("{:<21}{:<8}{:<11}{:>6g}  {}\n", fault.time.substr(0, 19),
-                        fault.satellite + " " + fault.signal, fault.is_slip ? "slip" : "code_jump",
-                        fault.size, Joined(fault.reasons));
+    text += fmt::format("{:<21}{:<8}{:<11}{:>6g}  {}\n", fault.time.substr(0, 19), SignalText(fault),
+                        fault.is_slip ? "slip" : "code_jump", fault.size, Joined(fault.reasons));
   }
   if (rows > kMostRows) text += fmt::format("and {} more\n", rows - kMostRows);
   return text + fmt::format("Told: {} of {} slips, {} of {} code jumps\n", told[0], all[0], told[1], all[1]);

@@ -20,10 +20,13 @@ struct DetailTable {
 /// A slip or code jump and the reasons that the rows of its epoch, satellite and signal give, in the
 /// alphabet. A slip shows in the pairs on both sides of it; a jump in the multipath of its own signal.
 struct ToldFault {
-  std::string time, satellite, signal;
+  std::string time, satellite, signal;  ///< an empty satellite or signal: all
   bool is_slip = true;
   double size = 0;  ///< cycles of a slip, metres of a jump
   std::set<std::string> reasons = {};
+
+  /// Whether a reason is the fault's own: not a gap or a new record that fell into its epoch.
+  bool Told() const;
 };
 
 /// Reads a detail table to its end and gives each fault the reasons of its rows.

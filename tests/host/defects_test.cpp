@@ -165,6 +165,14 @@ TEST(Defects, MoreSatellitesThanTheEpochLineSaysAreTaken) {
   EXPECT_EQ(file.CountOf("more lines than it says"), 2);
 }
 
+TEST(Defects, SatellitesBeyond999OfAnEpochArePassedOver) {
+  std::string lines;
+  for (int i = 0; i < 2000; ++i) lines += Satellite("G05", {"1.000", "40.000"});
+  const ReadFile file(Header(kTypes) + Epoch("00.0", 1) + lines + Good("30.0"));
+  ASSERT_EQ(file.epochs.size(), 2U) << "reading goes on behind them";
+  EXPECT_EQ(file.CountOf("more than 999 satellites"), 1001);
+}
+
 TEST(Defects, ALastEpochCutOffKeepsTheSatellitesItHas) {
   const ReadFile plain(Header(kTypes) + Good("00.0") + Epoch("30.0", 4) +
                        Satellite("G05", {"1.000", "40.000"}));

@@ -20,6 +20,8 @@ TEST(FileNames, ShortNamesGiveStationDayAndKind) {
   EXPECT_EQ(observation->station, "ZEGV");
   EXPECT_EQ(observation->day, DaysFromCivil(2021, 1, 1));
   EXPECT_EQ(observation->kind, FileKind::kObservation);
+  EXPECT_EQ(WithoutPacking("a.rnx.ZST"), "a.rnx");
+  EXPECT_EQ(WithoutPacking(".gz"), ".gz");
   EXPECT_EQ(ParseRinexName("SEPT078M.21P")->kind, FileKind::kNavigation);
   EXPECT_EQ(ParseRinexName("AJAC355a15.99D.Z")->day, DaysFromCivil(1999, 12, 21));
   for (const char* name : {"abcd3660.20n", "abcd3660.20g.gz", "abcd3660.20l", "abcd3660.20f.Z"}) {

@@ -154,6 +154,18 @@ TEST(Notes, GalileoBandsWithoutChannelAreFootnotedAndNotCountedAsZero) {
   EXPECT_EQ(RowMarks(report.notes, "G", "L1"), "");
 }
 
+TEST(Notes, BdsSatellitesWithoutAKnownOrbitAreNamed) {
+  Report report = SampleReport();
+  for (const char* name : {"C14", "C15", "C46", "C58", "C61", "G31"}) {
+    NavigationCoverage row;
+    row.satellite = name;
+    report.run.navigation_coverage.push_back(row);
+  }
+  const std::vector<ReportNote> notes = NotesOf(report);
+  EXPECT_EQ(notes[0].id, "bds-no-orbit");
+  EXPECT_NE(notes[0].text.find(": C15, C58."), std::string::npos) << notes[0].text;
+}
+
 TEST(Notes, TheTestThatCountsMoreThanSlipsIsFootnotedWhereSlipsAre) {
   Report report = SampleReport();
   report.notes = NotesOf(report);

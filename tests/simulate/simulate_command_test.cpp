@@ -3,6 +3,7 @@
 #include <sys/wait.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
@@ -145,6 +146,19 @@ TEST(CompareCommand, EverySlipAndJumpOfTheStationDayIsToldByItsDetailTable) {
   const Answer a = Orsolva(folder, "compare report.json truth.json --detail detail.csv");
   EXPECT_EQ(a.code, 0) << a.err;
   EXPECT_NE(a.out.find("\nTold: 8 of 8 slips, 3 of 3 code jumps\n"), std::string::npos) << a.out;
+}
+
+TEST(CompareCommand, ADetailTableCutOffIsRefused) {
+  const TestFolder folder("compare_cut");
+  ASSERT_EQ(Orsolva(folder, "simulate --preset station-day --hours 1").code, 0);
+  const Answer report = Orsolva(folder, "qc --json --detail d.csv.gz *_MO.rnx *_MN.rnx");
+  ASSERT_EQ(report.code, 0) << report.err;
+  orsolva_test::WriteText(folder.Path("report.json"), report.out);
+  std::filesystem::resize_file(folder.Path("d.csv.gz"),
+                               std::filesystem::file_size(folder.Path("d.csv.gz")) / 2);
+  const Answer a = Orsolva(folder, "compare report.json truth.json --detail d.csv.gz");
+  EXPECT_EQ(a.code, 1);
+  EXPECT_EQ(a.err, "orsolva: d.csv.gz: the packed data end early\n");
 }
 
 TEST(CompareCommand, WhatCannotBeComparedIsOneAndWrongUsageIsTwo) {

@@ -57,6 +57,18 @@ TEST(ToldFaults, SeveralFaultsOfOneEpochAreEachTold) {
   EXPECT_EQ(faults[1].reasons, Reasons{"jump"});
 }
 
+TEST(ToldFaults, AFaultOfAllSatellitesAndSignalsIsToldByAnyRow) {
+  EXPECT_EQ(ReasonsOf("2020-06-25 12:00:00.000,G09,5Q,2W,jump,,\n", Fault("", "", false)), Reasons{"jump"});
+}
+
+TEST(ToldFaults, AGapOrANewRecordInTheEpochIsNoFaultTold) {
+  ToldFault fault = Fault("G01", "1C", true);
+  fault.reasons = {"new_ephemeris", "data_gap", "long_gap"};
+  EXPECT_FALSE(fault.Told());
+  fault.reasons.insert("geometry");
+  EXPECT_TRUE(fault.Told());
+}
+
 TEST(ToldFaults, ShortRowsAreLeftOut) {
   EXPECT_EQ(ReasonsOf("2020-06-25 12:00:00.000,G01,1C\n", Fault("G01", "1C", true)), Reasons{});
 }

@@ -29,18 +29,18 @@ if [ ! -e "$observations" ]; then
   exit 1
 fi
 
-"$build/bin/orsolva" qc --json --sats --html "$work/station.html" "$observations" "$navigation" >"$work/station.json"
+"$build/bin/orsolva" qc --no-config --json --sats --html "$work/station.html" "$observations" "$navigation" >"$work/station.json"
 
 # A file whose name and marker are markup.
 hostile="$work/<img src=x onerror=hacked=1>.rnx"
 marker='</script><img src=x onerror=window.hacked=1>'
 sed -e "s|^.*MARKER NAME *\$|$(printf '%-60s' "$marker")MARKER NAME|" "$data/SEPT078M.21O" >"$hostile"
 grep -q '</script><img' "$hostile"
-"$build/bin/orsolva" qc --html "$work/hostile.html" "$hostile" "$data/SEPT078M.21P" >/dev/null
+"$build/bin/orsolva" qc --no-config --html "$work/hostile.html" "$hostile" "$data/SEPT078M.21P" >/dev/null
 
 # The demo day, whose faults are known.
 "$build/bin/orsolva" simulate --preset station-day --output "$work/demo" >/dev/null
-"$build/bin/orsolva" qc --html "$work/demo.html" "$work"/demo/*_MO.rnx "$work"/demo/*_MN.rnx >/dev/null
+"$build/bin/orsolva" qc --no-config --html "$work/demo.html" "$work"/demo/*_MO.rnx "$work"/demo/*_MN.rnx >/dev/null
 
 # A network: good, failing and broken files, some of whose names are markup or would be a link's scheme.
 network=$work/network
@@ -63,7 +63,7 @@ signals = ["L1"]
 at_most = { good = 0.20, fair = 0.22 }
 source = "this test"
 END
-"$build/bin/orsolva" qc --quiet --output "$network/reports" --formats html --profile "$network/strict.toml" \
+"$build/bin/orsolva" qc --no-config --quiet --output "$network/reports" --formats html --profile "$network/strict.toml" \
   "$network"/*.21O "$network"/*.rnx --nav "$data/SEPT078M.21P" 2>/dev/null || [ $? -eq 1 ]
 
 clean_install "$here"

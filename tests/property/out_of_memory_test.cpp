@@ -39,7 +39,8 @@ const SimulatedSky& Sky() {
   static const SimulatedSky sky([] {
     SkyOptions options;
     options.Epochs = kEpochs;
-    options.Start += 1000;  // before the reference time of the nearest GLONASS record: integrated against time
+    options.Start +=
+        1000;  // before the reference time of the nearest GLONASS record: integrated against time
     return options;
   }());
   return sky;

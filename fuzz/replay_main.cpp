@@ -29,13 +29,13 @@ std::vector<fs::path> FilesOf(const fs::path& path) {
 bool Replay(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) {
-    std::fprintf(stderr, "cannot read %s\n", path.c_str());
+    std::fprintf(stderr, "cannot read %s\n", path.string().c_str());
     return false;
   }
   // A buffer of exactly the size, so that a read beyond it is seen.
   const std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
   const std::vector<std::uint8_t> bytes(text.begin(), text.end());
-  std::printf("%s\n", path.c_str());
+  std::printf("%s\n", path.string().c_str());
   std::fflush(stdout);
   LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
   return true;

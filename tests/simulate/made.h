@@ -79,12 +79,14 @@ class TestFolder {
   TestFolder(const TestFolder&) = delete;
   TestFolder& operator=(const TestFolder&) = delete;
 
-  std::string Path(const std::string& name = "") const { return name.empty() ? path_ : path_ / name; }
+  std::string Path(const std::string& name = "") const {
+    return (name.empty() ? path_ : path_ / name).string();
+  }
   /// Names of the files inside, sorted.
   std::vector<std::string> Names() const {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(path_)) {
-      names.push_back(entry.path().filename());
+      names.push_back(entry.path().filename().string());
     }
     std::sort(names.begin(), names.end());
     return names;

@@ -12,7 +12,7 @@ namespace orsolva_test {
 
 /// The whole content of a gzip (or plain) file.
 inline std::vector<unsigned char> Unpack(const std::filesystem::path& path) {
-  gzFile file = gzopen(path.c_str(), "rb");
+  gzFile file = gzopen(path.string().c_str(), "rb");
   if (file == nullptr) throw std::runtime_error("cannot open " + path.string());
   std::vector<unsigned char> all, part(1 << 20);
   for (int n; (n = gzread(file, part.data(), static_cast<unsigned>(part.size()))) > 0;) {

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Builds for another machine in build-<machine>/ and runs tests there under an emulator.
+# Builds for another machine in build-<machine>/ and runs what was built under an emulator.
 #
-# usage: tests/portability/check.sh aarch64|mingw [short|library|all]
+# usage: tests/portability/check.sh aarch64|mingw [short|library|command]
 #   short    the library; its binary interface and the reference cases, on aarch64 bit by bit (the default)
 #   library  every test of the library
-#   all      the command and its tests too
+#   command  the command: a simulated day and its report are those of build/bin/orsolva
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 . scripts/packages.sh
@@ -17,26 +17,59 @@ case $machine in
     require_packages "${aarch64_packages[@]}"
     scripts/sysroot.sh arm64 build-aarch64/sysroot zlib1g-dev libarchive-dev "${headers[@]}"
     emulator=(qemu-aarch64 -L build-aarch64/sysroot)
-    short_tests=(golden_test)
+    ending=
+    short_test=golden_test
     ;;
   mingw)
     require_packages "${mingw_packages[@]}"
     scripts/sysroot.sh amd64 build-mingw/sysroot "${headers[@]}"
     emulator=(env WINEDEBUG=-all "WINEPREFIX=$PWD/build-mingw/wine" /usr/lib/wine/wine64)
+    ending=.exe
     # Its mathematical functions are others, so that the golden digests do not hold.
-    short_tests=(reference_test)
+    short_test=reference_test
     ;;
   *) echo "no such machine: $machine" >&2; exit 2 ;;
 esac
 
-host=OFF
-[ "$extent" != all ] || host=ON
-cmake --preset "$machine" -DORSOLVA_BUILD_HOST=$host ${ORSOLVA_CMAKE_OPTIONS:-}
-if [ "$extent" = short ]; then
-  cmake --build --preset "$machine" --target Orsolva_cbb old_host "${short_tests[@]}"
-  ctest --preset "$machine" -R '^abi'
-  for test in "${short_tests[@]}"; do "${emulator[@]}" "build-$machine/bin/$test"; done
-  exit
-fi
-cmake --build --preset "$machine"
-ctest --preset "$machine" -E "${ORSOLVA_LEAVE_OUT:-^$}"
+# Runs a program that was built for the machine.
+there() { "${emulator[@]}" "build-$machine/bin/$1$ending" "${@:2}"; }
+
+# The same files and the same report, byte by byte.
+compare_command() {
+  local here=build/bin/orsolva folder=build-$machine/day
+  [ -x "$here" ] || { echo "build the command of this machine first: scripts/demo" >&2; exit 1; }
+  rm -rf "$folder"
+  mkdir "$folder"
+  there orsolva simulate --preset station-day --output "$folder/there" >/dev/null
+  "$here" simulate --preset station-day --output "$folder/here" >/dev/null
+  diff -r "$folder/here" "$folder/there"
+  local format
+  for format in text json csv; do
+    "$here" qc --$format=- "$folder"/here/*_MO.rnx "$folder"/here/*_MN.rnx >"$folder/here.$format"
+    there orsolva qc --$format=- "$folder"/here/*_MO.rnx "$folder"/here/*_MN.rnx >"$folder/there.$format"
+    diff "$folder/here.$format" "$folder/there.$format"
+  done
+  echo "$machine: the simulated day and its reports are those of this machine"
+}
+
+configure() { cmake --preset "$machine" "$@" ${ORSOLVA_CMAKE_OPTIONS:-}; }
+build() { cmake --build --preset "$machine" "$@"; }
+case $extent in
+  short)
+    configure -DORSOLVA_BUILD_HOST=OFF
+    build --target Orsolva_cbb old_host $short_test
+    ctest --preset "$machine" -R '^abi'
+    there $short_test
+    ;;
+  library)
+    configure -DORSOLVA_BUILD_HOST=OFF
+    build
+    ctest --preset "$machine"
+    ;;
+  command)
+    configure -DORSOLVA_BUILD_HOST=ON
+    build --target orsolva
+    compare_command
+    ;;
+  *) echo "no such extent: $extent" >&2; exit 2 ;;
+esac

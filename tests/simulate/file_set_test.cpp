@@ -68,19 +68,23 @@ void ExpectReadsBack(const Scenario& scenario, const FileSetOptions& options) {
   for (const Notice& notice : diagnostics.Notices()) EXPECT_TRUE(notice.recovered) << notice.text;
 }
 
+/// The path with the separators of POSIX systems.
+std::string Slashed(const std::string& path) { return std::filesystem::path(path).generic_string(); }
+
 TEST(FileSet, NamesFollowTheRinexRules) {
   Scenario s = ScenarioOf(24, 30);
   const FileSetOptions plain{"out", false, false};
-  EXPECT_EQ(FileNames(s, plain).observations, "out/SIMU00ORS_R_20201770000_01D_30S_MO.rnx");
-  EXPECT_EQ(FileNames(s, plain).navigation, "out/SIMU00ORS_R_20201770000_01D_MN.rnx");
-  EXPECT_EQ(FileNames(s, plain).truth, "out/truth.json");
-  EXPECT_EQ(FileNames(s, {"out", true, true}).observations, "out/SIMU00ORS_R_20201770000_01D_30S_MO.crx.gz");
+  EXPECT_EQ(Slashed(FileNames(s, plain).observations), "out/SIMU00ORS_R_20201770000_01D_30S_MO.rnx");
+  EXPECT_EQ(Slashed(FileNames(s, plain).navigation), "out/SIMU00ORS_R_20201770000_01D_MN.rnx");
+  EXPECT_EQ(Slashed(FileNames(s, plain).truth), "out/truth.json");
+  EXPECT_EQ(Slashed(FileNames(s, {"out", true, true}).observations),
+            "out/SIMU00ORS_R_20201770000_01D_30S_MO.crx.gz");
   s.hours = 6;
   s.interval_s = 0.1;
-  EXPECT_EQ(FileNames(s, plain).observations, "out/SIMU00ORS_R_20201770000_06H_10Z_MO.rnx");
+  EXPECT_EQ(Slashed(FileNames(s, plain).observations), "out/SIMU00ORS_R_20201770000_06H_10Z_MO.rnx");
   s.hours = 0.25;
   s.interval_s = 60;
-  EXPECT_EQ(FileNames(s, plain).observations, "out/SIMU00ORS_R_20201770000_15M_01M_MO.rnx");
+  EXPECT_EQ(Slashed(FileNames(s, plain).observations), "out/SIMU00ORS_R_20201770000_15M_01M_MO.rnx");
 }
 
 TEST(FileSet, WhatIsWrittenReadsBackToTheSameNumbers) {

@@ -84,8 +84,8 @@ class Check {
         results_(inputs_.observations.size()),
         bar_(!request.quiet) {
     if (!request.profile.empty()) profile_ = LoadProfile(request.profile);
-    OpenStreams();
     if (!request_.output.empty()) MakeFolder(request_.output);
+    OpenStreams();
   }
 
   int Do();

@@ -4,7 +4,7 @@
 usage: structure_test.py ROOT
 
 Fails when an include of the library points upward or in a circle, when host/ includes more of the library than its
-interface, when an include path leaves its root with "..", when a floor below names no file, or when ARCHITECTURE.md
+interface or one of its folders more than those below it, when an include path leaves its root with "..", when a floor below names no file, or when ARCHITECTURE.md
 names a path, in its text or in a drawing, that is not there.
 """
 import pathlib
@@ -23,6 +23,15 @@ FLOORS = [
     ["qc/"],
     ["interface/"],
 ]
+# What a folder of the host may include beside itself.
+HOST_BELOW = {
+    "platform": set(),
+    "output": {"platform"},
+    "rinex": {"platform"},
+    "report": {"rinex", "output"},
+    "simulate": {"rinex", "output"},
+    "cli": {"platform", "output", "rinex", "report", "simulate"},
+}
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.M)
 DRAWING = re.compile(r"^```\n(.*?)^```", re.M | re.S)
 DRAWN = re.compile(r"(?<![\w/.])((?:interface|toolkit|matrix|navigation|qc|measures|results)/[\w.]*)")
@@ -96,7 +105,14 @@ def check_host(root, problems):
         if file.suffix not in (".h", ".cpp"):
             continue
         name = file.relative_to(root).as_posix()
+        folder = name.split("/")[1]
+        if folder not in HOST_BELOW:
+            problems.append(f"{name}: host/{folder} is on no floor")
+            continue
         for include in includes_of(file):
+            parts = include.split("/")
+            if parts[0] == "host" and parts[1] not in HOST_BELOW[folder] | {folder}:
+                problems.append(f"{name}: includes {include} from a floor above or beside")
             if (root / "library" / include).is_file() and not include.startswith("interface/"):
                 problems.append(f"{name}: includes {include} of the library")
             elif include.startswith("library/") and not include.startswith("library/interface/"):

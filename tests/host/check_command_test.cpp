@@ -12,7 +12,6 @@
 
 #include "host/cli/config_file.h"
 #include "host/cli/exit_codes.h"
-#include "host/cli/output_plan.h"
 #include "host/cli/progress_bar.h"
 #include "host/cli/qc_inputs.h"
 #include "tests/host/folder.h"
@@ -171,54 +170,6 @@ TEST(ManyFiles, AllHaveTheErrorOfNavigationThatCannotBeRead) {
     ASSERT_NE(line, std::string::npos) << a.out;
     EXPECT_NE(a.out.find("/no/such.nav", line), std::string::npos);
   }
-}
-
-TEST(Outputs, EveryFormatGoesToItsFileWithOrWithoutEqualsSign) {
-  ORSOLVA_NEED_FILE(Quarter());
-  const Folder out;
-  const Answer a = Orsolva("qc --no-config " + Quarter() + " --json " + (out / "r.json") +
-                           " --csv=" + (out / "r.csv") + " --sum");
-  EXPECT_EQ(a.code, 0) << a.err;
-  EXPECT_EQ(a.out.find("SUM 2021-03-19T12:00:00 2021-03-19T12:14:59 0.25 1 "), 0U) << a.out;
-  EXPECT_EQ(out.Names(), (std::set<std::string>{"r.json", "r.csv"}));
-  EXPECT_TRUE(json::accept(ReadText(out / "r.json")));
-}
-
-TEST(Outputs, ThatCannotBeWrittenFailTheRunAndLeaveNothing) {
-  ORSOLVA_NEED_FILE(Quarter());
-  const Folder out;
-  EXPECT_EQ(Orsolva("qc --no-config " + Quarter() + " --json=" + (out / "none/r.json")).code, 1);
-  EXPECT_EQ(Orsolva("qc --no-config " + Quarter() + " --json --csv").code, 2);
-  EXPECT_TRUE(out.Names().empty());
-}
-
-TEST(Outputs, ColoursStandOnlyOnTerminalsUnlessAskedFor) {
-  ORSOLVA_NEED_FILE(Quarter());
-  EXPECT_EQ(Orsolva("qc --no-config " + Quarter()).out.find('\033'), std::string::npos);
-  EXPECT_NE(Orsolva("qc --no-config --color always " + Quarter()).out.find('\033'), std::string::npos);
-}
-
-TEST(Outputs, OfOneFileGoBothToTheFolderAndToTheNameGiven) {
-  ORSOLVA_NEED_FILE(Quarter());
-  const Folder out;
-  const Answer a =
-      Orsolva("qc --no-config --quiet " + Quarter() + " --output " + (out / "all") +
-              " --formats html,detail --html " + (out / "p.html") + " --detail " + (out / "d.csv"));
-  EXPECT_EQ(a.code, 0) << a.err;
-  EXPECT_EQ(ReadText(out / "p.html"), ReadText(out / "all/SEPT078M.21O.html"));
-  EXPECT_EQ(ReadText(out / "d.csv"), ReadText(out / "all/SEPT078M.21O.detail.csv"));
-  EXPECT_GT(ReadText(out / "p.html").size(), 100000U);
-}
-
-TEST(Outputs, StemsOfManyFilesLeaveTheNamesOfTheTablesFree) {
-  EXPECT_EQ(orsolva_host::OutputStems({"index.rnx", "network.21O", "network.rnx"}),
-            (std::vector<std::string>{"index-2", "network.21O", "network-2"}));
-  EXPECT_EQ(orsolva_host::OutputStems({"index.rnx"}), (std::vector<std::string>{"index"}));
-}
-
-TEST(Outputs, StemsLosePackingAndStayDistinct) {
-  EXPECT_EQ(orsolva_host::OutputStems({"a/X.crx.gz", "b/X.rnx", "Y.21O.Z", "-"}),
-            (std::vector<std::string>{"X", "X-2", "Y.21O", "stdin"}));
 }
 
 TEST(StandardInput, IsTakenOnceOnly) {

@@ -4,8 +4,8 @@
 usage: structure_test.py ROOT
 
 Fails when an include of the library points upward or in a circle, when host/ includes more of the library than its
-interface or one of its folders more than those below it, when an include path leaves its root with "..", when a floor below names no file, or when ARCHITECTURE.md
-names a path, in its text or in a drawing, that is not there.
+interface or one of its folders more than those below it, when an include path leaves its root with "..", when a
+floor below names no file, or when ARCHITECTURE.md names a path, in its text or in a drawing, that is not there.
 """
 import pathlib
 import re

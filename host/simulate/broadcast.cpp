@@ -14,7 +14,6 @@
 namespace orsolva_host {
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
 constexpr std::uint64_t kRecordSeed = 7;
 constexpr double kGlonassRadius_m = 25508e3;
 constexpr double kGravityGlonass = 3.9860044e14;

@@ -5,12 +5,12 @@
 
 #include <cmath>
 
+#include "host/simulate/portable_math.h"
 #include "host/simulate/random_streams.h"
 
 namespace orsolva_host {
 namespace {
 
-constexpr double kRadian = 0.017453292519943295;
 constexpr std::uint64_t kShapeSeed = 20200625;  // the sky is the same for every seed of a scenario
 
 constexpr int kGpsNumbers[] = {1,  2,  3,  4,  5,  6,  7,  8,  9,  10, 12, 13, 14, 15, 16, 17,

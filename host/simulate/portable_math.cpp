@@ -3,7 +3,6 @@
 namespace orsolva_host {
 namespace {
 
-constexpr double kPi = 0x1.921fb54442d18p+1;
 constexpr double kHalfPi = 0x1.921fb54442d18p+0;
 
 // Arc tangents of 0/8 to 8/8, correctly rounded (Machin's formula in 80 digits).

@@ -13,7 +13,6 @@
 namespace orsolva_host {
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
 constexpr double kRinexVersion = 3.05;
 constexpr std::uint64_t kSignalStream = 202;
 constexpr double kLargestAmbiguity = 1 << 20;

@@ -14,8 +14,6 @@
 namespace orsolva_host {
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
-constexpr double kRadian = kPi / 180;
 constexpr std::int64_t kTicksPerSecond = 10000000;
 constexpr std::uint32_t kMostSatellites = 80;
 constexpr double kClockLogStep_s = 600;

@@ -8,7 +8,6 @@
 namespace orsolva_host {
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
 constexpr double kEarthRadius_m = 6378137.0;
 constexpr double kEccentricitySquared = 0.0066943799901413165;
 constexpr double kShellRatio = 6371.0 / (6371.0 + 400.0);

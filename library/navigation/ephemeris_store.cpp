@@ -16,9 +16,6 @@ bool IsFinite(const SatelliteState& state) {
          std::isfinite(state.Position[2]) && std::isfinite(state.Clock);
 }
 
-// A larger fraction would swallow whole seconds.
-bool HasPlainFraction(const AbsoluteTime& t) { return std::fabs(t.Fraction) <= 1e3; }
-
 bool HasRange(double pseudorange) {
   return std::fabs(pseudorange) >= kAbsentRange && std::isfinite(pseudorange);
 }

@@ -19,12 +19,9 @@ bool IsOrdinary(const AbsoluteTime& t) {
   return t.Fraction >= 0.0 && t.Fraction <= 1.0 && t.Seconds >= kEdge && t.Seconds <= kCalendarEnd - kEdge;
 }
 
-// Ages of such times are exact to kLeadMargin; a larger fraction would swallow whole seconds.
 bool Earlier(const AbsoluteTime& a, const AbsoluteTime& b) {
   return a.Seconds != b.Seconds ? a.Seconds < b.Seconds : a.Fraction < b.Fraction;
 }
-
-bool HasPlainFraction(const AbsoluteTime& t) { return std::fabs(t.Fraction) <= 1e3; }
 
 // Times outside the calendar collapse to zero on their way to BDS time.
 double SecondsToCollapsedTime(const AbsoluteTime& t, int direction) {
@@ -52,6 +49,9 @@ struct Ranking {
 };
 
 }  // namespace
+
+// Ages of such times are exact to kLeadMargin.
+bool HasPlainFraction(const AbsoluteTime& t) { return std::fabs(t.Fraction) <= 1e3; }
 
 void ReferenceTimes::Add(const AbsoluteTime& time) {
   // First, so that a failing allocation leaves both lists alike.

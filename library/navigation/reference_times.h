@@ -13,6 +13,10 @@
 
 namespace gnssqctoolkit {
 
+/// Whether the fraction is small enough for differences to keep their parts of a second: a larger one would
+/// swallow whole seconds.
+bool HasPlainFraction(const AbsoluteTime& t);
+
 class ReferenceTimes {
  public:
   virtual ~ReferenceTimes() = default;

@@ -4,7 +4,7 @@
 # usage: tests/portability/check.sh aarch64|mingw [short|library|command]
 #   short    the library; its binary interface and the reference cases, on aarch64 bit by bit (the default)
 #   library  every test of the library
-#   command  the command: a simulated day and its report are those of build/bin/orsolva
+#   command  the command: a simulated day and its reports are those of build/bin/orsolva
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 . scripts/packages.sh
@@ -19,14 +19,16 @@ case $machine in
     emulator=(qemu-aarch64 -L build-aarch64/sysroot)
     ending=
     short_test=golden_test
+    formats=(text json csv)
     ;;
   mingw)
     require_packages "${mingw_packages[@]}"
     scripts/sysroot.sh amd64 build-mingw/sysroot "${headers[@]}"
     emulator=(env WINEDEBUG=-all "WINEPREFIX=$PWD/build-mingw/wine" /usr/lib/wine/wine64)
     ending=.exe
-    # Its mathematical functions are others, so that the golden digests do not hold.
+    # Its mathematical functions are others: golden digests and the last digits of JSON and CSV do not hold.
     short_test=reference_test
+    formats=(text)
     ;;
   *) echo "no such machine: $machine" >&2; exit 2 ;;
 esac
@@ -34,7 +36,7 @@ esac
 # Runs a program that was built for the machine.
 there() { "${emulator[@]}" "build-$machine/bin/$1$ending" "${@:2}"; }
 
-# The same files and the same report, byte by byte.
+# The same files and the same reports, byte by byte.
 compare_command() {
   local here=build/bin/orsolva folder=build-$machine/day
   [ -x "$here" ] || { echo "build the command of this machine first: scripts/demo" >&2; exit 1; }
@@ -44,7 +46,7 @@ compare_command() {
   "$here" simulate --preset station-day --output "$folder/here" >/dev/null
   diff -r "$folder/here" "$folder/there"
   local format
-  for format in text json csv; do
+  for format in "${formats[@]}"; do
     "$here" qc --$format=- "$folder"/here/*_MO.rnx "$folder"/here/*_MN.rnx >"$folder/here.$format"
     there orsolva qc --$format=- "$folder"/here/*_MO.rnx "$folder"/here/*_MN.rnx >"$folder/there.$format"
     diff "$folder/here.$format" "$folder/there.$format"

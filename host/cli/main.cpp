@@ -33,6 +33,7 @@ int Run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  KeepFreedMemory();
   PrepareStreams();
   const int exit_code = Run(argc, argv);
   if (FlushStandardOutput() || exit_code != kGood) return exit_code;

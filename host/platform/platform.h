@@ -35,6 +35,10 @@ void PrepareStreams();
 /// program.
 void IgnoreSignalsOfWriting();
 
+/// To be called first. Memory that one file needed is kept for the next one: given back and taken anew, its
+/// pages would be filled with zeros again, and threads would wait for one another meanwhile.
+void KeepFreedMemory();
+
 /// Asks for huge pages behind memory that begins and ends at such a page; nothing where there are none.
 inline constexpr std::size_t kHugePageBytes = std::size_t{1} << 21;
 void PreferHugePages(void* memory, std::size_t bytes);

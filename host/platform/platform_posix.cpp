@@ -6,6 +6,9 @@
 
 #include <csignal>
 #include <cstdlib>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 #include "host/platform/platform.h"
 
@@ -51,6 +54,15 @@ void PrepareStreams() {
 void IgnoreSignalsOfWriting() {
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
+}
+
+void KeepFreedMemory() {
+#ifdef __GLIBC__
+  constexpr int kLargestFromHeap = 32 << 20;  // the most that the C library takes here
+  constexpr int kKept = 1 << 30;
+  mallopt(M_MMAP_THRESHOLD, kLargestFromHeap);
+  mallopt(M_TRIM_THRESHOLD, kKept);
+#endif
 }
 
 void PreferHugePages(void* memory, std::size_t bytes) {

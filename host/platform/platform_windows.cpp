@@ -71,6 +71,8 @@ void PrepareStreams() {
 // Such writes fail here in any case.
 void IgnoreSignalsOfWriting() {}
 
+void KeepFreedMemory() {}
+
 void PreferHugePages(void*, std::size_t) {}
 
 }  // namespace orsolva_host

@@ -122,12 +122,17 @@ TEST(SimulateCommand, PresetsAreListed) {
   EXPECT_EQ(folder.Names().size(), 0U);
 }
 
-TEST(CompareCommand, LaysTheReportOfASimulatedDayBesideItsTruth) {
-  const TestFolder folder("compare");
-  ASSERT_EQ(Orsolva(folder, "simulate --preset station-day --hours 3").code, 0);
-  const Answer report = Orsolva(folder, "qc --json SIMU00ORS_R_20201770000_03H_30S_MO.rnx *_MN.rnx");
+/// Leaves the files of a station-day and its report.json in the folder.
+void JudgeStationDay(const TestFolder& folder, const std::string& simulation, const std::string& judging) {
+  ASSERT_EQ(Orsolva(folder, "simulate --preset station-day " + simulation).code, 0);
+  const Answer report = Orsolva(folder, "qc --no-config --json " + judging + " *_MO.rnx *_MN.rnx");
   ASSERT_EQ(report.code, 0) << report.err;
   orsolva_test::WriteText(folder.Path("report.json"), report.out);
+}
+
+TEST(CompareCommand, LaysTheReportOfASimulatedDayBesideItsTruth) {
+  const TestFolder folder("compare");
+  ASSERT_NO_FATAL_FAILURE(JudgeStationDay(folder, "--hours 3", ""));
   const Answer a = Orsolva(folder, "compare report.json truth.json");
   EXPECT_EQ(a.code, 0) << a.err;
   for (const char* system : {"GPS", "GLONASS", "BDS", "Galileo", "QZSS"}) {
@@ -139,10 +144,7 @@ TEST(CompareCommand, LaysTheReportOfASimulatedDayBesideItsTruth) {
 
 TEST(CompareCommand, EverySlipAndJumpOfTheStationDayIsToldByItsDetailTable) {
   const TestFolder folder("compare_detail");
-  ASSERT_EQ(Orsolva(folder, "simulate --preset station-day").code, 0);
-  const Answer report = Orsolva(folder, "qc --json --detail detail.csv *_MO.rnx *_MN.rnx");
-  ASSERT_EQ(report.code, 0) << report.err;
-  orsolva_test::WriteText(folder.Path("report.json"), report.out);
+  ASSERT_NO_FATAL_FAILURE(JudgeStationDay(folder, "", "--detail detail.csv"));
   const Answer a = Orsolva(folder, "compare report.json truth.json --detail detail.csv");
   EXPECT_EQ(a.code, 0) << a.err;
   EXPECT_NE(a.out.find("\nTold: 8 of 8 slips, 3 of 3 code jumps\n"), std::string::npos) << a.out;
@@ -150,10 +152,7 @@ TEST(CompareCommand, EverySlipAndJumpOfTheStationDayIsToldByItsDetailTable) {
 
 TEST(CompareCommand, ADetailTableCutOffIsRefused) {
   const TestFolder folder("compare_cut");
-  ASSERT_EQ(Orsolva(folder, "simulate --preset station-day --hours 1").code, 0);
-  const Answer report = Orsolva(folder, "qc --json --detail d.csv.gz *_MO.rnx *_MN.rnx");
-  ASSERT_EQ(report.code, 0) << report.err;
-  orsolva_test::WriteText(folder.Path("report.json"), report.out);
+  ASSERT_NO_FATAL_FAILURE(JudgeStationDay(folder, "--hours 1", "--detail d.csv.gz"));
   std::filesystem::resize_file(folder.Path("d.csv.gz"),
                                std::filesystem::file_size(folder.Path("d.csv.gz")) / 2);
   const Answer a = Orsolva(folder, "compare report.json truth.json --detail d.csv.gz");

@@ -1,5 +1,5 @@
 // Any bytes as a scenario (JSON). One that is taken simulates its first epochs.
-#include "host/simulate/scenario.h"
+#include "host/simulator/scenario.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -7,8 +7,8 @@
 #include <string>
 
 #include "fuzz/require.h"
-#include "host/simulate/scenario_json.h"
-#include "host/simulate/simulation.h"
+#include "host/simulator/scenario_json.h"
+#include "host/simulator/simulation.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 

@@ -7,8 +7,8 @@
 #include "host/cli/exit_codes.h"
 #include "host/cli/standard_streams.h"
 #include "host/rinex/text_file.h"
-#include "host/simulate/comparison.h"
-#include "host/simulate/told_faults.h"
+#include "host/simulator/comparison.h"
+#include "host/simulator/told_faults.h"
 
 namespace orsolva_host {
 namespace {

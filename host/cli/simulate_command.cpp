@@ -18,9 +18,9 @@
 #include "host/cli/qc_settings.h"
 #include "host/cli/run_monitor.h"
 #include "host/cli/standard_streams.h"
-#include "host/simulate/file_set.h"
-#include "host/simulate/presets.h"
-#include "host/simulate/scenario_json.h"
+#include "host/simulator/file_set.h"
+#include "host/simulator/presets.h"
+#include "host/simulator/scenario_json.h"
 
 namespace orsolva_host {
 namespace {

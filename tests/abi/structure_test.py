@@ -29,8 +29,8 @@ HOST_BELOW = {
     "output": {"platform"},
     "rinex": {"platform"},
     "report": {"rinex", "output"},
-    "simulate": {"rinex", "output"},
-    "cli": {"platform", "output", "rinex", "report", "simulate"},
+    "simulator": {"rinex", "output"},
+    "cli": {"platform", "output", "rinex", "report", "simulator"},
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.M)
 DRAWING = re.compile(r"^```\n(.*?)^```", re.M | re.S)

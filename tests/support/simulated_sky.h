@@ -3,7 +3,7 @@
 //
 // Why a sky of its own beside sky.h and exact_sky.h: laws of whole runs, mutated records, digests and
 // benchmarks want five systems with noise and gaps through the exported functions. It stays apart from
-// host/simulate, which is under test itself and whose output may change, while golden digests rest on every
+// host/simulator, which is under test itself and whose output may change, while golden digests rest on every
 // bit of this one.
 #ifndef ORSOLVA_TESTS_SUPPORT_SIMULATED_SKY_H
 #define ORSOLVA_TESTS_SUPPORT_SIMULATED_SKY_H

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "host/simulate/scenario.h"
+#include "host/simulator/scenario.h"
 
 namespace orsolva_test {
 

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <set>
 
-#include "host/simulate/orbits.h"
+#include "host/simulator/orbits.h"
 #include "tests/truth/observed_run.h"
 #include "tests/truth/proof.h"
 

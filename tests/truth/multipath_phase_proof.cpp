@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "host/rinex/signal_codes.h"
-#include "host/simulate/orbits.h"
+#include "host/simulator/orbits.h"
 #include "tests/truth/observed_run.h"
 #include "tests/truth/proof.h"
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/simulate/random_streams.h"
+#include "host/simulator/random_streams.h"
 #include "navigation/atmosphere.h"
 #include "navigation/geometry.h"
 #include "qc/epoch_time.h"

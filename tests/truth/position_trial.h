@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/simulate/scenario.h"
+#include "host/simulator/scenario.h"
 #include "interface/records.h"
 
 namespace orsolva_test {

@@ -7,7 +7,7 @@
 
 #include "host/rinex/satellite_names.h"
 #include "host/rinex/signal_codes.h"
-#include "host/simulate/carriers.h"
+#include "host/simulator/carriers.h"
 #include "results/result_analysis.h"
 #include "tests/support/simulated_sky.h"
 

@@ -10,8 +10,8 @@
 #include <tuple>
 #include <vector>
 
-#include "host/simulate/simulation.h"
-#include "host/simulate/surroundings.h"
+#include "host/simulator/simulation.h"
+#include "host/simulator/surroundings.h"
 #include "interface/detail.h"
 #include "qc/process.h"
 #include "results/result_model.h"

@@ -7,7 +7,7 @@
 
 #include "host/rinex/satellite_names.h"
 #include "host/rinex/signal_codes.h"
-#include "host/simulate/orbits.h"
+#include "host/simulator/orbits.h"
 #include "tests/truth/faulty_scenarios.h"
 
 namespace orsolva_test {

@@ -1,0 +1,60 @@
+// The faults of a scenario as epochs meet them: random ones drawn, times turned into epoch numbers, and each
+// written into the truth when it happens.
+#ifndef ORSOLVA_SIMULATOR_ACTIVE_FAULTS_H
+#define ORSOLVA_SIMULATOR_ACTIVE_FAULTS_H
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "host/simulator/scenario.h"
+#include "host/simulator/truth.h"
+
+namespace orsolva_host {
+
+/// Name of a kind in scenario files and truth, such as "slip".
+const char* FaultName(FaultKind kind);
+
+/// Whether a fault changes what single signals give: slips, code jumps, outages and SNR drops.
+bool MeetsSignals(FaultKind kind);
+
+struct ActiveFault {
+  Fault fault;
+  std::int64_t first = 0;  ///< number of the first epoch met
+  std::int64_t end = 0;    ///< number of the first epoch after it
+  int record = -1;         ///< place in Truth::faults once it has happened
+
+  bool At(std::int64_t epoch) const { return epoch >= first && epoch < end; }
+  bool Meets(char system, int satellite) const {
+    return (fault.target.system == 0 || fault.target.system == system) &&
+           (fault.target.satellite == 0 || fault.target.satellite == satellite);
+  }
+  bool Meets(const std::string& signal) const {
+    return fault.target.signal.empty() || fault.target.signal == signal;
+  }
+};
+
+/// Epoch numbers of a span.
+struct EpochGrid {
+  std::int64_t interval_ticks = 0;  ///< 100 ns
+  std::int64_t epochs = 0;
+
+  /// The first epoch at or after a time, s after the start.
+  std::int64_t AtOrAfter(double seconds) const;
+  double Seconds(std::int64_t epoch) const { return static_cast<double>(epoch * interval_ticks) / 1e7; }
+};
+
+EpochGrid GridOf(const Scenario& scenario);
+
+/// Satellites of a target whose elevation is above a limit at a time.
+using VisibleAt =
+    std::function<std::vector<FaultTarget>(const FaultTarget& target, double seconds, double above_deg)>;
+
+/// @param visible  used to draw the satellites and signals of random faults
+std::vector<ActiveFault> ResolveFaults(const Scenario& scenario, const EpochGrid& grid,
+                                       const VisibleAt& visible);
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_SIMULATOR_ACTIVE_FAULTS_H

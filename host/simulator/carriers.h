@@ -1,0 +1,13 @@
+// Carrier frequencies by system and band digit (RINEX 3.05, tables 4 to 9).
+#ifndef ORSOLVA_SIMULATOR_CARRIERS_H
+#define ORSOLVA_SIMULATOR_CARRIERS_H
+
+namespace orsolva_host {
+
+/// Hz; 0 when the system has no such band.
+/// @param channel  GLONASS frequency channel
+double CarrierFrequency(char system, char band, int channel);
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_SIMULATOR_CARRIERS_H

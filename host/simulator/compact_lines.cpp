@@ -1,0 +1,84 @@
+#include "host/simulator/compact_lines.h"
+
+#include <algorithm>
+
+#include "host/simulator/header_lines.h"
+
+namespace orsolva_host {
+namespace {
+
+/// The characters of `now` that differ from `before`, '&' for a character that became blank.
+std::string Changes(const std::string& before, const std::string& now) {
+  std::string changes(std::max(before.size(), now.size()), ' ');
+  for (std::size_t i = 0; i < changes.size(); ++i) {
+    const char old_one = i < before.size() ? before[i] : ' ';
+    const char new_one = i < now.size() ? now[i] : ' ';
+    if (old_one != new_one) changes[i] = new_one == ' ' ? '&' : new_one;
+  }
+  changes.erase(changes.find_last_not_of(' ') + 1);
+  return changes;
+}
+
+}  // namespace
+
+std::string CompactLines::Preamble() {
+  return HeaderLine("3.0                 COMPACT RINEX FORMAT", "CRINEX VERS   / TYPE") +
+         HeaderLine("ORSOLVA SIMULATE", "CRINEX PROG / DATE");
+}
+
+void CompactLines::Append(const ObsEpoch_QC_gbt& epoch, std::string& out) {
+  ++epoch_;
+  AppendEpochLine(epoch, out);
+  out += '\n';  // no receiver clock offset
+  for (std::uint32_t i = 0; i < epoch.sat_num; ++i) AppendSatellite(epoch.sats[i], out);
+}
+
+void CompactLines::AppendEpochLine(const ObsEpoch_QC_gbt& epoch, std::string& out) {
+  constexpr std::size_t kSatelliteColumn = 41;
+  std::string line = EpochLine(epoch);
+  line.resize(kSatelliteColumn, ' ');
+  for (std::uint32_t i = 0; i < epoch.sat_num; ++i) {
+    const char letter = kSystemTable[SystemSlotOfCode(epoch.sats[i].sys)].letter;
+    line += SatelliteName(letter, epoch.sats[i].prn);
+  }
+  out += last_line_.empty() ? line : Changes(last_line_, line);
+  out += '\n';
+  last_line_ = line;
+}
+
+void CompactLines::AppendSatellite(const Satellite_gbt& satellite, std::string& out) {
+  SatelliteArcs& state = satellites_[{satellite.sys, satellite.prn}];
+  TakeCells(satellite, cells_);
+  if (state.epoch != epoch_ - 1) state.arcs.assign(cells_.size(), Arc());
+  state.epoch = epoch_;
+  for (std::size_t i = 0; i < cells_.size(); ++i) {
+    if (i > 0) out += ' ';
+    AppendCell(cells_[i], state.arcs[i], out);
+  }
+  out.erase(out.find_last_not_of(' ') + 1);
+  out += '\n';
+}
+
+void CompactLines::AppendCell(std::int64_t value, Arc& arc, std::string& out) {
+  if (value == 0) {
+    arc.reached = -1;
+    return;
+  }
+  if (arc.reached < 0) {
+    arc.reached = 0;
+    arc.last[0] = value;
+    out += std::to_string(kOrder) + "&" + std::to_string(value);
+    return;
+  }
+  if (arc.reached < kOrder) ++arc.reached;
+  std::int64_t difference = value;
+  for (std::size_t k = 0; k < static_cast<std::size_t>(arc.reached); ++k) {
+    const std::int64_t before = arc.last[k];
+    arc.last[k] = difference;
+    difference -= before;
+  }
+  arc.last[static_cast<std::size_t>(arc.reached)] = difference;
+  out += std::to_string(difference);
+}
+
+}  // namespace orsolva_host

@@ -1,0 +1,283 @@
+#include "host/simulator/comparison.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <utility>
+
+#include "host/simulator/told_faults.h"
+
+namespace orsolva_host {
+namespace {
+
+using Json = nlohmann::json;
+
+/// A mean of means, each with its weight; squares for root mean squares.
+struct Pooled {
+  double weight = 0;
+  double sum = 0;
+
+  void Add(const Json& value, double count, bool square) {
+    if (!value.is_number() || count <= 0) return;
+    const double v = value.get<double>();
+    weight += count;
+    sum += count * (square ? v * v : v);
+  }
+  std::optional<double> Mean() const {
+    if (weight <= 0) return std::nullopt;
+    return sum / weight;
+  }
+  std::optional<double> Root() const {
+    if (weight <= 0) return std::nullopt;
+    return std::sqrt(sum / weight);
+  }
+};
+
+/// Truth of one signal, or of one system, over the satellites that are judged.
+struct Expectation {
+  std::uint64_t expected = 0;
+  std::uint64_t observed = 0;
+  std::uint64_t slips = 0;
+  Pooled multipath, snr, snr_low, snr_high;
+};
+
+struct Expectations {
+  std::map<std::string, Expectation> systems;  ///< by letter
+  std::map<std::string, Expectation> signals;  ///< by letter and signal, such as "G1C"
+};
+
+Json Parsed(const NamedText& file, const char* what, const std::vector<const char*>& keys) {
+  Json json = Json::parse(file.text, nullptr, false);
+  bool good = json.is_object();
+  for (const char* key : keys) good = good && json.contains(key);
+  if (!good) throw ComparisonError(fmt::format("{}: found no {}, expected {}", file.name, what, what));
+  return json;
+}
+
+void AddSignal(const Json& s, Expectation& e) {
+  const double above = s.at("above_cutoff_epochs").get<double>();
+  const double high = s.at("above_30deg_epochs").get<double>();
+  e.observed += s.at("above_cutoff_epochs").get<std::uint64_t>();
+  e.multipath.Add(s.at("code_error_less_moving_mean_rms_m"), above, true);
+  e.snr.Add(s.at("snr_mean_above_cutoff_dbhz"), above, false);
+  e.snr_low.Add(s.at("snr_mean_below_30deg_dbhz"), s.at("tracked_epochs").get<double>() - high, false);
+  e.snr_high.Add(s.at("snr_mean_above_30deg_dbhz"), high, false);
+}
+
+Expectations ExpectationsOf(const Json& truth) {
+  Expectations all;
+  for (const Json& satellite : truth.at("satellites")) {
+    if (!satellite.at("healthy").get<bool>()) continue;
+    const std::string letter = satellite.at("satellite").get<std::string>().substr(0, 1);
+    const auto expected = satellite.at("above_cutoff_epochs").get<std::uint64_t>();
+    Expectation& system = all.systems[letter];
+    system.expected += expected;
+    system.observed += satellite.at("two_signals_epochs").get<std::uint64_t>();
+    for (const Json& signal : satellite.at("signals")) {
+      Expectation& e = all.signals[letter + signal.at("signal").get<std::string>()];
+      e.expected += expected;
+      AddSignal(signal, e);
+    }
+  }
+  for (const Json& fault : truth.at("faults")) {
+    if (fault.at("kind") != "slip" || !fault.at("shows_in_the_data").get<bool>()) continue;
+    const std::string letter = fault.at("satellite").get<std::string>().substr(0, 1);
+    ++all.systems[letter].slips;
+    ++all.signals[letter + fault.at("signal").get<std::string>()].slips;
+  }
+  return all;
+}
+
+std::string Fixed(const std::optional<double>& value, int decimals) {
+  return value && std::isfinite(*value) ? fmt::format("{:.{}f}", *value, decimals) : "-";
+}
+
+std::string Fixed(const Json& value, int decimals) {
+  return value.is_number() ? Fixed(std::optional<double>(value.get<double>()), decimals) : "-";
+}
+
+std::string Text(const Json& value) {
+  if (value.is_string()) return value.get<std::string>();
+  return value.is_null() ? "-" : value.dump();
+}
+
+/// Of a fault that meets all satellites or signals: empty.
+std::string NameOrAll(const Json& value) { return value.is_null() ? "" : value.get<std::string>(); }
+
+std::optional<double> Distance(const Json& a, const Json& b) {
+  double sum = 0;
+  for (std::size_t i = 0; i < 3; ++i) {
+    const double d = a.at(i).get<double>() - b.at(i).get<double>();
+    sum += d * d;
+  }
+  return std::sqrt(sum);
+}
+
+class Comparison {
+ public:
+  Comparison(const NamedText& report, const NamedText& truth, const DetailTable* detail)
+      : report_name_(report.name),
+        truth_name_(truth.name),
+        report_(Parsed(report, "report of orsolva qc --json", {"run", "systems", "signals"})),
+        truth_(Parsed(truth, "truth.json of orsolva simulate", {"receiver", "satellites", "faults"})),
+        run_(report_.at("run")),
+        detail_(detail) {}
+
+  std::string Write() {
+    CheckBelonging();
+    expectations_ = ExpectationsOf(truth_);
+    WriteRun();
+    WriteSystems();
+    WriteSignals();
+    WriteFaults();
+    if (detail_ != nullptr) WriteToldFaults();
+    WriteNotes();
+    return std::move(out_);
+  }
+
+ private:
+  void MustAgree(const char* what, const std::string& found, const std::string& expected, const char* hint) {
+    if (found == expected) return;
+    throw ComparisonError(fmt::format("{}: found {} {}, expected {} as in {}. {}", report_name_, what, found,
+                                      expected, truth_name_, hint));
+  }
+
+  void CheckBelonging() {
+    MustAgree("interval", Fixed(run_.at("interval_s"), 3), Fixed(truth_.at("interval_s"), 3),
+              "Compare a report of the whole data.");
+    MustAgree("elevation cut-off", Fixed(run_.at("elevation_cutoff_deg"), 3),
+              Fixed(truth_.at("cutoff_deg"), 3),
+              "Judge with this --elevation, or simulate with another truth_cutoff_deg.");
+    MustAgree("first epoch", Text(run_.at("first_epoch_gpst")), Text(truth_.at("first_epoch_gpst")),
+              "Compare files of one simulation.");
+    MustAgree("last epoch", Text(run_.at("last_epoch_gpst")), Text(truth_.at("last_epoch_gpst")),
+              "Compare files of one simulation.");
+  }
+
+  void Line(const std::string& text) { out_ += text + "\n"; }
+  void Row(const std::string& what, const std::string& report, const std::string& truth) {
+    Line(fmt::format("{:<28}{:>25}{:>25}", what, report, truth));
+  }
+
+  void WriteRun() {
+    const Json& receiver = truth_.at("receiver");
+    const Json& position = receiver.at("track").at(0).at("position_ecef_m");
+    Line(fmt::format("Scenario {}, seed {}", Text(truth_.at("scenario")), Text(truth_.at("seed"))));
+    Row("", "Report", "Truth");
+    Row("First epoch (GPST)", Text(run_.at("first_epoch_gpst")), Text(truth_.at("first_epoch_gpst")));
+    Row("Last epoch (GPST)", Text(run_.at("last_epoch_gpst")), Text(truth_.at("last_epoch_gpst")));
+    Row("Epochs in the file", Text(run_.at("epochs")), Text(truth_.at("delivered_epochs")));
+    Row("Epochs lost", Text(run_.at("lost_epochs")), Text(truth_.at("missing_epochs")));
+    Row("Error of the position (m)", Fixed(Distance(run_.at("position_ecef_m"), position), 3), "0.000");
+    Row("Error of the header's (m)", Fixed(run_.at("distance_from_header_position_m"), 3),
+        Fixed(Distance(receiver.at("header_position_ecef_m"), position), 3));
+  }
+
+  void WriteSystems() {
+    Line("\nSYSTEMS (satellite-epochs above the cut-off; observed with two signals)");
+    Line("                Expected          Observed      Completeness %       Slips");
+    Line("System      Report    Truth    Report    Truth   Report  Truth  found injected");
+    for (const Json& system : report_.at("systems")) {
+      const Expectation& e = expectations_.systems[system.at("letter").get<std::string>()];
+      std::optional<double> truth_percent, report_percent;
+      if (e.expected > 0)
+        truth_percent = 100.0 * static_cast<double>(e.observed) / static_cast<double>(e.expected);
+      if (system.at("completeness_ratio").is_number()) {
+        report_percent = 100 * system.at("completeness_ratio").get<double>();
+      }
+      Line(fmt::format("{:<9}{:>9}{:>9}{:>10}{:>9}{:>9}{:>7}{:>7}{:>9}", Text(system.at("system")),
+                       Text(system.at("expected_epochs")), e.expected, Text(system.at("observed_epochs")),
+                       e.observed, Fixed(report_percent, 2), Fixed(truth_percent, 2),
+                       Text(system.at("slip_epochs")), e.slips));
+    }
+  }
+
+  void WriteSignals() {
+    Line("\nSIGNALS (multipath RMS in m, mean SNR in dB-Hz; R report, T truth)");
+    Line(fmt::format("{:>21}{:>13}{:>12}{:>12}{:>12}{:>10}", "Observed", "Multipath", "SNR", "SNR<=30",
+                     "SNR>30", "Slips"));
+    Line(fmt::format("{:<6}{:>7}{:>8}{:>7}{:>6}{:>6}{:>6}{:>6}{:>6}{:>6}{:>6}{:>6}{:>4}", "Signal", "R", "T",
+                     "R", "T", "R", "T", "R", "T", "R", "T", "R", "T"));
+    for (const Json& signal : report_.at("signals")) {
+      const std::string letter = Text(signal.at("letter")), name = Text(signal.at("signal"));
+      const Expectation& e = expectations_.signals[letter + name];
+      Line(fmt::format("{:<5}{:>8}{:>8}{:>7}{:>6}{:>6}{:>6}{:>6}{:>6}{:>6}{:>6}{:>6}{:>4}",
+                       letter + " " + name, Text(signal.at("observed_epochs")), e.observed,
+                       Fixed(signal.at("mp_rms_m"), 3), Fixed(e.multipath.Root(), 3),
+                       Fixed(signal.at("snr_mean_dbhz"), 2), Fixed(e.snr.Mean(), 2),
+                       Fixed(signal.at("snr_mean_below_30deg_dbhz"), 2), Fixed(e.snr_low.Mean(), 2),
+                       Fixed(signal.at("snr_mean_above_30deg_dbhz"), 2), Fixed(e.snr_high.Mean(), 2),
+                       Text(signal.at("iono_slip_epochs")), e.slips));
+    }
+  }
+
+  void WriteFaults() {
+    constexpr std::size_t kMostRows = 40;
+    const Json& faults = truth_.at("faults");
+    Line("\nFAULTS INJECTED (sizes: slip cycles, jump and offset m, drop dB, clock ms)");
+    if (faults.empty()) return Line("none");
+    Line("Time                 Kind             Satellite  Signal      Size  Duration s");
+    std::size_t rows = 0;
+    for (const Json& fault : faults) {
+      if (++rows > kMostRows) continue;
+      const bool shows = fault.at("shows_in_the_data").get<bool>();
+      const std::string time = Text(fault.at("time_gpst")).substr(0, 19);
+      Line(fmt::format("{:<21}{:<17}{:<11}{:<8}{:>8g}{:>12g}{}", time, Text(fault.at("kind")),
+                       Text(fault.at("satellite")), Text(fault.at("signal")), fault.at("size").get<double>(),
+                       fault.at("duration_s").get<double>(), shows ? "" : " *"));
+    }
+    if (rows > kMostRows) Line(fmt::format("and {} more", rows - kMostRows));
+    Line("* not to be seen in the data: nothing was tracked there then");
+  }
+
+  void WriteToldFaults() {
+    std::vector<ToldFault> faults;
+    for (const Json& fault : truth_.at("faults")) {
+      const bool slip = fault.at("kind") == "slip";
+      if ((!slip && fault.at("kind") != "code_jump") || !fault.at("shows_in_the_data").get<bool>()) continue;
+      faults.push_back({Text(fault.at("time_gpst")), NameOrAll(fault.at("satellite")),
+                        NameOrAll(fault.at("signal")), slip, fault.at("size").get<double>()});
+    }
+    ReadReasons(*detail_, faults);
+    out_ += ToldFaultsText(faults);
+  }
+
+  void WriteNotes() {
+    Line("\nNOTES");
+    Line("  Observed, by system: with the best combination in the report, with any two");
+    Line("  signals in the truth. SNR<=30 includes what stands below the cut-off.");
+    Line("  Slips found are epochs: at long intervals the test also counts each change of");
+    Line("  a broadcast record and low satellites (docs/behaviour.md), hence the surplus.");
+    Line("  Multipath of a code holds the phase noise of its pair, magnified where the");
+    Line("  pair's carriers lie near one another. Counts move by a few epochs with the");
+    Line("  position: a satellite at the cut-off is on its one or other side.");
+  }
+
+  std::string report_name_, truth_name_;
+  Json report_, truth_;
+  const Json& run_;
+  const DetailTable* detail_;
+  Expectations expectations_;
+  std::string out_;
+};
+
+}  // namespace
+
+std::string ComparisonText(const NamedText& report, const NamedText& truth, const DetailTable* detail) {
+  Comparison comparison(report, truth, detail);
+  try {
+    return comparison.Write();
+  } catch (const Json::exception& error) {
+    const std::string what = error.what();
+    throw ComparisonError(
+        fmt::format("{} and {}: found files of another version ({}), expected those of this program",
+                    report.name, truth.name, what.substr(what.find("] ") + 2)));
+  }
+}
+
+}  // namespace orsolva_host

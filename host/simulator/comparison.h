@@ -1,0 +1,34 @@
+// A report beside the truth of the data that it judges.
+#ifndef ORSOLVA_SIMULATOR_COMPARISON_H
+#define ORSOLVA_SIMULATOR_COMPARISON_H
+
+#include <stdexcept>
+#include <string>
+
+namespace orsolva_host {
+
+struct DetailTable;
+
+/// Two files that cannot be compared: which one, what was found and what is expected.
+class ComparisonError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// A file's name and its whole text.
+struct NamedText {
+  std::string name;
+  std::string text;
+};
+
+/// Lays figures of `orsolva qc --json` beside those of a truth.json, in lines of at most 80 columns.
+/// @param detail  the detail table of the same run, read to its end: which slips and jumps it tells; may be
+/// null
+/// @throws ComparisonError when a text is not what it should be, or when the two differ in span, interval or
+///         elevation cut-off, so that no figure could agree
+std::string ComparisonText(const NamedText& report, const NamedText& truth,
+                           const DetailTable* detail = nullptr);
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_SIMULATOR_COMPARISON_H

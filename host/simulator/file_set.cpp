@@ -1,0 +1,81 @@
+#include "host/simulator/file_set.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <filesystem>
+#include <memory>
+
+#include "host/output/byte_sink.h"
+#include "host/output/whole_file.h"
+#include "host/rinex/civil_time.h"
+#include "host/simulator/broadcast.h"
+#include "host/simulator/navigation_writer.h"
+#include "host/simulator/observation_writer.h"
+#include "host/simulator/simulation.h"
+#include "host/simulator/truth_json.h"
+
+namespace orsolva_host {
+namespace {
+
+/// "01D", "06H", "30M": the largest unit that gives a whole number.
+std::string PeriodText(double hours) {
+  const auto minutes = static_cast<long>(std::ceil(hours * 60 - 1e-9));
+  if (minutes % 1440 == 0) return fmt::format("{:02}D", minutes / 1440);
+  return minutes % 60 == 0 && minutes / 60 < 100 ? fmt::format("{:02}H", minutes / 60)
+         : minutes < 100                         ? fmt::format("{:02}M", minutes)
+                                                 : fmt::format("{:02}H", (minutes + 59) / 60);
+}
+
+/// "30S", "10Z" (ten times a second), "01M".
+std::string RateText(double interval_s) {
+  if (interval_s < 1) return fmt::format("{:02}Z", std::lround(1 / interval_s));
+  const long seconds = std::lround(interval_s);
+  return seconds % 60 == 0 ? fmt::format("{:02}M", seconds / 60) : fmt::format("{:02}S", seconds);
+}
+
+void WriteText(const std::string& path, const std::string& text, WholeFiles& files) {
+  const std::unique_ptr<ByteSink> sink = files.Begin(path);
+  sink->Write(text.data(), text.size());
+  sink->Close();
+}
+
+}  // namespace
+
+FileSet FileNames(const Scenario& scenario, const FileSetOptions& options) {
+  const CivilTime c = ToCivil(scenario.start);
+  const auto day = DaysFromCivil(c.year, c.month, c.day) - DaysFromCivil(c.year, 1, 1) + 1;
+  const std::string stem = fmt::format("{}_R_{:04}{:03}{:02}{:02}_{}", scenario.station, c.year, day, c.hour,
+                                       c.minute, PeriodText(scenario.hours));
+  const std::string tail = options.gzip ? ".gz" : "";
+  const std::filesystem::path folder(options.folder);
+  FileSet names;
+  const std::string form = options.compact ? ".crx" : ".rnx";
+  names.observations = (folder / (stem + "_" + RateText(scenario.interval_s) + "_MO" + form + tail)).string();
+  names.navigation = (folder / (stem + "_MN.rnx" + tail)).string();
+  names.truth = (folder / "truth.json").string();
+  return names;
+}
+
+Truth WriteFileSet(const Scenario& scenario, const FileSetOptions& options,
+                   const SimulationProgress& progress) {
+  Simulation simulation(scenario);
+  MakeFolder(options.folder);
+  const FileSet names = FileNames(scenario, options);
+  WholeFiles files;
+  WriteText(names.navigation, NavigationText(simulation.Navigation(), LeapSeconds(scenario.start.time)),
+            files);
+  ObservationWriter writer(files.Begin(names.observations), scenario,
+                           simulation.TruthSoFar().header_position_m, options.compact);
+  const auto epoch = std::make_unique<ObsEpoch_QC_gbt>();
+  while (simulation.Next(*epoch)) {
+    writer.Write(*epoch);
+    progress(simulation.NominalEpochsDone(), simulation.NominalEpochs());
+  }
+  writer.Close();
+  WriteText(names.truth, TruthJson(scenario, simulation.TruthSoFar()), files);
+  files.Publish();
+  return simulation.TruthSoFar();
+}
+
+}  // namespace orsolva_host

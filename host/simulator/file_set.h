@@ -1,0 +1,40 @@
+// Writes a simulated span as files: observations, navigation and truth.
+#ifndef ORSOLVA_SIMULATOR_FILE_SET_H
+#define ORSOLVA_SIMULATOR_FILE_SET_H
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "host/simulator/scenario.h"
+#include "host/simulator/truth.h"
+
+namespace orsolva_host {
+
+struct FileSetOptions {
+  std::string folder;  ///< made when it is not there
+  bool gzip = false;
+  bool compact = false;  ///< CRINEX 3
+};
+
+struct FileSet {
+  std::string observations;
+  std::string navigation;
+  std::string truth;
+};
+
+/// Names after RINEX 3.05, section 4, such as SIMU00ORS_R_20201770000_01D_30S_MO.rnx, and truth.json.
+FileSet FileNames(const Scenario& scenario, const FileSetOptions& options);
+
+/// Told after each epoch how many nominal epochs are done, of how many.
+using SimulationProgress = std::function<void(std::uint64_t done, std::uint64_t of)>;
+
+/// Writes the three files, or none of them.
+/// @return the truth that was written
+/// @throws ScenarioError, WriteError
+Truth WriteFileSet(const Scenario& scenario, const FileSetOptions& options,
+                   const SimulationProgress& progress);
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_SIMULATOR_FILE_SET_H

@@ -1,0 +1,17 @@
+// Lines of RINEX headers.
+#ifndef ORSOLVA_SIMULATOR_HEADER_LINES_H
+#define ORSOLVA_SIMULATOR_HEADER_LINES_H
+
+#include <string>
+
+namespace orsolva_host {
+
+/// The text cut or filled to 60 columns, then the label, then the end of the line.
+std::string HeaderLine(std::string text, const std::string& label);
+
+/// The lines that every file begins with. @param type  "OBSERVATION DATA" or "NAVIGATION DATA"
+std::string HeaderBegin(const std::string& type);
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_SIMULATOR_HEADER_LINES_H

@@ -1,0 +1,182 @@
+#include "host/simulator/observation_writer.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "host/rinex/civil_time.h"
+#include "host/rinex/signal_codes.h"
+#include "host/simulator/broadcast.h"
+#include "host/simulator/compact_lines.h"
+#include "host/simulator/constellation.h"
+#include "host/simulator/fixed_decimal.h"
+#include "host/simulator/header_lines.h"
+
+namespace orsolva_host {
+namespace {
+
+constexpr double kVersion = 3.05;
+constexpr std::size_t kBufferSize = 1 << 18;
+constexpr std::size_t kCellWidth = 16;
+constexpr int kValueWidth = 14;
+
+/// Signals of all groups of a system, in the order of their first mention.
+std::vector<std::string> AllSignals(const Scenario& scenario, char letter) {
+  std::vector<std::string> all;
+  for (const int satellite : {1, 18, 59}) {  // one of each group of BDS
+    for (const std::string& name : SignalsOf(scenario, letter, satellite)) {
+      if (std::find(all.begin(), all.end(), name) == all.end()) all.push_back(name);
+    }
+  }
+  return all;
+}
+
+std::string FirstObs(const Time_gbt& time) {
+  const CivilTime c = ToCivil(time);
+  return HeaderLine(fmt::format("{:6}{:6}{:6}{:6}{:6}{:13.7f}     GPS", c.year, c.month, c.day, c.hour,
+                                c.minute, c.second + c.fraction),
+                    "TIME OF FIRST OBS");
+}
+
+}  // namespace
+
+ObservationLines::ObservationLines(const Scenario& scenario) : scenario_(scenario) {
+  for (std::size_t slot = 0; slot < kSystems; ++slot) {
+    const SystemRow& system = kSystemTable[slot];
+    if (scenario.systems.find(system.letter) == std::string::npos) continue;
+    for (const std::string& name : AllSignals(scenario, system.letter)) {
+      const int number = SignalNumber(system.code, name, kVersion);
+      numbers_[slot].push_back(number);
+      places_[slot][static_cast<std::size_t>(number)] = static_cast<std::uint8_t>(numbers_[slot].size());
+    }
+  }
+}
+
+std::size_t ObservationLines::SystemPlace(std::uint8_t system) {
+  return static_cast<std::size_t>(SystemSlotOfCode(system));
+}
+
+std::string ObservationLines::TypeLines(char letter) const {
+  std::vector<std::string> types;
+  for (const std::string& name : AllSignals(scenario_, letter)) {
+    for (const char kind : {'C', 'L', 'S'}) types.push_back(kind + name);
+  }
+  constexpr std::size_t kTypesOfLine = 13;
+  std::string lines;
+  for (std::size_t i = 0; i < types.size(); i += kTypesOfLine) {
+    std::string line = i == 0 ? fmt::format("{}  {:3}", letter, types.size()) : std::string(6, ' ');
+    for (std::size_t j = i; j < std::min(i + kTypesOfLine, types.size()); ++j) line += " " + types[j];
+    lines += HeaderLine(line, "SYS / # / OBS TYPES");
+  }
+  return lines;
+}
+
+std::string ObservationLines::GlonassLines() const {
+  const std::vector<NominalOrbit> slots = NominalConstellation("R");
+  constexpr std::size_t kSlotsOfLine = 8;
+  std::string lines;
+  for (std::size_t i = 0; i < slots.size(); i += kSlotsOfLine) {
+    std::string line = i == 0 ? fmt::format("{:3} ", slots.size()) : std::string(4, ' ');
+    for (std::size_t j = i; j < std::min(i + kSlotsOfLine, slots.size()); ++j) {
+      line += fmt::format("{} {:2} ", SatelliteName('R', slots[j].number), slots[j].channel);
+    }
+    lines += HeaderLine(line, "GLONASS SLOT / FRQ #");
+  }
+  return lines + HeaderLine(" C1C    0.000 C1P    0.000 C2C    0.000 C2P    0.000", "GLONASS COD/PHS/BIS");
+}
+
+std::string ObservationLines::Header(const std::array<double, 3>& p, const Time_gbt& first) const {
+  std::string h = HeaderBegin("OBSERVATION DATA");
+  h += HeaderLine(scenario_.station, "MARKER NAME");
+  h += HeaderLine(fmt::format("{:<20}{}", "ORSOLVA", "SIMULATED SKY"), "OBSERVER / AGENCY");
+  h += HeaderLine(fmt::format("{:<20}{:<20}{:<20}", "1", "ORSOLVA SIMULATED", "1"), "REC # / TYPE / VERS");
+  h += HeaderLine(fmt::format("{:<20}{:<20}", "1", "NONE"), "ANT # / TYPE");
+  h += HeaderLine(fmt::format("{:14.4f}{:14.4f}{:14.4f}", p[0], p[1], p[2]), "APPROX POSITION XYZ");
+  h += HeaderLine(fmt::format("{:14.4f}{:14.4f}{:14.4f}", 0.0, 0.0, 0.0), "ANTENNA: DELTA H/E/N");
+  for (const SystemRow& system : kSystemTable) {
+    if (scenario_.systems.find(system.letter) != std::string::npos) h += TypeLines(system.letter);
+  }
+  h += HeaderLine("DBHZ", "SIGNAL STRENGTH UNIT");
+  h += HeaderLine(fmt::format("{:10.3f}", scenario_.interval_s), "INTERVAL");
+  h += FirstObs(first);
+  for (const SystemRow& system : kSystemTable) {
+    if (scenario_.systems.find(system.letter) == std::string::npos) continue;
+    h += HeaderLine(std::string(1, system.letter), "SYS / PHASE SHIFT");
+  }
+  if (scenario_.systems.find('R') != std::string::npos) h += GlonassLines();
+  h += HeaderLine(fmt::format("{:6}", LeapSeconds(scenario_.start.time)), "LEAP SECONDS");
+  return h + HeaderLine("", "END OF HEADER");
+}
+
+std::string ObservationLines::EpochLine(const ObsEpoch_QC_gbt& epoch) {
+  const CivilTime c = ToCivil(epoch.time);
+  const auto fraction = static_cast<int>(c.fraction * 1e7 + 0.5);
+  return fmt::format("> {:04} {:02} {:02} {:02} {:02} {:02}.{:07}  0{:3}", c.year, c.month, c.day, c.hour,
+                     c.minute, c.second, fraction, epoch.sat_num);
+}
+
+void ObservationLines::TakeCells(const Satellite_gbt& satellite, std::vector<std::int64_t>& cells) const {
+  const std::size_t slot = SystemPlace(satellite.sys);
+  cells.assign(3 * numbers_[slot].size(), 0);
+  for (std::uint32_t i = 0; i < satellite.signal_num; ++i) {
+    const Signal_QC_gbt& signal = satellite.signals[i];
+    const std::size_t place = places_[slot][signal.code];
+    if (place == 0) continue;
+    std::int64_t* cell = &cells[3 * (place - 1)];
+    cell[0] = Thousandths(signal.pseudorange);
+    cell[1] = Thousandths(signal.phase);
+    cell[2] = Thousandths(static_cast<double>(signal.snr));
+  }
+}
+
+void ObservationLines::Append(const ObsEpoch_QC_gbt& epoch, std::string& out) {
+  out += EpochLine(epoch);
+  out += '\n';
+  for (std::uint32_t i = 0; i < epoch.sat_num; ++i) {
+    const Satellite_gbt& satellite = epoch.sats[i];
+    TakeCells(satellite, cells_);
+    while (!cells_.empty() && cells_.back() == 0) cells_.pop_back();
+    const std::size_t begin = out.size();
+    out.resize(begin + 3 + cells_.size() * kCellWidth, ' ');
+    out[begin] = kSystemTable[SystemPlace(satellite.sys)].letter;
+    out[begin + 1] = static_cast<char>('0' + satellite.prn / 10 % 10);
+    out[begin + 2] = static_cast<char>('0' + satellite.prn % 10);
+    for (std::size_t j = 0; j < cells_.size(); ++j) {
+      if (cells_[j] != 0) WriteThousandths(cells_[j], &out[begin + 3 + j * kCellWidth], kValueWidth);
+    }
+    if (!cells_.empty()) out.resize(out.size() - 2);  // the two marks of the last cell are blank
+    out += '\n';
+  }
+}
+
+ObservationWriter::ObservationWriter(std::unique_ptr<ByteSink> sink, const Scenario& scenario,
+                                     const std::array<double, 3>& header_position_m, bool compact)
+    : sink_(std::move(sink)), header_position_m_(header_position_m) {
+  if (compact) {
+    lines_ = std::make_unique<CompactLines>(scenario);
+    buffer_ = CompactLines::Preamble();
+  } else {
+    lines_ = std::make_unique<ObservationLines>(scenario);
+  }
+}
+
+ObservationWriter::~ObservationWriter() = default;
+
+void ObservationWriter::Write(const ObsEpoch_QC_gbt& epoch) {
+  if (!begun_) buffer_ += lines_->Header(header_position_m_, epoch.time);
+  begun_ = true;
+  lines_->Append(epoch, buffer_);
+  if (buffer_.size() >= kBufferSize) Flush();
+}
+
+void ObservationWriter::Close() {
+  Flush();
+  sink_->Close();
+}
+
+void ObservationWriter::Flush() {
+  sink_->Write(buffer_.data(), buffer_.size());
+  buffer_.clear();
+}
+
+}  // namespace orsolva_host

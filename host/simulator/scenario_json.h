@@ -1,0 +1,31 @@
+// Reads a scenario from JSON. docs/simulator.md lists the keys.
+#ifndef ORSOLVA_SIMULATOR_SCENARIO_JSON_H
+#define ORSOLVA_SIMULATOR_SCENARIO_JSON_H
+
+#include <string>
+#include <vector>
+
+#include "host/simulator/scenario.h"
+
+namespace orsolva_host {
+
+/// Changes the settings that the text names; the others keep what `scenario` holds. Faults are added.
+/// @throws ScenarioError naming the key, what it holds and what is allowed
+void ReadScenario(const std::string& text, Scenario& scenario);
+
+/// Reads and checks. @throws ScenarioError beginning with the path, also when the file cannot be read
+void ReadScenarioFile(const std::string& path, Scenario& scenario);
+
+/// "2020-06-25" or "2020-06-25 06:30:00", GPS time. @return an empty text, or what is wrong
+std::string ParseStart(const std::string& text, Time_gbt& start);
+
+/// The system that must be on for a fault on "G04" is part of the target.
+/// @return an empty text, or what is wrong
+std::string ParseTarget(const std::string& text, FaultTarget& target);
+
+/// Names of the fault kinds.
+std::vector<std::string> FaultNames();
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_SIMULATOR_SCENARIO_JSON_H

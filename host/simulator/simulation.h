@@ -1,0 +1,72 @@
+// Turns a scenario into broadcast records and epochs of observations, as the library takes them.
+//
+//   Simulation simulation(scenario);
+//   InitialQc(simulation.Navigation().Body(), &config, handle);
+//   std::vector<ObsEpoch_QC_gbt> batch;
+//   while (simulation.NextBatch(batch, 2880) > 0) GNSSQCPlus({int(batch.size()), batch.data()}, handle);
+//   const Truth& truth = simulation.TruthSoFar();
+//
+// Every value is rounded to what a RINEX file carries before it is given out, so that files and records hold
+// the same numbers. The same scenario gives the same bits, however the epochs are fetched. Memory does not
+// grow with the number of epochs.
+#ifndef ORSOLVA_SIMULATOR_SIMULATION_H
+#define ORSOLVA_SIMULATOR_SIMULATION_H
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "host/rinex/navigation_set.h"
+#include "host/simulator/scenario.h"
+#include "host/simulator/sky.h"
+#include "host/simulator/truth.h"
+#include "interface/records.h"
+
+namespace orsolva_host {
+
+/// The true circumstances of one satellite above the horizon at the nominal epoch made last.
+struct SatelliteMoment {
+  char system = 'G';
+  int number = 0;
+  double elevation_rad = 0;
+  double azimuth_rad = 0;
+  double range_m = 0;            ///< with Earth rotation
+  double satellite_clock_s = 0;  ///< with the relativistic term
+  double troposphere_m = 0;
+  double slant_tec = 0;  ///< TECU
+  int tracked_signals = 0;
+};
+
+class Simulation {
+ public:
+  /// @throws ScenarioError
+  explicit Simulation(const Scenario& scenario);
+  ~Simulation();
+  Simulation(Simulation&&) noexcept;
+  Simulation& operator=(Simulation&&) noexcept;
+
+  const Scenario& Settings() const;
+  const NavigationSet& Navigation() const;
+  const Sky& TheSky() const;
+
+  /// Gives the next epoch. @return false at the end of the span
+  bool Next(ObsEpoch_QC_gbt& epoch);
+  /// Fills the batch with up to `most` epochs. @return their number; 0 at the end of the span
+  std::size_t NextBatch(std::vector<ObsEpoch_QC_gbt>& batch, std::size_t most);
+
+  /// Satellites above the horizon at the nominal epoch made last.
+  const std::vector<SatelliteMoment>& Moments() const;
+  /// What is true of the epochs given so far; whole once the span has ended.
+  const Truth& TruthSoFar() const;
+  std::uint64_t NominalEpochs() const;
+  std::uint64_t NominalEpochsDone() const;
+
+ private:
+  class Work;
+  std::unique_ptr<Work> work_;
+};
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_SIMULATOR_SIMULATION_H

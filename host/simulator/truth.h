@@ -1,0 +1,91 @@
+// What is true of a simulated span: everything that a quality check should find, counted as it was made.
+#ifndef ORSOLVA_SIMULATOR_TRUTH_H
+#define ORSOLVA_SIMULATOR_TRUTH_H
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "interface/records.h"
+
+namespace orsolva_host {
+
+/// A sum of values with its count.
+struct MeanOf {
+  std::uint64_t count = 0;
+  double sum = 0;
+
+  void Add(double value) {
+    ++count;
+    sum += value;
+  }
+  double Mean() const { return count ? sum / static_cast<double>(count) : 0.0; }
+};
+
+struct SignalTruth {
+  std::string name;                ///< such as "1C"
+  int number = 0;                  ///< signal code number of the library
+  std::uint64_t tracked = 0;       ///< epochs delivered with this signal
+  std::uint64_t above_cutoff = 0;  ///< those of them with the satellite above the truth cut-off
+  std::uint64_t arcs = 0;          ///< times the signal was acquired
+  MeanOf noise_square;             ///< m^2, above the cut-off
+  MeanOf multipath_square;         ///< m^2, above the cut-off
+  MeanOf code_error_square;        ///< m^2, above the cut-off: noise, multipath and code jumps together
+  MeanOf detrended_square;  ///< m^2, above the cut-off: noise and multipath less their moving mean, see
+                            ///< Truth; a code jump begins the mean anew
+  MeanOf snr;               ///< dB-Hz, every epoch tracked
+  MeanOf snr_above_cutoff;
+  MeanOf snr_below30;  ///< at and below 30 degrees
+  MeanOf snr_above30;
+};
+
+struct SatelliteTruth {
+  char system = 'G';
+  int number = 0;
+  bool healthy = true;
+  std::uint64_t visible = 0;       ///< nominal epochs of the span with the satellite above the horizon
+  std::uint64_t above_cutoff = 0;  ///< nominal epochs with it above the truth cut-off, delivered or not
+  /// Epochs delivered with the satellite above the truth cut-off and two of its signals tracked, or its only
+  /// one.
+  std::uint64_t two_signals = 0;
+  std::vector<SignalTruth> signals;
+};
+
+/// One thing that was done to the data.
+struct InjectedFault {
+  std::string kind;       ///< as in a scenario file, such as "slip"
+  std::string satellite;  ///< such as "G04"; empty when all are met
+  std::string signal;     ///< empty when all are met
+  Time_gbt time = {};     ///< of the first epoch met
+  double duration_s = 0;
+  double size = 0;
+  double elevation_deg = 0;  ///< with a satellite
+  bool seen = true;          ///< false when the signal was not tracked then, so that nothing shows
+};
+
+struct ClockMoment {
+  Time_gbt time = {};
+  double bias_s = 0;
+};
+
+struct Truth {
+  std::array<double, 3> position_m = {};
+  std::array<double, 3> header_position_m = {};
+  double cutoff_deg = 10;
+  double interval_s = 30;
+  /// Epochs of the moving mean taken off the code error; as long as the quality check's.
+  int mean_window = 10;
+  std::uint64_t nominal_epochs = 0;
+  std::uint64_t delivered_epochs = 0;  ///< with repeated ones
+  std::uint64_t missing_epochs = 0;
+  Time_gbt first = {};
+  Time_gbt last = {};
+  std::vector<SatelliteTruth> satellites;
+  std::vector<InjectedFault> faults;
+  std::vector<ClockMoment> clock;  ///< at the start, every ten minutes and at each jump
+};
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_SIMULATOR_TRUTH_H

@@ -1,0 +1,164 @@
+// A report beside the truth: the figures of both stand in one line, and files that do not belong together are
+// refused.
+#include "host/simulator/comparison.h"
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+namespace {
+
+using nlohmann::json;
+using namespace orsolva_host;
+
+json Report() {
+  return json::parse(R"({
+    "run": {"interval_s": 30.0, "elevation_cutoff_deg": 10.0, "epochs": 100, "lost_epochs": 1,
+      "first_epoch_gpst": "2020-06-25 00:00:00.000", "last_epoch_gpst": "2020-06-25 01:00:00.000",
+      "position_ecef_m": [3, 4, 0], "distance_from_header_position_m": 5.0},
+    "systems": [{"system": "GPS", "letter": "G", "expected_epochs": 200, "observed_epochs": 150,
+      "completeness_ratio": 0.75, "slip_epochs": 3}],
+    "signals": [{"letter": "G", "signal": "1C", "observed_epochs": 160, "mp_rms_m": 0.25,
+      "snr_mean_dbhz": 44.5, "snr_mean_below_30deg_dbhz": 38.5, "snr_mean_above_30deg_dbhz": null,
+      "iono_slip_epochs": 3}]})");
+}
+
+json Signal(int above, double rms, double snr) {
+  return {{"signal", "1C"},
+          {"tracked_epochs", above},
+          {"above_cutoff_epochs", above},
+          {"above_30deg_epochs", 0},
+          {"code_error_less_moving_mean_rms_m", rms},
+          {"snr_mean_above_cutoff_dbhz", snr},
+          {"snr_mean_below_30deg_dbhz", snr},
+          {"snr_mean_above_30deg_dbhz", nullptr}};
+}
+
+json Satellite(const char* name, bool healthy, const json& signal) {
+  return {{"satellite", name},
+          {"healthy", healthy},
+          {"above_cutoff_epochs", 100},
+          {"two_signals_epochs", 75},
+          {"signals", json::array({signal})}};
+}
+
+json Slip(const char* satellite, bool shows) {
+  return {{"kind", "slip"},
+          {"satellite", satellite},
+          {"signal", "1C"},
+          {"size", 2},
+          {"duration_s", 0},
+          {"shows_in_the_data", shows},
+          {"time_gpst", "2020-06-25 00:30:00.000"}};
+}
+
+json TruthOf() {
+  json truth = json::parse(R"({"scenario": "s", "seed": 1, "interval_s": 30.0, "cutoff_deg": 10.0,
+    "first_epoch_gpst": "2020-06-25 00:00:00.000", "last_epoch_gpst": "2020-06-25 01:00:00.000",
+    "delivered_epochs": 100, "missing_epochs": 1,
+    "receiver": {"track": [{"position_ecef_m": [0, 0, 0]}], "header_position_ecef_m": [0, 0, 5]}})");
+  truth["satellites"] = {Satellite("G01", true, Signal(30, 0.4, 40)),
+                         Satellite("G02", true, Signal(10, 0.2, 44)),
+                         Satellite("G03", false, Signal(99, 9, 99))};
+  truth["faults"] = {Slip("G01", true), Slip("G02", false)};
+  return truth;
+}
+
+std::string Compare(const json& report, const json& truth) {
+  return ComparisonText({"r.json", report.dump()}, {"t.json", truth.dump()});
+}
+
+std::string LineOf(const std::string& text, const std::string& begin) {
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) {
+    if (line.rfind(begin, 0) == 0) return line;
+  }
+  return "";
+}
+
+TEST(Comparison, ASystemsFiguresStandBesideTheSumsOfItsHealthySatellites) {
+  std::istringstream line(LineOf(Compare(Report(), TruthOf()), "GPS"));
+  std::string system, completeness, truth_completeness;
+  int expected, truth_expected, observed, truth_observed, slips, truth_slips;
+  line >> system >> expected >> truth_expected >> observed >> truth_observed >> completeness >>
+      truth_completeness >> slips >> truth_slips;
+  EXPECT_EQ(expected, 200);
+  EXPECT_EQ(truth_expected, 200);
+  EXPECT_EQ(observed, 150);
+  EXPECT_EQ(truth_observed, 150);
+  EXPECT_EQ(completeness, "75.00");
+  EXPECT_EQ(truth_completeness, "75.00");
+  EXPECT_EQ(slips, 3);
+  EXPECT_EQ(truth_slips, 1) << "a slip of a signal that was not tracked is none";
+}
+
+TEST(Comparison, ASignalsTruthIsPooledByCounts) {
+  std::istringstream line(LineOf(Compare(Report(), TruthOf()), "G 1C"));
+  std::vector<std::string> cells;
+  for (std::string cell; line >> cell;) cells.push_back(cell);
+  // sqrt((30 * 0.4^2 + 10 * 0.2^2) / 40) = 0.3606, (30 * 40 + 10 * 44) / 40 = 41
+  const std::vector<std::string> wanted = {"G",     "1C",    "160",   "40", "0.250", "0.361", "44.50",
+                                           "41.00", "38.50", "41.00", "-",  "-",     "3",     "1"};
+  EXPECT_EQ(cells, wanted);
+}
+
+TEST(Comparison, RunAndFaultsAreTold) {
+  const std::string text = Compare(Report(), TruthOf());
+  EXPECT_NE(LineOf(text, "Epochs lost").find(" 1 "), std::string::npos);
+  EXPECT_NE(LineOf(text, "Error of the position").find("5.000"), std::string::npos);
+  EXPECT_NE(LineOf(text, "2020-06-25 00:30:00  slip             G01").find("1C"), std::string::npos);
+  EXPECT_EQ(LineOf(text, "2020-06-25 00:30:00  slip             G02").back(), '*');
+}
+
+TEST(Comparison, LinesKeepTo80Columns) {
+  json report = Report(), truth = TruthOf();
+  report["systems"][0]["expected_epochs"] = report["systems"][0]["observed_epochs"] = 99999999;
+  report["signals"][0]["observed_epochs"] = 9999999;
+  for (int i = 0; i < 100; ++i) truth["faults"].push_back(Slip("G01", true));
+  std::istringstream lines(Compare(report, truth));
+  int count = 0;
+  for (std::string line; std::getline(lines, line); ++count) EXPECT_LE(line.size(), 80U) << line;
+  EXPECT_LT(count, 80) << "a long list of faults is cut";
+}
+
+TEST(Comparison, FilesThatDoNotBelongTogetherAreRefused) {
+  const struct {
+    const char* key;
+    json value;
+    const char* said;
+  } cases[] = {{"interval_s", 1.0, "found interval 1.000, expected 30.000"},
+               {"elevation_cutoff_deg", 15.0, "found elevation cut-off 15.000, expected 10.000"},
+               {"first_epoch_gpst", "2020-06-25 00:00:30.000", "found first epoch"},
+               {"last_epoch_gpst", "2020-06-26 01:00:00.000", "found last epoch"}};
+  for (const auto& c : cases) {
+    json report = Report();
+    report["run"][c.key] = c.value;
+    try {
+      Compare(report, TruthOf());
+      ADD_FAILURE() << c.key;
+    } catch (const ComparisonError& error) {
+      EXPECT_NE(std::string(error.what()).find(c.said), std::string::npos) << error.what();
+    }
+  }
+}
+
+TEST(Comparison, FilesOfAnotherKindAreNamed) {
+  const json report = Report(), truth = TruthOf();
+  const auto wrong = [](const std::string& a, const std::string& b) -> std::string {
+    try {
+      return ComparisonText({"r.json", a}, {"t.json", b});
+    } catch (const ComparisonError& error) {
+      return error.what();
+    }
+  };
+  EXPECT_EQ(wrong("", truth.dump()).find("r.json: found no report"), 0U);
+  EXPECT_EQ(wrong(truth.dump(), truth.dump()).find("r.json: found no report"), 0U);
+  EXPECT_EQ(wrong(report.dump(), report.dump()).find("t.json: found no truth.json"), 0U);
+  EXPECT_EQ(wrong(report.dump(), "[1]").find("t.json: found no truth.json"), 0U);
+  json old_truth = truth;
+  old_truth["satellites"][0].erase("two_signals_epochs");
+  EXPECT_NE(wrong(report.dump(), old_truth.dump()).find("two_signals_epochs"), std::string::npos);
+}
+
+}  // namespace

@@ -47,7 +47,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("build", type=pathlib.Path)
     parser.add_argument("--rounds", type=int, default=5)
-    parser.add_argument("--output", type=pathlib.Path, default=HERE.parent / "docs" / "images" / "scaling.svg")
+    parser.add_argument("--output", type=pathlib.Path, default=HERE.parent / "docs" / "internals" / "images" / "scaling.svg")
     told = parser.parse_args()
     matplotlib.rcParams["svg.hashsalt"] = "scaling"
     figure, (left, right) = plt.subplots(1, 2, figsize=(10, 3.8), layout="constrained")

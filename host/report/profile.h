@@ -47,7 +47,7 @@ struct BuiltInProfile {
 extern const BuiltInProfile kBuiltInProfiles[];
 extern const int kBuiltInProfileCount;
 
-/// Reads the text of a profile (TOML; docs/report-formats.md has its keys). @param origin  for messages
+/// Reads the text of a profile (TOML; docs/user/report-formats.md has its keys). @param origin  for messages
 /// @throws ProfileError
 Profile ParseProfile(std::string_view text, const std::string& origin);
 

@@ -252,7 +252,7 @@ class Comparison {
     Line("  Observed, by system: with the best combination in the report, with any two");
     Line("  signals in the truth. SNR<=30 includes what stands below the cut-off.");
     Line("  Slips found are epochs: at long intervals the test also counts each change of");
-    Line("  a broadcast record and low satellites (docs/behaviour.md), hence the surplus.");
+    Line("  a broadcast record and low satellites; see docs/host/behaviour.md.");
     Line("  Multipath of a code holds the phase noise of its pair, magnified where the");
     Line("  pair's carriers lie near one another. Counts move by a few epochs with the");
     Line("  position: a satellite at the cut-off is on its one or other side.");

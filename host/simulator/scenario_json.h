@@ -1,4 +1,4 @@
-// Reads a scenario from JSON. docs/simulator.md lists the keys.
+// Reads a scenario from JSON. docs/user/simulator.md lists the keys.
 #ifndef ORSOLVA_SIMULATOR_SCENARIO_JSON_H
 #define ORSOLVA_SIMULATOR_SCENARIO_JSON_H
 

@@ -22,7 +22,7 @@ struct Signal_QC_gbt {
   double phase;              ///< cycles
   float doppler;             ///< carried, never read
   float snr;                 ///< dB-Hz
-  std::uint8_t code;         ///< number of the signal, 0 = unused; table: docs/signals.md, in the sources
+  std::uint8_t code;         ///< number of the signal, 0 = unused; table: docs/host/signals.md, in the sources
   std::uint8_t reserved[7];  ///< not read
 };
 

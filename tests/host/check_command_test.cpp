@@ -342,7 +342,7 @@ TEST(ShellTexts, BashCompletesCommandsFlagsAndChoices) {
 TEST(ExitCodes, StandInHelpManualAndDocumentation) {
   const std::string help = Orsolva("--help").out;
   const std::string manual = Orsolva("manual").out;
-  const std::string page = ReadText(std::string(ORSOLVA_SOURCE_DIR) + "/docs/command.md");
+  const std::string page = ReadText(std::string(ORSOLVA_SOURCE_DIR) + "/docs/user/command.md");
   for (int i = 0; i < orsolva_host::kExitCodeCount; ++i) {
     const orsolva_host::ExitCode& row = orsolva_host::kExitCodes[i];
     EXPECT_NE(help.find(row.meaning), std::string::npos) << row.code;

@@ -1,4 +1,4 @@
-// Holds the table of docs/readers.md against what the readers make of the shared files.
+// Holds the table of docs/internals/readers.md against what the readers make of the shared files.
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
@@ -94,7 +94,8 @@ std::string Table(const std::string& folder) {
 TEST(ReadersTable, DocsShowWhatTheSharedFilesGive) {
   const std::string folder = (orsolva_test::SharedFolder() / "data").string();
   ORSOLVA_NEED_FILE(folder);
-  orsolva_test::HoldTable(std::string(ORSOLVA_SOURCE_DIR) + "/docs/readers.md", kBegin, kEnd, Table(folder));
+  orsolva_test::HoldTable(std::string(ORSOLVA_SOURCE_DIR) + "/docs/internals/readers.md", kBegin, kEnd,
+                          Table(folder));
 }
 
 }  // namespace

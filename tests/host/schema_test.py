@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Holds real output of the program against docs/report.schema.json.
+"""Holds real output of the program against docs/user/report.schema.json.
 
 usage: schema_test.py PROGRAM SCHEMA DATA_FOLDER
 

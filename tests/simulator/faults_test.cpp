@@ -1,4 +1,4 @@
-// Every kind of fault does to the data what docs/simulator.md says, and the truth tells of it.
+// Every kind of fault does to the data what docs/user/simulator.md says, and the truth tells of it.
 #include <gtest/gtest.h>
 
 #include <cmath>

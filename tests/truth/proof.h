@@ -1,7 +1,7 @@
 // A proof: what is injected into a simulated sky, what the library must say about it, and what it said.
 //
 // A proof runs in a short form (the tests of every build) and in a long one, and its tables are the figures
-// of docs/validation.md.
+// of docs/internals/validation.md.
 #ifndef ORSOLVA_TESTS_TRUTH_PROOF_H
 #define ORSOLVA_TESTS_TRUTH_PROOF_H
 

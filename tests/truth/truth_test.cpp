@@ -10,7 +10,9 @@
 namespace orsolva_test {
 namespace {
 
-std::string CommittedPage() { return ReadText(std::string(ORSOLVA_SOURCE_DIR) + "/docs/validation.md"); }
+std::string CommittedPage() {
+  return ReadText(std::string(ORSOLVA_SOURCE_DIR) + "/docs/internals/validation.md");
+}
 
 /// Runs a proof in its short form, leaves its tables in <build>/validation and holds the page against them.
 void Hold(const std::string& id, std::size_t least_checks) {
@@ -22,7 +24,7 @@ void Hold(const std::string& id, std::size_t least_checks) {
   std::filesystem::create_directories(folder);
   std::ofstream(folder / (id + ".md")) << proof.Markdown();
   for (const std::string& lack : proof.MissingFrom(SectionOf(id, CommittedPage()))) {
-    ADD_FAILURE() << "docs/validation.md lacks " << lack;
+    ADD_FAILURE() << "docs/internals/validation.md lacks " << lack;
   }
 }
 
@@ -39,7 +41,8 @@ TEST(Truth, LawsHoldOnTroubledSkies) { Hold("laws", 800); }
 
 TEST(ValidationPage, ShowsEveryProofInItsLongFormWithTheCommand) {
   const std::string page = CommittedPage();
-  EXPECT_NE(page.find("build/bin/truth_report --long --write docs/validation.md"), std::string::npos);
+  EXPECT_NE(page.find("build/bin/truth_report --long --write docs/internals/validation.md"),
+            std::string::npos);
   for (const ProofEntry& entry : AllProofs()) {
     const std::string section = SectionOf(entry.id, page);
     EXPECT_NE(section.find("- **Form:** long\n"), std::string::npos) << entry.id;

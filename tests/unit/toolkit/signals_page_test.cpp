@@ -1,4 +1,4 @@
-// Holds the table of docs/signals.md against the library's signal tables.
+// Holds the table of docs/host/signals.md against the library's signal tables.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -71,7 +71,7 @@ std::string Table() {
 TEST(SignalsPage, ShowsTheTablesOfTheLibrary) {
   const std::string table = Table();
   EXPECT_EQ(table.find('?'), std::string::npos) << "a band without a name";
-  orsolva_test::HoldTable(std::string(ORSOLVA_SOURCE_DIR) + "/docs/signals.md",
+  orsolva_test::HoldTable(std::string(ORSOLVA_SOURCE_DIR) + "/docs/host/signals.md",
                           "<!-- signals: kept by tests/unit/toolkit/signals_page_test.cpp -->\n",
                           "<!-- end of the signals -->\n", table);
 }

@@ -2,7 +2,7 @@
 #include <benchmark/benchmark.h>
 
 #include "bench/station_day.h"
-#include "interface/detail.h"
+#include "orsolva/detail.h"
 #include "qc/process.h"
 
 namespace orsolva_bench {

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <memory>
 
-#include "interface/records.h"
+#include "orsolva/records.h"
 
 namespace orsolva_host {
 

@@ -20,8 +20,8 @@
 #include "host/rinex/navigation_reader.h"
 #include "host/rinex/observation_reader.h"
 #include "host/rinex/satellite_names.h"
-#include "interface/detail.h"
-#include "interface/gnssqc.h"
+#include "orsolva/detail.h"
+#include "orsolva/gnssqc.h"
 
 namespace orsolva_host {
 namespace {

@@ -7,7 +7,7 @@
 
 #include "host/report/report.h"
 #include "host/rinex/diagnostics.h"
-#include "interface/records.h"
+#include "orsolva/records.h"
 
 namespace orsolva_host {
 

@@ -2,7 +2,7 @@
 #ifndef ORSOLVA_REPORT_DETAIL_REASONS_H
 #define ORSOLVA_REPORT_DETAIL_REASONS_H
 
-#include "interface/detail.h"
+#include "orsolva/detail.h"
 
 namespace orsolva_host {
 

@@ -4,8 +4,8 @@
 
 #include <vector>
 
-#include "interface/detail.h"
-#include "interface/records.h"
+#include "orsolva/detail.h"
+#include "orsolva/records.h"
 
 namespace orsolva_host {
 

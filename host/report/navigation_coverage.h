@@ -11,7 +11,7 @@
 #include "host/report/report.h"
 #include "host/rinex/navigation_set.h"
 #include "host/rinex/satellite_names.h"
-#include "interface/records.h"
+#include "orsolva/records.h"
 
 namespace orsolva_host {
 

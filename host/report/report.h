@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "interface/records.h"
+#include "orsolva/records.h"
 
 namespace orsolva_host {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "interface/records.h"
+#include "orsolva/records.h"
 
 namespace orsolva_host {
 

@@ -7,7 +7,7 @@
 
 #include <string_view>
 
-#include "interface/records.h"
+#include "orsolva/records.h"
 
 namespace orsolva_host {
 

@@ -7,7 +7,7 @@
 
 #include "host/rinex/diagnostics.h"
 #include "host/rinex/file_names.h"
-#include "interface/records.h"
+#include "orsolva/records.h"
 
 namespace orsolva_host {
 

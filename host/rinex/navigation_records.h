@@ -5,7 +5,7 @@
 #include <array>
 #include <cstdint>
 
-#include "interface/records.h"
+#include "orsolva/records.h"
 
 namespace orsolva_host {
 

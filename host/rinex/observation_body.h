@@ -13,7 +13,7 @@
 #include "host/rinex/diagnostics.h"
 #include "host/rinex/line_reader.h"
 #include "host/rinex/observation_header.h"
-#include "interface/records.h"
+#include "orsolva/records.h"
 
 namespace orsolva_host {
 

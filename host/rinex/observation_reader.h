@@ -14,7 +14,7 @@
 #include "host/rinex/observation_body.h"
 #include "host/rinex/observation_header.h"
 #include "host/rinex/satellite_names.h"
-#include "interface/records.h"
+#include "orsolva/records.h"
 
 namespace orsolva_host {
 

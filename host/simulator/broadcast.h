@@ -8,7 +8,7 @@
 
 #include "host/simulator/constellation.h"
 #include "host/simulator/orbits.h"
-#include "interface/records.h"
+#include "orsolva/records.h"
 
 namespace orsolva_host {
 

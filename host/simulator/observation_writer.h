@@ -11,7 +11,7 @@
 #include "host/output/byte_sink.h"
 #include "host/rinex/satellite_names.h"
 #include "host/simulator/scenario.h"
-#include "interface/records.h"
+#include "orsolva/records.h"
 
 namespace orsolva_host {
 

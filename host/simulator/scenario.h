@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "interface/records.h"
+#include "orsolva/records.h"
 
 namespace orsolva_host {
 

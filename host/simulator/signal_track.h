@@ -11,7 +11,7 @@
 #include "host/simulator/random_streams.h"
 #include "host/simulator/scenario.h"
 #include "host/simulator/truth.h"
-#include "interface/records.h"
+#include "orsolva/records.h"
 
 namespace orsolva_host {
 

@@ -21,7 +21,7 @@
 #include "host/simulator/scenario.h"
 #include "host/simulator/sky.h"
 #include "host/simulator/truth.h"
-#include "interface/records.h"
+#include "orsolva/records.h"
 
 namespace orsolva_host {
 

@@ -8,7 +8,7 @@
 
 #include "host/rinex/navigation_set.h"
 #include "host/simulator/scenario.h"
-#include "interface/records.h"
+#include "orsolva/records.h"
 
 namespace orsolva_host {
 

@@ -1,4 +1,4 @@
-#include "interface/detail.h"
+#include "orsolva/detail.h"
 
 #include "qc/process.h"
 

@@ -4,9 +4,9 @@
 #include <cstring>
 #include <new>
 
-#include "interface/gnssqc.h"
 #include "interface/print.h"
 #include "interface/version_banner.h"
+#include "orsolva/gnssqc.h"
 #include "qc/config.h"
 #include "qc/process.h"
 

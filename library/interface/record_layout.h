@@ -14,7 +14,7 @@
 #include <cstddef>
 #include <type_traits>
 
-#include "interface/records.h"
+#include "orsolva/records.h"
 
 static_assert(sizeof(void*) == 8, "the records of the boundary are laid out for a word size of 64 bits");
 

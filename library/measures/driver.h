@@ -7,12 +7,12 @@
 #include <cstdint>
 #include <memory>
 
-#include "interface/detail.h"
-#include "interface/records.h"
 #include "measures/channel_combinations.h"
 #include "measures/ionosphere.h"
 #include "measures/multipath.h"
 #include "navigation/ephemeris.h"
+#include "orsolva/detail.h"
+#include "orsolva/records.h"
 #include "qc/config.h"
 #include "qc/epoch_data.h"
 

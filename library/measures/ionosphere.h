@@ -7,10 +7,10 @@
 #include <cstdint>
 #include <vector>
 
-#include "interface/detail.h"
 #include "measures/multipath.h"
 #include "measures/pair_signals.h"
 #include "navigation/ephemeris.h"
+#include "orsolva/detail.h"
 #include "qc/epoch_time.h"
 #include "toolkit/time.h"
 

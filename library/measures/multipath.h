@@ -5,9 +5,9 @@
 
 #include <cstdint>
 
-#include "interface/detail.h"
 #include "measures/channel_combinations.h"
 #include "measures/pair_signals.h"
+#include "orsolva/detail.h"
 #include "qc/epoch_data.h"
 #include "qc/epoch_time.h"
 #include "toolkit/time.h"

@@ -5,9 +5,9 @@
 
 #include <cstdint>
 
-#include "interface/records.h"
 #include "navigation/ephemeris_store.h"
 #include "navigation/satellite_state.h"
+#include "orsolva/records.h"
 #include "toolkit/satellite.h"
 #include "toolkit/time.h"
 

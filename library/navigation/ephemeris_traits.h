@@ -4,10 +4,10 @@
 
 #include <cstdint>
 
-#include "interface/records.h"
 #include "navigation/glonass_trajectory.h"
 #include "navigation/orbit_speed.h"
 #include "navigation/satellite_state.h"
+#include "orsolva/records.h"
 #include "toolkit/satellite.h"
 #include "toolkit/time.h"
 

@@ -5,7 +5,7 @@
 #include <array>
 #include <vector>
 
-#include "interface/records.h"
+#include "orsolva/records.h"
 
 namespace gnssqctoolkit {
 

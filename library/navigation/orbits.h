@@ -7,8 +7,8 @@
 
 #include <cstdint>
 
-#include "interface/records.h"
 #include "navigation/glonass_trajectory.h"
+#include "orsolva/records.h"
 #include "toolkit/time.h"
 
 namespace gnssqctoolkit {

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "interface/records.h"
+#include "orsolva/records.h"
 #include "toolkit/lists.h"
 
 namespace orsolva {

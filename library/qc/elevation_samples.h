@@ -11,9 +11,9 @@
 #include <map>
 #include <vector>
 
-#include "interface/records.h"
 #include "navigation/ephemeris.h"
 #include "navigation/geometry.h"
+#include "orsolva/records.h"
 #include "toolkit/satellite.h"
 
 namespace orsolva {

@@ -2,8 +2,8 @@
 #ifndef ORSOLVA_QC_ELEVATIONS_H
 #define ORSOLVA_QC_ELEVATIONS_H
 
-#include "interface/records.h"
 #include "navigation/ephemeris.h"
+#include "orsolva/records.h"
 #include "qc/elevation_samples.h"
 #include "toolkit/satellite.h"
 

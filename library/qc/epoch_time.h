@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <new>
 
-#include "interface/records.h"
+#include "orsolva/records.h"
 #include "toolkit/growth_buffer.h"
 #include "toolkit/time.h"
 

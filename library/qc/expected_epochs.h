@@ -8,7 +8,7 @@
 
 #include <cstdint>
 
-#include "interface/records.h"
+#include "orsolva/records.h"
 #include "qc/elevations.h"
 #include "toolkit/satellite.h"
 

@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-#include "interface/records.h"
 #include "navigation/ephemeris.h"
+#include "orsolva/records.h"
 
 namespace orsolva {
 

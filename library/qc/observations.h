@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "interface/records.h"
+#include "orsolva/records.h"
 #include "qc/config.h"
 #include "qc/epoch_data.h"
 #include "toolkit/lists.h"

@@ -4,10 +4,10 @@
 
 #include <cstdint>
 
-#include "interface/detail.h"
-#include "interface/records.h"
 #include "measures/driver.h"
 #include "navigation/ephemeris.h"
+#include "orsolva/detail.h"
+#include "orsolva/records.h"
 #include "qc/config.h"
 #include "qc/elevations.h"
 #include "qc/epoch_time.h"

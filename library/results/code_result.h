@@ -2,7 +2,7 @@
 #ifndef ORSOLVA_RESULTS_CODE_RESULT_H
 #define ORSOLVA_RESULTS_CODE_RESULT_H
 
-#include "interface/records.h"
+#include "orsolva/records.h"
 #include "qc/config.h"
 #include "results/satellite_figures.h"
 #include "toolkit/lists.h"

@@ -2,7 +2,7 @@
 #ifndef ORSOLVA_RESULTS_OUTPUT_RECORDS_H
 #define ORSOLVA_RESULTS_OUTPUT_RECORDS_H
 
-#include "interface/records.h"
+#include "orsolva/records.h"
 #include "results/result_sources.h"
 
 namespace orsolva {

@@ -9,7 +9,7 @@
 
 #include <cstdint>
 
-#include "interface/records.h"
+#include "orsolva/records.h"
 #include "qc/config.h"
 #include "qc/epoch_data.h"
 #include "qc/epoch_time.h"

@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-#include "interface/records.h"
 #include "measures/driver.h"
+#include "orsolva/records.h"
 #include "qc/config.h"
 #include "results/complete_snr.h"
 #include "toolkit/lists.h"

@@ -5,7 +5,7 @@
 #ifndef ORSOLVA_TOOLKIT_OBS_STORAGE_H
 #define ORSOLVA_TOOLKIT_OBS_STORAGE_H
 
-#include "interface/records.h"
+#include "orsolva/records.h"
 #include "toolkit/growth_buffer.h"
 #include "toolkit/satellite.h"
 #include "toolkit/time.h"

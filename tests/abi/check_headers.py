@@ -16,7 +16,7 @@ def main(compiler, folder):
         for header in ("records.h", "gnssqc.h"):
             path = os.path.join(scratch, "alone.cpp")
             with open(path, "w", encoding="utf-8") as file:
-                file.write(f'#include <{header}>\n#include <{header}>\nint main() {{ return 0; }}\n')
+                file.write(f'#include <orsolva/{header}>\n#include <orsolva/{header}>\nint main() {{ return 0; }}\n')
             failed |= subprocess.run([compiler, *FLAGS, "-I", folder, path], check=False).returncode != 0
     return 1 if failed else 0
 

@@ -23,7 +23,8 @@ OTHER_TARGETS = [
 
 
 def compiled(compiler, folder, source, flags):
-    command = [compiler, "-std=c++20", "-w", "-fsyntax-only", "-I", folder, *flags, source]
+    command = [compiler, "-std=c++20", "-w", "-fsyntax-only", "-I", folder,
+               "-I", os.path.join(folder, "interface"), *flags, source]
     return subprocess.run(command, check=False, capture_output=True, text=True)
 
 

@@ -13,7 +13,7 @@ import sys
 
 # Floors from the ground up; a file may include its own floor and those below it.
 FLOORS = [
-    ["interface/records.h", "interface/detail.h"],
+    ["interface/orsolva/"],
     ["toolkit/"],
     ["matrix/"],
     ["navigation/"],
@@ -50,6 +50,15 @@ def includes_of(file):
     return INCLUDE.findall(file.read_text(encoding="utf-8"))
 
 
+def public_path(name, include):
+    """Path below library/ of an include: public headers are named orsolva/..., and among themselves by name."""
+    if include.startswith("orsolva/"):
+        return "interface/" + include
+    if name.startswith("interface/orsolva/") and "/" not in include:
+        return "interface/orsolva/" + include
+    return include
+
+
 def check_library(root, problems):
     graph = {}
     library = root / "library"
@@ -63,8 +72,7 @@ def check_library(root, problems):
             continue
         graph[name] = []
         for include in includes_of(file):
-            if name.startswith("interface/") and "/" not in include:
-                include = "interface/" + include
+            include = public_path(name, include)
             if not (library / include).is_file():
                 problems.append(f"{name}: includes {include}, which is not a file of the library")
                 continue
@@ -126,6 +134,21 @@ def check_relative(root, problems):
                 problems.append(f"{file.relative_to(root)}: include path with ..")
 
 
+def check_public(root, problems):
+    """A public header is named the same way here and in an installed tree."""
+    for top in ("host", "tests", "bench", "fuzz", "examples"):
+        for file in sorted((root / top).rglob("*.[hc]*")):
+            for include in includes_of(file) if file.suffix in (".h", ".cpp") else []:
+                if include.startswith("orsolva/"):
+                    path = root / "library" / "interface" / include
+                elif include.startswith("interface/"):
+                    path = root / "library" / include
+                else:
+                    continue
+                if not path.is_file():
+                    problems.append(f"{file.relative_to(root)}: includes {include}, which is not there")
+
+
 def check_architecture(root, problems):
     text = (root / "ARCHITECTURE.md").read_text(encoding="utf-8")
     for path in PATH.findall(text):
@@ -147,6 +170,7 @@ def main():
     check_floors(root, problems)
     check_host(root, problems)
     check_relative(root, problems)
+    check_public(root, problems)
     check_architecture(root, problems)
     for problem in problems:
         print(problem)

@@ -5,7 +5,7 @@
 
 #include "host/rinex/satellite_names.h"
 #include "host/rinex/signal_codes.h"
-#include "interface/records.h"
+#include "orsolva/records.h"
 
 namespace orsolva_host {
 namespace {

@@ -7,7 +7,7 @@
 #include <sstream>
 #include <type_traits>
 
-#include "interface/gnssqc.h"
+#include "orsolva/gnssqc.h"
 #include "tests/support/deliberate_leak.h"
 #include "tests/support/record_fields.h"
 #include "tests/support/reference_case.h"

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "host/simulator/simulation.h"
-#include "interface/gnssqc.h"
+#include "orsolva/gnssqc.h"
 #include "tests/simulator/made.h"
 
 namespace {

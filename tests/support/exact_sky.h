@@ -10,11 +10,11 @@
 #include <cmath>
 #include <vector>
 
-#include "interface/records.h"
 #include "navigation/atmosphere.h"
 #include "navigation/ephemeris.h"
 #include "navigation/geometry.h"
 #include "navigation/positioning_epoch.h"
+#include "orsolva/records.h"
 #include "toolkit/signals.h"
 
 namespace orsolva_test {

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "interface/records.h"
+#include "orsolva/records.h"
 
 namespace orsolva_test {
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "interface/records.h"
+#include "orsolva/records.h"
 
 namespace orsolva_test {
 

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "interface/records.h"
+#include "orsolva/records.h"
 #include "tests/support/gzip_file.h"
 #include "tests/support/navigation_set.h"
 

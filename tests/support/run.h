@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "interface/gnssqc.h"
+#include "orsolva/gnssqc.h"
 #include "tests/support/navigation_set.h"
 
 namespace orsolva_test {

@@ -12,7 +12,7 @@
 #include <memory>
 #include <vector>
 
-#include "interface/records.h"
+#include "orsolva/records.h"
 #include "tests/support/navigation_set.h"
 
 namespace orsolva_test {

@@ -10,9 +10,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "interface/records.h"
 #include "navigation/ephemeris.h"
 #include "navigation/geometry.h"
+#include "orsolva/records.h"
 #include "toolkit/signals.h"
 
 namespace sky {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "host/simulator/scenario.h"
-#include "interface/records.h"
+#include "orsolva/records.h"
 
 namespace orsolva_test {
 

@@ -12,7 +12,7 @@
 
 #include "host/simulator/simulation.h"
 #include "host/simulator/surroundings.h"
-#include "interface/detail.h"
+#include "orsolva/detail.h"
 #include "qc/process.h"
 #include "results/result_model.h"
 #include "tests/support/run.h"

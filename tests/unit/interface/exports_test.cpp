@@ -9,9 +9,9 @@
 #include <string>
 #include <thread>
 
-#include "interface/detail.h"
-#include "interface/gnssqc.h"
 #include "interface/print.h"
+#include "orsolva/detail.h"
+#include "orsolva/gnssqc.h"
 #include "qc/process.h"
 #include "tests/support/deliberate_leak.h"
 #include "tests/support/run.h"

@@ -6,7 +6,7 @@
 #include <regex>
 #include <string>
 
-#include "interface/gnssqc.h"
+#include "orsolva/gnssqc.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-#include "interface/records.h"
+#include "records.h"
 
 namespace orsolva {
 

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "orsolva/version.h"
+
 namespace orsolva {
 
 namespace {
@@ -16,7 +18,7 @@ void Append(char* text, const char* label, const char* value) {
 // The compiler's date and time honour SOURCE_DATE_EPOCH, so that builds can be made reproducible.
 QCVersion::QCVersion() {
   std::strcpy(LibName, "libOrsolva_cbb");
-  std::strcpy(LibVersion, "V1.2.9");
+  std::strcpy(LibVersion, "V" ORSOLVA_VERSION_STRING);
   std::strcpy(SourceRevision, "4664");
   std::strcpy(BuildDate, __DATE__);
   std::strcpy(BuildTime, __TIME__);

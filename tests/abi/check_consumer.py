@@ -1,6 +1,6 @@
 """A host outside the tree finds an installed library, builds against it and runs.
 
-usage: check_consumer.py cmake|pkg-config CMAKE COMPILER BUILD_FOLDER CONSUMER_FOLDER
+usage: check_consumer.py cmake|pkg-config|former-path CMAKE COMPILER BUILD_FOLDER CONSUMER_FOLDER
 """
 import os
 import shutil
@@ -41,6 +41,14 @@ def build_by_pkg_config(compiler, prefix, source, scratch):
     return program
 
 
+def build_by_former_path(compiler, prefix, source, scratch):
+    """As hosts did that name the folder of the headers themselves."""
+    program = os.path.join(scratch, "host")
+    run(compiler, "-std=c++17", "-I", os.path.join(prefix, "include", "orsolva"), os.path.join(source, "host.cpp"),
+        "-o", program, "-L", library_folder(prefix), "-lOrsolva_cbb")
+    return program
+
+
 def main(way, cmake, compiler, build, source):
     with tempfile.TemporaryDirectory() as scratch:
         installed = os.path.join(scratch, "installed")
@@ -49,6 +57,8 @@ def main(way, cmake, compiler, build, source):
         os.rename(installed, prefix)  # an installed tree may be moved
         if way == "cmake":
             program = build_by_cmake(cmake, compiler, prefix, source, scratch)
+        elif way == "former-path":
+            program = build_by_former_path(compiler, prefix, source, scratch)
         else:
             program = build_by_pkg_config(compiler, prefix, source, scratch)
         environment = dict(os.environ, LD_LIBRARY_PATH=library_folder(prefix))

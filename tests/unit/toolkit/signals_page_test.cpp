@@ -1,4 +1,4 @@
-// Holds the table of docs/host/signals.md against the library's signal tables.
+// Holds the tables of docs/host/signals.md and of orsolva/signals.h against the library's signal tables.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -47,33 +47,108 @@ std::string FrequencyText(int system, const SignalRow& row) {
   return text;
 }
 
-std::string Table() {
-  struct {
-    int system;
-    const char* name;
-  } const systems[] = {
-      {kGps, "GPS"}, {kGlonass, "GLONASS"}, {kBds, "BDS"}, {kGalileo, "Galileo"}, {kQzss, "QZSS"}};
+struct SystemNames {
+  int system;
+  const char* page;    ///< heading on the page
+  const char* prefix;  ///< in the names of C
+  const char* camel;   ///< in the names of C++
+};
+
+constexpr SystemNames kSystems[] = {{kGps, "GPS", "GPS", "Gps"},
+                                    {kGlonass, "GLONASS", "GLONASS", "Glonass"},
+                                    {kBds, "BDS", "BDS", "Bds"},
+                                    {kGalileo, "Galileo", "GALILEO", "Galileo"},
+                                    {kQzss, "QZSS", "QZSS", "Qzss"}};
+
+/// One text per row of the systems' tables, in their order.
+template <class RowText>
+std::string ForEachRow(const SystemNames& system, RowText&& row_text) {
   std::string text;
-  for (const auto& system : systems) {
-    text += std::string("\n### ") + system.name +
+  int rows = 0;
+  const SignalRow* table = SignalTable(system.system, rows);
+  for (const SignalRow* row = table; row != table + rows; ++row) text += row_text(*row);
+  return text;
+}
+
+std::string PageTable() {
+  std::string text;
+  for (const SystemNames& system : kSystems) {
+    text += std::string("\n### ") + system.page +
             "\n\n| code number | RINEX 3 | band | frequency, MHz | slot |\n" + "|---|---|---|---|---|\n";
-    int rows = 0;
-    const SignalRow* table = SignalTable(system.system, rows);
-    for (const SignalRow* row = table; row != table + rows; ++row) {
-      text += "| " + std::to_string(row->code) + " | " + row->obs + " | " +
-              BandText(system.system, row->band) + " | " + FrequencyText(system.system, *row) + " | " +
-              std::to_string(row->frequency) + " |\n";
-    }
+    text += ForEachRow(system, [&](const SignalRow& row) {
+      return "| " + std::to_string(row.code) + " | " + row.obs + " | " + BandText(system.system, row.band) +
+             " | " + FrequencyText(system.system, row) + " | " + std::to_string(row.frequency) + " |\n";
+    });
   }
   return text + "\n";
 }
 
+/// Whether a number is listed for the first time: its current name has the first row.
+bool IsCurrent(int system, const SignalRow& row) { return FindSignal(system, row.code) == &row; }
+
+std::string NumbersOfC() {
+  std::string text;
+  for (const SystemNames& system : kSystems) {
+    text += ForEachRow(system, [&](const SignalRow& row) {
+      if (!IsCurrent(system.system, row)) return std::string();
+      return std::string("  ORSOLVA_") + system.prefix + "_" + row.obs + " = " + std::to_string(row.code) +
+             ",\n";
+    });
+  }
+  return text;
+}
+
+std::string NamesOfCpp() {
+  std::string text;
+  for (const SystemNames& system : kSystems) {
+    text += ForEachRow(system, [&](const SignalRow& row) {
+      if (!IsCurrent(system.system, row)) return std::string();
+      return std::string("  k") + system.camel + row.obs + " = ORSOLVA_" + system.prefix + "_" + row.obs +
+             ",\n";
+    });
+  }
+  return text;
+}
+
+/// Carrier in MHz and the step between the channels of GLONASS, as literals.
+std::string FrequencyLiterals(int system, const SignalRow& row) {
+  const std::string text = FrequencyText(system, row);
+  const std::size_t plus = text.find(" + ");
+  if (plus == std::string::npos) return text + ", 0.0";
+  return text.substr(0, plus) + ".0, " + text.substr(plus + 3, text.find(" k") - plus - 3);
+}
+
+std::string RowsOfCpp() {
+  std::string text;
+  for (const SystemNames& system : kSystems) {
+    text += ForEachRow(system, [&](const SignalRow& row) {
+      const std::string camel = std::string("k") + system.camel;
+      return "    {System::" + camel + ", Signal::" + camel + FindSignal(system.system, row.code)->obs +
+             ", " + std::to_string(row.frequency) + ", \"" + row.obs + "\", \"" +
+             BandText(system.system, row.band) + "\", " + FrequencyLiterals(system.system, row) + "},\n";
+    });
+  }
+  return text;
+}
+
 TEST(SignalsPage, ShowsTheTablesOfTheLibrary) {
-  const std::string table = Table();
+  const std::string table = PageTable();
   EXPECT_EQ(table.find('?'), std::string::npos) << "a band without a name";
   orsolva_test::HoldTable(std::string(ORSOLVA_SOURCE_DIR) + "/docs/host/signals.md",
                           "<!-- signals: kept by tests/unit/toolkit/signals_page_test.cpp -->\n",
                           "<!-- end of the signals -->\n", table);
+}
+
+void HoldHeader(const std::string& block, const std::string& end, const std::string& rows) {
+  orsolva_test::HoldTable(std::string(ORSOLVA_SOURCE_DIR) + "/library/interface/orsolva/signals.h",
+                          "/* " + block + ": kept by tests/unit/toolkit/signals_page_test.cpp */\n",
+                          "/* " + end + " */\n", rows);
+}
+
+TEST(SignalsHeader, HoldsTheTablesOfTheLibrary) {
+  HoldHeader("numbers", "end of the numbers", NumbersOfC());
+  HoldHeader("names", "end of the names", NamesOfCpp());
+  HoldHeader("rows", "end of the rows", RowsOfCpp());
 }
 
 TEST(SignalsPage, GlonassChannelsFollowTheFormulasItShows) {

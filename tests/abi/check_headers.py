@@ -13,7 +13,7 @@ FLAGS = ["-std=c++17", "-pedantic-errors", "-Wall", "-Wextra", "-Werror", "-fsyn
 def main(compiler, folder):
     failed = False
     with tempfile.TemporaryDirectory() as scratch:
-        for header in ("records.h", "gnssqc.h", "detail.h", "signals.h", "version.h"):
+        for header in ("records.h", "gnssqc.h", "detail.h", "signals.h", "version.h", "session.hpp"):
             path = os.path.join(scratch, "alone.cpp")
             with open(path, "w", encoding="utf-8") as file:
                 file.write(f'#include <orsolva/{header}>\n#include <orsolva/{header}>\nint main() {{ return 0; }}\n')

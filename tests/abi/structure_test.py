@@ -63,7 +63,7 @@ def check_library(root, problems):
     graph = {}
     library = root / "library"
     for file in sorted(library.rglob("*.[hc]*")):
-        if file.suffix not in (".h", ".cpp"):
+        if file.suffix not in (".h", ".hpp", ".cpp"):
             continue
         name = file.relative_to(library).as_posix()
         own = floor_of(name)
@@ -110,7 +110,7 @@ def check_circles(graph, problems):
 
 def check_host(root, problems):
     for file in sorted((root / "host").rglob("*.[hc]*")):
-        if file.suffix not in (".h", ".cpp"):
+        if file.suffix not in (".h", ".hpp", ".cpp"):
             continue
         name = file.relative_to(root).as_posix()
         folder = name.split("/")[1]
@@ -130,7 +130,7 @@ def check_host(root, problems):
 def check_relative(root, problems):
     for top in ("library", "host", "tests", "bench", "fuzz", "examples"):
         for file in sorted((root / top).rglob("*.[hc]*")):
-            if file.suffix in (".h", ".cpp") and any(".." in include for include in includes_of(file)):
+            if file.suffix in (".h", ".hpp", ".cpp") and any(".." in include for include in includes_of(file)):
                 problems.append(f"{file.relative_to(root)}: include path with ..")
 
 
@@ -138,7 +138,7 @@ def check_public(root, problems):
     """A public header is named the same way here and in an installed tree."""
     for top in ("host", "tests", "bench", "fuzz", "examples"):
         for file in sorted((root / top).rglob("*.[hc]*")):
-            for include in includes_of(file) if file.suffix in (".h", ".cpp") else []:
+            for include in includes_of(file) if file.suffix in (".h", ".hpp", ".cpp") else []:
                 if include.startswith("orsolva/"):
                     path = root / "library" / "interface" / include
                 elif include.startswith("interface/"):

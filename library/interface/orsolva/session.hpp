@@ -1,0 +1,379 @@
+// One run of the library as an object: RAII over the eight exported functions (gnssqc.h), header-only, C++17.
+//
+//   orsolva::Session session;
+//   orsolva::Status status = session.Start(config, navigation);
+//   if (status) status = session.Feed(epochs);                // as often as there are batches, in time order
+//   const auto result = session.Result();
+//   if (result) Use(result->total.completeness); else Complain(result.status.Text());
+//
+// Nothing here throws but the containers a host fills itself. Wrong use (a batch before Start and the like)
+// gives a Status and changes nothing. A session belongs to one thread at a time; different sessions share
+// nothing and may run at once on several threads.
+#ifndef ORSOLVA_INTERFACE_SESSION_HPP
+#define ORSOLVA_INTERFACE_SESSION_HPP
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <new>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "gnssqc.h"
+#include "records.h"
+#include "signals.h"
+#include "version.h"
+
+namespace orsolva {
+
+/// Why a call succeeded or failed. The first five are what GNSSQCPlus returns.
+enum class StatusCode : std::int32_t {
+  kOk = GNSSQC_OK,                         ///< the call did what it says
+  kNoData = GNSSQC_NO_DATA,                ///< no usable epoch in the batch, or no batch taken so far
+  kNoNavigation = GNSSQC_NO_NAV,           ///< the navigation set holds no record
+  kNoPosition = GNSSQC_NO_POSITION,        ///< no position is given and none could be computed
+  kInternalError = GNSSQC_INTERNAL_ERROR,  ///< an error inside the library, for example no memory
+  kNotStarted = -100,                      ///< Start has not succeeded on this session
+  kAlreadyStarted = -101,                  ///< Start has succeeded before: another run needs another session
+  kBadConfig = -102,                       ///< a value of the configuration is out of its range
+  kBadArgument = -103,                     ///< a null pointer, or more records than a batch can count
+  kNoMemory = -104,                        ///< no memory for the run or its result
+  kImplausible = -105,  ///< more epochs than the interval allows, or a completeness outside 0 to 1
+};
+
+/// @return one sentence without a full stop; never null
+constexpr const char* StatusText(StatusCode code) {
+  switch (code) {
+    case StatusCode::kOk:
+      return "success";
+    case StatusCode::kNoData:
+      return "there is no usable epoch";
+    case StatusCode::kNoNavigation:
+      return "the navigation set holds no record";
+    case StatusCode::kNoPosition:
+      return "no position is given and none could be computed";
+    case StatusCode::kInternalError:
+      return "internal error of the library";
+    case StatusCode::kNotStarted:
+      return "the session has not been started";
+    case StatusCode::kAlreadyStarted:
+      return "the session has been started before";
+    case StatusCode::kBadConfig:
+      return "a value of the configuration is out of its range";
+    case StatusCode::kBadArgument:
+      return "an argument is null or too large";
+    case StatusCode::kNoMemory:
+      return "there is not enough memory";
+    case StatusCode::kImplausible:
+      return "the result is not plausible: check the interval and look for duplicate epochs";
+  }
+  return "unknown status";
+}
+
+/// The outcome of a call: a code and what it means in this place.
+class [[nodiscard]] Status {
+ public:
+  constexpr Status() = default;
+  constexpr Status(StatusCode code) : code_(code), text_(StatusText(code)) {}  // NOLINT: a code is a status
+  /// @param text  outlives the status: a literal
+  constexpr Status(StatusCode code, const char* text) : code_(code), text_(text) {}
+
+  constexpr StatusCode Code() const { return code_; }
+  /// One sentence without a full stop; never null.
+  constexpr const char* Text() const { return text_; }
+  constexpr bool Ok() const { return code_ == StatusCode::kOk; }
+  constexpr explicit operator bool() const { return Ok(); }
+
+ private:
+  StatusCode code_ = StatusCode::kOk;
+  const char* text_ = StatusText(StatusCode::kOk);
+};
+
+/// A view of consecutive records that somebody else owns; made from a vector, an array, or pointer and count.
+template <class Record>
+class Span {
+ public:
+  constexpr Span() = default;
+  constexpr Span(const Record* data, std::size_t size) : data_(data), size_(size) {}
+  template <class Container,
+            class = decltype(static_cast<const Record*>(std::declval<const Container&>().data()))>
+  constexpr Span(const Container& records)
+      : data_(records.data()), size_(records.size()) {}  // NOLINT: a view
+  template <std::size_t N>
+  constexpr Span(const Record (&records)[N]) : data_(records), size_(N) {}  // NOLINT: a view
+
+  constexpr const Record* data() const { return data_; }
+  constexpr std::size_t size() const { return size_; }
+  constexpr bool empty() const { return size_ == 0; }
+
+ private:
+  const Record* data_ = nullptr;
+  std::size_t size_ = 0;
+};
+
+/// Broadcast records of a run, as views: Start copies what it needs.
+struct Navigation {
+  Span<GpsEph_gbt> gps;
+  Span<GloEph_gbt> glonass;
+  Span<BdsEph_gbt> bds;
+  Span<GalEph_gbt> galileo;
+  Span<GpsEph_gbt> qzss;
+};
+
+/// A satellite by its system and its number within it, 1 to 64.
+struct SatelliteNumber {
+  System system = System::kGps;
+  int number = 0;
+};
+
+/// A band by its system and its slot, 1 to 6 (docs/host/signals.md).
+struct Band {
+  System system = System::kGps;
+  int slot = 0;
+};
+
+/// Configuration of a run. The defaults judge everything and compute the station's position.
+struct Config {
+  std::vector<System> systems{std::begin(kAllSystems), std::end(kAllSystems)};
+  /// Systems that enter the combined result. One that is not in `systems` has no effect.
+  std::vector<System> combined_systems{std::begin(kAllSystems), std::end(kAllSystems)};
+  double elevation_cutoff_deg = 10.0;  ///< [0, 90)
+  double interval_s = 1.0;             ///< of the epochs, above 0; the library does not estimate it
+  std::optional<std::array<double, 3>> position_m;  ///< ECEF; without it the library computes one
+  std::vector<SatelliteNumber> excluded_satellites;
+  /// Frequencies left out of the figures of all their signals.
+  std::vector<Band> excluded_bands;
+  /// Whether bands without observed codes are left out; the first batch decides.
+  bool detect_bands = true;
+
+  /// Turns the configuration into the record of the library.
+  /// @return kBadConfig, with `record` unchanged, for a value out of its range
+  Status ToRecord(config_qct& record) const;
+};
+
+/// A record and whether it was obtained. The record is null after every failure but kImplausible.
+template <class Record>
+struct Outcome {
+  Status status;
+  std::unique_ptr<Record> record;  ///< owned: the result records take 115 and 320 KiB
+
+  explicit operator bool() const { return status.Ok(); }
+  const Record& operator*() const { return *record; }
+  const Record* operator->() const { return record.get(); }
+};
+
+/// One run, from Start to its results. Moved, never copied; a session that was moved from can be started.
+class Session {
+ public:
+  /// Takes configuration and navigation set; both may go away afterwards.
+  /// @return kAlreadyStarted, kBadConfig, kBadArgument, kNoNavigation, kNoMemory or kInternalError; the
+  /// session
+  ///         is as before then
+  Status Start(const Config& config, const Navigation& navigation);
+  /// The same from the records of the library, which are taken as they are.
+  Status Start(const config_qct& config, const NavBodyData_QC_gbt& navigation);
+
+  /// Takes one batch, its epochs in time order and later than those before. A batch that fails is lost, the
+  /// run is not: others may follow. The first batch that is taken decides which signals are judged.
+  /// @return kNoData, kNoPosition or kInternalError as GNSSQCPlus; kNotStarted or kBadArgument
+  Status Feed(Span<ObsEpoch_QC_gbt> epochs);
+
+  /// The result of all batches so far; may be asked for at any time and changes nothing.
+  /// @return kNotStarted, kNoData before the first batch taken, kNoMemory, or kImplausible with the record
+  /// filled
+  Outcome<result_qct> Result() const;
+  /// The result per signal code of all batches so far; the same rules.
+  Outcome<total_code_qc_result> CodeResult() const;
+
+  bool Started() const { return handle_ != nullptr; }
+  /// For the functions of gnssqc.h and detail.h; null before Start. The session keeps ownership.
+  unsigned long long* Handle() const { return handle_.get(); }
+
+ private:
+  struct Dispose {
+    void operator()(unsigned long long* handle) const { DiposeProcess(handle); }
+  };
+
+  template <class Record>
+  Outcome<Record> NewRecord() const;
+
+  std::unique_ptr<unsigned long long, Dispose> handle_;
+  bool has_data_ = false;
+};
+
+/// The identification text of the loaded library: name, version, date of build, in four lines.
+inline std::string LibraryBanner() {
+  char buffer[256] = {};
+  GetGNSSQCLibVersion(buffer);
+  return buffer;
+}
+
+/// The version of the loaded library, such as "1.2.9"; that of the headers is ORSOLVA_VERSION_STRING.
+inline std::string LibraryVersion() {
+  constexpr char kKey[] = "library version: V";
+  const std::string banner = LibraryBanner();
+  const std::size_t key = banner.find(kKey);
+  if (key == std::string::npos) return {};
+  const std::size_t begin = key + sizeof kKey - 1;
+  return banner.substr(begin, banner.find('\n', begin) - begin);
+}
+
+// What follows is not for hosts to read.
+
+namespace session_internal {
+
+inline bool SetFlags(const std::vector<System>& systems, std::uint8_t (&flags)[ORSOLVA_SYSTEMS]) {
+  for (const System system : systems) {
+    const int slot = SlotOf(system);
+    if (slot < 0) return false;
+    flags[slot] = 1;
+  }
+  return true;
+}
+
+template <std::size_t N>
+inline void SetAll(std::int32_t (&rows)[ORSOLVA_SYSTEM_SLOTS][N]) {
+  for (auto& row : rows) std::fill(std::begin(row), std::end(row), 1);
+}
+
+/// Clears one flag of a system's row; false for an unknown system or a place outside 1 to N.
+template <std::size_t N>
+inline bool Clear(std::int32_t (&rows)[ORSOLVA_SYSTEM_SLOTS][N], System system, int place) {
+  const int slot = SlotOf(system);
+  if (slot < 0 || place < 1 || place > static_cast<int>(N)) return false;
+  rows[slot][place - 1] = 0;
+  return true;
+}
+
+template <class Record>
+inline bool Count(Span<Record> records, std::int32_t& count, const Record*& first) {
+  if (records.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) return false;
+  if (records.data() == nullptr && !records.empty()) return false;
+  count = static_cast<std::int32_t>(records.size());
+  first = records.data();
+  return true;
+}
+
+/// Whether every list of a navigation set has its records.
+inline bool IsWhole(const NavBodyData_QC_gbt& body) {
+  const auto whole = [](std::int32_t count, const void* first) {
+    return count == 0 || (count > 0 && first != nullptr);
+  };
+  return whole(body.gps_num, body.gps_eph) && whole(body.glo_num, body.glo_eph) &&
+         whole(body.bds_num, body.bds_eph) && whole(body.gal_num, body.gal_eph) &&
+         whole(body.qzs_num, body.qzs_eph);
+}
+
+inline bool IsEmpty(const NavBodyData_QC_gbt& body) {
+  return body.gps_num == 0 && body.glo_num == 0 && body.bds_num == 0 && body.gal_num == 0 &&
+         body.qzs_num == 0;
+}
+
+inline bool Body(const Navigation& from, NavBodyData_QC_gbt& to) {
+  return Count(from.gps, to.gps_num, to.gps_eph) && Count(from.glonass, to.glo_num, to.glo_eph) &&
+         Count(from.bds, to.bds_num, to.bds_eph) && Count(from.galileo, to.gal_num, to.gal_eph) &&
+         Count(from.qzss, to.qzs_num, to.qzs_eph);
+}
+
+}  // namespace session_internal
+
+inline Status Config::ToRecord(config_qct& record) const {
+  using session_internal::Clear;
+  config_qct built = {};
+  if (!session_internal::SetFlags(systems, built.enable_system) ||
+      !session_internal::SetFlags(combined_systems, built.combination_system)) {
+    return {StatusCode::kBadConfig, "a system of the configuration is unknown"};
+  }
+  if (!(elevation_cutoff_deg >= 0.0 && elevation_cutoff_deg < 90.0)) {
+    return {StatusCode::kBadConfig, "the elevation cut-off is outside 0 to 90 degrees"};
+  }
+  if (!(interval_s > 0.0 && std::isfinite(interval_s))) {
+    return {StatusCode::kBadConfig, "the interval is not above 0 s"};
+  }
+  session_internal::SetAll(built.include_satellite);
+  session_internal::SetAll(built.satellite_freq);
+  for (const SatelliteNumber& out : excluded_satellites) {
+    if (Clear(built.include_satellite, out.system, out.number)) continue;
+    return {StatusCode::kBadConfig, "an excluded satellite is unknown"};
+  }
+  for (const Band& out : excluded_bands) {
+    if (Clear(built.satellite_freq, out.system, out.slot)) continue;
+    return {StatusCode::kBadConfig, "an excluded band is unknown"};
+  }
+  if (position_m) {
+    const auto finite = [](double value) { return std::isfinite(value); };
+    if (!std::all_of(position_m->begin(), position_m->end(), finite)) {
+      return {StatusCode::kBadConfig, "the position is not finite"};
+    }
+    built.enable_position = 1;
+    std::copy(position_m->begin(), position_m->end(), built.position);
+  }
+  built.elevation = elevation_cutoff_deg;
+  built.interval = interval_s;
+  built.auto_detect_freq = detect_bands ? 1 : 0;
+  record = built;
+  return {};
+}
+
+inline Status Session::Start(const Config& config, const Navigation& navigation) {
+  config_qct record = {};
+  const Status status = config.ToRecord(record);
+  if (!status) return status;
+  NavBodyData_QC_gbt body = {};
+  if (!session_internal::Body(navigation, body)) return StatusCode::kBadArgument;
+  return Start(record, body);
+}
+
+inline Status Session::Start(const config_qct& config, const NavBodyData_QC_gbt& navigation) {
+  if (handle_ != nullptr) return StatusCode::kAlreadyStarted;
+  if (!session_internal::IsWhole(navigation)) return StatusCode::kBadArgument;
+  if (session_internal::IsEmpty(navigation)) return StatusCode::kNoNavigation;
+  std::unique_ptr<unsigned long long, Dispose> handle(CreatQcProcess());
+  if (handle == nullptr) return StatusCode::kNoMemory;
+  if (!InitialQc(navigation, &config, handle.get())) return StatusCode::kInternalError;
+  handle_ = std::move(handle);
+  has_data_ = false;
+  return {};
+}
+
+inline Status Session::Feed(Span<ObsEpoch_QC_gbt> epochs) {
+  if (handle_ == nullptr) return StatusCode::kNotStarted;
+  ObsBodyData_QC_gbt body = {};
+  if (!session_internal::Count(epochs, body.epoch_num, body.epochs)) return StatusCode::kBadArgument;
+  const GNSSQC_STATE state = GNSSQCPlus(body, handle_.get());
+  has_data_ = has_data_ || state == GNSSQC_OK;
+  return static_cast<StatusCode>(state);
+}
+
+template <class Record>
+Outcome<Record> Session::NewRecord() const {
+  if (handle_ == nullptr) return {StatusCode::kNotStarted, nullptr};
+  if (!has_data_) return {{StatusCode::kNoData, "no batch has been taken"}, nullptr};
+  std::unique_ptr<Record> record(new (std::nothrow) Record());
+  const StatusCode code = record == nullptr ? StatusCode::kNoMemory : StatusCode::kOk;
+  return {code, std::move(record)};
+}
+
+inline Outcome<result_qct> Session::Result() const {
+  Outcome<result_qct> outcome = NewRecord<result_qct>();
+  if (outcome && !GetAllPeriodResult(handle_.get(), outcome.record.get())) {
+    outcome.status = StatusCode::kImplausible;
+  }
+  return outcome;
+}
+
+inline Outcome<total_code_qc_result> Session::CodeResult() const {
+  Outcome<total_code_qc_result> outcome = NewRecord<total_code_qc_result>();
+  if (outcome) GetEachCodeResult(handle_.get(), *outcome.record);
+  return outcome;
+}
+
+}  // namespace orsolva
+
+#endif  // ORSOLVA_INTERFACE_SESSION_HPP

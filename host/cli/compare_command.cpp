@@ -5,10 +5,10 @@
 
 #include "host/cli/commands.h"
 #include "host/cli/exit_codes.h"
-#include "host/cli/standard_streams.h"
 #include "host/rinex/text_file.h"
 #include "host/simulator/comparison.h"
 #include "host/simulator/told_faults.h"
+#include "host/terminal/standard_streams.h"
 
 namespace orsolva_host {
 namespace {

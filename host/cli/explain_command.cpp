@@ -8,9 +8,9 @@
 
 #include "host/cli/commands.h"
 #include "host/cli/exit_codes.h"
-#include "host/cli/standard_streams.h"
 #include "host/report/figures.h"
 #include "host/report/text_layout.h"
+#include "host/terminal/standard_streams.h"
 
 namespace orsolva_host {
 namespace {

@@ -13,9 +13,8 @@
 
 #include "host/cli/commands.h"
 #include "host/cli/exit_codes.h"
-#include "host/cli/qc_run.h"
 #include "host/cli/qc_settings.h"
-#include "host/cli/standard_streams.h"
+#include "host/judging/qc_run.h"
 #include "host/report/text_layout.h"
 #include "host/rinex/civil_time.h"
 #include "host/rinex/input_files.h"
@@ -23,6 +22,7 @@
 #include "host/rinex/observation_reader.h"
 #include "host/rinex/satellite_names.h"
 #include "host/rinex/signal_codes.h"
+#include "host/terminal/standard_streams.h"
 
 namespace orsolva_host {
 namespace {

@@ -4,8 +4,8 @@
 #include "host/cli/app.h"
 #include "host/cli/config_file.h"
 #include "host/cli/exit_codes.h"
-#include "host/cli/standard_streams.h"
 #include "host/platform/platform.h"
+#include "host/terminal/standard_streams.h"
 
 namespace {
 

@@ -13,22 +13,22 @@
 #include <utility>
 #include <vector>
 
-#include "host/cli/detail_outputs.h"
 #include "host/cli/exit_codes.h"
-#include "host/cli/interrupt.h"
-#include "host/cli/job_pool.h"
-#include "host/cli/output_plan.h"
-#include "host/cli/progress_bar.h"
 #include "host/cli/qc_complaint.h"
-#include "host/cli/qc_inputs.h"
-#include "host/cli/qc_run.h"
-#include "host/cli/standard_streams.h"
+#include "host/judging/detail_outputs.h"
+#include "host/judging/job_pool.h"
+#include "host/judging/output_plan.h"
+#include "host/judging/qc_inputs.h"
+#include "host/judging/qc_run.h"
 #include "host/output/byte_sink.h"
 #include "host/output/whole_file.h"
 #include "host/platform/platform.h"
 #include "host/report/network.h"
 #include "host/report/network_html.h"
 #include "host/report/profile.h"
+#include "host/terminal/interrupt.h"
+#include "host/terminal/progress_bar.h"
+#include "host/terminal/standard_streams.h"
 
 namespace orsolva_host {
 namespace {

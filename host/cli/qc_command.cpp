@@ -7,8 +7,8 @@
 #include "host/cli/exit_codes.h"
 #include "host/cli/qc_check.h"
 #include "host/cli/qc_settings.h"
-#include "host/cli/standard_streams.h"
 #include "host/report/profile.h"
+#include "host/terminal/standard_streams.h"
 
 namespace orsolva_host {
 namespace {

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/cli/output_plan.h"
+#include "host/judging/output_plan.h"
 
 namespace orsolva_host {
 namespace {

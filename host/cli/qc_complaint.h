@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "host/cli/qc_inputs.h"
 #include "host/cli/qc_settings.h"
+#include "host/judging/qc_inputs.h"
 
 namespace orsolva_host {
 

@@ -2,39 +2,14 @@
 #ifndef ORSOLVA_CLI_QC_SETTINGS_H
 #define ORSOLVA_CLI_QC_SETTINGS_H
 
-#include <array>
 #include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "host/rinex/byte_source.h"
+#include "host/judging/settings.h"
 
 namespace orsolva_host {
-
-enum class PositionSource { kComputed, kHeader, kOption };
-
-struct PositionChoice {
-  PositionSource source = PositionSource::kComputed;
-  std::array<double, 3> xyz_m = {};  ///< with kOption
-};
-
-struct ExcludedSatellite {
-  int system_slot = 0;  ///< place in kSystemTable
-  int number = 0;
-};
-
-struct QcSettings {
-  std::string observation_file;
-  double elevation_deg = 10;
-  std::optional<double> interval_s;
-  PositionChoice position;
-  std::string systems = "GREJC";
-  std::vector<ExcludedSatellite> excluded;
-  bool snr_from_strength = false;
-  InputLimits limits;
-  bool satellites = false;
-};
 
 /// What is asked for beyond the judging of one file.
 struct QcRequest {

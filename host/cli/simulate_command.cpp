@@ -13,14 +13,14 @@
 
 #include "host/cli/commands.h"
 #include "host/cli/exit_codes.h"
-#include "host/cli/interrupt.h"
-#include "host/cli/progress.h"
 #include "host/cli/qc_settings.h"
-#include "host/cli/run_monitor.h"
-#include "host/cli/standard_streams.h"
+#include "host/judging/run_monitor.h"
 #include "host/simulator/file_set.h"
 #include "host/simulator/presets.h"
 #include "host/simulator/scenario_json.h"
+#include "host/terminal/interrupt.h"
+#include "host/terminal/progress.h"
+#include "host/terminal/standard_streams.h"
 
 namespace orsolva_host {
 namespace {

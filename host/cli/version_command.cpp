@@ -3,7 +3,7 @@
 
 #include "host/cli/commands.h"
 #include "host/cli/exit_codes.h"
-#include "host/cli/qc_run.h"
+#include "host/judging/qc_run.h"
 
 namespace orsolva_host {
 

@@ -4,7 +4,8 @@
 usage: structure_test.py ROOT
 
 Fails when an include of the library points upward or in a circle, when host/ includes more of the library than its
-interface or one of its folders more than those below it, when an include path leaves its root with "..", when a
+interface or one of its folders more than those below it, when a folder other than host/cli includes the argument
+parser, when an include path leaves its root with "..", when a
 floor below names no file, or when ARCHITECTURE.md names a path, in its text or in a drawing, that is not there.
 """
 import pathlib
@@ -30,9 +31,12 @@ HOST_BELOW = {
     "rinex": {"platform"},
     "report": {"rinex", "output"},
     "simulator": {"rinex", "output"},
-    "cli": {"platform", "output", "rinex", "report", "simulator"},
+    "judging": {"platform", "output", "rinex", "report"},
+    "terminal": {"platform"},
+    "cli": {"platform", "output", "rinex", "report", "simulator", "judging", "terminal"},
 }
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.M)
+ARGUMENT_PARSER = re.compile(r"^\s*#\s*include\s*<CLI/", re.M)
 DRAWING = re.compile(r"^```\n(.*?)^```", re.M | re.S)
 DRAWN = re.compile(r"(?<![\w/.])((?:interface|toolkit|matrix|navigation|qc|measures|results)/[\w.]*)")
 PATH = re.compile(r"`((?:library|host|tests|docs|scripts|bench|fuzz|examples|cmake)/[^`*]*)`")
@@ -117,6 +121,8 @@ def check_host(root, problems):
         if folder not in HOST_BELOW:
             problems.append(f"{name}: host/{folder} is on no floor")
             continue
+        if folder != "cli" and ARGUMENT_PARSER.search(file.read_text(encoding="utf-8")):
+            problems.append(f"{name}: includes the argument parser")
         for include in includes_of(file):
             parts = include.split("/")
             if parts[0] == "host" and parts[1] not in HOST_BELOW[folder] | {folder}:

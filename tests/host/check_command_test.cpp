@@ -12,8 +12,8 @@
 
 #include "host/cli/config_file.h"
 #include "host/cli/exit_codes.h"
-#include "host/cli/progress_bar.h"
-#include "host/cli/qc_inputs.h"
+#include "host/judging/qc_inputs.h"
+#include "host/terminal/progress_bar.h"
 #include "tests/host/folder.h"
 #include "tests/host/program.h"
 

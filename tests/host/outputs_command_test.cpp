@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/cli/output_plan.h"
+#include "host/judging/output_plan.h"
 #include "tests/host/folder.h"
 #include "tests/host/program.h"
 

@@ -1,4 +1,4 @@
-#include "host/cli/detail_outputs.h"
+#include "host/judging/detail_outputs.h"
 
 #include "host/report/html_writer.h"
 

@@ -1,4 +1,4 @@
-#include "host/cli/shared_navigation.h"
+#include "host/judging/shared_navigation.h"
 
 #include "host/rinex/input_files.h"
 #include "host/rinex/navigation_reader.h"

@@ -1,6 +1,6 @@
 // A bar on standard error with rate and time left.
-#ifndef ORSOLVA_CLI_PROGRESS_BAR_H
-#define ORSOLVA_CLI_PROGRESS_BAR_H
+#ifndef ORSOLVA_TERMINAL_PROGRESS_BAR_H
+#define ORSOLVA_TERMINAL_PROGRESS_BAR_H
 
 #include <cstddef>
 #include <cstdint>
@@ -42,4 +42,4 @@ class ProgressBar {
 
 }  // namespace orsolva_host
 
-#endif  // ORSOLVA_CLI_PROGRESS_BAR_H
+#endif  // ORSOLVA_TERMINAL_PROGRESS_BAR_H

@@ -1,4 +1,4 @@
-#include "host/cli/shared_navigation.h"
+#include "host/judging/shared_navigation.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 // Opens an observation file so that the bytes read from disk are counted.
-#ifndef ORSOLVA_CLI_COUNTED_FILE_H
-#define ORSOLVA_CLI_COUNTED_FILE_H
+#ifndef ORSOLVA_JUDGING_COUNTED_FILE_H
+#define ORSOLVA_JUDGING_COUNTED_FILE_H
 
 #include <memory>
 #include <string>
 
-#include "host/cli/run_monitor.h"
+#include "host/judging/run_monitor.h"
 #include "host/rinex/byte_source.h"
 
 namespace orsolva_host {
@@ -17,4 +17,4 @@ std::unique_ptr<ByteSource> OpenCounted(const std::string& path, Diagnostics& di
 
 }  // namespace orsolva_host
 
-#endif  // ORSOLVA_CLI_COUNTED_FILE_H
+#endif  // ORSOLVA_JUDGING_COUNTED_FILE_H

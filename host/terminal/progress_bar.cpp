@@ -1,4 +1,4 @@
-#include "host/cli/progress_bar.h"
+#include "host/terminal/progress_bar.h"
 
 #include <fmt/format.h>
 

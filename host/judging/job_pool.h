@@ -1,6 +1,6 @@
 // Runs numbered jobs on several threads; the results are taken in the order of the numbers.
-#ifndef ORSOLVA_CLI_JOB_POOL_H
-#define ORSOLVA_CLI_JOB_POOL_H
+#ifndef ORSOLVA_JUDGING_JOB_POOL_H
+#define ORSOLVA_JUDGING_JOB_POOL_H
 
 #include <atomic>
 #include <chrono>
@@ -56,4 +56,4 @@ unsigned ThreadsFor(unsigned asked, std::size_t jobs);
 
 }  // namespace orsolva_host
 
-#endif  // ORSOLVA_CLI_JOB_POOL_H
+#endif  // ORSOLVA_JUDGING_JOB_POOL_H

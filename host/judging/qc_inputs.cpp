@@ -1,4 +1,4 @@
-#include "host/cli/qc_inputs.h"
+#include "host/judging/qc_inputs.h"
 
 #include <cctype>
 #include <filesystem>

@@ -1,6 +1,6 @@
 // Which observation files a check judges, and which navigation files go with them.
-#ifndef ORSOLVA_CLI_QC_INPUTS_H
-#define ORSOLVA_CLI_QC_INPUTS_H
+#ifndef ORSOLVA_JUDGING_QC_INPUTS_H
+#define ORSOLVA_JUDGING_QC_INPUTS_H
 
 #include <string>
 #include <vector>
@@ -24,4 +24,4 @@ QcInputs InputsOf(const std::vector<std::string>& paths, const std::vector<std::
 
 }  // namespace orsolva_host
 
-#endif  // ORSOLVA_CLI_QC_INPUTS_H
+#endif  // ORSOLVA_JUDGING_QC_INPUTS_H

@@ -1,4 +1,4 @@
-#include "host/cli/interrupt.h"
+#include "host/terminal/interrupt.h"
 
 #include <csignal>
 

@@ -1,6 +1,6 @@
 // The files of a run that are made from its detail: the table and the page.
-#ifndef ORSOLVA_CLI_DETAIL_OUTPUTS_H
-#define ORSOLVA_CLI_DETAIL_OUTPUTS_H
+#ifndef ORSOLVA_JUDGING_DETAIL_OUTPUTS_H
+#define ORSOLVA_JUDGING_DETAIL_OUTPUTS_H
 
 #include <memory>
 #include <string>
@@ -35,4 +35,4 @@ class DetailOutputs {
 
 }  // namespace orsolva_host
 
-#endif  // ORSOLVA_CLI_DETAIL_OUTPUTS_H
+#endif  // ORSOLVA_JUDGING_DETAIL_OUTPUTS_H

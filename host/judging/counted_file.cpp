@@ -1,4 +1,4 @@
-#include "host/cli/counted_file.h"
+#include "host/judging/counted_file.h"
 
 #include <cerrno>
 #include <cstdio>

@@ -1,4 +1,4 @@
-#include "host/cli/job_pool.h"
+#include "host/judging/job_pool.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // SIGINT and SIGTERM as something to ask for.
-#ifndef ORSOLVA_CLI_INTERRUPT_H
-#define ORSOLVA_CLI_INTERRUPT_H
+#ifndef ORSOLVA_TERMINAL_INTERRUPT_H
+#define ORSOLVA_TERMINAL_INTERRUPT_H
 
 namespace orsolva_host {
 
@@ -13,4 +13,4 @@ int InterruptExitCode();
 
 }  // namespace orsolva_host
 
-#endif  // ORSOLVA_CLI_INTERRUPT_H
+#endif  // ORSOLVA_TERMINAL_INTERRUPT_H

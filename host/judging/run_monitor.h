@@ -1,6 +1,6 @@
 // What a run tells while it goes on, and how it is told to stop. Shared between threads.
-#ifndef ORSOLVA_CLI_RUN_MONITOR_H
-#define ORSOLVA_CLI_RUN_MONITOR_H
+#ifndef ORSOLVA_JUDGING_RUN_MONITOR_H
+#define ORSOLVA_JUDGING_RUN_MONITOR_H
 
 #include <atomic>
 #include <cstdint>
@@ -23,4 +23,4 @@ class Stopped : public std::runtime_error {
 
 }  // namespace orsolva_host
 
-#endif  // ORSOLVA_CLI_RUN_MONITOR_H
+#endif  // ORSOLVA_JUDGING_RUN_MONITOR_H

@@ -1,4 +1,4 @@
-#include "host/cli/standard_streams.h"
+#include "host/terminal/standard_streams.h"
 
 #include <cstdio>
 #include <iostream>

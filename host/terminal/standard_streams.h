@@ -1,6 +1,6 @@
 // What the commands say on standard output and error beside their reports.
-#ifndef ORSOLVA_CLI_STANDARD_STREAMS_H
-#define ORSOLVA_CLI_STANDARD_STREAMS_H
+#ifndef ORSOLVA_TERMINAL_STANDARD_STREAMS_H
+#define ORSOLVA_TERMINAL_STANDARD_STREAMS_H
 
 #include <exception>
 #include <string>
@@ -18,4 +18,4 @@ std::string TextOf(const std::exception& error);
 
 }  // namespace orsolva_host
 
-#endif  // ORSOLVA_CLI_STANDARD_STREAMS_H
+#endif  // ORSOLVA_TERMINAL_STANDARD_STREAMS_H

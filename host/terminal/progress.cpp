@@ -1,4 +1,4 @@
-#include "host/cli/progress.h"
+#include "host/terminal/progress.h"
 
 #include <cinttypes>
 #include <cstdio>

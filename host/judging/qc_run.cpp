@@ -1,4 +1,4 @@
-#include "host/cli/qc_run.h"
+#include "host/judging/qc_run.h"
 
 #include <fmt/format.h>
 
@@ -11,8 +11,8 @@
 #include <string_view>
 #include <utility>
 
-#include "host/cli/counted_file.h"
-#include "host/cli/epoch_batch.h"
+#include "host/judging/counted_file.h"
+#include "host/judging/epoch_batch.h"
 #include "host/report/build_report.h"
 #include "host/report/navigation_coverage.h"
 #include "host/rinex/civil_time.h"

@@ -1,6 +1,6 @@
 // Where the reports of a run go: streams and files, in which formats.
-#ifndef ORSOLVA_CLI_OUTPUT_PLAN_H
-#define ORSOLVA_CLI_OUTPUT_PLAN_H
+#ifndef ORSOLVA_JUDGING_OUTPUT_PLAN_H
+#define ORSOLVA_JUDGING_OUTPUT_PLAN_H
 
 #include <memory>
 #include <string>
@@ -60,4 +60,4 @@ std::vector<std::string> OutputStems(const std::vector<std::string>& inputs);
 
 }  // namespace orsolva_host
 
-#endif  // ORSOLVA_CLI_OUTPUT_PLAN_H
+#endif  // ORSOLVA_JUDGING_OUTPUT_PLAN_H

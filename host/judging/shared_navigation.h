@@ -1,6 +1,6 @@
 // The navigation files named for a run: read once, whatever the number of observation files they serve.
-#ifndef ORSOLVA_CLI_SHARED_NAVIGATION_H
-#define ORSOLVA_CLI_SHARED_NAVIGATION_H
+#ifndef ORSOLVA_JUDGING_SHARED_NAVIGATION_H
+#define ORSOLVA_JUDGING_SHARED_NAVIGATION_H
 
 #include <memory>
 #include <mutex>
@@ -45,4 +45,4 @@ class SharedNavigation {
 
 }  // namespace orsolva_host
 
-#endif  // ORSOLVA_CLI_SHARED_NAVIGATION_H
+#endif  // ORSOLVA_JUDGING_SHARED_NAVIGATION_H

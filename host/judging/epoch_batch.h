@@ -1,6 +1,6 @@
 // Room for the epochs of one batch.
-#ifndef ORSOLVA_HOST_CLI_EPOCH_BATCH_H
-#define ORSOLVA_HOST_CLI_EPOCH_BATCH_H
+#ifndef ORSOLVA_JUDGING_EPOCH_BATCH_H
+#define ORSOLVA_JUDGING_EPOCH_BATCH_H
 
 #include <cstddef>
 #include <memory>
@@ -21,4 +21,4 @@ EpochBatch MakeEpochBatch(std::size_t count);
 
 }  // namespace orsolva_host
 
-#endif  // ORSOLVA_HOST_CLI_EPOCH_BATCH_H
+#endif  // ORSOLVA_JUDGING_EPOCH_BATCH_H

@@ -1,4 +1,4 @@
-#include "host/cli/epoch_batch.h"
+#include "host/judging/epoch_batch.h"
 
 #include <new>
 

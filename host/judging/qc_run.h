@@ -1,15 +1,15 @@
 // One quality check: files in, the library's exported functions in between, a report out.
-#ifndef ORSOLVA_CLI_QC_RUN_H
-#define ORSOLVA_CLI_QC_RUN_H
+#ifndef ORSOLVA_JUDGING_QC_RUN_H
+#define ORSOLVA_JUDGING_QC_RUN_H
 
 #include <cstddef>
 #include <optional>
 #include <stdexcept>
 #include <string>
 
-#include "host/cli/qc_settings.h"
-#include "host/cli/run_monitor.h"
-#include "host/cli/shared_navigation.h"
+#include "host/judging/run_monitor.h"
+#include "host/judging/settings.h"
+#include "host/judging/shared_navigation.h"
 #include "host/report/detail_sink.h"
 #include "host/report/report.h"
 #include "host/rinex/diagnostics.h"
@@ -41,4 +41,4 @@ std::string LibraryVersion();
 
 }  // namespace orsolva_host
 
-#endif  // ORSOLVA_CLI_QC_RUN_H
+#endif  // ORSOLVA_JUDGING_QC_RUN_H

@@ -1,4 +1,4 @@
-#include "host/cli/output_plan.h"
+#include "host/judging/output_plan.h"
 
 #include <cctype>
 #include <cerrno>

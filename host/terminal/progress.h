@@ -1,6 +1,6 @@
 // How far a run is, on standard error when that is a terminal and nowhere otherwise.
-#ifndef ORSOLVA_CLI_PROGRESS_H
-#define ORSOLVA_CLI_PROGRESS_H
+#ifndef ORSOLVA_TERMINAL_PROGRESS_H
+#define ORSOLVA_TERMINAL_PROGRESS_H
 
 #include <cstdint>
 
@@ -24,4 +24,4 @@ class Progress {
 
 }  // namespace orsolva_host
 
-#endif  // ORSOLVA_CLI_PROGRESS_H
+#endif  // ORSOLVA_TERMINAL_PROGRESS_H

@@ -15,13 +15,14 @@ void Append(char* text, const char* label, const char* value) {
 
 }  // namespace
 
-// The compiler's date and time honour SOURCE_DATE_EPOCH, so that builds can be made reproducible.
+// Date and time come from the build system (SOURCE_DATE_EPOCH, the commit or the release), never from the clock: two
+// builds of one source have the same bytes.
 QCVersion::QCVersion() {
   std::strcpy(LibName, "libOrsolva_cbb");
   std::strcpy(LibVersion, "V" ORSOLVA_VERSION_STRING);
   std::strcpy(SourceRevision, "4664");
-  std::strcpy(BuildDate, __DATE__);
-  std::strcpy(BuildTime, __TIME__);
+  std::strcpy(BuildDate, ORSOLVA_BUILD_DATE);
+  std::strcpy(BuildTime, ORSOLVA_BUILD_TIME);
   Append(Text, "library    name: ", LibName);
   Append(Text, "\nlibrary version: ", LibVersion);
   Append(Text, "\nSVN     version: ", SourceRevision);

@@ -1,6 +1,6 @@
 """A host outside the tree finds an installed library, builds against it and runs.
 
-usage: check_consumer.py cmake|pkg-config|former-path CMAKE COMPILER BUILD_FOLDER CONSUMER_FOLDER
+usage: check_consumer.py cmake|pkg-config|former-path shared|static CMAKE COMPILER BUILD_FOLDER CONSUMER_FOLDER
 """
 import os
 import shutil
@@ -9,6 +9,7 @@ import sys
 import tempfile
 
 SKIPPED = 77
+TARGETS = {"shared": "Orsolva_cbb", "static": "static"}
 
 
 def run(*command, **options):
@@ -23,21 +24,25 @@ def library_folder(prefix):
     raise SystemExit(f"no library below {prefix}")
 
 
-def build_by_cmake(cmake, compiler, prefix, source, scratch):
+def build_by_cmake(kind, cmake, compiler, prefix, source, scratch):
     build = os.path.join(scratch, "build")
-    run(cmake, "-S", source, "-B", build, f"-DCMAKE_CXX_COMPILER={compiler}", f"-DCMAKE_PREFIX_PATH={prefix}")
+    run(cmake, "-S", source, "-B", build, f"-DCMAKE_CXX_COMPILER={compiler}", f"-DCMAKE_PREFIX_PATH={prefix}",
+        f"-DORSOLVA_COMPONENT={TARGETS[kind]}")
     run(cmake, "--build", build)
     return os.path.join(build, "host")
 
 
-def build_by_pkg_config(compiler, prefix, source, scratch):
+def build_by_pkg_config(kind, compiler, prefix, source, scratch):
     if shutil.which("pkg-config") is None:
         print("pkg-config is not installed")
         raise SystemExit(SKIPPED)
     environment = dict(os.environ, PKG_CONFIG_PATH=os.path.join(library_folder(prefix), "pkgconfig"))
-    flags = run("pkg-config", "--cflags", "--libs", "orsolva", env=environment, stdout=subprocess.PIPE).stdout
+    static = [f"--{kind}"] if kind == "static" else []
+    flags = run("pkg-config", *static, "--cflags", "--libs", "orsolva", env=environment,
+                stdout=subprocess.PIPE).stdout
     program = os.path.join(scratch, "host")
-    run(compiler, "-std=c++17", os.path.join(source, "host.cpp"), "-o", program, *flags.split())
+    run(compiler, "-std=c++17", os.path.join(source, "host.cpp"), "-o", program, *flags.split(),
+        *(["-static"] if static else []))
     return program
 
 
@@ -49,18 +54,27 @@ def build_by_former_path(compiler, prefix, source, scratch):
     return program
 
 
-def main(way, cmake, compiler, build, source):
+def check_needed(kind, program):
+    """The shared library is needed exactly when the host linked it."""
+    needed = run("objdump", "-p", program, stdout=subprocess.PIPE).stdout
+    if ("libOrsolva_cbb.so.1" in needed) != (kind == "shared"):
+        raise SystemExit(f"{kind}, but linked otherwise:\n{needed}")
+
+
+def main(way, kind, cmake, compiler, build, source):
     with tempfile.TemporaryDirectory() as scratch:
         installed = os.path.join(scratch, "installed")
-        run(cmake, "--install", build, "--component", "library", "--prefix", installed)
+        for component in ("runtime", "development"):
+            run(cmake, "--install", build, "--component", component, "--prefix", installed)
         prefix = os.path.join(scratch, "moved")
         os.rename(installed, prefix)  # an installed tree may be moved
         if way == "cmake":
-            program = build_by_cmake(cmake, compiler, prefix, source, scratch)
+            program = build_by_cmake(kind, cmake, compiler, prefix, source, scratch)
         elif way == "former-path":
             program = build_by_former_path(compiler, prefix, source, scratch)
         else:
-            program = build_by_pkg_config(compiler, prefix, source, scratch)
+            program = build_by_pkg_config(kind, compiler, prefix, source, scratch)
+        check_needed(kind, program)
         environment = dict(os.environ, LD_LIBRARY_PATH=library_folder(prefix))
         printed = run(program, env=environment, stdout=subprocess.PIPE).stdout
         if "library version: V1.2.9" not in printed:

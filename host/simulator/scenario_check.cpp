@@ -7,9 +7,9 @@
 #include <cmath>
 #include <cstdint>
 
+#include "host/observation/carriers.h"
 #include "host/rinex/satellite_names.h"
 #include "host/rinex/signal_codes.h"
-#include "host/simulator/carriers.h"
 #include "host/simulator/constellation.h"
 #include "host/simulator/scenario.h"
 

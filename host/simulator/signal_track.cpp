@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/observation/carriers.h"
 #include "host/rinex/satellite_names.h"
 #include "host/rinex/signal_codes.h"
-#include "host/simulator/carriers.h"
 #include "host/simulator/orbits.h"
 #include "host/simulator/portable_math.h"
 #include "host/simulator/surroundings.h"

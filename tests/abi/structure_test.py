@@ -27,10 +27,12 @@ FLOORS = [
 # What a folder of the host may include beside itself.
 HOST_BELOW = {
     "platform": set(),
+    "observation": set(),
     "output": {"platform"},
-    "rinex": {"platform"},
+    "rinex": {"observation", "platform"},
+    "analysis": {"observation"},
     "report": {"rinex", "output"},
-    "simulator": {"rinex", "output"},
+    "simulator": {"observation", "rinex", "output"},
     "judging": {"platform", "output", "rinex", "report"},
     "terminal": {"platform"},
     "cli": {"platform", "output", "rinex", "report", "simulator", "judging", "terminal"},

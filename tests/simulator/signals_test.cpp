@@ -5,7 +5,7 @@
 #include <map>
 #include <set>
 
-#include "host/simulator/carriers.h"
+#include "host/observation/carriers.h"
 #include "host/simulator/orbits.h"
 #include "host/simulator/surroundings.h"
 #include "tests/simulator/made.h"

@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/observation/carriers.h"
 #include "host/rinex/satellite_names.h"
 #include "host/rinex/signal_codes.h"
-#include "host/simulator/carriers.h"
 #include "results/result_analysis.h"
 #include "tests/support/simulated_sky.h"
 

@@ -1,6 +1,6 @@
 // Carrier frequencies by system and band digit (RINEX 3.05, tables 4 to 9).
-#ifndef ORSOLVA_SIMULATOR_CARRIERS_H
-#define ORSOLVA_SIMULATOR_CARRIERS_H
+#ifndef ORSOLVA_OBSERVATION_CARRIERS_H
+#define ORSOLVA_OBSERVATION_CARRIERS_H
 
 namespace orsolva_host {
 
@@ -10,4 +10,4 @@ double CarrierFrequency(char system, char band, int channel);
 
 }  // namespace orsolva_host
 
-#endif  // ORSOLVA_SIMULATOR_CARRIERS_H
+#endif  // ORSOLVA_OBSERVATION_CARRIERS_H

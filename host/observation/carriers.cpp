@@ -1,4 +1,4 @@
-#include "host/simulator/carriers.h"
+#include "host/observation/carriers.h"
 
 namespace orsolva_host {
 namespace {

@@ -1,4 +1,4 @@
-// Carrier frequencies by system and band digit (RINEX 3.05, tables 4 to 9).
+// Carrier frequencies by system and band digit (RINEX 4.01, tables 10 to 16).
 #ifndef ORSOLVA_OBSERVATION_CARRIERS_H
 #define ORSOLVA_OBSERVATION_CARRIERS_H
 

@@ -16,6 +16,7 @@ void BodyBase::Begin(const EpochLine& head, EpochBlock& epoch) const {
   epoch.time = head.time;
   epoch.time_given = head.time_given;
   epoch.flag = head.flag;
+  epoch.clock_offset_s = head.clock_offset_s;
   epoch.satellites.clear();
   epoch.cells.clear();
   epoch.records.clear();

@@ -26,11 +26,12 @@ constexpr std::ptrdiff_t kMostDigits = 18;
 struct Form {
   char mark;  ///< begins a full epoch line
   std::size_t satellite_column;
+  double clock_units_per_s;  ///< the receiver clock offset is a whole number of these
   bool (*parse)(std::string_view, EpochLine&);
 };
 
-constexpr Form kForm1 = {'&', 32, ParseEpochLine2};
-constexpr Form kForm3 = {'>', 41, ParseEpochLine};
+constexpr Form kForm1 = {'&', 32, 1e9, ParseEpochLine2};
+constexpr Form kForm3 = {'>', 41, 1e12, ParseEpochLine};
 
 /// The value and its differences up to the order reached.
 class Arc {
@@ -186,10 +187,11 @@ class Compact : public BodyBase {
   void ReadSatellites(int count, const ObservationTypes& types, EpochBlock& epoch) {
     ++epoch_;
     std::string_view line;
-    if (!lines_.Next(line)) {  // the receiver clock offset, not used
+    if (!lines_.Next(line)) {
       if (count > 0) Notice("the file ends inside an epoch");
       return;
     }
+    TakeClockOffset(line, epoch);
     for (int i = 0; i < count; ++i) {
       if (!lines_.Next(line)) return Notice("the file ends inside an epoch");
       if (!line.empty() && line[0] == form_.mark) {
@@ -203,6 +205,15 @@ class Compact : public BodyBase {
         Notice("a satellite of an epoch line cannot be read and is passed over");
       }
     }
+  }
+
+  void TakeClockOffset(std::string_view line, EpochBlock& epoch) {
+    Token token;
+    ScanToken(line.data(), line.data() + line.size(), token);
+    if (token.empty || !token.good || (token.order < 0 && !clock_.Open())) return clock_.End();
+    if (token.order >= 0) clock_.Begin(token.order, token.number);
+    const std::int64_t units = token.order >= 0 ? token.number : clock_.Continue(token.number);
+    epoch.clock_offset_s = static_cast<double>(units) / form_.clock_units_per_s;
   }
 
   bool ReadName(std::size_t place, SatelliteRow& row) {
@@ -275,6 +286,7 @@ class Compact : public BodyBase {
   Form form_;
   char blank_letter_;
   std::vector<SatelliteState> states_;
+  Arc clock_;
   std::string text_;  ///< the epoch line as it stands
   long epoch_ = 0;
   bool lost_ = false;

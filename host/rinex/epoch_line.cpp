@@ -19,6 +19,13 @@ bool HasFormOfVersion2(std::string_view line) {
 
 }  // namespace
 
+double ParseClockOffset(std::string_view field) {
+  double offset_s = 0;
+  if (field.empty() || ParseDecimal(field, offset_s) != FieldState::kNumber)
+    return EpochLine().clock_offset_s;
+  return offset_s;
+}
+
 bool ParseEpochLine(std::string_view line, EpochLine& epoch) {
   if (line.empty() || line[0] != '>') return false;
   std::int64_t flag = 0;

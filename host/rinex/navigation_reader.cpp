@@ -6,6 +6,7 @@
 #include <cstring>
 #include <utility>
 
+#include "host/rinex/broadcast_reader.h"
 #include "host/rinex/civil_time.h"
 #include "host/rinex/decimal.h"
 #include "host/rinex/header_labels.h"
@@ -25,6 +26,9 @@ constexpr std::int64_t kWeek_s = 604800;
 constexpr std::int64_t kWeeksOfTenBits = 1024;
 constexpr std::size_t kWeekValue = 21;
 
+/// Of RINEX 4, read as plain data although the library has no use for it.
+constexpr std::string_view kForeignMessage = "SBAS";
+
 bool IsTakenMessage(std::string_view message) {
   return message == "LNAV" || message == "FDMA" || message == "INAV" || message == "FNAV" ||
          message == "D1" || message == "D2";
@@ -32,7 +36,10 @@ bool IsTakenMessage(std::string_view message) {
 
 /// Lines that a usable record has after its epoch line. The last orbit line holds only the time of
 /// transmission and spare values, so a record without it is whole.
-int LinesNeeded(char letter) { return letter == 'R' ? kGlonassLines : kOrbitLines - 1; }
+int LinesNeeded(char letter) { return IsStateVector(letter) ? kGlonassLines : kOrbitLines - 1; }
+
+/// Systems beyond the library's whose records are kept as plain data.
+bool HasReader(char letter) { return SystemSlot(letter) >= 0 || letter == 'I' || letter == 'S'; }
 
 }  // namespace
 
@@ -146,7 +153,7 @@ bool NavigationReader::TakeMessageLine(std::string_view line, long number) {
   message_ = Trimmed(Field(line, 10, 4));
   if (kind == "EPH" && IsTakenMessage(message_)) return true;
   Notice(number, "records " + Quoted(std::string(kind) + " " + message_) + " are not used", true);
-  return false;
+  return kind == "EPH" && message_ == kForeignMessage;
 }
 
 bool NavigationReader::BeginRecord(std::string_view line, long number) {
@@ -159,19 +166,25 @@ bool NavigationReader::BeginRecord(std::string_view line, long number) {
     Notice(number, "a record whose first line cannot be read is passed over", false);
     return false;
   }
-  const int slot = SystemSlot(record_.letter);
-  if (slot < 0) {
-    Notice(number, std::string("records of system ") + record_.letter + " are not used", true);
-    return false;
-  }
-  if (record_.number > kSystemTable[slot].satellites) {
-    Notice(number, "satellite " + SatelliteName(record_.letter, record_.number) + " is not judged", true);
-    return false;
-  }
+  foreign_ = IsForeign(number);
+  if (foreign_ && !HasReader(record_.letter)) return false;
   for (std::size_t i = 0; i < 3; ++i) {
     const std::size_t column = columns_.first_line + kNavigationValueWidth * i;
     record_.v[i] = Number(Field(line, column, kNavigationValueWidth), number);
   }
+  return true;
+}
+
+/// Whether the record at hand is of no use to the library.
+bool NavigationReader::IsForeign(long number) {
+  const int slot = SystemSlot(record_.letter);
+  if (slot < 0 && message_ == kForeignMessage) return true;  // said by the line before
+  if (slot < 0) {
+    Notice(number, std::string("records of system ") + record_.letter + " are not used", true);
+    return true;
+  }
+  if (record_.number <= kSystemTable[slot].satellites) return false;
+  Notice(number, "satellite " + SatelliteName(record_.letter, record_.number) + " is not judged", true);
   return true;
 }
 
@@ -189,7 +202,7 @@ double NavigationReader::Number(std::string_view field, long number) {
   double value = 0;
   if (ParseDecimal(field, value) == FieldState::kBad) {
     bad_ = true;
-    Notice(number, "a record with a value that is no number is passed over", false);
+    if (!foreign_) Notice(number, "a record with a value that is no number is passed over", false);
   }
   return value;
 }
@@ -199,14 +212,14 @@ void NavigationReader::FinishRecord() {
   open_ = false;
   if (bad_) return;
   if (record_.lines < LinesNeeded(record_.letter)) {
-    Notice(record_.line, "a record with too few lines is passed over", false);
+    if (!foreign_) Notice(record_.line, "a record with too few lines is passed over", false);
     return;
   }
   RepairWeek();
   CheckCount();
   if (!met_.insert(record_).second) {
     Notice(record_.line, "records that stand twice are taken once", true);
-  } else if (!Convert()) {
+  } else if (AddBroadcast(record_, message_, broadcast_); !foreign_ && !Convert()) {
     Notice(record_.line, "a record with a whole number out of range is passed over", false);
   }
 }

@@ -9,6 +9,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "host/observation/broadcast_records.h"
 #include "host/rinex/byte_source.h"
 #include "host/rinex/diagnostics.h"
 #include "host/rinex/line_reader.h"
@@ -27,8 +28,8 @@ struct NavigationOptions {
 /// Reference times are seconds since 1970-01-01 with the calendar as it stands in the file: GPS, Galileo and
 /// QZSS time, BDS time, and UTC for GLONASS. Weeks and seconds of week are the file's, but that a GPS, QZSS
 /// or Galileo week counted from a later beginning (a multiple of 1,024 weeks) is made whole. Of RINEX 4 the
-/// EPH records LNAV, FDMA, INAV, FNAV, D1 and D2 are taken; all others are counted and left out. A record
-/// that was met before is left out.
+/// EPH records LNAV, FDMA, INAV, FNAV, D1 and D2 are taken; all others are counted and left out. A
+/// record that was met before is left out.
 class NavigationReader {
  public:
   explicit NavigationReader(Diagnostics& diagnostics, const NavigationOptions& options = {})
@@ -43,6 +44,9 @@ class NavigationReader {
 
   /// Everything read so far, with Galileo I/NAV preferred over F/NAV.
   NavigationSet Take() const;
+
+  /// The same records as plain data, also those of systems and satellites that the library does not know.
+  const BroadcastRecords& Broadcast() const { return broadcast_; }
 
  private:
   struct SameSatellite {
@@ -59,6 +63,7 @@ class NavigationReader {
   void TakeHeaderLine(std::string_view line, long number);
   bool TakeMessageLine(std::string_view line, long number);
   bool BeginRecord(std::string_view line, long number);
+  bool IsForeign(long number);
   void AddLine(std::string_view line, long number);
   void FinishRecord();
   bool Convert();
@@ -81,8 +86,10 @@ class NavigationReader {
   bool open_ = false;     ///< a record is being read
   bool bad_ = false;      ///< the record at hand holds a value that is no number
   bool skipped_ = false;  ///< the record at hand is of no use
+  bool foreign_ = false;  ///< the record at hand is of a satellite that the library does not know
   std::string message_;   ///< RINEX 4 message type, such as "INAV"
   NavigationSet set_;     ///< without Galileo
+  BroadcastRecords broadcast_;
   std::vector<GalileoRecord> galileo_;
   std::unordered_set<NavigationRecord, SameSatellite, SameValues> met_;
 };

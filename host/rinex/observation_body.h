@@ -6,6 +6,7 @@
 #define ORSOLVA_RINEX_OBSERVATION_BODY_H
 
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -40,6 +41,7 @@ struct EpochBlock {
   Time_gbt time = {};      ///< calendar of the file as it stands
   bool time_given = true;  ///< an event may leave its time blank
   int flag = 0;            ///< 0 good, 1 power failure before, above 1 event
+  double clock_offset_s = std::numeric_limits<double>::quiet_NaN();  ///< of the receiver; NaN: not given
   std::vector<SatelliteRow> satellites;
   std::vector<Cell> cells;
   std::vector<std::string> records;  ///< the lines of an event

@@ -143,6 +143,8 @@ void HeaderParser::Take(std::string_view line, long number) {
     header_.antenna = Text(line, 20, 20);
   } else if (label == "TIME OF FIRST OBS") {
     header_.time_system = Text(line, 48, 3);
+  } else if (label == "GLONASS SLOT / FRQ #") {
+    TakeChannels(line);
   } else if (label == "LEAP SECONDS") {
     std::int64_t seconds = 0;
     if (ParseInteger(Field(line, 0, 6), seconds) == FieldState::kNumber && std::abs(seconds) < 1000) {
@@ -237,6 +239,20 @@ void HeaderParser::TakePosition(std::string_view line, long number) {
     }
   }
   if (xyz[0] != 0 || xyz[1] != 0 || xyz[2] != 0) header_.position = xyz;
+}
+
+// Eight satellites a line, "R01  1 " from column 5 on (RINEX 3.05, table A2).
+void HeaderParser::TakeChannels(std::string_view line) {
+  for (std::size_t column = 4; column + 6 <= 60; column += 7) {
+    std::int64_t slot = 0;
+    std::int64_t channel = 0;
+    const bool known = Field(line, column, 1) == "R" &&
+                       ParseInteger(Field(line, column + 1, 2), slot) == FieldState::kNumber && slot > 0 &&
+                       ParseInteger(Field(line, column + 4, 2), channel) == FieldState::kNumber;
+    if (known && channel >= -7 && channel <= 13) {
+      header_.glonass_channels[static_cast<std::size_t>(slot)] = static_cast<int>(channel);
+    }
+  }
 }
 
 void HeaderParser::TakeInterval(std::string_view line, long number) {

@@ -36,6 +36,7 @@ struct ObservationHeader {
   std::optional<std::array<double, 3>> position;  ///< approximate, ECEF, m; absent when zero or not given
   std::optional<double> interval_s;
   std::optional<int> leap_seconds;
+  std::array<std::optional<int>, 100> glonass_channels;  ///< by slot number
   ObservationTypes types;
   std::vector<ScaleFactor> scale_factors;
 
@@ -71,6 +72,7 @@ class HeaderParser {
   void TakeWavelengthFactor(std::string_view line, long number);
   void TakePosition(std::string_view line, long number);
   void TakeInterval(std::string_view line, long number);
+  void TakeChannels(std::string_view line);
   void Notice(long number, const std::string& text) { diagnostics_.Add(file_, number, text); }
 
   std::string file_;

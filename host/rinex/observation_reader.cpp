@@ -29,17 +29,6 @@ int PlaceOf(std::vector<std::uint8_t>& numbers, int number) {
   return static_cast<int>(numbers.size()) - 1;
 }
 
-double ScaleOf(const ObservationHeader& header, char letter, const std::string& type) {
-  double factor = 1;
-  for (const ScaleFactor& scale : header.scale_factors) {
-    const bool all = scale.types.empty();
-    const bool named = std::find(scale.types.begin(), scale.types.end(), type) != scale.types.end();
-    const bool system = scale.system == letter || scale.system == '*';
-    if (system && (all || named)) factor = scale.factor;
-  }
-  return factor;
-}
-
 bool HasValue(const Signal_QC_gbt& signal) {
   return signal.pseudorange != 0 || signal.phase != 0 || signal.doppler != 0 || signal.snr != 0;
 }
@@ -98,6 +87,7 @@ void ObservationReader::PlanTimeScale() {
 void ObservationReader::MakePlans() {
   has_choices_ = false;
   for (int slot = 0; slot < kSystems; ++slot) PlanSystem(slot);
+  full_.Plan(header_);
   bool any = false;
   bool any_strength = false;
   for (const SystemPlan& plan : plans_) {
@@ -222,6 +212,25 @@ bool ObservationReader::Next(ObsEpoch_QC_gbt& epoch) {
   }
 }
 
+bool ObservationReader::Next(ObsEpoch_QC_gbt& epoch, ObservationEpoch& full) {
+  if (!Next(epoch)) return false;
+  AssignChoices();
+  full_.Fill(block_, epoch.time, full);
+  return true;
+}
+
+/// What RINEX 2 leaves open is settled for both views of an epoch at once.
+void ObservationReader::AssignChoices() {
+  for (int slot = 0; slot < kSystems; ++slot) {
+    const SystemPlan& plan = plans_[static_cast<std::size_t>(slot)];
+    for (const SignalChoice& choice : plan.choices) {
+      const auto place = static_cast<std::size_t>(plan.cells[choice.cell].signal);
+      const std::string_view name = SignalName(kSystemTable[slot].code, plan.numbers[place]);
+      full_.Assign(kSystemTable[slot].letter, choice.cell, {name[0], name[1]});
+    }
+  }
+}
+
 bool ObservationReader::Advance(ObsEpoch_QC_gbt& epoch) {
   while (body_->Next(header_.types, block_)) {
     if (block_.flag > 1) {
@@ -255,6 +264,7 @@ void ObservationReader::NameEvent(const EpochBlock& block) {
 void ObservationReader::TakeEvent(const EpochBlock& block) {
   constexpr int kSlipRecords = 6;
   NameEvent(block);
+  full_.TakeEvent(block.flag);
   if (block.flag == kSlipRecords) return;
   parser_.BeginBlock();
   const ObservationTypes types = header_.types;

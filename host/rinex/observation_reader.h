@@ -11,6 +11,7 @@
 
 #include "host/rinex/byte_source.h"
 #include "host/rinex/diagnostics.h"
+#include "host/rinex/full_epoch.h"
 #include "host/rinex/observation_body.h"
 #include "host/rinex/observation_header.h"
 #include "host/rinex/satellite_names.h"
@@ -74,6 +75,9 @@ class ObservationReader {
   /// @throws FileError when the file cannot be read on before its first epoch
   bool Next(ObsEpoch_QC_gbt& epoch);
 
+  /// The next epoch twice: as the library's record, which has its limits, and with everything the file holds.
+  bool Next(ObsEpoch_QC_gbt& epoch, ObservationEpoch& full);
+
   /// Why reading ended before the end of the file; absent when it did not.
   const std::optional<FileError>& Failure() const { return failure_; }
 
@@ -89,6 +93,7 @@ class ObservationReader {
   void PlanStrengthDigits(SystemPlan& plan);
   void PlanTimeScale();
   void SettleChoices();
+  void AssignChoices();
   void CheckOrder(const Time_gbt& time);
   void TakeEvent(const EpochBlock& block);
   void NameEvent(const EpochBlock& block);
@@ -106,6 +111,7 @@ class ObservationReader {
   std::unique_ptr<ObservationBody> body_;
   std::array<SystemPlan, kSystems> plans_;
   EpochBlock block_;
+  FullEpoch full_;
   std::vector<Signal_QC_gbt> signals_;    ///< of the satellite at hand, also those beyond 8
   std::array<std::size_t, 26> unjudged_;  ///< kinds of notices, by system letter
   std::size_t empty_satellite_;           ///< kind of notice

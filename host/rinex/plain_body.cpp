@@ -38,7 +38,10 @@ class Plain : public BodyBase {
  private:
   bool FindEpoch(std::string_view& line, EpochLine& head) {
     while (lines_.Next(line)) {
-      if (ParseEpochLine(line, head)) return true;
+      if (ParseEpochLine(line, head)) {
+        head.clock_offset_s = ParseClockOffset(Field(line, 41, 15));
+        return true;
+      }
       if (Trimmed(line).empty()) continue;
       if (IsHeaderLine(line)) {
         head.flag = kStrayHeader;

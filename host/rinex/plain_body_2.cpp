@@ -48,7 +48,10 @@ class Plain2 : public BodyBase {
 
   bool FindEpoch(std::string_view& line, EpochLine& head) {
     while (lines_.Next(line)) {
-      if (ParseEpochLine2(line, head)) return true;
+      if (ParseEpochLine2(line, head)) {
+        head.clock_offset_s = ParseClockOffset(Field(line, 68, 12));
+        return true;
+      }
       if (Trimmed(line).empty()) continue;
       if (IsHeaderLine(line)) {
         head.flag = kStrayHeader;

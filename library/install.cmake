@@ -4,7 +4,7 @@
 include(CMakePackageConfigHelpers)
 set(_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Orsolva)
 
-install(TARGETS Orsolva_cbb EXPORT OrsolvaTargets
+install(TARGETS Orsolva_cbb orsolva_c EXPORT OrsolvaTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
   RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
@@ -22,6 +22,8 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/OrsolvaConfig.cmake
   ${CMAKE_CURRENT_BINARY_DIR}/OrsolvaConfigVersion.cmake DESTINATION ${_package_dir} COMPONENT development)
 
 file(RELATIVE_PATH ORSOLVA_PC_TO_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
-configure_file(${PROJECT_SOURCE_DIR}/cmake/orsolva.pc.in ${CMAKE_CURRENT_BINARY_DIR}/orsolva.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/orsolva.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
-  COMPONENT development)
+foreach(_pc orsolva orsolva_c)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/${_pc}.pc.in ${CMAKE_CURRENT_BINARY_DIR}/${_pc}.pc @ONLY)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${_pc}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+    COMPONENT development)
+endforeach()

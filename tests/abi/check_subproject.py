@@ -9,7 +9,7 @@ import subprocess
 import sys
 import tempfile
 
-TARGETS = {"Orsolva_cbb", "orsolva_core", "orsolva_flags", "orsolva_static"}
+TARGETS = {"Orsolva_cbb", "orsolva_c", "orsolva_core", "orsolva_flags", "orsolva_static"}
 FLOOR = re.compile(r"orsolva_(toolkit|matrix|navigation|qc|measures|results|interface)")
 
 

@@ -166,7 +166,7 @@ enum class System : std::uint8_t {
   kQzss = ORSOLVA_QZSS
 };
 
-/// The systems in the order of the configuration's flags and of the results.
+/// The systems in the order of the flags of a configuration and of the results.
 inline constexpr System kAllSystems[ORSOLVA_SYSTEMS] = {System::kGps, System::kGlonass, System::kBds,
                                                         System::kGalileo, System::kQzss};
 

@@ -24,10 +24,13 @@ std::vector<ObsEpoch_QC_gbt> Hour(int hour) {
 }
 
 orsolva::Config StationConfig() {
+  // [config]
   orsolva::Config config;
   config.systems = {orsolva::System::kGps};
   config.interval_s = SMALL_SKY_INTERVAL_S;
   config.position_m = {small_sky_station_m[0], small_sky_station_m[1], small_sky_station_m[2]};
+  config.excluded_satellites = {{orsolva::System::kGps, 3}};
+  // [config]
   return config;
 }
 
@@ -43,33 +46,31 @@ void PrintSignals(const total_code_qc_result& codes) {
   // [signals]
 }
 
+int Fail(const orsolva::Status& status) {
+  std::fprintf(stderr, "%s\n", status.Text());
+  return 1;
+}
+
 }  // namespace
 
 int main() {
   const std::vector<GpsEph_gbt> records = BroadcastRecords();
   const orsolva::Config config = StationConfig();
-
-  // [run]
   orsolva::Navigation navigation;
   navigation.gps = records;
 
+  // [run]
   orsolva::Session session;
   orsolva::Status status = session.Start(config, navigation);
   for (int hour = 0; status && hour < 24; ++hour) status = session.Feed(Hour(hour));
-  if (!status) {
-    std::fprintf(stderr, "%s\n", status.Text());
-    return 1;
-  }
+  if (!status) return Fail(status);
+  const auto result = session.Result();
+  if (!result) return Fail(result.status);
+  std::printf("%.1f h, GPS %.2f %% complete\n", result->duration, 100.0 * result->sys[0].completeness);
   // [run]
 
-  // [result]
-  const auto result = session.Result();
   const auto codes = session.CodeResult();
-  if (!result || !codes) return 1;
-  const qc_core_summary& gps = result->sys[orsolva::SlotOf(orsolva::System::kGps)];
-  std::printf("%.1f hours, %d epochs lost\n", result->duration, result->lost_epochs);
-  std::printf("GPS: %.2f %% of the expected observations\n", 100.0 * gps.completeness);
-  // [result]
+  if (!codes) return Fail(codes.status);
   PrintSignals(*codes);
   return 0;
 }

@@ -11,10 +11,9 @@ import sys
 import tempfile
 
 PRINTED = {
-    "whole_day": """24.0 hours, 0 epochs lost
-GPS: 100.00 % of the expected observations
-L1 1C: multipath 0.34 m, SNR 43.5 dB-Hz
-L2 2W: multipath 0.33 m, SNR 43.5 dB-Hz
+    "whole_day": """24.0 h, GPS 100.00 % complete
+L1 1C: multipath 0.34 m, SNR 43.4 dB-Hz
+L2 2W: multipath 0.33 m, SNR 43.4 dB-Hz
 """,
     "live_feed": """ 0.5 h: 100.00 % complete, 0 epochs lost
  1.0 h: 100.00 % complete, 0 epochs lost

@@ -87,9 +87,13 @@ ORSOLVA_C_EXPORT orsolva_status orsolva_start(orsolva_session* session, const co
                                               size_t config_size, const NavBodyData_QC_gbt* navigation,
                                               size_t navigation_size);
 
-/** Takes one batch, its epochs in time order and later than those before. A batch that fails is lost, the run
- * is not.
- * @param epoch_size  sizeof one epoch */
+/** Takes one batch, its epochs in time order and later than those before. After ORSOLVA_NO_DATA and
+ * ORSOLVA_NO_POSITION others may follow; ORSOLVA_INTERNAL_ERROR leaves the run incomplete.
+ * @param session     started
+ * @param epochs      `count` of them
+ * @param count       at most 2,147,483,647
+ * @param epoch_size  sizeof one epoch
+ * @return ORSOLVA_OK, or why the batch is not part of the run */
 ORSOLVA_C_EXPORT orsolva_status orsolva_feed(orsolva_session* session, const ObsEpoch_QC_gbt* epochs,
                                              size_t count, size_t epoch_size);
 

@@ -81,7 +81,8 @@ class [[nodiscard]] Status {
  public:
   constexpr Status() = default;
   constexpr Status(StatusCode code) : code_(code), text_(StatusText(code)) {}  // NOLINT: a code is a status
-  /// @param text  outlives the status: a literal
+  /// @param code  the outcome
+  /// @param text  what it means here; outlives the status: a literal
   constexpr Status(StatusCode code, const char* text) : code_(code), text_(text) {}
 
   constexpr StatusCode Code() const { return code_; }
@@ -179,9 +180,11 @@ class Session {
   /// The same from the records of the library, which are taken as they are.
   Status Start(const config_qct& config, const NavBodyData_QC_gbt& navigation);
 
-  /// Takes one batch, its epochs in time order and later than those before. A batch that fails is lost, the
-  /// run is not: others may follow. The first batch that is taken decides which signals are judged.
-  /// @return kNoData, kNoPosition or kInternalError as GNSSQCPlus; kNotStarted or kBadArgument
+  /// Takes one batch, its epochs in time order and later than those before. The first batch that is accepted
+  /// decides which signals are judged.
+  /// @return kNoData or kNoPosition: the batch is not measured and others may follow; kInternalError: the
+  /// figures of
+  ///         the run stay incomplete, start another session; kNotStarted or kBadArgument: nothing happened
   Status Feed(Span<ObsEpoch_QC_gbt> epochs);
 
   /// The result of all batches so far; may be asked for at any time and changes nothing.

@@ -427,6 +427,7 @@ constexpr const SignalInfo* FindSignal(System system, int number) {
   return nullptr;
 }
 
+/// @param system       one of the five
 /// @param observation  observation code as RINEX 3.03 and later name it; BDS "1I" and "1Q" are found as well
 /// @return the row of an observation code; null when the system has none
 constexpr const SignalInfo* FindSignal(System system, const char* observation) {

@@ -49,8 +49,8 @@ std::string Joined(const std::vector<std::string>& names) {
 
 SignalReport SignalOf(const SystemRow& system, const code_qc_entry& e) {
   SignalReport s;
-  s.system = system.letter;
-  s.system_name = system.name;
+  s.letter = system.letter;
+  s.name = system.name;
   s.signal = SignalName(system.code, e.code);
   s.band = BandName(system.code, SignalBandSlot(system.code, e.code));
   const bool seen = e.expected_epochs > 0;
@@ -59,9 +59,9 @@ SignalReport SignalOf(const SystemRow& system, const code_qc_entry& e) {
   s.completeness = GivenIf(seen, e.completeness);
   s.mp_m = GivenIf(e.mp_count > 0, e.mp_rms);
   s.mp_values = e.mp_count > 0 ? std::optional<Count>(e.mp_count) : std::nullopt;
-  s.jumps = CountIf(e.mp_count > 0, e.slip_count);
-  s.iono_slips = CountIf(e.mp_count > 0, e.iod_slip_count);
-  s.obs_per_slip = GivenIf(e.mp_count > 0 && e.observed_epochs > 0, e.obs_per_slip);
+  s.mp_restarts = CountIf(e.mp_count > 0, e.slip_count);
+  s.phase_geometry_slips = CountIf(e.mp_count > 0, e.iod_slip_count);
+  s.obs_per_restart = GivenIf(e.mp_count > 0 && e.observed_epochs > 0, e.obs_per_slip);
   s.snr_dbhz = GivenIf(e.snr_count > 0, e.snr);
   s.snr_below30_dbhz = GivenIf(e.snr_count_below30 > 0, e.snr_below30);
   s.snr_above30_dbhz = GivenIf(e.snr_count_above30 > 0, e.snr_above30);
@@ -135,26 +135,26 @@ std::optional<double> MultipathOf(const Figures& figures, int slot) {
   return std::nullopt;
 }
 
-Summary SummaryOf(const Report& report) {
-  Summary sum;
+Headline HeadlineOf(const Report& report) {
+  Headline sum;
   Count expected = 0;
   Count observed = 0;
-  Count jumps = 0;
+  Count restarts = 0;
   for (const SystemReport& system : report.systems) {
     const Figures& f = system.figures;
     if (!f.expected || !f.observed) continue;
     expected += *f.expected;
     observed += *f.observed;
-    jumps += f.jumps.value_or(0);
+    restarts += f.mp_restarts.value_or(0);
   }
   if (expected > 0) {
     sum.expected = expected;
     sum.observed = observed;
     sum.completeness = static_cast<double>(observed) / static_cast<double>(expected);
   }
-  if (observed > 0) sum.obs_per_slip = static_cast<double>(jumps > 0 ? observed / jumps : observed);
-  sum.mp1_m = MultipathOf(report.combined, 1);
-  sum.mp2_m = MultipathOf(report.combined, 2);
+  if (observed > 0) sum.obs_per_restart = static_cast<double>(restarts > 0 ? observed / restarts : observed);
+  sum.mp1_m = MultipathOf(report.library_total, 1);
+  sum.mp2_m = MultipathOf(report.library_total, 2);
   return sum;
 }
 
@@ -167,10 +167,10 @@ Figures FiguresOf(const qc_core_summary& s, int system) {
   if (seen) f.expected = s.expected_epochs;
   if (seen) f.observed = s.observed_epochs;
   f.completeness = GivenIf(seen, s.completeness);
-  if (observed || s.slip_epochs > 0) f.slips = s.slip_epochs;
+  if (observed || s.slip_epochs > 0) f.phase_geometry_slips = s.slip_epochs;
   const bool multipath = std::any_of(std::begin(s.mp), std::end(s.mp), [](double mp) { return mp > 0; });
-  if (observed || multipath || s.jump_epochs > 0) f.jumps = s.jump_epochs;
-  f.obs_per_slip = GivenIf(observed, s.obs_per_slip);
+  if (observed || multipath || s.jump_epochs > 0) f.mp_restarts = s.jump_epochs;
+  f.obs_per_restart = GivenIf(observed, s.obs_per_slip);
   for (int i = 0; i < kBandSlots; ++i) {
     BandFigures band;
     band.slot = i + 1;
@@ -222,9 +222,9 @@ Report BuildReport(ReportRun run, const result_qct& result, const total_code_qc_
     AddSystem(slot, result, codes, report);
     AddSatellites(slot, result, report);
   }
-  report.combined = FiguresOf(result.total, 0);
+  report.library_total = FiguresOf(result.total, 0);
   DropUncountedObservations(report);
-  report.summary = SummaryOf(report);
+  report.headline = HeadlineOf(report);
   report.notes = NotesOf(report);
   return report;
 }

@@ -13,7 +13,7 @@ std::string CsvHeading();
 
 /// The rows of a report, without the heading. Absent figures have an empty value.
 ///
-/// `satellite` is "G04", a system letter, "all" for the combined row, or empty for figures of the run;
+/// `satellite` is "G04", a system letter, "all" for the library total, or empty for figures of the run;
 /// `signal` is a code such as "1C", or the band of a band figure, or empty.
 std::string WriteCsvRows(const Report& report);
 

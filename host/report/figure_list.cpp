@@ -33,9 +33,9 @@ class Lister {
     Add("expected_epochs", f.expected);
     Add("observed_epochs", f.observed);
     Add("completeness_ratio", f.completeness);
-    Add("slip_epochs", f.slips);
-    Add("jump_epochs", f.jumps);
-    Add("observations_per_slip", f.obs_per_slip);
+    Add("phase_geometry_slip_epochs", f.phase_geometry_slips);
+    Add("mp_restart_epochs", f.mp_restarts);
+    Add("observations_per_restart", f.obs_per_restart);
     for (const BandFigures& band : f.bands) {
       Signal(band.band.empty() ? fmt::format("slot{}", band.slot) : band.band);
       Add("mp_rms_m", band.mp_m);
@@ -66,16 +66,16 @@ void AddRun(const ReportRun& run, Lister& list) {
 }
 
 void AddSignal(const SignalReport& s, Lister& list) {
-  list.Begin(FigureScope::kSignal, std::string(1, s.system));
+  list.Begin(FigureScope::kSignal, std::string(1, s.letter));
   list.Signal(s.signal);
   list.Add("expected_epochs", s.expected);
   list.Add("observed_epochs", s.observed);
   list.Add("completeness_ratio", s.completeness);
   list.Add("mp_rms_m", s.mp_m);
   list.Add("mp_values", s.mp_values);
-  list.Add("jump_epochs", s.jumps);
-  list.Add("iono_slip_epochs", s.iono_slips);
-  list.Add("observations_per_slip", s.obs_per_slip);
+  list.Add("mp_restart_epochs", s.mp_restarts);
+  list.Add("phase_geometry_slip_epochs", s.phase_geometry_slips);
+  list.Add("observations_per_restart", s.obs_per_restart);
   list.Add("snr_mean_dbhz", s.snr_dbhz);
   list.Add("snr_mean_below_30deg_dbhz", s.snr_below30_dbhz);
   list.Add("snr_mean_above_30deg_dbhz", s.snr_above30_dbhz);
@@ -95,8 +95,8 @@ std::vector<FigureValue> ListFigures(const Report& report) {
   std::vector<FigureValue> figures;
   Lister list(figures);
   AddRun(report.run, list);
-  list.Begin(FigureScope::kCombined, "all");
-  list.AddFigures(report.combined);
+  list.Begin(FigureScope::kLibraryTotal, "all");
+  list.AddFigures(report.library_total);
   for (const SystemReport& system : report.systems) {
     list.Begin(FigureScope::kSystem, std::string(1, system.letter));
     list.AddFigures(system.figures);

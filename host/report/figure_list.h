@@ -11,7 +11,7 @@
 
 namespace orsolva_host {
 
-enum class FigureScope { kRun, kCombined, kSystem, kSatellite, kSignal };
+enum class FigureScope { kRun, kLibraryTotal, kSystem, kSatellite, kSignal };
 
 struct FigureValue {
   FigureScope scope = FigureScope::kRun;

@@ -46,7 +46,8 @@ const Figure kFigureTable[] = {
      "one.",
      kWholeRun, kNoReset, kAboveCutoff, kNoDenominator, kHave},
     {"completeness_ratio", "1", "completeness compl compl% percent %", "Completeness",
-     "observed_epochs / expected_epochs. A system divides the sums over its satellites, the combined row the "
+     "observed_epochs / expected_epochs. A system divides the sums over its satellites, the library total "
+     "the "
      "sums over the systems; a mean of ratios is never formed.",
      kWholeRun, kNoReset, kAboveCutoff, "expected_epochs", kHave},
     {"optimal_combination", "", "combination", "Best combination of signals of a system",
@@ -67,9 +68,9 @@ const Figure kFigureTable[] = {
      "a moving mean over the last 50 values at intervals up to 5 s, over 300 s up to 30 s, over 10 values "
      "beyond. Multipath slower than the window is taken out with the bias, so only figures of equal windows "
      "compare.",
-     "the mean starts anew, and that epoch adds r = 0, after a gap of more than 600 s; after an ionospheric "
-     "jump "
-     "(see jump_epochs); and when r differs from the mean of the last residuals by more than 5.5 m (GPS and "
+     "the mean restarts, and that epoch adds r = 0, after a gap of more than 600 s; after a geometry-free "
+     "slip (see mp_restart_epochs); and when r differs from the mean of the last residuals by more than 5.5 "
+     "m (GPS and "
      "QZSS "
      "bands 1, 5, QZSS 6), 5.75 m (GPS and QZSS band 2), 5.6 m (GLONASS bands 1, 3), 6.25 m (GLONASS band "
      "2), "
@@ -80,45 +81,48 @@ const Figure kFigureTable[] = {
      "One for every epoch with pseudorange and phase of the code and of its partner.", kWholeRun, kNoReset,
      kAboveCutoff, kNoDenominator, kMultipath},
     // ---- slips
-    {"jump_epochs", "epochs", "jumps", "Epochs at which the multipath mean started anew",
+    {"mp_restart_epochs", "epochs", "restarts rst jumps jump_epochs",
+     "Epochs at which the multipath mean restarted",
      "Distinct epochs of a satellite with a restart by a code jump (thresholds as for mp_rms_m) or by an "
-     "ionospheric jump: the geometry-free phase L_2 lambda_2 - L_1 lambda_1 changed by more than |(a - 1)/a| "
+     "geometry-free slip: the geometry-free phase L_2 lambda_2 - L_1 lambda_1 changed by more than |(a - "
+     "1)/a| "
      "dt x "
      "4 m/min, a = f_1^2/f_2^2, at least 0.026 m, or more than 242 s and less than 600 s passed. A "
      "satellite's "
-     "figure joins the band slots 1 and 2, for GPS also 3; with one code only it equals slip_epochs. Systems "
+     "figure joins the band slots 1 and 2, for GPS also 3; with one code only it equals "
+     "phase_geometry_slip_epochs. Systems "
      "add their satellites. A signal counts the restarts of its own pair.",
-     "neighbouring values of the pair", "gaps of 600 s and more are no jump", kAboveCutoff, kNoDenominator,
-     kBlewitt},
-    {"slip_epochs", "epochs", "slips", "Epochs with a cycle slip by the phase-minus-geometry test",
+     "neighbouring values of the pair", "gaps of 600 s and more are not counted", kAboveCutoff,
+     kNoDenominator, kBlewitt},
+    {"phase_geometry_slip_epochs", "epochs",
+     "pg slips slip_epochs iono_slip_epochs iono_slips ion_sl ion ionsl",
+     "Epochs with a cycle slip by the phase-minus-geometry test",
      "Change of lambda L - rho + c dt_sat between two values of a satellite (rho: distance to the broadcast "
      "position), compared with the median change of all signals of the epoch. A slip when they differ by "
      "more "
      "than 0.05 m (gap up to 1 s), 0.1 m (15 s), 0.15 m (30 s), 0.3 m (60 s), or the gap is longer than 60 "
      "s. "
-     "Distinct epochs of a satellite over its bands; systems add their satellites.",
+     "Distinct epochs of a satellite over its bands; systems add their satellites. A signal counts its own "
+     "pair: "
+     "the partner is the code with the highest completeness.",
      "neighbouring values of the code", "gaps of 600 s and more are not tested", kAboveCutoff, kNoDenominator,
      "the geometric range and clock of IS-GPS-200, 20.3.3; GLONASS ICD L1/L2 5.1, annex 3; BDS-SIS-ICD-B1I "
      "3.0, "
      "5.2; Galileo OS SIS ICD 2.0, 5.1; the median of the epoch stands for the receiver clock"},
-    {"iono_slip_epochs", "epochs", "iono_slips ion_sl ion ionsl",
-     "Slips of a signal by the phase-minus-geometry test",
-     "As slip_epochs, for the pair of this signal alone: the partner is the code with the highest "
-     "completeness.",
-     "neighbouring values of the code", "gaps of 600 s and more are not tested", kAboveCutoff, kNoDenominator,
-     "as for slip_epochs"},
-    {"observations_per_slip", "epochs", "obs_per_slip obs/slip o/slps o/slp oslps",
-     "Complete observations per jump of the multipath mean",
-     "observed_epochs / jump_epochs; observed_epochs itself without a jump. Systems and satellites divide in "
+    {"observations_per_restart", "epochs",
+     "obs/rst observations_per_slip obs_per_slip obs/slip o/slps o/slp oslps",
+     "Complete observations per restart of the multipath mean",
+     "observed_epochs / mp_restart_epochs; observed_epochs itself without a restart. Systems and satellites "
+     "divide in "
      "whole numbers (the fraction is dropped), signals with a fraction.",
-     kWholeRun, kNoReset, kAboveCutoff, "jump_epochs", kHave},
+     kWholeRun, kNoReset, kAboveCutoff, "mp_restart_epochs", kHave},
     {"iono_rms_cycles", "cycles", "iono iod iono_rms",
      "Scatter of the wide-lane combination over the longest arc",
      "Standard deviation of the Melbourne-Wuebbena combination L_a - L_b - (lambda_b - lambda_a)/(lambda_a + "
      "lambda_b) (P_a/lambda_a + P_b/lambda_b) over the longest arc without a slip. A system shows its last "
      "satellite's.",
      "the longest arc between slips",
-     "every slip (see slip_epochs) and every gap of 600 s or more closes the arc",
+     "every slip (see phase_geometry_slip_epochs) and every gap of 600 s or more closes the arc",
      "the arc runs on below the elevation cut-off; slips are counted above it only", "epochs of the arc",
      kBlewitt},
     // ---- signal strength

@@ -37,9 +37,9 @@ void AddFigures(const Figures& figures, Json& j) {
   j["expected_epochs"] = ValueOf(figures.expected);
   j["observed_epochs"] = ValueOf(figures.observed);
   j["completeness_ratio"] = ValueOf(figures.completeness);
-  j["slip_epochs"] = ValueOf(figures.slips);
-  j["jump_epochs"] = ValueOf(figures.jumps);
-  j["observations_per_slip"] = ValueOf(figures.obs_per_slip);
+  j["phase_geometry_slip_epochs"] = ValueOf(figures.phase_geometry_slips);
+  j["mp_restart_epochs"] = ValueOf(figures.mp_restarts);
+  j["observations_per_restart"] = ValueOf(figures.obs_per_restart);
   j["bands"] = Json::array();
   for (const BandFigures& band : figures.bands) j["bands"].push_back(BandJson(band));
 }
@@ -89,8 +89,8 @@ Json RunJson(const ReportRun& run) {
 
 Json SystemJson(const SystemReport& system) {
   Json j;
-  j["system"] = system.name;
   j["letter"] = std::string(1, system.letter);
+  j["name"] = system.name;
   j["optimal_combination"] = system.combination;
   j["signals"] = system.signals;
   AddFigures(system.figures, j);
@@ -99,8 +99,8 @@ Json SystemJson(const SystemReport& system) {
 
 Json SignalJson(const SignalReport& s) {
   Json j;
-  j["system"] = s.system_name;
-  j["letter"] = std::string(1, s.system);
+  j["letter"] = std::string(1, s.letter);
+  j["name"] = s.name;
   j["signal"] = s.signal;
   j["band"] = TextOf(s.band);
   j["expected_epochs"] = ValueOf(s.expected);
@@ -108,9 +108,9 @@ Json SignalJson(const SignalReport& s) {
   j["completeness_ratio"] = ValueOf(s.completeness);
   j["mp_rms_m"] = ValueOf(s.mp_m);
   j["mp_values"] = ValueOf(s.mp_values);
-  j["jump_epochs"] = ValueOf(s.jumps);
-  j["iono_slip_epochs"] = ValueOf(s.iono_slips);
-  j["observations_per_slip"] = ValueOf(s.obs_per_slip);
+  j["mp_restart_epochs"] = ValueOf(s.mp_restarts);
+  j["phase_geometry_slip_epochs"] = ValueOf(s.phase_geometry_slips);
+  j["observations_per_restart"] = ValueOf(s.obs_per_restart);
   j["snr_mean_dbhz"] = ValueOf(s.snr_dbhz);
   j["snr_mean_below_30deg_dbhz"] = ValueOf(s.snr_below30_dbhz);
   j["snr_mean_above_30deg_dbhz"] = ValueOf(s.snr_above30_dbhz);
@@ -125,14 +125,14 @@ Json SatelliteJson(const SatelliteReport& satellite) {
   return j;
 }
 
-Json SummaryJson(const Summary& summary) {
+Json HeadlineJson(const Headline& headline) {
   Json j;
-  j["expected_epochs"] = ValueOf(summary.expected);
-  j["observed_epochs"] = ValueOf(summary.observed);
-  j["completeness_ratio"] = ValueOf(summary.completeness);
-  j["mp1_rms_m"] = ValueOf(summary.mp1_m);
-  j["mp2_rms_m"] = ValueOf(summary.mp2_m);
-  j["observations_per_slip"] = ValueOf(summary.obs_per_slip);
+  j["expected_epochs"] = ValueOf(headline.expected);
+  j["observed_epochs"] = ValueOf(headline.observed);
+  j["completeness_ratio"] = ValueOf(headline.completeness);
+  j["mp1_rms_m"] = ValueOf(headline.mp1_m);
+  j["mp2_rms_m"] = ValueOf(headline.mp2_m);
+  j["observations_per_restart"] = ValueOf(headline.obs_per_restart);
   return j;
 }
 
@@ -188,14 +188,14 @@ Json NoticeJson(const ReportNotice& notice) {
 
 std::string WriteJson(const Report& report) {
   Json j;
-  j["format"] = 1;
+  j["format"] = 2;
   j["library_version"] = report.run.library_version;
   j["run"] = RunJson(report.run);
   j["verdict"] = report.verdict ? VerdictJson(*report.verdict) : Json(nullptr);
-  j["summary"] = SummaryJson(report.summary);
+  j["headline"] = HeadlineJson(report.headline);
   j["systems"] = Json::array();
   for (const SystemReport& system : report.systems) j["systems"].push_back(SystemJson(system));
-  AddFigures(report.combined, j["combined"]);
+  AddFigures(report.library_total, j["library_total"]);
   j["signals"] = Json::array();
   for (const SignalReport& signal : report.signals) j["signals"].push_back(SignalJson(signal));
   if (report.show_satellites) {
@@ -214,7 +214,7 @@ std::string WriteJson(const Report& report) {
 
 std::string WriteJsonFailure(const std::string& file, const std::string& error) {
   Json j;
-  j["format"] = 1;
+  j["format"] = 2;
   j["observation_file"] = file;
   j["error"] = error;
   return j.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";

@@ -63,7 +63,7 @@ NetworkRow RowOf(const Report& report) {
   row.interval_s = report.run.interval_s;
   row.epochs = report.run.epochs;
   row.lost_epochs = report.run.lost_epochs;
-  row.summary = report.summary;
+  row.headline = report.headline;
   row.notices = report.further_notices;
   for (const ReportNotice& notice : report.notices) row.notices += notice.count;
   return row;
@@ -80,7 +80,7 @@ NetworkRow FailedRow(const std::string& file, const std::string& error) {
 void SortWorstFirst(std::vector<NetworkRow>& rows) {
   std::stable_sort(rows.begin(), rows.end(), [](const NetworkRow& a, const NetworkRow& b) {
     const auto key = [](const NetworkRow& r) {
-      return std::make_tuple(Rank(r), r.summary.completeness.value_or(-1), std::cref(r.file));
+      return std::make_tuple(Rank(r), r.headline.completeness.value_or(-1), std::cref(r.file));
     };
     return key(a) < key(b);
   });
@@ -100,14 +100,14 @@ std::string NetworkText(const std::vector<NetworkRow>& rows, const TextStyle& st
   table.AddColumn("Lost", 7);
   table.AddColumn("MP1 m", 7);
   table.AddColumn("MP2 m", 7);
-  table.AddColumn("Obs/slip", 10);
+  table.AddColumn("Obs/rst", 10);
   for (const NetworkRow& row : rows) {
-    const std::optional<double>& ratio = row.summary.completeness;
+    const std::optional<double>& ratio = row.headline.completeness;
     const std::string percent = ratio ? fmt::format("{:.2f}", *ratio * 100) : "-";
     const std::string name = std::filesystem::path(row.file).filename().string();
     table.AddRow({Printable(name.empty() ? row.file : name), StateOf(row), percent,
-                  row.judged ? fmt::format("{}", row.lost_epochs) : "-", Fixed(row.summary.mp1_m, 3, "-"),
-                  Fixed(row.summary.mp2_m, 3, "-"), Fixed(row.summary.obs_per_slip, 0, "-")},
+                  row.judged ? fmt::format("{}", row.lost_epochs) : "-", Fixed(row.headline.mp1_m, 3, "-"),
+                  Fixed(row.headline.mp2_m, 3, "-"), Fixed(row.headline.obs_per_restart, 0, "-")},
                  ToneOfRow(row));
     if (!row.error.empty()) table.AddBelow(Wrapped(Printable(ErrorOf(row)), "    ", "    ", style.width));
   }
@@ -117,18 +117,19 @@ std::string NetworkText(const std::vector<NetworkRow>& rows, const TextStyle& st
 std::string NetworkCsv(const std::vector<NetworkRow>& rows) {
   std::string text =
       "file,marker,state,first_epoch_gpst,last_epoch_gpst,duration_h,interval_s,epochs,lost_epochs,"
-      "expected_epochs,observed_epochs,completeness_ratio,mp1_rms_m,mp2_rms_m,observations_per_slip,notices,"
+      "expected_epochs,observed_epochs,completeness_ratio,mp1_rms_m,mp2_rms_m,observations_per_restart,"
+      "notices,"
       "error\n";
   for (const NetworkRow& row : rows) {
     const bool judged = row.judged;
-    const Summary& s = row.summary;
+    const Headline& s = row.headline;
     text += fmt::format(
         "{},{},{},{},{},{},{},{},{},{},{},{},{},{},{},{},{}\n", CsvField(row.file), CsvField(row.marker),
         StateOf(row), TimeOf(row.first_epoch), TimeOf(row.last_epoch),
         judged ? fmt::format("{}", row.duration_h) : "", judged ? fmt::format("{}", row.interval_s) : "",
         judged ? fmt::format("{}", row.epochs) : "", judged ? fmt::format("{}", row.lost_epochs) : "",
         Exact(s.expected), Exact(s.observed), Exact(s.completeness), Exact(s.mp1_m), Exact(s.mp2_m),
-        Exact(s.obs_per_slip), judged ? fmt::format("{}", row.notices) : "", CsvField(ErrorOf(row)));
+        Exact(s.obs_per_restart), judged ? fmt::format("{}", row.notices) : "", CsvField(ErrorOf(row)));
   }
   return text;
 }

@@ -24,7 +24,7 @@ struct NetworkRow {
   double interval_s = 0;
   Count epochs = 0;
   std::int64_t lost_epochs = 0;
-  Summary summary;
+  Headline headline;
   long notices = 0;
 };
 

@@ -29,10 +29,10 @@ Json RowJson(const NetworkRow& row, const std::string& path) {
   j["first_epoch_gpst"] = row.first_epoch ? Json(TimeText(*row.first_epoch)) : Json(nullptr);
   j["duration_h"] = row.judged ? Json(row.duration_h) : Json(nullptr);
   j["lost_epochs"] = row.judged ? Json(row.lost_epochs) : Json(nullptr);
-  j["completeness_ratio"] = ValueOf(row.summary.completeness);
-  j["mp1_rms_m"] = ValueOf(row.summary.mp1_m);
-  j["mp2_rms_m"] = ValueOf(row.summary.mp2_m);
-  j["observations_per_slip"] = ValueOf(row.summary.obs_per_slip);
+  j["completeness_ratio"] = ValueOf(row.headline.completeness);
+  j["mp1_rms_m"] = ValueOf(row.headline.mp1_m);
+  j["mp2_rms_m"] = ValueOf(row.headline.mp2_m);
+  j["observations_per_restart"] = ValueOf(row.headline.obs_per_restart);
   j["notices"] = row.judged ? Json(row.notices) : Json(nullptr);
   return j;
 }

@@ -38,9 +38,9 @@ void AddGalileo(const Report& report, std::vector<ReportNote>& notes) {
   notes.push_back(
       {"galileo-not-counted",
        "The Galileo combination holds E5b or E5, so its complete observations are not counted; see "
-       "each signal instead. The combined row holds Galileo's expected epochs without observed ones, "
-       "which lowers its completeness; the summary line leaves Galileo out.",
-       {"observed_epochs", "completeness_ratio", "observations_per_slip"},
+       "each signal instead. The library total holds Galileo's expected epochs without observed ones, "
+       "which lowers its completeness; the headline leaves Galileo out.",
+       {"observed_epochs", "completeness_ratio", "observations_per_restart"},
        "E",
        {}});
 }
@@ -50,7 +50,8 @@ void AddGlonass(const Report& report, std::vector<ReportNote>& notes) {
   if (glonass == nullptr || !HasBand(glonass->signals, '3')) return;
   notes.push_back({"glonass-g3",
                    "GLONASS pairs are of bands 1 and 2 only: band 3 has no multipath and no slips.",
-                   {"mp_rms_m", "mp_values", "jump_epochs", "iono_slip_epochs", "observations_per_slip"},
+                   {"mp_rms_m", "mp_values", "mp_restart_epochs", "phase_geometry_slip_epochs",
+                    "observations_per_restart"},
                    "R",
                    {"G3"}});
 }
@@ -78,15 +79,17 @@ void AddBds(const Report& report, std::vector<ReportNote>& notes) {
 }
 
 void AddSlips(const Report& report, std::vector<ReportNote>& notes) {
-  const bool any = std::any_of(report.systems.begin(), report.systems.end(),
-                               [](const SystemReport& s) { return s.figures.slips.value_or(0) > 0; });
+  const bool any = std::any_of(report.systems.begin(), report.systems.end(), [](const SystemReport& s) {
+    return s.figures.phase_geometry_slips.value_or(0) > 0;
+  });
   if (!any) return;
   notes.push_back(
       {"phase-test",
-       "Slips are those of the phase-minus-geometry test. It also counts every change of the "
+       "PG slips are those of the phase-minus-geometry test, which also counts every change of the "
        "broadcast record in use, and at 30 s the phases of low satellites, so the counts lie above "
-       "the cycle slips really there. Jumps do not suffer from it.",
-       {"slip_epochs", "iono_slip_epochs"},
+       "the cycle slips really there. Restarts (Rst) are those of the multipath mean, which Obs/rst divides "
+       "by; they do not suffer from it.",
+       {"phase_geometry_slip_epochs"},
        "",
        {}});
 }
@@ -119,14 +122,13 @@ std::vector<ReportNote> NotesOf(const Report& report) {
                      "",
                      {}});
   }
-  if (!report.combined.bands.empty()) {
-    notes.push_back(
-        {"combined-slots",
-         "The combined figures of a band slot pool the bands that the systems keep under the same "
-         "slot number.",
-         {"mp_rms_m", "snr_mean_dbhz", "snr_mean_below_30deg_dbhz", "snr_mean_above_30deg_dbhz"},
-         "all",
-         {}});
+  if (!report.library_total.bands.empty()) {
+    notes.push_back({"library-total-slots",
+                     "The library total of a band slot pools the bands that the systems keep under the same "
+                     "slot number.",
+                     {"mp_rms_m", "snr_mean_dbhz", "snr_mean_below_30deg_dbhz", "snr_mean_above_30deg_dbhz"},
+                     "all",
+                     {}});
   }
   return notes;
 }

@@ -21,7 +21,7 @@ std::vector<ReportNote> NotesOf(const Report& report);
 std::string HeadingMarks(const std::vector<ReportNote>& notes, std::string_view figure);
 
 /// Marks of the notes about one row.
-/// @param system  letter, or "all" for the combined row
+/// @param system  letter, or "all" for the library total
 /// @param band    its name, or empty for a row of all bands
 std::string RowMarks(const std::vector<ReportNote>& notes, std::string_view system, std::string_view band);
 

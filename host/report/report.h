@@ -30,7 +30,7 @@ struct ReportNote {
   std::string id;  ///< stable name, such as "galileo-no-channel"
   std::string text;
   std::vector<std::string> figures;  ///< keys of figures.h
-  std::string system;  ///< letter of the only system it is about, "all" for the combined row, or empty
+  std::string system;  ///< letter of the only system it is about, "all" for the library total, or empty
   std::vector<std::string> bands;  ///< the only bands it is about; empty: all
 };
 
@@ -91,11 +91,11 @@ struct BandFigures {
 struct Figures {
   std::optional<Count> expected;
   std::optional<Count> observed;
-  std::optional<double> completeness;  ///< 0 to 1
-  std::optional<Count> slips;          ///< epochs with an ionospheric slip
-  std::optional<Count> jumps;          ///< epochs with a multipath jump
-  std::optional<double> obs_per_slip;
-  std::vector<BandFigures> bands;  ///< those with data
+  std::optional<double> completeness;         ///< 0 to 1
+  std::optional<Count> phase_geometry_slips;  ///< epochs with a slip by the phase-minus-geometry test
+  std::optional<Count> mp_restarts;           ///< epochs at which the multipath mean restarted
+  std::optional<double> obs_per_restart;      ///< observed / mp_restarts
+  std::vector<BandFigures> bands;             ///< those with data
 };
 
 struct SystemReport {
@@ -114,8 +114,8 @@ struct SatelliteReport {
 };
 
 struct SignalReport {
-  char system = 'G';
-  std::string system_name;
+  char letter = 'G';
+  std::string name;
   std::string signal;  ///< such as "1C"
   std::string band;
   std::optional<Count> expected;
@@ -123,9 +123,9 @@ struct SignalReport {
   std::optional<double> completeness;
   std::optional<double> mp_m;
   std::optional<Count> mp_values;
-  std::optional<Count> jumps;
-  std::optional<Count> iono_slips;
-  std::optional<double> obs_per_slip;
+  std::optional<Count> mp_restarts;
+  std::optional<Count> phase_geometry_slips;
+  std::optional<double> obs_per_restart;
   std::optional<double> snr_dbhz;
   std::optional<double> snr_below30_dbhz;
   std::optional<double> snr_above30_dbhz;
@@ -159,21 +159,21 @@ struct Verdict {
 /// The few figures that one line of a file holds.
 ///
 /// Counts are sums over the systems whose combination has a completeness; the others are left out of them.
-struct Summary {
+struct Headline {
   std::optional<Count> expected;
   std::optional<Count> observed;
   std::optional<double> completeness;  ///< observed / expected
   std::optional<double> mp1_m;         ///< of band slot 1, all systems pooled
   std::optional<double> mp2_m;
-  std::optional<double> obs_per_slip;  ///< observed / jumps, or observed without a jump
+  std::optional<double> obs_per_restart;  ///< observed / restarts, or observed without a restart
 };
 
 struct Report {
   ReportRun run;
   std::optional<Verdict> verdict;
-  Summary summary;
+  Headline headline;
   std::vector<SystemReport> systems;
-  Figures combined;
+  Figures library_total;
   std::vector<SignalReport> signals;
   std::vector<SatelliteReport> satellites;
   bool show_satellites = false;

@@ -57,7 +57,8 @@ std::string KeyOf(char letter) {
 void WriteFigures(Out out, const std::string& key, const std::string& codes, const Figures& f,
                   const std::string& file) {
   fmt::format_to(out, "{} {} {} {} {} {} {} {}", key, codes, Whole(f.expected), Whole(f.observed),
-                 Percent(f.completeness), Whole(f.slips), Whole(f.jumps), Fixed(f.obs_per_slip, 0));
+                 Percent(f.completeness), Whole(f.phase_geometry_slips), Whole(f.mp_restarts),
+                 Fixed(f.obs_per_restart, 0));
   for (int slot = 1; slot <= 6; ++slot) {
     std::optional<double> mp_m;
     std::optional<double> snr_dbhz;
@@ -72,10 +73,11 @@ void WriteFigures(Out out, const std::string& key, const std::string& codes, con
 }
 
 void WriteSignal(Out out, const SignalReport& s, const std::string& file) {
-  fmt::format_to(out, "{}{} {} {} {} {} {} {} {} {} {} {} {} {}\n", KeyOf(s.system), s.signal,
+  fmt::format_to(out, "{}{} {} {} {} {} {} {} {} {} {} {} {} {}\n", KeyOf(s.letter), s.signal,
                  OneField(s.band), Whole(s.expected), Whole(s.observed), Percent(s.completeness),
-                 Fixed(s.mp_m, 3), Whole(s.jumps), Whole(s.iono_slips), Fixed(s.obs_per_slip, 1),
-                 Fixed(s.snr_dbhz, 2), Fixed(s.snr_below30_dbhz, 2), Fixed(s.snr_above30_dbhz, 2), file);
+                 Fixed(s.mp_m, 3), Whole(s.mp_restarts), Whole(s.phase_geometry_slips),
+                 Fixed(s.obs_per_restart, 1), Fixed(s.snr_dbhz, 2), Fixed(s.snr_below30_dbhz, 2),
+                 Fixed(s.snr_above30_dbhz, 2), file);
 }
 
 }  // namespace
@@ -84,16 +86,16 @@ std::string WriteSum(const Report& report) {
   std::string text;
   const Out out = std::back_inserter(text);
   const ReportRun& run = report.run;
-  const Summary& sum = report.summary;
+  const Headline& sum = report.headline;
   const std::string file = OneField(run.observation_file);
   fmt::format_to(out, "SUM {} {} {:.2f} {:g} {} {} {} {} {} {} {}\n", TimeField(run.first_epoch),
                  TimeField(run.last_epoch), run.duration_h, run.interval_s, Whole(sum.expected),
                  Whole(sum.observed), Percent(sum.completeness), Fixed(sum.mp1_m, 3), Fixed(sum.mp2_m, 3),
-                 Fixed(sum.obs_per_slip, 0), file);
+                 Fixed(sum.obs_per_restart, 0), file);
   fmt::format_to(out, "=RUN {} {} {} {:.4f} {:.4f} {:.4f} {} {:g} {}\n", run.epochs, run.judged_epochs,
                  run.lost_epochs, run.position_m[0], run.position_m[1], run.position_m[2],
                  run.position_source, run.elevation_cutoff_deg, file);
-  WriteFigures(out, "=ALL", "-", report.combined, file);
+  WriteFigures(out, "=ALL", "-", report.library_total, file);
   for (const SystemReport& system : report.systems) {
     WriteFigures(out, KeyOf(system.letter), Codes(system.combination), system.figures, file);
   }

@@ -153,8 +153,9 @@ void Writer::Position() {
 }
 
 std::vector<std::string> FigureCells(const Figures& f) {
-  return {Whole(f.expected), Whole(f.observed), Percent(f.completeness),
-          Whole(f.slips),    Whole(f.jumps),    Fixed(f.obs_per_slip, 0)};
+  return {Whole(f.expected),       Whole(f.observed),
+          Percent(f.completeness), Whole(f.phase_geometry_slips),
+          Whole(f.mp_restarts),    Fixed(f.obs_per_restart, 0)};
 }
 
 void AddFigureColumns(const std::string& slips, TextTable& table) {
@@ -162,8 +163,8 @@ void AddFigureColumns(const std::string& slips, TextTable& table) {
   table.AddColumn("Observed", 9);
   table.AddColumn("Compl %", 9);
   table.AddColumn(slips, 9);
-  table.AddColumn("Jumps", 7);
-  table.AddColumn("Obs/slip", 10);
+  table.AddColumn("Restarts", 9);
+  table.AddColumn("Obs/rst", 9);
 }
 
 std::vector<std::string> Cells(std::vector<std::string> names, const Figures& figures) {
@@ -176,7 +177,7 @@ void Writer::Systems() {
   TextTable table;
   table.AddColumn("System", -12);
   table.AddColumn("Combination", -15);
-  AddFigureColumns(Marked("Slips", "slip_epochs"), table);
+  AddFigureColumns(Marked("PG slips", "phase_geometry_slip_epochs"), table);
   bool ambiguous = false;
   for (const SystemReport& system : report_.systems) {
     const std::string combination = Joined(system.combination, "+");
@@ -185,7 +186,7 @@ void Writer::Systems() {
     table.AddRow(Cells({system.name + marks, combination}, system.figures));
   }
   // What a note says about all of Galileo's figures holds for the sums with them.
-  table.AddRow(Cells({"Combined" + RowMarks(report_.notes, "E", ""), ""}, report_.combined));
+  table.AddRow(Cells({"Library total" + RowMarks(report_.notes, "E", ""), ""}, report_.library_total));
   text_ += table.Text(style_);
   if (ambiguous)
     text_ += Wrapped("1C|1L: one of these; the figures do not tell which.", "", "", style_.width);
@@ -220,7 +221,7 @@ void Writer::Bands() {
   for (const SystemReport& system : report_.systems) {
     AddBands(system.name, std::string(1, system.letter), system.figures, table);
   }
-  AddBands("Combined", "all", report_.combined, table);
+  AddBands("Library total", "all", report_.library_total, table);
   text_ += table.Text(style_);
 }
 
@@ -236,17 +237,17 @@ void Writer::Signals() {
   table.AddColumn("Obs", 7);
   table.AddColumn("Compl %", 8);
   table.AddColumn("MP m", 7);
-  table.AddColumn("Jumps", 6);
-  table.AddColumn(Marked("Slips", "iono_slip_epochs"), 9);
-  table.AddColumn("Obs/slip", 9);
+  table.AddColumn("Rst", 5);
+  table.AddColumn(Marked("PG slips", "phase_geometry_slip_epochs"), 9);
+  table.AddColumn("Obs/rst", 9);
   table.AddColumn("SNR", 5);
   table.AddColumn("<=30", 6);
   table.AddColumn(">30", 5);
   for (const SignalReport& s : report_.signals) {
-    const std::string marks = RowMarks(report_.notes, std::string(1, s.system), s.band);
-    table.AddRow({fmt::format("{} {} {}", s.system, s.signal, s.band) + marks, Whole(s.expected),
-                  Whole(s.observed), Percent(s.completeness), Fixed(s.mp_m, 3), Whole(s.jumps),
-                  Whole(s.iono_slips), Fixed(s.obs_per_slip, 1), Fixed(s.snr_dbhz, 1),
+    const std::string marks = RowMarks(report_.notes, std::string(1, s.letter), s.band);
+    table.AddRow({fmt::format("{} {} {}", s.letter, s.signal, s.band) + marks, Whole(s.expected),
+                  Whole(s.observed), Percent(s.completeness), Fixed(s.mp_m, 3), Whole(s.mp_restarts),
+                  Whole(s.phase_geometry_slips), Fixed(s.obs_per_restart, 1), Fixed(s.snr_dbhz, 1),
                   Fixed(s.snr_below30_dbhz, 1), Fixed(s.snr_above30_dbhz, 1)});
   }
   text_ += table.Text(style_);
@@ -270,7 +271,7 @@ void Writer::Satellites() {
   TextTable table;
   table.AddColumn("Sat", -6);
   table.AddColumn("State", -12);
-  AddFigureColumns(Marked("Slips", "slip_epochs"), table);
+  AddFigureColumns(Marked("PG slips", "phase_geometry_slip_epochs"), table);
   for (const SatelliteReport& s : report_.satellites) {
     table.AddRow(Cells({s.name, s.state}, s.figures));
     for (const std::string& list : {BandList("MP ", s.figures, &BandFigures::mp_m, 3),

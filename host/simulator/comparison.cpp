@@ -190,10 +190,10 @@ class Comparison {
       if (system.at("completeness_ratio").is_number()) {
         report_percent = 100 * system.at("completeness_ratio").get<double>();
       }
-      Line(fmt::format("{:<9}{:>9}{:>9}{:>10}{:>9}{:>9}{:>7}{:>7}{:>9}", Text(system.at("system")),
+      Line(fmt::format("{:<9}{:>9}{:>9}{:>10}{:>9}{:>9}{:>7}{:>7}{:>9}", Text(system.at("name")),
                        Text(system.at("expected_epochs")), e.expected, Text(system.at("observed_epochs")),
                        e.observed, Fixed(report_percent, 2), Fixed(truth_percent, 2),
-                       Text(system.at("slip_epochs")), e.slips));
+                       Text(system.at("phase_geometry_slip_epochs")), e.slips));
     }
   }
 
@@ -212,7 +212,7 @@ class Comparison {
                        Fixed(signal.at("snr_mean_dbhz"), 2), Fixed(e.snr.Mean(), 2),
                        Fixed(signal.at("snr_mean_below_30deg_dbhz"), 2), Fixed(e.snr_low.Mean(), 2),
                        Fixed(signal.at("snr_mean_above_30deg_dbhz"), 2), Fixed(e.snr_high.Mean(), 2),
-                       Text(signal.at("iono_slip_epochs")), e.slips));
+                       Text(signal.at("phase_geometry_slip_epochs")), e.slips));
     }
   }
 

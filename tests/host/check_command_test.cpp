@@ -336,7 +336,7 @@ TEST(ShellTexts, BashCompletesCommandsFlagsAndChoices) {
   EXPECT_EQ(completed("orsolva ins"), "inspect\n");
   EXPECT_EQ(completed("orsolva qc --elev"), "--elevation\n");
   EXPECT_EQ(completed("orsolva qc --profile netw"), "network\n");
-  EXPECT_EQ(completed("orsolva explain mp_r"), "mp_rms_m\n");
+  EXPECT_EQ(completed("orsolva explain mp_rm"), "mp_rms_m\n");
 }
 
 TEST(ExitCodes, StandInHelpManualAndDocumentation) {

@@ -144,7 +144,7 @@ TEST(Command, TheStationDayMeetsWhatIsKnownOfIt) {
   EXPECT_EQ(j["run"]["lost_epochs"], 0);
   EXPECT_EQ(j["run"]["position_source"], "computed");
   EXPECT_LT(j["run"]["distance_from_header_position_m"].get<double>(), 5.0);
-  EXPECT_EQ(j["systems"][0]["system"], "GPS");
+  EXPECT_EQ(j["systems"][0]["name"], "GPS");
   EXPECT_GT(j["systems"][0]["completeness_ratio"].get<double>(), 0.95);
   int bands = 0;
   for (const json& system : j["systems"]) {
@@ -183,7 +183,7 @@ TEST(Command, OptionsReachTheRun) {
   EXPECT_EQ(j["run"]["position_source"], "header");
   EXPECT_EQ(j["run"]["distance_from_header_position_m"], 0);
   ASSERT_EQ(j["systems"].size(), 2U);
-  EXPECT_EQ(j["systems"][1]["system"], "QZSS");
+  EXPECT_EQ(j["systems"][1]["name"], "QZSS");
   bool any = false;
   for (const json& satellite : j["satellites"]) {
     any = true;

@@ -94,7 +94,7 @@ TEST(DetailTable, GivesTheCountsAndRmsOfTheReport) {
     if (signal["mp_values"].is_null()) continue;
     const PairSum sum = OfSignal(sums, signal["letter"], signal["signal"]);
     EXPECT_EQ(sum.count, signal["mp_values"].get<long>()) << signal["signal"];
-    EXPECT_EQ(sum.slips, signal["iono_slip_epochs"].get<long>()) << signal["signal"];
+    EXPECT_EQ(sum.slips, signal["phase_geometry_slip_epochs"].get<long>()) << signal["signal"];
     // Residuals are written to 0.1 mm.
     EXPECT_NEAR(std::sqrt(sum.squares / static_cast<double>(sum.count)), signal["mp_rms_m"].get<double>(),
                 1e-4);

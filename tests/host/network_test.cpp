@@ -18,7 +18,7 @@ NetworkRow Row(const std::string& file, double completeness, const std::string& 
   NetworkRow row;
   row.file = file;
   row.grade = grade;
-  row.summary.completeness = completeness;
+  row.headline.completeness = completeness;
   return row;
 }
 
@@ -35,7 +35,7 @@ TEST(Network, WorstComesFirst) {
 TEST(Network, WithoutAProfileTheLowestCompletenessComesFirst) {
   std::vector<NetworkRow> rows = {Row("x", 0.9), Row("y", 0.2)};
   rows.push_back(Row("z", 0));
-  rows.back().summary.completeness.reset();
+  rows.back().headline.completeness.reset();
   SortWorstFirst(rows);
   EXPECT_EQ(rows[0].file, "z");
   EXPECT_EQ(rows[1].file, "y");

@@ -45,7 +45,7 @@ TEST(Profile, StationHoldsMultipathAndObservationsPerSlipOfGps) {
   report.systems[0].figures.bands[1].mp_m = 0.75;
   EXPECT_EQ(Judge(report, LoadProfile("station")).grade, "good");
   report.systems[0].figures.bands[1].mp_m = 0.8;
-  report.systems[0].figures.obs_per_slip = 150;
+  report.systems[0].figures.obs_per_restart = 150;
   const Verdict v = Judge(report, LoadProfile("station"));
   EXPECT_EQ(v.grade, "fail");
   EXPECT_FALSE(v.passed);

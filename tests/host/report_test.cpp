@@ -76,9 +76,9 @@ TEST(ReportModel, NothingExpectedMeansNoData) {
   EXPECT_FALSE(f.expected);
   EXPECT_FALSE(f.observed);
   EXPECT_FALSE(f.completeness);
-  EXPECT_FALSE(f.slips);
-  EXPECT_FALSE(f.jumps);
-  EXPECT_FALSE(f.obs_per_slip);
+  EXPECT_FALSE(f.phase_geometry_slips);
+  EXPECT_FALSE(f.mp_restarts);
+  EXPECT_FALSE(f.obs_per_restart);
   EXPECT_TRUE(f.bands.empty());
 }
 
@@ -88,9 +88,9 @@ TEST(ReportModel, ARealZeroIsAFigure) {
   const Figures none = FiguresOf(s, 1);
   EXPECT_EQ(none.observed, Count{0});
   EXPECT_EQ(none.completeness, 0.0);
-  EXPECT_FALSE(none.slips);
+  EXPECT_FALSE(none.phase_geometry_slips);
   s.observed_epochs = 10;
-  EXPECT_EQ(FiguresOf(s, 1).slips, Count{0});
+  EXPECT_EQ(FiguresOf(s, 1).phase_geometry_slips, Count{0});
 }
 
 TEST(ReportModel, AMeanOrRmsOfZeroOrNotANumberIsNoData) {
@@ -205,7 +205,7 @@ TEST(TextWriter, KeepsTo80ColumnsWhateverTheNames) {
 
 TEST(TextWriter, WritesADashWithoutData) {
   const std::string text = WriteText(Built(OneSystem()));
-  EXPECT_NE(text.find("GPS         1C+2L               1000      987    98.70        0      3       329\n"),
+  EXPECT_NE(text.find("GPS         1C+2L               1000      987    98.70        0        3      329\n"),
             std::string::npos)
       << text;
   EXPECT_NE(text.find("GPS      L2                  -     40.00           -           -             -\n"),

@@ -131,7 +131,7 @@ TEST(TextWriter, EscapesStandOnlyWhereColourIsAskedFor) {
 
 TEST(TextWriter, MarksStandBesideTheFiguresTheirNoteIsAbout) {
   const std::string text = WriteText(SampleReport());
-  EXPECT_NE(text.find("Slips[1]"), std::string::npos);
+  EXPECT_NE(text.find("PG slips[1]"), std::string::npos);
   EXPECT_NE(text.find("  [1] Slips count more than slips."), std::string::npos);
 }
 
@@ -169,9 +169,9 @@ TEST(Notes, BdsSatellitesWithoutAKnownOrbitAreNamed) {
 TEST(Notes, TheTestThatCountsMoreThanSlipsIsFootnotedWhereSlipsAre) {
   Report report = SampleReport();
   report.notes = NotesOf(report);
-  EXPECT_EQ(HeadingMarks(report.notes, "slip_epochs"), "[1]");
-  report.systems[0].figures.slips = 0;
-  EXPECT_EQ(HeadingMarks(NotesOf(report), "slip_epochs"), "");
+  EXPECT_EQ(HeadingMarks(report.notes, "phase_geometry_slip_epochs"), "[1]");
+  report.systems[0].figures.phase_geometry_slips = 0;
+  EXPECT_EQ(HeadingMarks(NotesOf(report), "phase_geometry_slip_epochs"), "");
 }
 
 TEST(AveragingWindow, FollowsTheInterval) {

@@ -11,9 +11,9 @@ inline orsolva_host::Figures SampleFigures() {
   f.expected = 1000;
   f.observed = 900;
   f.completeness = 0.9;
-  f.slips = 12;
-  f.jumps = 3;
-  f.obs_per_slip = 300;
+  f.phase_geometry_slips = 12;
+  f.mp_restarts = 3;
+  f.obs_per_restart = 300;
   f.bands.push_back({1, "L1", 0.25, 44.5, std::nullopt, 48.0, 0.1});
   f.bands.push_back({2, "L2", std::nullopt, 40.0, 38.0, 42.0, std::nullopt});
   return f;
@@ -37,11 +37,11 @@ inline orsolva_host::Report SampleReport() {
   r.run.navigation_coverage.push_back(
       {"G04", 900, 11, 1, Time_gbt{1593043200, 0}, Time_gbt{1593129600, 0}, 0.5});
   r.systems.push_back({'G', "GPS", {"1C", "2W"}, {"1C", "2W"}, SampleFigures()});
-  r.combined = SampleFigures();
-  for (orsolva_host::BandFigures& band : r.combined.bands) band.band.clear();
+  r.library_total = SampleFigures();
+  for (orsolva_host::BandFigures& band : r.library_total.bands) band.band.clear();
   r.satellites.push_back({"G04", "used", SampleFigures()});
   orsolva_host::SignalReport s;
-  s.system_name = "GPS";
+  s.name = "GPS";
   s.signal = "1C";
   s.band = "L1";
   s.expected = 1000;
@@ -49,13 +49,12 @@ inline orsolva_host::Report SampleReport() {
   s.completeness = 0.95;
   s.mp_m = 0.25;
   s.mp_values = 940;
-  s.jumps = 3;
-  s.iono_slips = 12;
-  s.obs_per_slip = 950.0 / 3;
+  s.mp_restarts = 3;
+  s.phase_geometry_slips = 12;
+  s.obs_per_restart = 950.0 / 3;
   r.signals.push_back(s);
-  r.summary = {1000, 900, 0.9, 0.25, std::nullopt, 300.0};
-  r.notes.push_back(
-      {"phase-test", "Slips count more than slips.", {"slip_epochs", "iono_slip_epochs"}, "", {}});
+  r.headline = {1000, 900, 0.9, 0.25, std::nullopt, 300.0};
+  r.notes.push_back({"phase-test", "Slips count more than slips.", {"phase_geometry_slip_epochs"}, "", {}});
   r.notices.push_back({"f.rnx", 3, "odd", 2, true});
   return r;
 }

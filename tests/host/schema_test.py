@@ -56,7 +56,7 @@ for spoil in (lambda r: r["run"].pop("interval_s"),
               lambda r: r["systems"][0].update(completeness_ratio="1.0"),
               lambda r: r["signals"][0].update(surprise=1),
               lambda r: r["run"].update(first_epoch_gpst="yesterday"),
-              lambda r: r.update(format=2)):
+              lambda r: r.update(format=1)):
     bad = copy.deepcopy(whole)
     spoil(bad)
     assert not validator.is_valid(bad)

@@ -17,11 +17,11 @@ json Report() {
     "run": {"interval_s": 30.0, "elevation_cutoff_deg": 10.0, "epochs": 100, "lost_epochs": 1,
       "first_epoch_gpst": "2020-06-25 00:00:00.000", "last_epoch_gpst": "2020-06-25 01:00:00.000",
       "position_ecef_m": [3, 4, 0], "distance_from_header_position_m": 5.0},
-    "systems": [{"system": "GPS", "letter": "G", "expected_epochs": 200, "observed_epochs": 150,
-      "completeness_ratio": 0.75, "slip_epochs": 3}],
+    "systems": [{"letter": "G", "name": "GPS", "expected_epochs": 200, "observed_epochs": 150,
+      "completeness_ratio": 0.75, "phase_geometry_slip_epochs": 3}],
     "signals": [{"letter": "G", "signal": "1C", "observed_epochs": 160, "mp_rms_m": 0.25,
       "snr_mean_dbhz": 44.5, "snr_mean_below_30deg_dbhz": 38.5, "snr_mean_above_30deg_dbhz": null,
-      "iono_slip_epochs": 3}]})");
+      "phase_geometry_slip_epochs": 3}]})");
 }
 
 json Signal(int above, double rms, double snr) {

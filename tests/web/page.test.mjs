@@ -144,7 +144,7 @@ describe('plots', () => {
 
   it('tell the phase slips that the report counts', async () => {
     const { context, page } = await open(browser, REPORT);
-    for (const s of json.signals.filter((s) => s.iono_slip_epochs !== null)) {
+    for (const s of json.signals.filter((s) => s.phase_geometry_slip_epochs !== null)) {
       const count = await page.evaluate(
         ([letter, name]) =>
           window.orsolva.detail.events.filter(
@@ -155,7 +155,7 @@ describe('plots', () => {
           ).length,
         [s.letter, s.signal],
       );
-      assert.equal(count, s.iono_slip_epochs, `${s.letter} ${s.signal}`);
+      assert.equal(count, s.phase_geometry_slip_epochs, `${s.letter} ${s.signal}`);
     }
     await context.close();
   });

@@ -17,7 +17,7 @@ interface Row {
   completeness_ratio: number | null;
   mp1_rms_m: number | null;
   mp2_rms_m: number | null;
-  observations_per_slip: number | null;
+  observations_per_restart: number | null;
   notices: number | null;
 }
 
@@ -70,7 +70,7 @@ function table(network: Network): SortTable {
     number('Lost', count, 'Epochs of the span that are not in the file'),
     number('MP1 m', digits(3), 'Multipath RMS of the first band'),
     number('MP2 m', digits(3), 'Multipath RMS of the second band'),
-    number('Obs per slip', digits(0)),
+    number('Obs per restart', digits(0)),
     number('Notices', count, 'Oddities of the files, repaired or not'),
   ];
   const cells = rows.map((r, i): Cell[] => [
@@ -83,7 +83,7 @@ function table(network: Network): SortTable {
     r.lost_epochs,
     r.mp1_rms_m,
     r.mp2_rms_m,
-    r.observations_per_slip,
+    r.observations_per_restart,
     r.notices,
   ]);
   return new SortTable('Files', columns, cells, { rowHead: 1, sorted: 0, page: PAGE });

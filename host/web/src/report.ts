@@ -11,22 +11,22 @@ export interface Figures {
   expected_epochs: number | null;
   observed_epochs: number | null;
   completeness_ratio: number | null;
-  slip_epochs: number | null;
-  jump_epochs: number | null;
-  observations_per_slip: number | null;
+  phase_geometry_slip_epochs: number | null;
+  mp_restart_epochs: number | null;
+  observations_per_restart: number | null;
   bands: BandFigures[];
 }
 
 export interface SystemReport extends Figures {
-  system: string;
   letter: string;
+  name: string;
   optimal_combination: string[];
   signals: string[];
 }
 
 export interface SignalReport {
-  system: string;
   letter: string;
+  name: string;
   signal: string;
   band: string | null;
   expected_epochs: number | null;
@@ -34,9 +34,9 @@ export interface SignalReport {
   completeness_ratio: number | null;
   mp_rms_m: number | null;
   mp_values: number | null;
-  jump_epochs: number | null;
-  iono_slip_epochs: number | null;
-  observations_per_slip: number | null;
+  mp_restart_epochs: number | null;
+  phase_geometry_slip_epochs: number | null;
+  observations_per_restart: number | null;
   snr_mean_dbhz: number | null;
   snr_mean_below_30deg_dbhz: number | null;
   snr_mean_above_30deg_dbhz: number | null;
@@ -101,7 +101,7 @@ export interface Report {
   verdict?: Verdict | null;
   run: Run;
   systems: SystemReport[];
-  combined: Figures;
+  library_total: Figures;
   signals: SignalReport[];
   satellites?: SatelliteReport[];
   notes: { text: string }[];

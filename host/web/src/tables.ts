@@ -13,19 +13,19 @@ export function systemTable(report: Report): HTMLElement {
     number('Expected', count, 'Epochs expected above the cut-off'),
     number('Observed', count),
     number('Complete %', digits(2)),
-    number('Slips', count, 'Epochs with a slip of the phase'),
-    number('Jumps', count, 'Epochs in which the multipath average started anew'),
-    number('Obs per slip', digits(0)),
+    number('PG slips', count, 'Epochs with a slip by the phase-minus-geometry test'),
+    number('Restarts', count, 'Epochs in which the multipath mean restarted'),
+    number('Obs per restart', digits(0)),
   ];
   const rows = report.systems.map((s): Cell[] => [
-    s.system,
+    s.name,
     s.optimal_combination.join(' '),
     s.expected_epochs,
     s.observed_epochs,
     hundred(s.completeness_ratio),
-    s.slip_epochs,
-    s.jump_epochs,
-    s.observations_per_slip,
+    s.phase_geometry_slip_epochs,
+    s.mp_restart_epochs,
+    s.observations_per_restart,
   ]);
   return new SortTable('Systems', columns, rows).element;
 }
@@ -38,9 +38,9 @@ export function signalTable(report: Report): HTMLElement {
     number('Observed', count),
     number('Complete %', digits(2)),
     number('MP m', digits(3), 'RMS of the multipath residual'),
-    number('Jumps', count),
-    number('Slips', count, 'Slips of the phase, new ephemerides included'),
-    number('Obs per slip', digits(0)),
+    number('Restarts', count),
+    number('PG slips', count, 'Slips by the phase-minus-geometry test, new ephemerides included'),
+    number('Obs per restart', digits(0)),
     number('SNR', digits(1), 'Mean SNR above the cut-off, dB-Hz'),
     number('\u2264 30\u00b0', digits(1), 'Mean SNR not above 30 degrees, dB-Hz'),
     number('> 30\u00b0', digits(1), 'Mean SNR above 30 degrees, dB-Hz'),
@@ -52,9 +52,9 @@ export function signalTable(report: Report): HTMLElement {
     s.observed_epochs,
     hundred(s.completeness_ratio),
     s.mp_rms_m,
-    s.jump_epochs,
-    s.iono_slip_epochs,
-    s.observations_per_slip,
+    s.mp_restart_epochs,
+    s.phase_geometry_slip_epochs,
+    s.observations_per_restart,
     s.snr_mean_dbhz,
     s.snr_mean_below_30deg_dbhz,
     s.snr_mean_above_30deg_dbhz,
@@ -78,9 +78,9 @@ export function satelliteTable(report: Report, detail: Detail): HTMLElement {
     number('Expected', count),
     number('Observed', count),
     number('Complete %', digits(2)),
-    number('Slips', count, 'Epochs with a slip of the phase, new ephemerides included'),
-    number('Jumps', count),
-    number('Slips and jumps seen', count, 'Slips of the geometry-free phase and code jumps, without new ephemerides'),
+    number('PG slips', count, 'Epochs with a slip by the phase-minus-geometry test, new ephemerides included'),
+    number('Restarts', count),
+    number('GF slips and code jumps', count, 'Slips of the geometry-free phase and code jumps, without new ephemerides'),
     number('Worst MP m', digits(3), 'The largest multipath RMS of its bands'),
   ];
   const rows = (report.satellites ?? []).map((s): Cell[] => {
@@ -91,8 +91,8 @@ export function satelliteTable(report: Report, detail: Detail): HTMLElement {
       s.expected_epochs,
       s.observed_epochs,
       hundred(s.completeness_ratio),
-      s.slip_epochs,
-      s.jump_epochs,
+      s.phase_geometry_slip_epochs,
+      s.mp_restart_epochs,
       hard.get(s.satellite) ?? 0,
       mp.length > 0 ? Math.max(...mp) : null,
     ];
@@ -119,7 +119,7 @@ export function eventTable(detail: Detail): HTMLElement {
   const table = new SortTable('Slips and restarts', columns, rowsOf(start));
   const control = select(
     'Show',
-    [['hard', 'Slips and jumps of the receiver'], ['*', `Everything (${detail.events.length})`], ...kinds],
+    [['hard', 'Slips and code jumps of the receiver'], ['*', `Everything (${detail.events.length})`], ...kinds],
     start,
     (value) => table.set(rowsOf(value)),
   );

@@ -205,7 +205,7 @@ TEST(TextWriter, KeepsTo80ColumnsWhateverTheNames) {
 
 TEST(TextWriter, WritesADashWithoutData) {
   const std::string text = WriteText(Built(OneSystem()));
-  EXPECT_NE(text.find("GPS         1C+2L               1000      987    98.70        0        3      329\n"),
+  EXPECT_NE(text.find("GPS         1C+2L            1000      987   98.70        0        3     329\n"),
             std::string::npos)
       << text;
   EXPECT_NE(text.find("GPS      L2                  -     40.00           -           -             -\n"),

@@ -169,7 +169,9 @@ void QcResultAnalysis::FinishRun(const ResultSources& sources, QcResult& result)
 void QcResultAnalysis::ChooseAndCombine(std::uint32_t systems, QcResult& result, QcResultCore& total) const {
   for (int s = 0; s < kSystemSlots; ++s) ChooseOptimal(result.All[s], result.Optimal[s]);
   for (int s = 0; s < kMergedSlots; ++s) {
-    if ((systems & (1U << s)) != 0) MergeSystem(result.Optimal[s].Sys, total);
+    // Only a slot with an optimal result carries its system; merging an empty one would round again.
+    const auto system = static_cast<std::uint32_t>(result.Optimal[s].System);
+    if ((systems & system) != 0) MergeSystem(result.Optimal[s].Sys, total);
   }
 }
 

@@ -284,8 +284,24 @@ TEST(ResultAnalysis, ShowsNoBdsWithoutACodeOfTheOlderSatellites) {
   EXPECT_EQ(Analysis(run).Total.ExpectedEpochs, 7u);
 }
 
+TEST(ResultAnalysis, MergesNoSystemWithoutAnOptimalResult) {
+  const auto result = std::make_unique<QcResult>();
+  QcSysAllResult& gps = result->All[kSlotGps];
+  gps.System = kGps;
+  gps.Combinations.Count = 1;
+  gps.PerComb[0].System = kGps;
+  gps.PerComb[0].Mp[0].MpRms = 1.86;
+  gps.PerComb[0].Mp[0].MpCount = 37;
+  QcResultCore total, once;
+  QcResultAnalysis().ChooseAndCombine(31, *result, total);
+  MergeSystem(gps.PerComb[0], once);
+  EXPECT_EQ(total.Mp[0].MpRms, once.Mp[0].MpRms);
+  QcResultCore again = once;
+  MergeSystem(QcResultCore(), again);
+  EXPECT_NE(again.Mp[0].MpRms, once.Mp[0].MpRms) << "an empty system would round the mean again";
+}
+
 TEST(ResultAnalysis, NeverMergesTheBds3Slot) {
-  RunStores run;
   const auto result = std::make_unique<QcResult>();
   result->All[kSlotBd3].Combinations.Count = 1;
   result->All[kSlotBd3].PerComb[0].ExpectedEpochs = 5;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "measures/epoch_store.h"
@@ -139,6 +140,7 @@ struct IonSlipAndMultipath::Impl {
   std::int32_t GlonassChannels[32];
   SatelliteMeasures Satellites[kMaxSatellites];
   EpochStore Store;
+  EpochStore LoneEpoch;  // the first epoch of a run that holds no other yet, else empty
   EpochMedians Medians;
   bool EpochsPassed = false;  // the run has met its two epochs
 
@@ -306,14 +308,21 @@ bool IonSlipAndMultipath::ProcessAllEpochs(const double station_position[3],
   EpochStore& store = impl_->Store;
   store.Arrange();
   impl_->MeetPairs();
-  if (!impl_->EpochsPassed && store.Epochs().size() < 2) return false;
+  if (!impl_->EpochsPassed && store.Epochs().size() < 2) {
+    EpochStore lone = store;  // complete before it is kept: a copy may find no memory
+    std::swap(impl_->LoneEpoch, lone);
+    return false;
+  }
   impl_->EpochsPassed = true;
+  impl_->LoneEpoch.Clear();
   for (const EpochRange& epoch : store.Epochs()) {
     impl_->PassEpoch(epoch, station_position, ephemeris, interval, observer);
   }
   store.Clear();
   return true;
 }
+
+void IonSlipAndMultipath::ResetBatch() { impl_->Store = impl_->LoneEpoch; }
 
 const SatMp& IonSlipAndMultipath::Multipath(int number) const {
   static const SatMp kEmpty;

@@ -50,6 +50,10 @@ class IonSlipAndMultipath {
   bool ProcessAllEpochs(const double station_position[3], gnssqctoolkit::Ephemeris& ephemeris,
                         double interval, QcDetailObserver* observer);
 
+  /// Drops the epochs that no pass has taken, as a batch that ended in an error leaves them. A lone first
+  /// epoch of the run stays.
+  void ResetBatch();
+
   /// Multipath and slip results of a satellite (number 1 to 208).
   const SatMp& Multipath(int number) const;
   const SatIodDetect& Ionosphere(int number) const;

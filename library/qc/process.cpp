@@ -218,7 +218,10 @@ void PostProcessGnssQc::EachCodeResult(total_code_qc_result& record) const {
   FillEachCodeResult(Sources(), record);
 }
 
-void PostProcessGnssQc::ResetBatch() { ObsData.ResetBatch(); }
+void PostProcessGnssQc::ResetBatch() {
+  ObsData.ResetBatch();
+  IonMp.ResetBatch();
+}
 
 void PostProcessGnssQc::Release() {
   Snr.Release();

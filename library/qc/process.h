@@ -77,7 +77,7 @@ class PostProcessGnssQc {
   /// ownership.
   void SetDetailObserver(QcDetailObserver* observer) { observer_ = observer; }
 
-  /// Drops the epochs of the current batch.
+  /// Drops the epochs of the current batch, here and in the measures.
   void ResetBatch();
   /// Frees the run's data.
   void Release();

@@ -218,6 +218,32 @@ TEST_F(Exports, NoExceptionLeavesABatchAndTheHandleStaysUsable) {
   EXPECT_EQ(GNSSQCPlus(obs_, handle.get()), GNSSQC_OK);
 }
 
+/// Throws at the tenth pair of a pass, later keeps the times it is shown.
+class ThrowsOnce : public orsolva::QcDetailObserver {
+ public:
+  std::vector<std::int64_t> Times;
+
+  void OnSatelliteEpoch(const orsolva::SatelliteEpochDetail&) override {}
+  void OnPairEpoch(const orsolva::PairEpochDetail& detail) override {
+    if (++pairs_ == 10) throw std::bad_alloc();
+    if (pairs_ > 10) Times.push_back(detail.Time.time);
+  }
+
+ private:
+  int pairs_ = 0;
+};
+
+TEST_F(Exports, ABatchAfterAnInternalErrorMeasuresOnlyItsOwnEpochs) {
+  const OwnedHandle handle = Initialised();
+  ThrowsOnce observer;
+  orsolva::SetDetailObserver(handle.get(), &observer);
+  EXPECT_EQ(GNSSQCPlus(obs_, handle.get()), GNSSQC_INTERNAL_ERROR);
+  for (ObsEpoch_QC_gbt& epoch : epochs_) epoch.time.time += 60 * 30;
+  EXPECT_EQ(GNSSQCPlus(obs_, handle.get()), GNSSQC_OK);
+  ASSERT_FALSE(observer.Times.empty());
+  for (const std::int64_t time : observer.Times) ASSERT_GE(time, epochs_[0].time.time);
+}
+
 TEST(Print, FormatsToStandardOutput) {
   testing::internal::CaptureStdout();
   orsolva::Print("%s %d\n", "epochs", 12);

@@ -55,6 +55,26 @@ TEST(Driver, LoneFirstEpochWaitsForTheNextBatchAndLaterBatchesDoNot) {
   EXPECT_EQ(3, run.Mp(1)->Count);
 }
 
+TEST(Driver, ResetDropsWhatNoPassHasTakenButNotALoneFirstEpoch) {
+  SyntheticRun run, expected;
+  for (SyntheticRun* one : {&run, &expected}) {
+    Feed(*one, 4, 0, 1);
+    EXPECT_FALSE(one->Pass());
+  }
+  Feed(run, 4, 1, 5);
+  run.Measures.ResetBatch();
+  for (SyntheticRun* one : {&run, &expected}) {
+    Feed(*one, 4, 5, 7);
+    EXPECT_TRUE(one->Pass());
+  }
+  EXPECT_EQ(3, run.Mp(1)->Count);
+  EXPECT_EQ(expected.Mp(1)->SumOfSquares, run.Mp(1)->SumOfSquares);
+  Feed(run, 4, 7, 9);
+  run.Measures.ResetBatch();
+  EXPECT_TRUE(run.Pass());
+  EXPECT_EQ(3, run.Mp(1)->Count);
+}
+
 TEST(Driver, RunWithoutEpochsYieldsNothing) {
   SyntheticRun run;
   EXPECT_FALSE(run.Pass());

@@ -31,17 +31,14 @@ bool TimeGreater(const Time_gbt& a, const Time_gbt& b);
 bool TimeGreaterOrEqual(const Time_gbt& a, const Time_gbt& b);
 /// Neither greater nor equal.
 bool TimeLess(const Time_gbt& a, const Time_gbt& b);
-/// a - b in seconds: whole seconds plus the difference of the fractions.
-inline double TimeDifference(const Time_gbt& a, const Time_gbt& b) {
-  std::int64_t whole = 0;
-  if (__builtin_sub_overflow(a.time, b.time, &whole)) {
-    return (static_cast<double>(a.time) - static_cast<double>(b.time)) + (a.sec - b.sec);
-  }
-  return static_cast<double>(whole) + (a.sec - b.sec);
-}
 
 inline gnssqctoolkit::AbsoluteTime ToAbsolute(const Time_gbt& t) { return {t.time, t.sec}; }
 inline Time_gbt FromAbsolute(const gnssqctoolkit::AbsoluteTime& t) { return {t.Seconds, t.Fraction}; }
+
+/// a - b in seconds, as of absolute times.
+inline double TimeDifference(const Time_gbt& a, const Time_gbt& b) {
+  return TimeDifference(ToAbsolute(a), ToAbsolute(b));
+}
 
 /// Times in the order they were appended. The reported capacity grows by 100, the memory geometrically.
 class TimeList {

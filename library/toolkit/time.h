@@ -57,14 +57,15 @@ class GNSSTime {
   AbsoluteTime absolute_;
 };
 
-/// a - b in seconds: the whole seconds first, then the fractions.
+/// a - b in seconds: the difference of the whole seconds plus that of the fractions. The one difference of
+/// times in the library.
 // Inline, as all that follows the epochs calls it.
 inline double TimeDifference(const AbsoluteTime& a, const AbsoluteTime& b) {
   std::int64_t whole = 0;
   if (__builtin_sub_overflow(a.Seconds, b.Seconds, &whole)) {
-    return static_cast<double>(a.Seconds) - static_cast<double>(b.Seconds) + a.Fraction - b.Fraction;
+    return (static_cast<double>(a.Seconds) - static_cast<double>(b.Seconds)) + (a.Fraction - b.Fraction);
   }
-  return static_cast<double>(whole) + a.Fraction - b.Fraction;
+  return static_cast<double>(whole) + (a.Fraction - b.Fraction);
 }
 double TimeDifference(const GNSSTime& a, const GNSSTime& b);
 

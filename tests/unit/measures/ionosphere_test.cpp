@@ -70,6 +70,16 @@ TEST(IonosphereSlip, GapBeyond242SecondsIsASlipAndOneOf600OrMoreNeverIs) {
   }
 }
 
+TEST(IonosphereSlip, GapOfExactly242SecondsIsNoneAtAnyFraction) {
+  for (int i = 0; i < 1000; ++i) {
+    IodDetect state;
+    for (const std::int64_t second : {kReferenceTime + 2, kReferenceTime + 244}) {
+      const AbsoluteTime epoch = gnssqctoolkit::ThroughCalendar({second, i / 1000.0});
+      EXPECT_FALSE(IonosphereSlip(epoch, {100.0, kLambda1}, {100.0, kLambda2}, true, state, nullptr)) << i;
+    }
+  }
+}
+
 TEST(IonosphereSlip, IsReportedOnlyWhileCounting) {
   GeometryFreeSeries series;
   series.Epoch(0, 0.0);

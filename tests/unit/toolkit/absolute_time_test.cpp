@@ -64,10 +64,20 @@ TEST(TimeDifference, OfEqualTimesIsExactlyZero) {
   EXPECT_EQ(TimeDifference(AbsoluteTime{5, 0.1}, AbsoluteTime{5, 0.1}), 0.0);
 }
 
-TEST(TimeDifference, IsWholeSecondsThenFractions) {
+TEST(TimeDifference, IsTheWholeSecondsPlusTheDifferenceOfTheFractions) {
   EXPECT_EQ(TimeDifference(AbsoluteTime{10, 0.25}, AbsoluteTime{7, 0.75}), 2.5);
-  EXPECT_EQ(TimeDifference(AbsoluteTime{1000000007, 0.1}, AbsoluteTime{7, 0.3}), 1000000000.0 + 0.1 - 0.3);
+  EXPECT_EQ(TimeDifference(AbsoluteTime{1000000007, 0.1}, AbsoluteTime{7, 0.3}), 1000000000.0 + (0.1 - 0.3));
   EXPECT_EQ(TimeDifference(GNSSTime(2020, 1, 2, 0, 0, 0.5), GNSSTime(2020, 1, 1, 0, 0, 0.0)), 86400.5);
+}
+
+TEST(TimeDifference, OfEpochsOneGapApartIsThatGapWhateverTheirFraction) {
+  for (int i = 0; i < 1000; ++i) {
+    for (std::int64_t second = 1593000000; second < 1593000060; ++second) {
+      const AbsoluteTime first = ThroughCalendar({second, i / 1000.0});
+      EXPECT_EQ(TimeDifference(ThroughCalendar({second + 242, i / 1000.0}), first), 242.0) << second << i;
+    }
+    if (HasFailure()) return;
+  }
 }
 
 TEST(TimeDifference, OfExtremeTimesKeepsItsSign) {

@@ -72,23 +72,22 @@ std::int32_t SaturateInt32(std::int64_t value) {
 /// True when floor(second) can join the whole seconds.
 bool HasWholeSeconds(double second) { return std::fabs(second) < kLargestSecond; }
 
-/// Moves whole seconds between fraction and seconds until the fraction lies in 0 to 1.
+/// Moves whole seconds between fraction and seconds, one at a time, until the fraction lies in 0 to 1.
 ///
-/// Equal to stepping by 1.0: every step but the last one across zero is exact, so they can be taken at once.
-/// A fraction that is not finite, or so large that a step of 1.0 no longer changes it exactly, stays.
-// Kept for compatibility: a fraction of exactly 1.0 is left as it stands.
+/// The steps follow the shift that is subtracted, 14 s in this library: a time is brought into the calendar
+/// first and then has a fraction below 1. A fraction that is not finite, or so large that a step of 1.0 no
+/// longer changes it exactly, stays.
+// Kept for compatibility: a fraction of exactly 1.0 is left as it is.
 void NormaliseFraction(AbsoluteTime& t) {
   if (!(std::fabs(t.Fraction) < kExactWhole)) return;
-  double whole = 0.0;
-  if (t.Fraction < 0.0) {
-    whole = std::ceil(t.Fraction);
-    if (t.Fraction - whole < 0.0) whole -= 1.0;
-  } else if (t.Fraction > 1.0) {
-    whole = std::ceil(t.Fraction) - 1.0;
+  while (t.Fraction < 0.0) {
+    t.Fraction += 1.0;
+    t.Seconds = WrappingAdd(t.Seconds, -1);
   }
-  if (whole == 0.0) return;
-  t.Fraction -= whole;
-  t.Seconds = WrappingAdd(t.Seconds, static_cast<std::int64_t>(whole));
+  while (t.Fraction > 1.0) {
+    t.Fraction -= 1.0;
+    t.Seconds = WrappingAdd(t.Seconds, 1);
+  }
 }
 
 /// Four years from 1970 on; the third is a leap year.

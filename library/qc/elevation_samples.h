@@ -25,6 +25,7 @@ class StationView {
  public:
   StationView() = default;
   StationView(const gnssqctoolkit::Ephemeris& ephemeris, const double station_position[3]);
+  virtual ~StationView() = default;
 
   /// Azimuth and elevation of a satellite at a time, the signal travel time taken from a nominal range.
   /// @param azimuth_elevation  two values, rad

@@ -19,7 +19,10 @@ struct QcSlotSignals {
 };
 
 /// One satellite at one epoch. Signals that are not finite have been turned into missing ones (0).
-struct QcEpochData {
+class QcEpochData {
+ public:
+  virtual ~QcEpochData() = default;
+
   Time_gbt Time{};
   QcSlotSignals Slots[kBandSlots];
 };

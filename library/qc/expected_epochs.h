@@ -30,6 +30,7 @@ class NominalGap {
   static constexpr double kLiteralSteps = 256.0;
 
   NominalGap(const Time_gbt& last, const Time_gbt& current, double interval, QcEleList& elevations);
+  virtual ~NominalGap() = default;
 
   std::uint64_t CountAboveCutoff() const;
 

@@ -9,6 +9,8 @@ namespace {
 /// Health of every satellite number: 0 no record, 1 some record healthy, -1 all unhealthy.
 class HealthScan {
  public:
+  virtual ~HealthScan() = default;
+
   template <class Record>
   void Take(const Record* records, std::int32_t count, std::uint8_t system) {
     for (std::int32_t i = 0; records != nullptr && i < count; ++i) {

@@ -18,7 +18,7 @@ class GrowthBuffer {
   GrowthBuffer() = default;
   GrowthBuffer(const GrowthBuffer&) = delete;
   GrowthBuffer& operator=(const GrowthBuffer&) = delete;
-  ~GrowthBuffer() { Release(); }
+  virtual ~GrowthBuffer() { Release(); }
 
   T* Data() { return data_; }
   const T* Data() const { return data_; }

@@ -5,8 +5,8 @@ usage: structure_test.py ROOT
 
 Fails when an include of the library points upward or in a circle, when host/ includes more of the library than its
 interface or one of its folders more than those below it, when a folder other than host/cli includes the argument
-parser, when an include path leaves its root with "..", when a
-floor below names no file, or when ARCHITECTURE.md names a path, in its text or in a drawing, that is not there.
+parser, when an include path leaves its root with "..", when a floor below names no file, when a class of the library
+has no virtual destructor, or when ARCHITECTURE.md names a path, in its text or in a drawing, that is not there.
 """
 import pathlib
 import re
@@ -41,6 +41,7 @@ HOST_BELOW = {
 LIBRARY_TABLES = {"toolkit/leap_seconds.h"}
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.M)
 ARGUMENT_PARSER = re.compile(r"^\s*#\s*include\s*<CLI/", re.M)
+CLASS = re.compile(r"^(?:template <.*>\n)?class (\w+)( : public [\w:]+)? \{", re.M)
 DRAWING = re.compile(r"^```\n(.*?)^```", re.M | re.S)
 DRAWN = re.compile(r"(?<![\w/.])((?:interface|toolkit|matrix|navigation|qc|measures|results)/[\w.]*)")
 PATH = re.compile(r"`((?:library|host|tests|docs|scripts|bench|fuzz|examples|cmake)/[^`*]*)`")
@@ -139,6 +140,15 @@ def check_host(root, problems):
                 problems.append(f"{name}: includes {include}")
 
 
+def check_destructors(root, problems):
+    """A class of the library has a virtual destructor; plain data are structs."""
+    for file in sorted((root / "library").rglob("*.[hc]*")):
+        text = file.read_text(encoding="utf-8")
+        for name, base in CLASS.findall(text):
+            if not base and f"virtual ~{name}()" not in text:
+                problems.append(f"{file.relative_to(root)}: class {name} has no virtual destructor")
+
+
 def check_relative(root, problems):
     for top in ("library", "host", "tests", "bench", "fuzz", "examples"):
         for file in sorted((root / top).rglob("*.[hc]*")):
@@ -181,6 +191,7 @@ def main():
     check_library(root, problems)
     check_floors(root, problems)
     check_host(root, problems)
+    check_destructors(root, problems)
     check_relative(root, problems)
     check_public(root, problems)
     check_architecture(root, problems)

@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <cstring>
 
+#include "qc/config_text.h"
 #include "qc/navigation_loading.h"
 #include "qc/station_position.h"
 #include "results/output_records.h"
+#include "toolkit/trace.h"
 
 namespace orsolva {
 
@@ -54,6 +56,9 @@ void PostProcessGnssQc::SetCombination(const std::uint8_t* flags) {
   CombinationMask = 0;
   for (int i = 0; i < 5; ++i) {
     if (flags[i] != 0) CombinationMask |= 1U << i;
+  }
+  if (gnssqctoolkit::TraceEnabled()) {
+    gnssqctoolkit::Trace(4, "%s", ConfigText(Config, CombinationMask).c_str());
   }
 }
 

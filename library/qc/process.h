@@ -54,7 +54,8 @@ class PostProcessGnssQc {
 
   /// Takes a configuration over and marks the satellites it excludes; marks of earlier calls stay.
   void Configure(const QcConfig& config);
-  /// Sets the systems to combine from the host's five flags.
+  /// Sets the systems to combine from the host's five flags; the configuration is complete then and is
+  /// traced.
   void SetCombination(const std::uint8_t* flags);
   /// Adds a navigation set to the stores. @return false when it holds no record at all
   bool LoadNavigationSet(const NavBodyData_QC_gbt& nav);

@@ -75,7 +75,8 @@ bool LeastSquareSpp(const SppEpoch& epoch, const SPPOption& option, SPPResult& r
     }
     if (!(std::sqrt(norm2) < kConverged)) continue;
     Store(epoch, x, covariance, satellites, result);
-    if (!valsol(marks, rows, option, result.Dop)) return false;
+    double weighted_squares = 0.0;
+    if (!valsol(marks, rows, option, weighted_squares, result.Dop)) return false;
     result.Status = 1;
     return true;
   }
@@ -111,8 +112,10 @@ void DilutionOfPrecision(const std::vector<SppMark>& marks, double elevation_mas
 bool GdopAccepted(double gdop, double max_gdop) { return gdop > 0.0 && gdop <= max_gdop; }
 
 bool valsol(const std::vector<SppMark>& marks, const std::vector<SppRow>& rows, const SPPOption& option,
-            double dop[4]) {
+            double& weighted_squares, double dop[4]) {
   // Kept for compatibility: the size of the residuals is not judged, a solution with large ones is valid.
+  weighted_squares = 0.0;
+  for (const SppRow& row : rows) weighted_squares += row.Residual * row.Residual;
   DilutionOfPrecision(marks, option.ElevationMask, dop);
   if (GdopAccepted(dop[0], option.MaxGdop)) return true;
   Trace(2, "gdop error nv=%d gdop=%.1f", static_cast<int>(rows.size()), dop[0]);

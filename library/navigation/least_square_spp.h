@@ -19,12 +19,15 @@ namespace gnssqctoolkit {
 bool LeastSquareSpp(const SppEpoch& epoch, const SPPOption& option, SPPResult& result,
                     std::vector<SppMark>& marks);
 
-/// Forms the DOPs of the valid satellites at or above the elevation mask and judges GDOP.
-/// @param rows  measurement equations, weighted
-/// @param dop   GDOP, PDOP, HDOP, VDOP; all 0 for fewer than four satellites or a singular geometry
+/// Forms the weighted residual sum of squares and the DOPs of the valid satellites at or above the elevation
+/// mask, and judges GDOP.
+/// @param rows              measurement equations, weighted
+/// @param weighted_squares  v'v of the rows; no solution is refused for it
+/// @param dop               GDOP, PDOP, HDOP, VDOP; all 0 for fewer than four satellites or a singular
+/// geometry
 /// @return true when 0 < GDOP <= MaxGdop
 bool valsol(const std::vector<SppMark>& marks, const std::vector<SppRow>& rows, const SPPOption& option,
-            double dop[4]);
+            double& weighted_squares, double dop[4]);
 
 /// DOPs of the valid satellites at or above a mask, see valsol.
 void DilutionOfPrecision(const std::vector<SppMark>& marks, double elevation_mask_rad, double dop[4]);

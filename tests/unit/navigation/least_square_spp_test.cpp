@@ -173,13 +173,13 @@ TEST(Valsol, WordsAGdopItRejects) {
   const auto marks = Marks({{0, 20}, {120, 20}, {240, 20}, {0, 90}});
   std::vector<SppRow> rows(7);
   SPPOption option;
-  double dop[4];
-  EXPECT_TRUE(valsol(marks, rows, option, dop));
+  double dop[4], squares = 0.0;
+  EXPECT_TRUE(valsol(marks, rows, option, squares, dop));
   EXPECT_TRUE(trace.Texts.empty());
   option.MaxGdop = dop[0];
-  EXPECT_TRUE(valsol(marks, rows, option, dop));
+  EXPECT_TRUE(valsol(marks, rows, option, squares, dop));
   option.MaxGdop = 1.0;
-  EXPECT_FALSE(valsol(marks, rows, option, dop));
+  EXPECT_FALSE(valsol(marks, rows, option, squares, dop));
   char text[64];
   std::snprintf(text, sizeof text, "gdop error nv=7 gdop=%.1f", dop[0]);
   ASSERT_EQ(trace.Texts.size(), 1u);
@@ -190,8 +190,21 @@ TEST(Valsol, DoesNotJudgeTheSizeOfTheResiduals) {
   auto marks = Marks({{0, 20}, {120, 20}, {240, 20}, {0, 90}});
   std::vector<SppRow> rows(7);
   for (SppRow& row : rows) row.Residual = 1e6;
-  double dop[4];
-  EXPECT_TRUE(valsol(marks, rows, SPPOption(), dop));
+  double dop[4], squares = 0.0;
+  EXPECT_TRUE(valsol(marks, rows, SPPOption(), squares, dop));
+}
+
+TEST(Valsol, FormsTheWeightedSumOfSquaresOfAllRows) {
+  const auto marks = Marks({{0, 20}, {120, 20}, {240, 20}, {0, 90}});
+  std::vector<SppRow> rows(7);
+  for (std::size_t i = 0; i < rows.size(); ++i) rows[i].Residual = static_cast<double>(i) - 2.0;
+  double dop[4], squares = 1e9;
+  EXPECT_TRUE(valsol(marks, rows, SPPOption(), squares, dop));
+  EXPECT_EQ(squares, 4.0 + 1.0 + 0.0 + 1.0 + 4.0 + 9.0 + 16.0);
+  SPPOption strict;
+  strict.MaxGdop = 1e-3;
+  EXPECT_FALSE(valsol(marks, rows, strict, squares, dop));
+  EXPECT_EQ(squares, 35.0) << "formed before the GDOP is judged";
 }
 
 }  // namespace

@@ -168,6 +168,13 @@ TEST(DilutionOfPrecision, CountsValidSatellitesAtOrAboveTheMaskOnly) {
   EXPECT_EQ(fewer[0], 0.0);
 }
 
+TEST(Valsol, RefusesASingularGeometry) {
+  const auto marks = Marks({{0, 0}, {0, 0}, {0, 0}, {0, 0}});
+  double dop[4] = {1.0, 1.0, 1.0, 1.0}, squares = 0.0;
+  EXPECT_FALSE(valsol(marks, std::vector<SppRow>(7), SPPOption(), squares, dop));
+  for (const double one : dop) EXPECT_EQ(one, 0.0);
+}
+
 TEST(Valsol, WordsAGdopItRejects) {
   TraceRecorder trace;
   const auto marks = Marks({{0, 20}, {120, 20}, {240, 20}, {0, 90}});

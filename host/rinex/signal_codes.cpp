@@ -1,13 +1,13 @@
 #include "host/rinex/signal_codes.h"
 
 #include "host/rinex/satellite_names.h"
+#include "orsolva/signals.h"
 
 namespace orsolva_host {
 namespace {
 
 // From this version on the BDS codes "1x" name the B1C signal, before they name B1I.
 constexpr double kFirstVersionWithB1C = 3.025;
-constexpr int kBdsB1IX = 152;
 
 struct BandRow {
   int system;
@@ -26,34 +26,27 @@ constexpr BandRow kBandTable[] = {
     {kQzss, 1, "L1"},     {kQzss, 2, "L2"},     {kQzss, 3, "L5"},     {kQzss, 4, "L6"},  //
 };
 
-const SignalCodeRow* FindNumber(int system, int number) {
-  for (int i = 0; i < kSignalCodes; ++i) {
-    if (kSignalCodeTable[i].system == system && kSignalCodeTable[i].number == number) {
-      return &kSignalCodeTable[i];
-    }
-  }
-  return nullptr;
+const orsolva::SignalInfo* FindNumber(int system, int number) {
+  return orsolva::FindSignal(static_cast<orsolva::System>(system), number);
 }
 
 }  // namespace
 
 int SignalNumber(int system, std::string_view name, double version) {
-  if (system == kBds && name == "1X" && version < kFirstVersionWithB1C) return kBdsB1IX;
-  for (int i = 0; i < kSignalCodes; ++i) {
-    if (kSignalCodeTable[i].system == system && name == kSignalCodeTable[i].name) {
-      return kSignalCodeTable[i].number;
-    }
-  }
-  return 0;
+  if (name.size() != 2) return 0;
+  if (system == kBds && name == "1X" && version < kFirstVersionWithB1C) return ORSOLVA_BDS_2X;
+  const char observation[] = {name[0], name[1], '\0'};
+  const orsolva::SignalInfo* row = orsolva::FindSignal(static_cast<orsolva::System>(system), observation);
+  return row ? static_cast<int>(row->signal) : 0;
 }
 
 std::string_view SignalName(int system, int number) {
-  const SignalCodeRow* row = FindNumber(system, number);
-  return row ? row->name : std::string_view();
+  const orsolva::SignalInfo* row = FindNumber(system, number);
+  return row ? row->observation : std::string_view();
 }
 
 int SignalBandSlot(int system, int number) {
-  const SignalCodeRow* row = FindNumber(system, number);
+  const orsolva::SignalInfo* row = FindNumber(system, number);
   return row ? row->band_slot : 0;
 }
 

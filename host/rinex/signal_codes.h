@@ -1,20 +1,11 @@
-// RINEX observation codes (band digit and tracking letter) and the signal code numbers of the library.
+// RINEX observation codes (band digit and tracking letter) and the signal code numbers of the library, by its
+// table in orsolva/signals.h.
 #ifndef ORSOLVA_RINEX_SIGNAL_CODES_H
 #define ORSOLVA_RINEX_SIGNAL_CODES_H
 
 #include <string_view>
 
 namespace orsolva_host {
-
-struct SignalCodeRow {
-  int system;        ///< system code, satellite_names.h
-  int number;        ///< signal code number of the library
-  int band_slot;     ///< 1 to 6, where the library keeps the figures of the band
-  const char* name;  ///< RINEX 3 observation code without its first letter
-};
-
-extern const SignalCodeRow kSignalCodeTable[];
-extern const int kSignalCodes;
 
 /// The signal number of an observation code, 0 when the library has none.
 ///

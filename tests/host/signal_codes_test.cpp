@@ -1,34 +1,26 @@
 #include <gtest/gtest.h>
 
-#include <set>
-#include <string>
-
 #include "host/rinex/satellite_names.h"
 #include "host/rinex/signal_codes.h"
-#include "orsolva/records.h"
+#include "orsolva/signals.h"
 
 namespace orsolva_host {
 namespace {
 
-TEST(SignalCodes, EveryRowIsFoundByItsNameAndHasABand) {
-  for (int i = 0; i < kSignalCodes; ++i) {
-    const SignalCodeRow& row = kSignalCodeTable[i];
-    EXPECT_EQ(SignalNumber(row.system, row.name, 3.05), row.number) << row.name;
-    EXPECT_GE(row.band_slot, 1);
-    EXPECT_LE(row.band_slot, 6);
-    EXPECT_FALSE(BandName(row.system, row.band_slot).empty()) << row.number;
-    EXPECT_EQ(SignalBandSlot(row.system, row.number), row.band_slot);
+TEST(SignalCodes, EverySignalOfTheLibraryIsFoundByItsNameAndHasABand) {
+  for (const orsolva::SignalInfo& row : orsolva::kSignals) {
+    const int system = static_cast<int>(row.system);
+    const int number = static_cast<int>(row.signal);
+    EXPECT_EQ(SignalNumber(system, SignalName(system, number), 3.05), number) << row.observation;
+    EXPECT_FALSE(BandName(system, row.band_slot).empty()) << number;
+    EXPECT_EQ(SignalBandSlot(system, number), row.band_slot);
   }
 }
 
-TEST(SignalCodes, NamesAreUniqueWithinASystemAndNumbersFitTheRecord) {
-  std::set<std::string> names;
-  for (int i = 0; i < kSignalCodes; ++i) {
-    const SignalCodeRow& row = kSignalCodeTable[i];
-    EXPECT_TRUE(names.insert(std::to_string(row.system) + row.name).second) << row.name;
-    EXPECT_GT(row.number, 0);
-    EXPECT_LE(row.number, 255);
-  }
+TEST(SignalCodes, BdsB1IHasOtherNamesInVersion302) {
+  EXPECT_EQ(SignalNumber(kBds, "1I", 3.02), 150);
+  EXPECT_EQ(SignalNumber(kBds, "1X", 3.02), 152);
+  EXPECT_EQ(SignalNumber(kBds, "1X", 3.03), 155);
 }
 
 TEST(SignalCodes, TheCurrentNameOfANumberComesFirst) {

@@ -1,13 +1,21 @@
-# What hosts get: the component runtime is the shared library, the component development has all that a compiler
+# What hosts get: the component runtime has the shared libraries, the component development has all that a compiler
 # needs (headers, the name that links, the static archive, a CMake package and a pkg-config file). Both packages
 # find the prefix from where they lie, so that an installed tree may be moved.
 include(CMakePackageConfigHelpers)
 set(_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Orsolva)
 
-install(TARGETS Orsolva_cbb orsolva_c EXPORT OrsolvaTargets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
-  RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime
-  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+# Debian wants a package of its own for every shared library.
+set(_runtime_of_Orsolva_cbb runtime)
+set(_runtime_of_orsolva_c runtime)
+if(ORSOLVA_DEBIAN_PACKAGES)
+  set(_runtime_of_orsolva_c runtime_c)
+endif()
+foreach(_library Orsolva_cbb orsolva_c)
+  install(TARGETS ${_library} EXPORT OrsolvaTargets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT ${_runtime_of_${_library}} NAMELINK_COMPONENT development
+    RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT ${_runtime_of_${_library}}
+    ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
+endforeach()
 install(TARGETS orsolva_static EXPORT OrsolvaTargets
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
 install(DIRECTORY interface/orsolva DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)

@@ -16,7 +16,7 @@ import sys
 import tempfile
 
 COMPONENTS = {"library": ["runtime", "development"], "all": ["runtime", "development", "tools"]}
-TAKEN_OVER = ["CMAKE_BUILD_TYPE", "CMAKE_CXX_COMPILER", "CMAKE_C_COMPILER", "CMAKE_CXX_FLAGS", "CMAKE_GENERATOR"]
+TAKEN_OVER = ["CMAKE_BUILD_TYPE", "CMAKE_CXX_COMPILER", "CMAKE_CXX_FLAGS", "CMAKE_GENERATOR"]
 
 
 def run(*command, **options):

@@ -18,6 +18,7 @@
 #endif
 #endif
 
+#include "orsolva/session.hpp"
 #include "tests/support/run.h"
 #include "tests/support/simulated_sky.h"
 
@@ -171,6 +172,38 @@ TEST_P(OutOfMemory, AResultThatFailedCanBeAskedForAgain) {
     GetEachCodeResult(process.Handle(), *codes_);
     ASSERT_TRUE(SameAsGood()) << "after allocation " << n << " of the results failed";
   }
+}
+
+/// The same run as WholeRun through the wrapper, which goes on while it can.
+/// @return whether every call was good
+bool SessionRun(const config_qct& config, result_qct& whole, total_code_qc_result& codes) {
+  orsolva::Session session;
+  const NavBodyData_QC_gbt navigation = Sky().Navigation.Body();
+  const ObsEpoch_QC_gbt* epochs = Sky().Epochs.data();
+  if (!session.Start(config, navigation)) return false;
+  const bool first = session.Feed({epochs, kEpochs / 2}).Ok();
+  const bool second = session.Feed({epochs + kEpochs / 2, kEpochs - kEpochs / 2}).Ok();
+  const auto result = session.Result();
+  const auto code_result = session.CodeResult();
+  if (result) whole = *result;
+  if (code_result) codes = *code_result;
+  return first && second && result && code_result;
+}
+
+TEST_P(OutOfMemory, ASessionThrowsNothingAndReportsWhatFailed) {
+  AllocationsOfAGoodRun();
+  for (long n = 1;; n += 5 * kStep) {
+    *whole_ = {};
+    *codes_ = {};
+    const long live = FailingMemory::live;
+    FailingMemory::Arm(n, n);
+    bool good = true;
+    ASSERT_NO_THROW(good = SessionRun(config_, *whole_, *codes_)) << n;
+    if (!FailingMemory::Disarm()) break;
+    ASSERT_EQ(FailingMemory::live, live) << "leak after allocation " << n << " failed";
+    ASSERT_TRUE(!good || CodesAreZero() || SameAsGood()) << "allocation " << n << " failed unseen";
+  }
+  EXPECT_TRUE(SameAsGood()) << "an undisturbed run afterwards";
 }
 
 TEST(OutOfMemoryOneShot, GivesAnErrorAndLeaksOnlyWhatIsKnown) {

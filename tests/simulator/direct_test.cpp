@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "host/simulator/simulation.h"
-#include "orsolva/gnssqc.h"
+#include "orsolva/session.hpp"
 #include "tests/simulator/made.h"
 
 namespace {
@@ -12,17 +12,10 @@ namespace {
 using namespace orsolva_host;
 using orsolva_test::ScenarioOf;
 
-config_qct ConfigOf(const Scenario& scenario) {
-  config_qct config = {};
-  std::fill(std::begin(config.enable_system), std::end(config.enable_system), 1);
-  std::fill(std::begin(config.combination_system), std::end(config.combination_system), 1);
-  for (auto& row : config.include_satellite) std::fill(std::begin(row), std::end(row), 1);
-  for (auto& row : config.satellite_freq) std::fill(std::begin(row), std::end(row), 1);
-  config.elevation = 10;
-  config.interval = scenario.interval_s;
-  config.auto_detect_freq = 1;
-  config.enable_position = 1;
-  std::copy(scenario.receiver.position_m.begin(), scenario.receiver.position_m.end(), config.position);
+orsolva::Config ConfigOf(const Scenario& scenario) {
+  orsolva::Config config;
+  config.interval_s = scenario.interval_s;
+  config.position_m = scenario.receiver.position_m;
   return config;
 }
 
@@ -34,17 +27,12 @@ TEST(Direct, RecordsGoStraightToTheLibraryAndItsFiguresAreTheTruth) {
   gap.duration_s = 300;
   scenario.faults = {gap};
   Simulation simulation(scenario);
-  const config_qct config = ConfigOf(scenario);
-  unsigned long long* handle = CreatQcProcess();
-  ASSERT_NE(handle, nullptr);
-  ASSERT_TRUE(InitialQc(simulation.Navigation().Body(), &config, handle));
+  orsolva::Session session;
+  ASSERT_TRUE(session.Start(ConfigOf(scenario), simulation.Navigation().Body()));
   std::vector<ObsEpoch_QC_gbt> batch;
-  while (simulation.NextBatch(batch, 100) > 0) {
-    ASSERT_EQ(GNSSQCPlus({static_cast<int>(batch.size()), batch.data()}, handle), GNSSQC_OK);
-  }
-  const auto result = std::make_unique<result_qct>();
-  ASSERT_TRUE(GetAllPeriodResult(handle, result.get()));
-  DiposeProcess(handle);
+  while (simulation.NextBatch(batch, 100) > 0) ASSERT_TRUE(session.Feed(batch));
+  const auto result = session.Result();
+  ASSERT_TRUE(result);
 
   const Truth& truth = simulation.TruthSoFar();
   EXPECT_EQ(result->lost_epochs, 10);

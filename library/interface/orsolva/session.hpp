@@ -177,6 +177,7 @@ class Session {
   /// session
   ///         is as before then
   Status Start(const Config& config, const Navigation& navigation);
+  Status Start(const Config& config, const NavBodyData_QC_gbt& navigation);
   /// The same from the records of the library, which are taken as they are.
   Status Start(const config_qct& config, const NavBodyData_QC_gbt& navigation);
 
@@ -187,11 +188,13 @@ class Session {
   ///         the run stay incomplete, start another session; kNotStarted or kBadArgument: nothing happened
   Status Feed(Span<ObsEpoch_QC_gbt> epochs);
 
-  /// The result of all batches so far; may be asked for at any time and changes nothing.
-  /// @return kNotStarted, kNoData before the first batch taken, kNoMemory, or kImplausible with the record
-  /// filled
+  /// The result of all batches so far; may be requested at any time and changes nothing.
+  /// @return kNotStarted, kNoData before the first accepted batch, kNoMemory, kInternalError, or kImplausible
+  /// with
+  ///         the record filled
   Outcome<result_qct> Result() const;
-  /// The result per signal code of all batches so far; the same rules.
+  /// The result per signal code of all batches so far; the same rules. An error inside the library leaves a
+  /// record without codes.
   Outcome<total_code_qc_result> CodeResult() const;
 
   bool Started() const { return handle_ != nullptr; }
@@ -278,6 +281,11 @@ inline bool IsEmpty(const NavBodyData_QC_gbt& body) {
          body.qzs_num == 0;
 }
 
+/// The rule of GetAllPeriodResult: what is refused in spite of it was not filled.
+inline bool IsPlausible(const result_qct& result) {
+  return result.lost_epochs >= 0 && result.total.completeness >= 0.0 && result.total.completeness <= 1.0;
+}
+
 inline bool Body(const Navigation& from, NavBodyData_QC_gbt& to) {
   return Count(from.gps, to.gps_num, to.gps_eph) && Count(from.glonass, to.glo_num, to.glo_eph) &&
          Count(from.bds, to.bds_num, to.bds_eph) && Count(from.galileo, to.gal_num, to.gal_eph) &&
@@ -325,12 +333,15 @@ inline Status Config::ToRecord(config_qct& record) const {
 }
 
 inline Status Session::Start(const Config& config, const Navigation& navigation) {
-  config_qct record = {};
-  const Status status = config.ToRecord(record);
-  if (!status) return status;
   NavBodyData_QC_gbt body = {};
   if (!session_internal::Body(navigation, body)) return StatusCode::kBadArgument;
-  return Start(record, body);
+  return Start(config, body);
+}
+
+inline Status Session::Start(const Config& config, const NavBodyData_QC_gbt& navigation) {
+  config_qct record = {};
+  const Status status = config.ToRecord(record);
+  return status ? Start(record, navigation) : status;
 }
 
 inline Status Session::Start(const config_qct& config, const NavBodyData_QC_gbt& navigation) {
@@ -365,10 +376,12 @@ Outcome<Record> Session::NewRecord() const {
 
 inline Outcome<result_qct> Session::Result() const {
   Outcome<result_qct> outcome = NewRecord<result_qct>();
-  if (outcome && !GetAllPeriodResult(handle_.get(), outcome.record.get())) {
+  if (!outcome || GetAllPeriodResult(handle_.get(), outcome.record.get())) return outcome;
+  if (!session_internal::IsPlausible(*outcome)) {
     outcome.status = StatusCode::kImplausible;
+    return outcome;
   }
-  return outcome;
+  return {StatusCode::kInternalError, nullptr};
 }
 
 inline Outcome<total_code_qc_result> Session::CodeResult() const {

@@ -67,6 +67,15 @@ TEST_F(Sessions, TheTypedConfigurationIsTheRecordOfTheLibrary) {
   EXPECT_TRUE(SameBytes(record, sky::Config()));
 }
 
+TEST_F(Sessions, TakeANavigationSetThatTheHostHasMadeItself) {
+  Session other;
+  ASSERT_TRUE(session_.Start(config_, navigation_));
+  ASSERT_TRUE(other.Start(config_, sky::Navigation(records_)));
+  ASSERT_TRUE(session_.Feed(epochs_));
+  ASSERT_TRUE(other.Feed(epochs_));
+  EXPECT_TRUE(SameBytes(*session_.Result(), *other.Result()));
+}
+
 TEST_F(Sessions, DefaultsJudgeEverythingAboveTenDegreesAndComputeThePosition) {
   config_qct record{};
   ASSERT_TRUE(Config().ToRecord(record));

@@ -15,8 +15,8 @@ void Append(char* text, const char* label, const char* value) {
 
 }  // namespace
 
-// Date and time come from the build system (SOURCE_DATE_EPOCH, the commit or the release), never from the clock: two
-// builds of one source have the same bytes.
+// Date and time come from the build system (SOURCE_DATE_EPOCH, the commit or the release), never from the
+// clock: two builds of one source have the same bytes.
 QCVersion::QCVersion() {
   std::strcpy(LibName, "libOrsolva_cbb");
   std::strcpy(LibVersion, "V" ORSOLVA_VERSION_STRING);

@@ -1,4 +1,5 @@
-// Deprecated: the name of <orsolva/gnssqc.h> before it got a folder of its own. Goes with the next minor version.
+// Deprecated: the name of <orsolva/gnssqc.h> before it got a folder of its own. Goes with the next minor
+// version.
 #ifndef ORSOLVA_INTERFACE_DEPRECATED_GNSSQC_H
 #define ORSOLVA_INTERFACE_DEPRECATED_GNSSQC_H
 

@@ -1,5 +1,5 @@
-/* The version of these headers. The build takes the version of the project from here; what a loaded library is
- * says GetGNSSQCLibVersion (gnssqc.h) or orsolva_version (orsolva_c.h). For C and C++. */
+/* The version of these headers. The build takes the version of the project from here; what a loaded library
+ * is says GetGNSSQCLibVersion (gnssqc.h) or orsolva_version (orsolva_c.h). For C and C++. */
 #ifndef ORSOLVA_INTERFACE_VERSION_H
 #define ORSOLVA_INTERFACE_VERSION_H
 

@@ -1,5 +1,5 @@
-// The smallest host: asks the library who it is and goes once through the life of a run. It uses the header name
-// of the first release, which goes on working for one more.
+// The smallest host: asks the library who it is and goes once through the life of a run. It uses the header
+// name of the first release, which goes on working for one more.
 #include <gnssqc.h>
 
 #include <cstdio>

@@ -6,7 +6,8 @@ usage: structure_test.py ROOT
 Fails when an include of the library points upward or in a circle, when host/ includes more of the library than its
 interface or one of its folders more than those below it, when a folder other than host/cli includes the argument
 parser, when an include path leaves its root with "..", when a floor below names no file, when a class of the library
-has no virtual destructor, or when ARCHITECTURE.md names a path, in its text or in a drawing, that is not there.
+has no virtual destructor, when CMake is not given a source, or when ARCHITECTURE.md names a path, in its text or in a
+drawing, that is not there.
 """
 import pathlib
 import re
@@ -37,6 +38,9 @@ HOST_BELOW = {
     "terminal": {"platform"},
     "cli": {"platform", "output", "rinex", "report", "simulator", "judging", "terminal"},
 }
+# Below these, every source is named in a CMakeLists.txt.
+LISTED = ["host/analysis", "host/judging", "host/observation", "host/output", "host/platform", "host/report",
+          "host/rinex", "host/simulator", "host/terminal"]
 # Of the library the host sees its interface, and this table of plain numbers, which must stand once.
 LIBRARY_TABLES = {"toolkit/leap_seconds.h"}
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.M)
@@ -173,6 +177,22 @@ def check_public(root, problems):
                     problems.append(f"{file.relative_to(root)}: includes {include}, which is not there")
 
 
+def check_listed(root, problems):
+    """Every source is named in CMakeLists.txt of its folder or of one above, a program of one source by its stem."""
+    for top in LISTED:
+        for file in sorted((root / top).rglob("*.cpp")):
+            lists = [folder / "CMakeLists.txt" for folder in file.parents if folder.is_relative_to(root)]
+            if not any(names_source(place, file) for place in lists if place.is_file()):
+                problems.append(f"{file.relative_to(root)}: not listed in {file.parent.relative_to(root)}/CMakeLists.txt")
+
+
+def names_source(place, file):
+    text = place.read_text(encoding="utf-8")
+    name = re.escape(file.relative_to(place.parent).as_posix())
+    program = rf"^orsolva_\w+\({re.escape(file.stem)}\b"
+    return re.search(rf"(?<![\w/]){name}(?![\w.])|{program}", text, re.M)
+
+
 def check_architecture(root, problems):
     text = (root / "ARCHITECTURE.md").read_text(encoding="utf-8")
     for path in PATH.findall(text):
@@ -196,6 +216,7 @@ def main():
     check_destructors(root, problems)
     check_relative(root, problems)
     check_public(root, problems)
+    check_listed(root, problems)
     check_architecture(root, problems)
     for problem in problems:
         print(problem)

@@ -138,10 +138,8 @@ def check_host(root, problems):
                 problems.append(f"{name}: includes {include} from a floor above or beside")
             if include in LIBRARY_TABLES:
                 continue
-            if (root / "library" / include).is_file() and not include.startswith("interface/"):
-                problems.append(f"{name}: includes {include} of the library")
-            elif include.startswith("library/") and not include.startswith("library/interface/"):
-                problems.append(f"{name}: includes {include}")
+            if (root / "library" / include).is_file() or include.startswith("library/"):
+                problems.append(f"{name}: includes {include}, which is not a public header of the library")
 
 
 def check_destructors(root, problems):
@@ -193,6 +191,14 @@ def names_source(place, file):
     return re.search(rf"(?<![\w/]){name}(?![\w.])|{program}", text, re.M)
 
 
+def check_examples(root, problems):
+    """An example sees what an installed library shows, and what lies beside it."""
+    for file in sorted((root / "examples").glob("*.[hc]*")):
+        for include in includes_of(file):
+            if not (root / "examples" / include).is_file():
+                problems.append(f"{file.relative_to(root)}: includes {include}")
+
+
 def check_architecture(root, problems):
     text = (root / "ARCHITECTURE.md").read_text(encoding="utf-8")
     for path in PATH.findall(text):
@@ -216,6 +222,7 @@ def main():
     check_destructors(root, problems)
     check_relative(root, problems)
     check_public(root, problems)
+    check_examples(root, problems)
     check_listed(root, problems)
     check_architecture(root, problems)
     for problem in problems:

@@ -59,12 +59,12 @@ def main(extent, cmake, source, build):
     source, build = pathlib.Path(source).resolve(), pathlib.Path(build).resolve()
     with tempfile.TemporaryDirectory() as scratch:
         scratch = pathlib.Path(scratch)
-        copy = scratch / "a folder of another name"
-        copy_sources(source, copy)
-        build_copy(extent, cmake, cache_of(build), copy, scratch / "other")
+        copy, other = scratch / "a folder of another name", scratch / "other"
         here, there = scratch / "here", scratch / "there"
         files = install(extent, cmake, build, here)
-        problems = [f"only in one build: {name}" for name in files ^ install(extent, cmake, scratch / "other", there)]
+        copy_sources(source, copy)
+        build_copy(extent, cmake, cache_of(build), copy, other)
+        problems = [f"only in one build: {name}" for name in files ^ install(extent, cmake, other, there)]
         for name in sorted(files):
             if (there / name).is_file() and not filecmp.cmp(here / name, there / name, shallow=False):
                 problems.append(f"differs: {name}")

@@ -3,7 +3,8 @@
 usage: check_examples.py run NAME COMMAND...
        check_examples.py installed CMAKE C_COMPILER CXX_COMPILER BUILD_FOLDER EXAMPLES_FOLDER
 
-The second form installs the library, moves it, and builds the examples outside the tree with what lies there.
+The second form installs the library, moves it, and builds the examples outside the tree with what lies there: all by
+the CMake package, that in C also with the flags of pkg-config.
 """
 import os
 import subprocess
@@ -41,6 +42,16 @@ def library_folder(prefix):
     return next(folder for folder, _, files in os.walk(prefix) if "liborsolva_c.so" in files)
 
 
+def build_by_pkg_config(compiler, libraries, examples, scratch):
+    environment = dict(os.environ, PKG_CONFIG_PATH=os.path.join(libraries, "pkgconfig"))
+    flags = run("pkg-config", "--cflags", "--libs", "orsolva_c", env=environment, stdout=subprocess.PIPE).stdout
+    program = os.path.join(scratch, "plain_c")
+    sources = [os.path.join(examples, name) for name in ("plain_c.c", "small_sky.c")]
+    run(compiler, "-std=c99", *sources, "-o", program, *flags.split(), "-lm",
+        env={**os.environ, "LD_LIBRARY_PATH": ""})
+    return program
+
+
 def check_output(name, *command):
     printed = run(*command, stdout=subprocess.PIPE).stdout.replace("\r\n", "\n")
     if printed == PRINTED[name]:
@@ -61,7 +72,10 @@ def check_installed(cmake, c_compiler, cxx_compiler, build, examples):
         run(cmake, "--build", built)
         # The C library needs the other one, which lies in no folder of the system here.
         os.environ["LD_LIBRARY_PATH"] = library_folder(prefix)
-        return any([check_output(name, os.path.join(built, name)) for name in PRINTED])
+        programs = {name: os.path.join(built, name) for name in PRINTED}
+        failed = any([check_output(name, program) for name, program in programs.items()])
+        by_flags = build_by_pkg_config(c_compiler, library_folder(prefix), examples, scratch)
+        return check_output("plain_c", by_flags) or failed
 
 
 def main(way, *arguments):

@@ -22,7 +22,7 @@ std::string Contents(const std::filesystem::path& path, orsolva_host::Diagnostic
   return text;
 }
 
-/// Every epoch of a file of the shared folder, its unpacked bytes in memory.
+/// Every epoch of a file of the shared folder, its decompressed bytes in memory.
 void ReadText(benchmark::State& state, const char* name) {
   const std::filesystem::path path = orsolva_test::SharedFolder() / "data" / name;
   if (!std::filesystem::exists(path)) {
@@ -43,7 +43,7 @@ void ReadText(benchmark::State& state, const char* name) {
 }
 
 BENCHMARK_CAPTURE(ReadText, plain, "SEPT078M.21O")->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(ReadText, compact, "ESBC00DNK_R_20201770000_01D_30S_MO.crx.gz")
+BENCHMARK_CAPTURE(ReadText, crinex, "ESBC00DNK_R_20201770000_01D_30S_MO.crx.gz")
     ->Unit(benchmark::kMillisecond);
 
 }  // namespace

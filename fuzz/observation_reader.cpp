@@ -1,4 +1,4 @@
-// Any bytes as an observation file, plain or compact as its header says.
+// Any bytes as an observation file, plain or CRINEX as its header says.
 #include "fuzz/observation_text.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);

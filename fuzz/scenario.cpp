@@ -15,10 +15,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 namespace {
 
 /// Orbits of days of sky cost far more than reading the text.
-constexpr double kMostHours = 0.02;
+constexpr double kMaxHours = 0.02;
 
 void BeginSimulation(orsolva_host::Scenario scenario) {
-  scenario.hours = std::min(scenario.hours, kMostHours);
+  scenario.hours = std::min(scenario.hours, kMaxHours);
   orsolva_host::Simulation simulation(scenario);
   const auto epoch = std::make_unique<ObsEpoch_QC_gbt>();
   for (int i = 0; i < 3 && simulation.Next(*epoch); ++i) {

@@ -7,7 +7,7 @@
 #include "host/cli/exit_codes.h"
 #include "host/rinex/text_file.h"
 #include "host/simulator/comparison.h"
-#include "host/simulator/told_faults.h"
+#include "host/simulator/fault_detection.h"
 #include "host/terminal/standard_streams.h"
 
 namespace orsolva_host {

@@ -80,8 +80,8 @@ void ShowNotices(const Diagnostics& diagnostics) {
 }
 
 void ShowHeader(const ObservationHeader& header) {
-  Row("Kind",
-      fmt::format("{} observations, RINEX {:.2f}", header.compact ? "compact" : "plain", header.version));
+  Row("Kind", fmt::format("{} observations, RINEX {:.2f}",
+                          header.crinex ? "Hatanaka-compressed (CRINEX)" : "plain", header.version));
   Row("Marker", header.marker);
   Row("Receiver", header.receiver);
   Row("Antenna", header.antenna);
@@ -173,9 +173,10 @@ bool Inspect(const std::string& file, const InputLimits& limits) {
 void AddInspectCommand(CLI::App& app, int& exit_code) {
   CLI::App* command = app.add_subcommand("inspect", "Tell what a file holds, without judging it");
   auto settings = std::make_shared<InspectSettings>();
-  command->add_option("FILE", settings->files, "RINEX observation or navigation files, packed or not")
+  command->add_option("FILE", settings->files, "RINEX observation or navigation files, compressed or not")
       ->required();
-  command->add_option("--max-size", settings->size, "Most bytes a packed file may unpack to")
+  command
+      ->add_option("--max-size", settings->size, "Largest size in bytes that a compressed file may expand to")
       ->check(CLI::Validator(
           [limits = &settings->limits](std::string& text) { return ParseSize(text, *limits); }, ""))
       ->type_name("BYTES")

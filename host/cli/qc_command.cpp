@@ -79,7 +79,7 @@ void AddJudging(CLI::App& command, QcRequest& request, Texts& texts) {
       ->take_last();
   command.add_flag("--snr-from-strength", s.snr_from_strength,
                    "Estimate a missing SNR from the signal strength digit of its phase");
-  command.add_option("--max-size", texts.size, "Most bytes a packed file may unpack to")
+  command.add_option("--max-size", texts.size, "Largest size in bytes that a compressed file may expand to")
       ->check(Parsed(ParseSize, s.limits))
       ->type_name("BYTES")
       ->take_last()
@@ -99,7 +99,8 @@ void AddOutputs(CLI::App& command, QcRequest& request, Texts& texts) {
   command.add_flag("--sats", request.settings.satellites, "Add a table per satellite");
   command
       .add_option("--detail", request.detail,
-                  "Write a CSV table of every epoch, satellite and signal to this file (.gz packs it)")
+                  "Write a CSV table of every epoch, satellite and signal to this file (compressed when it "
+                  "ends in .gz)")
       ->type_name("FILE")
       ->take_last();
   command
@@ -157,9 +158,10 @@ void AddQcCommand(CLI::App& app, int& exit_code) {
   auto request = std::make_shared<QcRequest>();
   auto texts = std::make_shared<Texts>();
   command
-      ->add_option("FILES", request->paths,
-                   "RINEX observation files, packed or not, and folders or patterns of them, - for standard "
-                   "input; navigation files among them serve all, else those beside each file")
+      ->add_option(
+          "FILES", request->paths,
+          "RINEX observation files, compressed or not, and folders or patterns of them, - for standard "
+          "input; navigation files among them serve all, else those beside each file")
       ->required();
   AddJudging(*command, *request, *texts);
   AddOutputs(*command, *request, *texts);

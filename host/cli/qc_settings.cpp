@@ -94,9 +94,9 @@ std::string ParseSize(const std::string& text, InputLimits& limits) {
   const bool good = ParseInteger(digits, number) == FieldState::kNumber && number > 0 &&
                     number <= std::numeric_limits<std::int64_t>::max() >> shift;
   if (!good) return "'" + text + "' is no size: give a number of bytes such as 500M or 20G";
-  limits.most_unpacked_bytes = static_cast<std::uint64_t>(number) << shift;
+  limits.max_decompressed_bytes = static_cast<std::uint64_t>(number) << shift;
   // The other limit grows along: 8 GiB are worth a million records.
-  limits.most_records = std::max<std::size_t>(limits.most_records, limits.most_unpacked_bytes >> 13);
+  limits.max_records = std::max<std::size_t>(limits.max_records, limits.max_decompressed_bytes >> 13);
   return {};
 }
 

@@ -182,8 +182,8 @@ void AddSimulateCommand(CLI::App& app, int& exit_code) {
       ->type_name("NAME");
   command->add_option("--cutoff", s->cutoff_deg, "Elevation below which nothing is tracked, degrees")
       ->type_name("DEGREES");
-  command->add_flag("--gzip", s->files.gzip, "Pack the RINEX files with gzip");
-  command->add_flag("--compact", s->files.compact, "Write compact observations (CRINEX 3)");
+  command->add_flag("--gzip", s->files.gzip, "Compress the RINEX files with gzip");
+  command->add_flag("--crinex", s->files.crinex, "Write Hatanaka-compressed observations (CRINEX 3)");
   command->callback([s, &exit_code] { exit_code = DoSimulate(*s); });
 }
 

@@ -43,7 +43,7 @@ std::unique_ptr<ByteSource> OpenCounted(const std::string& path, Diagnostics& di
   std::FILE* file = counted ? std::fopen(path.c_str(), "rb") : nullptr;
   // What cannot be opened gets its message from the plain way.
   if (file == nullptr) return OpenBytes(path, diagnostics, limits);
-  return UnpackedBytes(std::make_unique<CountedFile>(path, file, *monitor), path, diagnostics, limits);
+  return DecompressedBytes(std::make_unique<CountedFile>(path, file, *monitor), path, diagnostics, limits);
 }
 
 }  // namespace orsolva_host

@@ -111,7 +111,7 @@ std::vector<std::string> OutputStems(const std::vector<std::string>& inputs) {
   for (const std::string& input : inputs) {
     std::string name = std::filesystem::path(input).filename().string();
     if (input == "-" || name.empty()) name = "stdin";
-    name.resize(WithoutPacking(name).size());
+    name.resize(WithoutCompressionSuffix(name).size());
     for (const char* ending : {".crx", ".rnx"}) {
       if (DropEnding(name, ending)) break;
     }

@@ -53,7 +53,8 @@ class ReportStream {
 /// Writes to standard output. @throws WriteError
 void WriteOut(std::string_view text);
 
-/// The names below a folder that the inputs' outputs get, without ending: the input's name less packing and
+/// The names below a folder that the inputs' outputs get, without ending: the input's name less the suffix of
+/// its compression and
 /// ".rnx" or ".crx"; of equal names the later ones get "-2" and so on. Of several inputs none is called
 /// "network" or "index", which are the names of the tables over all of them.
 std::vector<std::string> OutputStems(const std::vector<std::string>& inputs);

@@ -23,11 +23,12 @@ bool IsFolder(const std::string& path) {
   return std::filesystem::is_directory(path, ignored);
 }
 
-/// Whether the name is one that people give observation files: .rnx, .crx, .obs, .20o, .20d, packed or not.
+/// Whether the name is one that people give observation files: .rnx, .crx, .obs, .20o, .20d, compressed or
+/// not.
 bool LooksLikeObservations(const std::string& path) {
   std::string name = std::filesystem::path(path).filename().string();
   for (char& c : name) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  const std::string ending = std::filesystem::path(WithoutPacking(name)).extension().string();
+  const std::string ending = std::filesystem::path(WithoutCompressionSuffix(name)).extension().string();
   if (ending == ".rnx" || ending == ".crx" || ending == ".obs") return true;
   return ending.size() == 4 && std::isdigit(static_cast<unsigned char>(ending[1])) != 0 &&
          std::isdigit(static_cast<unsigned char>(ending[2])) != 0 && (ending[3] == 'o' || ending[3] == 'd');

@@ -12,7 +12,7 @@
 namespace orsolva_host {
 namespace {
 
-/// Fast packing: a day at 1 Hz is a gigabyte before it.
+/// Fast compression: a day at 1 Hz is a gigabyte uncompressed.
 constexpr char kGzipMode[] = "wb1";
 constexpr unsigned kGzipBuffer = 1 << 18;
 
@@ -75,7 +75,7 @@ class GzipSink : public ByteSink {
 
  private:
   static const char* ReasonOf(int state) {
-    return state == Z_ERRNO ? std::strerror(errno) : "packing failed";
+    return state == Z_ERRNO ? std::strerror(errno) : "compression failed";
   }
 
   std::string name_;

@@ -1,4 +1,4 @@
-// Where the bytes of a file go: plain, or packed with gzip when the name ends in ".gz".
+// Where the bytes of a file go: plain, or compressed with gzip when the name ends in ".gz".
 #ifndef ORSOLVA_OUTPUT_BYTE_SINK_H
 #define ORSOLVA_OUTPUT_BYTE_SINK_H
 

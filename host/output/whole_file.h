@@ -14,8 +14,8 @@ namespace orsolva_host {
 
 /// Files that appear together when all of them are written, and not at all when one fails.
 ///
-/// A file is written beside its target under a hidden name ".part-NAME", packed with gzip when the name ends
-/// in ".gz". A target that is no regular file, such as /dev/stdout, is written straight.
+/// A file is written beside its target under a hidden name ".part-NAME", compressed with gzip when the name
+/// ends in ".gz". A target that is no regular file, such as /dev/stdout, is written straight.
 class WholeFiles {
  public:
   WholeFiles() = default;

@@ -1,4 +1,4 @@
-// Packed data that libarchive reads: compress, bzip2, xz, zstd, and zip archives.
+// Compressed data that libarchive reads: compress, bzip2, xz, zstd, and zip archives.
 #include <archive.h>
 #include <archive_entry.h>
 
@@ -13,13 +13,14 @@ namespace {
 
 class Archive : public ByteSource {
  public:
-  Archive(std::unique_ptr<ByteSource> packed, Packing packing, std::string name, Diagnostics& diagnostics)
-      : packed_(std::move(packed)),
+  Archive(std::unique_ptr<ByteSource> compressed, Compression compression, std::string name,
+          Diagnostics& diagnostics)
+      : compressed_(std::move(compressed)),
         name_(std::move(name)),
         diagnostics_(diagnostics),
         archive_(archive_read_new()),
         input_(kInputSize) {
-    if (packing == Packing::kZip) {
+    if (compression == Compression::kZip) {
       archive_read_support_format_zip_streamable(archive_.get());
     } else {
       archive_read_support_format_raw(archive_.get());
@@ -36,7 +37,7 @@ class Archive : public ByteSource {
     const la_ssize_t count = archive_read_data(archive_.get(), out, size);
     CheckSource();
     if (count < 0) {
-      End("packed data that are damaged or end early");
+      End("damaged or truncated compressed data");
       return 0;
     }
     if (count == 0) {
@@ -58,7 +59,7 @@ class Archive : public ByteSource {
     auto* const self = static_cast<Archive*>(self_pointer);
     *data = self->input_.data();
     try {
-      return static_cast<la_ssize_t>(self->packed_->Read(self->input_.data(), self->input_.size()));
+      return static_cast<la_ssize_t>(self->compressed_->Read(self->input_.data(), self->input_.size()));
     } catch (...) {
       self->failure_ = std::current_exception();
       return -1;
@@ -72,7 +73,7 @@ class Archive : public ByteSource {
   void Open() {
     const bool open = archive_read_open(archive_.get(), this, nullptr, Refill, nullptr) == ARCHIVE_OK;
     CheckSource();
-    if (!open) return End("packed data that are damaged or end early");
+    if (!open) return End("damaged or truncated compressed data");
     if (!NextFile() && !ended_) End("an archive without a file");
   }
 
@@ -84,7 +85,7 @@ class Archive : public ByteSource {
       CheckSource();
       if (state == ARCHIVE_EOF) return false;
       if (state != ARCHIVE_OK && state != ARCHIVE_WARN) {
-        if (!ended_) End("packed data that are damaged or end early");
+        if (!ended_) End("damaged or truncated compressed data");
         return false;
       }
       // The raw format has no file type.
@@ -98,7 +99,7 @@ class Archive : public ByteSource {
     diagnostics_.AddIncomplete(name_, what);
   }
 
-  std::unique_ptr<ByteSource> packed_;
+  std::unique_ptr<ByteSource> compressed_;
   std::string name_;
   Diagnostics& diagnostics_;
   std::unique_ptr<archive, Free> archive_;
@@ -109,9 +110,9 @@ class Archive : public ByteSource {
 
 }  // namespace
 
-std::unique_ptr<ByteSource> ArchiveBytes(std::unique_ptr<ByteSource> packed, Packing packing,
+std::unique_ptr<ByteSource> ArchiveBytes(std::unique_ptr<ByteSource> compressed, Compression compression,
                                          std::string name, Diagnostics& diagnostics) {
-  return std::make_unique<Archive>(std::move(packed), packing, std::move(name), diagnostics);
+  return std::make_unique<Archive>(std::move(compressed), compression, std::move(name), diagnostics);
 }
 
 }  // namespace orsolva_host

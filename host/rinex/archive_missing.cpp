@@ -3,12 +3,13 @@
 
 namespace orsolva_host {
 
-std::unique_ptr<ByteSource> ArchiveBytes(std::unique_ptr<ByteSource> /*packed*/, Packing packing,
+std::unique_ptr<ByteSource> ArchiveBytes(std::unique_ptr<ByteSource> /*compressed*/, Compression compression,
                                          std::string name, Diagnostics& /*diagnostics*/) {
-  throw FileError(std::move(name), 0,
-                  packing == Packing::kZip ? "a zip archive" : "data packed by compress, bzip2, xz or zstd",
-                  "a file that is plain or packed by gzip: this build has no libarchive",
-                  "Unpack the file first, or pack it with gzip.");
+  throw FileError(
+      std::move(name), 0,
+      compression == Compression::kZip ? "a zip archive" : "data compressed by compress, bzip2, xz or zstd",
+      "an uncompressed or gzip file, since this build has no libarchive",
+      "Decompress the file first, or compress it with gzip.");
 }
 
 }  // namespace orsolva_host

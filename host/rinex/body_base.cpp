@@ -7,7 +7,7 @@ namespace orsolva_host {
 namespace {
 
 // More than any header has; the rest of a longer block follows as another one.
-constexpr std::size_t kMostStrayLines = 10000;
+constexpr std::size_t kMaxStrayLines = 10000;
 
 }  // namespace
 
@@ -30,7 +30,7 @@ void BodyBase::TakeStrayHeader(std::string_view line, EpochBlock& epoch) {
   epoch.first_record_line = epoch.line;
   do {
     epoch.records.emplace_back(line.substr(0, kRecordLine));
-    if (HeaderLabel(line) == "END OF HEADER" || epoch.records.size() == kMostStrayLines) return;
+    if (HeaderLabel(line) == "END OF HEADER" || epoch.records.size() == kMaxStrayLines) return;
     if (!lines_.Next(line)) return;
   } while (IsHeaderLine(line));
   lines_.PushBack();
@@ -48,13 +48,13 @@ void BodyBase::DropCutValue(std::string_view line, std::size_t first_column, std
 std::unique_ptr<ObservationBody> BodyOf(const ObservationHeader& header, LineReader& lines, std::string file,
                                         Diagnostics& diagnostics) {
   if (header.version >= 3) {
-    return header.compact ? CompactBody(lines, std::move(file), diagnostics)
-                          : PlainBody(lines, std::move(file), diagnostics);
+    return header.crinex ? CrinexBody(lines, std::move(file), diagnostics)
+                         : PlainBody(lines, std::move(file), diagnostics);
   }
   const char letter =
       header.system >= 'A' && header.system <= 'Z' && header.system != 'M' ? header.system : 'G';
-  return header.compact ? CompactBody2(lines, std::move(file), diagnostics, letter)
-                        : PlainBody2(lines, std::move(file), diagnostics, letter);
+  return header.crinex ? CrinexBody2(lines, std::move(file), diagnostics, letter)
+                       : PlainBody2(lines, std::move(file), diagnostics, letter);
 }
 
 }  // namespace orsolva_host

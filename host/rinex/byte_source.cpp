@@ -50,7 +50,7 @@ class MemoryBytes : public ByteSource {
   std::size_t position_ = 0;
 };
 
-/// Gives back the bytes that were looked at to tell the packing, then the rest.
+/// Gives back the bytes read to detect the compression, then the rest.
 class PrefixedBytes : public ByteSource {
  public:
   PrefixedBytes(std::string prefix, std::unique_ptr<ByteSource> rest)
@@ -66,16 +66,16 @@ class PrefixedBytes : public ByteSource {
   std::unique_ptr<ByteSource> rest_;
 };
 
-/// Ends reading when packed data unpack to more than the limit.
+/// Stops reading when compressed data expand beyond the limit.
 class LimitedBytes : public ByteSource {
  public:
   LimitedBytes(std::unique_ptr<ByteSource> bytes, std::string name, const InputLimits& limits)
-      : bytes_(std::move(bytes)), name_(std::move(name)), most_(limits.most_unpacked_bytes) {}
+      : bytes_(std::move(bytes)), name_(std::move(name)), most_(limits.max_decompressed_bytes) {}
 
   std::size_t Read(char* out, std::size_t size) override {
     const std::size_t count = bytes_->Read(out, size);
     if (count > most_ - given_) {
-      throw FileError(name_, 0, "more than " + std::to_string(most_) + " bytes when unpacked", "fewer",
+      throw FileError(name_, 0, "more than " + std::to_string(most_) + " bytes when decompressed", "fewer",
                       "Raise the limit with --max-size if the file is meant to be that large.");
     }
     given_ += count;
@@ -89,17 +89,17 @@ class LimitedBytes : public ByteSource {
   std::uint64_t given_ = 0;
 };
 
-/// The packing that the first bytes give away.
-Packing PackingOf(std::string_view magic) {
+/// Detects the compression from the first bytes.
+Compression CompressionOf(std::string_view magic) {
   constexpr std::string_view kXz(
       "\xfd"
       "7zXZ\0",
       6);
   const auto begins = [magic](std::string_view with) { return magic.substr(0, with.size()) == with; };
-  if (begins("\x1f\x8b")) return Packing::kGzip;
-  if (begins("PK\x03\x04")) return Packing::kZip;
+  if (begins("\x1f\x8b")) return Compression::kGzip;
+  if (begins("PK\x03\x04")) return Compression::kZip;
   const bool filter = begins("\x1f\x9d") || begins("BZh") || begins(kXz) || begins("\x28\xb5\x2f\xfd");
-  return filter ? Packing::kFilter : Packing::kNone;
+  return filter ? Compression::kFilter : Compression::kNone;
 }
 
 std::string ReadMagic(ByteSource& source) {
@@ -119,17 +119,18 @@ std::unique_ptr<ByteSource> TextBytes(std::string text) {
   return std::make_unique<MemoryBytes>(std::move(text));
 }
 
-std::unique_ptr<ByteSource> UnpackedBytes(std::unique_ptr<ByteSource> source, const std::string& name,
-                                          Diagnostics& diagnostics, const InputLimits& limits) {
-  // A packed file inside an archive is common; more than this is no longer an accident.
-  constexpr int kDeepestPacking = 3;
-  for (int depth = 0; depth < kDeepestPacking; ++depth) {
+std::unique_ptr<ByteSource> DecompressedBytes(std::unique_ptr<ByteSource> source, const std::string& name,
+                                              Diagnostics& diagnostics, const InputLimits& limits) {
+  // A compressed file inside an archive is common; deeper nesting is no accident.
+  constexpr int kMaxCompressionLayers = 3;
+  for (int depth = 0; depth < kMaxCompressionLayers; ++depth) {
     std::string magic = ReadMagic(*source);
-    const Packing packing = PackingOf(magic);
+    const Compression compression = CompressionOf(magic);
     source = std::make_unique<PrefixedBytes>(std::move(magic), std::move(source));
-    if (packing == Packing::kNone) break;
-    source = packing == Packing::kGzip ? GunzipBytes(std::move(source), name, diagnostics)
-                                       : ArchiveBytes(std::move(source), packing, name, diagnostics);
+    if (compression == Compression::kNone) break;
+    source = compression == Compression::kGzip
+                 ? GunzipBytes(std::move(source), name, diagnostics)
+                 : ArchiveBytes(std::move(source), compression, name, diagnostics);
     source = std::make_unique<LimitedBytes>(std::move(source), name, limits);
   }
   return source;
@@ -141,7 +142,7 @@ std::unique_ptr<ByteSource> OpenBytes(const std::string& path, Diagnostics& diag
   if (!file) {
     throw FileError(path, 0, std::strerror(errno), "a readable file", "Check the name and the permissions.");
   }
-  return UnpackedBytes(std::make_unique<FileBytes>(path, file), path, diagnostics, limits);
+  return DecompressedBytes(std::make_unique<FileBytes>(path, file), path, diagnostics, limits);
 }
 
 }  // namespace orsolva_host

@@ -1,4 +1,4 @@
-// Where the bytes of a file come from: a plain file, standard input, packed data or a text in memory.
+// Source of the bytes of a file: a plain file, standard input, compressed data or a text in memory.
 #ifndef ORSOLVA_RINEX_BYTE_SOURCE_H
 #define ORSOLVA_RINEX_BYTE_SOURCE_H
 
@@ -11,13 +11,13 @@
 
 namespace orsolva_host {
 
-/// What one input file may cost. Packed files of a few kilobytes can unpack to more than any disk holds.
+/// Limits on one input file. A compressed file of a few kilobytes can expand beyond the size of any disk.
 struct InputLimits {
-  /// Bytes that a packed file may unpack to. Files that are not packed may have any size.
-  std::uint64_t most_unpacked_bytes = std::uint64_t{8} << 30;
+  /// Bytes that a compressed file may expand to. Uncompressed files may have any size.
+  std::uint64_t max_decompressed_bytes = std::uint64_t{8} << 30;
 
   /// Different records that navigation files may hold together: those of all systems for months.
-  std::size_t most_records = 1000000;
+  std::size_t max_records = 1000000;
 };
 
 class ByteSource {
@@ -29,26 +29,26 @@ class ByteSource {
 
 /// Opens a file ("-" is standard input) and unpacks gzip, compress (.Z), zip, bzip2, xz and zstd by the
 /// content, whatever the name says, also one in another. Of a zip archive the first file is read. Data that
-/// end early or are damaged give a notice, and what was unpacked before is still delivered.
+/// end early or are damaged give a notice, and what was decompressed before that is still delivered.
 /// @throws FileError when the file cannot be opened; reading throws it when the limit is reached
 std::unique_ptr<ByteSource> OpenBytes(const std::string& path, Diagnostics& diagnostics,
                                       const InputLimits& limits = {});
 
 /// Unpacks a source as OpenBytes does. @param name  what notices call the data
-std::unique_ptr<ByteSource> UnpackedBytes(std::unique_ptr<ByteSource> source, const std::string& name,
-                                          Diagnostics& diagnostics, const InputLimits& limits = {});
+std::unique_ptr<ByteSource> DecompressedBytes(std::unique_ptr<ByteSource> source, const std::string& name,
+                                              Diagnostics& diagnostics, const InputLimits& limits = {});
 
 /// The bytes of a text.
 std::unique_ptr<ByteSource> TextBytes(std::string text);
 
-/// Unpacks `packed`, which holds gzip data. Members that follow each other are joined.
-std::unique_ptr<ByteSource> GunzipBytes(std::unique_ptr<ByteSource> packed, std::string name,
+/// Decompresses gzip data. Concatenated members are joined.
+std::unique_ptr<ByteSource> GunzipBytes(std::unique_ptr<ByteSource> compressed, std::string name,
                                         Diagnostics& diagnostics);
 
-enum class Packing { kNone, kGzip, kFilter, kZip };
+enum class Compression { kNone, kGzip, kFilter, kZip };
 
 /// Unpacks data of a compression filter (compress, bzip2, xz, zstd) or the first file of a zip archive.
-std::unique_ptr<ByteSource> ArchiveBytes(std::unique_ptr<ByteSource> packed, Packing packing,
+std::unique_ptr<ByteSource> ArchiveBytes(std::unique_ptr<ByteSource> compressed, Compression compression,
                                          std::string name, Diagnostics& diagnostics);
 
 }  // namespace orsolva_host

@@ -53,7 +53,8 @@ class Diagnostics {
 
   /// Adds like Add. @return the place of the kind, for further cases by Again
   std::size_t AddKind(const std::string& file, long line, const std::string& text, bool recovered = true);
-  /// Packed data of which only a part could be unpacked: a notice, and the error that the run ends with.
+  /// Compressed data of which only a part could be decompressed: a notice, and the error that the run ends
+  /// with.
   void AddIncomplete(const std::string& file, const std::string& what);
   /// Counts further cases of a kind, without its text: for oddities that come by the thousand.
   void Again(std::size_t kind, long cases = 1);
@@ -61,7 +62,7 @@ class Diagnostics {
   void Append(const Diagnostics& other);
 
   const std::vector<Notice>& Notices() const { return notices_; }
-  /// The first file of which only a part could be unpacked.
+  /// The first file of which only a part could be decompressed.
   const std::optional<FileError>& Incomplete() const { return incomplete_; }
   /// Cases of kinds beyond the kept ones.
   long Uncounted() const { return uncounted_; }

@@ -1,6 +1,6 @@
 // Epoch lines.
 //
-// RINEX 3 and 4: "> 2020 06 25 00 00 30.0000000  0 43", in compact files with the satellites from column 42
+// RINEX 3 and 4: "> 2020 06 25 00 00 30.0000000  0 43", in CRINEX files with the satellites from column 42
 // on. RINEX 2: " 21 12 21  0  0 30.0000000  0 26G07G08..." with the satellites from column 33 on.
 #ifndef ORSOLVA_RINEX_EPOCH_LINE_H
 #define ORSOLVA_RINEX_EPOCH_LINE_H

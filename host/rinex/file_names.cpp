@@ -80,7 +80,7 @@ std::optional<RinexName> ParseLongName(std::string_view name) {
 
 }  // namespace
 
-std::string_view WithoutPacking(std::string_view name) {
+std::string_view WithoutCompressionSuffix(std::string_view name) {
   for (const std::string_view ending : {".GZ", ".Z", ".BZ2", ".XZ", ".ZIP", ".ZST"}) {
     if (name.size() > ending.size() && UpperCase(name.substr(name.size() - ending.size())) == ending) {
       return name.substr(0, name.size() - ending.size());
@@ -91,7 +91,7 @@ std::string_view WithoutPacking(std::string_view name) {
 
 std::optional<RinexName> ParseRinexName(std::string_view name) {
   const std::string upper = UpperCase(name);
-  const std::string_view plain = WithoutPacking(upper);
+  const std::string_view plain = WithoutCompressionSuffix(upper);
   std::optional<RinexName> parsed = ParseLongName(plain);
   if (!parsed) parsed = ParseShortName(plain);
   if (parsed) parsed->whole = plain;

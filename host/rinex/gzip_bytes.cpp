@@ -13,8 +13,11 @@ namespace {
 
 class GzipBytes : public ByteSource {
  public:
-  GzipBytes(std::unique_ptr<ByteSource> packed, std::string name, Diagnostics& diagnostics)
-      : packed_(std::move(packed)), name_(std::move(name)), diagnostics_(diagnostics), input_(kInputSize) {
+  GzipBytes(std::unique_ptr<ByteSource> compressed, std::string name, Diagnostics& diagnostics)
+      : compressed_(std::move(compressed)),
+        name_(std::move(name)),
+        diagnostics_(diagnostics),
+        input_(kInputSize) {
     constexpr int kGzipWindow = 15 + 16;
     if (inflateInit2(&stream_, kGzipWindow) != Z_OK) throw std::bad_alloc();
   }
@@ -34,17 +37,17 @@ class GzipBytes : public ByteSource {
   static constexpr std::size_t kInputSize = 1U << 16;
 
   bool Refill() {
-    const std::size_t count = packed_->Read(input_.data(), input_.size());
+    const std::size_t count = compressed_->Read(input_.data(), input_.size());
     stream_.next_in = reinterpret_cast<Bytef*>(input_.data());
     stream_.avail_in = static_cast<uInt>(count);
     return count > 0;
   }
 
   void Step() {
-    if (stream_.avail_in == 0 && !Refill()) return Break("packed data that end early");
+    if (stream_.avail_in == 0 && !Refill()) return Break("truncated compressed data");
     const int state = inflate(&stream_, Z_NO_FLUSH);
     if (state == Z_STREAM_END) return NextMember();
-    if (state != Z_OK && state != Z_BUF_ERROR) Break("packed data that are damaged");
+    if (state != Z_OK && state != Z_BUF_ERROR) Break("damaged compressed data");
   }
 
   void NextMember() {
@@ -53,7 +56,7 @@ class GzipBytes : public ByteSource {
     } else if (stream_.next_in[0] == 0x1f) {
       inflateReset(&stream_);
     } else {
-      End("bytes after the packed data are left out");
+      End("bytes after the end of the compressed data are ignored");
     }
   }
 
@@ -67,7 +70,7 @@ class GzipBytes : public ByteSource {
     diagnostics_.Add(name_, 0, why, false);
   }
 
-  std::unique_ptr<ByteSource> packed_;
+  std::unique_ptr<ByteSource> compressed_;
   std::string name_;
   Diagnostics& diagnostics_;
   std::vector<char> input_;
@@ -77,9 +80,9 @@ class GzipBytes : public ByteSource {
 
 }  // namespace
 
-std::unique_ptr<ByteSource> GunzipBytes(std::unique_ptr<ByteSource> packed, std::string name,
+std::unique_ptr<ByteSource> GunzipBytes(std::unique_ptr<ByteSource> compressed, std::string name,
                                         Diagnostics& diagnostics) {
-  return std::make_unique<GzipBytes>(std::move(packed), std::move(name), diagnostics);
+  return std::make_unique<GzipBytes>(std::move(compressed), std::move(name), diagnostics);
 }
 
 }  // namespace orsolva_host

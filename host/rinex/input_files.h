@@ -22,8 +22,8 @@ struct InputFiles {
 FileKind KindOfFile(const std::string& path);
 
 /// Sorts the files of the arguments by what they hold. A folder stands for the files in it (not for those of
-/// folders in it), in the order of their names; two packings of one file count once. A file named on its own
-/// that is neither observation nor navigation, or does not exist, counts as an observation file, so that
+/// folders in it), in the order of their names; two compressions of one file count once. A file named on its
+/// own that is neither observation nor navigation, or does not exist, counts as an observation file, so that
 /// reading it says what is wrong.
 InputFiles SortInputs(const std::vector<std::string>& paths);
 

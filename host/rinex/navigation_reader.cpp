@@ -190,7 +190,7 @@ bool NavigationReader::IsForeign(long number) {
 
 void NavigationReader::AddLine(std::string_view line, long number) {
   const std::size_t first = 3 + 4 * static_cast<std::size_t>(record_.lines);
-  if (first + 4 > NavigationRecord::kMostValues) return;
+  if (first + 4 > NavigationRecord::kMaxValues) return;
   for (std::size_t i = 0; i < 4; ++i) {
     const std::size_t column = columns_.further_lines + kNavigationValueWidth * i;
     record_.v[first + i] = Number(Field(line, column, kNavigationValueWidth), number);
@@ -239,7 +239,7 @@ void NavigationReader::RepairWeek() {
 }
 
 void NavigationReader::CheckCount() const {
-  if (met_.size() < options_.limits.most_records) return;
+  if (met_.size() < options_.limits.max_records) return;
   throw FileError(name_, record_.line, "more than " + std::to_string(met_.size()) + " different records",
                   "fewer", "Name the files of the day alone, or raise the limit with --max-size.");
 }

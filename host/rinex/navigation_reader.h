@@ -23,7 +23,7 @@ struct NavigationOptions {
   InputLimits limits;
 };
 
-/// Collects the records of RINEX 2, 3 and 4 navigation files, mixed or of one system, packed or not.
+/// Collects the records of RINEX 2, 3 and 4 navigation files, mixed or of one system, compressed or not.
 ///
 /// Reference times are seconds since 1970-01-01 with the calendar as it stands in the file: GPS, Galileo and
 /// QZSS time, BDS time, and UTC for GLONASS. Weeks and seconds of week are the file's, but that a GPS, QZSS

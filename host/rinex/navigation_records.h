@@ -12,12 +12,12 @@ namespace orsolva_host {
 /// The numbers of a record in the order of RINEX 3.05, tables A6 to A14: v[0] to v[2] stand on the epoch
 /// line, each line after it holds four. A blank field is 0.
 struct NavigationRecord {
-  static constexpr std::size_t kMostValues = 3 + 4 * 9;
+  static constexpr std::size_t kMaxValues = 3 + 4 * 9;
 
   char letter = 'G';
   int number = 0;
   Time_gbt time = {};
-  std::array<double, kMostValues> v = {};
+  std::array<double, kMaxValues> v = {};
   int lines = 0;  ///< lines after the epoch line
   long line = 0;  ///< where the record begins
 };

@@ -1,6 +1,6 @@
 // The epochs of an observation file as they stand in it, whatever the form of the file.
 //
-// Each form (plain, compact; by version) has a class of its own behind one interface. What an observation
+// Each form (plain, CRINEX; by version) has a class of its own behind one interface. What an observation
 // type means is not known here: a satellite is a row of cells in the order of the header's types.
 #ifndef ORSOLVA_RINEX_OBSERVATION_BODY_H
 #define ORSOLVA_RINEX_OBSERVATION_BODY_H
@@ -64,12 +64,12 @@ std::unique_ptr<ObservationBody> PlainBody(LineReader& lines, std::string file, 
 std::unique_ptr<ObservationBody> PlainBody2(LineReader& lines, std::string file, Diagnostics& diagnostics,
                                             char blank_letter);
 
-/// RINEX 3 and 4 in compact form 3 (Hatanaka 2008, Bulletin of the GSI 55).
-std::unique_ptr<ObservationBody> CompactBody(LineReader& lines, std::string file, Diagnostics& diagnostics);
+/// RINEX 3 and 4 as CRINEX 3 (Hatanaka 2008, Bulletin of the GSI 55).
+std::unique_ptr<ObservationBody> CrinexBody(LineReader& lines, std::string file, Diagnostics& diagnostics);
 
-/// RINEX 2 in compact form 1. @param blank_letter  system of satellites without a letter
-std::unique_ptr<ObservationBody> CompactBody2(LineReader& lines, std::string file, Diagnostics& diagnostics,
-                                              char blank_letter);
+/// RINEX 2 as CRINEX 1. @param blank_letter  system of satellites without a letter
+std::unique_ptr<ObservationBody> CrinexBody2(LineReader& lines, std::string file, Diagnostics& diagnostics,
+                                             char blank_letter);
 
 /// The one that the header asks for.
 std::unique_ptr<ObservationBody> BodyOf(const ObservationHeader& header, LineReader& lines, std::string file,

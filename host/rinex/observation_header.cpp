@@ -12,8 +12,8 @@ constexpr double kLastKnownVersion2 = 2.12;
 constexpr double kLastKnownVersion3 = 3.05;
 constexpr double kLastKnownVersion4 = 4.02;
 // Far more than any receiver has; keeps a damaged file from growing the lists.
-constexpr std::size_t kMostTypes = 200;
-constexpr long kMostHeaderLines = 100000;
+constexpr std::size_t kMaxTypes = 200;
+constexpr long kMaxHeaderLines = 100000;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 std::string Text(std::string_view line, std::size_t column, std::size_t width) {
@@ -25,7 +25,7 @@ bool IsLetter(char c) { return c >= 'A' && c <= 'Z'; }
 void AddScaledTypes(std::string_view line, ScaleFactor& scale) {
   for (std::size_t column = 11; column + 3 <= 60; column += 4) {
     const std::string_view type = Trimmed(Field(line, column, 3));
-    if (!type.empty() && scale.types.size() < kMostTypes) scale.types.emplace_back(type);
+    if (!type.empty() && scale.types.size() < kMaxTypes) scale.types.emplace_back(type);
   }
 }
 
@@ -44,16 +44,16 @@ void HeaderParser::ReadVersion(LineReader& lines) {
     }
     blank = Trimmed(line).empty();
     if (blank) Notice(lines.Line(), "blank lines before the header are passed over");
-  } while (blank && lines.Line() < kMostHeaderLines);
+  } while (blank && lines.Line() < kMaxHeaderLines);
   std::string form;
   if (HeaderLabel(line) == "CRINEX VERS   / TYPE") {
-    header_.compact = true;
+    header_.crinex = true;
     form = Field(line, 0, 1);
     if (form != "1" && form != "3") {
-      throw FileError(file_, lines.Line(), "compact RINEX version " + Quoted(Text(line, 0, 20)), "1.0 or 3.0",
+      throw FileError(file_, lines.Line(), "CRINEX version " + Quoted(Text(line, 0, 20)), "1.0 or 3.0",
                       "Unpack the file to plain RINEX first.");
     }
-    // The second line tells the packing program.
+    // The second line names the compressing program.
     if (!lines.Next(line) || !lines.Next(line)) line = {};
   }
   double version = 0;
@@ -68,7 +68,7 @@ void HeaderParser::ReadVersion(LineReader& lines) {
   }
   CheckVersion(line, version, lines.Line());
   if (!form.empty() && (form == "1") != (version < 3)) {
-    Notice(lines.Line(), "compact form " + form + " holds RINEX " + Text(line, 0, 9) +
+    Notice(lines.Line(), "CRINEX " + form + " holds RINEX " + Text(line, 0, 9) +
                              "; read by the version of the observations");
   }
   header_.version = version;
@@ -91,9 +91,9 @@ void HeaderParser::CheckVersion(std::string_view line, double version, long numb
 
 void HeaderParser::CheckSameForm(std::string_view line, long number) const {
   double version = 0;
-  const bool compact = HeaderLabel(line) == "CRINEX VERS   / TYPE";
+  const bool crinex = HeaderLabel(line) == "CRINEX VERS   / TYPE";
   const bool known = ParseDecimal(Field(line, 0, 9), version) == FieldState::kNumber;
-  const bool same = compact ? header_.compact : known && (version < 3) == (header_.version < 3);
+  const bool same = crinex ? header_.crinex : known && (version < 3) == (header_.version < 3);
   if (same) return;
   throw FileError(file_, number,
                   "a second header of another form, " + Quoted(std::string(line.substr(0, 60))),
@@ -105,7 +105,7 @@ void HeaderParser::ReadAll(LineReader& lines) {
   std::string_view line;
   while (lines.Next(line)) {
     if (HeaderLabel(line) == "END OF HEADER") return;
-    if (lines.Line() > kMostHeaderLines) break;
+    if (lines.Line() > kMaxHeaderLines) break;
     Take(line, lines.Line());
   }
   throw FileError(file_, lines.Line(), "no END OF HEADER", "it before the first epoch",
@@ -162,7 +162,7 @@ void HeaderParser::TakeTypes(std::string_view line, long number) {
     return Notice(number, "observation types without a system are left out");
   }
   std::vector<std::string>& types = header_.types[types_system_ - 'A'];
-  for (std::size_t column = 7; column + 3 <= 58 && types.size() < kMostTypes; column += 4) {
+  for (std::size_t column = 7; column + 3 <= 58 && types.size() < kMaxTypes; column += 4) {
     const std::string_view type = Trimmed(Field(line, column, 3));
     if (!type.empty()) types.emplace_back(type);
   }
@@ -179,7 +179,7 @@ void HeaderParser::TakeTypes2(std::string_view line, long number) {
   } else if (!types2_begun_ || counted == FieldState::kBad) {
     return Notice(number, "observation types that cannot be read are left out");
   }
-  for (std::size_t column = 10; column + 2 <= 60 && types.size() < kMostTypes; column += 6) {
+  for (std::size_t column = 10; column + 2 <= 60 && types.size() < kMaxTypes; column += 6) {
     const std::string_view type = Trimmed(Field(line, column, 2));
     if (!type.empty()) types.emplace_back(type);
   }
@@ -199,7 +199,7 @@ void HeaderParser::TakeScaleFactor2(std::string_view line, long number) {
     const std::string_view type = Trimmed(Field(line, column, 2));
     if (!type.empty()) scale.types.emplace_back(type);
   }
-  if (header_.scale_factors.size() < kMostTypes) header_.scale_factors.push_back(scale);
+  if (header_.scale_factors.size() < kMaxTypes) header_.scale_factors.push_back(scale);
 }
 
 void HeaderParser::TakeWavelengthFactor(std::string_view line, long number) {
@@ -226,7 +226,7 @@ void HeaderParser::TakeScaleFactor(std::string_view line, long number) {
   scale.system = system[0];
   scale.factor = static_cast<double>(factor);
   AddScaledTypes(line, scale);
-  if (header_.scale_factors.size() == kMostTypes) return;
+  if (header_.scale_factors.size() == kMaxTypes) return;
   header_.scale_factors.push_back(scale);
   scale_begun_ = true;
 }

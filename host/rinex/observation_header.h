@@ -26,7 +26,7 @@ struct ScaleFactor {
 
 struct ObservationHeader {
   double version = 0;
-  bool compact = false;
+  bool crinex = false;
   char system = 'M';
   std::string marker;
   std::string marker_number;

@@ -15,8 +15,8 @@
 namespace orsolva_host {
 namespace {
 
-constexpr std::size_t kMostSignals = 8;
-constexpr std::uint32_t kMostSatellites = 80;
+constexpr std::size_t kMaxSignals = 8;
+constexpr std::uint32_t kMaxSatellites = 80;
 constexpr std::int64_t kBdsTimeBehindGps_s = 14;
 constexpr float kStrengthStep_dbhz = 6;
 constexpr std::size_t kNoKind = static_cast<std::size_t>(-1);
@@ -307,7 +307,7 @@ void ObservationReader::FillEpoch(ObsEpoch_QC_gbt& epoch) {
   met_.fill(0);
   for (const SatelliteRow& row : block_.satellites) AddSatellite(row, epoch);
   // The records of unused satellites stay defined for hosts that copy whole epochs.
-  std::memset(&epoch.sats[epoch.sat_num], 0, sizeof epoch.sats[0] * (kMostSatellites - epoch.sat_num));
+  std::memset(&epoch.sats[epoch.sat_num], 0, sizeof epoch.sats[0] * (kMaxSatellites - epoch.sat_num));
 }
 
 bool ObservationReader::IsJudged(const SatelliteRow& row, int slot) {
@@ -336,7 +336,7 @@ void ObservationReader::AddSatellite(const SatelliteRow& row, ObsEpoch_QC_gbt& e
     return diagnostics_.Add(name_, block_.line,
                             "a satellite is listed twice in an epoch; the first is judged", false);
   }
-  if (epoch.sat_num >= kMostSatellites) {
+  if (epoch.sat_num >= kMaxSatellites) {
     return diagnostics_.Add(name_, block_.line, "satellites beyond the first 80 of an epoch are left out",
                             false);
   }
@@ -371,7 +371,7 @@ void ObservationReader::FillSignals(const SystemPlan& plan, const SatelliteRow& 
   }
   for (std::size_t i = 0; i < signals_.size(); ++i) {
     if (!HasValue(signals_[i])) continue;
-    if (satellite.signal_num >= kMostSignals) {
+    if (satellite.signal_num >= kMaxSignals) {
       return diagnostics_.Add(name_, block_.line,
                               std::string("signals beyond the first 8 of a satellite are left out"), false);
     }

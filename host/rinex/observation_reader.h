@@ -48,7 +48,7 @@ struct ObservationOptions {
   InputLimits limits;
 };
 
-/// Streams the epochs of RINEX 2, 3 and 4 observation files, plain or compact, packed or not.
+/// Streams the epochs of RINEX 2, 3 and 4 observation files, plain or CRINEX, compressed or not.
 ///
 /// Epochs are seconds since 1970-01-01 on the GPS time scale: the calendar of the file as it stands, unless
 /// the file counts in BDS time (14 s are added) or GLONASS time (UTC; the header's leap seconds are added).

@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t kFirstCellColumn = 3;
 
 // What the three columns of an epoch line can count; an epoch of a damaged file ends there.
-constexpr std::size_t kMostSatellites = 999;
+constexpr std::size_t kMaxSatellites = 999;
 
 class Plain : public BodyBase {
  public:
@@ -97,7 +97,7 @@ class Plain : public BodyBase {
       const bool more = !line.empty() && line[0] != '>' && !IsHeaderLine(line) &&
                         ParseSatellite(Field(line, 0, 3), row.letter, row.number);
       if (!more) return lines_.PushBack();
-      if (epoch.satellites.size() >= kMostSatellites) {
+      if (epoch.satellites.size() >= kMaxSatellites) {
         Notice("an epoch has more than 999 satellites; the others are passed over");
         continue;
       }

@@ -12,7 +12,7 @@ constexpr std::uint64_t kFaultStream = 101;
 constexpr double kTicksPerSecond = 1e7;
 /// A random fault needs its satellite well up for this long before, so that it shows.
 constexpr double kUpBefore_s = 600;
-constexpr int kMostDraws = 50;
+constexpr int kMaxDraws = 50;
 
 bool IsMomentary(FaultKind kind) {
   return kind == FaultKind::kSlip || kind == FaultKind::kMissingEpoch || kind == FaultKind::kDuplicate ||
@@ -21,7 +21,7 @@ bool IsMomentary(FaultKind kind) {
 
 /// Draws time, satellite and signal. @return false when no satellite was up at any time drawn
 bool Draw(const EpochGrid& grid, const VisibleAt& visible, const RandomStream& stream, Fault& fault) {
-  for (std::uint64_t draw = 0; draw < kMostDraws; ++draw) {
+  for (std::uint64_t draw = 0; draw < kMaxDraws; ++draw) {
     const double place = std::floor(stream.Uniform(2 * draw) * static_cast<double>(grid.epochs));
     fault.at_s = grid.Seconds(static_cast<std::int64_t>(place));
     if (!MeetsSignals(fault.kind)) return true;

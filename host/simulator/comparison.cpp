@@ -10,7 +10,7 @@
 #include <optional>
 #include <utility>
 
-#include "host/simulator/told_faults.h"
+#include "host/simulator/fault_detection.h"
 
 namespace orsolva_host {
 namespace {
@@ -135,7 +135,7 @@ class Comparison {
     WriteSystems();
     WriteSignals();
     WriteFaults();
-    if (detail_ != nullptr) WriteToldFaults();
+    if (detail_ != nullptr) WriteDetectedFaults();
     WriteNotes();
     return std::move(out_);
   }
@@ -217,26 +217,26 @@ class Comparison {
   }
 
   void WriteFaults() {
-    constexpr std::size_t kMostRows = 40;
+    constexpr std::size_t kMaxRows = 40;
     const Json& faults = truth_.at("faults");
     Line("\nFAULTS INJECTED (sizes: slip cycles, jump and offset m, drop dB, clock ms)");
     if (faults.empty()) return Line("none");
     Line("Time                 Kind             Satellite  Signal      Size  Duration s");
     std::size_t rows = 0;
     for (const Json& fault : faults) {
-      if (++rows > kMostRows) continue;
+      if (++rows > kMaxRows) continue;
       const bool shows = fault.at("shows_in_the_data").get<bool>();
       const std::string time = Text(fault.at("time_gpst")).substr(0, 19);
       Line(fmt::format("{:<21}{:<17}{:<11}{:<8}{:>8g}{:>12g}{}", time, Text(fault.at("kind")),
                        Text(fault.at("satellite")), Text(fault.at("signal")), fault.at("size").get<double>(),
                        fault.at("duration_s").get<double>(), shows ? "" : " *"));
     }
-    if (rows > kMostRows) Line(fmt::format("and {} more", rows - kMostRows));
+    if (rows > kMaxRows) Line(fmt::format("and {} more", rows - kMaxRows));
     Line("* not to be seen in the data: nothing was tracked there then");
   }
 
-  void WriteToldFaults() {
-    std::vector<ToldFault> faults;
+  void WriteDetectedFaults() {
+    std::vector<DetectedFault> faults;
     for (const Json& fault : truth_.at("faults")) {
       const bool slip = fault.at("kind") == "slip";
       if ((!slip && fault.at("kind") != "code_jump") || !fault.at("shows_in_the_data").get<bool>()) continue;
@@ -244,7 +244,7 @@ class Comparison {
                         NameOrAll(fault.at("signal")), slip, fault.at("size").get<double>()});
     }
     ReadReasons(*detail_, faults);
-    out_ += ToldFaultsText(faults);
+    out_ += DetectedFaultsText(faults);
   }
 
   void WriteNotes() {

@@ -50,7 +50,7 @@ FileSet FileNames(const Scenario& scenario, const FileSetOptions& options) {
   const std::string tail = options.gzip ? ".gz" : "";
   const std::filesystem::path folder(options.folder);
   FileSet names;
-  const std::string form = options.compact ? ".crx" : ".rnx";
+  const std::string form = options.crinex ? ".crx" : ".rnx";
   names.observations = (folder / (stem + "_" + RateText(scenario.interval_s) + "_MO" + form + tail)).string();
   names.navigation = (folder / (stem + "_MN.rnx" + tail)).string();
   names.truth = (folder / "truth.json").string();
@@ -66,7 +66,7 @@ Truth WriteFileSet(const Scenario& scenario, const FileSetOptions& options,
   WriteText(names.navigation, NavigationText(simulation.Navigation(), LeapSeconds(scenario.start.time)),
             files);
   ObservationWriter writer(files.Begin(names.observations), scenario,
-                           simulation.TruthSoFar().header_position_m, options.compact);
+                           simulation.TruthSoFar().header_position_m, options.crinex);
   const auto epoch = std::make_unique<ObsEpoch_QC_gbt>();
   while (simulation.Next(*epoch)) {
     writer.Write(*epoch);

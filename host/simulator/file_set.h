@@ -14,7 +14,7 @@ namespace orsolva_host {
 struct FileSetOptions {
   std::string folder;  ///< made when it is not there
   bool gzip = false;
-  bool compact = false;  ///< CRINEX 3
+  bool crinex = false;  ///< CRINEX 3
 };
 
 struct FileSet {

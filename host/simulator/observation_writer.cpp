@@ -7,8 +7,8 @@
 #include "host/rinex/civil_time.h"
 #include "host/rinex/signal_codes.h"
 #include "host/simulator/broadcast.h"
-#include "host/simulator/compact_lines.h"
 #include "host/simulator/constellation.h"
+#include "host/simulator/crinex_lines.h"
 #include "host/simulator/fixed_decimal.h"
 #include "host/simulator/header_lines.h"
 
@@ -150,11 +150,11 @@ void ObservationLines::Append(const ObsEpoch_QC_gbt& epoch, std::string& out) {
 }
 
 ObservationWriter::ObservationWriter(std::unique_ptr<ByteSink> sink, const Scenario& scenario,
-                                     const std::array<double, 3>& header_position_m, bool compact)
+                                     const std::array<double, 3>& header_position_m, bool crinex)
     : sink_(std::move(sink)), header_position_m_(header_position_m) {
-  if (compact) {
-    lines_ = std::make_unique<CompactLines>(scenario);
-    buffer_ = CompactLines::Preamble();
+  if (crinex) {
+    lines_ = std::make_unique<CrinexLines>(scenario);
+    buffer_ = CrinexLines::Preamble();
   } else {
     lines_ = std::make_unique<ObservationLines>(scenario);
   }

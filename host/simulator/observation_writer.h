@@ -48,9 +48,9 @@ class ObservationLines {
 /// Streams a file: the header goes out with the first epoch.
 class ObservationWriter {
  public:
-  /// @param compact  CRINEX 3 in place of plain lines
+  /// @param crinex  CRINEX 3 in place of plain lines
   ObservationWriter(std::unique_ptr<ByteSink> sink, const Scenario& scenario,
-                    const std::array<double, 3>& header_position_m, bool compact = false);
+                    const std::array<double, 3>& header_position_m, bool crinex = false);
   ~ObservationWriter();
 
   void Write(const ObsEpoch_QC_gbt& epoch);

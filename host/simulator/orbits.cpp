@@ -50,7 +50,7 @@ KeplerOrbit::KeplerOrbit(const KeplerRecord& record)
       axis_(record.sqrt_a * record.sqrt_a),
       motion_(std::sqrt(record.gravity) / (axis_ * record.sqrt_a) + record.deln),
       root_(std::sqrt(1 - record.e * record.e)),
-      relativity_(-2 * std::sqrt(kGravityGalileo * axis_) * record.e / (kLightSpeed * kLightSpeed)),
+      relativity_(-2 * std::sqrt(kGravityGalileo * axis_) * record.e / (kSpeedOfLight * kSpeedOfLight)),
       node_(record.node_at_week - record.earth_rate * record.seconds_of_week) {}
 
 double KeplerOrbit::StateAt(double time_s, double* position_m) const {

@@ -11,7 +11,7 @@
 
 namespace orsolva_host {
 
-inline constexpr double kLightSpeed = 299792458.0;         // m/s
+inline constexpr double kSpeedOfLight = 299792458.0;       // m/s
 inline constexpr double kGravityGps = 3.986005e14;         // m^3/s^2, GPS and QZSS
 inline constexpr double kGravityGalileo = 3.986004418e14;  // BDS too
 inline constexpr double kEarthRate = 7.2921151467e-5;      // rad/s, GPS, QZSS and Galileo

@@ -16,7 +16,7 @@
 namespace orsolva_host {
 namespace {
 
-constexpr std::size_t kMostSignals = 8;
+constexpr std::size_t kMaxSignals = 8;
 constexpr double kRinexVersion = 3.05;
 constexpr std::int64_t kEarliest = 1136246400;  // 2006-01-03, in the first week of BDS time
 constexpr std::int64_t kLatest = 4070908800;    // 2099-01-01
@@ -122,7 +122,7 @@ void CheckGroup(const std::string& group, const std::vector<std::string>& names)
     throw ScenarioError(
         fmt::format("{}: found no group of that name, expected {}", key, fmt::join(groups, ", ")));
   }
-  if (names.size() > kMostSignals) {
+  if (names.size() > kMaxSignals) {
     throw ScenarioError(fmt::format("{}: found {} signals, expected at most 8", key, names.size()));
   }
   for (auto name = names.begin(); name != names.end(); ++name) {

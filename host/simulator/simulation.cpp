@@ -15,7 +15,7 @@ namespace orsolva_host {
 namespace {
 
 constexpr std::int64_t kTicksPerSecond = 10000000;
-constexpr std::uint32_t kMostSatellites = 80;
+constexpr std::uint32_t kMaxSatellites = 80;
 constexpr double kClockLogStep_s = 600;
 /// A satellite this far below the horizon needs no look for a minute: none climbs a degree in that time.
 constexpr double kDeep_rad = -2 * kRadian;
@@ -300,7 +300,7 @@ Sight Simulation::Work::Look(std::size_t index, double true_s, double& travel_s)
     line[1] = -s * p[0] + c * p[1] - site.position_m[1];
     line[2] = p[2] - site.position_m[2];
     sight.range_m = std::sqrt(line[0] * line[0] + line[1] * line[1] + line[2] * line[2]);
-    const double found = sight.range_m / kLightSpeed;
+    const double found = sight.range_m / kSpeedOfLight;
     const bool settled = std::fabs(found - travel_s) < kTravelTolerance_s;
     travel_s = found;
     if (settled) break;
@@ -366,7 +366,7 @@ void Simulation::Work::MakeSatellite(std::size_t index, double true_s, bool deli
   }
   if (!work.storms.empty()) m.slant_tec += StormTec(work, tag_s_);
   g.slant_tec = m.slant_tec;
-  g.range_m = sight.range_m + kLightSpeed * (bias_s_ - sight.state.clock_s) + m.troposphere_m;
+  g.range_m = sight.range_m + kSpeedOfLight * (bias_s_ - sight.state.clock_s) + m.troposphere_m;
   moments.push_back(m);
   Observe(index, g, epoch);
 }
@@ -387,7 +387,7 @@ void Simulation::Work::Observe(std::size_t index, const EpochGeometry& geometry,
   const bool two = satellite.signal_num >= std::min<std::size_t>(2, work_[index].signals.size());
   if (two && satellite.signal_num > 0 && geometry.above_cutoff && geometry.delivered) ++t.two_signals;
   if (geometry.elevation_rad > 0) moments.back().tracked_signals = static_cast<int>(satellite.signal_num);
-  if (satellite.signal_num == 0 || epoch.sat_num >= kMostSatellites) return;
+  if (satellite.signal_num == 0 || epoch.sat_num >= kMaxSatellites) return;
   satellite.sys = static_cast<std::uint8_t>(kSystemTable[SystemSlot(t.system)].code);
   satellite.prn = t.number;
   epoch.sats[epoch.sat_num++] = satellite;

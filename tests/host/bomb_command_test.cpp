@@ -1,11 +1,11 @@
-// Packed files that unpack to far more than they seem to hold, given to the built program.
+// Compressed files that expand to far more than they seem to hold, given to the built program.
 #include <gtest/gtest.h>
 
 #include <fstream>
 #include <string>
 
+#include "tests/host/compressed_text.h"
 #include "tests/host/folder.h"
-#include "tests/host/packed_text.h"
 #include "tests/host/program.h"
 
 namespace {
@@ -23,13 +23,13 @@ constexpr std::size_t kBlown = 6U << 20;
 /// A text and empty lines after it.
 std::string Blown(const std::string& name) { return ReadText(DataFile(name)) + std::string(kBlown, '\n'); }
 
-std::string Packed(const std::string& packing, const std::string& text) {
-  if (packing == "zip") return Zipped({{"SEPT078M.21O", text}});
-  return Filtered(packing == "gzip"       ? archive_write_add_filter_gzip
-                  : packing == "compress" ? archive_write_add_filter_compress
-                  : packing == "bzip2"    ? archive_write_add_filter_bzip2
-                  : packing == "xz"       ? archive_write_add_filter_xz
-                                          : archive_write_add_filter_zstd,
+std::string Compressed(const std::string& compression, const std::string& text) {
+  if (compression == "zip") return Zipped({{"SEPT078M.21O", text}});
+  return Filtered(compression == "gzip"       ? archive_write_add_filter_gzip
+                  : compression == "compress" ? archive_write_add_filter_compress
+                  : compression == "bzip2"    ? archive_write_add_filter_bzip2
+                  : compression == "xz"       ? archive_write_add_filter_xz
+                                              : archive_write_add_filter_zstd,
                   text);
 }
 
@@ -39,11 +39,11 @@ TEST_P(Bomb, IsRefusedAtTheLimitAndReadWhenTheFlagRaisesIt) {
   ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
   const Folder folder;
   const std::string file = folder / "SEPT078M.21O";
-  std::ofstream(file, std::ios::binary) << Packed(GetParam(), Blown("SEPT078M.21O"));
+  std::ofstream(file, std::ios::binary) << Compressed(GetParam(), Blown("SEPT078M.21O"));
   const std::string run = "qc --no-config --sum " + file + " " + DataFile("SEPT078M.21P");
   const Answer refused = Orsolva(run + " --max-size 5M");
   EXPECT_EQ(refused.code, 1);
-  EXPECT_NE(refused.err.find("more than 5242880 bytes when unpacked"), std::string::npos) << refused.err;
+  EXPECT_NE(refused.err.find("more than 5242880 bytes when decompressed"), std::string::npos) << refused.err;
   EXPECT_NE(refused.err.find("--max-size"), std::string::npos) << refused.err;
   const Answer taken = Orsolva(run + " --max-size 12M");
   EXPECT_EQ(taken.code, 0) << taken.err;
@@ -55,7 +55,7 @@ TEST_P(Bomb, OfNavigationIsRefusedToo) {
   ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
   const Folder folder;
   const std::string file = folder / "SEPT078M.21P";
-  std::ofstream(file, std::ios::binary) << Packed(GetParam(), Blown("SEPT078M.21P"));
+  std::ofstream(file, std::ios::binary) << Compressed(GetParam(), Blown("SEPT078M.21P"));
   const std::string run = "qc --no-config --sum " + DataFile("SEPT078M.21O") + " --nav " + file;
   const Answer refused = Orsolva(run + " --max-size 5M");
   EXPECT_EQ(refused.code, 1);
@@ -63,7 +63,7 @@ TEST_P(Bomb, OfNavigationIsRefusedToo) {
   EXPECT_EQ(Orsolva(run + " --max-size 12M").code, 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Packing, Bomb, testing::Values("gzip", "compress", "bzip2", "xz", "zstd", "zip"),
+INSTANTIATE_TEST_SUITE_P(Compression, Bomb, testing::Values("gzip", "compress", "bzip2", "xz", "zstd", "zip"),
                          [](const auto& tested) { return std::string(tested.param); });
 
 }  // namespace

@@ -90,8 +90,8 @@ TEST(Gzip, DataThatEndEarlyGiveWhatWasReadAndANotice) {
   Diagnostics notices;
   std::string text;
   for (int i = 0; i < 20000; ++i) text += std::to_string(i * 7919);
-  const std::string packed = Gzipped(text);
-  const auto source = GunzipBytes(TextBytes(packed.substr(0, packed.size() / 2)), "x.gz", notices);
+  const std::string compressed = Gzipped(text);
+  const auto source = GunzipBytes(TextBytes(compressed.substr(0, compressed.size() / 2)), "x.gz", notices);
   const std::string read = All(*source);
   EXPECT_GT(read.size(), 1000U);
   EXPECT_EQ(read, text.substr(0, read.size()));
@@ -101,9 +101,10 @@ TEST(Gzip, DataThatEndEarlyGiveWhatWasReadAndANotice) {
 
 TEST(Gzip, DamagedDataEndWithANotice) {
   Diagnostics notices;
-  std::string packed = Gzipped(std::string(10000, 'a') + "b");
-  for (std::size_t i = 12; i < packed.size(); ++i) packed[i] = static_cast<char>(packed[i] ^ 0x55);
-  All(*GunzipBytes(TextBytes(packed), "x.gz", notices));
+  std::string compressed = Gzipped(std::string(10000, 'a') + "b");
+  for (std::size_t i = 12; i < compressed.size(); ++i)
+    compressed[i] = static_cast<char>(compressed[i] ^ 0x55);
+  All(*GunzipBytes(TextBytes(compressed), "x.gz", notices));
   EXPECT_EQ(notices.Total(), 1);
 }
 
@@ -118,7 +119,7 @@ TEST(OpenBytes, AMissingFileIsAnErrorThatNamesIt) {
   }
 }
 
-TEST(OpenBytes, GzipIsToldByItsContent) {
+TEST(OpenBytes, GzipIsDetectedFromTheContent) {
   const std::string path = testing::TempDir() + "orsolva_bytes_test_plain_name";
   std::ofstream(path, std::ios::binary) << Gzipped("content");
   Diagnostics notices;

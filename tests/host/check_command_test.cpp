@@ -279,8 +279,8 @@ TEST(Inspect, NeedsNoNavigation) {
   ORSOLVA_NEED_FILE(DataFile("GRAS00FRA_R_20223151700_15M_01S_MO.crx.gz"));
   const Answer a = Orsolva("inspect " + DataFile("GRAS00FRA_R_20223151700_15M_01S_MO.crx.gz"));
   EXPECT_EQ(a.code, 0) << a.err;
-  for (const char* part :
-       {"compact observations", "Marker", "First epoch", "GPS ", "signals 1C=", "Notices"}) {
+  for (const char* part : {"Hatanaka-compressed (CRINEX) observations", "Marker", "First epoch", "GPS ",
+                           "signals 1C=", "Notices"}) {
     EXPECT_NE(a.out.find(part), std::string::npos) << part << a.out;
   }
   EXPECT_EQ(Orsolva("inspect /no/such/file").code, 1);

@@ -92,7 +92,7 @@ TEST(Command, ObservationsMayComeFromStandardInput) {
   EXPECT_EQ(json::parse(a.out)["run"]["epochs"], 900);
 }
 
-TEST(Command, APackedFileBeyondTheLimitIsRefusedAndAFlagRaisesTheLimit) {
+TEST(Command, ACompressedFileBeyondTheLimitIsRefusedAndAFlagRaisesTheLimit) {
   ORSOLVA_NEED_FILE(DataFile("KMS300DNK_R_20221591000_01H_MN.rnx.gz"));
   const std::string run = "qc " + DataFile("KMS300DNK_R_20221591000_01H_30S_MO.crx");
   const Answer refused = Orsolva(run + " --max-size 10K");

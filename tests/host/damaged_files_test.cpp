@@ -8,7 +8,7 @@
 
 #include "host/rinex/navigation_reader.h"
 #include "host/rinex/observation_reader.h"
-#include "tests/host/packed_text.h"
+#include "tests/host/compressed_text.h"
 #include "tests/host/shared_data.h"
 
 namespace orsolva_host {
@@ -95,7 +95,7 @@ TEST(DamagedFiles, PlainObservations) {
   TryMany(Beginning(ReadText(path), 20000), ReadObservations);
 }
 
-TEST(DamagedFiles, CompactObservations) {
+TEST(DamagedFiles, CrinexObservations) {
   const std::string path = DataFile("ACOR00ESP_R_20213550000_01D_30S_MO.crx");
   ORSOLVA_NEED_FILE(path);
   TryMany(Beginning(ReadText(path), 12000), ReadObservations);
@@ -115,13 +115,13 @@ TEST(DamagedFiles, Navigation) {
   TryMany(Beginning(ReadText(path), 10000), ReadNavigation);
 }
 
-TEST(DamagedFiles, PackedNavigationOfVersionFour) {
+TEST(DamagedFiles, CompressedNavigationOfVersionFour) {
   const std::string path = DataFile("KMS300DNK_R_20221591000_01H_MN.rnx.gz");
   ORSOLVA_NEED_FILE(path);
-  TryMany(ReadText(path).substr(0, 12000), [](const std::string& packed) {
+  TryMany(ReadText(path).substr(0, 12000), [](const std::string& compressed) {
     Diagnostics notices;
     NavigationReader reader(notices);
-    reader.Read(GunzipBytes(TextBytes(packed), "damaged", notices), "damaged");
+    reader.Read(GunzipBytes(TextBytes(compressed), "damaged", notices), "damaged");
     reader.Take();
   });
 }
@@ -141,15 +141,15 @@ TEST(DamagedFiles, NavigationOfVersionTwo) {
   TryMany(text, ReadNavigation);
 }
 
-TEST(DamagedFiles, PackedByEveryFilter) {
+TEST(DamagedFiles, CompressedByEveryFilter) {
   const std::string path = DataFile("zegv0010.21d");
   ORSOLVA_NEED_FILE(path);
   const std::string text = Beginning(ReadText(path), 4000);
-  const auto read = [](const std::string& packed) {
+  const auto read = [](const std::string& compressed) {
     Diagnostics notices;
     InputLimits limits;
-    limits.most_unpacked_bytes = 1U << 22;
-    ObservationReader reader(UnpackedBytes(TextBytes(packed), "damaged", notices, limits), "damaged",
+    limits.max_decompressed_bytes = 1U << 22;
+    ObservationReader reader(DecompressedBytes(TextBytes(compressed), "damaged", notices, limits), "damaged",
                              notices);
     ObsEpoch_QC_gbt epoch;
     while (reader.Next(epoch)) {

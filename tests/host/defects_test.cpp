@@ -16,12 +16,12 @@ using orsolva_test::Satellite;
 
 const char kTypes[] = "G    2 C1C S1C";  // a header of three lines
 
-std::string Compact(const std::string& body, const std::string& header = Header(kTypes)) {
+std::string Crinex(const std::string& body, const std::string& header = Header(kTypes)) {
   return HeaderLine("3.0                 COMPACT RINEX FORMAT", "CRINEX VERS   / TYPE") +
          HeaderLine("by hand", "CRINEX PROG / DATE") + header + body;
 }
 
-std::string CompactEpoch(const std::string& second) {
+std::string CrinexEpoch(const std::string& second) {
   return "> 2021 12 21 00 00 " + second + "000000  0  1      G05\n\n3&1000 3&40000\n";
 }
 
@@ -49,9 +49,9 @@ TEST(Defects, CommentsStandAnywhereAmongTheObservations) {
   const ReadFile old(Header2() + comment + Good2("00.00") + comment + Good2("30.00"));
   EXPECT_EQ(old.epochs.size(), 2U);
   EXPECT_EQ(old.LineOf("comments among the observations"), 4);
-  const ReadFile compact(Compact(CompactEpoch("00.0") + comment + CompactEpoch("30.0")));
-  EXPECT_EQ(compact.epochs.size(), 2U);
-  EXPECT_EQ(compact.LineOf("comments among the observations"), 9);
+  const ReadFile crinex(Crinex(CrinexEpoch("00.0") + comment + CrinexEpoch("30.0")));
+  EXPECT_EQ(crinex.epochs.size(), 2U);
+  EXPECT_EQ(crinex.LineOf("comments among the observations"), 9);
 }
 
 TEST(Defects, ARepeatedHeaderIsTakenAndHoldsFromThereOn) {
@@ -127,7 +127,7 @@ std::string WithCrLf(const std::string& text) {
 
 TEST(Defects, LinesEndedByCrLfReadTheSameInEveryForm) {
   for (const std::string& text :
-       {Header(kTypes) + Good("00.0"), Header2() + Good2("00.00"), Compact(CompactEpoch("00.0"))}) {
+       {Header(kTypes) + Good("00.0"), Header2() + Good2("00.00"), Crinex(CrinexEpoch("00.0"))}) {
     const ReadFile file(WithCrLf(text));
     ASSERT_EQ(file.epochs.size(), 1U);
     EXPECT_EQ(file.epochs[0].sats[0].signals[0].pseudorange, 1);
@@ -147,8 +147,8 @@ TEST(Defects, AMissingLastLineEndCostsOnlyAValueCutInsideIt) {
   EXPECT_EQ(cut.LineOf("cut off inside it"), 5);
 }
 
-TEST(Defects, ACompactValueCutByTheEndOfTheFileCountsAsMissing) {
-  const std::string text = Compact(CompactEpoch("00.0"));
+TEST(Defects, ACrinexValueCutByTheEndOfTheFileCountsAsMissing) {
+  const std::string text = Crinex(CrinexEpoch("00.0"));
   const ReadFile cut(text.substr(0, text.size() - 3));
   EXPECT_EQ(cut.epochs.at(0).sats[0].signals[0].pseudorange, 1);
   EXPECT_EQ(cut.epochs[0].sats[0].signals[0].snr, 0);
@@ -185,10 +185,10 @@ TEST(Defects, ALastEpochCutOffKeepsTheSatellitesItHas) {
   EXPECT_EQ(old.epochs[1].sat_num, 1U);
   EXPECT_TRUE(old.Said("ends inside an epoch"));
   const std::string two = "> 2021 12 21 00 00 30.0000000  0  2      G05G06\n\n3&1000 3&40000\n";
-  const ReadFile compact(Compact(CompactEpoch("00.0") + two));
-  ASSERT_EQ(compact.epochs.size(), 2U);
-  EXPECT_EQ(compact.epochs[1].sat_num, 1U);
-  EXPECT_TRUE(compact.Said("ends inside an epoch"));
+  const ReadFile crinex(Crinex(CrinexEpoch("00.0") + two));
+  ASSERT_EQ(crinex.epochs.size(), 2U);
+  EXPECT_EQ(crinex.epochs[1].sat_num, 1U);
+  EXPECT_TRUE(crinex.Said("ends inside an epoch"));
 }
 
 TEST(Defects, EpochsThatStandTwiceOrRunBackwardsAreGivenAndNamed) {
@@ -246,9 +246,9 @@ TEST(Defects, AbsurdCountsEndWithTheEpochOrTheFile) {
   const ReadFile event(Header(kTypes) + ">                              4999\n" +
                        HeaderLine("a remark", "COMMENT") + Good("30.0"));
   EXPECT_EQ(event.epochs.size(), 1U);
-  const ReadFile compact(
-      Compact("> 2021 12 21 00 00  0.0000000  0999      G05\n\n3&1 3&1\n" + CompactEpoch("30.0")));
-  EXPECT_EQ(compact.epochs.size(), 1U);
+  const ReadFile crinex(
+      Crinex("> 2021 12 21 00 00  0.0000000  0999      G05\n\n3&1 3&1\n" + CrinexEpoch("30.0")));
+  EXPECT_EQ(crinex.epochs.size(), 1U);
 }
 
 TEST(Defects, TypeListsOfADamagedHeaderStayBounded) {
@@ -271,7 +271,7 @@ TEST(Defects, BytesThatAreNoTextArePassedOver) {
   const std::string noise("\0\x01\xff\x80 >\t\0\x1b[2J", 12);
   for (const std::string& text : {Header(kTypes) + Good("00.0") + noise + "\n" + Good("30.0"),
                                   Header2() + Good2("00.00") + noise + "\n" + Good2("30.00"),
-                                  Compact(CompactEpoch("00.0") + noise + "\n" + CompactEpoch("30.0"))}) {
+                                  Crinex(CrinexEpoch("00.0") + noise + "\n" + CrinexEpoch("30.0"))}) {
     const ReadFile file(text);
     EXPECT_EQ(file.epochs.size(), 2U);
     EXPECT_GE(file.notices.Total(), 1);
@@ -289,7 +289,7 @@ TEST(Defects, ControlCharactersOfAHeaderReachNoReport) {
   EXPECT_TRUE(file.Said("observation type ?[2"));
 }
 
-TEST(Defects, WhatCannotBeUnpackedFurtherKeepsWhatStandsBefore) {
+TEST(Defects, WhatCannotBeDecompressedFurtherKeepsWhatStandsBefore) {
   std::string text = Header(kTypes);
   for (int i = 10; i < 60; ++i) text += Good(std::to_string(i) + ".0");
   struct Failing : ByteSource {

@@ -124,7 +124,7 @@ class FullDisk(Faults):
             self.assertLess((into / name).stat().st_size, 20000)
 
     def test_a_simulation_that_finds_no_room_leaves_the_folder_as_it_was(self):
-        for options in ([], ["--gzip"], ["--compact"]):
+        for options in ([], ["--gzip"], ["--crinex"]):
             answer = self.run_program("simulate", "--hours", "0.5", "--output", self.folder, *options,
                                       preexec_fn=limit_files(8192))
             self.assert_fails(answer, str(self.folder / "SIMU00ORS_R_"), "File too large")
@@ -170,27 +170,27 @@ class ReadErrors(Faults):
         self.assertGreater(run["epochs"], 100)
         self.assertLess(run["epochs"], 900)
 
-    def test_packed_data_that_end_early_or_are_damaged_are_judged_as_far_as_they_go(self):
-        packed = gzip.compress(self.observations.read_bytes(), 6)
-        half = len(packed) // 2
-        for name, data in (("end early", packed[:half]),
-                           ("are damaged", packed[:half] + bytes(b ^ 0x55 for b in packed[half:]))):
+    def test_compressed_data_that_end_early_or_are_damaged_are_judged_as_far_as_they_go(self):
+        compressed = gzip.compress(self.observations.read_bytes(), 6)
+        half = len(compressed) // 2
+        for name, data in (("truncated", compressed[:half]),
+                           ("damaged", compressed[:half] + bytes(b ^ 0x55 for b in compressed[half:]))):
             path = self.folder / "SEPT078M.21O.gz"
             path.write_bytes(data)
             answer = self.run_program("qc", path, self.navigation, "--json")
-            self.assert_fails(answer, str(path), f"packed data that {name}", "covers what stands before")
+            self.assert_fails(answer, str(path), f"{name} compressed data", "covers what stands before")
             report = json.loads(answer[1])
             self.assertGreater(report["run"]["epochs"], 100)
             self.assertLess(report["run"]["epochs"], 900)
             self.assertTrue(any(name in n["text"] and not n["recovered"] for n in report["notices"]))
             self.assert_fails(self.run_program("inspect", path), str(path), name)
 
-    def test_navigation_cut_off_in_its_packing_is_an_error_beside_the_report(self):
+    def test_navigation_cut_off_in_its_compression_is_an_error_beside_the_report(self):
         path = self.folder / "SEPT078M.21P.gz"
-        packed = gzip.compress(self.navigation.read_bytes(), 6)
-        path.write_bytes(packed[:len(packed) * 3 // 4])
+        compressed = gzip.compress(self.navigation.read_bytes(), 6)
+        path.write_bytes(compressed[:len(compressed) * 3 // 4])
         answer = self.run_program("qc", self.observations, path, "--json")
-        self.assert_fails(answer, str(path), "packed data that end early")
+        self.assert_fails(answer, str(path), "truncated compressed data")
         self.assertEqual(json.loads(answer[1])["run"]["epochs"], 900)
 
 
@@ -381,7 +381,7 @@ class Resources(Faults):
         if os.geteuid() == 0:
             self.assertEqual(self.run_with_threads(2)[0], 0)
 
-    def test_a_compact_file_expands_within_bounds(self):
+    def test_a_crinex_file_expands_within_bounds(self):
         """Every line break below this epoch line stands for a satellite of 200 types."""
         def header(text, label):
             return f"{text:60}{label}\n"

@@ -20,8 +20,8 @@ TEST(FileNames, ShortNamesGiveStationDayAndKind) {
   EXPECT_EQ(observation->station, "ZEGV");
   EXPECT_EQ(observation->day, DaysFromCivil(2021, 1, 1));
   EXPECT_EQ(observation->kind, FileKind::kObservation);
-  EXPECT_EQ(WithoutPacking("a.rnx.ZST"), "a.rnx");
-  EXPECT_EQ(WithoutPacking(".gz"), ".gz");
+  EXPECT_EQ(WithoutCompressionSuffix("a.rnx.ZST"), "a.rnx");
+  EXPECT_EQ(WithoutCompressionSuffix(".gz"), ".gz");
   EXPECT_EQ(ParseRinexName("SEPT078M.21P")->kind, FileKind::kNavigation);
   EXPECT_EQ(ParseRinexName("AJAC355a15.99D.Z")->day, DaysFromCivil(1999, 12, 21));
   for (const char* name : {"abcd3660.20n", "abcd3660.20g.gz", "abcd3660.20l", "abcd3660.20f.Z"}) {
@@ -109,7 +109,7 @@ TEST_F(InputFolder, TheNearestDayComesFirstAndFartherThanADayIsOfNoUse) {
   EXPECT_TRUE(Beside("any_name.rnx", 7).empty());
 }
 
-TEST_F(InputFolder, TwoPackingsOfOneFileAreReadOnce) {
+TEST_F(InputFolder, TwoCompressionsOfOneFileAreReadOnce) {
   for (const char* name : {"abcd0050.21n", "abcd0050.21n.gz", "ABCD0050.21N.Z"}) Put(name);
   EXPECT_EQ(Beside("abcd0050.21o", 5).size(), 1U);
 }

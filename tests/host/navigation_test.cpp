@@ -201,7 +201,7 @@ TEST(NavigationReader, LaterVersionsAreReadWithANotice) {
 
 TEST(NavigationReader, MoreRecordsThanTheLimitAllowsAreRefused) {
   NavigationOptions options;
-  options.limits.most_records = 2;
+  options.limits.max_records = 2;
   Diagnostics notices;
   NavigationReader reader(notices, options);
   const std::string two =

@@ -299,26 +299,26 @@ TEST(ObservationReader, ErrorsNameFileLineFoundAndWhatToDo) {
   EXPECT_NE(ErrorOf(cut.substr(0, cut.size() - 40)).Found().find("END OF HEADER"), std::string::npos);
 }
 
-// The compact form, by hand.
+// CRINEX 3, by hand.
 
-std::string Compact(const std::string& header, const std::string& body) {
+std::string Crinex(const std::string& header, const std::string& body) {
   return HeaderLine("3.0                 COMPACT RINEX FORMAT", "CRINEX VERS   / TYPE") +
          HeaderLine("by hand", "CRINEX PROG / DATE") + header + body;
 }
 
-std::string CompactEpoch(const std::string& second, const std::string& satellites) {
+std::string CrinexEpoch(const std::string& second, const std::string& satellites) {
   char line[200];
   std::snprintf(line, sizeof line, "> 2021 12 21 00 00 %s000000  0%3d      %s\n", second.c_str(),
                 static_cast<int>(satellites.size() / 3), satellites.c_str());
   return line;
 }
 
-TEST(CompactReader, DifferencesAreSummedUpToTheOrderOfTheArc) {
+TEST(CrinexReader, DifferencesAreSummedUpToTheOrderOfTheArc) {
   // 1000, 1010, 1030, 1060, 1100: differences 10, 20, 30, 40; second 10, 10, 10; third 0, 0.
-  const std::string body = CompactEpoch("00.0", "G05") + "\n3&1000\n" + "                   1\n\n10\n" +
+  const std::string body = CrinexEpoch("00.0", "G05") + "\n3&1000\n" + "                   1\n\n10\n" +
                            "                   2\n\n10\n" + "                   3\n\n0\n" +
                            "                   4\n\n0\n";
-  const ReadFile file(Compact(Header("G    1 C1C"), body));
+  const ReadFile file(Crinex(Header("G    1 C1C"), body));
   ASSERT_EQ(file.epochs.size(), 5U);
   const double expected[] = {1.000, 1.010, 1.030, 1.060, 1.100};
   for (int i = 0; i < 5; ++i) {
@@ -328,10 +328,10 @@ TEST(CompactReader, DifferencesAreSummedUpToTheOrderOfTheArc) {
   EXPECT_EQ(file.notices.Total(), 1);  // no S types
 }
 
-TEST(CompactReader, ABlankValueEndsItsArc) {
-  const std::string body = CompactEpoch("00.0", "G05") + "\n3&1000 3&2000\n" +
-                           "                   1\n\n 5\n" + "                   2\n\n7 6\n";
-  const ReadFile file(Compact(Header("G    2 C1C L1C"), body));
+TEST(CrinexReader, ABlankValueEndsItsArc) {
+  const std::string body = CrinexEpoch("00.0", "G05") + "\n3&1000 3&2000\n" + "                   1\n\n 5\n" +
+                           "                   2\n\n7 6\n";
+  const ReadFile file(Crinex(Header("G    2 C1C L1C"), body));
   ASSERT_EQ(file.epochs.size(), 3U);
   EXPECT_EQ(file.epochs[1].sats[0].signals[0].pseudorange, 0.0);
   EXPECT_EQ(file.epochs[1].sats[0].signals[0].phase, 2.005);
@@ -340,30 +340,29 @@ TEST(CompactReader, ABlankValueEndsItsArc) {
   EXPECT_TRUE(file.Said("without a value before it"));
 }
 
-TEST(CompactReader, ASatelliteAwayForAnEpochBeginsAnew) {
-  const std::string body = CompactEpoch("00.0", "G05G06") + "\n3&1000\n3&1000\n" +
-                           CompactEpoch("10.0", "G06") + "\n1\n" + CompactEpoch("20.0", "G05G06") +
-                           "\n1\n1\n";
-  const ReadFile file(Compact(Header("G    1 C1C"), body));
+TEST(CrinexReader, ASatelliteAwayForAnEpochBeginsAnew) {
+  const std::string body = CrinexEpoch("00.0", "G05G06") + "\n3&1000\n3&1000\n" + CrinexEpoch("10.0", "G06") +
+                           "\n1\n" + CrinexEpoch("20.0", "G05G06") + "\n1\n1\n";
+  const ReadFile file(Crinex(Header("G    1 C1C"), body));
   ASSERT_EQ(file.epochs.size(), 3U);
   ASSERT_EQ(file.epochs[2].sat_num, 1U);
   EXPECT_EQ(file.epochs[2].sats[0].prn, 6);
   EXPECT_EQ(file.epochs[2].sats[0].signals[0].pseudorange, 1.003);
 }
 
-TEST(CompactReader, EventsStandInPlainForm) {
-  const std::string body = CompactEpoch("00.0", "G05") + "\n3&1000\n> 2021 12 21 00 00 05.0000000  4  1\n" +
-                           HeaderLine("note", "COMMENT") + CompactEpoch("10.0", "G05") + "\n3&1001\n";
-  const ReadFile file(Compact(Header("G    1 C1C"), body));
+TEST(CrinexReader, EventsStandInPlainForm) {
+  const std::string body = CrinexEpoch("00.0", "G05") + "\n3&1000\n> 2021 12 21 00 00 05.0000000  4  1\n" +
+                           HeaderLine("note", "COMMENT") + CrinexEpoch("10.0", "G05") + "\n3&1001\n";
+  const ReadFile file(Crinex(Header("G    1 C1C"), body));
   ASSERT_EQ(file.epochs.size(), 2U);
   EXPECT_EQ(file.epochs[1].sats[0].signals[0].pseudorange, 1.001);
 }
 
-TEST(CompactReader, AfterDamageReadingGoesOnAtTheNextFullEpochLine) {
-  const std::string body = CompactEpoch("00.0", "G05") + "\n3&1000\n" +
-                           "   x\n\n10\n                   2\n\n10\n" + CompactEpoch("40.0", "G05") +
+TEST(CrinexReader, AfterDamageReadingGoesOnAtTheNextFullEpochLine) {
+  const std::string body = CrinexEpoch("00.0", "G05") + "\n3&1000\n" +
+                           "   x\n\n10\n                   2\n\n10\n" + CrinexEpoch("40.0", "G05") +
                            "\n3&1000\n                   5\n\n1\n";
-  const ReadFile file(Compact(Header("G    1 C1C"), body));
+  const ReadFile file(Crinex(Header("G    1 C1C"), body));
   ASSERT_EQ(file.epochs.size(), 3U);
   EXPECT_EQ(file.epochs[1].time.time - file.epochs[0].time.time, 40);
   EXPECT_EQ(file.epochs[2].sats[0].signals[0].pseudorange, 1.001);

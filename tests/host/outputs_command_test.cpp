@@ -101,7 +101,7 @@ TEST(Outputs, StemsOfManyFilesLeaveTheNamesOfTheTablesFree) {
   EXPECT_EQ(orsolva_host::OutputStems({"index.rnx"}), (std::vector<std::string>{"index"}));
 }
 
-TEST(Outputs, StemsLosePackingAndStayDistinct) {
+TEST(Outputs, StemsLoseCompressionAndStayDistinct) {
   EXPECT_EQ(orsolva_host::OutputStems({"a/X.crx.gz", "b/X.rnx", "Y.21O.Z", "-"}),
             (std::vector<std::string>{"X", "X-2", "Y.21O", "stdin"}));
 }

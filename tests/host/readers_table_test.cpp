@@ -54,7 +54,7 @@ std::string ObservationRow(const std::string& path, const std::string& name) {
   for (const auto& [system, numbers] : satellites) counts[system] = numbers.size();
   const ObservationHeader& header = reader.Header();
   return fmt::format("| `{}` | observations {:.2f}, {} | {} epochs | {} | {} |\n", name, header.version,
-                     header.compact ? "compact" : "plain", epochs, PerSystem(counts), Notices(diagnostics));
+                     header.crinex ? "CRINEX" : "plain", epochs, PerSystem(counts), Notices(diagnostics));
 }
 
 std::string NavigationRow(const std::string& path, const std::string& name) {

@@ -215,7 +215,7 @@ TEST(TextWriter, WritesADashWithoutData) {
 }
 
 template <typename Record>
-void LoadPacked(const std::string& path, Record& record) {
+void LoadCompressed(const std::string& path, Record& record) {
   gzFile file = gzopen(path.c_str(), "rb");
   ASSERT_EQ(gzread(file, &record, sizeof record), static_cast<int>(sizeof record));
   gzclose(file);
@@ -225,8 +225,8 @@ TEST(RealReport, AStationDayFitsAndSaysWhatGalileoLacks) {
   const std::string folder = (orsolva_test::SharedFolder() / "reference/whole-station-day/").string();
   ORSOLVA_NEED_FILE(folder + "result_1.bin.gz");
   Records r;
-  LoadPacked(folder + "result_1.bin.gz", *r.result);
-  LoadPacked(folder + "codes_1.bin.gz", *r.codes);
+  LoadCompressed(folder + "result_1.bin.gz", *r.result);
+  LoadCompressed(folder + "codes_1.bin.gz", *r.codes);
   Report report = Built(r);
   report.show_satellites = true;
   const std::string text = WriteText(report);

@@ -239,8 +239,8 @@ TEST(Version2, SignalStrengthIsTakenFromTheDigitOnlyWhenAskedAndNothingBetterIsT
   EXPECT_EQ(better.epochs.at(0).sats[0].signals[0].snr, 45);
 }
 
-// The compact form of the first generation, by hand.
-TEST(Version2, TheCompactFormBeginsFullEpochLinesWithAnAmpersand) {
+// CRINEX 1, by hand.
+TEST(Version2, CrinexBeginsFullEpochLinesWithAnAmpersand) {
   const std::string body = "&21 12 21  0  0  0.0000000  0  2G05R07\n\n3&1000 3&2000  7\n3&3000 3&4000\n" +
                            std::string("                3\n\n10 20\n30 40\n");
   const ReadFile file(HeaderLine("1.0                 COMPACT RINEX FORMAT", "CRINEX VERS   / TYPE") +

@@ -90,9 +90,9 @@ TEST(FileSet, NamesFollowTheRinexRules) {
 TEST(FileSet, WhatIsWrittenReadsBackToTheSameNumbers) {
   const Scenario scenario = Troubled();
   for (const bool gzip : {false, true}) {
-    for (const bool compact : {false, true}) {
+    for (const bool crinex : {false, true}) {
       const TestFolder folder("reads_back");
-      const FileSetOptions options{folder.Path(), gzip, compact};
+      const FileSetOptions options{folder.Path(), gzip, crinex};
       WriteFileSet(scenario, options, kSilent);
       ExpectReadsBack(scenario, options);
     }

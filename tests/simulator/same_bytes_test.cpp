@@ -47,15 +47,14 @@ TEST(SameBytes, FilesOfAnEventfulSpanHaveTheCommittedDigests) {
   const TestFolder folder("same_bytes");
   const Scenario scenario = Eventful();
   const auto silent = [](std::uint64_t, std::uint64_t) {};
-  const FileSetOptions plain{folder.Path("plain"), false, false},
-      compact{folder.Path("compact"), false, true};
+  const FileSetOptions plain{folder.Path("plain"), false, false}, crinex{folder.Path("crinex"), false, true};
   WriteFileSet(scenario, plain, silent);
-  WriteFileSet(scenario, compact, silent);
+  WriteFileSet(scenario, crinex, silent);
   EXPECT_EQ(DigestOf(FileNames(scenario, plain).observations), 16274389050269798944ULL);
-  EXPECT_EQ(DigestOf(FileNames(scenario, compact).observations), 7708318461339541300ULL);
+  EXPECT_EQ(DigestOf(FileNames(scenario, crinex).observations), 7708318461339541300ULL);
   EXPECT_EQ(DigestOf(FileNames(scenario, plain).navigation), 12664195881367794926ULL);
   EXPECT_EQ(DigestOf(FileNames(scenario, plain).truth), 18160312315942674253ULL);
-  EXPECT_EQ(DigestOf(FileNames(scenario, compact).truth), DigestOf(FileNames(scenario, plain).truth));
+  EXPECT_EQ(DigestOf(FileNames(scenario, crinex).truth), DigestOf(FileNames(scenario, plain).truth));
 }
 
 TEST(SameBytes, EpochsAreTheSameHoweverTheyAreFetched) {

@@ -53,7 +53,7 @@ TEST(SimulateCommand, OptionsStandAboveTheScenario) {
   const Answer a = Orsolva(folder,
                            "simulate --scenario s.json --seed 77 --start '2021-03-19 12:00:00' --hours 0.1 "
                            "--interval 1 --position 6378137,0,0 --systems GC --station ABCD00XYZ --cutoff 15 "
-                           "--gzip --compact");
+                           "--gzip --crinex");
   ASSERT_EQ(a.code, 0) << a.err;
   EXPECT_EQ(a.out.find("./ABCD00XYZ_R_20210781200_06M_01S_MO.crx.gz\n"), 0U) << a.out;
   const json truth = json::parse(ReadText(folder.Path("truth.json")));
@@ -142,12 +142,12 @@ TEST(CompareCommand, LaysTheReportOfASimulatedDayBesideItsTruth) {
   for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 80U) << line;
 }
 
-TEST(CompareCommand, EverySlipAndJumpOfTheStationDayIsToldByItsDetailTable) {
+TEST(CompareCommand, EverySlipAndJumpOfTheStationDayIsDetectedByItsDetailTable) {
   const TestFolder folder("compare_detail");
   ASSERT_NO_FATAL_FAILURE(JudgeStationDay(folder, "", "--detail detail.csv"));
   const Answer a = Orsolva(folder, "compare report.json truth.json --detail detail.csv");
   EXPECT_EQ(a.code, 0) << a.err;
-  EXPECT_NE(a.out.find("\nTold: 8 of 8 slips, 3 of 3 code jumps\n"), std::string::npos) << a.out;
+  EXPECT_NE(a.out.find("\nDetected: 8 of 8 slips, 3 of 3 code jumps\n"), std::string::npos) << a.out;
 }
 
 TEST(CompareCommand, ADetailTableCutOffIsRefused) {
@@ -157,7 +157,7 @@ TEST(CompareCommand, ADetailTableCutOffIsRefused) {
                                std::filesystem::file_size(folder.Path("d.csv.gz")) / 2);
   const Answer a = Orsolva(folder, "compare report.json truth.json --detail d.csv.gz");
   EXPECT_EQ(a.code, 1);
-  EXPECT_EQ(a.err.find("orsolva: d.csv.gz: found packed data that end early"), 0U) << a.err;
+  EXPECT_EQ(a.err.find("orsolva: d.csv.gz: found truncated compressed data"), 0U) << a.err;
 }
 
 TEST(CompareCommand, WhatCannotBeComparedIsOneAndWrongUsageIsTwo) {

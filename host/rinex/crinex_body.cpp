@@ -1,4 +1,4 @@
-// Epochs of compact RINEX files: form 1 of RINEX 2, form 3 of RINEX 3 and 4.
+// Epochs of Hatanaka-compressed files: CRINEX 1 for RINEX 2, CRINEX 3 for RINEX 3 and 4.
 //
 // The epoch line is kept as text and each later one gives only the changed characters, '&' for a blank.
 // Every value is a whole number of thousandths and is sent as the difference of order k to the epochs
@@ -21,7 +21,7 @@ namespace {
 constexpr int kHighestOrder = 9;
 constexpr std::size_t kSatelliteWidth = 3;
 constexpr double kThousandths = 1000;
-constexpr std::ptrdiff_t kMostDigits = 18;
+constexpr std::ptrdiff_t kMaxDigits = 18;
 
 struct Form {
   char mark;  ///< begins a full epoch line
@@ -30,8 +30,8 @@ struct Form {
   bool (*parse)(std::string_view, EpochLine&);
 };
 
-constexpr Form kForm1 = {'&', 32, 1e9, ParseEpochLine2};
-constexpr Form kForm3 = {'>', 41, 1e12, ParseEpochLine};
+constexpr Form kCrinex1 = {'&', 32, 1e9, ParseEpochLine2};
+constexpr Form kCrinex3 = {'>', 41, 1e12, ParseEpochLine};
 
 /// The value and its differences up to the order reached.
 class Arc {
@@ -103,16 +103,16 @@ const char* ScanToken(const char* p, const char* end, Token& token) {
   for (; p < end && (digit = static_cast<unsigned char>(*p) - unsigned{'0'}) < 10; ++p) {
     number = number * 10 + digit;
   }
-  token.good = token.good && p > first && p - first <= kMostDigits && (p == end || *p == ' ');
+  token.good = token.good && p > first && p - first <= kMaxDigits && (p == end || *p == ' ');
   while (p < end && *p != ' ') ++p;
   if (token.good)
     token.number = negative ? -static_cast<std::int64_t>(number) : static_cast<std::int64_t>(number);
   return p;
 }
 
-class Compact : public BodyBase {
+class Crinex : public BodyBase {
  public:
-  Compact(LineReader& lines, std::string file, Diagnostics& diagnostics, const Form& form, char blank_letter)
+  Crinex(LineReader& lines, std::string file, Diagnostics& diagnostics, const Form& form, char blank_letter)
       : BodyBase(lines, std::move(file), diagnostics),
         form_(form),
         blank_letter_(blank_letter),
@@ -150,7 +150,7 @@ class Compact : public BodyBase {
         if (form_.mark == '&') text_[0] = ' ';
         lost_ = false;
       } else if (lost_ || text_.empty()) {
-        Notice("lines after damaged compact data are passed over");
+        Notice("lines after damaged CRINEX data are skipped");
         continue;
       } else {
         Repair(text_, line);
@@ -246,7 +246,7 @@ class Compact : public BodyBase {
       if (p < end) ++p;
     }
     TakeMarks(line.substr(static_cast<std::size_t>(p - line.data())), row.cells, state.marks, cells);
-    if (form_.mark == kForm1.mark) ClearMarksOfMissing(row.cells, cells);
+    if (form_.mark == kCrinex1.mark) ClearMarksOfMissing(row.cells, cells);
     epoch.satellites.push_back(row);
   }
 
@@ -269,7 +269,7 @@ class Compact : public BodyBase {
     if (token.empty) return arc.End();
     if (!token.good) {
       arc.End();
-      return Notice("a compact value that is no number counts as missing");
+      return Notice("a CRINEX value that is not a number counts as missing");
     }
     std::int64_t number = token.number;
     if (token.order >= 0) {
@@ -294,13 +294,13 @@ class Compact : public BodyBase {
 
 }  // namespace
 
-std::unique_ptr<ObservationBody> CompactBody(LineReader& lines, std::string file, Diagnostics& diagnostics) {
-  return std::make_unique<Compact>(lines, std::move(file), diagnostics, kForm3, ' ');
+std::unique_ptr<ObservationBody> CrinexBody(LineReader& lines, std::string file, Diagnostics& diagnostics) {
+  return std::make_unique<Crinex>(lines, std::move(file), diagnostics, kCrinex3, ' ');
 }
 
-std::unique_ptr<ObservationBody> CompactBody2(LineReader& lines, std::string file, Diagnostics& diagnostics,
-                                              char blank_letter) {
-  return std::make_unique<Compact>(lines, std::move(file), diagnostics, kForm1, blank_letter);
+std::unique_ptr<ObservationBody> CrinexBody2(LineReader& lines, std::string file, Diagnostics& diagnostics,
+                                             char blank_letter) {
+  return std::make_unique<Crinex>(lines, std::move(file), diagnostics, kCrinex1, blank_letter);
 }
 
 }  // namespace orsolva_host

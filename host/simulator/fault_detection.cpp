@@ -1,4 +1,4 @@
-#include "host/simulator/told_faults.h"
+#include "host/simulator/fault_detection.h"
 
 #include <fmt/format.h>
 
@@ -15,7 +15,7 @@ namespace {
 enum Column : std::size_t { kTime, kSatellite, kSignal, kPartner, kRestart, kGeometryFree, kPhase, kColumns };
 constexpr std::array<std::string_view, kColumns> kColumnNames = {
     "time_gpst", "satellite", "signal", "partner", "restart", "geometry_free_slip", "phase_slip"};
-constexpr std::size_t kMostRows = 40;
+constexpr std::size_t kMaxRows = 40;
 
 std::vector<std::string_view> FieldsOf(std::string_view line) {
   std::vector<std::string_view> fields;
@@ -46,7 +46,7 @@ std::array<std::size_t, kColumns> ColumnsOf(const DetailTable& table) {
 
 using Row = std::array<std::string_view, kColumns>;
 
-void AddReasons(const Row& row, ToldFault& fault) {
+void AddReasons(const Row& row, DetectedFault& fault) {
   const bool own = fault.signal.empty() || row[kSignal] == fault.signal;
   const auto add = [&fault](std::string_view reason) {
     if (!reason.empty()) fault.reasons.emplace(reason);
@@ -62,23 +62,23 @@ void AddReasons(const Row& row, ToldFault& fault) {
 std::string Joined(const std::set<std::string>& reasons) {
   std::string text;
   for (const std::string& reason : reasons) text += (text.empty() ? "" : ", ") + reason;
-  return text.empty() ? "not told" : text;
+  return text.empty() ? "not detected" : text;
 }
 
-std::string SignalText(const ToldFault& fault) {
+std::string SignalText(const DetectedFault& fault) {
   const std::string satellite = fault.satellite.empty() ? "all" : fault.satellite;
   return satellite + (fault.signal.empty() ? "" : " " + fault.signal);
 }
 
 }  // namespace
 
-bool ToldFault::Told() const {
+bool DetectedFault::Detected() const {
   return reasons.count("jump") + reasons.count("ionospheric_rate") + reasons.count("geometry") > 0;
 }
 
-void ReadReasons(const DetailTable& table, std::vector<ToldFault>& faults) {
-  std::multimap<std::string, ToldFault*, std::less<>> by_time;
-  for (ToldFault& fault : faults) by_time.emplace(fault.time, &fault);
+void ReadReasons(const DetailTable& table, std::vector<DetectedFault>& faults) {
+  std::multimap<std::string, DetectedFault*, std::less<>> by_time;
+  for (DetectedFault& fault : faults) by_time.emplace(fault.time, &fault);
   const auto columns = ColumnsOf(table);
   const std::size_t needed = *std::max_element(columns.begin(), columns.end());
   std::string_view line;
@@ -97,22 +97,22 @@ void ReadReasons(const DetailTable& table, std::vector<ToldFault>& faults) {
   }
 }
 
-std::string ToldFaultsText(const std::vector<ToldFault>& faults) {
+std::string DetectedFaultsText(const std::vector<DetectedFault>& faults) {
   std::string text = "\nSLIPS AND CODE JUMPS, by the detail table\n";
-  text +=
-      fmt::format("{:<21}{:<8}{:<11}{:>6}  {}\n", "Time", "Signal", "Kind", "Size", "Told in that epoch as");
-  std::array<std::size_t, 2> all{}, told{};
+  text += fmt::format("{:<21}{:<8}{:<11}{:>6}  {}\n", "Time", "Signal", "Kind", "Size", "Detected as");
+  std::array<std::size_t, 2> all{}, detected{};
   std::size_t rows = 0;
-  for (const ToldFault& fault : faults) {
+  for (const DetectedFault& fault : faults) {
     const std::size_t kind = fault.is_slip ? 0 : 1;
     ++all[kind];
-    if (fault.Told()) ++told[kind];
-    if (++rows > kMostRows) continue;
+    if (fault.Detected()) ++detected[kind];
+    if (++rows > kMaxRows) continue;
     text += fmt::format("{:<21}{:<8}{:<11}{:>6g}  {}\n", fault.time.substr(0, 19), SignalText(fault),
                         fault.is_slip ? "slip" : "code_jump", fault.size, Joined(fault.reasons));
   }
-  if (rows > kMostRows) text += fmt::format("and {} more\n", rows - kMostRows);
-  return text + fmt::format("Told: {} of {} slips, {} of {} code jumps\n", told[0], all[0], told[1], all[1]);
+  if (rows > kMaxRows) text += fmt::format("and {} more\n", rows - kMaxRows);
+  return text + fmt::format("Detected: {} of {} slips, {} of {} code jumps\n", detected[0], all[0],
+                            detected[1], all[1]);
 }
 
 }  // namespace orsolva_host

@@ -1,6 +1,6 @@
-// Texts packed as files come packed.
-#ifndef ORSOLVA_TESTS_HOST_PACKED_TEXT_H
-#define ORSOLVA_TESTS_HOST_PACKED_TEXT_H
+// Texts compressed as files in archives are.
+#ifndef ORSOLVA_TESTS_HOST_COMPRESSED_TEXT_H
+#define ORSOLVA_TESTS_HOST_COMPRESSED_TEXT_H
 
 #include <archive.h>
 #include <archive_entry.h>
@@ -30,7 +30,7 @@ using ArchiveFiles = std::vector<std::pair<std::string, std::string>>;
 inline std::string WriteArchive(int (*format)(archive*), AddFilter filter, const ArchiveFiles& files) {
   std::size_t size = 1U << 16;
   for (const auto& [name, text] : files) size += 2 * text.size();
-  std::string packed(size, 0);
+  std::string compressed(size, 0);
   std::size_t used = 0;
   archive* a = archive_write_new();
   archive_write_set_bytes_in_last_block(a, 1);
@@ -38,12 +38,12 @@ inline std::string WriteArchive(int (*format)(archive*), AddFilter filter, const
   if (filter != nullptr) {
     EXPECT_EQ(filter(a), ARCHIVE_OK);
   }
-  EXPECT_EQ(archive_write_open_memory(a, packed.data(), packed.size(), &used), ARCHIVE_OK);
+  EXPECT_EQ(archive_write_open_memory(a, compressed.data(), compressed.size(), &used), ARCHIVE_OK);
   for (const auto& [name, text] : files) AddArchiveFile(a, name, text);
   EXPECT_EQ(archive_write_close(a), ARCHIVE_OK);
   archive_write_free(a);
-  packed.resize(used);
-  return packed;
+  compressed.resize(used);
+  return compressed;
 }
 
 inline std::string Zipped(const ArchiveFiles& files) {
@@ -56,4 +56,4 @@ inline std::string Filtered(AddFilter filter, const std::string& text) {
 
 }  // namespace orsolva_test
 
-#endif  // ORSOLVA_TESTS_HOST_PACKED_TEXT_H
+#endif  // ORSOLVA_TESTS_HOST_COMPRESSED_TEXT_H

@@ -1,8 +1,8 @@
-// Epochs as the lines of a compact RINEX file, version 3: differences between epochs in place of values.
+// Epochs as the lines of a CRINEX 3 file: differences between epochs in place of values.
 //
 // Source: Hatanaka 2008, A compression format and tools for GNSS observation data.
-#ifndef ORSOLVA_SIMULATOR_COMPACT_LINES_H
-#define ORSOLVA_SIMULATOR_COMPACT_LINES_H
+#ifndef ORSOLVA_SIMULATOR_CRINEX_LINES_H
+#define ORSOLVA_SIMULATOR_CRINEX_LINES_H
 
 #include <array>
 #include <cstdint>
@@ -15,7 +15,7 @@
 
 namespace orsolva_host {
 
-class CompactLines : public ObservationLines {
+class CrinexLines : public ObservationLines {
  public:
   using ObservationLines::ObservationLines;
   /// The two lines before the RINEX header.
@@ -47,4 +47,4 @@ class CompactLines : public ObservationLines {
 
 }  // namespace orsolva_host
 
-#endif  // ORSOLVA_SIMULATOR_COMPACT_LINES_H
+#endif  // ORSOLVA_SIMULATOR_CRINEX_LINES_H

@@ -1,4 +1,4 @@
-#include "host/simulator/compact_lines.h"
+#include "host/simulator/crinex_lines.h"
 
 #include <algorithm>
 
@@ -21,19 +21,19 @@ std::string Changes(const std::string& before, const std::string& now) {
 
 }  // namespace
 
-std::string CompactLines::Preamble() {
+std::string CrinexLines::Preamble() {
   return HeaderLine("3.0                 COMPACT RINEX FORMAT", "CRINEX VERS   / TYPE") +
          HeaderLine("ORSOLVA SIMULATE", "CRINEX PROG / DATE");
 }
 
-void CompactLines::Append(const ObsEpoch_QC_gbt& epoch, std::string& out) {
+void CrinexLines::Append(const ObsEpoch_QC_gbt& epoch, std::string& out) {
   ++epoch_;
   AppendEpochLine(epoch, out);
   out += '\n';  // no receiver clock offset
   for (std::uint32_t i = 0; i < epoch.sat_num; ++i) AppendSatellite(epoch.sats[i], out);
 }
 
-void CompactLines::AppendEpochLine(const ObsEpoch_QC_gbt& epoch, std::string& out) {
+void CrinexLines::AppendEpochLine(const ObsEpoch_QC_gbt& epoch, std::string& out) {
   constexpr std::size_t kSatelliteColumn = 41;
   std::string line = EpochLine(epoch);
   line.resize(kSatelliteColumn, ' ');
@@ -46,7 +46,7 @@ void CompactLines::AppendEpochLine(const ObsEpoch_QC_gbt& epoch, std::string& ou
   last_line_ = line;
 }
 
-void CompactLines::AppendSatellite(const Satellite_gbt& satellite, std::string& out) {
+void CrinexLines::AppendSatellite(const Satellite_gbt& satellite, std::string& out) {
   SatelliteArcs& state = satellites_[{satellite.sys, satellite.prn}];
   TakeCells(satellite, cells_);
   if (state.epoch != epoch_ - 1) state.arcs.assign(cells_.size(), Arc());
@@ -59,7 +59,7 @@ void CompactLines::AppendSatellite(const Satellite_gbt& satellite, std::string& 
   out += '\n';
 }
 
-void CompactLines::AppendCell(std::int64_t value, Arc& arc, std::string& out) {
+void CrinexLines::AppendCell(std::int64_t value, Arc& arc, std::string& out) {
   if (value == 0) {
     arc.reached = -1;
     return;

@@ -1,4 +1,4 @@
-// A compact file and its plain twin must read the same, value for value and mark for mark.
+// A CRINEX file and its plain twin must read the same, value for value and mark for mark.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -49,42 +49,42 @@ void ExpectEqual(const EpochBlock& a, const EpochBlock& b) {
   }
 }
 
-void ExpectTwins(const std::string& plain_name, const std::string& compact_name, int epochs, double version) {
+void ExpectTwins(const std::string& plain_name, const std::string& crinex_name, int epochs, double version) {
   const std::string path = DataFile(plain_name);
   ORSOLVA_NEED_FILE(path);
   OpenFile plain(path);
-  OpenFile compact(DataFile(compact_name));
-  EXPECT_FALSE(plain.header.compact);
-  EXPECT_TRUE(compact.header.compact);
+  OpenFile crinex(DataFile(crinex_name));
+  EXPECT_FALSE(plain.header.crinex);
+  EXPECT_TRUE(crinex.header.crinex);
   EXPECT_EQ(plain.header.version, version);
-  ASSERT_EQ(plain.header.types, compact.header.types);
+  ASSERT_EQ(plain.header.types, crinex.header.types);
   int count = 0;
   std::size_t present = 0;
   while (plain.Next()) {
     ++count;
-    ASSERT_TRUE(compact.Next());
-    ExpectEqual(plain.epoch, compact.epoch);
+    ASSERT_TRUE(crinex.Next());
+    ExpectEqual(plain.epoch, crinex.epoch);
     if (testing::Test::HasFatalFailure()) FAIL() << "epoch " << count;
     for (const Cell& cell : plain.epoch.cells) present += cell.present ? 1 : 0;
   }
-  EXPECT_FALSE(compact.Next());
+  EXPECT_FALSE(crinex.Next());
   EXPECT_EQ(count, epochs);
   EXPECT_GT(present, 100U * static_cast<std::size_t>(epochs));
   EXPECT_EQ(plain.notices.Total(), 0);
-  EXPECT_EQ(compact.notices.Total(), 0);
+  EXPECT_EQ(crinex.notices.Total(), 0);
 }
 
-TEST(CompactTwins, Version2OfTwentyTwoTypes) { ExpectTwins("AJAC3550.21O", "AJAC3550.21D", 2, 2.11); }
+TEST(CrinexTwins, Version2OfTwentyTwoTypes) { ExpectTwins("AJAC3550.21O", "AJAC3550.21D", 2, 2.11); }
 
-TEST(CompactTwins, Version2OfManyEpochs) { ExpectTwins("zegv0010.21o", "zegv0010.21d", 19, 2.11); }
+TEST(CrinexTwins, Version2OfManyEpochs) { ExpectTwins("zegv0010.21o", "zegv0010.21d", 19, 2.11); }
 
-TEST(CompactTwins, Version3OfTwoSystems) { ExpectTwins("pdel0010.21o", "pdel0010.21d", 67, 3.02); }
+TEST(CrinexTwins, Version3OfTwoSystems) { ExpectTwins("pdel0010.21o", "pdel0010.21d", 67, 3.02); }
 
-TEST(CompactTwins, Version3OfAllSystems) {
+TEST(CrinexTwins, Version3OfAllSystems) {
   ExpectTwins("ACOR00ESP_R_20213550000_01D_30S_MO.rnx", "ACOR00ESP_R_20213550000_01D_30S_MO.crx", 25, 3.04);
 }
 
-/// The plain name of a compact file, or an empty text.
+/// The plain name of a CRINEX file, or an empty text.
 std::string PlainNameOf(const std::string& name) {
   if (name.size() < 4 || name[name.size() - 4] != '.') return {};
   const std::string stem = name.substr(0, name.size() - 4);
@@ -95,7 +95,7 @@ std::string PlainNameOf(const std::string& name) {
   return {};
 }
 
-TEST(CompactTwins, EveryCompactFileWithAPlainTwinGivesTheSameRecords) {
+TEST(CrinexTwins, EveryCrinexFileWithAPlainTwinGivesTheSameRecords) {
   ORSOLVA_NEED_FILE(DataFile(""));
   int twins = 0;
   for (const auto& entry : std::filesystem::directory_iterator(DataFile(""))) {
@@ -104,16 +104,16 @@ TEST(CompactTwins, EveryCompactFileWithAPlainTwinGivesTheSameRecords) {
     ++twins;
     Diagnostics notices;
     ObservationReader plain(DataFile(plain_name), notices);
-    ObservationReader compact(entry.path().string(), notices);
+    ObservationReader crinex(entry.path().string(), notices);
     ObsEpoch_QC_gbt a;
     ObsEpoch_QC_gbt b;
     std::memset(&a, 0, sizeof a);
     std::memset(&b, 0, sizeof b);
     while (plain.Next(a)) {
-      ASSERT_TRUE(compact.Next(b)) << plain_name;
+      ASSERT_TRUE(crinex.Next(b)) << plain_name;
       ASSERT_EQ(std::memcmp(&a, &b, sizeof a), 0) << plain_name;
     }
-    EXPECT_FALSE(compact.Next(b)) << plain_name;
+    EXPECT_FALSE(crinex.Next(b)) << plain_name;
   }
   EXPECT_GE(twins, 4);
 }

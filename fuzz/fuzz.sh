@@ -9,7 +9,7 @@ seconds=${1:-12}
 shift || true
 targets=("$@")
 [ ${#targets[@]} -gt 0 ] ||
-  targets=(boundary_records observation_reader compact_decoder navigation_reader compressed_input
+  targets=(boundary_records observation_reader crinex_decoder navigation_reader compressed_input
     config_file profile scenario)
 build=${ORSOLVA_FUZZ_BUILD:-build-fuzz}
 

@@ -8,7 +8,7 @@ import pathlib
 import random
 import sys
 
-COMPACT = (".crx", ".21D", ".21d")
+CRINEX = (".crx", ".21D", ".21d")
 PLAIN = (".rnx", ".21O", ".21o")
 
 
@@ -53,7 +53,7 @@ def seeds_of(path, out):
     elif b"CRINEX" in data[:200]:
         for size in (1500, 6000):
             write(out, "observation_reader", f"{name}.{size}", cut(data, size))
-            write(out, "compact_decoder", f"{name}.{size}", cut(data, size)[after_header(data):])
+            write(out, "crinex_decoder", f"{name}.{size}", cut(data, size)[after_header(data):])
     elif b"OBSERVATION" in data[:200]:
         for size in (1500, 6000):
             write(out, "observation_reader", f"{name}.{size}", cut(data, size))

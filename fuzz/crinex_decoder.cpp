@@ -1,4 +1,4 @@
-// Any bytes as the epochs of a compact file whose header is sound, so that every input reaches the decoder.
+// Any bytes as the epochs of a CRINEX file whose header is sound, so that every input reaches the decoder.
 #include "fuzz/observation_text.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);

@@ -33,5 +33,6 @@ ci_packages=(clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev valgrind 
 web_packages=(chromium fonts-dejavu-core)
 aarch64_packages=(g++-aarch64-linux-gnu qemu-user cmake ninja-build googletest python3)
 mingw_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine64 cmake ninja-build googletest python3)
+docs_packages=(doxygen)
 bench_packages=(libbenchmark-dev linux-perf valgrind python3-matplotlib)
 package_packages=(dpkg-dev file lintian debootstrap)

@@ -91,19 +91,20 @@ void Describe(Proof& proof) {
   proof.injected =
       "a receiver that starts three epochs late, lists satellites 60 epochs after they rise above 5 degrees "
       "and up to 40 s after an outage, GPS 5Q nine epochs after the others; outages of the whole receiver "
-      "(across the border of two batches), of 25 random signals, of all QZSS to the end, of four random "
-      "signals to the end; missing epochs; in one run repeated and late epochs; batches of 100 to 430 epochs";
+      "(across the boundary of two batches), of 25 random signals, of all QZSS to the end, of four random "
+      "signals to the end; missing epochs; in one run duplicate and late epochs; batches of 100 to 430 "
+      "epochs";
   proof.must_say =
-      "per satellite and code the expected and observed epochs counted anew, from the delivered epochs and "
-      "the simulator's own orbits; for the run the lost epochs and the duration";
+      "per satellite and code the expected and observed epochs of an independent count, from the delivered "
+      "epochs and the simulator's own orbits; for the run the lost epochs and the duration";
   proof.tolerance =
       "none (equality) against the recount; against the simulator's count of tracked epochs above the "
-      "cut-off one epoch a crossing at 1 s and more, ten at 0.1 s";
+      "cut-off one epoch per crossing at 1 s and more, ten at 0.1 s";
   proof.reason =
-      "counts are whole numbers. The library looks at a satellite a nominal travel time of 1.0007 s before "
-      "the epoch, the true signal left up to 0.95 s later: by so much each crossing of the cut-off may come "
-      "late. Epochs are expected from the first to the last one that lists the satellite: what is never "
-      "acquired after rise, or lost before set, is not missed";
+      "counts are integers. The library evaluates elevations at a nominal travel time of 1.0007 s before the "
+      "epoch, while the true signal left up to 0.95 s later: each crossing of the cut-off may be late by "
+      "that much. Epochs are expected from the first to the last one that lists the satellite: signals not "
+      "yet acquired after rising, or lost before setting, are not counted as missing";
 }
 
 }  // namespace
@@ -111,7 +112,7 @@ void Describe(Proof& proof) {
 void ProveCompleteness(bool long_form, Proof& proof) {
   Describe(proof);
   ProofTable table{"Sums over all satellites and codes.",
-                   {"interval, s", "repeated epochs", "epochs", "batches", "lost epochs", "satellite codes",
+                   {"interval, s", "duplicate epochs", "epochs", "batches", "lost epochs", "satellite codes",
                     "expected", "observed", "largest shift against truth, epochs"},
                    {},
                    2};

@@ -209,52 +209,54 @@ const LawRow kLaws[] = {
     {"satellites shuffled in every epoch", "the same bits in every row of a satellite and code",
      OrderInTheFirstEpoch},
     {"satellites shuffled, position computed", "the same bits", OrderWithComputedPosition},
-    {"records and epochs 1, 26 and -3 weeks later", "the same bits but for the times", WholeWeeks},
+    {"records and epochs 1, 26 and -3 weeks later", "the same bits except for the times", WholeWeeks},
     {"records and epochs a week later, position computed", "a position within 5 m of the other",
      WholeWeeksWithComputedPosition},
-    {"eight threads with a handle each, position computed", "the same bits in each", EightThreads},
+    {"eight threads, one handle each, position computed", "the same bits in each", EightThreads},
     {"a system enabled that has no data", "the same bits as disabled; the combined means within 1e-15",
      IdleSystem},
-    {"a further system with data", "the same bits in the rows of the others but for their slips",
+    {"an additional system with data", "the same bits in the rows of the others except for their slips",
      FurtherSystem},
-    {"empty batches after each batch", "no data is answered, the same bits", EmptyBatches},
-    {"both results asked twice after each batch, and before the first", "the same bits", ResultsAtAnyTime},
+    {"empty batches after each batch", "`no data` is returned; the same bits", EmptyBatches},
+    {"both results requested twice after each batch, and before the first", "the same bits",
+     ResultsAtAnyTime},
 };
 
 void Describe(Proof& proof) {
   proof.injected =
-      "troubled skies of five systems: outages, missing and repeated epochs, slips, "
-      "code jumps, SNR drops";
-  proof.must_say = "what the table says, against the run in one batch with the position given";
+      "skies of five systems with faults: outages, missing and duplicate epochs, slips, code jumps, SNR "
+      "drops";
+  proof.must_say = "as in the table, compared with the run in one batch with the position given";
   proof.tolerance = "none: every bit of both result records; 5 m for a computed position a week later";
   proof.reason =
-      "no law of the table reorders an arithmetic operation of the library; the 5 m are the largest delay "
-      "that the ionosphere model of positioning adds by day at the zenith";
+      "no law of the table reorders an arithmetic operation of the library; 5 m is the largest zenith delay "
+      "that the ionospheric model of the positioning adds by day";
   proof.notes = {
-      "What may depend on the order of satellites: the codes of a system stand in the order of their first "
-      "appearance, so the order within the first epochs decides the order of the rows in a code block, the "
-      "order of the code combinations, which ten of more are formed, and which of equally complete ones is "
-      "the best. Of a satellite listed twice in an epoch the first signal counts for multipath and slips; of "
-      "more than 80 satellites the first 80 are read. Nothing else does: satellites are worked by number.",
-      "A further system moves the common change of an epoch, which is the median over all satellites; the "
-      "slips that phase minus geometry counts may therefore change for all, nothing else does.",
-      "The shift by weeks holds with the position given. A computed one moves by decimetres, "
-      "because the ionosphere model of positioning reduces the time in a way of its own, which is not whole "
-      "in weeks.",
-      "A system without data is merged into the combined result all the same: each mean is multiplied by its "
-      "count and divided by it again, which may round its last bit.",
-      "A split leaves the bits alone as long as the first batch has every code of the run (here its first "
-      "epoch has): codes that come later than the first batch are not reported.",
+      "What may depend on the order of satellites: the codes of a system are kept in the order of their "
+      "first appearance, so the order within the first epochs determines the order of the rows in a code "
+      "block, the order of the code combinations, which ten of more are formed, and which of equally "
+      "complete ones is the best. When a satellite appears twice in an epoch its first signals are used for "
+      "multipath and slips; of more than 80 satellites the first 80 are read. Nothing else does: satellites "
+      "are processed by number.",
+      "An additional system changes the common change of an epoch, which is the median over all satellites; "
+      "the slips counted by the phase-minus-geometry test may therefore change for all systems, but nothing "
+      "else does.",
+      "The shift by weeks holds with the position given. A computed one changes by decimetres, because the "
+      "ionospheric model of the positioning reduces the time with a period that does not divide a week.",
+      "A system without data is still merged into the combined result: each mean is multiplied by its count "
+      "and divided by it again, which may round its last bit.",
+      "A split does not change the bits as long as the first batch contains every code of the run (here its "
+      "first epoch does): codes that first appear after the first batch are not reported.",
       "The same laws hold on a simpler sky in `tests/property/split_test.cpp`, "
-      "`tests/property/laws_test.cpp` "
-      "and `tests/property/threads_test.cpp`, the last one under the thread sanitizer too."};
+      "`tests/property/laws_test.cpp` and `tests/property/threads_test.cpp`, the last one also under the "
+      "thread sanitizer."};
 }
 
 }  // namespace
 
 void ProveLaws(bool long_form, Proof& proof) {
   Describe(proof);
-  ProofTable table{"Laws.", {"what is done", "what must hold", "skies", "comparisons", "failed"}, {}, 2};
+  ProofTable table{"Laws.", {"change", "what must hold", "skies", "comparisons", "failed"}, {}, 2};
   for (const LawRow& row : kLaws) {
     const std::size_t checks = proof.Checks(), failed = proof.Failed();
     const int skies = long_form ? 8 : 2;

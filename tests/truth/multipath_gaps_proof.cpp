@@ -27,10 +27,10 @@ struct GapCase {
 };
 
 constexpr GapCase kCases[] = {
-    {242, RestartReason::kNone, "goes on"},
+    {242, RestartReason::kNone, "continues"},
     {242.5, RestartReason::kIonosphereSlip, "restarts by the geometry-free test, counted as a jump"},
     {599.5, RestartReason::kIonosphereSlip, "restarts by the geometry-free test, counted as a jump"},
-    {600, RestartReason::kNone, "goes on"},
+    {600, RestartReason::kNone, "continues"},
     {600.5, RestartReason::kGap, "restarts silently"},
 };
 
@@ -123,18 +123,19 @@ GapFigures RunGap(double interval_s, const GapCase& gap, Proof& proof) {
 
 void ProveMultipathGaps(bool, Proof& proof) {
   proof.injected =
-      "epochs missing for the given time while the receiver keeps its phases, with code noise; gaps that are "
-      "no whole number of intervals come from late tags";
+      "epochs missing for the given time while the receiver keeps phase lock, with code noise; gaps that are "
+      "not an integer number of intervals are made with late time tags";
   proof.must_say =
-      "a gap of 600 s goes on with the mean, one of 600.5 s restarts it without counting a jump; a gap above "
-      "242 s and below 600 s is a slip to the geometry-free test, which restarts it and counts";
+      "after a gap of 600 s the mean continues, after one of 600.5 s it restarts without counting a jump; a "
+      "gap above 242 s and below 600 s is a slip to the geometry-free test, which restarts the mean and is "
+      "counted";
   proof.tolerance = "none for the restarts; 1e-6 m for the residual of every epoch";
   proof.reason =
-      "the residual is done anew from the raw values of the pair, up to 1e6 m large with their ambiguities, "
-      "whose sums round at 1e-8 m";
+      "the residual is recomputed from the raw values of the pair, up to 1e6 m with their ambiguities, whose "
+      "sums round at 1e-8 m";
   ProofTable table{
       "Gaps.",
-      {"interval, s", "gap, s", "must say", "pairs", "wrong", "largest difference of a residual, m"},
+      {"interval, s", "gap, s", "expected", "pairs", "wrong", "largest difference of a residual, m"},
       {},
       3};
   for (const double interval_s : {1.0, 15.0, 30.0}) {

@@ -150,15 +150,15 @@ void AddRows(double interval_s, ProofTable& table, Proof& proof) {
 
 void ProveMultipathJumps(bool, Proof& proof) {
   proof.injected =
-      "on every signal a step of the code a little below the threshold of its band, later one a little above "
-      "it, later the same back down; no noise";
+      "on every signal a code step just below the threshold of its band, later one just above it, later the "
+      "same step back; no noise";
   proof.must_say =
       "no restart at the first step, a restart at the second and the third, none elsewhere; two jumps in the "
-      "per-code record. A step J shows as the residual J (1 - 1/N), and less the mean of the residuals as "
+      "per-code record. A step J appears as the residual J (1 - 1/N), and minus the mean of the residuals as "
       "J (1 - 1/N)^2: the steps are (threshold -/+ 0.05 m) / (1 - 1/N)^2";
   proof.tolerance = "none: every pair of every satellite that is tracked throughout";
-  proof.reason = "the distance of 0.05 m to the threshold is well above the rounding of the observations";
-  ProofTable table{"Steps of the code and the restarts of the averaging.",
+  proof.reason = "the margin of 0.05 m to the threshold is well above the rounding of the observations";
+  ProofTable table{"Code steps and restarts of the averaging.",
                    {"interval, s", "band", "threshold, m", "window", "pairs", "step below, m", "restarts",
                     "steps above, m", "restarts", "restarts elsewhere"},
                    {},

@@ -125,23 +125,23 @@ void AddErrorRows(double interval_s, int epochs, ProofTable& table, Proof& proof
 void Describe(Proof& proof) {
   proof.injected =
       "first white code noise of 0.4 m on every signal, then the full error model: noise and a slow periodic "
-      "part that both grow towards the horizon. Phases are without noise, the atmosphere is on";
+      "part that both grow towards the horizon. Phases have no noise; the atmosphere is simulated";
   proof.must_say =
-      "the RMS of the injected error less its moving mean. White noise x with standard deviation s, less the "
-      "mean of the last N values with itself among them, has the variance s^2 ((1 - 1/N)^2 + (N - 1)/N^2) = "
-      "s^2 (1 - 1/N); the first N values have k = 1, 2, ... in place of N. The RMS of n values is "
-      "therefore s sqrt(sum (1 - 1/min(k, N)) / n), nearly s sqrt(1 - 1/N): 0.9899 s for the window of 50 "
-      "epochs (up to 5 s), 0.9747 s for 20 (15 s), 0.9487 s for 10 (30 s). Range, clocks, troposphere and "
+      "the RMS of the injected error minus its moving mean. White noise with standard deviation s, minus the "
+      "mean of the last N values including itself, has the variance s^2 ((1 - 1/N)^2 + (N - 1)/N^2) = s^2 (1 "
+      "- 1/N); for the first N values N is replaced by k = 1, 2, ... The RMS of n values is therefore s "
+      "sqrt(sum (1 - 1/min(k, N)) / n), approximately s sqrt(1 - 1/N): 0.9899 s for the window of 50 epochs "
+      "(up to 5 s), 0.9747 s for 20 (15 s), 0.9487 s for 10 (30 s). Range, clocks, troposphere and "
       "first-order ionosphere must vanish";
   proof.tolerance =
       "against the derived RMS five standard errors, that is 5/sqrt(2 n) of it; against the injected values "
       "themselves, satellite by satellite, the rounding of the observations, at most 2 (0.5 mm + 0.0005 "
       "cycles (|c1| lambda_a + |c2| lambda_b))";
   proof.reason =
-      "the RMS of n independent normal values scatters by 1/sqrt(2 n); neighbouring residuals are hardly "
-      "correlated (-k/N^2 at lag k). The rounding bound is the largest error of one value plus that of the "
-      "mean, and two RMS differ by no more than the RMS of the difference. It is large for BDS band 1, whose "
-      "partner at 1561 MHz lies so near that the phases enter more than a hundredfold";
+      "the RMS of n independent normal values scatters by 1/sqrt(2 n); adjacent residuals are almost "
+      "uncorrelated (-k/N^2 at lag k). The rounding bound is the largest error of one value plus that of the "
+      "mean, and two RMS values differ by no more than the RMS of the difference. It is large for BDS band "
+      "1, whose partner at 1561 MHz is so close that the phases enter with weights of more than a hundred";
 }
 
 }  // namespace
@@ -154,7 +154,7 @@ void ProveMultipathNoise(bool long_form, Proof& proof) {
                    {},
                    2};
   ProofTable errors{"The full error model.",
-                    {"interval, s", "band", "values", "injected RMS less moving mean, m", "RMS, m",
+                    {"interval, s", "band", "values", "injected RMS minus moving mean, m", "RMS, m",
                      "largest difference of a satellite, mm", "bound, mm"},
                     {},
                     2};

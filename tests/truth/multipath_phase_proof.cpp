@@ -92,19 +92,17 @@ NoiseBySignals RunPhaseNoise(const Scenario& scenario, Proof& proof) {
 
 void Describe(Proof& proof) {
   proof.injected =
-      "white noise of 1 mm on every phase; codes are without error, the atmosphere is on. At 30 s and 1 s, "
-      "every satellite while it is up";
+      "white noise of 1 mm on every phase; codes have no error; the atmosphere is simulated. At 30 s and 1 "
+      "s, every satellite above the horizon";
   proof.must_say =
       "the phase noise times the weights of the multipath combination, code P_a + c1 L_a + c2 L_b with c1 = "
       "-(f_a^2 + f_b^2)/(f_a^2 - f_b^2), c2 = 2 f_b^2/(f_a^2 - f_b^2) (Estey and Meertens 1999): s sqrt(c1^2 "
-      "+ "
-      "c2^2), less the moving mean as above. This is what a multipath figure shows of a receiver without "
-      "code "
-      "error, and why the figure of a pair of near carriers stands above its code error";
+      "+ c2^2), minus the moving mean as above. This is the multipath figure of a receiver without code "
+      "error, and the reason why the figure of a pair with close carriers exceeds its code error";
   proof.tolerance = "five standard errors, that is 5/sqrt(2 n) of the derived RMS; no restart anywhere";
   proof.reason =
-      "the RMS of n independent normal values scatters by 1/sqrt(2 n). The derived RMS holds the rounding of "
-      "the three cells of a value too, each uniform over a thousandth";
+      "the RMS of n independent normal values scatters by 1/sqrt(2 n). The derived RMS includes the rounding "
+      "of the three observations of a value, each uniform over a thousandth";
 }
 
 }  // namespace

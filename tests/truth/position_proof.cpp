@@ -97,30 +97,29 @@ void AddCase(const PositionCase& one, int sites, ProofTable& table, Proof& proof
 void Describe(Proof& proof) {
   proof.injected =
       "five epochs at sites spread evenly over the Earth up to 3 km high, at random times of a week, first "
-      "with the ionosphere that the library takes off and without noise, then with the full error model and "
-      "an ionosphere of its own, then with all pseudoranges of one satellite above 20 degrees too long";
+      "with the ionosphere that the library removes and without noise, then with the full error model and an "
+      "independent ionosphere, then with all pseudoranges of one satellite above 20 degrees too long";
   proof.must_say =
       "the site; no exclusion without a fault; where a satellite is excluded, the faulty one. A satellite "
-      "whose records are unhealthy takes no part";
+      "with unhealthy records takes no part";
   proof.tolerance = fmt::format(
-      "{} m in the exact sky, {} m with the full error model, at every site whose epochs "
-      "are all without the fault",
+      "{} m in the exact sky, {} m with the full error model, at every site where no epoch contains the "
+      "fault",
       kExactTolerance_m, kRealTolerance_m);
   proof.reason =
       "in the exact sky only the rounding of the pseudoranges (0.5 mm), the 1 mm between the orbits of "
-      "simulator and library and the 0.1 mm at which the iteration ends remain, times a dilution of 1 to 3. "
+      "simulator and library and the 0.1 mm of the convergence limit remain, times a dilution of 1 to 3. "
       "With the full model the ionosphere is 0.6 to 3.6 m at the zenith and up to three times that at 10 "
       "degrees, where the library expects the broadcast model with its default coefficients; code noise and "
-      "multipath reach 1 m. Positions are the one figure that may differ by metres between implementations";
+      "multipath reach 1 m. Positions are the only figure that may differ by metres between implementations";
   proof.notes = {
       "The search for a faulty satellite is tried only when the solution with all satellites fails (too few "
       "rows, no convergence in ten iterations, dilution above 30): there is no test of the residuals before "
-      "it. By this rule a fault that the iteration still converges with stays in the solution, and the "
-      "position is off by a part of it, as the last rows show. Each time the search runs it finds the faulty "
-      "satellite; it runs at most sites at 10,000 km and at all at 100,000 km, though an epoch may converge "
-      "by chance and spoil the median. A host that knows a satellite "
-      "to "
-      "be bad excludes it in the configuration or marks its records unhealthy."};
+      "it. By this rule a fault with which the iteration still converges remains in the solution, and the "
+      "position is wrong by a fraction of it, as the last rows show. Whenever the search runs it finds the "
+      "faulty satellite; it runs at most sites at 10,000 km and at all at 100,000 km, though an epoch may "
+      "converge by chance and affect the median. A host that knows a satellite to be faulty should exclude "
+      "it in the configuration or mark its records unhealthy."};
 }
 
 }  // namespace

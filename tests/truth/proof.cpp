@@ -60,9 +60,8 @@ void Proof::Check(bool holds, const std::string& what) {
 
 std::string Proof::Markdown() const {
   std::string text = fmt::format(
-      "- **Form:** {}\n- **Injected:** {}\n- **The library must say:** {}\n- **Tolerance:** {}\n- **Where it "
-      "comes from:** {}\n"
-      "- **Outcome:** {} comparisons, {} failed.\n",
+      "- **Form:** {}\n- **Injected:** {}\n- **Expected:** {}\n- **Tolerance:** {}\n- **Why:** {}\n- "
+      "**Outcome:** {} comparisons, {} failed.\n",
       long_form ? "long" : "short", injected, must_say, tolerance, reason, checks_, failed_);
   for (const ProofTable& table : tables) {
     text += "\n" + table.caption + "\n\n" + Row(table.columns);

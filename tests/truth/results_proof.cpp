@@ -172,18 +172,17 @@ void CheckCodes(const total_code_qc_result& record, ResultTally& tally, Proof& p
 
 void Describe(Proof& proof) {
   proof.injected =
-      "a troubled sky (outages, slow starts, missing epochs) with one to three codes a band, so that a "
-      "system "
-      "has up to ten combinations of codes; once with all systems and once with two of them in the "
+      "a sky with faults (outages, slow starts, missing epochs) and one to three codes per band, so that a "
+      "system has up to ten combinations of codes; once with all systems and once with two of them in the "
       "combined result";
   proof.must_say =
-      "per satellite and combination the epochs in which all its codes were observed, counted anew from the "
-      "delivered epochs, and the distinct epochs of its slips and jumps; per combination, per system, "
-      "combined and per code what plain sums over the satellites give, with the combination of the largest "
+      "per satellite and combination the epochs in which all its codes were observed, counted independently "
+      "from the delivered epochs, and the distinct epochs of its slips and jumps; per combination, per "
+      "system, combined and per code the plain sums over the satellites, with the combination of the highest "
       "completeness chosen";
   proof.tolerance = "none for counts, completeness and choice; 1e-12 of a value for means and RMS";
   proof.reason =
-      "counts are whole numbers; means are sums over some ten thousand values whose order may differ, each "
+      "counts are integers; means are sums over some ten thousand values whose order may differ, each "
       "addition rounding at 1.1e-16";
 }
 
@@ -191,7 +190,7 @@ void Describe(Proof& proof) {
 
 void ProveResults(bool long_form, Proof& proof) {
   Describe(proof);
-  ProofTable table{"What was recomputed.",
+  ProofTable table{"Recomputed figures.",
                    {"combined systems", "satellites", "satellite combinations", "systems", "system codes"},
                    {},
                    1};

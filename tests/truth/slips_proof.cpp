@@ -17,7 +17,7 @@ constexpr int kShortEpochs = 300;
 constexpr int kShortTrial = 150, kLongTrial = 1500;
 
 std::vector<std::string> SlipColumns(const std::string& limit) {
-  std::vector<std::string> columns = {"interval, s", "ionosphere", "band", limit, "slips a size"};
+  std::vector<std::string> columns = {"interval, s", "ionosphere", "band", limit, "slips per size"};
   for (const double size : kSlipSizes) columns.push_back(fmt::format("{} cycles, %", size));
   return columns;
 }
@@ -39,7 +39,7 @@ struct SlipTables {
                     {},
                     3};
   ProofTable causes{
-      "Where the false alarms of the quiet sky come from, all bands, per 10,000 satellite-epochs.",
+      "Causes of the false alarms under the quiet ionosphere, all bands, per 10,000 satellite-epochs.",
       {"interval, s", "simulated", "satellite-epochs", "geometry-free", "phase minus geometry",
        "phase minus geometry at a new broadcast record"},
       {},
@@ -102,39 +102,38 @@ void AddCauses(double interval_s, int epochs, SlipTables& tables, Proof& proof) 
 
 void Describe(Proof& proof) {
   proof.injected =
-      "slips of 0.5 to 100 cycles, up and down in turn, on every signal every 60 epochs, one signal of a "
+      "slips of 0.5 to 100 cycles, alternately up and down, on every signal every 60 epochs, one signal of a "
       "satellite at a time, under a quiet ionosphere and under a storm that changes the slant content by up "
-      "to 0.2 TECU/s (3 cm of GPS L1 a second); and the same sky without slips. Elevations above 12 degrees";
+      "to 0.2 TECU/s (3 cm of GPS L1 per second); and the same sky without slips. Elevations above 12 "
+      "degrees";
   proof.must_say =
-      "both tests see each slip whole: the step of the geometry-free combination and the phase change differ "
-      "from those of the same epoch without the slip by size times wavelength. In every epoch of every pair, "
-      "with and without slips, the common change is the upper median of the changes without a geometry-free "
-      "slip, and each test reports exactly when its rule says so. The rates below are what these rules give";
+      "both tests see the full size of each slip: the step of the geometry-free combination and the phase "
+      "change differ from those of the same epoch without the slip by size times wavelength. In every epoch "
+      "of every pair, with and without slips, the common change is the upper median of the changes without a "
+      "geometry-free slip, and each test flags exactly the epochs that its rule requires. The rates below "
+      "follow from these rules";
   proof.tolerance = "0.0011 cycles for the size; none for the outcome of the rules";
   proof.reason =
-      "phases have three decimals of a cycle, so a difference of two is off by up to 0.001. The rules are "
-      "written anew in the proof: a step above |1 - (f2/f1)^2| x 4 m/min x interval, but at least 0.026 m; "
-      "an "
-      "excess above 0.05 m (up to 1 s), 0.1 m (15 s), 0.15 m (30 s), 0.3 m (60 s)";
+      "phases have three decimals of a cycle, so a difference of two is off by up to 0.001. The proof "
+      "implements the rules independently: a step above |1 - (f2/f1)^2| x 4 m/min x interval, but at least "
+      "0.026 m; an excess above 0.05 m (up to 1 s), 0.1 m (15 s), 0.15 m (30 s), 0.3 m (60 s)";
   proof.notes = {
-      "At 0.1 s and 1 s half a cycle is found by both tests. At 15 s and 30 s the geometry-free test lets an "
-      "ionosphere of 4 m a minute pass, and with it slips below the largest step of the table; the test of "
-      "phase minus geometry finds one cycle at 15 s and two at 30 s in a quiet sky. In a storm its excess is "
-      "the ionosphere of the interval, so slips hide in it and false alarms abound; the geometry-free test "
-      "hardly minds.",
-      "False alarms by nature, counted apart in the last column: in the epoch in which a new broadcast "
-      "record "
-      "comes into use the library forms the value before it again, with the new record but without the "
-      "satellite clock. The change then holds the whole clock offset (often hundreds of metres and more), "
-      "and "
-      "the test reports a slip on nearly every code of the satellite. No slip has happened. GLONASS changes "
-      "records every 30 min, the others every one or two hours.",
-      "Also by nature: the test leaves the atmosphere in the phases. The change of the troposphere of a low "
-      "satellite within 30 s reaches the threshold, as the last table shows: with geometry and clocks alone "
-      "there is no false alarm, with the troposphere there are, and noise adds next to none. That the range "
-      "of the test is the plain distance, without the rotation of the Earth during the travel of the signal, "
+      "At 0.1 s and 1 s both tests find half a cycle. At 15 s and 30 s the geometry-free test tolerates an "
+      "ionospheric change of 4 m per minute, and with it slips below the largest step of the table; the "
+      "phase-minus-geometry test finds one cycle at 15 s and two at 30 s under a quiet ionosphere. In a "
+      "storm its excess contains the ionospheric change of the interval, so slips are masked and false "
+      "alarms are frequent; the geometry-free test is hardly affected.",
+      "Systematic false alarms, counted separately in the last column: in the epoch in which a new broadcast "
+      "record comes into use the library forms the previous value again, with the new record but without the "
+      "satellite clock. The change then contains the whole clock offset (often hundreds of metres and more), "
+      "and the test flags a slip on nearly every code of the satellite although none occurred. GLONASS "
+      "changes records every 30 min, the others every one or two hours.",
+      "Also systematic: the test does not remove the atmosphere from the phases. The tropospheric change of "
+      "a low satellite within 30 s reaches the threshold, as the last table shows: with geometry and clocks "
+      "alone there is no false alarm, with the troposphere there are, and noise adds next to none. The range "
+      "of the test is the plain distance, without the rotation of the Earth during signal travel; that error "
       "changes too slowly to matter.",
-      "The largest step is that of one of the partners: BDS band 2 pairs with band 7 (0.402 m at 15 s) and, "
+      "The largest step is that for one of the partners: BDS band 2 pairs with band 7 (0.402 m at 15 s) and, "
       "of the newer satellites, with band 6 (0.340 m)."};
 }
 

@@ -82,9 +82,8 @@ void ProveSnr(bool long_form, Proof& proof) {
       "30 degrees, and the standard deviation of the values in quarter decibels about the unrounded mean";
   proof.tolerance = "none: the same bits";
   proof.reason =
-      "a mean is the sum in time order over the count; the recount adds in the same order, so not even "
-      "rounding "
-      "differs. Elevations come from the simulator's own orbits";
+      "a mean is the sum in time order divided by the count; the recount adds in the same order, so not even "
+      "rounding differs. Elevations come from the simulator's own orbits";
   ProofTable table{"Sums over all satellites and codes.",
                    {"interval, s", "satellite codes in the record", "in the model", "values",
                     "below the cut-off", "above 30 degrees", "largest standard deviation, dB"},

@@ -1,4 +1,4 @@
-// The seat for detail: what the run computes per epoch, satellite and pair, for plots and tables.
+// The observer interface: what the run computes per epoch, satellite and pair, for plots and tables.
 //
 // Null by default; every report is behind one test of a pointer. The observer must not call back into the
 // run. For programs that link the static archive: the shared library exports nothing of this.
@@ -11,7 +11,7 @@
 
 namespace orsolva {
 
-/// Why the averaging of a pair's multipath started anew.
+/// Why the averaging of a pair's multipath was restarted.
 enum class RestartReason : std::uint8_t { kNone, kFirstValue, kGap, kJump, kIonosphereSlip };
 
 /// Why the geometry-free test reported a slip.
@@ -73,9 +73,10 @@ class QcDetailObserver {
   virtual void OnPairEpoch(const PairEpochDetail& detail) = 0;
 };
 
-/// Plugs an observer in for the batches that follow; null takes it out. The caller keeps ownership. An
-/// observer that throws ends the batch with GNSSQC_INTERNAL_ERROR.
-/// @param handle  of CreatQcProcess; null is ignored
+/// Attaches an observer for the batches that follow.
+/// @param handle    of CreatQcProcess; null is ignored
+/// @param observer  null detaches. The caller keeps ownership. An observer that throws ends the batch with
+///                  GNSSQC_INTERNAL_ERROR
 void SetDetailObserver(unsigned long long* handle, QcDetailObserver* observer);
 
 }  // namespace orsolva

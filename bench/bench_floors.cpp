@@ -1,4 +1,4 @@
-// Single operations of the floors: orbits, selection of records, a step of the multipath, flags.
+// Single operations: orbits, selection of records, a multipath step, flags.
 #include <benchmark/benchmark.h>
 
 #include "bench/station_day.h"
@@ -32,7 +32,7 @@ LoadedSky& Sky() {
   return sky;
 }
 
-/// Position and clock of one satellite, the epochs of a day in turn; range(0) is the system.
+/// Position and clock of one satellite for the epochs of a day in turn; range(0) is the system.
 void Orbit(benchmark::State& state) {
   const LoadedSky& sky = Sky();
   const SatelliteId satellite{static_cast<std::uint8_t>(state.range(0)), 11};

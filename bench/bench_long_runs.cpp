@@ -1,4 +1,4 @@
-// Runs too long for the clock of a micro-benchmark: a day at 1 Hz, a live feed, scaling.
+// Runs too long for a micro-benchmark: a day at 1 Hz, a live feed, scaling.
 //
 // usage: bench_long_runs day [EPOCHS] | live [EPOCHS] | epochs [ROUNDS] | satellites [ROUNDS]
 #include <algorithm>
@@ -25,14 +25,14 @@ double WallNow() {
   return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
 }
 
-/// Processor time of this thread: other work on the machine does not count.
+/// Processor time of this thread, unaffected by other work on the machine.
 double Now() {
   timespec now{};
   clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
   return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
 }
 
-/// A run over a simulated sky; only the calls of the library are on the clock.
+/// A run over a simulated sky; only the calls of the library are timed.
 class TimedRun {
  public:
   explicit TimedRun(const SkyOptions& options) : stream_(options) {
@@ -55,7 +55,7 @@ class TimedRun {
     return seconds;
   }
 
-  /// Asks for both results. @return seconds
+  /// Gets both results. @return seconds
   double Finish() {
     const double start = Now();
     const Results results(process_);
@@ -65,7 +65,7 @@ class TimedRun {
   }
 
   double Total = 0.0;     ///< s of processor time in the library
-  double LastWall = 0.0;  ///< s the last batch took on the clock on the wall
+  double LastWall = 0.0;  ///< wall time of the last batch, s
   std::int64_t SatelliteEpochs = 0;
 
  private:
@@ -94,7 +94,7 @@ void RunDay(int epochs) {
   constexpr int kBatch = 2880;
   TimedRun run(Sky1Hz(epochs));
   const double before = ResidentMb();
-  std::vector<double> batches;  // ns a satellite-epoch
+  std::vector<double> batches;  // ns per satellite-epoch
   for (int at = 0; at < epochs; at += kBatch) {
     const std::int64_t seen = run.SatelliteEpochs;
     const double seconds = run.Feed(std::min(kBatch, epochs - at));
@@ -121,7 +121,7 @@ void PrintPercentiles(const char* clock, std::vector<double> calls) {
               microseconds(0.5), microseconds(0.99), microseconds(0.999), microseconds(1.0));
 }
 
-/// One epoch a batch, as from a receiver at 1 Hz.
+/// One epoch per batch, as from a receiver at 1 Hz.
 void RunLive(int epochs) {
   TimedRun run(Sky1Hz(epochs));
   std::vector<double> calls, walls;
@@ -147,7 +147,7 @@ void RunLive(int epochs) {
   std::printf("\n");
 }
 
-/// Prints the cost of the fastest of some runs: what else the machine does only ever adds.
+/// Prints the cost of the fastest of several runs: other work on the machine can only add to it.
 void PrintScaling(const char* what, int value, int rounds, const SkyOptions& options) {
   double best = 0.0;
   std::int64_t satellite_epochs = 0;
@@ -171,7 +171,7 @@ void ScaleEpochs(int rounds) {
   }
 }
 
-/// 8 to 60 satellites an epoch, those below the horizon too so that there are enough.
+/// 8 to 60 satellites per epoch, including those below the horizon so that there are enough.
 void ScaleSatellites(int rounds) {
   for (const int satellites : {8, 16, 24, 32, 40, 50, 60}) {
     SkyOptions options = Sky1Hz(2880);

@@ -1,4 +1,4 @@
-// Reading observation files, without judging them: epochs and bytes a second of each form.
+// Reading observation files without checking them: epochs and bytes per second of each format.
 #include <benchmark/benchmark.h>
 
 #include <filesystem>

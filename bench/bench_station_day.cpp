@@ -1,4 +1,4 @@
-// The library over a whole station-day, and over its parts.
+// The library over a whole station-day, and its phases.
 #include <benchmark/benchmark.h>
 
 #include "bench/station_day.h"
@@ -42,7 +42,7 @@ void StationDayBatches(benchmark::State& state) {
 }
 BENCHMARK(StationDayBatches)->Arg(1)->Arg(120)->Unit(benchmark::kMillisecond);
 
-/// Creation and disposal of a handle nobody feeds.
+/// Creation and disposal of an unused handle.
 void CreateAndDispose(benchmark::State& state) {
   for (auto _ : state) {
     Process process;
@@ -62,7 +62,7 @@ void LoadDay(benchmark::State& state) {
 }
 BENCHMARK(LoadDay)->Unit(benchmark::kMillisecond);
 
-/// Taking the epochs in, without judging them.
+/// Ingesting the epochs, without measures.
 void IngestDay(benchmark::State& state) {
   const StationDay& day = Day();
   for (auto _ : state) {
@@ -81,7 +81,7 @@ void IngestDay(benchmark::State& state) {
 }
 BENCHMARK(IngestDay)->Unit(benchmark::kMillisecond);
 
-/// Both results of a day already judged.
+/// Both results of a day already processed.
 void BothResults(benchmark::State& state) {
   const StationDay& day = Day();
   Process process;
@@ -103,7 +103,7 @@ class Counter : public orsolva::QcDetailObserver {
   std::int64_t Pairs = 0;
 };
 
-/// The day once with a counting observer; its counters are what the others are divided by.
+/// The day once with a counting observer; the others are divided by its counters.
 void StationDayObserved(benchmark::State& state) {
   const StationDay& day = Day();
   Counter counter;

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Counts the instructions of small cases under callgrind and holds them against their budgets.
+"""Counts the instructions of small cases under callgrind and compares them with their budgets.
 
 usage: bench/check_instructions.py BUILD [--write]
 
@@ -20,16 +20,16 @@ import tempfile
 
 HERE = pathlib.Path(__file__).resolve().parent
 BUDGETS = HERE / "instruction_budgets.json"
-# The C library picks variants by processor; its plain ones make counts of different machines comparable.
+# The C library selects variants by processor; the plain ones make counts comparable between machines.
 PLAIN = {"GLIBC_TUNABLES": "glibc.cpu.hwcaps=-AVX,-AVX2,-AVX512F,-FMA,-FMA4,-ERMS"}
-MARGIN = 1.05  # other compilers and C libraries of one kind differ by less
+MARGIN = 1.05  # compilers and C libraries of one kind differ by less
 
 SHORT_SPAN, LONG_SPAN = "six-hours-120s", "two-days-120s"
-MOST_GROWTH = 1.08  # of the cost by satellite-epoch from the short span to the long one
+MOST_GROWTH = 1.08  # of the cost per satellite-epoch from the short span to the long one
 
 
 def instructions(build: pathlib.Path, case: str) -> tuple[int, int]:
-    """What a case takes, and how many satellite-epochs it judges."""
+    """Instructions and satellite-epochs of a case."""
     with tempfile.TemporaryDirectory() as folder:
         command = [
             "valgrind", "--tool=callgrind", "--toggle-collect=CountedRun*",

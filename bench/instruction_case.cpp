@@ -17,11 +17,11 @@ struct Case {
   const char* Name;
   double Interval;  // s
   int Epochs;
-  int Batch;  // epochs a call
+  int Batch;  // epochs per call
   bool PositionGiven;
 };
 
-// The two spans differ in nothing but their length: what they cost by satellite-epoch is compared.
+// The two spans differ only in length: their costs per satellite-epoch are compared.
 constexpr Case kCases[] = {
     {"empty", 30.0, 1, 120, true},
     {"hour-30s", 30.0, 120, 120, true},
@@ -39,8 +39,8 @@ orsolva_test::SkyOptions Options(const Case& chosen) {
   return options;
 }
 
-/// What is counted starts and ends with this function; its name is known to the script.
-/// @param batch  epochs a call
+/// Counting starts and ends with this function; the script refers to it by name.
+/// @param batch  epochs per call
 extern "C" __attribute__((noinline)) void CountedRun(const SimulatedSky& sky, const config_qct& config,
                                                      int batch) {
   Process process;

@@ -9,7 +9,7 @@
 
 namespace orsolva_bench {
 
-/// MB now.
+/// Current, in MB.
 inline double ResidentMb() {
   std::ifstream statm("/proc/self/statm");
   double pages = 0.0, resident = 0.0;
@@ -17,7 +17,7 @@ inline double ResidentMb() {
   return resident * static_cast<double>(sysconf(_SC_PAGESIZE)) / 1e6;
 }
 
-/// MB at most so far.
+/// Peak so far, in MB.
 inline double PeakMb() {
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Draws what a run costs against its epochs and its satellites.
+"""Plots the cost of a run against its epochs and its satellites.
 
 usage: bench/plot_scaling.py BUILD [--rounds N] [--output FILE]
 
@@ -22,7 +22,7 @@ ROW = re.compile(r"(?:hours|satellites)\s+(\d+):\s+([\d.]+) ms,\s+(\d+) ns")
 
 
 def measured(build, what, rounds):
-    """Rows of value, ms and ns a satellite-epoch."""
+    """Rows of value, ms and ns per satellite-epoch."""
     command = [build / "bin" / "bench_long_runs", what, str(rounds)]
     text = subprocess.run(command, capture_output=True, text=True, check=True).stdout
     print(text, end="")

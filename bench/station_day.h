@@ -17,7 +17,7 @@ struct StationDay {
   orsolva_test::NavigationSet Navigation;
   std::vector<ObsEpoch_QC_gbt> Epochs;
 
-  /// Satellites observed at all epochs together.
+  /// Satellite-epochs: satellites summed over all epochs.
   std::int64_t SatelliteEpochs() const {
     std::int64_t sum = 0;
     for (const ObsEpoch_QC_gbt& epoch : Epochs) sum += epoch.sat_num;
@@ -25,7 +25,7 @@ struct StationDay {
   }
 };
 
-/// The day of a real station where the shared folder has it, else a simulated one.
+/// The day of a real station if the shared folder has it, otherwise a simulated one.
 inline const StationDay& Day() {
   static const StationDay day = [] {
     const auto folder = orsolva_test::SharedFolder() / "reference" / "whole-station-day";

@@ -68,7 +68,7 @@ void AddJudging(CLI::App& command, QcRequest& request, Texts& texts) {
       ->type_name("POSITION")
       ->take_last()
       ->default_str("spp");
-  command.add_option("--systems", texts.systems, "Systems to judge, letters out of GREJC")
+  command.add_option("--systems", texts.systems, "Systems to judge, letters from GREJC")
       ->check(Parsed(ParseSystems, s.systems))
       ->type_name("LETTERS")
       ->take_last()

@@ -76,10 +76,10 @@ std::string ParsePosition(const std::string& text, PositionChoice& position) {
 std::string ParseSystems(const std::string& text, std::string& systems) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     if (SystemSlot(text[i]) < 0 || text.find(text[i]) != i) {
-      return "'" + text + "' is no list of systems: give letters out of GREJC, each once";
+      return "'" + text + "' is no list of systems: give letters from GREJC, each once";
     }
   }
-  if (text.empty()) return "no system given: give letters out of GREJC";
+  if (text.empty()) return "no system given: give letters from GREJC";
   systems = text;
   return {};
 }

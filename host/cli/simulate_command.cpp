@@ -80,7 +80,7 @@ std::uint64_t SeedOf(const std::string& text) {
   const char* end = text.data() + text.size();
   const auto [stopped, error] = std::from_chars(text.data(), end, seed);
   const bool good = error == std::errc() && stopped == end;
-  Complain("--seed", good ? "" : "found \"" + text + "\", expected a whole number from 0 on");
+  Complain("--seed", good ? "" : "found \"" + text + "\", expected a non-negative integer");
   return seed;
 }
 
@@ -177,7 +177,7 @@ void AddSimulateCommand(CLI::App& app, int& exit_code) {
   command->add_option("--hours", s->hours, "Length of the span in hours")->type_name("HOURS");
   command->add_option("--interval", s->interval_s, "Interval in seconds, 0.1 to 60")->type_name("SECONDS");
   command->add_option("--position", s->position, "X,Y,Z of the receiver in metres")->type_name("X,Y,Z");
-  command->add_option("--systems", s->systems, "Systems, letters out of GREJC")->type_name("LETTERS");
+  command->add_option("--systems", s->systems, "Systems, letters from GREJC")->type_name("LETTERS");
   command->add_option("--station", s->station, "Station, nine characters of the file names")
       ->type_name("NAME");
   command->add_option("--cutoff", s->cutoff_deg, "Elevation below which nothing is tracked, degrees")

@@ -1,4 +1,4 @@
-// Where the bytes of a file go: plain, or compressed with gzip when the name ends in ".gz".
+// Destination of the bytes of a file: plain, or compressed with gzip when the name ends in ".gz".
 #ifndef ORSOLVA_OUTPUT_BYTE_SINK_H
 #define ORSOLVA_OUTPUT_BYTE_SINK_H
 
@@ -20,18 +20,18 @@ class ByteSink {
   virtual ~ByteSink() = default;
   /// @throws WriteError
   virtual void Write(const char* data, std::size_t size) = 0;
-  /// Must be called at the end; only then the file is whole. @throws WriteError
+  /// Must be called at the end; only then is the file complete. @throws WriteError
   virtual void Close() = 0;
 };
 
-/// @param name  what errors call the file when `path` is one that goes by another name later
+/// @param name  file name in errors, if `path` is renamed later
 /// @throws WriteError when the file cannot be opened
 std::unique_ptr<ByteSink> OpenSink(const std::string& path, const std::string& name = {});
 
-/// Makes a folder and those above it. @throws WriteError
+/// Creates a folder and its parents. @throws WriteError
 void MakeFolder(const std::string& folder);
 
-/// Collects in a text that outlives the sink.
+/// Collects the bytes in a string that outlives the sink.
 std::unique_ptr<ByteSink> TextSink(std::string& text);
 
 }  // namespace orsolva_host

@@ -10,7 +10,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The hidden names of what is being written, of all threads.
+/// The hidden names of the files being written, of all threads.
 struct Unfinished {
   std::mutex mutex;
   std::vector<std::string> names;
@@ -26,7 +26,7 @@ Unfinished& AllUnfinished() {
   return all;
 }
 
-/// The hidden name; the path itself for what cannot be renamed onto.
+/// The hidden name; the path itself if it is not a regular file.
 std::string PartOf(const std::string& path) {
   std::error_code ignored;
   const fs::path target(path);

@@ -1,4 +1,4 @@
-// Output files that are there whole or not at all.
+// Output files that are written atomically.
 #ifndef ORSOLVA_OUTPUT_WHOLE_FILE_H
 #define ORSOLVA_OUTPUT_WHOLE_FILE_H
 
@@ -12,10 +12,10 @@
 
 namespace orsolva_host {
 
-/// Files that appear together when all of them are written, and not at all when one fails.
+/// A set of files that appear together when all are written, or not at all when one fails.
 ///
 /// A file is written beside its target under a hidden name ".part-NAME", compressed with gzip when the name
-/// ends in ".gz". A target that is no regular file, such as /dev/stdout, is written straight.
+/// ends in ".gz". A target that is not a regular file, such as /dev/stdout, is written directly.
 class WholeFiles {
  public:
   WholeFiles() = default;
@@ -24,21 +24,21 @@ class WholeFiles {
   WholeFiles(const WholeFiles&) = delete;
   WholeFiles& operator=(const WholeFiles&) = delete;
 
-  /// Where the bytes of a file go; to be closed before Publish, and gone before this object. @throws
+  /// Begins a file; its sink must be closed before Publish and destroyed before this object. @throws
   /// WriteError
   std::unique_ptr<ByteSink> Begin(const std::string& path);
-  /// Gives every file its own name, in place of a file that stood there. @throws WriteError
+  /// Renames every file to its target, replacing any existing file. @throws WriteError
   void Publish();
 
  private:
-  std::vector<std::pair<std::string, std::string>> files_;  ///< hidden and own name
+  std::vector<std::pair<std::string, std::string>> files_;  ///< hidden name and target
 };
 
-/// Removes what is being written, for an end of the program that cannot wait for it. No file can be begun or
-/// published afterwards: whoever tries waits for that end.
+/// Removes the files being written, for an immediate exit of the program. No file can be begun or published
+/// afterwards: whoever tries waits for that exit.
 void RemoveUnfinishedFiles();
 
-/// One such file. Without Commit nothing stays.
+/// One such file. Without Commit nothing remains.
 class WholeFile {
  public:
   /// @throws WriteError
@@ -54,7 +54,7 @@ class WholeFile {
   std::unique_ptr<ByteSink> sink_;
 };
 
-/// Writes a file whole or not at all. @throws WriteError
+/// Writes a file atomically. @throws WriteError
 void WriteWholeFile(const std::string& path, std::string_view text);
 
 }  // namespace orsolva_host

@@ -1,6 +1,6 @@
-// What operating systems do differently, in one place: terminals, patterns of file names, the folder of
-// settings, standard streams, closed pipes and large memory. One source a system; the build takes the one of
-// its target.
+// Differences between operating systems, in one place: terminals, file name patterns, the settings folder,
+// standard streams, closed pipes and large memory. One source per system; the build selects that of its
+// target.
 #ifndef ORSOLVA_PLATFORM_PLATFORM_H
 #define ORSOLVA_PLATFORM_PLATFORM_H
 
@@ -12,34 +12,33 @@ namespace orsolva_host {
 
 enum class Stream { kOutput, kError };
 
-/// Whether a person sees what is written to the stream.
+/// Whether the stream is a terminal.
 bool IsTerminal(Stream stream);
 
-/// Columns of the terminal behind a stream; 0 when it is none.
+/// Columns of the terminal behind a stream; 0 if there is none.
 std::size_t TerminalWidth(Stream stream);
 
-/// The files a pattern with * and ? matches, in the order of their names; empty when it matches none. On
-/// POSIX systems [ ] stand for one of several characters and every part of the path may be a pattern; on
-/// Windows only the last part may.
+/// The files that match a pattern with * and ?, in the order of their names; empty if there are none. On
+/// POSIX systems [ ] match one of several characters and every part of the path may be a pattern; on Windows
+/// only the last part may.
 std::vector<std::string> FilesMatching(const std::string& pattern);
 
-/// The folder below which programs keep the user's settings; empty when the environment names none.
+/// The folder in which programs keep the user's settings; empty if the environment names none.
 std::string SettingsFolder();
 
-/// To be called first. The standard streams carry bytes as they are, and a terminal understands colours from
-/// now on. The places of streams that the caller has closed are taken, so that no file that is opened later
-/// gets their numbers and with them the report; reading or writing them stays an error.
+/// To be called first. Switches the standard streams to binary mode and enables colours on a terminal. The
+/// descriptors of streams that the caller has closed are occupied, so that no file opened later gets their
+/// numbers and with them the report; reading or writing them remains an error.
 void PrepareStreams();
 
-/// Writing to a closed pipe, or beyond the user's limit on the size of files, fails instead of ending the
-/// program.
+/// Makes writing to a closed pipe, or beyond the user's file size limit, fail instead of ending the program.
 void IgnoreSignalsOfWriting();
 
-/// To be called first. Memory that one file needed is kept for the next one: given back and taken anew, its
-/// pages would be filled with zeros again, and threads would wait for one another meanwhile.
+/// To be called first. Keeps the memory of one file for the next: if it were returned and allocated again,
+/// its pages would be zeroed again while threads wait for one another.
 void KeepFreedMemory();
 
-/// Asks for huge pages behind memory that begins and ends at such a page; nothing where there are none.
+/// Requests huge pages for memory aligned to such pages; does nothing where they are not available.
 inline constexpr std::size_t kHugePageBytes = std::size_t{1} << 21;
 void PreferHugePages(void* memory, std::size_t bytes);
 

@@ -46,7 +46,7 @@ std::string SettingsFolder() {
 void PrepareStreams() {
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (fcntl(stream, F_GETFD) != -1) continue;
-    // The lowest free number is this stream's. Its mode is the one nobody uses the stream with.
+    // The lowest free descriptor is this stream's. It is opened in the mode in which it is not used.
     if (open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY) != stream) return;
   }
 }
@@ -58,7 +58,7 @@ void IgnoreSignalsOfWriting() {
 
 void KeepFreedMemory() {
 #ifdef __GLIBC__
-  constexpr int kLargestFromHeap = 32 << 20;  // the most that the C library takes here
+  constexpr int kLargestFromHeap = 32 << 20;  // the largest value the C library accepts
   constexpr int kKept = 1 << 30;
   mallopt(M_MMAP_THRESHOLD, kLargestFromHeap);
   mallopt(M_TRIM_THRESHOLD, kKept);
@@ -67,7 +67,7 @@ void KeepFreedMemory() {
 
 void PreferHugePages(void* memory, std::size_t bytes) {
 #ifdef MADV_HUGEPAGE
-  // A refusal costs nothing but the page faults.
+  // If refused, only page faults are lost.
   static_cast<void>(madvise(memory, bytes, MADV_HUGEPAGE));
 #else
   static_cast<void>(memory), static_cast<void>(bytes);

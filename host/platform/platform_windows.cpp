@@ -1,4 +1,4 @@
-// The headers of Windows come first and alone: what they define as macros is undone by nothing.
+// The Windows headers come first and are confined to this file: their macros cannot be undone.
 #define NOMINMAX
 #define WIN32_LEAN_AND_MEAN
 #include <fcntl.h>
@@ -68,7 +68,7 @@ void PrepareStreams() {
   }
 }
 
-// Such writes fail here in any case.
+// Such writes fail on Windows anyway.
 void IgnoreSignalsOfWriting() {}
 
 void KeepFreedMemory() {}

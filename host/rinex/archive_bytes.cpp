@@ -42,7 +42,7 @@ class Archive : public ByteSource {
     }
     if (count == 0) {
       ended_ = true;
-      if (NextFile()) diagnostics_.Add(name_, 0, "an archive of several files; the first is read", false);
+      if (NextFile()) diagnostics_.Add(name_, 0, "archive of several files; only the first is read", false);
     }
     return static_cast<std::size_t>(count);
   }
@@ -54,7 +54,7 @@ class Archive : public ByteSource {
     void operator()(archive* a) const { archive_read_free(a); }
   };
 
-  // An exception may not pass through the C library; it waits until the library has returned.
+  // An exception must not pass through the C library; it is held until the library has returned.
   static la_ssize_t Refill(archive* /*unused*/, void* self_pointer, const void** data) {
     auto* const self = static_cast<Archive*>(self_pointer);
     *data = self->input_.data();
@@ -74,10 +74,10 @@ class Archive : public ByteSource {
     const bool open = archive_read_open(archive_.get(), this, nullptr, Refill, nullptr) == ARCHIVE_OK;
     CheckSource();
     if (!open) return End("damaged or truncated compressed data");
-    if (!NextFile() && !ended_) End("an archive without a file");
+    if (!NextFile() && !ended_) End("an archive without files");
   }
 
-  /// Goes on to the next regular file.
+  /// Advances to the next regular file.
   bool NextFile() {
     for (;;) {
       archive_entry* entry = nullptr;

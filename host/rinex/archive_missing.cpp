@@ -1,4 +1,4 @@
-// Stands in for archive_bytes.cpp in builds without libarchive.
+// Replaces archive_bytes.cpp in builds without libarchive.
 #include "host/rinex/byte_source.h"
 
 namespace orsolva_host {

@@ -6,7 +6,7 @@
 namespace orsolva_host {
 namespace {
 
-// More than any header has; the rest of a longer block follows as another one.
+// More than any header has; a longer block is split.
 constexpr std::size_t kMaxStrayLines = 10000;
 
 }  // namespace
@@ -42,7 +42,7 @@ void BodyBase::DropCutValue(std::string_view line, std::size_t first_column, std
   if (last >= count || !cells[last].present) return;
   if (line.size() >= first_column + last * kCellWidth + kValueWidth) return;
   cells[last] = Cell();
-  Notice("the last value of a file cut off inside it counts as missing");
+  Notice("last value of a truncated file treated as missing");
 }
 
 std::unique_ptr<ObservationBody> BodyOf(const ObservationHeader& header, LineReader& lines, std::string file,

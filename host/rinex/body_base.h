@@ -11,7 +11,7 @@
 
 namespace orsolva_host {
 
-/// Columns of a header line; what stands further right in an event's lines says nothing.
+/// Columns of a header line; anything further right in the lines of an event is ignored.
 constexpr std::size_t kRecordLine = 80;
 
 class BodyBase : public ObservationBody {
@@ -25,10 +25,10 @@ class BodyBase : public ObservationBody {
   }
 
   void Begin(const EpochLine& head, EpochBlock& epoch) const;
-  /// Takes the header line just read and those that follow it as an event of their own.
+  /// Turns the header line just read and those that follow into an event.
   void TakeStrayHeader(std::string_view line, EpochBlock& epoch);
 
-  /// The last value of a line that has no end may have lost digits; it counts as missing when it is shorter
+  /// The last value of an unterminated line may have lost digits; it is treated as missing when it is shorter
   /// than its field.
   void DropCutValue(std::string_view line, std::size_t first_column, std::size_t count, Cell* cells);
 

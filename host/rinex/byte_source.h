@@ -16,7 +16,7 @@ struct InputLimits {
   /// Bytes that a compressed file may expand to. Uncompressed files may have any size.
   std::uint64_t max_decompressed_bytes = std::uint64_t{8} << 30;
 
-  /// Different records that navigation files may hold together: those of all systems for months.
+  /// Different records that navigation files may contain in total: those of all systems for months.
   std::size_t max_records = 1000000;
 };
 
@@ -27,14 +27,14 @@ class ByteSource {
   virtual std::size_t Read(char* out, std::size_t size) = 0;
 };
 
-/// Opens a file ("-" is standard input) and unpacks gzip, compress (.Z), zip, bzip2, xz and zstd by the
-/// content, whatever the name says, also one in another. Of a zip archive the first file is read. Data that
-/// end early or are damaged give a notice, and what was decompressed before that is still delivered.
+/// Opens a file ("-" is standard input) and decompresses gzip, compress (.Z), zip, bzip2, xz and zstd, also
+/// nested, detected from the content and not the name. Of a zip archive the first file is read. Truncated or
+/// damaged data give a notice, and what was decompressed before that is still delivered.
 /// @throws FileError when the file cannot be opened; reading throws it when the limit is reached
 std::unique_ptr<ByteSource> OpenBytes(const std::string& path, Diagnostics& diagnostics,
                                       const InputLimits& limits = {});
 
-/// Unpacks a source as OpenBytes does. @param name  what notices call the data
+/// Decompresses a source as OpenBytes does. @param name  file name in notices
 std::unique_ptr<ByteSource> DecompressedBytes(std::unique_ptr<ByteSource> source, const std::string& name,
                                               Diagnostics& diagnostics, const InputLimits& limits = {});
 
@@ -47,7 +47,7 @@ std::unique_ptr<ByteSource> GunzipBytes(std::unique_ptr<ByteSource> compressed, 
 
 enum class Compression { kNone, kGzip, kFilter, kZip };
 
-/// Unpacks data of a compression filter (compress, bzip2, xz, zstd) or the first file of a zip archive.
+/// Decompresses data of a compression filter (compress, bzip2, xz, zstd) or the first file of a zip archive.
 std::unique_ptr<ByteSource> ArchiveBytes(std::unique_ptr<ByteSource> compressed, Compression compression,
                                          std::string name, Diagnostics& diagnostics);
 

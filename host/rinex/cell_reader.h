@@ -1,4 +1,4 @@
-// Cells of plain files: a value in 14 columns and two marks.
+// Cells of plain files: a value in 14 columns and two flags.
 #ifndef ORSOLVA_RINEX_CELL_READER_H
 #define ORSOLVA_RINEX_CELL_READER_H
 
@@ -10,8 +10,8 @@
 
 namespace orsolva_host {
 
-/// Reads the cell that begins at a column; it is absent where the line ends before.
-/// @return false when the value is no number
+/// Reads the cell that begins at a column; it is absent if the line ends before it.
+/// @return false when the value is not a number
 inline bool ReadCell(std::string_view line, std::size_t column, Cell& cell) {
   cell = Cell();
   if (column >= line.size()) return true;

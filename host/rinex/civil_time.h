@@ -1,4 +1,4 @@
-// Calendar times and Time_gbt. The calendar is taken as it stands: no time scale, no leap seconds.
+// Calendar times and Time_gbt. Calendar only: no time scales, no leap seconds.
 #ifndef ORSOLVA_RINEX_CIVIL_TIME_H
 #define ORSOLVA_RINEX_CIVIL_TIME_H
 
@@ -27,8 +27,8 @@ std::int64_t DaysFromCivil(int year, int month, int day);
 Time_gbt ToTime(const CivilTime& civil);
 CivilTime ToCivil(const Time_gbt& time);
 
-/// Reads whole years (four digits), months, days, hours, minutes and seconds with a fraction from their
-/// fields. @return false when a field is no number or out of its range (years 1900 to 2199)
+/// Reads years (four digits), months, days, hours, minutes and seconds with a fraction from their fields.
+/// @return false when a field is not a number or out of range (years 1900 to 2199)
 bool ParseCivil(std::string_view year, std::string_view month, std::string_view day, std::string_view hour,
                 std::string_view minute, std::string_view second, CivilTime& civil);
 

@@ -1,10 +1,10 @@
 // Epochs of Hatanaka-compressed files: CRINEX 1 for RINEX 2, CRINEX 3 for RINEX 3 and 4.
 //
-// The epoch line is kept as text and each later one gives only the changed characters, '&' for a blank.
-// Every value is a whole number of thousandths and is sent as the difference of order k to the epochs
-// before, the order growing by one an epoch up to the arc's order: "3&23818653240" begins an arc of order 3.
-// The marks of a satellite's values follow its values, again as changed characters. The forms differ in the
-// epoch line: where the satellites stand and which character begins a full one.
+// The epoch line is kept as text and each later one contains only the changed characters, '&' for a blank.
+// Every value is an integer number of thousandths and is stored as the difference of order k to the previous
+// epochs, the order growing by one per epoch up to the order of the arc: "3&23818653240" begins an arc of
+// order 3. The flags of a satellite's values follow the values, again as changed characters. The two versions
+// differ in the epoch line: the column of the satellites and the character that begins a full line.
 // Source: Hatanaka 2008, Bulletin of the Geospatial Information Authority of Japan 55.
 #include <algorithm>
 #include <array>
@@ -44,10 +44,10 @@ class Arc {
   void End() { reached_ = -1; }
   bool Open() const { return reached_ >= 0; }
 
-  /// Takes the difference of the next order (or of the highest) and returns the value.
+  /// Adds the difference of the next order (or of the highest) and returns the value.
   std::int64_t Continue(std::int64_t difference) {
     if (reached_ < limit_) ++reached_;
-    // Sums of damaged files may wrap, which must stay defined.
+    // Sums of damaged files may overflow; unsigned arithmetic keeps that defined.
     auto sum = static_cast<std::uint64_t>(difference);
     for (int i = reached_; i > 0; --i) {
       const std::uint64_t next = sum + static_cast<std::uint64_t>(differences_[i - 1]);
@@ -67,7 +67,7 @@ class Arc {
 struct SatelliteState {
   std::vector<Arc> arcs;
   std::string marks;
-  long epoch = -1;  ///< the last epoch the satellite stood in
+  long epoch = -1;  ///< the last epoch that contained the satellite
 };
 
 /// Applies changed characters to a text.
@@ -78,11 +78,11 @@ void Repair(std::string& text, std::string_view changes) {
   }
 }
 
-/// A value as it is sent, up to the blank after it.
+/// An encoded value, up to the blank after it.
 struct Token {
   bool empty = true;
   bool good = true;
-  int order = -1;  ///< of an arc that begins here
+  int order = -1;  ///< of an arc that begins here, else -1
   std::int64_t number = 0;
 };
 
@@ -137,7 +137,7 @@ class Crinex : public BodyBase {
   }
 
  private:
-  /// Finds the next epoch line. After damage only one that begins anew will do.
+  /// Finds the next epoch line. After damage only a full line is accepted.
   bool FindEpoch(std::string_view& line, EpochLine& head) {
     while (lines_.Next(line)) {
       const bool begins = !line.empty() && line[0] == form_.mark;
@@ -156,7 +156,7 @@ class Crinex : public BodyBase {
         Repair(text_, line);
       }
       if (form_.parse(text_, head) && HasSatellites(head)) return true;
-      Lose("an epoch line that cannot be read; the file is read on at the next full one");
+      Lose("unreadable epoch line; reading resumes at the next full one");
     }
     return false;
   }
@@ -173,13 +173,13 @@ class Crinex : public BodyBase {
 
   void Reset() {
     lost_ = true;
-    epoch_ += 2;  // no arc reaches over the damage
+    epoch_ += 2;  // no arc extends across the damage
   }
 
   void ReadRecords(int count, EpochBlock& epoch) {
     std::string_view line;
     for (int i = 0; i < count; ++i) {
-      if (!lines_.Next(line)) return Notice("the file ends inside an event");
+      if (!lines_.Next(line)) return Notice("the file ends within an event");
       epoch.records.emplace_back(line);
     }
   }
@@ -188,21 +188,21 @@ class Crinex : public BodyBase {
     ++epoch_;
     std::string_view line;
     if (!lines_.Next(line)) {
-      if (count > 0) Notice("the file ends inside an epoch");
+      if (count > 0) Notice("the file ends within an epoch");
       return;
     }
     TakeClockOffset(line, epoch);
     for (int i = 0; i < count; ++i) {
-      if (!lines_.Next(line)) return Notice("the file ends inside an epoch");
+      if (!lines_.Next(line)) return Notice("the file ends within an epoch");
       if (!line.empty() && line[0] == form_.mark) {
         lines_.PushBack();
-        return Lose("an epoch has fewer lines than it says");
+        return Lose("an epoch has fewer lines than declared");
       }
       SatelliteRow row;
       if (ReadName(static_cast<std::size_t>(i), row)) {
         TakeSatellite(line, types, row, epoch);
       } else {
-        Notice("a satellite of an epoch line cannot be read and is passed over");
+        Notice("unreadable satellite in an epoch line skipped");
       }
     }
   }
@@ -240,7 +240,7 @@ class Crinex : public BodyBase {
     for (std::size_t i = 0; i < row.cells; ++i) {
       Token token;
       p = ScanToken(p, end, token);
-      // A value that the end of the data ends may have lost digits.
+      // A value at the end of unterminated data may have lost digits.
       if (p == end && !token.empty && lines_.Unterminated()) token.good = false;
       TakeToken(token, state.arcs[i], cells[i]);
       if (p < end) ++p;
@@ -258,7 +258,7 @@ class Crinex : public BodyBase {
     }
   }
 
-  /// Form 1 keeps the marks of a missing value for the next one but does not give them out.
+  /// CRINEX 1 keeps the flags of a missing value for the next one but does not output them.
   static void ClearMarksOfMissing(std::size_t count, Cell* cells) {
     for (std::size_t i = 0; i < count; ++i) {
       if (!cells[i].present) cells[i] = Cell();
@@ -269,7 +269,7 @@ class Crinex : public BodyBase {
     if (token.empty) return arc.End();
     if (!token.good) {
       arc.End();
-      return Notice("a CRINEX value that is not a number counts as missing");
+      return Notice("CRINEX value that is not a number treated as missing");
     }
     std::int64_t number = token.number;
     if (token.order >= 0) {
@@ -277,7 +277,7 @@ class Crinex : public BodyBase {
     } else if (arc.Open()) {
       number = arc.Continue(number);
     } else {
-      return Notice("a difference without a value before it counts as missing");
+      return Notice("CRINEX difference without an initial value treated as missing");
     }
     cell.value = static_cast<double>(number) / kThousandths;
     cell.present = true;
@@ -287,7 +287,7 @@ class Crinex : public BodyBase {
   char blank_letter_;
   std::vector<SatelliteState> states_;
   Arc clock_;
-  std::string text_;  ///< the epoch line as it stands
+  std::string text_;  ///< the current epoch line, decoded
   long epoch_ = 0;
   bool lost_ = false;
 };

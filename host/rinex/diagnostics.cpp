@@ -10,7 +10,7 @@ void Diagnostics::Add(const std::string& file, long line, const std::string& tex
 
 void Diagnostics::AddIncomplete(const std::string& file, const std::string& what) {
   Add(file, 0, what, false);
-  if (!incomplete_) incomplete_.emplace(file, 0, what, "whole data", "Fetch the file again.");
+  if (!incomplete_) incomplete_.emplace(file, 0, what, "complete data", "Download the file again.");
 }
 
 std::size_t Diagnostics::AddKind(const std::string& file, long line, const std::string& text,

@@ -1,4 +1,4 @@
-// What readers say about a file: notices about repaired oddities, and the error that ends reading.
+// Diagnostics of the readers: notices about repaired defects, and the error that ends reading.
 #ifndef ORSOLVA_RINEX_DIAGNOSTICS_H
 #define ORSOLVA_RINEX_DIAGNOSTICS_H
 
@@ -12,10 +12,10 @@
 
 namespace orsolva_host {
 
-/// A file that cannot be read on: where, what was found, what was expected and what the user can do.
+/// Reading cannot continue: where, what was found, what was expected and what the user can do.
 class FileError : public std::runtime_error {
  public:
-  /// @param line  1-based, 0 when the file as a whole is meant
+  /// @param line  1-based, 0 for the file as a whole
   FileError(std::string file, long line, std::string found, std::string expected, std::string advice);
 
   const std::string& File() const { return file_; }
@@ -32,41 +32,41 @@ class FileError : public std::runtime_error {
   std::string advice_;
 };
 
-/// One kind of oddity in one file. The place is that of its first case.
+/// One kind of defect in one file, located at its first occurrence.
 struct Notice {
   std::string file;
-  long line = 0;  ///< 1-based; 0 when no line is meant
+  long line = 0;  ///< 1-based; 0 for none
   std::string text;
   long count = 0;
-  bool recovered = true;  ///< false when data were lost by it
+  bool recovered = true;  ///< false when data were lost
 };
 
 /// The notices of a run, grouped by file and text, in order of first appearance.
 ///
-/// At most kMaxKinds kinds are kept; cases of further kinds are only counted, so that a damaged file cannot
-/// fill the memory with its own text.
+/// At most kMaxKinds kinds are kept; any further ones are only counted, so that a damaged file cannot fill
+/// the memory with its own text.
 class Diagnostics {
  public:
   static constexpr std::size_t kMaxKinds = 200;
 
   void Add(const std::string& file, long line, const std::string& text, bool recovered = true);
 
-  /// Adds like Add. @return the place of the kind, for further cases by Again
+  /// Like Add. @return the index of the kind, for further occurrences by Again
   std::size_t AddKind(const std::string& file, long line, const std::string& text, bool recovered = true);
   /// Compressed data of which only a part could be decompressed: a notice, and the error that the run ends
   /// with.
   void AddIncomplete(const std::string& file, const std::string& what);
-  /// Counts further cases of a kind, without its text: for oddities that come by the thousand.
+  /// Counts further occurrences of a kind, without its text: for defects that occur by the thousand.
   void Again(std::size_t kind, long cases = 1);
-  /// Adds all of another run of a reader, as if it had told them here.
+  /// Adds all notices of another instance, as if they had been added here.
   void Append(const Diagnostics& other);
 
   const std::vector<Notice>& Notices() const { return notices_; }
   /// The first file of which only a part could be decompressed.
   const std::optional<FileError>& Incomplete() const { return incomplete_; }
-  /// Cases of kinds beyond the kept ones.
+  /// Occurrences of kinds that were not kept.
   long Uncounted() const { return uncounted_; }
-  /// Cases of all kinds.
+  /// Occurrences of all kinds.
   long Total() const { return total_; }
 
  private:
@@ -77,10 +77,10 @@ class Diagnostics {
   long total_ = 0;
 };
 
-/// A file's text without control characters, which could command a terminal: '?' stands for each.
+/// Text of a file with control characters, which could command a terminal, replaced by '?'.
 std::string Printable(std::string_view text);
 
-/// A piece of a file's text fit for a message: at most 40 characters, others than printable ASCII as '?'.
+/// An excerpt of a file for a message: at most 40 characters, all but printable ASCII replaced by '?'.
 std::string Quoted(const std::string& text);
 
 }  // namespace orsolva_host

@@ -8,7 +8,7 @@ namespace {
 
 bool IsBlank(std::string_view text) { return Trimmed(text).empty(); }
 
-/// Blanks where the form has them, and a point in the seconds. Lines of values fail here at once.
+/// Blanks where the format has them, and a point in the seconds. Lines of values fail here at once.
 bool HasFormOfVersion2(std::string_view line) {
   if (line.size() < 29) return false;
   for (const std::size_t column : {0U, 3U, 6U, 9U, 12U, 26U, 27U}) {

@@ -20,11 +20,11 @@ struct EpochLine {
   double clock_offset_s = std::numeric_limits<double>::quiet_NaN();  ///< of the receiver; NaN: not given
 };
 
-/// Of RINEX 3 and 4. @return false when the line is no epoch line; an event may lack its time
+/// Of RINEX 3 and 4. @return false when the line is not an epoch line; an event may lack its time
 bool ParseEpochLine(std::string_view line, EpochLine& epoch);
 
-/// Of RINEX 2, where years 80 to 99 are of the 20th century.
-/// @return false when the line is no epoch line; an event may lack its time
+/// Of RINEX 2, where years 80 to 99 are in the 20th century.
+/// @return false when the line is not an epoch line; an event may lack its time
 bool ParseEpochLine2(std::string_view line, EpochLine& epoch);
 
 /// The receiver clock offset in a field of an epoch line (plain files). @return NaN when there is none

@@ -1,4 +1,4 @@
-// What the name of a RINEX file says.
+// RINEX file names.
 #ifndef ORSOLVA_RINEX_FILE_NAMES_H
 #define ORSOLVA_RINEX_FILE_NAMES_H
 

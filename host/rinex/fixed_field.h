@@ -1,4 +1,4 @@
-// The fields observation values stand in (F14.3), read eight characters at a time.
+// The fields of observation values (F14.3), read eight characters at a time.
 #ifndef ORSOLVA_RINEX_FIXED_FIELD_H
 #define ORSOLVA_RINEX_FIXED_FIELD_H
 
@@ -29,7 +29,7 @@ inline bool AllDigits(std::uint64_t word) {
   return (word & kHighHalves) == 0x30 * kEach && (above_nine & kHighHalves) == 0x30 * kEach;
 }
 
-/// The number eight digits write, the first character in the lowest byte: pairs, fours, then all eight.
+/// The number written by eight digits, the first character in the lowest byte: pairs, fours, then all eight.
 inline std::uint64_t EightDigits(std::uint64_t word) {
   word = (word & 0x0F * kEach) * (10 * 256 + 1) >> 8;
   word = (word & 0x00FF00FF00FF00FFULL) * (100 * 65536 + 1) >> 16;
@@ -46,8 +46,8 @@ inline bool IsBlankValue(const char* p) {
   return EightCharacters(p) == kEightBlanks && EightCharacters(p + 6) == kEightBlanks;
 }
 
-/// Reads 14 characters that hold blanks, an optional minus, digits up to column 10, a point and three digits.
-/// The result is the double nearest to the decimal. @return false when the field looks otherwise
+/// Reads 14 characters: blanks, an optional minus, digits up to column 10, a point and three digits. The
+/// result is the double nearest to the decimal. @return false when the field has another form
 inline bool ParseValueFast(const char* p, double& value) {
   using namespace fixed_field;
   static_assert(std::endian::native == std::endian::little, "the characters are taken in this order");
@@ -56,7 +56,7 @@ inline bool ParseValueFast(const char* p, double& value) {
     return false;
   }
   std::uint64_t word = EightCharacters(p);
-  // Blanks may only lead. The lowest byte that is no blank ends them.
+  // Blanks may only lead. The lowest nonblank byte ends them.
   const std::uint64_t others = word ^ kEightBlanks;
   const int blanks = others == 0 ? 8 : std::countr_zero(others) / 8;
   bool negative = false;

@@ -1,4 +1,4 @@
-// Labels of header lines, to tell such lines where they stand among the observations.
+// Labels of header lines, to recognise such lines among the observations.
 #ifndef ORSOLVA_RINEX_HEADER_LABELS_H
 #define ORSOLVA_RINEX_HEADER_LABELS_H
 

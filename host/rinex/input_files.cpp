@@ -18,7 +18,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::int64_t kDay_s = 86400;
-// Broadcast records are of use for some hours; a neighbouring day's file may still reach into the data.
+// Broadcast records are valid for some hours; the file of an adjacent day may still cover part of the data.
 constexpr std::int64_t kFarthest_days = 1;
 
 bool IsFolder(const std::string& path) {
@@ -58,7 +58,7 @@ FileKind KindOfContent(const std::string& path) {
 
 std::int64_t DayOf(const Time_gbt& time) { return time.time / kDay_s - (time.time % kDay_s < 0 ? 1 : 0); }
 
-/// How near a station's files are to the observations of another or the same one.
+/// How well the files of a station suit the observations of another or the same one; 0 is best.
 int StationRank(const std::string& station, const std::string& wanted) {
   if (!wanted.empty() && station.substr(0, 4) == wanted.substr(0, 4)) return 0;
   return station.substr(0, 3) == "BRD" ? 1 : 2;
@@ -73,7 +73,7 @@ FileKind KindOfFile(const std::string& path) {
 
 InputFiles SortInputs(const std::vector<std::string>& paths) {
   InputFiles inputs;
-  std::set<std::string> met;
+  std::set<std::string> seen;
   const auto add = [&inputs](const std::string& file, FileKind kind) {
     (kind == FileKind::kObservation  ? inputs.observations
      : kind == FileKind::kNavigation ? inputs.navigation
@@ -87,7 +87,7 @@ InputFiles SortInputs(const std::vector<std::string>& paths) {
     }
     for (const std::string& file : FilesOf(path)) {
       const auto name = ParseRinexName(fs::path(file).filename().string());
-      if (name && !met.insert(path + "/" + name->whole).second) continue;
+      if (name && !seen.insert(path + "/" + name->whole).second) continue;
       add(file, KindOfFile(file));
     }
   }
@@ -118,7 +118,7 @@ std::vector<std::string> NavigationBeside(const std::string& observation_file, c
   const std::string station = own ? own->station : std::string();
   const std::int64_t day = DayOf(first_epoch);
 
-  // Distance in days, kind of station and station; the smallest has the files wanted.
+  // Distance in days, rank of the station and station; the smallest key has the files wanted.
   std::map<std::tuple<std::int64_t, int, std::string>, std::map<std::string, std::string>> found;
   for (const std::string& file : FilesOf(path.has_parent_path() ? path.parent_path() : fs::path("."))) {
     const auto name = ParseRinexName(fs::path(file).filename().string());

@@ -11,8 +11,8 @@
 
 namespace orsolva_host {
 
-/// Gives the lines of a source one after another, without their ends: "\n", "\r\n" or the end of the data.
-/// A line longer than kLongestLine comes in pieces, so that memory stays bounded on data without lines.
+/// Returns the lines of a source one after another, without their terminators: "\n", "\r\n" or the end of the
+/// data. A line longer than kLongestLine is split, so that memory stays bounded on data without lines.
 class LineReader {
  public:
   static constexpr std::size_t kLongestLine = 1U << 18;
@@ -22,11 +22,11 @@ class LineReader {
   /// @param line  valid until the next call
   /// @return false at the end of the data
   bool Next(std::string_view& line);
-  /// Makes the next call of Next give the same line again.
+  /// Makes the next call of Next return the same line again.
   void PushBack() { again_ = true; }
-  /// Whether the line given last was ended by the end of the data.
+  /// Whether the last line was terminated by the end of the data.
   bool Unterminated() const { return unterminated_; }
-  /// Number of the line given last, 1-based; 0 before the first.
+  /// Number of the last line, 1-based; 0 before the first.
   long Line() const { return number_; }
 
  private:

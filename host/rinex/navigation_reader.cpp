@@ -34,8 +34,8 @@ bool IsTakenMessage(std::string_view message) {
          message == "D1" || message == "D2";
 }
 
-/// Lines that a usable record has after its epoch line. The last orbit line holds only the time of
-/// transmission and spare values, so a record without it is whole.
+/// Lines that a usable record has after its epoch line. The last orbit line contains only the time of
+/// transmission and spare values, so a record without it is complete.
 int LinesNeeded(char letter) { return IsStateVector(letter) ? kGlonassLines : kOrbitLines - 1; }
 
 /// Systems beyond the library's whose records are kept as plain data.
@@ -66,21 +66,21 @@ NavigationSet NavigationReader::Take() const {
 void NavigationReader::ReadHeader(LineReader& lines) {
   std::string_view line;
   if (!lines.Next(line)) {
-    throw FileError(name_, 0, "an empty file", "a line RINEX VERSION / TYPE",
+    throw FileError(name_, 0, "an empty file", "a RINEX VERSION / TYPE line",
                     "Name a RINEX navigation file.");
   }
   CheckVersion(line, lines.Line());
   while (lines.Next(line)) {
     if (HeaderLabel(line) == "END OF HEADER") return;
   }
-  throw FileError(name_, lines.Line(), "no END OF HEADER", "it before the first record",
-                  "The file is cut off or damaged; fetch it again.");
+  throw FileError(name_, lines.Line(), "no END OF HEADER", "one before the first record",
+                  "The file is truncated or damaged; download it again.");
 }
 
 void NavigationReader::CheckVersion(std::string_view line, long number) {
   if (HeaderLabel(line) != "RINEX VERSION / TYPE" ||
       ParseDecimal(Field(line, 0, 9), version_) != FieldState::kNumber) {
-    throw FileError(name_, number, Quoted(std::string(line)), "a line RINEX VERSION / TYPE",
+    throw FileError(name_, number, Quoted(std::string(line)), "a RINEX VERSION / TYPE line",
                     "Name a RINEX navigation file.");
   }
   const std::string_view type = Field(line, 20, 1);
@@ -97,12 +97,12 @@ void NavigationReader::CheckVersion(std::string_view line, long number) {
                       : version_ < 4 ? kLastKnownVersion3
                                      : kLastKnownVersion4;
   if (version_ > last + 0.001) {
-    Notice(number, "the version is later than those known; read as the last known", true);
+    Notice(number, "the version is newer than any supported; read as the latest supported", true);
   }
   ChooseSystem(line);
 }
 
-// Navigation files of RINEX 2 are of one system, told by the file type: N GPS, G GLONASS, H geostationary
+// Navigation files of RINEX 2 are of one system, given by the file type: N GPS, G GLONASS, H geostationary
 // (RINEX 2.11, section 8). Programs also write L or E for Galileo, C for BDS and J for QZSS, or N with the
 // system's letter in column 41.
 void NavigationReader::ChooseSystem(std::string_view line) {
@@ -124,7 +124,7 @@ void NavigationReader::ReadRecords(LineReader& lines) {
       if (open_) {
         AddLine(line, number);
       } else if (!skipped_) {
-        Notice(number, "lines that belong to no record are passed over", false);
+        Notice(number, "lines that belong to no record skipped", false);
       }
     } else if (FinishRecord(); line[0] == '>') {
       skipped_ = !TakeMessageLine(line, number);
@@ -136,18 +136,18 @@ void NavigationReader::ReadRecords(LineReader& lines) {
   FinishRecord();
 }
 
-/// Files that were joined have their headers among the records.
+/// Concatenated files have headers among the records.
 void NavigationReader::TakeHeaderLine(std::string_view line, long number) {
   const std::string_view label = HeaderLabel(line);
-  if (label == "COMMENT") return Notice(number, "comments among the records are passed over", true);
+  if (label == "COMMENT") return Notice(number, "comments among the records skipped", true);
   FinishRecord();
   skipped_ = false;
   if (label != "RINEX VERSION / TYPE") return;
-  Notice(number, "a second header; its version holds from there on", true);
+  Notice(number, "second header; its version applies from there on", true);
   CheckVersion(line, number);
 }
 
-/// "> EPH G02 LNAV". @return whether the record that follows is taken
+/// "> EPH G02 LNAV". @return whether the record that follows is used
 bool NavigationReader::TakeMessageLine(std::string_view line, long number) {
   const std::string_view kind = Trimmed(Field(line, 2, 3));
   message_ = Trimmed(Field(line, 10, 4));
@@ -163,7 +163,7 @@ bool NavigationReader::BeginRecord(std::string_view line, long number) {
   const bool known = version_ < 3 ? ParseRecordLine2(line, system_, record_, columns_)
                                   : ParseRecordLine(line, record_, columns_);
   if (!known) {
-    Notice(number, "a record whose first line cannot be read is passed over", false);
+    Notice(number, "record with an unreadable first line skipped", false);
     return false;
   }
   foreign_ = IsForeign(number);
@@ -184,7 +184,7 @@ bool NavigationReader::IsForeign(long number) {
     return true;
   }
   if (record_.number <= kSystemTable[slot].satellites) return false;
-  Notice(number, "satellite " + SatelliteName(record_.letter, record_.number) + " is not judged", true);
+  Notice(number, "satellite " + SatelliteName(record_.letter, record_.number) + "is not supported", true);
   return true;
 }
 
@@ -202,7 +202,7 @@ double NavigationReader::Number(std::string_view field, long number) {
   double value = 0;
   if (ParseDecimal(field, value) == FieldState::kBad) {
     bad_ = true;
-    if (!foreign_) Notice(number, "a record with a value that is no number is passed over", false);
+    if (!foreign_) Notice(number, "record with a value that is not a number skipped", false);
   }
   return value;
 }
@@ -212,20 +212,20 @@ void NavigationReader::FinishRecord() {
   open_ = false;
   if (bad_) return;
   if (record_.lines < LinesNeeded(record_.letter)) {
-    if (!foreign_) Notice(record_.line, "a record with too few lines is passed over", false);
+    if (!foreign_) Notice(record_.line, "record with too few lines skipped", false);
     return;
   }
   RepairWeek();
   CheckCount();
-  if (!met_.insert(record_).second) {
-    Notice(record_.line, "records that stand twice are taken once", true);
+  if (!seen_.insert(record_).second) {
+    Notice(record_.line, "duplicate records; each is used once", true);
   } else if (AddBroadcast(record_, message_, broadcast_); !foreign_ && !Convert()) {
-    Notice(record_.line, "a record with a whole number out of range is passed over", false);
+    Notice(record_.line, "record with an integer out of range skipped", false);
   }
 }
 
-/// Ten bits count the week over the air, and some programs write them as they are, or count Galileo's weeks
-/// from its own beginning.
+/// The week is broadcast in ten bits, and some programs write it as it is, or count Galileo weeks from their
+/// own origin.
 void NavigationReader::RepairWeek() {
   if (record_.letter != 'G' && record_.letter != 'J' && record_.letter != 'E') return;
   double& week = record_.v[kWeekValue];
@@ -235,12 +235,12 @@ void NavigationReader::RepairWeek() {
   const std::int64_t turns = (behind + kWeeksOfTenBits / 2) / kWeeksOfTenBits;
   if (turns < 1 || std::abs(behind - turns * kWeeksOfTenBits) > 1) return;
   week += static_cast<double>(turns * kWeeksOfTenBits);
-  Notice(record_.line, "weeks counted from a later beginning than GPS time's are made whole", true);
+  Notice(record_.line, "week numbers corrected for rollover", true);
 }
 
 void NavigationReader::CheckCount() const {
-  if (met_.size() < options_.limits.max_records) return;
-  throw FileError(name_, record_.line, "more than " + std::to_string(met_.size()) + " different records",
+  if (seen_.size() < options_.limits.max_records) return;
+  throw FileError(name_, record_.line, "more than " + std::to_string(seen_.size()) + " different records",
                   "fewer", "Name the files of the day alone, or raise the limit with --max-size.");
 }
 

@@ -25,11 +25,11 @@ struct NavigationOptions {
 
 /// Collects the records of RINEX 2, 3 and 4 navigation files, mixed or of one system, compressed or not.
 ///
-/// Reference times are seconds since 1970-01-01 with the calendar as it stands in the file: GPS, Galileo and
-/// QZSS time, BDS time, and UTC for GLONASS. Weeks and seconds of week are the file's, but that a GPS, QZSS
-/// or Galileo week counted from a later beginning (a multiple of 1,024 weeks) is made whole. Of RINEX 4 the
-/// EPH records LNAV, FDMA, INAV, FNAV, D1 and D2 are taken; all others are counted and left out. A
-/// record that was met before is left out.
+/// Reference times are seconds since 1970-01-01 in the calendar of the file: GPS, Galileo and QZSS time, BDS
+/// time, and UTC for GLONASS. Weeks and seconds of week are those of the file, except that a GPS, QZSS or
+/// Galileo week that has rolled over (less by a multiple of 1,024) is corrected. Of RINEX 4 the EPH records
+/// LNAV, FDMA, INAV, FNAV, D1 and D2 are used; all others are counted and ignored. Duplicate records are used
+/// once.
 class NavigationReader {
  public:
   explicit NavigationReader(Diagnostics& diagnostics, const NavigationOptions& options = {})
@@ -39,13 +39,14 @@ class NavigationReader {
   void Read(const std::string& path);
   void Read(std::unique_ptr<ByteSource> source, const std::string& name);
 
-  /// Files read, in their order.
+  /// Files read, in order.
   const std::vector<std::string>& Files() const { return files_; }
 
   /// Everything read so far, with Galileo I/NAV preferred over F/NAV.
   NavigationSet Take() const;
 
-  /// The same records as plain data, also those of systems and satellites that the library does not know.
+  /// The same records as plain data, including those of systems and satellites that the library does not
+  /// know.
   const BroadcastRecords& Broadcast() const { return broadcast_; }
 
  private:
@@ -84,14 +85,14 @@ class NavigationReader {
   NavigationRecord record_;
   NavigationColumns columns_;
   bool open_ = false;     ///< a record is being read
-  bool bad_ = false;      ///< the record at hand holds a value that is no number
-  bool skipped_ = false;  ///< the record at hand is of no use
+  bool bad_ = false;      ///< the current record has a value that is not a number
+  bool skipped_ = false;  ///< the current record is not used
   bool foreign_ = false;  ///< the record at hand is of a satellite that the library does not know
   std::string message_;   ///< RINEX 4 message type, such as "INAV"
   NavigationSet set_;     ///< without Galileo
   BroadcastRecords broadcast_;
   std::vector<GalileoRecord> galileo_;
-  std::unordered_set<NavigationRecord, SameSatellite, SameValues> met_;
+  std::unordered_set<NavigationRecord, SameSatellite, SameValues> seen_;
 };
 
 }  // namespace orsolva_host

@@ -1,4 +1,4 @@
-// One record of a navigation file: its numbers as they stand, and the library's records made from them.
+// One record of a navigation file: its numbers as read, and the library's records made from them.
 #ifndef ORSOLVA_RINEX_NAVIGATION_RECORDS_H
 #define ORSOLVA_RINEX_NAVIGATION_RECORDS_H
 
@@ -9,8 +9,8 @@
 
 namespace orsolva_host {
 
-/// The numbers of a record in the order of RINEX 3.05, tables A6 to A14: v[0] to v[2] stand on the epoch
-/// line, each line after it holds four. A blank field is 0.
+/// The numbers of a record in the order of RINEX 3.05, tables A6 to A14: v[0] to v[2] are on the epoch
+/// line, each line after it has four. A blank field is 0.
 struct NavigationRecord {
   static constexpr std::size_t kMaxValues = 3 + 4 * 9;
 
@@ -22,11 +22,11 @@ struct NavigationRecord {
   long line = 0;  ///< where the record begins
 };
 
-// Each of these gives false when a whole number of the record lies out of the range of its field.
+// Each of these returns false when an integer of the record is out of the range of its field.
 
 /// GPS and QZSS.
 bool ToGps(const NavigationRecord& record, GpsEph_gbt& eph);
-/// Channel numbers above 127, which some files hold instead of negative ones, count down from 256.
+/// Channel numbers above 127, which some files contain instead of negative ones, count down from 256.
 bool ToGlonass(const NavigationRecord& record, GloEph_gbt& eph);
 bool ToBds(const NavigationRecord& record, BdsEph_gbt& eph);
 /// @param data_sources  RINEX bits, see GalileoRecord

@@ -32,7 +32,7 @@ TimesOfSatellites InavTimes(const std::vector<GalileoRecord>& records) {
   return times;
 }
 
-/// Whether an I/NAV record of the satellite is near enough to stand for this one.
+/// Whether an I/NAV record of the satellite is near enough to replace this one.
 bool HasInavNear(const TimesOfSatellites& times, const GalEph_gbt& eph) {
   const auto satellite = times.find(eph.prn);
   if (satellite == times.end()) return false;

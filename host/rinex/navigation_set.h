@@ -10,7 +10,7 @@
 
 namespace orsolva_host {
 
-/// A Galileo record and which message it came from.
+/// A Galileo record and the message it came from.
 struct GalileoRecord {
   GalEph_gbt eph = {};
   std::int64_t data_sources = 0;  ///< RINEX bits: 0 and 2 I/NAV, 1 F/NAV
@@ -25,13 +25,13 @@ struct NavigationSet {
 
   std::size_t Size() const { return gps.size() + glonass.size() + bds.size() + galileo.size() + qzss.size(); }
 
-  /// The set as the library takes it. Valid as long as this set is not changed.
+  /// The set as a boundary record. Valid as long as this set is not changed.
   NavBodyData_QC_gbt Body() const;
 };
 
-/// Galileo records with one message type preferred: an F/NAV record is left out when the satellite has an
-/// I/NAV record within four hours of it, because their clocks differ by a group delay and a change between
-/// them looks like a jump. Of records with equal reference times the first of the better type stays.
+/// Galileo records with one message type preferred: an F/NAV record is omitted when the satellite has an
+/// I/NAV record within four hours, because their clocks differ by a group delay and a change between them
+/// looks like a jump. Of records with equal reference times the first of the better type is kept.
 std::vector<GalEph_gbt> PreferInav(const std::vector<GalileoRecord>& records);
 
 }  // namespace orsolva_host

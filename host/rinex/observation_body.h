@@ -1,7 +1,7 @@
-// The epochs of an observation file as they stand in it, whatever the form of the file.
+// The raw epochs of an observation file, whatever its format.
 //
-// Each form (plain, CRINEX; by version) has a class of its own behind one interface. What an observation
-// type means is not known here: a satellite is a row of cells in the order of the header's types.
+// Each format (plain, CRINEX; by version) has its own class behind one interface. The meaning of observation
+// types is not known here: a satellite is a row of cells in the order of the header's types.
 #ifndef ORSOLVA_RINEX_OBSERVATION_BODY_H
 #define ORSOLVA_RINEX_OBSERVATION_BODY_H
 
@@ -18,7 +18,7 @@
 
 namespace orsolva_host {
 
-/// One observation: the value and the two marks that follow it.
+/// One observation: the value and the two flags that follow it.
 struct Cell {
   double value = 0;
   bool present = false;
@@ -33,12 +33,12 @@ struct SatelliteRow {
   std::size_t cells = 0;
 };
 
-/// Flag of a block of header lines that stand among the observations without an event line before them.
+/// Flag of a block of header lines among the observations without an event line before them.
 constexpr int kStrayHeader = 7;
 
 struct EpochBlock {
   long line = 0;
-  Time_gbt time = {};      ///< calendar of the file as it stands
+  Time_gbt time = {};      ///< in the calendar of the file
   bool time_given = true;  ///< an event may leave its time blank
   int flag = 0;            ///< 0 good, 1 power failure before, above 1 event
   double clock_offset_s = std::numeric_limits<double>::quiet_NaN();  ///< of the receiver; NaN: not given
@@ -51,8 +51,8 @@ struct EpochBlock {
 class ObservationBody {
  public:
   virtual ~ObservationBody() = default;
-  /// Reads the next epoch or event. What cannot be read is passed over with a notice.
-  /// @param types  observation types that hold for the epoch
+  /// Reads the next epoch or event. Anything unreadable is skipped with a notice.
+  /// @param types  observation types in effect for the epoch
   /// @return false at the end of the data
   virtual bool Next(const ObservationTypes& types, EpochBlock& epoch) = 0;
 };
@@ -71,7 +71,7 @@ std::unique_ptr<ObservationBody> CrinexBody(LineReader& lines, std::string file,
 std::unique_ptr<ObservationBody> CrinexBody2(LineReader& lines, std::string file, Diagnostics& diagnostics,
                                              char blank_letter);
 
-/// The one that the header asks for.
+/// The body for the format in the header.
 std::unique_ptr<ObservationBody> BodyOf(const ObservationHeader& header, LineReader& lines, std::string file,
                                         Diagnostics& diagnostics);
 

@@ -40,10 +40,10 @@ void HeaderParser::ReadVersion(LineReader& lines) {
     }
     if (lines.Line() == 1 && line.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
       line.remove_prefix(kByteOrderMark.size());
-      Notice(1, "a byte order mark before the header is passed over");
+      Notice(1, "byte order mark before the header skipped");
     }
     blank = Trimmed(line).empty();
-    if (blank) Notice(lines.Line(), "blank lines before the header are passed over");
+    if (blank) Notice(lines.Line(), "blank lines before the header skipped");
   } while (blank && lines.Line() < kMaxHeaderLines);
   std::string form;
   if (HeaderLabel(line) == "CRINEX VERS   / TYPE") {
@@ -51,7 +51,7 @@ void HeaderParser::ReadVersion(LineReader& lines) {
     form = Field(line, 0, 1);
     if (form != "1" && form != "3") {
       throw FileError(file_, lines.Line(), "CRINEX version " + Quoted(Text(line, 0, 20)), "1.0 or 3.0",
-                      "Unpack the file to plain RINEX first.");
+                      "Convert the file to plain RINEX first.");
     }
     // The second line names the compressing program.
     if (!lines.Next(line) || !lines.Next(line)) line = {};
@@ -59,7 +59,7 @@ void HeaderParser::ReadVersion(LineReader& lines) {
   double version = 0;
   if (HeaderLabel(line) != "RINEX VERSION / TYPE" ||
       ParseDecimal(Field(line, 0, 9), version) != FieldState::kNumber) {
-    throw FileError(file_, lines.Line(), Quoted(std::string(line)), "a line RINEX VERSION / TYPE",
+    throw FileError(file_, lines.Line(), Quoted(std::string(line)), "a RINEX VERSION / TYPE line",
                     "Name a RINEX observation file first.");
   }
   if (Field(line, 20, 1) != "O") {
@@ -68,8 +68,8 @@ void HeaderParser::ReadVersion(LineReader& lines) {
   }
   CheckVersion(line, version, lines.Line());
   if (!form.empty() && (form == "1") != (version < 3)) {
-    Notice(lines.Line(), "CRINEX " + form + " holds RINEX " + Text(line, 0, 9) +
-                             "; read by the version of the observations");
+    Notice(lines.Line(), "CRINEX " + form + " contains RINEX " + Text(line, 0, 9) +
+                             "; read according to the RINEX version");
   }
   header_.version = version;
   const std::string_view system = Field(line, 40, 1);
@@ -85,7 +85,8 @@ void HeaderParser::CheckVersion(std::string_view line, double version, long numb
                       : version < 4 ? kLastKnownVersion3
                                     : kLastKnownVersion4;
   if (version > last + 0.001) {
-    Notice(number, "version " + Text(line, 0, 9) + " is later than those known; read as the last known");
+    Notice(number,
+           "version " + Text(line, 0, 9) + " is newer than any supported; read as the latest supported");
   }
 }
 
@@ -96,8 +97,8 @@ void HeaderParser::CheckSameForm(std::string_view line, long number) const {
   const bool same = crinex ? header_.crinex : known && (version < 3) == (header_.version < 3);
   if (same) return;
   throw FileError(file_, number,
-                  "a second header of another form, " + Quoted(std::string(line.substr(0, 60))),
-                  "observations in the form of the first header", "Split the file where its form changes.");
+                  "a second header in another format, " + Quoted(std::string(line.substr(0, 60))),
+                  "the same format throughout", "Split the file where the format changes.");
 }
 
 void HeaderParser::ReadAll(LineReader& lines) {
@@ -108,8 +109,8 @@ void HeaderParser::ReadAll(LineReader& lines) {
     if (lines.Line() > kMaxHeaderLines) break;
     Take(line, lines.Line());
   }
-  throw FileError(file_, lines.Line(), "no END OF HEADER", "it before the first epoch",
-                  "The file is cut off or damaged; fetch it again.");
+  throw FileError(file_, lines.Line(), "no END OF HEADER", "one before the first epoch",
+                  "The file is truncated or damaged; download it again.");
 }
 
 void HeaderParser::BeginBlock() {
@@ -159,7 +160,7 @@ void HeaderParser::TakeTypes(std::string_view line, long number) {
     types_system_ = system[0];
     header_.types[types_system_ - 'A'].clear();
   } else if (types_system_ == 0) {
-    return Notice(number, "observation types without a system are left out");
+    return Notice(number, "observation types without a system ignored");
   }
   std::vector<std::string>& types = header_.types[types_system_ - 'A'];
   for (std::size_t column = 7; column + 3 <= 58 && types.size() < kMaxTypes; column += 4) {
@@ -168,7 +169,7 @@ void HeaderParser::TakeTypes(std::string_view line, long number) {
   }
 }
 
-// RINEX 2 has one list for all systems: a number, then nine types a line in six columns each.
+// RINEX 2 has one list for all systems: a number, then nine types per line in six columns each.
 void HeaderParser::TakeTypes2(std::string_view line, long number) {
   std::vector<std::string>& types = header_.types[0];
   std::int64_t count = 0;
@@ -177,7 +178,7 @@ void HeaderParser::TakeTypes2(std::string_view line, long number) {
     types.clear();
     types2_begun_ = true;
   } else if (!types2_begun_ || counted == FieldState::kBad) {
-    return Notice(number, "observation types that cannot be read are left out");
+    return Notice(number, "unreadable observation types ignored");
   }
   for (std::size_t column = 10; column + 2 <= 60 && types.size() < kMaxTypes; column += 6) {
     const std::string_view type = Trimmed(Field(line, column, 2));
@@ -190,7 +191,7 @@ void HeaderParser::TakeTypes2(std::string_view line, long number) {
 void HeaderParser::TakeScaleFactor2(std::string_view line, long number) {
   std::int64_t factor = 0;
   if (ParseInteger(Field(line, 0, 6), factor) != FieldState::kNumber || factor < 1) {
-    return Notice(number, "a scale factor that cannot be read is left out");
+    return Notice(number, "unreadable scale factor ignored");
   }
   ScaleFactor scale;
   scale.system = '*';
@@ -206,7 +207,7 @@ void HeaderParser::TakeWavelengthFactor(std::string_view line, long number) {
   for (const std::size_t column : {0U, 6U}) {
     std::int64_t factor = 0;
     if (ParseInteger(Field(line, column, 6), factor) == FieldState::kNumber && factor == 2) {
-      Notice(number, "phases with half-cycle ambiguities (wavelength factor 2) are taken as whole ones");
+      Notice(number, "half-cycle phases (wavelength factor 2) treated as full-cycle");
     }
   }
 }
@@ -221,7 +222,7 @@ void HeaderParser::TakeScaleFactor(std::string_view line, long number) {
   scale_begun_ = false;
   if (system.empty() || !IsLetter(system[0]) ||
       ParseInteger(Field(line, 2, 4), factor) != FieldState::kNumber || factor < 1) {
-    return Notice(number, "a scale factor that cannot be read is left out");
+    return Notice(number, "unreadable scale factor ignored");
   }
   scale.system = system[0];
   scale.factor = static_cast<double>(factor);
@@ -235,7 +236,7 @@ void HeaderParser::TakePosition(std::string_view line, long number) {
   std::array<double, 3> xyz = {};
   for (std::size_t i = 0; i < 3; ++i) {
     if (ParseDecimal(Field(line, 14 * i, 14), xyz[i]) == FieldState::kBad) {
-      return Notice(number, "an approximate position that cannot be read is left out");
+      return Notice(number, "unreadable approximate position ignored");
     }
   }
   if (xyz[0] != 0 || xyz[1] != 0 || xyz[2] != 0) header_.position = xyz;
@@ -258,7 +259,7 @@ void HeaderParser::TakeChannels(std::string_view line) {
 void HeaderParser::TakeInterval(std::string_view line, long number) {
   double interval = 0;
   if (ParseDecimal(Field(line, 0, 10), interval) == FieldState::kBad || interval < 0) {
-    return Notice(number, "an interval that cannot be read is left out");
+    return Notice(number, "unreadable interval ignored");
   }
   if (interval > 0) header_.interval_s = interval;
 }

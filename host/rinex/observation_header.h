@@ -13,8 +13,8 @@
 
 namespace orsolva_host {
 
-/// Observation types by system letter 'A' to 'Z', such as "C1C", in file order. The one list of RINEX 2
-/// ("C1", "L2", ...) stands at every letter.
+/// Observation types by system letter 'A' to 'Z', such as "C1C", in file order. The single list of RINEX 2
+/// ("C1", "L2", ...) is repeated for every letter.
 using ObservationTypes = std::array<std::vector<std::string>, 26>;
 
 /// Divides the values of a system's observation types.
@@ -43,23 +43,23 @@ struct ObservationHeader {
   const std::vector<std::string>& TypesOf(char letter) const { return types[letter - 'A']; }
 };
 
-/// Takes header lines one by one; also those that stand in the body after an event.
+/// Parses header lines one by one, including those after an event in the body.
 class HeaderParser {
  public:
   HeaderParser(std::string file, Diagnostics& diagnostics, ObservationHeader& header)
       : file_(std::move(file)), diagnostics_(diagnostics), header_(header) {}
 
-  /// Reads the lines up to and with END OF HEADER.
-  /// @throws FileError when the file is no RINEX observation file of a version that is read (2.00 and later)
+  /// Reads the lines up to and including END OF HEADER.
+  /// @throws FileError when the file is not a RINEX observation file of a supported version (2.00 and later)
   void ReadAll(LineReader& lines);
 
-  /// Takes one line, known by its label in columns 61 to 80. Unknown labels are passed over.
+  /// Parses one line according to its label in columns 61 to 80. Unknown labels are ignored.
   void Take(std::string_view line, long number);
-  /// Must be called before the lines of another header block: types listed in it replace the ones known.
+  /// Must be called before the lines of another header block: types listed in it replace the previous ones.
   void BeginBlock();
 
-  /// Must be called for the version line of a header that is repeated among the observations.
-  /// @throws FileError when the file goes on in a form that needs another reader
+  /// Must be called for the version line of a repeated header among the observations.
+  /// @throws FileError when the file continues in a format that needs another reader
   void CheckSameForm(std::string_view line, long number) const;
 
  private:

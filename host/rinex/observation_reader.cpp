@@ -21,7 +21,7 @@ constexpr std::int64_t kBdsTimeBehindGps_s = 14;
 constexpr float kStrengthStep_dbhz = 6;
 constexpr std::size_t kNoKind = static_cast<std::size_t>(-1);
 
-/// Place of a number in the list, where it is appended when it is new.
+/// Index of a number in the list; a new number is appended.
 int PlaceOf(std::vector<std::uint8_t>& numbers, int number) {
   const auto known = std::find(numbers.begin(), numbers.end(), number);
   if (known != numbers.end()) return static_cast<int>(known - numbers.begin());
@@ -66,7 +66,7 @@ ObservationReader::ObservationReader(std::unique_ptr<ByteSource> source, std::st
       lines_(std::move(source)),
       parser_(name_, diagnostics, header_),
       empty_satellite_(kNoKind) {
-  unjudged_.fill(kNoKind);
+  unsupported_.fill(kNoKind);
   parser_.ReadAll(lines_);
   body_ = BodyOf(header_, lines_, name_, diagnostics_);
   PlanTimeScale();
@@ -79,7 +79,8 @@ void ObservationReader::PlanTimeScale() {
   } else if (header_.time_system == "GLO" || (header_.time_system.empty() && header_.system == 'R')) {
     time_shift_s_ = header_.leap_seconds.value_or(0);
     if (!header_.leap_seconds) {
-      diagnostics_.Add(name_, 0, "epochs in GLONASS time without LEAP SECONDS are taken as GPS time", false);
+      diagnostics_.Add(name_, 0,
+                       "epochs in GLONASS time but no LEAP SECONDS in the header; taken as GPS time", false);
     }
   }
 }
@@ -97,10 +98,10 @@ void ObservationReader::MakePlans() {
     }
   }
   has_strength_ = has_strength_ || any_strength;
-  if (!any) diagnostics_.Add(name_, 0, "the header lists no signal that is judged", false);
+  if (!any) diagnostics_.Add(name_, 0, "the header lists no supported signal", false);
   if (any && !has_strength_) {
     diagnostics_.Add(name_, 0,
-                     "no signal strength (S types) in the file: no SNR, and no complete observation", false);
+                     "no signal strength (S types) in the file: no SNR and no complete observations", false);
   }
 }
 
@@ -128,7 +129,7 @@ CellPlan ObservationReader::PlanCell(int slot, const std::string& type, SystemPl
   }
   if (cell.signal < 0 && cell.kind != 'X') {
     diagnostics_.Add(name_, 0,
-                     fmt::format("observation type {} of {} is not judged", Printable(type), system.name));
+                     fmt::format("observation type {} of {} is not supported", Printable(type), system.name));
   }
   return cell;
 }
@@ -169,12 +170,12 @@ void ObservationReader::PlanStrengthDigits(SystemPlan& plan) {
     });
     cell.strength_digit = cell.kind == 'L' && cell.signal >= 0 && !has_strength;
     if (cell.strength_digit) {
-      diagnostics_.Add(name_, 0, "signal strengths are estimated from the digits after the phases");
+      diagnostics_.Add(name_, 0, "SNR estimated from the signal strength digits of the phases");
     }
   }
 }
 
-/// Gives phases of RINEX 2 to the signal that the system's pseudoranges met so far speak for.
+/// Assigns phases of RINEX 2 to the signal indicated by the pseudoranges seen so far.
 void ObservationReader::SettleChoices() {
   for (const SatelliteRow& row : block_.satellites) {
     const int slot = SystemSlot(row.letter);
@@ -205,7 +206,7 @@ bool ObservationReader::Next(ObsEpoch_QC_gbt& epoch) {
     if (!last_time_) throw;
     failure_ = error;
     diagnostics_.Add(name_, error.Line() > 0 ? error.Line() : lines_.Line(),
-                     "reading ends here: found " + error.Found() + ", expected " + error.Expected() + ". " +
+                     "reading stops here: found " + error.Found() + ", expected " + error.Expected() + ". " +
                          error.Advice(),
                      false);
     return false;
@@ -244,23 +245,23 @@ bool ObservationReader::Advance(ObsEpoch_QC_gbt& epoch) {
 }
 
 void ObservationReader::NameEvent(const EpochBlock& block) {
-  static constexpr const char* kNames[] = {"the antenna begins to move", "a new site occupation",
-                                           "header lines follow",        "an external event",
-                                           "cycle slip records follow",  ""};
+  static constexpr const char* kNames[] = {"antenna starts moving", "new site occupation",
+                                           "header information",    "external event",
+                                           "cycle slip records",    ""};
   if (block.flag != kStrayHeader) {
-    return diagnostics_.Add(name_, block.line,
-                            fmt::format("event records (flag {}, {}) passed over", block.flag,
-                                        kNames[std::clamp(block.flag, 2, 7) - 2]));
+    return diagnostics_.Add(
+        name_, block.line,
+        fmt::format("event skipped (flag {}: {})", block.flag, kNames[std::clamp(block.flag, 2, 7) - 2]));
   }
   const bool comments = std::all_of(block.records.begin(), block.records.end(),
                                     [](const std::string& line) { return HeaderLabel(line) == "COMMENT"; });
-  diagnostics_.Add(name_, block.line,
-                   comments ? "comments among the observations are passed over"
-                            : "header lines among the observations are taken");
+  diagnostics_.Add(
+      name_, block.line,
+      comments ? "comments among the observations skipped" : "header lines among the observations applied");
 }
 
-// Flags 2 to 5 bring header lines (a moving antenna, a new site, header information, an external event);
-// flag 6 brings cycle slip records, which look like observations and are none.
+// Flags 2 to 5 are followed by header lines (a moving antenna, a new site, header information, an external
+// event); flag 6 by cycle slip records, which look like observations but are not.
 void ObservationReader::TakeEvent(const EpochBlock& block) {
   constexpr int kSlipRecords = 6;
   NameEvent(block);
@@ -277,12 +278,12 @@ void ObservationReader::TakeEvent(const EpochBlock& block) {
       parser_.CheckSameForm(line, number);
     if (label == "SYS / PHASE SHIFT" || label == "SYS / PHASE SHIFTS") {
       diagnostics_.Add(name_, number,
-                       "phase shifts among the observations: phases may step by a part of a cycle there");
+                       "phase shifts among the observations; phases may step by a fraction of a cycle there");
     }
     parser_.Take(line, number);
   }
   if (header_.types == types && header_.scale_factors.size() == scales) return;
-  diagnostics_.Add(name_, block.line, "the observation types or scale factors change in the file");
+  diagnostics_.Add(name_, block.line, "observation types or scale factors change within the file");
   MakePlans();
 }
 
@@ -290,9 +291,9 @@ void ObservationReader::CheckOrder(const Time_gbt& time) {
   if (last_time_) {
     const double step_s = Difference(time, *last_time_);
     if (step_s == 0) {
-      diagnostics_.Add(name_, block_.line, "epochs that stand twice; the first is judged");
+      diagnostics_.Add(name_, block_.line, "duplicate epochs; the first is used");
     } else if (step_s < 0) {
-      diagnostics_.Add(name_, block_.line, "the time runs backwards; epochs are judged once it goes on");
+      diagnostics_.Add(name_, block_.line, "time goes backwards; epochs are skipped until it catches up");
     }
   }
   last_time_ = time;
@@ -304,40 +305,39 @@ void ObservationReader::FillEpoch(ObsEpoch_QC_gbt& epoch) {
   CheckOrder(epoch.time);
   if (has_choices_) SettleChoices();
   epoch.sat_num = 0;
-  met_.fill(0);
+  seen_.fill(0);
   for (const SatelliteRow& row : block_.satellites) AddSatellite(row, epoch);
-  // The records of unused satellites stay defined for hosts that copy whole epochs.
+  // Unused satellite records are zeroed for hosts that copy whole epochs.
   std::memset(&epoch.sats[epoch.sat_num], 0, sizeof epoch.sats[0] * (kMaxSatellites - epoch.sat_num));
 }
 
-bool ObservationReader::IsJudged(const SatelliteRow& row, int slot) {
+bool ObservationReader::IsSupported(const SatelliteRow& row, int slot) {
   if (slot < 0) {
-    std::size_t& kind = unjudged_[static_cast<std::size_t>(row.letter - 'A')];
+    std::size_t& kind = unsupported_[static_cast<std::size_t>(row.letter - 'A')];
     if (kind != kNoKind) {
       diagnostics_.Again(kind);
     } else {
       kind = diagnostics_.AddKind(name_, block_.line,
-                                  fmt::format("satellites of system {} are not judged", row.letter));
+                                  fmt::format("satellites of system {} are not supported", row.letter));
     }
     return false;
   }
   if (row.number <= kSystemTable[slot].satellites) return true;
   diagnostics_.Add(name_, block_.line,
-                   fmt::format("satellite {} is not judged", SatelliteName(row.letter, row.number)));
+                   fmt::format("satellite {} is not supported", SatelliteName(row.letter, row.number)));
   return false;
 }
 
 void ObservationReader::AddSatellite(const SatelliteRow& row, ObsEpoch_QC_gbt& epoch) {
   const int slot = SystemSlot(row.letter);
-  if (!IsJudged(row, slot)) return;
-  std::uint64_t& met = met_[static_cast<std::size_t>(slot)];
+  if (!IsSupported(row, slot)) return;
+  std::uint64_t& seen = seen_[static_cast<std::size_t>(slot)];
   const std::uint64_t bit = std::uint64_t{1} << (row.number - 1);
-  if (met & bit) {
-    return diagnostics_.Add(name_, block_.line,
-                            "a satellite is listed twice in an epoch; the first is judged", false);
+  if (seen & bit) {
+    return diagnostics_.Add(name_, block_.line, "duplicate satellite in an epoch; the first is used", false);
   }
   if (epoch.sat_num >= kMaxSatellites) {
-    return diagnostics_.Add(name_, block_.line, "satellites beyond the first 80 of an epoch are left out",
+    return diagnostics_.Add(name_, block_.line, "more than 80 satellites in an epoch; the rest are ignored",
                             false);
   }
   Satellite_gbt& satellite = epoch.sats[epoch.sat_num];
@@ -347,11 +347,11 @@ void ObservationReader::AddSatellite(const SatelliteRow& row, ObsEpoch_QC_gbt& e
   FillSignals(plans_[static_cast<std::size_t>(slot)], row, satellite);
   if (satellite.signal_num > 0) {
     ++epoch.sat_num;
-    met |= bit;
+    seen |= bit;
   } else if (empty_satellite_ != kNoKind) {
     diagnostics_.Again(empty_satellite_);
   } else {
-    empty_satellite_ = diagnostics_.AddKind(name_, block_.line, "a satellite is listed without a value");
+    empty_satellite_ = diagnostics_.AddKind(name_, block_.line, "satellite listed without observations");
   }
 }
 
@@ -373,7 +373,7 @@ void ObservationReader::FillSignals(const SystemPlan& plan, const SatelliteRow& 
     if (!HasValue(signals_[i])) continue;
     if (satellite.signal_num >= kMaxSignals) {
       return diagnostics_.Add(name_, block_.line,
-                              std::string("signals beyond the first 8 of a satellite are left out"), false);
+                              std::string("more than 8 signals of a satellite; the rest are ignored"), false);
     }
     signals_[i].code = plan.numbers[i];
     satellite.signals[satellite.signal_num++] = signals_[i];

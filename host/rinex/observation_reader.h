@@ -19,11 +19,11 @@
 
 namespace orsolva_host {
 
-/// What is done with the cells of one system, one entry an observation type.
+/// How the cells of a system are used, one entry per observation type.
 struct CellPlan {
-  int signal = -1;              ///< place in SystemPlan::numbers; -1: the cell is passed over
+  int signal = -1;              ///< index in SystemPlan::numbers; -1: the cell is ignored
   char kind = ' ';              ///< 'C' pseudorange, 'L' phase, 'D' Doppler, 'S' signal strength
-  bool strength_digit = false;  ///< the digit after the phase stands for the signal strength
+  bool strength_digit = false;  ///< SNR is taken from the signal strength digit of the phase
   double scale = 1;
 };
 
@@ -38,41 +38,41 @@ struct SystemPlan {
   std::vector<std::uint8_t> numbers;  ///< signal code numbers in the order of their first types
   std::vector<CellPlan> cells;
   std::vector<SignalChoice> choices;
-  std::vector<char> seen;  ///< by signal: whether a pseudorange was met; kept only where there are choices
+  std::vector<char> seen;  ///< by signal: whether a pseudorange has been seen; kept only if there are choices
 };
 
 struct ObservationOptions {
-  /// Where a signal has no S type, take 6 dB-Hz times the digit after its phase (1 to 9), the lower end of
-  /// the digit's range (RINEX 3.05, table 14).
+  /// For signals without an S type, use 6 dB-Hz times the digit of the phase (1 to 9), the lower end of the
+  /// digit's range (RINEX 3.05, table 14).
   bool snr_from_strength = false;
   InputLimits limits;
 };
 
 /// Streams the epochs of RINEX 2, 3 and 4 observation files, plain or CRINEX, compressed or not.
 ///
-/// Epochs are seconds since 1970-01-01 on the GPS time scale: the calendar of the file as it stands, unless
-/// the file counts in BDS time (14 s are added) or GLONASS time (UTC; the header's leap seconds are added).
+/// Epochs are seconds since 1970-01-01 on the GPS time scale: the calendar of the file, unless the file
+/// uses BDS time (14 s are added) or GLONASS time (UTC; the header's leap seconds are added).
 /// Missing values are 0. Types of one band and tracking letter form one signal; a signal without any value is
-/// left out. Only the first 8 signals of a satellite and the first 80 satellites of an epoch are kept, with a
-/// notice. Events (flags above 1) are passed over, but their header lines are taken. Epochs come in the order
-/// of the file, also those that stand twice or run backwards, which get a notice.
+/// omitted. Only the first 8 signals of a satellite and the first 80 satellites of an epoch are kept, with a
+/// notice. Events (flags above 1) are skipped, but their header lines are applied. Epochs are delivered in
+/// the order of the file, including duplicate ones and those that go backwards in time, which give a notice.
 ///
-/// Codes of RINEX 2 become signals as version2_codes.h says.
+/// Codes of RINEX 2 are mapped to signals as described in version2_codes.h.
 class ObservationReader {
  public:
   /// Opens the file and reads its header. @throws FileError
   ObservationReader(const std::string& path, Diagnostics& diagnostics,
                     const ObservationOptions& options = {});
-  /// Reads from a source already open. @param name  what notices call the file
+  /// Reads from an open source. @param name  file name in notices
   ObservationReader(std::unique_ptr<ByteSource> source, std::string name, Diagnostics& diagnostics,
                     const ObservationOptions& options = {});
 
   const ObservationHeader& Header() const { return header_; }
 
-  /// Fills the next epoch with observations. Where the file cannot be read on after an epoch was given, a
-  /// notice says so and Failure() tells why; the epochs given before are good.
+  /// Fills the next epoch with observations. If reading fails after the first epoch, a notice says so and
+  /// Failure() returns the error; the epochs delivered before are valid.
   /// @return false at the end of the data that can be read
-  /// @throws FileError when the file cannot be read on before its first epoch
+  /// @throws FileError when reading fails before the first epoch
   bool Next(ObsEpoch_QC_gbt& epoch);
 
   /// The next epoch twice: as the library's record, which has its limits, and with everything the file holds.
@@ -99,7 +99,7 @@ class ObservationReader {
   void NameEvent(const EpochBlock& block);
   void FillEpoch(ObsEpoch_QC_gbt& epoch);
   void AddSatellite(const SatelliteRow& row, ObsEpoch_QC_gbt& epoch);
-  bool IsJudged(const SatelliteRow& row, int slot);
+  bool IsSupported(const SatelliteRow& row, int slot);
   void FillSignals(const SystemPlan& plan, const SatelliteRow& row, Satellite_gbt& satellite);
 
   std::string name_;
@@ -112,12 +112,12 @@ class ObservationReader {
   std::array<SystemPlan, kSystems> plans_;
   EpochBlock block_;
   FullEpoch full_;
-  std::vector<Signal_QC_gbt> signals_;    ///< of the satellite at hand, also those beyond 8
-  std::array<std::size_t, 26> unjudged_;  ///< kinds of notices, by system letter
-  std::size_t empty_satellite_;           ///< kind of notice
+  std::vector<Signal_QC_gbt> signals_;       ///< of the current satellite, including those beyond 8
+  std::array<std::size_t, 26> unsupported_;  ///< kinds of notices, by system letter
+  std::size_t empty_satellite_;              ///< kind of notice
   std::optional<Time_gbt> last_time_;
   std::optional<FileError> failure_;
-  std::array<std::uint64_t, kSystems> met_ = {};  ///< satellites of the epoch, a bit a number
+  std::array<std::uint64_t, kSystems> seen_ = {};  ///< satellites of the epoch, one bit per number
   std::int64_t time_shift_s_ = 0;
   bool has_strength_ = false;
   bool has_choices_ = false;

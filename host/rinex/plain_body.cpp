@@ -1,4 +1,4 @@
-// Epochs of plain RINEX 3 and 4 files: one line a satellite.
+// Epochs of plain RINEX 3 and 4 files: one line per satellite.
 #include <utility>
 
 #include "host/rinex/body_base.h"
@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kFirstCellColumn = 3;
 
-// What the three columns of an epoch line can count; an epoch of a damaged file ends there.
+// The largest count in the three columns of an epoch line; an epoch of a damaged file ends there.
 constexpr std::size_t kMaxSatellites = 999;
 
 class Plain : public BodyBase {
@@ -47,8 +47,8 @@ class Plain : public BodyBase {
         head.flag = kStrayHeader;
         return true;
       }
-      Notice(line[0] == '>' ? "an epoch line that cannot be read; its lines are passed over"
-                            : "lines that belong to no epoch are passed over");
+      Notice(line[0] == '>' ? "unreadable epoch line; the epoch is skipped"
+                            : "lines that belong to no epoch skipped");
     }
     return false;
   }
@@ -73,23 +73,23 @@ class Plain : public BodyBase {
     TakeUncounted(types, epoch);
   }
 
-  /// Comments and blank lines count for no satellite.
+  /// Comments and blank lines do not count as satellites.
   bool PassesOver(std::string_view line) {
     if (!line.empty() && line[0] != ' ') {
       if (line.size() <= 60 || line[60] != 'C' || HeaderLabel(line) != "COMMENT") return false;
-      Notice("comments among the observations are passed over", true);
+      Notice("comments among the observations skipped", true);
       return true;
     }
     if (!Trimmed(line).empty()) {
       if (HeaderLabel(line) != "COMMENT") return false;
-      Notice("comments among the observations are passed over", true);
+      Notice("comments among the observations skipped", true);
       return true;
     }
-    Notice("blank lines among the observations are passed over", true);
+    Notice("blank lines among the observations skipped", true);
     return true;
   }
 
-  /// Satellites beyond the number that the epoch line gives.
+  /// Satellites beyond the number in the epoch line.
   void TakeUncounted(const ObservationTypes& types, EpochBlock& epoch) {
     std::string_view line;
     SatelliteRow row;
@@ -98,22 +98,22 @@ class Plain : public BodyBase {
                         ParseSatellite(Field(line, 0, 3), row.letter, row.number);
       if (!more) return lines_.PushBack();
       if (epoch.satellites.size() >= kMaxSatellites) {
-        Notice("an epoch has more than 999 satellites; the others are passed over");
+        Notice("more than 999 satellites in an epoch; the rest are ignored");
         continue;
       }
-      Notice("an epoch has more lines than it says; they are taken", true);
+      Notice("an epoch has more lines than declared; all are used", true);
       TakeSatellite(line, types, epoch);
     }
   }
 
   bool NextOfEpoch(std::string_view& line) {
     if (!lines_.Next(line)) {
-      Notice("the file ends inside an epoch");
+      Notice("the file ends within an epoch");
       return false;
     }
     if (!line.empty() && line[0] == '>') {
       lines_.PushBack();
-      Notice("an epoch has fewer lines than it says", true);
+      Notice("an epoch has fewer lines than declared", true);
       return false;
     }
     return true;
@@ -122,7 +122,7 @@ class Plain : public BodyBase {
   void TakeSatellite(std::string_view line, const ObservationTypes& types, EpochBlock& epoch) {
     SatelliteRow row;
     if (!ParseSatellite(Field(line, 0, 3), row.letter, row.number)) {
-      return Notice("a line whose satellite cannot be read is passed over");
+      return Notice("line with an unreadable satellite skipped");
     }
     row.first_cell = epoch.cells.size();
     row.cells = types[static_cast<std::size_t>(row.letter - 'A')].size();
@@ -130,7 +130,7 @@ class Plain : public BodyBase {
     Cell* const cells = epoch.cells.data() + row.first_cell;
     for (std::size_t i = 0; i < row.cells; ++i) {
       if (!ReadCell(line, kFirstCellColumn + kCellWidth * i, cells[i])) {
-        Notice("a value that is no number counts as missing");
+        Notice("value that is not a number treated as missing");
       }
     }
     if (lines_.Unterminated()) DropCutValue(line, kFirstCellColumn, row.cells, cells);

@@ -1,5 +1,5 @@
-// Epochs of plain RINEX 2 files: the satellites stand on the epoch line, twelve a line, and each has its
-// values on lines of five.
+// Epochs of plain RINEX 2 files: the satellites are listed on the epoch line, twelve per line, and each has
+// its values on lines of five.
 #include <algorithm>
 #include <utility>
 
@@ -57,7 +57,7 @@ class Plain2 : public BodyBase {
         head.flag = kStrayHeader;
         return true;
       }
-      Notice("lines that belong to no epoch are passed over");
+      Notice("lines that belong to no epoch skipped");
     }
     return false;
   }
@@ -67,27 +67,27 @@ class Plain2 : public BodyBase {
     EpochLine next;
     for (;;) {
       if (!lines_.Next(line)) {
-        Notice("the file ends inside an epoch");
+        Notice("the file ends within an epoch");
         return false;
       }
       if (ParseEpochLine2(line, next) && !Trimmed(line.substr(0, 26)).empty()) {
         lines_.PushBack();
-        Notice("an epoch has fewer lines than it says", true);
+        Notice("an epoch has fewer lines than declared", true);
         return false;
       }
       if (line.size() <= 60 || line[60] != 'C' || HeaderLabel(line) != "COMMENT") return true;
-      Notice("comments among the observations are passed over", true);
+      Notice("comments among the observations skipped", true);
     }
   }
 
   void ReadRecords(int count, EpochBlock& epoch) {
     std::string_view line;
     for (int i = 0; i < count; ++i) {
-      if (!lines_.Next(line)) return Notice("the file ends inside an event");
+      if (!lines_.Next(line)) return Notice("the file ends within an event");
       EpochLine next;
       if (ParseEpochLine2(line, next)) {
         lines_.PushBack();
-        return Notice("an event has fewer lines than it says", true);
+        return Notice("an event has fewer lines than declared", true);
       }
       epoch.records.emplace_back(line);
     }
@@ -102,7 +102,7 @@ class Plain2 : public BodyBase {
         if (!NextOfEpoch(line)) return false;
         if (!Trimmed(line.substr(0, kSatelliteColumn)).empty()) {
           lines_.PushBack();
-          Notice("an epoch lists fewer satellites than it says", true);
+          Notice("an epoch lists fewer satellites than declared", true);
           return true;
         }
       }
@@ -114,7 +114,7 @@ class Plain2 : public BodyBase {
         text = std::string_view(letters, kSatelliteWidth);
       }
       name.good = ParseSatellite(text, name.letter, name.number);
-      if (!name.good) Notice("a satellite of an epoch line cannot be read and is passed over");
+      if (!name.good) Notice("unreadable satellite in an epoch line skipped");
       names_.push_back(name);
     }
     return true;
@@ -141,7 +141,7 @@ class Plain2 : public BodyBase {
       const std::size_t count = std::min(kCellsALine, types - first);
       for (std::size_t i = 0; i < count; ++i) {
         if (!ReadCell(line, kCellWidth * i, cells[first + i])) {
-          Notice("a value that is no number counts as missing");
+          Notice("value that is not a number treated as missing");
         }
       }
       if (lines_.Unterminated()) DropCutValue(line, 0, count, cells + first);

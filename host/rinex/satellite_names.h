@@ -13,7 +13,7 @@ constexpr int kBds = 4;
 constexpr int kGalileo = 8;
 constexpr int kQzss = 16;
 
-/// A system that is judged, in the order of the library's flags and result slots.
+/// A supported system, in the order of the library's flags and result slots.
 struct SystemRow {
   int code;  ///< at the library's boundary
   char letter;
@@ -25,13 +25,13 @@ struct SystemRow {
 constexpr int kSystems = 5;
 extern const SystemRow kSystemTable[kSystems];
 
-/// Place of a system in kSystemTable by its letter; -1 for one that is not judged.
+/// Index of a system in kSystemTable by its letter; -1 if not supported.
 int SystemSlot(char letter);
-/// Place of a system in kSystemTable by its code; -1 for one that is not judged.
+/// Index of a system in kSystemTable by its code; -1 if not supported.
 int SystemSlotOfCode(int code);
 
-/// Reads "G04", "G 4" or "G4". Any letter A to Z is taken, so that unjudged systems can be told from damage.
-/// @return false when the text is no satellite
+/// Reads "G04", "G 4" or "G4". Any letter A to Z is accepted, so that unsupported systems are
+/// distinguished from damage. @return false when the text is not a satellite
 bool ParseSatellite(std::string_view text, char& letter, int& number);
 
 /// "G04"

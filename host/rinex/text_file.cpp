@@ -17,21 +17,20 @@ struct CloseFile {
 };
 
 [[noreturn]] void Fail(const std::string& path) {
-  throw FileError(path, 0, std::strerror(errno), "a file that can be read",
-                  "Check the name and the permissions.");
+  throw FileError(path, 0, std::strerror(errno), "a readable file", "Check the name and the permissions.");
 }
 
 }  // namespace
 
-std::string TextOfFile(const std::string& path, std::size_t most_bytes) {
+std::string TextOfFile(const std::string& path, std::size_t max_bytes) {
   const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.c_str(), "rb"));
   if (!file) Fail(path);
   std::string text;
   char piece[1U << 16];
   while (const std::size_t count = std::fread(piece, 1, sizeof piece, file.get())) {
     text.append(piece, count);
-    if (text.size() > most_bytes) {
-      throw FileError(path, 0, fmt::format("more than {} bytes", most_bytes), "fewer",
+    if (text.size() > max_bytes) {
+      throw FileError(path, 0, fmt::format("more than {} bytes", max_bytes), "fewer",
                       "Check that it is the right file.");
     }
   }

@@ -1,8 +1,8 @@
 // Codes: RINEX 2.11, table A1 and section 10.1; lettered ones as in RINEX 2.12.
 //
-// What RINEX 2 leaves open is settled as converters do it: P1 and P2 of GPS are tracked without the key of
-// the encrypted code (1W, 2W), C2 of GPS and QZSS is the civil signal of both components (2X), signals of
-// Galileo and band 5 are taken as combined ones (X), those of BDS as their in-phase part (I).
+// What RINEX 2 leaves open is resolved as converters do: P1 and P2 of GPS are tracked codelessly (1W, 2W), C2
+// of GPS and QZSS is the civil signal with both components (2X), signals of Galileo and of band 5 are
+// combined ones (X), those of BDS the in-phase component (I).
 #include "host/rinex/version2_codes.h"
 
 namespace orsolva_host {

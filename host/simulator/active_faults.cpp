@@ -10,7 +10,8 @@ namespace {
 
 constexpr std::uint64_t kFaultStream = 101;
 constexpr double kTicksPerSecond = 1e7;
-/// A random fault needs its satellite well up for this long before, so that it shows.
+/// The satellite of a random fault must have been well above the horizon for this long, so that the fault
+/// shows.
 constexpr double kUpBefore_s = 600;
 constexpr int kMaxDraws = 50;
 

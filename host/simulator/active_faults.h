@@ -1,5 +1,5 @@
-// The faults of a scenario as epochs meet them: random ones drawn, times turned into epoch numbers, and each
-// written into the truth when it happens.
+// The faults of a scenario by epoch: random ones are drawn, times become epoch numbers, and each fault is
+// recorded in the truth when it happens.
 #ifndef ORSOLVA_SIMULATOR_ACTIVE_FAULTS_H
 #define ORSOLVA_SIMULATOR_ACTIVE_FAULTS_H
 
@@ -16,14 +16,14 @@ namespace orsolva_host {
 /// Name of a kind in scenario files and truth, such as "slip".
 const char* FaultName(FaultKind kind);
 
-/// Whether a fault changes what single signals give: slips, code jumps, outages and SNR drops.
+/// Whether a fault changes the values of single signals: slips, code jumps, outages and SNR drops.
 bool MeetsSignals(FaultKind kind);
 
 struct ActiveFault {
   Fault fault;
-  std::int64_t first = 0;  ///< number of the first epoch met
+  std::int64_t first = 0;  ///< number of the first epoch affected
   std::int64_t end = 0;    ///< number of the first epoch after it
-  int record = -1;         ///< place in Truth::faults once it has happened
+  int record = -1;         ///< index in Truth::faults once it has happened
 
   bool At(std::int64_t epoch) const { return epoch >= first && epoch < end; }
   bool Meets(char system, int satellite) const {

@@ -1,6 +1,6 @@
 // Notation as in the interface documents: toe reference time, OMG0 node at the beginning of the week, M0 mean
-// anomaly. The nominal orbits hold at the beginning of the GPS week in which the span starts, so that spans
-// of one week see one sky.
+// anomaly. The nominal orbits refer to the beginning of the GPS week in which the span starts, so that all
+// spans of a week have the same sky.
 #include "host/simulator/broadcast.h"
 
 #include <algorithm>
@@ -26,7 +26,7 @@ std::int64_t FloorTo(std::int64_t value, std::int64_t step) {
 
 double WithinPi(double angle) { return angle - 2 * kPi * std::floor((angle + kPi) / (2 * kPi)); }
 
-/// Numbers of a satellite that hold for all its records.
+/// Values of a satellite that are the same in all its records.
 struct Shape {
   RandomStream stream;
   explicit Shape(const NominalOrbit& o)
@@ -48,7 +48,7 @@ double SqrtAxis(const NominalOrbit& o, const KeplerRecord& r) {
   return o.system == 'E' ? 5440.606 : 5282.618;
 }
 
-/// What all records of a satellite share.
+/// What all records of a satellite have in common.
 KeplerRecord Common(const NominalOrbit& o) {
   const Shape shape(o);
   KeplerRecord r;
@@ -77,7 +77,7 @@ Vector IntoTiltedFrame(const Vector& v) {
   return {v[0], c * v[1] - s * v[2], s * v[1] + c * v[2]};
 }
 
-/// Orientation of a geostationary orbit in the tilted frame that stands still since the reference time.
+/// Orientation of a geostationary orbit in the tilted frame that is inertial since the reference time.
 void OrientGeostationary(const NominalOrbit& o, double node, KeplerRecord& r) {
   const auto [sn, cn] = SineCosineOf(node);
   const auto [si, ci] = SineCosineOf(o.inclination_rad);
@@ -135,7 +135,7 @@ GlonassState Integrated(GlonassState s, const GlonassAcceleration& a, double spa
   return s;
 }
 
-/// A pull of the size that Sun and Moon have, in the steps of the broadcast word (2^-30 km/s^2).
+/// An acceleration of lunisolar size, in steps of the broadcast word (2^-30 km/s^2).
 GlonassAcceleration Pull(const NominalOrbit& o, std::int64_t time) {
   GlonassAcceleration a = {};
   for (std::size_t i = 0; i < 3; ++i) {

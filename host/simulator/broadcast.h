@@ -1,5 +1,5 @@
-// Makes the broadcast records of a nominal orbit over a span, as the system's own control segment would send
-// them: a series of sets that describe one orbit and one clock.
+// Generates the broadcast records of a nominal orbit over a span, as the control segment of the system would
+// send them: a series of sets that describe one orbit and one clock.
 #ifndef ORSOLVA_SIMULATOR_BROADCAST_H
 #define ORSOLVA_SIMULATOR_BROADCAST_H
 
@@ -22,7 +22,7 @@ struct RecordTimes {
   std::int64_t count = 0;
 };
 
-/// Times that are whole multiples of the step plus `offset_s`, from the last one at or before `start` less
+/// Times that are integer multiples of the step plus `offset_s`, from the last one at or before `start` minus
 /// one step to the first one at or after `end` plus one step.
 RecordTimes TimesOver(std::int64_t start, std::int64_t end, std::int64_t step_s, std::int64_t offset_s);
 

@@ -38,7 +38,7 @@ struct Pooled {
   }
 };
 
-/// Truth of one signal, or of one system, over the satellites that are judged.
+/// Truth of one signal, or of one system, over the healthy satellites.
 struct Expectation {
   std::uint64_t expected = 0;
   std::uint64_t observed = 0;
@@ -106,7 +106,7 @@ std::string Text(const Json& value) {
   return value.is_null() ? "-" : value.dump();
 }
 
-/// Of a fault that meets all satellites or signals: empty.
+/// Empty for a fault that affects all satellites or signals.
 std::string NameOrAll(const Json& value) { return value.is_null() ? "" : value.get<std::string>(); }
 
 std::optional<double> Distance(const Json& a, const Json& b) {
@@ -129,7 +129,7 @@ class Comparison {
         detail_(detail) {}
 
   std::string Write() {
-    CheckBelonging();
+    CheckSameRun();
     expectations_ = ExpectationsOf(truth_);
     WriteRun();
     WriteSystems();
@@ -147,12 +147,12 @@ class Comparison {
                                       expected, truth_name_, hint));
   }
 
-  void CheckBelonging() {
+  void CheckSameRun() {
     MustAgree("interval", Fixed(run_.at("interval_s"), 3), Fixed(truth_.at("interval_s"), 3),
               "Compare a report of the whole data.");
     MustAgree("elevation cut-off", Fixed(run_.at("elevation_cutoff_deg"), 3),
               Fixed(truth_.at("cutoff_deg"), 3),
-              "Judge with this --elevation, or simulate with another truth_cutoff_deg.");
+              "Run qc with this --elevation, or simulate with another truth_cutoff_deg.");
     MustAgree("first epoch", Text(run_.at("first_epoch_gpst")), Text(truth_.at("first_epoch_gpst")),
               "Compare files of one simulation.");
     MustAgree("last epoch", Text(run_.at("last_epoch_gpst")), Text(truth_.at("last_epoch_gpst")),
@@ -232,7 +232,7 @@ class Comparison {
                        fault.at("duration_s").get<double>(), shows ? "" : " *"));
     }
     if (rows > kMaxRows) Line(fmt::format("and {} more", rows - kMaxRows));
-    Line("* not to be seen in the data: nothing was tracked there then");
+    Line("* does not show in the data: nothing was tracked there at the time");
   }
 
   void WriteDetectedFaults() {
@@ -250,12 +250,12 @@ class Comparison {
   void WriteNotes() {
     Line("\nNOTES");
     Line("  Observed, by system: with the best combination in the report, with any two");
-    Line("  signals in the truth. SNR<=30 includes what stands below the cut-off.");
+    Line("  signals in the truth. SNR<=30 includes values below the cut-off.");
     Line("  Slips found are epochs: at long intervals the test also counts each change of");
     Line("  a broadcast record and low satellites; see docs/host/behaviour.md.");
-    Line("  Multipath of a code holds the phase noise of its pair, magnified where the");
-    Line("  pair's carriers lie near one another. Counts move by a few epochs with the");
-    Line("  position: a satellite at the cut-off is on its one or other side.");
+    Line("  Multipath of a code includes the phase noise of its pair, magnified where the");
+    Line("  carriers of the pair are close. Counts change by a few epochs with the");
+    Line("  position: a satellite at the cut-off may fall on either side of it.");
   }
 
   std::string report_name_, truth_name_;

@@ -1,4 +1,4 @@
-// A report beside the truth of the data that it judges.
+// Compares a report with the truth of the simulated data.
 #ifndef ORSOLVA_SIMULATOR_COMPARISON_H
 #define ORSOLVA_SIMULATOR_COMPARISON_H
 
@@ -21,9 +21,9 @@ struct NamedText {
   std::string text;
 };
 
-/// Lays figures of `orsolva qc --json` beside those of a truth.json, in lines of at most 80 columns.
-/// @param detail  the detail table of the same run, read to its end: which slips and jumps it tells; may be
-/// null
+/// Prints the figures of `orsolva qc --json` next to those of a truth.json, in lines of at most 80 columns.
+/// @param detail  the detail table of the same run, read to its end, for the slips and jumps it detected; may
+/// be null
 /// @throws ComparisonError when a text is not what it should be, or when the two differ in span, interval or
 ///         elevation cut-off, so that no figure could agree
 std::string ComparisonText(const NamedText& report, const NamedText& truth,

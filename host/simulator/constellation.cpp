@@ -20,18 +20,18 @@ constexpr int kGalileoNumbers[] = {1,  2,  3,  4,  5,  7,  8,  9,  10, 11, 12, 1
 constexpr int kBdsMediumNumbers[] = {19, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30,
                                      32, 33, 34, 35, 36, 37, 41, 42, 43, 44, 45, 46};
 
-/// Slots 1 to 24; satellites on opposite places of a plane share a channel.
+/// Slots 1 to 24; antipodal satellites of a plane share a channel.
 constexpr int kGlonassChannels[] = {1,  -4, 5, 6,  1, -4, 5, 6, -2, -7, 0, -1,
                                     -2, -7, 0, -1, 4, -3, 3, 2, 4,  -3, 3, 2};
 
-/// Satellites that keep to a longitude: geostationary ones, and inclined ones whose track crosses it.
+/// Geosynchronous satellites: geostationary at a longitude, or inclined with a ground track that crosses it.
 struct SynchronousRow {
   char system;
   int number;
   OrbitKind kind;
   double longitude_deg;
   double inclination_deg;
-  double phase_deg;  ///< place along the track
+  double phase_deg;  ///< position along the track
 };
 
 constexpr auto kGeo = OrbitKind::kGeostationary;
@@ -54,7 +54,7 @@ double Spread(char system, int number, int what, double low, double high) {
   return stream.Between(static_cast<unsigned>(what), low, high);
 }
 
-/// Place `slot` of `slots` in plane `plane` of `planes`.
+/// Slot `slot` of `slots` in plane `plane` of `planes`.
 NominalOrbit PlaneOrbit(char system, int number, int plane, int planes, double slot_share, double tilt_deg) {
   NominalOrbit o;
   o.system = system;

@@ -1,4 +1,4 @@
-// Nominal constellations: which satellites fly and on which orbits.
+// Nominal constellations: the satellites and their orbits.
 #ifndef ORSOLVA_SIMULATOR_CONSTELLATION_H
 #define ORSOLVA_SIMULATOR_CONSTELLATION_H
 

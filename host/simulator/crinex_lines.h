@@ -1,4 +1,4 @@
-// Epochs as the lines of a CRINEX 3 file: differences between epochs in place of values.
+// Epochs as the lines of a CRINEX 3 file: differences between epochs instead of values.
 //
 // Source: Hatanaka 2008, A compression format and tools for GNSS observation data.
 #ifndef ORSOLVA_SIMULATOR_CRINEX_LINES_H
@@ -31,7 +31,7 @@ class CrinexLines : public ObservationLines {
     std::array<std::int64_t, kOrder + 1> last = {};
   };
   struct SatelliteArcs {
-    std::int64_t epoch = -1;  ///< the last one that it stood in
+    std::int64_t epoch = -1;  ///< the last one in which it appeared
     std::vector<Arc> arcs;
   };
 

@@ -27,7 +27,7 @@ std::vector<std::string_view> FieldsOf(std::string_view line) {
   return fields;
 }
 
-/// Where the columns stand, by the first line of the table.
+/// Positions of the columns, from the first line of the table.
 std::array<std::size_t, kColumns> ColumnsOf(const DetailTable& table) {
   std::string_view head;
   if (!table.lines.Next(head)) head = {};
@@ -83,7 +83,7 @@ void ReadReasons(const DetailTable& table, std::vector<DetectedFault>& faults) {
   const std::size_t needed = *std::max_element(columns.begin(), columns.end());
   std::string_view line;
   while (table.lines.Next(line)) {
-    // The time stands first in every row; few rows are of the epoch of a fault.
+    // Every row begins with the time; few rows belong to the epoch of a fault.
     const auto [begin, end] = by_time.equal_range(line.substr(0, line.find(',')));
     if (begin == end) continue;
     const std::vector<std::string_view> fields = FieldsOf(line);

@@ -17,19 +17,19 @@ struct DetailTable {
   LineReader& lines;
 };
 
-/// A slip or code jump and the reasons that the rows of its epoch, satellite and signal give, in the
-/// alphabet. A slip shows in the pairs on both sides of it; a jump in the multipath of its own signal.
+/// A slip or code jump and the reasons in the rows of its epoch, satellite and signal, in alphabetical order.
+/// A slip shows in every pair that contains the signal; a jump in the multipath of its own signal only.
 struct DetectedFault {
   std::string time, satellite, signal;  ///< an empty satellite or signal: all
   bool is_slip = true;
   double size = 0;  ///< cycles of a slip, metres of a jump
   std::set<std::string> reasons = {};
 
-  /// Whether a reason is the fault's own: not a gap or a new record that fell into its epoch.
+  /// Whether one of the reasons is due to the fault, not to a gap or a new record in the same epoch.
   bool Detected() const;
 };
 
-/// Reads a detail table to its end and gives each fault the reasons of its rows.
+/// Reads a detail table to its end and adds the reasons of its rows to each fault.
 /// @param faults  with times as the table writes them
 /// @throws ComparisonError when the table lacks a column
 void ReadReasons(const DetailTable& table, std::vector<DetectedFault>& faults);

@@ -12,7 +12,7 @@
 namespace orsolva_host {
 
 struct FileSetOptions {
-  std::string folder;  ///< made when it is not there
+  std::string folder;  ///< created if missing
   bool gzip = false;
   bool crinex = false;  ///< CRINEX 3
 };
@@ -26,7 +26,7 @@ struct FileSet {
 /// Names after RINEX 3.05, section 4, such as SIMU00ORS_R_20201770000_01D_30S_MO.rnx, and truth.json.
 FileSet FileNames(const Scenario& scenario, const FileSetOptions& options);
 
-/// Told after each epoch how many nominal epochs are done, of how many.
+/// Called after each epoch with the number of nominal epochs done, and of all.
 using SimulationProgress = std::function<void(std::uint64_t done, std::uint64_t of)>;
 
 /// Writes the three files, or none of them.

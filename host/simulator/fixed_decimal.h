@@ -1,4 +1,4 @@
-// Fast writing of the fixed decimals of RINEX cells.
+// Fast formatting of the fixed decimals of RINEX cells.
 #ifndef ORSOLVA_SIMULATOR_FIXED_DECIMAL_H
 #define ORSOLVA_SIMULATOR_FIXED_DECIMAL_H
 
@@ -6,11 +6,11 @@
 
 namespace orsolva_host {
 
-/// A whole number of thousandths as a decimal with three places, right-aligned in `width` characters at
-/// `out`. A number too long for the width is cut at the left; no cell of a simulation is.
+/// An integer number of thousandths as a decimal with three places, right-aligned in `width` characters at
+/// `out`. A number too long for the width is truncated at the left; no simulated value is.
 void WriteThousandths(std::int64_t thousandths, char* out, int width);
 
-/// The nearest whole number of thousandths.
+/// The nearest integer number of thousandths.
 std::int64_t Thousandths(double value);
 
 }  // namespace orsolva_host

@@ -10,7 +10,7 @@ std::string HeaderLine(std::string text, const std::string& label) {
 }
 
 std::string HeaderBegin(const std::string& type) {
-  // No date of writing: the same scenario makes the same bytes.
+  // No creation date: the same scenario gives the same bytes.
   return HeaderLine(fmt::format("{:9.2f}{:11}{:<20}{:<20}", 3.05, "", type, "M: MIXED"),
                     "RINEX VERSION / TYPE") +
          HeaderLine(fmt::format("{:<20}{:<20}{:<20}", "ORSOLVA SIMULATE", "SIMULATED", ""),

@@ -6,10 +6,10 @@
 
 namespace orsolva_host {
 
-/// The text cut or filled to 60 columns, then the label, then the end of the line.
+/// The text truncated or padded to 60 columns, then the label, then the line end.
 std::string HeaderLine(std::string text, const std::string& label);
 
-/// The lines that every file begins with. @param type  "OBSERVATION DATA" or "NAVIGATION DATA"
+/// The first lines of every file. @param type  "OBSERVATION DATA" or "NAVIGATION DATA"
 std::string HeaderBegin(const std::string& type);
 
 }  // namespace orsolva_host

@@ -1,4 +1,4 @@
-// Places of the values: RINEX 3.05, tables A6 to A14.
+// Order of the values: RINEX 3.05, tables A6 to A14.
 #include "host/simulator/navigation_writer.h"
 
 #include <fmt/format.h>

@@ -144,7 +144,7 @@ void ObservationLines::Append(const ObsEpoch_QC_gbt& epoch, std::string& out) {
     for (std::size_t j = 0; j < cells_.size(); ++j) {
       if (cells_[j] != 0) WriteThousandths(cells_[j], &out[begin + 3 + j * kCellWidth], kValueWidth);
     }
-    if (!cells_.empty()) out.resize(out.size() - 2);  // the two marks of the last cell are blank
+    if (!cells_.empty()) out.resize(out.size() - 2);  // the two flags of the last cell are blank
     out += '\n';
   }
 }

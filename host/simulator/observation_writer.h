@@ -41,14 +41,14 @@ class ObservationLines {
 
   Scenario scenario_;
   std::array<std::vector<int>, kSystems> numbers_;
-  std::array<std::array<std::uint8_t, 256>, kSystems> places_ = {};  ///< of a number in its list, from 1
+  std::array<std::array<std::uint8_t, 256>, kSystems> places_ = {};  ///< of a number in its list, 1-based
   std::vector<std::int64_t> cells_;
 };
 
-/// Streams a file: the header goes out with the first epoch.
+/// Streams a file: the header is written with the first epoch.
 class ObservationWriter {
  public:
-  /// @param crinex  CRINEX 3 in place of plain lines
+  /// @param crinex  CRINEX 3 instead of plain lines
   ObservationWriter(std::unique_ptr<ByteSink> sink, const Scenario& scenario,
                     const std::array<double, 3>& header_position_m, bool crinex = false);
   ~ObservationWriter();

@@ -1,5 +1,5 @@
-// Where broadcast records put satellites. Times are GPS time in seconds after the start of a span; positions
-// are Earth-fixed, m.
+// Satellite positions from broadcast records. Times are GPS time in seconds after the start of a span;
+// positions are Earth-fixed, m.
 //
 // Sources: IS-GPS-200, table 20-IV; Galileo OS SIS ICD, section 5.1; BDS-SIS-ICD-2.1, table 5-12 (with the
 // rotation of geostationary orbits); GLONASS ICD 5.1, appendix A.3.1.2.
@@ -32,7 +32,7 @@ struct KeplerRecord {
   bool geostationary = false;  ///< BDS form
 };
 
-/// A record made ready: what does not change from epoch to epoch is worked out once.
+/// A record prepared for evaluation: what does not change from epoch to epoch is computed once.
 class KeplerOrbit {
  public:
   explicit KeplerOrbit(const KeplerRecord& record);
@@ -48,19 +48,19 @@ class KeplerOrbit {
   double axis_, motion_, root_, relativity_, node_;
 };
 
-/// Position, velocity (m, m/s) in the Earth-fixed frame that turns with the Earth.
+/// Position, velocity (m, m/s) in the rotating Earth-fixed frame.
 using GlonassState = std::array<double, 6>;
 using GlonassAcceleration = std::array<double, 3>;
 
-/// One Runge-Kutta step of fourth order with the central field, the flattening and a constant acceleration.
+/// One fourth-order Runge-Kutta step with the central field, the flattening and a constant acceleration.
 GlonassState GlonassStep(const GlonassState& state, const GlonassAcceleration& acceleration, double step_s);
 
 inline constexpr double kGlonassStep_s = 60;
 
-/// A state vector with its states at whole steps before and after, so that a position costs one short step.
+/// A state vector with its states at full steps before and after, so that a position costs one short step.
 class GlonassOrbit {
  public:
-  /// @param reach_s  how far from the reference time states are asked for
+  /// @param reach_s  largest distance from the reference time at which states are needed
   GlonassOrbit(double reference_s, const GlonassState& state, const GlonassAcceleration& acceleration,
                double bias_s, double rate, double reach_s);
   double StateAt(double time_s, double* position_m) const;

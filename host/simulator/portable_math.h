@@ -1,10 +1,9 @@
-// Sine, arc tangent and their like from additions, multiplications, divisions and square roots alone, which
-// IEEE 754 rounds correctly everywhere. A C library may round its own in the last place as it likes, and a
-// compiler may fold them at compile time; with these the same scenario gives the same bytes on every machine.
+// Sine, arc tangent and the like from additions, multiplications, divisions and square roots only, which IEEE
+// 754 rounds correctly everywhere. The functions of a C library may differ in the last place, and a compiler
+// may fold them at compile time; with these the same scenario gives the same bytes on every machine.
 // Errors stay below two units in the last place (PortableMath tests).
 //
-// Method: reduction of the argument with constants cut into pieces (Cody and Waite 1980), then Taylor's
-// series.
+// Method: argument reduction with split constants (Cody and Waite 1980), then Taylor series.
 #ifndef ORSOLVA_SIMULATOR_PORTABLE_MATH_H
 #define ORSOLVA_SIMULATOR_PORTABLE_MATH_H
 
@@ -50,7 +49,7 @@ inline double CosineNear0(double z) {
   c = c * z - 1.0 / 720.0;
   c = c * z + 1.0 / 24.0;
   const double half = 0.5 * z, head = 1 - half;
-  return head + ((1 - head - half) + z * z * c);  // what the head lost is added back
+  return head + ((1 - head - half) + z * z * c);  // adds back what the head lost
 }
 
 }  // namespace portable

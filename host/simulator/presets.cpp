@@ -37,7 +37,7 @@ const std::vector<Preset>& Presets() {
         "name": "storm",
         "errors": {"vertical_tec_night": 10, "vertical_tec_day": 70},
         "faults": [{"kind": "iono_storm", "size": 12, "at_s": 36000, "duration_s": 21600, "period_s": 600}]})"},
-      {"gaps", "outages of signals, satellites and the receiver, missing, late and repeated epochs", R"({
+      {"gaps", "outages of signals, satellites and the receiver, missing, late and duplicate epochs", R"({
         "name": "gaps",
         "receiver": {"start_up_s": 120, "acquisition_s": 30, "reacquisition_s": 60, "signal_delay_s": {"G5Q": 30}},
         "faults": [
@@ -50,13 +50,13 @@ const std::vector<Preset>& Presets() {
           {"kind": "late_epoch", "size": 0.25, "random": 5},
           {"kind": "late_delivery", "random": 5}
         ]})"},
-      {"clock", "a receiver clock that drifts and is set back by milliseconds", R"({
+      {"clock", "a receiver clock that drifts and is reset by milliseconds", R"({
         "name": "clock",
         "receiver": {"clock_drift": 1e-7, "millisecond_jumps": true}})"},
-      {"galileo-bands", "Galileo with the bands E5b and E5 besides E1, E5a and E6", R"({
+      {"galileo-bands", "Galileo with E5b and E5 in addition to E1, E5a and E6", R"({
         "name": "galileo-bands",
         "signals": {"E": ["1C", "5Q", "7Q", "8Q", "6C"]}})"},
-      {"high-rate", "an hour at ten epochs a second",
+      {"high-rate", "an hour at ten epochs per second",
        R"({"name": "high-rate", "hours": 1, "interval_s": 0.1})"},
   };
   return presets;

@@ -15,7 +15,7 @@ struct Preset {
 };
 
 const std::vector<Preset>& Presets();
-/// nullptr when there is none of the name.
+/// @return nullptr when there is none of that name
 const Preset* FindPreset(std::string_view name);
 
 }  // namespace orsolva_host

@@ -1,6 +1,5 @@
-// Random numbers without state: each value depends only on the seed and on what it is for, so that no value
-// depends on the order or the number of the others. Integer arithmetic up to the last step, hence the same
-// bits with every compiler.
+// Random numbers without state: each value depends only on the seed and its purpose, not on the order or the
+// number of the others. Integer arithmetic up to the last step gives the same bits with every compiler.
 #ifndef ORSOLVA_SIMULATOR_RANDOM_STREAMS_H
 #define ORSOLVA_SIMULATOR_RANDOM_STREAMS_H
 
@@ -8,7 +7,7 @@
 
 namespace orsolva_host {
 
-/// The finaliser of SplitMix64 (Steele, Lea and Flood 2014): scatters 64 bits.
+/// The finaliser of SplitMix64 (Steele, Lea and Flood 2014): mixes 64 bits.
 constexpr std::uint64_t Scatter(std::uint64_t x) {
   x += 0x9E3779B97F4A7C15ULL;
   x = (x ^ (x >> 30)) * 0xBF58476D1CE4E5B9ULL;
@@ -16,7 +15,7 @@ constexpr std::uint64_t Scatter(std::uint64_t x) {
   return x ^ (x >> 31);
 }
 
-/// A stream for one purpose, numbered by what it belongs to.
+/// A stream for one purpose, numbered by its owner.
 class RandomStream {
  public:
   constexpr explicit RandomStream(std::uint64_t seed) : key_(Scatter(seed)) {}

@@ -1,5 +1,5 @@
-// What is simulated: the sky, the receiver, its surroundings and the faults. Plain data with defaults that
-// make a quiet station-day; scenario_json.h reads it from a file and presets.h has some ready.
+// What is simulated: the sky, the receiver, its surroundings and the faults. Plain data; the defaults are a
+// quiet station-day. scenario_json.h reads a scenario from a file, presets.h contains some.
 #ifndef ORSOLVA_SIMULATOR_SCENARIO_H
 #define ORSOLVA_SIMULATOR_SCENARIO_H
 
@@ -21,7 +21,7 @@ class ScenarioError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// Which satellites and signals a fault meets. Empty parts mean all.
+/// The satellites and signals that a fault affects. Empty parts mean all.
 struct FaultTarget {
   char system = 0;     ///< 'G', 'R', 'E', 'J', 'C'; 0: every system
   int satellite = 0;   ///< number within the system; 0: every satellite
@@ -29,15 +29,16 @@ struct FaultTarget {
 };
 
 enum class FaultKind {
-  kSlip,          ///< size cycles are added to the phase, until the signal is acquired anew
+  kSlip,          ///< size cycles are added to the phase, until the signal is acquired again
   kCodeJump,      ///< size m are added to the pseudorange for the duration (0: to the end)
-  kOutage,        ///< nothing is tracked for the duration; the signals are acquired anew after it
-  kSnrDrop,       ///< size dB are taken from the SNR for the duration
-  kMissingEpoch,  ///< epochs within the duration are not delivered; tracking goes on (0: one epoch)
+  kOutage,        ///< nothing is tracked for the duration; then the signals are acquired again
+  kSnrDrop,       ///< the SNR is reduced by size dB for the duration
+  kMissingEpoch,  ///< epochs within the duration are not delivered; tracking continues (0: one epoch)
   kDuplicate,     ///< the epoch is delivered twice
   kLateTag,       ///< the epoch is measured, and tagged, size seconds late
   kLateDelivery,  ///< the epoch is delivered after its successor
-  kIonoStorm,     ///< size TECU of slant disturbance, with period_s, rising and dying away in the duration
+  kIonoStorm,     ///< size TECU of slant disturbance, with period_s, building up and dying away within the
+                  ///< duration
   kUnhealthy,     ///< broadcast records with a reference time in the duration (0: all of them) have size as
                   ///< their health word (0: 1)
   kClockJump,     ///< the receiver clock jumps by size ms
@@ -47,12 +48,12 @@ enum class FaultKind {
 struct Fault {
   FaultKind kind = FaultKind::kSlip;
   FaultTarget target;
-  double at_s = 0;  ///< from the start of the span; the first epoch at or after it is met
+  double at_s = 0;  ///< from the start of the span; takes effect at the first epoch at or after it
   double duration_s = 0;
   double size = 0;        ///< unit by kind
   double period_s = 600;  ///< kIonoStorm
-  /// Above 0: the fault happens this often, at random times; a slip, code jump, outage or SNR drop chooses
-  /// random signals above the elevation `random_above_deg` among those that the target leaves open.
+  /// Above 0: number of occurrences at random times; a slip, code jump, outage or SNR drop chooses random
+  /// signals above the elevation `random_above_deg` among those that match the target.
   int random = 0;
   double random_above_deg = 15;
 };
@@ -66,21 +67,21 @@ struct ByElevation {
 
 struct ReceiverModel {
   std::array<double, 3> position_m = {3582105.291, 532589.7313, 5232754.8054};  ///< ECEF
-  double cutoff_deg = 5;  ///< below it nothing is tracked
+  double cutoff_deg = 5;  ///< nothing is tracked below it
   double clock_bias_s = 2e-5;
   double clock_drift = 3e-10;      ///< s/s
   bool millisecond_jumps = false;  ///< keeps the clock within half a millisecond
   double start_up_s = 0;           ///< from the start of the span to the first tracking
-  double acquisition_s = 0;        ///< from rise above the cut-off to tracking
+  double acquisition_s = 0;        ///< from rising above the cut-off to tracking
   double reacquisition_s = 0;      ///< from the end of an outage to tracking
-  /// Further delay of single signals, by system letter and signal, such as "G5Q".
+  /// Additional delay of single signals, by system letter and signal, such as "G5Q".
   std::map<std::string, double> signal_delay_s;
 };
 
 struct ErrorModel {
   ByElevation code_noise_m = {0.12, 0.45};
   ByElevation multipath_m = {0.08, 0.60};  ///< amplitude of the slow periodic part
-  double multipath_period_s = 420;         ///< of a satellite overhead of the first signal; others lie near
+  double multipath_period_s = 420;         ///< nominal; that of each signal is close to it
   ByElevation phase_noise_m = {0.0008, 0.0025};
   double snr_zenith_dbhz = 50;
   double snr_horizon_dbhz = 33;
@@ -88,7 +89,7 @@ struct ErrorModel {
   bool troposphere = true;
   bool ionosphere = true;
   double vertical_tec_night = 4;  ///< TECU
-  double vertical_tec_day = 18;   ///< TECU above the night's, at 14 h local time
+  double vertical_tec_day = 18;   ///< TECU on top of that at night, at 14 h local time
 };
 
 struct Cadence {

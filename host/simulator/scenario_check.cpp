@@ -1,5 +1,4 @@
-// What a scenario may hold. Every complaint names the key as it stands in a scenario file, what was found and
-// what is expected.
+// Limits of a scenario. Every error names the key as in a scenario file, what was found and what is expected.
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -30,7 +29,8 @@ void InRange(const std::string& key, double value, double low, double high) {
 void WholeMultiple(const std::string& key, double value, double step) {
   const double count = value / step;
   if (std::fabs(count - std::round(count)) > 1e-9 * std::fabs(count)) {
-    throw ScenarioError(fmt::format("{}: found {:g}, expected a whole multiple of {:g}", key, value, step));
+    throw ScenarioError(
+        fmt::format("{}: found {:g}, expected an integer multiple of {:g}", key, value, step));
   }
 }
 
@@ -49,7 +49,7 @@ void CheckSystems(const std::string& systems) {
   }
   if (!good) {
     throw ScenarioError(
-        fmt::format("systems: found \"{}\", expected letters out of GREJC, each once", systems));
+        fmt::format("systems: found \"{}\", expected letters from GREJC, each once", systems));
   }
 }
 
@@ -80,8 +80,8 @@ void CheckReceiver(const ReceiverModel& receiver) {
     InRange(key, delay, 0, 86400);
     const int slot = signal.size() == 3 ? SystemSlot(signal[0]) : -1;
     if (slot < 0 || SignalNumber(kSystemTable[slot].code, signal.substr(1), kRinexVersion) == 0) {
-      throw ScenarioError(
-          key + ": found no signal of that name, expected a system letter and a signal such as G5Q");
+      throw ScenarioError(key +
+                          ": found an unknown signal, expected a system letter and a signal such as G5Q");
     }
   }
 }
@@ -120,7 +120,7 @@ void CheckGroup(const std::string& group, const std::vector<std::string>& names)
   const std::string key = "signals." + group;
   if (std::find(groups.begin(), groups.end(), group) == groups.end()) {
     throw ScenarioError(
-        fmt::format("{}: found no group of that name, expected {}", key, fmt::join(groups, ", ")));
+        fmt::format("{}: found an unknown group, expected one of {}", key, fmt::join(groups, ", ")));
   }
   if (names.size() > kMaxSignals) {
     throw ScenarioError(fmt::format("{}: found {} signals, expected at most 8", key, names.size()));
@@ -138,7 +138,7 @@ void CheckGroup(const std::string& group, const std::vector<std::string>& names)
   }
 }
 
-/// Whether a fault's target can be met when every system is on.
+/// Whether a fault's target exists when every system is enabled.
 bool Flies(const Scenario& scenario, const FaultTarget& target) {
   for (const NominalOrbit& orbit : NominalConstellation("GREJC")) {
     if (target.system != 0 && target.system != orbit.system) continue;

@@ -30,7 +30,7 @@ constexpr FaultKind kFaultKinds[] = {
   throw ScenarioError(fmt::format("{}: found {}, expected {}", key, value.dump(), expected));
 }
 
-/// The members of an object, each with what takes its value. A key without a taker is an error.
+/// The members of an object, each with the handler of its value. A key without a handler is an error.
 class Members {
  public:
   using Taker = std::function<void(const std::string& key, const Json& value)>;
@@ -165,12 +165,12 @@ FaultKind KindOf(const std::string& key, const Json& value) {
 int ReadCount(const std::string& key, const Json& value) {
   constexpr std::uint64_t kMost = 10000;
   if (!value.is_number_unsigned() || value.get<std::uint64_t>() > kMost) {
-    Wrong(key, value, "a whole number from 0 to 10000");
+    Wrong(key, value, "an integer from 0 to 10000");
   }
   return value.get<int>();
 }
 
-/// What the size of a fault counts; nullptr when the fault needs none.
+/// Unit of the size of a fault; nullptr when the fault needs none.
 const char* SizeUnit(FaultKind kind) {
   switch (kind) {
     case FaultKind::kSlip:
@@ -240,8 +240,8 @@ void ReadFaults(const std::string& key, const Json& value, Scenario& scenario) {
   }
 }
 
-/// Comments are taken; a key that stands twice in an object is not, nor is deep nesting, which messages about
-/// a value would follow down the stack.
+/// Comments are accepted; duplicate keys in an object are not, nor is deep nesting, which error messages
+/// about a value would follow down the stack.
 Json ParseOnceEach(const std::string& text) {
   constexpr int kDeepest = 16;
   std::vector<std::set<std::string>> keys;
@@ -250,15 +250,15 @@ Json ParseOnceEach(const std::string& text) {
     if (event == Json::parse_event_t::object_start) keys.emplace_back();
     if (event == Json::parse_event_t::object_end) keys.pop_back();
     if (event == Json::parse_event_t::key && !keys.back().insert(value.get<std::string>()).second) {
-      throw ScenarioError(value.get<std::string>() + ": found twice in one object, expected once");
+      throw ScenarioError(value.get<std::string>() + ": found a duplicate key, expected it once per object");
     }
     return true;
   };
   try {
     return Json::parse(text, look, true, true);
-  } catch (const Json::exception& error) {  // also a number beyond all doubles
+  } catch (const Json::exception& error) {  // also a number beyond the range of a double
     const std::string what = error.what();
-    throw ScenarioError("found no JSON: " + what.substr(what.find("] ") + 2));
+    throw ScenarioError("found invalid JSON: " + what.substr(what.find("] ") + 2));
   }
 }
 
@@ -291,7 +291,7 @@ std::string ParseStart(const std::string& text, Time_gbt& start) {
                       (full[10] == ' ' || full[10] == 'T') && full[13] == ':' && full[16] == ':';
   if (!shaped || !ParseCivil(v.substr(0, 4), v.substr(5, 2), v.substr(8, 2), v.substr(11, 2), v.substr(14, 2),
                              v.substr(17, 2), civil)) {
-    return "'" + text + "' is no time: give YYYY-MM-DD or \"YYYY-MM-DD HH:MM:SS\", GPS time";
+    return "'" + text + "' is not a time: give YYYY-MM-DD or \"YYYY-MM-DD HH:MM:SS\", GPS time";
   }
   start = ToTime(civil);
   return {};
@@ -304,7 +304,7 @@ void ReadScenario(const std::string& text, Scenario& s) {
       .On("station", s.station)
       .On("seed",
           [&s](const std::string& k, const Json& v) {
-            if (!v.is_number_unsigned()) Wrong(k, v, "a whole number from 0 on");
+            if (!v.is_number_unsigned()) Wrong(k, v, "a non-negative integer");
             s.seed = v.get<std::uint64_t>();
           })
       .On("systems", s.systems)

@@ -9,18 +9,18 @@
 
 namespace orsolva_host {
 
-/// Changes the settings that the text names; the others keep what `scenario` holds. Faults are added.
-/// @throws ScenarioError naming the key, what it holds and what is allowed
+/// Changes the settings named in the text; the others remain as in `scenario`. Faults are added.
+/// @throws ScenarioError naming the key, its value and what is allowed
 void ReadScenario(const std::string& text, Scenario& scenario);
 
 /// Reads and checks. @throws ScenarioError beginning with the path, also when the file cannot be read
 void ReadScenarioFile(const std::string& path, Scenario& scenario);
 
-/// "2020-06-25" or "2020-06-25 06:30:00", GPS time. @return an empty text, or what is wrong
+/// "2020-06-25" or "2020-06-25 06:30:00", GPS time. @return an empty text, or an error message
 std::string ParseStart(const std::string& text, Time_gbt& start);
 
-/// The system that must be on for a fault on "G04" is part of the target.
-/// @return an empty text, or what is wrong
+/// Parses a target such as "G04" or "G".
+/// @return an empty text, or an error message
 std::string ParseTarget(const std::string& text, FaultTarget& target);
 
 /// Names of the fault kinds.

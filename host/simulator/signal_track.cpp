@@ -18,7 +18,7 @@ constexpr std::uint64_t kSignalStream = 202;
 constexpr double kLargestAmbiguity = 1 << 20;
 constexpr double kTimeTolerance_s = 1e-7;
 
-/// Signals of the lower bands arrive weaker, the wide ones stronger.
+/// Signals of the lower bands are weaker, wideband ones stronger.
 double SnrOffset(char system, char band) {
   if (system == 'C' && band == '2') return 0;
   if (band == '2') return -4;

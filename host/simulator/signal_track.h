@@ -1,5 +1,4 @@
-// One signal of one satellite as a receiver tracks it: acquisition, ambiguity, errors, values and their
-// truth.
+// One signal of one satellite as tracked by a receiver: acquisition, ambiguity, errors, values and truth.
 #ifndef ORSOLVA_SIMULATOR_SIGNAL_TRACK_H
 #define ORSOLVA_SIMULATOR_SIGNAL_TRACK_H
 
@@ -15,7 +14,7 @@
 
 namespace orsolva_host {
 
-/// What all signals of a satellite share at an epoch.
+/// What all signals of a satellite have in common at an epoch.
 struct EpochGeometry {
   std::int64_t epoch = 0;
   double time_s = 0;  ///< of the tag, after the start of the span
@@ -35,7 +34,7 @@ class MovingMean {
  public:
   explicit MovingMean(std::size_t window) : values_(window) {}
   void Clear() { count_ = next_ = 0; }
-  /// @return the value less the mean of the window with it
+  /// @return the value minus the mean of the window that includes it
   double Residual(double value);
 
  private:
@@ -51,7 +50,7 @@ class SignalTrack {
   void AddFault(ActiveFault* fault) { faults_.push_back(fault); }
   int Number() const { return number_; }
 
-  /// Follows the signal to an epoch. @return whether it is tracked there, with its values in `out`
+  /// Advances the signal to an epoch. @return whether it is tracked then, with its values in `out`
   bool Update(const EpochGeometry& geometry, Signal_QC_gbt& out, SignalTruth& truth,
               std::vector<InjectedFault>& log);
 

@@ -17,13 +17,13 @@ namespace {
 constexpr std::int64_t kTicksPerSecond = 10000000;
 constexpr std::uint32_t kMaxSatellites = 80;
 constexpr double kClockLogStep_s = 600;
-/// A satellite this far below the horizon needs no look for a minute: none climbs a degree in that time.
+/// A satellite this far below the horizon is not evaluated for a minute: none climbs a degree in that time.
 constexpr double kDeep_rad = -2 * kRadian;
 constexpr double kDeepWait_s = 60;
 constexpr double kTravelTolerance_s = 1e-9;
 constexpr double kFirstTravel_s = 0.075;
 
-/// Epochs of the moving mean that a quality check takes off, by interval.
+/// Epochs of the moving mean that a quality check subtracts, by interval.
 int MeanWindow(double interval_s) {
   if (interval_s <= 5) return 50;
   return interval_s <= 30 ? static_cast<int>(300 / interval_s) : 10;
@@ -35,7 +35,7 @@ struct SatelliteWork {
   std::vector<std::int64_t> slips;  ///< epochs
   double travel_s = kFirstTravel_s;
   double travel_rate = 0;
-  double travel_time_s = -1e9;  ///< when it was found
+  double travel_time_s = -1e9;  ///< time of its computation
   double look_again_s = -1e9;
   double storm_phase = 0;
 };
@@ -59,7 +59,7 @@ class Simulation::Work {
   }
 
   bool Next(ObsEpoch_QC_gbt& epoch);
-  /// No more epochs than these are still to be given: each may come twice.
+  /// Upper bound of the epochs still to be delivered: each may come twice.
   std::size_t MostLeft() const {
     return 2 * (static_cast<std::size_t>(grid.epochs - done) + held_.size()) + waiting_.size();
   }
@@ -92,8 +92,8 @@ class Simulation::Work {
 
   std::vector<SatelliteWork> work_;
   std::vector<ActiveFault> faults_;
-  std::deque<ObsEpoch_QC_gbt> waiting_;  ///< repeated and held epochs, to be given next
-  std::deque<ObsEpoch_QC_gbt> held_;     ///< given after the next epoch
+  std::deque<ObsEpoch_QC_gbt> waiting_;  ///< duplicate and held epochs, delivered next
+  std::deque<ObsEpoch_QC_gbt> held_;     ///< delivered after the next epoch
   double tag_s_ = 0;
   double bias_s_ = 0;
   double last_clock_log_s_ = -1e9;
@@ -152,7 +152,7 @@ void Simulation::Work::BeginFaults() {
   }
 }
 
-/// The satellites and signals of a target that stand above a limit; one entry a signal.
+/// The satellites and signals of a target above an elevation limit; one entry per signal.
 std::vector<FaultTarget> Simulation::Work::Visible(const FaultTarget& target, double seconds,
                                                    double above_deg) const {
   std::vector<FaultTarget> all;
@@ -238,7 +238,7 @@ void Simulation::Work::LogClock(const Time_gbt& time, double time_s, double bias
   last_clock_log_s_ = time_s;
 }
 
-/// Writes a fault into the truth at its first epoch. Slips are written by the signals that they meet.
+/// Records a fault in the truth at its first epoch. Slips are recorded by the signals that they affect.
 void Simulation::Work::LogOnce(ActiveFault& active) {
   if (active.record >= 0 || active.first != done || active.fault.kind == FaultKind::kSlip) return;
   const Fault& fault = active.fault;
@@ -324,7 +324,7 @@ double Simulation::Work::StormTec(const SatelliteWork& work, double time_s) cons
 void Simulation::Work::MakeSatellite(std::size_t index, double true_s, bool delivered,
                                      ObsEpoch_QC_gbt& epoch) {
   SatelliteWork& work = work_[index];
-  // A slip is told of even when the satellite is not up.
+  // A slip is recorded even when the satellite is below the horizon.
   const bool slips = std::find(work.slips.begin(), work.slips.end(), done) != work.slips.end();
   if (true_s < work.look_again_s && !slips) return;
   const double step = true_s - work.travel_time_s;

@@ -1,4 +1,4 @@
-// Turns a scenario into broadcast records and epochs of observations, as the library takes them.
+// Turns a scenario into broadcast records and epochs of observations for the library.
 //
 //   Simulation simulation(scenario);
 //   InitialQc(simulation.Navigation().Body(), &config, handle);
@@ -6,9 +6,9 @@
 //   while (simulation.NextBatch(batch, 2880) > 0) GNSSQCPlus({int(batch.size()), batch.data()}, handle);
 //   const Truth& truth = simulation.TruthSoFar();
 //
-// Every value is rounded to what a RINEX file carries before it is given out, so that files and records hold
-// the same numbers. The same scenario gives the same bits, however the epochs are fetched. Memory does not
-// grow with the number of epochs.
+// Every value is rounded to the digits of a RINEX file before it is delivered, so that files and records
+// contain the same numbers. The same scenario gives the same bits, however the epochs are fetched. Memory
+// does not grow with the number of epochs.
 #ifndef ORSOLVA_SIMULATOR_SIMULATION_H
 #define ORSOLVA_SIMULATOR_SIMULATION_H
 
@@ -25,7 +25,7 @@
 
 namespace orsolva_host {
 
-/// The true circumstances of one satellite above the horizon at the nominal epoch made last.
+/// True geometry of a satellite above the horizon at the last nominal epoch.
 struct SatelliteMoment {
   char system = 'G';
   int number = 0;
@@ -50,14 +50,14 @@ class Simulation {
   const NavigationSet& Navigation() const;
   const Sky& TheSky() const;
 
-  /// Gives the next epoch. @return false at the end of the span
+  /// Returns the next epoch. @return false at the end of the span
   bool Next(ObsEpoch_QC_gbt& epoch);
   /// Fills the batch with up to `most` epochs. @return their number; 0 at the end of the span
   std::size_t NextBatch(std::vector<ObsEpoch_QC_gbt>& batch, std::size_t most);
 
-  /// Satellites above the horizon at the nominal epoch made last.
+  /// Satellites above the horizon at the last nominal epoch.
   const std::vector<SatelliteMoment>& Moments() const;
-  /// What is true of the epochs given so far; whole once the span has ended.
+  /// Truth of the epochs delivered so far; complete once the span has ended.
   const Truth& TruthSoFar() const;
   std::uint64_t NominalEpochs() const;
   std::uint64_t NominalEpochsDone() const;

@@ -133,7 +133,7 @@ class Sky::Stores {
     double reference_s = s.first_s;
     for (GloEph_gbt& e : GlonassRecords(orbit, times)) {
       e.svh = health[s.glonass.size()];
-      // The same products as a reader of the record forms, which has kilometres.
+      // The same products as a reader of the record computes, in kilometres.
       const GlonassState state = {e.x * 1000, e.y * 1000, e.z * 1000, e.vx * 1000, e.vy * 1000, e.vz * 1000};
       const GlonassAcceleration pull = {e.ax * 1000, e.ay * 1000, e.az * 1000};
       s.glonass.emplace_back(reference_s, state, pull, e.clock_bias, e.clock_rate, s.step_s / 2 + 120);

@@ -1,4 +1,4 @@
-// The satellites of a scenario: broadcast records over its span, and where the records put a satellite.
+// The satellites of a scenario: broadcast records over its span, and positions computed from them.
 #ifndef ORSOLVA_SIMULATOR_SKY_H
 #define ORSOLVA_SIMULATOR_SKY_H
 
@@ -16,7 +16,7 @@ struct SkySatellite {
   char system = 'G';
   int number = 0;
   int channel = 0;      ///< GLONASS frequency channel
-  bool healthy = true;  ///< by one of its records at least
+  bool healthy = true;  ///< according to at least one of its records
 };
 
 struct SkyState {
@@ -24,9 +24,9 @@ struct SkyState {
   double clock_s = 0;         ///< with the relativistic term
 };
 
-/// Records are rounded to what a RINEX file carries, and positions are computed from the rounded records, by
-/// the rules of the interface documents of the systems: so a reader of the records has the same positions.
-/// Consecutive records of a satellite describe one orbit and one clock.
+/// Records are rounded to the digits of a RINEX file, and positions are computed from the rounded records by
+/// the rules of the interface documents, so that a reader of the records gets the same positions. Consecutive
+/// records of a satellite describe one orbit and one clock.
 class Sky {
  public:
   explicit Sky(const Scenario& scenario);
@@ -38,7 +38,7 @@ class Sky {
   /// In the order in which a receiver lists them: by system as in "GREJC", then by number.
   const std::vector<SkySatellite>& Satellites() const;
 
-  /// State of Satellites()[index] at a transmission time, from the record whose reference time lies nearest
+  /// State of Satellites()[index] at a transmission time, from the record whose reference time is nearest
   /// to the reception time; the later one of two equally near.
   /// @param transmit_s  GPS time in seconds after the start of the scenario's span
   /// @param receive_s   likewise

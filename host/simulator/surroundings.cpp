@@ -14,7 +14,7 @@ constexpr double kShellRatio = 6371.0 / (6371.0 + 400.0);
 constexpr double kHumidity = 0.7;
 
 double VerticalTec(double local_hour, double night, double day) {
-  // A smooth hump of fourteen hours around the early afternoon.
+  // A smooth maximum of fourteen hours around the early afternoon.
   const double wave = std::max(0.0, Cosine((local_hour - 14) * kPi / 14));
   return night + day * wave * wave;
 }
@@ -70,7 +70,7 @@ double SlantTec(const Site& site, const Direction& d, double day_s, double night
   const auto [east, north] = SineCosineOf(d.azimuth_rad);
   const double longitude = site.longitude_rad + ArcTangent(east * sa, cf * ca - sf * sa * north);
   double hour = day_s / 3600 + longitude * 12 / kPi;
-  hour -= 24 * std::floor((hour - 2) / 24);  // from 2 h to 26 h, so that the hump is whole
+  hour -= 24 * std::floor((hour - 2) / 24);  // from 2 h to 26 h, so that the maximum is not split
   return VerticalTec(hour, night, day) / shell_cosine;
 }
 

@@ -1,4 +1,4 @@
-// What lies between satellite and receiver: directions, troposphere and ionosphere.
+// Between satellite and receiver: directions, troposphere and ionosphere.
 #ifndef ORSOLVA_SIMULATOR_SURROUNDINGS_H
 #define ORSOLVA_SIMULATOR_SURROUNDINGS_H
 
@@ -33,7 +33,7 @@ double TroposphereDelay(const Site& site, double elevation_rad);
 /// @param day_s  seconds of the day, GPS time
 double SlantTec(const Site& site, const Direction& direction, double day_s, double night, double day);
 
-/// Metres of code delay a TECU on a carrier; the phase advances by as much.
+/// Code delay in metres per TECU on a carrier; the phase advances by the same amount.
 double MetresPerTecu(double frequency_hz);
 
 }  // namespace orsolva_host

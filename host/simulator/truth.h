@@ -1,4 +1,4 @@
-// What is true of a simulated span: everything that a quality check should find, counted as it was made.
+// Truth of a simulated span: everything that a quality check should find, counted during generation.
 #ifndef ORSOLVA_SIMULATOR_TRUTH_H
 #define ORSOLVA_SIMULATOR_TRUTH_H
 
@@ -32,8 +32,8 @@ struct SignalTruth {
   MeanOf noise_square;             ///< m^2, above the cut-off
   MeanOf multipath_square;         ///< m^2, above the cut-off
   MeanOf code_error_square;        ///< m^2, above the cut-off: noise, multipath and code jumps together
-  MeanOf detrended_square;  ///< m^2, above the cut-off: noise and multipath less their moving mean, see
-                            ///< Truth; a code jump begins the mean anew
+  MeanOf detrended_square;  ///< m^2, above the cut-off: noise and multipath minus their moving mean, see
+                            ///< Truth; a code jump restarts the mean
   MeanOf snr;               ///< dB-Hz, every epoch tracked
   MeanOf snr_above_cutoff;
   MeanOf snr_below30;  ///< at and below 30 degrees
@@ -52,16 +52,16 @@ struct SatelliteTruth {
   std::vector<SignalTruth> signals;
 };
 
-/// One thing that was done to the data.
+/// One fault injected into the data.
 struct InjectedFault {
   std::string kind;       ///< as in a scenario file, such as "slip"
-  std::string satellite;  ///< such as "G04"; empty when all are met
-  std::string signal;     ///< empty when all are met
-  Time_gbt time = {};     ///< of the first epoch met
+  std::string satellite;  ///< such as "G04"; empty when all are affected
+  std::string signal;     ///< empty when all are affected
+  Time_gbt time = {};     ///< of the first epoch affected
   double duration_s = 0;
   double size = 0;
   double elevation_deg = 0;  ///< with a satellite
-  bool seen = true;          ///< false when the signal was not tracked then, so that nothing shows
+  bool seen = true;          ///< false when the signal was not tracked at the time, so nothing shows
 };
 
 struct ClockMoment {
@@ -74,10 +74,10 @@ struct Truth {
   std::array<double, 3> header_position_m = {};
   double cutoff_deg = 10;
   double interval_s = 30;
-  /// Epochs of the moving mean taken off the code error; as long as the quality check's.
+  /// Epochs of the moving mean subtracted from the code error; equal to the averaging window of the check.
   int mean_window = 10;
   std::uint64_t nominal_epochs = 0;
-  std::uint64_t delivered_epochs = 0;  ///< with repeated ones
+  std::uint64_t delivered_epochs = 0;  ///< including duplicates
   std::uint64_t missing_epochs = 0;
   Time_gbt first = {};
   Time_gbt last = {};

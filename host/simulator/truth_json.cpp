@@ -63,7 +63,7 @@ Json FaultJson(const InjectedFault& f) {
 Json ReceiverJson(const Truth& truth) {
   Json j;
   j["track"] = Json::array();
-  // The receiver stands still, so its track is one place.
+  // The receiver is static, so its track is one point.
   j["track"].push_back({{"time_gpst", TimeText(truth.first)}, {"position_ecef_m", truth.position_m}});
   j["header_position_ecef_m"] = truth.header_position_m;
   j["clock"] = Json::array();

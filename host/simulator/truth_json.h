@@ -1,4 +1,4 @@
-// truth.json: what is true of a simulated span.
+// Writes truth.json, the truth of a simulated span.
 #ifndef ORSOLVA_SIMULATOR_TRUTH_JSON_H
 #define ORSOLVA_SIMULATOR_TRUTH_JSON_H
 

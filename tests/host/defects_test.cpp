@@ -62,7 +62,7 @@ TEST(Defects, ARepeatedHeaderIsTakenAndHoldsFromThereOn) {
   EXPECT_EQ(file.epochs[1].sats[0].signals[0].pseudorange, 2);
   EXPECT_EQ(file.epochs[1].sats[0].signals[0].snr, 41);
   EXPECT_EQ(file.LineOf("header lines among the observations"), 6);
-  EXPECT_TRUE(file.Said("change in the file"));
+  EXPECT_TRUE(file.Said("change within the file"));
   const ReadFile old(Header2() + Good2("00.00") + Header2() + Good2("30.00"));
   EXPECT_EQ(old.epochs.size(), 2U);
   EXPECT_TRUE(old.Said("header lines among the observations"));
@@ -96,7 +96,7 @@ TEST(Defects, MarkersOfMovingAntennasAndNewSitesAreNamed) {
                       ">                              3  1\n" + HeaderLine("NEXT", "MARKER NAME") +
                       Good("20.0"));
   ASSERT_EQ(file.epochs.size(), 3U);
-  EXPECT_EQ(file.LineOf("antenna begins to move"), 6);
+  EXPECT_EQ(file.LineOf("antenna starts moving"), 6);
   EXPECT_EQ(file.LineOf("new site occupation"), 10);
   EXPECT_EQ(file.header.marker, "NEXT");
 }
@@ -144,7 +144,7 @@ TEST(Defects, AMissingLastLineEndCostsOnlyAValueCutInsideIt) {
   const ReadFile cut(whole.substr(0, whole.size() - 2));
   EXPECT_EQ(cut.epochs.at(0).sats[0].signals[0].pseudorange, 1);
   EXPECT_EQ(cut.epochs[0].sats[0].signals[0].snr, 0);
-  EXPECT_EQ(cut.LineOf("cut off inside it"), 5);
+  EXPECT_EQ(cut.LineOf("truncated file"), 5);
 }
 
 TEST(Defects, ACrinexValueCutByTheEndOfTheFileCountsAsMissing) {
@@ -152,7 +152,7 @@ TEST(Defects, ACrinexValueCutByTheEndOfTheFileCountsAsMissing) {
   const ReadFile cut(text.substr(0, text.size() - 3));
   EXPECT_EQ(cut.epochs.at(0).sats[0].signals[0].pseudorange, 1);
   EXPECT_EQ(cut.epochs[0].sats[0].signals[0].snr, 0);
-  EXPECT_TRUE(cut.Said("counts as missing"));
+  EXPECT_TRUE(cut.Said("treated as missing"));
 }
 
 TEST(Defects, MoreSatellitesThanTheEpochLineSaysAreTaken) {
@@ -161,8 +161,8 @@ TEST(Defects, MoreSatellitesThanTheEpochLineSaysAreTaken) {
                       Good("30.0"));
   ASSERT_EQ(file.epochs.size(), 2U);
   EXPECT_EQ(file.epochs[0].sat_num, 3U);
-  EXPECT_EQ(file.LineOf("more lines than it says"), 6);
-  EXPECT_EQ(file.CountOf("more lines than it says"), 2);
+  EXPECT_EQ(file.LineOf("more lines than declared"), 6);
+  EXPECT_EQ(file.CountOf("more lines than declared"), 2);
 }
 
 TEST(Defects, SatellitesBeyond999OfAnEpochArePassedOver) {
@@ -178,25 +178,25 @@ TEST(Defects, ALastEpochCutOffKeepsTheSatellitesItHas) {
                        Satellite("G05", {"1.000", "40.000"}));
   ASSERT_EQ(plain.epochs.size(), 2U);
   EXPECT_EQ(plain.epochs[1].sat_num, 1U);
-  EXPECT_EQ(plain.LineOf("ends inside an epoch"), 7);
+  EXPECT_EQ(plain.LineOf("ends within an epoch"), 7);
   const ReadFile old(Header2() + Good2("00.00") +
                      " 21 12 21  0  0 30.0000000  0  2G05G06\n         1.000          40.000\n");
   ASSERT_EQ(old.epochs.size(), 2U);
   EXPECT_EQ(old.epochs[1].sat_num, 1U);
-  EXPECT_TRUE(old.Said("ends inside an epoch"));
+  EXPECT_TRUE(old.Said("ends within an epoch"));
   const std::string two = "> 2021 12 21 00 00 30.0000000  0  2      G05G06\n\n3&1000 3&40000\n";
   const ReadFile crinex(Crinex(CrinexEpoch("00.0") + two));
   ASSERT_EQ(crinex.epochs.size(), 2U);
   EXPECT_EQ(crinex.epochs[1].sat_num, 1U);
-  EXPECT_TRUE(crinex.Said("ends inside an epoch"));
+  EXPECT_TRUE(crinex.Said("ends within an epoch"));
 }
 
 TEST(Defects, EpochsThatStandTwiceOrRunBackwardsAreGivenAndNamed) {
   const ReadFile file(Header(kTypes) + Good("30.0") + Good("30.0") + Good("10.0") + Good("40.0"));
   ASSERT_EQ(file.epochs.size(), 4U);
-  EXPECT_EQ(file.LineOf("stand twice"), 6);
-  EXPECT_EQ(file.LineOf("runs backwards"), 8);
-  EXPECT_EQ(file.CountOf("runs backwards"), 1);
+  EXPECT_EQ(file.LineOf("duplicate epochs"), 6);
+  EXPECT_EQ(file.LineOf("goes backwards"), 8);
+  EXPECT_EQ(file.CountOf("goes backwards"), 1);
 }
 
 TEST(Defects, SatellitesListedWithoutAValueAreLeftOutAndCounted) {
@@ -204,8 +204,8 @@ TEST(Defects, SatellitesListedWithoutAValueAreLeftOutAndCounted) {
                       Satellite("G07", {"3.000", "40.000"}));
   ASSERT_EQ(file.epochs.at(0).sat_num, 1U);
   EXPECT_EQ(file.epochs[0].sats[0].prn, 7);
-  EXPECT_EQ(file.LineOf("listed without a value"), 4);
-  EXPECT_EQ(file.CountOf("listed without a value"), 2);
+  EXPECT_EQ(file.LineOf("listed without observations"), 4);
+  EXPECT_EQ(file.CountOf("listed without observations"), 2);
 }
 
 TEST(Defects, OfASatelliteListedTwiceTheFirstIsJudged) {
@@ -214,7 +214,7 @@ TEST(Defects, OfASatelliteListedTwiceTheFirstIsJudged) {
                       Good("30.0"));
   ASSERT_EQ(file.epochs.at(0).sat_num, 1U);
   EXPECT_EQ(file.epochs[0].sats[0].signals[0].pseudorange, 1);
-  EXPECT_EQ(file.CountOf("listed twice"), 1);
+  EXPECT_EQ(file.CountOf("duplicate satellite"), 1);
   EXPECT_EQ(file.epochs.at(1).sat_num, 1U);
 }
 
@@ -239,7 +239,7 @@ TEST(Defects, AbsurdCountsEndWithTheEpochOrTheFile) {
   const ReadFile plain(Header(kTypes) + Epoch("00.0", 999) + Satellite("G05", {"1.000", "40.000"}) +
                        Good("30.0"));
   EXPECT_EQ(plain.epochs.size(), 2U);
-  EXPECT_TRUE(plain.Said("fewer lines than it says"));
+  EXPECT_TRUE(plain.Said("fewer lines than declared"));
   const ReadFile old(Header2() + " 21 12 21  0  0  0.0000000  0999G05\n" + Good2("30.00"));
   EXPECT_LE(old.epochs.size(), 2U);
   EXPECT_GE(old.notices.Total(), 1);
@@ -264,7 +264,7 @@ TEST(Defects, TypeListsOfADamagedHeaderStayBounded) {
 TEST(Defects, ALineWithoutEndIsPassedOverInPieces) {
   const ReadFile file(Header(kTypes) + Good("00.0") + std::string(3000000, 'x') + "\n" + Good("30.0"));
   EXPECT_EQ(file.epochs.size(), 2U);
-  EXPECT_TRUE(file.Said("passed over"));
+  EXPECT_TRUE(file.Said("skipped"));
 }
 
 TEST(Defects, BytesThatAreNoTextArePassedOver) {

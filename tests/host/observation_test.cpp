@@ -107,7 +107,7 @@ TEST(ObservationReader, TypesWithoutANumberAreLeftOutWithOneNoticeEach) {
   ASSERT_EQ(file.epochs.size(), 2U);
   EXPECT_EQ(file.epochs[1].sats[0].signal_num, 1U);
   EXPECT_EQ(file.epochs[1].sats[0].signals[0].phase, 3.0);
-  EXPECT_TRUE(file.Said("observation type C2C of Galileo is not judged"));
+  EXPECT_TRUE(file.Said("observation type C2C of Galileo is not supported"));
   EXPECT_EQ(file.notices.Notices()[0].count, 1);
 }
 
@@ -121,7 +121,7 @@ TEST(ObservationReader, OnlyTheFirstEightSignalsAreKeptWithANotice) {
   EXPECT_EQ(file.epochs[0].sats[0].signals[7].code, 20);
   EXPECT_EQ(file.epochs[1].sats[0].signal_num, 8U);
   EXPECT_EQ(file.epochs[1].sats[0].signals[7].code, 21);
-  EXPECT_TRUE(file.Said("beyond the first 8"));
+  EXPECT_TRUE(file.Said("more than 8 signals"));
   EXPECT_EQ(file.notices.Total(), 2);  // the other: no S types
 }
 
@@ -136,7 +136,7 @@ TEST(ObservationReader, OnlyTheFirstEightySatellitesAreKeptWithANotice) {
   ASSERT_EQ(file.epochs.size(), 1U);
   EXPECT_EQ(file.epochs[0].sat_num, 80U);
   EXPECT_EQ(file.epochs[0].sats[79].prn, 17);
-  EXPECT_TRUE(file.Said("beyond the first 80"));
+  EXPECT_TRUE(file.Said("more than 80 satellites"));
   EXPECT_EQ(file.notices.Total(), 5);
 }
 
@@ -174,7 +174,7 @@ TEST(ObservationReader, TypesChangedByAnEventHoldFromThereOn) {
   ASSERT_EQ(file.epochs.size(), 2U);
   EXPECT_EQ(file.epochs[0].sats[0].signals[0].phase, 2.0);
   EXPECT_EQ(file.epochs[1].sats[0].signals[0].phase, 1.0);
-  EXPECT_TRUE(file.Said("change in the file"));
+  EXPECT_TRUE(file.Said("change within the file"));
 }
 
 TEST(ObservationReader, ScaleFactorsDivide) {
@@ -250,8 +250,8 @@ TEST(ObservationReader, AnEpochWithFewerLinesThanItSaysKeepsWhatItHas) {
   ASSERT_EQ(file.epochs.size(), 2U);
   EXPECT_EQ(file.epochs[0].sat_num, 1U);
   EXPECT_EQ(file.epochs[1].sats[0].prn, 6);
-  EXPECT_TRUE(file.Said("fewer lines than it says"));
-  EXPECT_TRUE(file.Said("ends inside an epoch"));
+  EXPECT_TRUE(file.Said("fewer lines than declared"));
+  EXPECT_TRUE(file.Said("ends within an epoch"));
 }
 
 TEST(ObservationReader, DamagedLinesArePassedOverWithTheirPlace) {
@@ -262,16 +262,16 @@ TEST(ObservationReader, DamagedLinesArePassedOverWithTheirPlace) {
   EXPECT_EQ(file.epochs[0].sats[0].signals[0].phase, 0.0);
   EXPECT_EQ(file.epochs[1].sats[0].prn, 6);
   EXPECT_EQ(file.LineOf("belong to no epoch"), 4);
-  EXPECT_EQ(file.LineOf("satellite cannot be read"), 6);
-  EXPECT_EQ(file.LineOf("no number"), 7);
-  EXPECT_EQ(file.LineOf("epoch line that cannot be read"), 8);
+  EXPECT_EQ(file.LineOf("unreadable satellite"), 6);
+  EXPECT_EQ(file.LineOf("not a number"), 7);
+  EXPECT_EQ(file.LineOf("unreadable epoch line"), 8);
 }
 
 TEST(ObservationReader, LaterVersionsAreReadWithANotice) {
   const ReadFile file(Header(kOneSignal, "4.09") + Epoch("00.0", 1) + Satellite("G05", {"1.0"}));
   EXPECT_EQ(file.epochs.size(), 1U);
-  EXPECT_TRUE(file.Said("later than those known"));
-  EXPECT_FALSE(ReadFile(Header(kOneSignal, "4.01")).Said("later"));
+  EXPECT_TRUE(file.Said("newer than any supported"));
+  EXPECT_FALSE(ReadFile(Header(kOneSignal, "4.01")).Said("newer"));
 }
 
 FileError ErrorOf(const std::string& text) {
@@ -337,7 +337,7 @@ TEST(CrinexReader, ABlankValueEndsItsArc) {
   EXPECT_EQ(file.epochs[1].sats[0].signals[0].phase, 2.005);
   EXPECT_EQ(file.epochs[2].sats[0].signals[0].pseudorange, 0.0);
   EXPECT_EQ(file.epochs[2].sats[0].signals[0].phase, 2.016);
-  EXPECT_TRUE(file.Said("without a value before it"));
+  EXPECT_TRUE(file.Said("without an initial value"));
 }
 
 TEST(CrinexReader, ASatelliteAwayForAnEpochBeginsAnew) {
@@ -366,7 +366,7 @@ TEST(CrinexReader, AfterDamageReadingGoesOnAtTheNextFullEpochLine) {
   ASSERT_EQ(file.epochs.size(), 3U);
   EXPECT_EQ(file.epochs[1].time.time - file.epochs[0].time.time, 40);
   EXPECT_EQ(file.epochs[2].sats[0].signals[0].pseudorange, 1.001);
-  EXPECT_TRUE(file.Said("read on at the next full one"));
+  EXPECT_TRUE(file.Said("resumes at the next full one"));
 }
 
 // Real files.

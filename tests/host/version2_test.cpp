@@ -190,7 +190,7 @@ TEST(Version2, TypesChangedByAnEventHoldFromThereOn) {
   ASSERT_EQ(file.epochs.size(), 2U);
   EXPECT_EQ(file.epochs[0].sats[0].signals[0].phase, 2);
   EXPECT_EQ(file.epochs[1].sats[0].signals[0].phase, 1);
-  EXPECT_TRUE(file.Said("change in the file"));
+  EXPECT_TRUE(file.Said("change within the file"));
 }
 
 TEST(Version2, CycleSlipRecordsAreNoObservations) {
@@ -208,7 +208,7 @@ TEST(Version2, AnEpochWithFewerLinesThanItSaysKeepsWhatItHas) {
   ASSERT_EQ(file.epochs.size(), 2U);
   EXPECT_EQ(file.epochs[0].sat_num, 1U);
   EXPECT_EQ(file.epochs[1].sats[0].prn, 7);
-  EXPECT_EQ(file.LineOf("fewer lines than it says"), 6);
+  EXPECT_EQ(file.LineOf("fewer lines than declared"), 6);
 }
 
 TEST(Version2, HalfCyclePhasesAreNamed) {
@@ -230,7 +230,7 @@ TEST(Version2, SignalStrengthIsTakenFromTheDigitOnlyWhenAskedAndNothingBetterIsT
   const ReadFile asked(text, options);
   EXPECT_EQ(asked.epochs.at(0).sats[0].signals[0].snr, 42);
   EXPECT_TRUE(asked.strength);
-  EXPECT_TRUE(asked.Said("digits after the phases"));
+  EXPECT_TRUE(asked.Said("digits of the phases"));
   const ReadFile blank(Header({"C1", "L1"}) + Epoch("00.00", {"G05"}) + PhaseWithDigit('0'), options);
   EXPECT_EQ(blank.epochs.at(0).sats[0].signals[0].snr, 0);
   std::string with_type = Values({"1.000", "2.000", "45.000"});

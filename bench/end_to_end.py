@@ -5,7 +5,7 @@ usage: bench/end_to_end.py BUILD OBS NAV [--rounds N] [--jobs-files N]
 
 The reports are asked for alone and both in one run. Rounds of the commands alternate, so that what else the
 machine does meets all alike; processor time (user and system) of the fastest round counts.
-With --jobs-files N, as many copies of the day are judged by one process after the other and by
+With --jobs-files N, as many copies of the day are processed by one process after the other and by
 two at a time, and the rates are compared by the clock on the wall.
 """
 import argparse

@@ -26,7 +26,7 @@ endif()
 target_compile_options(orsolva_flags INTERFACE $<$<NOT:$<CONFIG:Release>>:
   -ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -ffile-prefix-map=${PROJECT_BINARY_DIR}=./build>)
 
-# Archives without times and owners: GNU's ar can be built to leave them out only when told to.
+# Archives without times and owners: GNU's ar can be built to leave them out only on request.
 if(NOT DEFINED ORSOLVA_AR_IS_DETERMINISTIC)
   execute_process(COMMAND ${CMAKE_AR} --help OUTPUT_VARIABLE _help ERROR_VARIABLE _help)
   string(FIND "${_help}" "[D]" _found)

@@ -1,5 +1,5 @@
 # Linux on 64-bit ARM, by Debian's cross compiler (g++-aarch64-linux-gnu); programs run under qemu-aarch64. Libraries
-# and headers beside those of the compiler come from the folder that scripts/sysroot.sh makes.
+# and headers besides those of the compiler come from the folder that scripts/sysroot.sh makes.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)

@@ -11,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
 namespace {
 
-constexpr std::size_t kMaxDecompressed = 1U << 22;  // enough to tell; keeps a run short
+constexpr std::size_t kMaxDecompressed = 1U << 22;  // enough to see; keeps a run short
 
 }  // namespace
 

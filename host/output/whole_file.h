@@ -14,7 +14,7 @@ namespace orsolva_host {
 
 /// A set of files that appear together when all are written, or not at all when one fails.
 ///
-/// A file is written beside its target under a hidden name ".part-NAME", compressed with gzip when the name
+/// A file is written next to its target under a hidden name ".part-NAME", compressed with gzip when the name
 /// ends in ".gz". A target that is not a regular file, such as /dev/stdout, is written directly.
 class WholeFiles {
  public:

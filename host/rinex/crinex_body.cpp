@@ -26,7 +26,7 @@ constexpr std::ptrdiff_t kMaxDigits = 18;
 struct Form {
   char mark;  ///< begins a full epoch line
   std::size_t satellite_column;
-  double clock_units_per_s;  ///< the receiver clock offset is a whole number of these
+  double clock_units_per_s;  ///< the receiver clock offset is an integer number of these
   bool (*parse)(std::string_view, EpochLine&);
 };
 

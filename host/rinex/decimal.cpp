@@ -11,12 +11,12 @@ namespace {
 constexpr double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
                                    1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 constexpr int kLargestExactPower = 22;
-// Ten times this plus nine is still below 2^53, where every whole number is a double.
+// Ten times this plus nine is still below 2^53, where every integer is a double.
 constexpr std::uint64_t kMantissaRoom = 900719925474098ULL;
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-/// A number as it is scanned: sign, digits as one whole number, power of ten.
+/// A number as it is scanned: sign, digits as one integer, power of ten.
 struct Scan {
   bool negative = false;
   bool exact = true;  ///< the mantissa holds every digit

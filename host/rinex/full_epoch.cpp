@@ -27,7 +27,7 @@ SignalCode CodeOf(char letter, const std::string& type, double version) {
   return {type[1], type[2]};
 }
 
-/// The signal of a type of RINEX 2, as far as its header tells; an empty text where it has none.
+/// The signal of a type of RINEX 2, as far as the header determines it; empty if there is none.
 std::string_view SignalOf2(const std::vector<std::string>& types, char letter, const std::string& type) {
   const bool lettered = type.size() == 2 && std::any_of(types.begin(), types.end(), [&](const auto& other) {
                           return BandOfLettered(other) == type[1] - '0';

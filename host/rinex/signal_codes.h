@@ -19,7 +19,7 @@ std::string_view SignalName(int system, int number);
 /// The band slot of a signal number; 0 when unknown.
 int SignalBandSlot(int system, int number);
 
-/// Name of the band whose figures stand in a band slot, such as "L1" or "E5a"; empty for a slot not in use.
+/// Name of the band of a band slot, such as "L1" or "E5a"; empty for a slot not in use.
 std::string_view BandName(int system, int band_slot);
 
 }  // namespace orsolva_host

@@ -18,7 +18,7 @@
 namespace orsolva_host {
 namespace {
 
-/// "01D", "06H", "30M": the largest unit that gives a whole number.
+/// "01D", "06H", "30M": the largest unit that gives an integer.
 std::string PeriodText(double hours) {
   const auto minutes = static_cast<long>(std::ceil(hours * 60 - 1e-9));
   if (minutes % 1440 == 0) return fmt::format("{:02}D", minutes / 1440);

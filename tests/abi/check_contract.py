@@ -3,7 +3,7 @@
 usage: check_contract.py COMPILER LIBRARY HEADER_FOLDER REFERENCE_FOLDER [--write]
 
 Every field of every record of records.h is asked of the compiler: offset and size. The symbols are those a host
-can bind to. --write makes the reference anew: only for a release that breaks every host on purpose.
+can bind to. --write rewrites the reference: only for a release that breaks every host on purpose.
 """
 import os
 import re

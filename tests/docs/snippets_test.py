@@ -3,7 +3,7 @@
 
 usage: snippets_test.py ROOT [--write]
 
-A quotation is a fenced block after the line <!-- from FILE [NAME] -->. It shows what stands between two comments
+A quotation is a fenced block after the line <!-- from FILE [NAME] -->. It shows the text between two comments
 [NAME] of that file, without the indentation that its lines share. --write puts the present text there.
 """
 import pathlib

@@ -1,4 +1,4 @@
-// orsolva qc over many files, its outputs, profiles and configuration, and the commands beside it.
+// orsolva qc over many files, its outputs, profiles and configuration, and the other commands.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// Defects of real files: each is repaired or passed over with a notice that names its line and is counted.
+// Defects of real files: each is repaired or skipped with a notice that names its line and is counted.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -208,7 +208,7 @@ TEST(Defects, SatellitesListedWithoutAValueAreLeftOutAndCounted) {
   EXPECT_EQ(file.CountOf("listed without observations"), 2);
 }
 
-TEST(Defects, OfASatelliteListedTwiceTheFirstIsJudged) {
+TEST(Defects, OfADuplicateSatelliteTheFirstIsUsed) {
   const ReadFile file(Header(kTypes) + Epoch("00.0", 3) + Satellite("G05", {"", ""}) +
                       Satellite("G05", {"1.000", "40.000"}) + Satellite("G05", {"2.000", "40.000"}) +
                       Good("30.0"));
@@ -261,13 +261,13 @@ TEST(Defects, TypeListsOfADamagedHeaderStayBounded) {
   EXPECT_EQ(file.epochs.size(), 1U);
 }
 
-TEST(Defects, ALineWithoutEndIsPassedOverInPieces) {
+TEST(Defects, ALineWithoutEndIsSkippedInPieces) {
   const ReadFile file(Header(kTypes) + Good("00.0") + std::string(3000000, 'x') + "\n" + Good("30.0"));
   EXPECT_EQ(file.epochs.size(), 2U);
   EXPECT_TRUE(file.Said("skipped"));
 }
 
-TEST(Defects, BytesThatAreNoTextArePassedOver) {
+TEST(Defects, BytesThatAreNotTextAreSkipped) {
   const std::string noise("\0\x01\xff\x80 >\t\0\x1b[2J", 12);
   for (const std::string& text : {Header(kTypes) + Good("00.0") + noise + "\n" + Good("30.0"),
                                   Header2() + Good2("00.00") + noise + "\n" + Good2("30.00"),

@@ -302,7 +302,7 @@ class Interrupts(Faults):
         self.text = self.observations.read_bytes()
 
     def start_three(self):
-        """Two files that will be judged and a third that waits."""
+        """Two files that will be processed and a third that waits."""
         files = []
         for letter in "AB":
             files.append(self.folder / f"SEP{letter}078M.21O")
@@ -382,7 +382,7 @@ class Resources(Faults):
             self.assertEqual(self.run_with_threads(2)[0], 0)
 
     def test_a_crinex_file_expands_within_bounds(self):
-        """Every line break below this epoch line stands for a satellite of 200 types."""
+        """Every line break after this epoch line represents a satellite with 200 types."""
         def header(text, label):
             return f"{text:60}{label}\n"
 

@@ -158,7 +158,7 @@ TEST_F(Collected, ManyEpochsAreThinnedAndTheRestIsStillCounted) {
 
 TEST_F(Collected, APageTooLargeIsThinnedUntilItFits) {
   Start();
-  std::minstd_rand random(1);  // noise does not pack
+  std::minstd_rand random(1);  // noise does not compress
   for (int epoch = 0; epoch < 4000; ++epoch) {
     const double elevation = static_cast<double>(random() % 9000) / 100;
     Satellite(epoch, 5, elevation, static_cast<float>(random() % 6000) / 100 + 1);

@@ -10,7 +10,7 @@ files=("$data/KMS300DNK_R_20221591000_01H_30S_MO.crx" "$data/KMS300DNK_R_2022159
 [ "${2:-}" != day ] ||
   files=("$data/ESBC00DNK_R_20201770000_01D_30S_MO.crx.gz" "$data/ESBC00DNK_R_20201770000_01D_MN.rnx.gz")
 if [ ! -e "${files[0]}" ]; then
-  echo "the shared data folder is missing beside the checkout: nothing to judge" >&2
+  echo "the shared data folder is missing next to the checkout: no data" >&2
   exit 1
 fi
 work=$(mktemp -d)

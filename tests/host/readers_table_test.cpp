@@ -1,4 +1,4 @@
-// Holds the table of docs/internals/readers.md against what the readers make of the shared files.
+// Compares the table of docs/internals/readers.md with what the readers make of the shared files.
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
@@ -84,7 +84,7 @@ std::string Table(const std::string& folder) {
     table += kind == FileKind::kObservation  ? ObservationRow(path, name)
              : kind == FileKind::kNavigation ? NavigationRow(path, name)
                                              : fmt::format(
-                                                   "| `{}` | passed over | | | its first line is that "
+                                                   "| `{}` | skipped | | | its first line is that "
                                                    "of neither observations nor navigation |\n",
                                                    name);
   }

@@ -1,4 +1,4 @@
-// Files beside the checkout that tests read in place, and small helpers for inline files.
+// Files next to the checkout that tests read in place, and small helpers for inline files.
 #ifndef ORSOLVA_TESTS_HOST_SHARED_DATA_H
 #define ORSOLVA_TESTS_HOST_SHARED_DATA_H
 

@@ -7,7 +7,7 @@ root=$(cd "$(dirname "$0")/../.." && pwd)
 program=$(cd "$root" && cd "$1" && pwd)/bin/orsolva
 data=${ORSOLVA_SHARED:-$root/../shared}/data
 if [ ! -e "$data/SEPT078M.21O" ]; then
-  echo "the shared data folder is missing beside the checkout: no observations to judge" >&2
+  echo "the shared data folder is missing next to the checkout: no observations" >&2
   exit 1
 fi
 work=$(mktemp -d)
@@ -38,6 +38,6 @@ run() {
 
 run "shared navigation, every output" 1 "$work/in" --nav "$work/in/SEPT078M.21P" --verbose --profile network \
   --output "$work/reports" --formats text,json,csv,sum,html,detail
-run "navigation beside each file" 1 "$work"/in/SEP[BCE]078M.21O --json
+run "navigation next to each file" 1 "$work"/in/SEP[BCE]078M.21O --json
 run "navigation that cannot be read" 1 "$work"/in/SEP[BC]078M.21O --nav "$work/none.21P" --sum
 [ "$(find "$work/reports" -name '*.html' | wc -l)" -eq 5 ]

@@ -1,4 +1,4 @@
-// Output files are there whole or not at all.
+// Output files are written atomically.
 #include "host/output/whole_file.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// A test program's own operator new, which fails when told to. failing_memory.cpp holds the operators.
+// A test program's own operator new, which fails on request. failing_memory.cpp holds the operators.
 #ifndef ORSOLVA_TESTS_PROPERTY_FAILING_MEMORY_H
 #define ORSOLVA_TESTS_PROPERTY_FAILING_MEMORY_H
 

@@ -1,8 +1,8 @@
 // Every bit of the results of simulated runs and of the reference cases is the one of the committed digests.
 //
-// The digests stand in golden_digests.txt. To make them again after a change that is meant to move bits:
+// The digests are in golden_digests.txt. To make them again after a change that is meant to move bits:
 //   ORSOLVA_WRITE_GOLDEN=tests/property/golden_digests.txt build/bin/golden_test
-// with the reference cases beside the checkout, and say in the commit which figures moved and why.
+// with the reference cases next to the checkout, and say in the commit which figures moved and why.
 //
 // Bits follow the mathematical functions of the platform, whose last bit differs between C libraries and
 // processors. The file therefore begins with a digest of those functions; where they differ the tests skip.

@@ -1,6 +1,6 @@
 // Work and memory go with the epochs fed, whatever their times and the interval say.
 //
-// Work is told by counting allocations and the bytes behind them, never by a clock; the loops that absurd
+// Work is measured by counting allocations and their bytes, never by a clock; the loops that absurd
 // times would make run for hours are caught by the time limit of the test runner.
 #include <gtest/gtest.h>
 

@@ -51,7 +51,7 @@ TEST(Laws, GalileoCombinationWithItsThirdBandIsObservedNowhere) {
   EXPECT_GT(results.Codes->sys[3].entries[0].completeness, 0.9);
 }
 
-// The codes of a system stand in the order of their first appearance, so the first epoch keeps its order.
+// The codes of a system are kept in the order of their first appearance, so the first epoch keeps its order.
 TEST(Laws, OrderOfSatellitesInsideALaterEpochChangesNothing) {
   SimulatedSky sky = ShortSky();
   const Results expected = RunWhole(sky.Navigation, sky.Config(), sky.Epochs);

@@ -27,7 +27,7 @@ namespace {
 
 constexpr int kEpochs = 4;
 
-// The sanitizers make a run tens of times longer: there every 40th allocation stands for its neighbours.
+// The sanitizers make a run tens of times longer: there only every 40th allocation fails.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr long kStep = 40;
 #elif defined(__has_feature)
@@ -121,7 +121,8 @@ class OutOfMemory : public testing::TestWithParam<std::tuple<bool, bool>> {
     const bool failed = FailingMemory::Disarm();
     ASSERT_TRUE(failed) << n;
     ASSERT_EQ(FailingMemory::live, live) << "leak after allocation " << n << " failed";
-    // A failure is told by the call that met it. Only the result per code has no value to tell it by.
+    // The call in which an allocation fails reports the failure. Only the result per code has no value for
+    // it.
     ASSERT_TRUE(!answers.AllGood() || CodesAreZero() || SameAsGood())
         << "allocation " << n << " failed unseen";
   }

@@ -1,4 +1,4 @@
-// A report beside the truth: the figures of both stand in one line, and files that do not belong together are
+// A report next to the truth: the figures of both are in one line, and files that do not belong together are
 // refused.
 #include "host/simulator/comparison.h"
 
@@ -103,7 +103,7 @@ TEST(Comparison, ASignalsTruthIsPooledByCounts) {
   EXPECT_EQ(cells, wanted);
 }
 
-TEST(Comparison, RunAndFaultsAreTold) {
+TEST(Comparison, RunAndFaultsAreListed) {
   const std::string text = Compare(Report(), TruthOf());
   EXPECT_NE(LineOf(text, "Epochs lost").find(" 1 "), std::string::npos);
   EXPECT_NE(LineOf(text, "Error of the position").find("5.000"), std::string::npos);

@@ -78,7 +78,7 @@ TEST(Constellation, OrbitsKeepTheirHeightsAndLongitudes) {
       EXPECT_TRUE(north > 53 && north < 66) << name;
     } else {
       EXPECT_TRUE(low > 38.5e6 && high < 45.8e6) << name << ' ' << low << ' ' << high;
-      EXPECT_GT(west, 40) << name << ": all of them stand above the Asia-Pacific";
+      EXPECT_GT(west, 40) << name << ": all of them are above the Asia-Pacific";
     }
     if (orbits[i].kind == OrbitKind::kGeostationary) {
       EXPECT_LT(east - west, 2) << name;

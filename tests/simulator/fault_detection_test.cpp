@@ -1,4 +1,4 @@
-// Injected slips and jumps beside a detail table: only rows of their epoch, satellite and signal speak.
+// Injected slips and jumps against a detail table: only rows of their epoch, satellite and signal count.
 #include "host/simulator/fault_detection.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// Every kind of fault does to the data what docs/user/simulator.md says, and the truth tells of it.
+// Every kind of fault does to the data what docs/user/simulator.md says, and the truth records it.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -40,7 +40,7 @@ struct Twins {
   double Seconds(const ObsEpoch_QC_gbt& epoch) const {
     return static_cast<double>(epoch.time.time - plain[0].time.time) + epoch.time.sec;
   }
-  /// Of a satellite that stands above 15 degrees throughout.
+  /// Of a satellite that is above 15 degrees throughout.
   static FaultTarget High(char system, const std::string& signal) {
     Simulation simulation(ScenarioOf(1.0 / 3, 60, std::string(1, system)));
     std::map<int, int> count;
@@ -252,7 +252,7 @@ TEST(Faults, RandomOnesMeetSignalsThatStandHighAndDifferBySeed) {
     for (const InjectedFault& f : truth.faults) {
       times[k].insert(f.time.time);
       satellites.insert(f.satellite);
-      EXPECT_GT(f.elevation_deg, 29.5);  // chosen at the drawn time, met at the epoch after it
+      EXPECT_GT(f.elevation_deg, 29.5);  // chosen at the drawn time, takes effect at the epoch after it
       EXPECT_TRUE(f.seen);
     }
     EXPECT_GT(satellites.size(), 15U);
@@ -261,7 +261,7 @@ TEST(Faults, RandomOnesMeetSignalsThatStandHighAndDifferBySeed) {
   EXPECT_NE(times[0], times[1]);
 }
 
-TEST(Faults, ASlipBelowTheHorizonIsToldAsNotSeen) {
+TEST(Faults, ASlipBelowTheHorizonIsRecordedAsNotSeen) {
   Scenario scenario = ScenarioOf(0.5, 30, "G");
   for (int number = 1; number <= 5; ++number) {
     scenario.faults.push_back(FaultOf(FaultKind::kSlip, 900, 0, 3, {'G', number, "1C"}));

@@ -1,4 +1,4 @@
-// The files of a simulation: names, contents, and that they appear whole or not at all.
+// The files of a simulation: names, contents, and that they are written atomically.
 #include "host/simulator/file_set.h"
 
 #include <gtest/gtest.h>
@@ -44,7 +44,7 @@ void ExpectReadsBack(const Scenario& scenario, const FileSetOptions& options) {
   auto epoch = std::make_unique<ObsEpoch_QC_gbt>();
   std::size_t count = 0;
   for (const ObsEpoch_QC_gbt& made : EpochsOf(simulation)) {
-    if (made.sat_num == 0) continue;  // the reader passes over epochs without satellites
+    if (made.sat_num == 0) continue;  // the reader skips epochs without satellites
     *epoch = {};
     ASSERT_TRUE(reader.Next(*epoch)) << count;
     ASSERT_EQ(epoch->time.time, made.time.time) << count;
@@ -64,7 +64,7 @@ void ExpectReadsBack(const Scenario& scenario, const FileSetOptions& options) {
     ++count;
   }
   EXPECT_FALSE(reader.Next(*epoch));
-  // Repeated and late epochs are told of; nothing else is.
+  // Duplicate and late epochs give a notice; nothing else does.
   for (const Notice& notice : diagnostics.Notices()) EXPECT_TRUE(notice.recovered) << notice.text;
 }
 

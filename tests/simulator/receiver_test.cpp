@@ -1,4 +1,4 @@
-// The receiver: where and when it stands, its clock, and when it tracks what.
+// The receiver: its position and epochs, its clock, and when it tracks what.
 #include <gtest/gtest.h>
 
 #include <cmath>

@@ -72,7 +72,7 @@ TEST(SimulateCommand, FaultsOfAPresetJoinThoseOfTheScenario) {
   EXPECT_GT(json::parse(ReadText(folder.Path("truth.json")))["faults"].size(), 60U);
 }
 
-TEST(SimulateCommand, FaultsAfterTheEndAreToldOf) {
+TEST(SimulateCommand, FaultsAfterTheEndAreReported) {
   const TestFolder folder("simulate_late");
   const Answer a = Orsolva(folder, "simulate --preset gaps --hours 1");
   ASSERT_EQ(a.code, 0) << a.err;

@@ -130,7 +130,7 @@ TEST(Truth, TheMovingMeanTakesItsShareOfWhiteNoise) {
   for (const SatelliteTruth& s : simulation.TruthSoFar().satellites) {
     for (const SignalTruth& t : s.signals) {
       if (t.above_cutoff < 700) continue;
-      EXPECT_NEAR(t.detrended_square.Mean(), 0.25 * 0.9, 0.04) << "a code jump begins the mean anew";
+      EXPECT_NEAR(t.detrended_square.Mean(), 0.25 * 0.9, 0.04) << "a code jump restarts the mean";
       EXPECT_GT(t.code_error_square.Mean(), 1e5);
     }
   }

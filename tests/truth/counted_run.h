@@ -1,4 +1,4 @@
-// A simulated run through the exported functions with its recount beside it.
+// A simulated run through the exported functions, together with its recount.
 #ifndef ORSOLVA_TESTS_TRUTH_COUNTED_RUN_H
 #define ORSOLVA_TESTS_TRUTH_COUNTED_RUN_H
 

@@ -24,7 +24,7 @@ void AddRandom(FaultKind kind, int times, double duration_s, double size, orsolv
 
 LawSky MakeLawSky(double interval_s, int epochs, std::uint64_t seed) {
   orsolva_host::Scenario scenario = Troubled(interval_s, epochs, seed);
-  // The first epoch shows every code: it decides which codes are judged, and in which order.
+  // The first epoch has every code: it determines which codes are used, and in which order.
   scenario.receiver = {};
   scenario.receiver.position_m = kEasternSite;
   scenario.receiver.reacquisition_s = 4 * interval_s;

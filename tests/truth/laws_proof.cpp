@@ -145,14 +145,14 @@ void IdleSystem(const LawBench& bench) {
     close = TakeIfClose(expected.snr[i], total.snr[i]) && close;
     for (int k = 0; k < 2; ++k) close = TakeIfClose(expected.snr_30[i][k], total.snr_30[i][k]) && close;
   }
-  bench.proof->Check(close, "combined means beside a system without data");
+  bench.proof->Check(close, "combined means with a system without data");
   bench.proof->Check(a->SameBits(*b), "a system without data");
 }
 
 /// Without what the phase-minus-geometry test counts.
 code_qc_entry WithoutSlips(code_qc_entry entry) {
   entry.iod_slip_count = 0;
-  if (entry.mp_count == 0) entry.slip_count = 0;  // stands in for the jumps
+  if (entry.mp_count == 0) entry.slip_count = 0;  // replaces the jumps
   if (entry.mp_count == 0) entry.obs_per_slip = 0;
   return entry;
 }
@@ -166,10 +166,10 @@ void FurtherSystem(const LawBench& bench) {
     for (int prn = 1; prn <= 64; ++prn) {
       const code_qc_block& with = bench.whole->Codes->sat[s][prn - 1];
       const code_qc_block& without = results->Codes->sat[s][prn - 1];
-      bench.proof->Check(with.count == without.count, "codes beside a further system");
+      bench.proof->Check(with.count == without.count, "codes with an additional system");
       for (int k = 0; k < with.count; ++k) {
         const code_qc_entry a = WithoutSlips(with.entries[k]), b = WithoutSlips(without.entries[k]);
-        bench.proof->Check(std::memcmp(&a, &b, sizeof a) == 0, "figures beside a further system");
+        bench.proof->Check(std::memcmp(&a, &b, sizeof a) == 0, "figures with an additional system");
       }
     }
   }

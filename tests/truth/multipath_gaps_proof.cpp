@@ -34,8 +34,8 @@ constexpr GapCase kCases[] = {
     {600.5, RestartReason::kGap, "restarts silently"},
 };
 
-/// The receiver misses epochs but keeps its phases; a gap that is no whole number of intervals is made by
-/// late tags from there on.
+/// The receiver misses epochs but keeps its phases; a gap that is not an integer number of intervals is made
+/// by late tags from there on.
 Scenario GapScenario(double interval_s, double gap_s) {
   Scenario scenario;
   scenario.interval_s = interval_s;
@@ -54,7 +54,7 @@ Scenario GapScenario(double interval_s, double gap_s) {
   return scenario;
 }
 
-/// The averaging of one pair, done anew from its raw values.
+/// The averaging of one pair, recomputed from its raw values.
 struct PairMean {
   std::deque<double> window;
   Time_gbt last{};

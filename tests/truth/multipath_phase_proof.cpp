@@ -115,7 +115,7 @@ void ProveMultipathPhase(bool long_form, Proof& proof) {
                    {},
                    2};
   for (const double interval_s : {1.0, 30.0}) {
-    // Not so long that a satellite that set comes back: its averaging begins anew then.
+    // Not so long that a satellite that has set returns: its averaging would restart then.
     const int epochs = long_form ? (interval_s < 30 ? 3600 : 480) : 360;
     for (const auto& [name, noise] : RunPhaseNoise(PhaseScenario(interval_s, epochs), proof)) {
       const double n = static_cast<double>(noise.values);

@@ -20,7 +20,7 @@ PairKey KeyOf(const orsolva::PairEpochDetail& detail);
 
 using PairListener = std::function<void(const orsolva::PairEpochDetail&)>;
 
-/// Feeds a whole scenario in one go and tells the listener of every pair and epoch.
+/// Feeds a whole scenario in one go and notifies the listener of every pair and epoch.
 class ObservedRun {
  public:
   ObservedRun(const orsolva_host::Scenario& scenario, const PairListener& listener);

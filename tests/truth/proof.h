@@ -1,4 +1,5 @@
-// A proof: what is injected into a simulated sky, what the library must say about it, and what it said.
+// A proof: what is injected into a simulated sky, what the library is expected to report, and what it
+// reported.
 //
 // A proof runs in a short form (the tests of every build) and in a long one, and its tables are the figures
 // of docs/internals/validation.md.
@@ -56,11 +57,11 @@ const std::vector<ProofEntry>& AllProofs();
 /// Runs the proof of an id. @throws std::out_of_range for an unknown one
 Proof Prove(const std::string& id, bool long_form);
 
-/// Replaces what stands between "<!-- proof:ID -->" and "<!-- /proof:ID -->" in a page.
+/// Replaces the text between "<!-- proof:ID -->" and "<!-- /proof:ID -->" in a page.
 /// @return false when the page lacks the markers
 bool ReplaceSection(const std::string& id, const std::string& section, std::string& page);
 
-/// What stands between the markers of a proof; empty when the page lacks them.
+/// The text between the markers of a proof; empty when the page lacks them.
 std::string SectionOf(const std::string& id, const std::string& page);
 
 void ProveCompleteness(bool long_form, Proof& proof);

@@ -1,4 +1,4 @@
-// Counts anew, from the epochs that were delivered, what a run must say about completeness and SNR.
+// Counts independently, from the delivered epochs, what a run must report for completeness and SNR.
 #ifndef ORSOLVA_TESTS_TRUTH_RECOUNT_H
 #define ORSOLVA_TESTS_TRUTH_RECOUNT_H
 

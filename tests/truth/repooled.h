@@ -31,7 +31,7 @@ struct RepooledBand {
 
 class Repooled {
  public:
-  /// Adds a satellite judged by one of its combinations.
+  /// Adds a satellite with one of its combinations.
   /// @param combinations  all ten of it
   void AddSatellite(const orsolva::QcResultCore* combinations, int chosen);
   /// Adds a finished system; the ionospheric figure and the spread are not merged from satellites.

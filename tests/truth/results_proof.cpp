@@ -29,7 +29,7 @@ orsolva_host::Scenario ManyCodes(int epochs) {
   return scenario;
 }
 
-/// The combinations by which a satellite with several bands is judged.
+/// The combinations used for a satellite with several bands.
 const orsolva::QcCodeCombination& CombinationsOf(const orsolva::QcResult& result, int slot, int prn) {
   if (slot != kBdsSlot || prn < kFirstNewBds) return result.All[slot].Combinations;
   const QcSysAllResult& newer = result.All[kNewBdsSlot];

@@ -51,7 +51,7 @@ int SlotOf(int system);
 std::string NameOf(int system, int prn);
 /// Such as "GPS 1C".
 std::string CodeName(int system, int code);
-/// Such as "GPS L1"; the three BDS bands near one another are told apart.
+/// Such as "GPS L1"; the three BDS bands close to one another have different names.
 std::string BandLabel(int system, int code);
 /// Carrier frequency of a code, Hz.
 double FrequencyOf(int system, int code, int glonass_channel);

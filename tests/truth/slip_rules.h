@@ -1,5 +1,5 @@
-// The rules of the two slip tests, written anew, and a checker that holds every pair and epoch of a run
-// against them.
+// The rules of the two slip tests, implemented independently, and a checker that holds every pair and epoch
+// of a run against them.
 //
 // The geometry-free test looks at the step of L2 lambda2 - L1 lambda1. The phase-minus-geometry test looks at
 // the change of L lambda - range + c dt, less the median change of the epoch.
@@ -13,7 +13,7 @@
 
 namespace orsolva_test {
 
-/// Carrier frequencies of a pair in the order of the geometry-free test: the first band's code stands first.
+/// Carrier frequencies of a pair in the order of the geometry-free test: the first band's code comes first.
 struct PairFrequencies {
   double first_hz = 0, second_hz = 0;
   bool code_is_first = false;
@@ -25,7 +25,7 @@ double GeometryFreeLimit(const PairFrequencies& pair, double interval_s);
 /// Largest excess without a slip, m, for a gap up to 60 s.
 double GeometryLimit(double gap_s);
 
-/// Collects what is told of one epoch and hands it on when the next one begins.
+/// Collects the notifications of an epoch and checks them when the next one begins.
 class ByEpoch {
  public:
   using Use = std::function<void(const std::vector<orsolva::PairEpochDetail>&)>;

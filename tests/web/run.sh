@@ -25,7 +25,7 @@ data=${ORSOLVA_SHARED:-$root/../shared}/data
 observations=$data/ESBC00DNK_R_20201770000_01D_30S_MO.crx.gz
 navigation=$data/ESBC00DNK_R_20201770000_01D_MN.rnx.gz
 if [ ! -e "$observations" ]; then
-  echo "the shared data folder is missing beside the checkout: no station-day to draw" >&2
+  echo "the shared data folder is missing next to the checkout: no station-day to plot" >&2
   exit 1
 fi
 

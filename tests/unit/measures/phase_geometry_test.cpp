@@ -102,7 +102,7 @@ TEST(PhaseGeometryDifference, IsNotFormedOverSixHundredSecondsAndMore) {
 }
 
 TEST(PhaseGeometryDifference, NeedsAValueBeforeItEvenInTheFirstMinutesOf1970) {
-  // There the zero time that stands for none is close.
+  // There the zero time, which means none, is close.
   SatelliteGeometry geometry;
   geometry.HasPosition = true;
   IodDetect state;

@@ -53,7 +53,7 @@ TEST(SystemEphemeris, DropsNumbersOutsideItsRangeSilently) {
 TEST(SystemEphemeris, StoresARecordLoadedTwiceOnce) {
   SystemEphemerisGPS gps;
   gps.Add(GpsAt(3, 0.0));
-  gps.Add(GpsAt(3, 0.0, 99));  // the clock time alone tells records apart
+  gps.Add(GpsAt(3, 0.0, 99));  // only the clock time distinguishes records
   EXPECT_EQ(Count(gps, kGps, 3), 1);
   EXPECT_EQ(gps.Satellite({kGps, 3})->At(0)->iode, 1);
   GpsEph_gbt close = GpsAt(3, 0.0);

@@ -11,7 +11,7 @@ namespace {
 
 using orsolva_test::TraceRecorder;
 
-// GPS satellites 1 to n; the observation's range is its number, so that a solver can tell which one is
+// GPS satellites 1 to n; the observation's range is its number, so that a solver knows which one is
 // missing.
 SppEpoch Epoch(int n) {
   SppEpoch epoch;

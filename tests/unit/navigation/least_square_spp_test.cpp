@@ -70,7 +70,7 @@ TEST(LeastSquareSpp, FillsTheResult) {
   for (const SppMark& mark : marks) used += mark.Valid;
   EXPECT_EQ(result.SatNum, used);
   EXPECT_GT(result.Qr[0], 0.0f);
-  // Kept for compatibility: Q22 stands where Q21 would be expected.
+  // Kept for compatibility: Q22 is used where Q21 would be expected.
   EXPECT_EQ(result.Qr[4], result.Qr[2]);
   EXPECT_NE(result.Qr[3], 0.0f);
   EXPECT_NE(result.Qr[5], 0.0f);
@@ -211,7 +211,7 @@ TEST(Valsol, FormsTheWeightedSumOfSquaresOfAllRows) {
   SPPOption strict;
   strict.MaxGdop = 1e-3;
   EXPECT_FALSE(valsol(marks, rows, strict, squares, dop));
-  EXPECT_EQ(squares, 35.0) << "formed before the GDOP is judged";
+  EXPECT_EQ(squares, 35.0) << "formed before the GDOP is checked";
 }
 
 }  // namespace

@@ -65,7 +65,7 @@ TEST(NominalGap, CountsAsTheLiteralWalkDoes) {
   EXPECT_GT(total, 100000U);
 }
 
-// Each record starts its satellite anew, so that positions jump where the choice of the record changes.
+// Each record restarts its satellite, so that positions jump where the selected record changes.
 TEST(NominalGap, CountsAsTheLiteralWalkDoesInEverySystem) {
   const Ephemeris records = orsolva_test::RecordsAround();
   const Time_gbt first{orsolva_test::kSkyTime - 20000, 0.5}, last{orsolva_test::kSkyTime + 20000, 0.0};

@@ -202,7 +202,7 @@ TEST(SatelliteAnalysis, CountsTheBandsOfABds3SatelliteByTheFlagsOfTheBdsRow) {
   run.Config.Sys[kSlotBds].FreqEnable[2] = 0;
   Satellites result(run);
   result.Add(Bds3Of2Bands());
-  EXPECT_EQ(result.Result->All[kSlotBd3].System, 0) << "one band: judged by its single code";
+  EXPECT_EQ(result.Result->All[kSlotBd3].System, 0) << "one band: evaluated by its single code";
   EXPECT_EQ(result.Result->All[kSlotBds].PerSat[24][0].ObservedEpochs, 1u);
   EXPECT_EQ(result.Result->All[kSlotBds].PerSat[24][0].Snr[2].Code, 0);
 }
@@ -274,7 +274,7 @@ TEST(ResultAnalysis, ShowsNoBdsWithoutACodeOfTheOlderSatellites) {
   run.Observed(kBds, {kC1P, kC5P, kC7D, kC8D, kC6D});
   run.Track(kBds, 25, Epoch({{3, kC1P}, {4, kC5P}}), 7);
   const Analysis newer(run);
-  EXPECT_EQ(newer.Result->All[kSlotBds].PerComb[0].ExpectedEpochs, 7u) << "the satellite is judged";
+  EXPECT_EQ(newer.Result->All[kSlotBds].PerComb[0].ExpectedEpochs, 7u) << "the satellite is evaluated";
   EXPECT_EQ(newer.Result->Optimal[kSlotBds].System, 0);
   EXPECT_EQ(newer.Result->Optimal[kSlotBds].Sys.ExpectedEpochs, 0u);
   EXPECT_EQ(newer.Result->Optimal[kSlotBds].PerSat[24].ExpectedEpochs, 0u);

@@ -117,7 +117,7 @@ TEST(SnrSatList, SearchesAsManyEntriesAsTheSlotHasChannels) {
   Put(epoch, 0, Signal(kG1W, 41.0));
   Put(epoch, 0, Signal(kG1C, 47.0));
   list.AddEpoch(epoch, true, true);
-  EXPECT_EQ(list.Channels[0][0].Count, 0u) << "the code stands behind the one entry that is searched";
+  EXPECT_EQ(list.Channels[0][0].Count, 0u) << "the code is behind the one entry that is searched";
 }
 
 TEST(SnrSatList, TakesTheEntryOfTheSameIndexBeforeAnEarlierOne) {

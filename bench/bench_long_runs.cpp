@@ -104,9 +104,9 @@ void RunDay(int epochs) {
   const double results = run.Finish();
   std::printf("1 Hz, %d epochs, %.1f satellites, batches of %d\n", epochs,
               static_cast<double>(run.SatelliteEpochs) / epochs, kBatch);
-  std::printf("  library %.2f s, results %.3f s, %.0f ns a satellite-epoch\n", run.Total, results,
+  std::printf("  library %.2f s, results %.3f s, %.0f ns per satellite-epoch\n", run.Total, results,
               run.Total * 1e9 / static_cast<double>(run.SatelliteEpochs));
-  std::printf("  ns a satellite-epoch by batch:");
+  std::printf("  ns per satellite-epoch by batch:");
   for (const double cost : batches) std::printf(" %.0f", cost);
   std::printf("\n  last batch over first batch %.2f\n", batches.back() / batches.front());
   std::printf("  memory: grown %.0f MB, peak of the process %.0f MB\n", grown, PeakMb());
@@ -158,7 +158,7 @@ void PrintScaling(const char* what, int value, int rounds, const SkyOptions& opt
     if (round == 0 || run.Total < best) best = run.Total;
     satellite_epochs = run.SatelliteEpochs;
   }
-  std::printf("  %s %6d: %8.1f ms, %6.0f ns a satellite-epoch\n", what, value, best * 1e3,
+  std::printf("  %s %6d: %8.1f ms, %6.0f ns per satellite-epoch\n", what, value, best * 1e3,
               best * 1e9 / static_cast<double>(satellite_epochs));
 }
 

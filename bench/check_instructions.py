@@ -62,7 +62,7 @@ def main() -> int:
         print(f"{case:20} {counted:>14,} of {budgets[case]:>14,} {verdict}")
     growth = costs[LONG_SPAN] / costs[SHORT_SPAN]
     grown = growth > MOST_GROWTH
-    print(f"{LONG_SPAN} against {SHORT_SPAN} by satellite-epoch: {growth:.3f} of {MOST_GROWTH}",
+    print(f"{LONG_SPAN} against {SHORT_SPAN} per satellite-epoch: {growth:.3f} of {MOST_GROWTH}",
           "GROWS WITH THE SPAN" if grown else "")
     over += grown
     if write:

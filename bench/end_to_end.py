@@ -68,12 +68,12 @@ def main():
     parser.add_argument("nav", type=pathlib.Path)
     parser.add_argument("--rounds", type=int, default=5)
     parser.add_argument("--jobs-files", type=int, default=0)
-    told = parser.parse_args()
-    tool = told.build / "bin" / "orsolva"
+    options = parser.parse_args()
+    tool = options.build / "bin" / "orsolva"
     with tempfile.TemporaryDirectory() as folder:
-        ratios(tool, told.obs, told.nav, told.rounds, folder)
-    if told.jobs_files:
-        processes(tool, told.obs, told.nav, told.jobs_files)
+        ratios(tool, options.obs, options.nav, options.rounds, folder)
+    if options.jobs_files:
+        processes(tool, options.obs, options.nav, options.jobs_files)
 
 
 if __name__ == "__main__":

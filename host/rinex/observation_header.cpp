@@ -242,7 +242,7 @@ void HeaderParser::TakePosition(std::string_view line, long number) {
   if (xyz[0] != 0 || xyz[1] != 0 || xyz[2] != 0) header_.position = xyz;
 }
 
-// Eight satellites a line, "R01  1 " from column 5 on (RINEX 3.05, table A2).
+// Eight satellites per line, "R01  1 " from column 5 on (RINEX 3.05, table A2).
 void HeaderParser::TakeChannels(std::string_view line) {
   for (std::size_t column = 4; column + 6 <= 60; column += 7) {
     std::int64_t slot = 0;

@@ -27,7 +27,7 @@ std::string PeriodText(double hours) {
                                                  : fmt::format("{:02}H", (minutes + 59) / 60);
 }
 
-/// "30S", "10Z" (ten times a second), "01M".
+/// "30S", "10Z" (ten times per second), "01M".
 std::string RateText(double interval_s) {
   if (interval_s < 1) return fmt::format("{:02}Z", std::lround(1 / interval_s));
   const long seconds = std::lround(interval_s);

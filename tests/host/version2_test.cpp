@@ -13,7 +13,7 @@ namespace {
 using orsolva_test::HeaderLine;
 using orsolva_test::ReadFile;
 
-/// A list of types, nine a line.
+/// A list of types, nine per line.
 std::string Types(const std::vector<std::string>& types) {
   std::string text;
   for (std::size_t first = 0; first < types.size(); first += 9) {
@@ -32,7 +32,7 @@ std::string Header(const std::vector<std::string>& types, const std::string& mor
          Types(types) + more + HeaderLine("", "END OF HEADER");
 }
 
-/// An epoch line with its satellites, twelve a line.
+/// An epoch line with its satellites, twelve per line.
 std::string Epoch(const std::string& second, const std::vector<std::string>& names, int flag = 0,
                   const std::string& date = "21 12 21") {
   char head[48];
@@ -46,7 +46,7 @@ std::string Epoch(const std::string& second, const std::vector<std::string>& nam
   return text + "\n";
 }
 
-/// The values of a satellite in 16 columns each, five a line.
+/// The values of a satellite in 16 columns each, five per line.
 std::string Values(const std::vector<std::string>& values) {
   std::string text;
   for (std::size_t i = 0; i < values.size(); ++i) {

@@ -13,8 +13,8 @@ namespace orsolva_test {
 namespace {
 
 long Mutations() {
-  const char* told = std::getenv("ORSOLVA_MUTATIONS");
-  return told != nullptr ? std::atol(told) : 20000;
+  const char* given = std::getenv("ORSOLVA_MUTATIONS");
+  return given != nullptr ? std::atol(given) : 20000;
 }
 
 TEST(Mutation, AbsurdRecordsNeitherCrashNorHangNorBreakALaw) {

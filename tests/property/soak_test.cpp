@@ -28,8 +28,8 @@ constexpr bool kKeepsFreedMemory = false;
 #endif
 
 long Runs() {
-  const char* told = std::getenv("ORSOLVA_SOAK");
-  return told != nullptr ? std::max(100L, std::atol(told)) : 2000;
+  const char* given = std::getenv("ORSOLVA_SOAK");
+  return given != nullptr ? std::max(100L, std::atol(given)) : 2000;
 }
 
 /// Resident memory of the process.

@@ -19,7 +19,7 @@ using orsolva::QcSysAllResult;
 constexpr int kBdsSlot = 2, kNewBdsSlot = 5;
 constexpr int kFirstNewBds = 18, kFirstGeostationary = 59;
 
-/// Several codes a band, so that systems have 1 to 10 combinations (GPS would have 12).
+/// Several codes per band, so that systems have 1 to 10 combinations (GPS would have 12).
 orsolva_host::Scenario ManyCodes(int epochs) {
   orsolva_host::Scenario scenario = Troubled(30, epochs, 21);
   scenario.signals = {{"G", {"1C", "1W", "2W", "2L", "5Q", "5X", "5I"}},

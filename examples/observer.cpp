@@ -19,9 +19,9 @@ class SlipList : public orsolva::QcDetailObserver {
  public:
   void OnSatelliteEpoch(const orsolva::SatelliteEpochDetail&) override { ++satellite_epochs_; }
   void OnPairEpoch(const orsolva::PairEpochDetail& detail) override {
-    if (detail.IonosphereSlip != orsolva::IonosphereSlipReason::kRate) return;
-    std::printf("G%02d: geometry-free step of %.3f m, threshold %.3f m\n", detail.Satellite.prn,
-                detail.GeometryFreeStepM, detail.GeometryFreeThresholdM);
+    if (detail.ionosphere_slip != orsolva::IonosphereSlipReason::kRate) return;
+    std::printf("G%02d: geometry-free step of %.3f m, threshold %.3f m\n", detail.satellite.prn,
+                detail.geometry_free_step_m, detail.geometry_free_threshold_m);
   }
   int SatelliteEpochs() const { return satellite_epochs_; }
 

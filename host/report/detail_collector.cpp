@@ -117,13 +117,13 @@ bool DetailCollector::IndexOf(const Time_gbt& time, EpochIndex& index) const {
 void DetailCollector::OnSatelliteEpoch(const SatelliteEpochDetail& detail) {
   ++satellite_epochs_;
   EpochIndex index = 0;
-  if (!IndexOf(detail.Time, index)) return;
-  SatelliteColumns& columns = satellites_[detail.Number];
-  std::vector<Sample>& samples = tracks_[detail.Number].samples;
+  if (!IndexOf(detail.time, index)) return;
+  SatelliteColumns& columns = satellites_[detail.number];
+  std::vector<Sample>& samples = tracks_[detail.number].samples;
   // A satellite listed twice, or epochs that round to one step, count once.
   if (!columns.arcs.empty() && index <= columns.arcs.back().last) return;
-  columns.satellite = detail.Satellite;
-  const std::int16_t elevation = Scaled(detail.ElevationRad * kDegreesPerRadian, 0.01);
+  columns.satellite = detail.satellite;
+  const std::int16_t elevation = Scaled(detail.elevation_rad * kDegreesPerRadian, 0.01);
   const std::uint32_t row = index % stride_ == 0 ? AddRow(columns, index, detail, elevation) : kNoRow;
   samples.push_back({index, elevation, row});
   AddArc(columns, index);
@@ -134,7 +134,7 @@ std::uint32_t DetailCollector::AddRow(SatelliteColumns& columns, EpochIndex inde
                                       const SatelliteEpochDetail& detail, std::int16_t elevation) {
   columns.epoch.push_back(index);
   columns.elevation.push_back(elevation);
-  columns.azimuth.push_back(AzimuthHundredths(detail.AzimuthRad));
+  columns.azimuth.push_back(AzimuthHundredths(detail.azimuth_rad));
   return static_cast<std::uint32_t>(columns.epoch.size() - 1);
 }
 
@@ -149,8 +149,8 @@ void DetailCollector::AddArc(SatelliteColumns& columns, EpochIndex index) {
 
 void DetailCollector::AddSignals(SatelliteColumns& columns, const SatelliteEpochDetail& detail,
                                  const Sample& sample) {
-  for (int i = 0; i < detail.SignalCount; ++i) {
-    const Signal_QC_gbt& observed = detail.Signals[i];
+  for (int i = 0; i < detail.signal_count; ++i) {
+    const Signal_QC_gbt& observed = detail.signals[i];
     SignalColumn& signal = SignalOf(columns, observed.code);
     const std::uint16_t snr = Hundredths(observed.snr);
     PutAt<std::uint16_t>(signal.snr, sample.row, 0, snr);
@@ -172,22 +172,22 @@ const DetailCollector::Sample* DetailCollector::SampleAt(int number, EpochIndex 
 void DetailCollector::OnPairEpoch(const PairEpochDetail& detail) {
   pairs_seen_ = true;
   EpochIndex index = 0;
-  if (!IndexOf(detail.Time, index)) return;
-  const Sample* sample = SampleAt(detail.Number, index);
+  if (!IndexOf(detail.time, index)) return;
+  const Sample* sample = SampleAt(detail.number, index);
   if (sample == nullptr) return;
-  SatelliteColumns& columns = satellites_[detail.Number];
-  PairColumn& pair = ::orsolva_host::PairOf(columns, detail.Code, detail.Partner);
-  const double time_s = Difference(detail.Time, first_);
-  if (detail.HasMultipath && detail.Counting) {
+  SatelliteColumns& columns = satellites_[detail.number];
+  PairColumn& pair = ::orsolva_host::PairOf(columns, detail.code, detail.partner);
+  const double time_s = Difference(detail.time, first_);
+  if (detail.has_multipath && detail.counting) {
     ++pair.values;
-    AddToBin(pair.squares, sample->elevation, detail.ResidualM * detail.ResidualM);
-    PutAt(pair.residual, sample->row, kNoValue, Scaled(detail.ResidualM, 1e-3));
+    AddToBin(pair.squares, sample->elevation, detail.residual_m * detail.residual_m);
+    PutAt(pair.residual, sample->row, kNoValue, Scaled(detail.residual_m, 1e-3));
   }
-  if (detail.HasGeometryFreeStep && pair.has_phases && time_s > pair.last_phases_s) {
+  if (detail.has_geometry_free_step && pair.has_phases && time_s > pair.last_phases_s) {
     const double minutes = (time_s - pair.last_phases_s) / 60;
-    PutAt(pair.rate, sample->row, kNoValue, Scaled(detail.GeometryFreeStepM / minutes, 1e-3));
+    PutAt(pair.rate, sample->row, kNoValue, Scaled(detail.geometry_free_step_m / minutes, 1e-3));
   }
-  if (detail.HasGeometryFreeStep || detail.HasMultipath) {
+  if (detail.has_geometry_free_step || detail.has_multipath) {
     pair.has_phases = true;
     pair.last_phases_s = time_s;
   }
@@ -197,13 +197,13 @@ void DetailCollector::OnPairEpoch(const PairEpochDetail& detail) {
 void DetailCollector::AddEvents(SatelliteColumns& columns, PairColumn& pair, const PairEpochDetail& detail,
                                 const Sample& sample) {
   const auto add = [&](EventKind kind) { AddEvent(columns, pair, sample, kind); };
-  if (detail.IonosphereSlip == orsolva::IonosphereSlipReason::kRate) add(EventKind::kIonosphericRate);
-  if (detail.IonosphereSlip == orsolva::IonosphereSlipReason::kLongGap) add(EventKind::kLongGap);
-  if (detail.GeometrySlip == orsolva::GeometrySlipReason::kThreshold) add(EventKind::kGeometry);
-  if (detail.GeometrySlip == orsolva::GeometrySlipReason::kDataGap) add(EventKind::kDataGap);
-  if (detail.GeometrySlip == orsolva::GeometrySlipReason::kNewEphemeris) add(EventKind::kNewEphemeris);
-  if (detail.Restart == orsolva::RestartReason::kJump && detail.Counting) add(EventKind::kJump);
-  if (detail.Restart == orsolva::RestartReason::kGap) add(EventKind::kRestartAfterGap);
+  if (detail.ionosphere_slip == orsolva::IonosphereSlipReason::kRate) add(EventKind::kIonosphericRate);
+  if (detail.ionosphere_slip == orsolva::IonosphereSlipReason::kLongGap) add(EventKind::kLongGap);
+  if (detail.geometry_slip == orsolva::GeometrySlipReason::kThreshold) add(EventKind::kGeometry);
+  if (detail.geometry_slip == orsolva::GeometrySlipReason::kDataGap) add(EventKind::kDataGap);
+  if (detail.geometry_slip == orsolva::GeometrySlipReason::kNewEphemeris) add(EventKind::kNewEphemeris);
+  if (detail.restart == orsolva::RestartReason::kJump && detail.counting) add(EventKind::kJump);
+  if (detail.restart == orsolva::RestartReason::kGap) add(EventKind::kRestartAfterGap);
 }
 
 void DetailCollector::AddEvent(SatelliteColumns& columns, PairColumn& pair, const Sample& sample,

@@ -39,8 +39,8 @@ void Append(std::string& text, std::string_view word) {
 }
 
 bool SaysSomething(const PairEpochDetail& pair) {
-  return pair.HasMultipath || pair.HasGeometryFreeStep || pair.HasDifference ||
-         pair.GeometrySlip != orsolva::GeometrySlipReason::kNone;
+  return pair.has_multipath || pair.has_geometry_free_step || pair.has_difference ||
+         pair.geometry_slip != orsolva::GeometrySlipReason::kNone;
 }
 
 }  // namespace
@@ -60,17 +60,17 @@ void DetailCsv::Begin(const Time_gbt&, double) {
 
 void DetailCsv::OnSatelliteEpoch(const SatelliteEpochDetail& detail) {
   arranged_ = false;
-  epochs_.push_back({detail.Time, detail.Number, detail.Satellite, detail.ElevationRad, detail.AzimuthRad,
-                     detail.AboveCutoff, signals_.size(), detail.SignalCount});
-  for (int i = 0; i < detail.SignalCount; ++i) {
-    signals_.push_back({detail.Signals[i].code, detail.Signals[i].snr});
+  epochs_.push_back({detail.time, detail.number, detail.satellite, detail.elevation_rad, detail.azimuth_rad,
+                     detail.above_cutoff, signals_.size(), detail.signal_count});
+  for (int i = 0; i < detail.signal_count; ++i) {
+    signals_.push_back({detail.signals[i].code, detail.signals[i].snr});
   }
 }
 
 void DetailCsv::OnPairEpoch(const PairEpochDetail& detail) {
   Arrange();
-  if (!pairs_.empty() && !Same(pairs_.back().Time, detail.Time)) WriteEpoch();
-  if (pairs_.empty()) WriteEpochsBefore(detail.Time);
+  if (!pairs_.empty() && !Same(pairs_.back().time, detail.time)) WriteEpoch();
+  if (pairs_.empty()) WriteEpochsBefore(detail.time);
   pairs_.push_back(detail);
 }
 
@@ -115,7 +115,7 @@ void DetailCsv::WriteEpoch() {
   const Time_gbt time = epochs_[next_].time;
   time_text_ = TimeText(time);
   std::stable_sort(pairs_.begin(), pairs_.end(), [](const PairEpochDetail& a, const PairEpochDetail& b) {
-    return std::tie(a.Number, a.Code, a.Partner) < std::tie(b.Number, b.Code, b.Partner);
+    return std::tie(a.number, a.code, a.partner) < std::tie(b.number, b.code, b.partner);
   });
   int last_number = 0;
   for (; next_ < epochs_.size() && Same(epochs_[next_].time, time); ++next_) {
@@ -123,9 +123,9 @@ void DetailCsv::WriteEpoch() {
     const bool again = number == last_number;
     last_number = number;
     const auto first = std::partition_point(pairs_.begin(), pairs_.end(),
-                                            [number](const PairEpochDetail& p) { return p.Number < number; });
+                                            [number](const PairEpochDetail& p) { return p.number < number; });
     const auto end = std::partition_point(first, pairs_.end(),
-                                          [number](const PairEpochDetail& p) { return p.Number == number; });
+                                          [number](const PairEpochDetail& p) { return p.number == number; });
     // Of a satellite listed twice the first listing has the pairs.
     WriteSatellite(epochs_[next_], static_cast<std::size_t>(first - pairs_.begin()),
                    static_cast<std::size_t>((again ? first : end) - pairs_.begin()));
@@ -140,7 +140,7 @@ void DetailCsv::WriteSatellite(const SatelliteEpoch& epoch, std::size_t first_pa
     bool paired = false;
     for (std::size_t k = first_pair; k < end_pair; ++k) {
       const PairEpochDetail& pair = pairs_[k];
-      if (pair.Code != signal.code || !SaysSomething(pair)) continue;
+      if (pair.code != signal.code || !SaysSomething(pair)) continue;
       paired = true;
       WriteLead(epoch, signal);
       WritePair(pair);
@@ -165,16 +165,16 @@ void DetailCsv::WriteLead(const SatelliteEpoch& epoch, const SignalValue& signal
 }
 
 void DetailCsv::WritePair(const PairEpochDetail& pair) {
-  Append(text_, SignalName(pair.Satellite.sys, static_cast<int>(pair.Partner)));
-  Append(text_, pair.HasMultipath, pair.ResidualM, 4);
-  Append(text_, RestartText(pair.Restart));
-  Append(text_, pair.HasGeometryFreeStep, pair.GeometryFreeStepM, 4);
-  Append(text_, pair.HasGeometryFreeStep, pair.GeometryFreeThresholdM, 4);
-  Append(text_, IonosphereSlipText(pair.IonosphereSlip));
-  const bool tested = pair.GeometryThresholdM > 0;
-  Append(text_, tested, pair.ExcessM, 4);
-  Append(text_, tested, pair.GeometryThresholdM, 4);
-  Append(text_, GeometrySlipText(pair.GeometrySlip));
+  Append(text_, SignalName(pair.satellite.sys, static_cast<int>(pair.partner)));
+  Append(text_, pair.has_multipath, pair.residual_m, 4);
+  Append(text_, RestartText(pair.restart));
+  Append(text_, pair.has_geometry_free_step, pair.geometry_free_step_m, 4);
+  Append(text_, pair.has_geometry_free_step, pair.geometry_free_threshold_m, 4);
+  Append(text_, IonosphereSlipText(pair.ionosphere_slip));
+  const bool tested = pair.geometry_threshold_m > 0;
+  Append(text_, tested, pair.excess_m, 4);
+  Append(text_, tested, pair.geometry_threshold_m, 4);
+  Append(text_, GeometrySlipText(pair.geometry_slip));
   text_ += '\n';
 }
 

@@ -113,24 +113,24 @@ bool FindIonosphereSlip(const AbsoluteTime& epoch, const PairWork& work, Geometr
 
 void StartDetail(const PairWork& work, const Time_gbt& time, PairEpochDetail& detail) {
   detail = PairEpochDetail();
-  detail.Number = gnssqctoolkit::QcSatelliteIndex(work.Satellite->Id);
-  detail.Satellite = {work.Satellite->Id.system, work.Satellite->Id.prn};
-  detail.Time = time;
-  detail.Code = work.Pair->Code;
-  detail.Partner = work.Pair->Partner;
-  detail.Counting = work.Counting;
+  detail.number = gnssqctoolkit::QcSatelliteIndex(work.Satellite->Id);
+  detail.satellite = {work.Satellite->Id.system, work.Satellite->Id.prn};
+  detail.time = time;
+  detail.code = work.Pair->Code;
+  detail.partner = work.Pair->Partner;
+  detail.counting = work.Counting;
 }
 
 void FillDetail(const MultipathStep& multipath, const GeometryFreeStep& geometry_free,
                 PairEpochDetail& detail) {
-  detail.HasMultipath = multipath.HasValue;
-  detail.MultipathM = multipath.Value;
-  detail.ResidualM = multipath.Residual;
-  detail.Restart = multipath.Restart;
-  detail.HasGeometryFreeStep = geometry_free.HasStep;
-  detail.GeometryFreeStepM = geometry_free.Step;
-  detail.GeometryFreeThresholdM = geometry_free.Threshold;
-  detail.IonosphereSlip = geometry_free.Slip;
+  detail.has_multipath = multipath.HasValue;
+  detail.multipath_m = multipath.Value;
+  detail.residual_m = multipath.Residual;
+  detail.restart = multipath.Restart;
+  detail.has_geometry_free_step = geometry_free.HasStep;
+  detail.geometry_free_step_m = geometry_free.Step;
+  detail.geometry_free_threshold_m = geometry_free.Threshold;
+  detail.ionosphere_slip = geometry_free.Slip;
 }
 
 }  // namespace
@@ -252,9 +252,9 @@ void IonSlipAndMultipath::Impl::MeasurePair(PairWork& work, const Time_gbt& time
   PairEpochDetail& detail = Details.emplace_back();
   StartDetail(work, time, detail);
   FillDetail(multipath, geometry_free, detail);
-  detail.HasDifference = formed;
-  detail.DifferenceM = formed ? pair.Iod.Difference : 0.0;
-  detail.NewEphemeris = work.NewRecord;
+  detail.has_difference = formed;
+  detail.difference_m = formed ? pair.Iod.Difference : 0.0;
+  detail.new_ephemeris = work.NewRecord;
 }
 
 void IonSlipAndMultipath::Impl::CountPairs(double median, double interval, QcDetailObserver* observer) {
@@ -272,9 +272,9 @@ void IonSlipAndMultipath::Impl::CountPairs(double median, double interval, QcDet
     iod.PreviousEpoch = iod.CurrentEpoch;
     if (observer == nullptr) continue;
     PairEpochDetail& detail = Details[i];
-    detail.ExcessM = step.Excess;
-    detail.GeometryThresholdM = step.Threshold;
-    detail.GeometrySlip = step.Slip;
+    detail.excess_m = step.Excess;
+    detail.geometry_threshold_m = step.Threshold;
+    detail.geometry_slip = step.Slip;
     observer->OnPairEpoch(detail);
   }
 }

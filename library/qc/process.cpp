@@ -177,24 +177,24 @@ void PostProcessGnssQc::MeasureEpoch(int number, std::size_t i) {
 
 void PostProcessGnssQc::ReportEpoch(int number, const QcEpochData& epoch, const ElevationFlags& flags) {
   SatelliteEpochDetail detail;
-  detail.Number = number;
+  detail.number = number;
   const gnssqctoolkit::SatelliteId& satellite = ObsData.Sats[number - 1].Satellite;
-  detail.Satellite = {satellite.system, satellite.prn};
-  detail.Time = epoch.Time;
-  detail.ElevationRad = flags.ElevationRad;
+  detail.satellite = {satellite.system, satellite.prn};
+  detail.time = epoch.Time;
+  detail.elevation_rad = flags.ElevationRad;
   double azimuth_elevation[2];
   if (EleList.ExactDirection(epoch.Time, azimuth_elevation)) {
-    detail.AzimuthRad = azimuth_elevation[0];
-    detail.ElevationRad = azimuth_elevation[1];
+    detail.azimuth_rad = azimuth_elevation[0];
+    detail.elevation_rad = azimuth_elevation[1];
   }
-  detail.AboveCutoff = flags.AboveCutoff;
-  detail.Above30 = flags.Above30;
+  detail.above_cutoff = flags.AboveCutoff;
+  detail.above_30 = flags.Above30;
   Signal_QC_gbt signals[kBandSlots * kSignalsPerSlot];
   for (const QcSlotSignals& slot : epoch.Slots) {
-    std::copy(slot.Signals, slot.Signals + slot.Count, signals + detail.SignalCount);
-    detail.SignalCount += slot.Count;
+    std::copy(slot.Signals, slot.Signals + slot.Count, signals + detail.signal_count);
+    detail.signal_count += slot.Count;
   }
-  detail.Signals = signals;
+  detail.signals = signals;
   observer_->OnSatelliteEpoch(detail);
 }
 

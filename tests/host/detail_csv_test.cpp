@@ -38,26 +38,26 @@ class Table : public testing::Test {
       signals.push_back(signal);
     }
     orsolva::SatelliteEpochDetail detail;
-    detail.Number = prn;
-    detail.Satellite = {orsolva_host::kGps, prn};
-    detail.Time = At(epoch);
-    detail.ElevationRad = 30 * kRadiansPerDegree;
-    detail.AzimuthRad = 120 * kRadiansPerDegree;
-    detail.AboveCutoff = true;
-    detail.Signals = signals.data();
-    detail.SignalCount = static_cast<int>(signals.size());
+    detail.number = prn;
+    detail.satellite = {orsolva_host::kGps, prn};
+    detail.time = At(epoch);
+    detail.elevation_rad = 30 * kRadiansPerDegree;
+    detail.azimuth_rad = 120 * kRadiansPerDegree;
+    detail.above_cutoff = true;
+    detail.signals = signals.data();
+    detail.signal_count = static_cast<int>(signals.size());
     csv.OnSatelliteEpoch(detail);
   }
 
   static orsolva::PairEpochDetail Pair(int epoch, int prn, const char* code, const char* partner) {
     orsolva::PairEpochDetail detail;
-    detail.Number = prn;
-    detail.Satellite = {orsolva_host::kGps, prn};
-    detail.Time = At(epoch);
-    detail.Code = Code(code);
-    detail.Partner = Code(partner);
-    detail.HasMultipath = true;
-    detail.ResidualM = 0.25;
+    detail.number = prn;
+    detail.satellite = {orsolva_host::kGps, prn};
+    detail.time = At(epoch);
+    detail.code = Code(code);
+    detail.partner = Code(partner);
+    detail.has_multipath = true;
+    detail.residual_m = 0.25;
     return detail;
   }
 
@@ -93,8 +93,8 @@ TEST_F(Table, EveryRowHasAsManyFieldsAsTheHeader) {
   Satellite(0, 5, {"1C", "2W"});
   Satellite(1, 5, {"1C"});
   auto pair = Pair(0, 5, "1C", "2W");
-  pair.HasGeometryFreeStep = true;
-  pair.GeometryThresholdM = 0.15;
+  pair.has_geometry_free_step = true;
+  pair.geometry_threshold_m = 0.15;
   csv.OnPairEpoch(pair);
   csv.EndBatch();
   for (const std::string& row : Rows()) EXPECT_EQ(std::count(row.begin(), row.end(), ','), 15) << row;
@@ -118,21 +118,21 @@ TEST_F(Table, RestartsAndSlipsSayWhy) {
   using orsolva::RestartReason;
   for (int epoch = 0; epoch < 4; ++epoch) Satellite(epoch, 5, {"1C"});
   auto pair = Pair(0, 5, "1C", "2W");
-  pair.Restart = RestartReason::kFirstValue;
-  pair.GeometrySlip = GeometrySlipReason::kDataGap;
+  pair.restart = RestartReason::kFirstValue;
+  pair.geometry_slip = GeometrySlipReason::kDataGap;
   csv.OnPairEpoch(pair);
   pair = Pair(1, 5, "1C", "2W");
-  pair.Restart = RestartReason::kIonosphereSlip;
-  pair.IonosphereSlip = IonosphereSlipReason::kRate;
-  pair.GeometrySlip = GeometrySlipReason::kThreshold;
+  pair.restart = RestartReason::kIonosphereSlip;
+  pair.ionosphere_slip = IonosphereSlipReason::kRate;
+  pair.geometry_slip = GeometrySlipReason::kThreshold;
   csv.OnPairEpoch(pair);
   pair = Pair(2, 5, "1C", "2W");
-  pair.Restart = RestartReason::kJump;
-  pair.GeometrySlip = GeometrySlipReason::kNewEphemeris;
+  pair.restart = RestartReason::kJump;
+  pair.geometry_slip = GeometrySlipReason::kNewEphemeris;
   csv.OnPairEpoch(pair);
   pair = Pair(3, 5, "1C", "2W");
-  pair.Restart = RestartReason::kGap;
-  pair.IonosphereSlip = IonosphereSlipReason::kLongGap;
+  pair.restart = RestartReason::kGap;
+  pair.ionosphere_slip = IonosphereSlipReason::kLongGap;
   csv.OnPairEpoch(pair);
   csv.EndBatch();
   const std::vector<std::string> rows = Rows();

@@ -54,29 +54,29 @@ class Collected : public testing::Test {
     signal.code = static_cast<std::uint8_t>(Code("1C"));
     signal.snr = snr;
     orsolva::SatelliteEpochDetail told;
-    told.Number = prn;
-    told.Satellite = {orsolva_host::kGps, prn};
-    told.Time = At(epoch);
-    told.ElevationRad = elevation_deg * kRadiansPerDegree;
-    told.AzimuthRad = -90 * kRadiansPerDegree;
-    told.AboveCutoff = true;
-    told.Signals = &signal;
-    told.SignalCount = 1;
+    told.number = prn;
+    told.satellite = {orsolva_host::kGps, prn};
+    told.time = At(epoch);
+    told.elevation_rad = elevation_deg * kRadiansPerDegree;
+    told.azimuth_rad = -90 * kRadiansPerDegree;
+    told.above_cutoff = true;
+    told.signals = &signal;
+    told.signal_count = 1;
     detail->OnSatelliteEpoch(told);
   }
 
   void Pair(int epoch, int prn, const char* partner, double residual_m, bool counting = true) {
     orsolva::PairEpochDetail told;
-    told.Number = prn;
-    told.Satellite = {orsolva_host::kGps, prn};
-    told.Time = At(epoch);
-    told.Code = Code("1C");
-    told.Partner = Code(partner);
-    told.Counting = counting;
-    told.HasMultipath = true;
-    told.ResidualM = residual_m;
-    told.HasGeometryFreeStep = epoch > 0;
-    told.GeometryFreeStepM = 0.010;
+    told.number = prn;
+    told.satellite = {orsolva_host::kGps, prn};
+    told.time = At(epoch);
+    told.code = Code("1C");
+    told.partner = Code(partner);
+    told.counting = counting;
+    told.has_multipath = true;
+    told.residual_m = residual_m;
+    told.has_geometry_free_step = epoch > 0;
+    told.geometry_free_step_m = 0.010;
     detail->OnPairEpoch(told);
   }
 
@@ -214,8 +214,8 @@ TEST_F(Collected, AbsurdValuesStayWithinTheColumns) {
   Pair(0, 5, "2W", std::nan(""));
   Pair(1, 5, "2W", 1e300);
   orsolva::SatelliteEpochDetail far;
-  far.Number = 5;
-  far.Time = {std::int64_t{1} << 62, 0.0};
+  far.number = 5;
+  far.time = {std::int64_t{1} << 62, 0.0};
   detail->OnSatelliteEpoch(far);
   detail->EndBatch();
   detail->Finish(total_code_qc_result{});

@@ -17,9 +17,9 @@ class AlarmTally {
  public:
   void CountEpoch(const std::vector<PairEpochDetail>& epoch) {
     for (const PairEpochDetail& d : epoch) {
-      if (d.Satellite.prn != prn_ || d.Satellite.sys != system_) CloseSatellite();
-      system_ = d.Satellite.sys;
-      prn_ = d.Satellite.prn;
+      if (d.satellite.prn != prn_ || d.satellite.sys != system_) CloseSatellite();
+      system_ = d.satellite.sys;
+      prn_ = d.satellite.prn;
       AddPair(d);
     }
     CloseSatellite();
@@ -33,12 +33,12 @@ class AlarmTally {
 
  private:
   void AddPair(const PairEpochDetail& d) {
-    if (!d.Counting || !d.HasDifference) return;
-    BandAlarms& band = open_[BandIndex(d.Satellite.sys, static_cast<int>(d.Code))];
+    if (!d.counting || !d.has_difference) return;
+    BandAlarms& band = open_[BandIndex(d.satellite.sys, static_cast<int>(d.code))];
     band.tested = true;
-    if (d.IonosphereSlip != IonosphereSlipReason::kNone) band.geometry_free = true;
-    if (d.GeometrySlip == GeometrySlipReason::kNewEphemeris) band.new_record = true;
-    if (d.GeometrySlip == GeometrySlipReason::kThreshold) band.geometry = true;
+    if (d.ionosphere_slip != IonosphereSlipReason::kNone) band.geometry_free = true;
+    if (d.geometry_slip == GeometrySlipReason::kNewEphemeris) band.new_record = true;
+    if (d.geometry_slip == GeometrySlipReason::kThreshold) band.geometry = true;
   }
 
   void CloseSatellite() {

@@ -70,21 +70,21 @@ double MeanOfAll(const std::deque<double>& values) {
 }
 
 void AddEpoch(const PairEpochDetail& detail, const GapCase& gap, int window, PairMean& pair) {
-  if (!detail.HasMultipath) return;
-  const double since = SecondsAfter(pair.last, detail.Time);
+  if (!detail.has_multipath) return;
+  const double since = SecondsAfter(pair.last, detail.time);
   const bool at_gap = pair.values > 0 && std::fabs(since - gap.gap_s) < 1e-3;
   const RestartReason due = at_gap ? gap.reason : RestartReason::kNone;
   const RestartReason said =
-      detail.Restart == RestartReason::kFirstValue ? RestartReason::kNone : detail.Restart;
+      detail.restart == RestartReason::kFirstValue ? RestartReason::kNone : detail.restart;
   if (at_gap) ++pair.at_gap;
   if (said != due) ++pair.wrong;
   if (static_cast<int>(pair.window.size()) == window) pair.window.pop_front();
-  pair.window.push_back(detail.MultipathM);
-  if (due != RestartReason::kNone) pair.window.assign(pair.window.size(), detail.MultipathM);
+  pair.window.push_back(detail.multipath_m);
+  if (due != RestartReason::kNone) pair.window.assign(pair.window.size(), detail.multipath_m);
   if (due == RestartReason::kIonosphereSlip) ++pair.jumps;
-  const double residual = detail.MultipathM - MeanOfAll(pair.window);
-  pair.largest_off_m = std::max(pair.largest_off_m, std::fabs(residual - detail.ResidualM));
-  pair.last = detail.Time;
+  const double residual = detail.multipath_m - MeanOfAll(pair.window);
+  pair.largest_off_m = std::max(pair.largest_off_m, std::fabs(residual - detail.residual_m));
+  pair.last = detail.time;
   ++pair.values;
 }
 

@@ -82,12 +82,12 @@ struct PairHistory {
 };
 
 void AddEpoch(const PairEpochDetail& detail, std::int64_t epoch, const JumpPlan& plan, PairHistory& pair) {
-  if (!detail.HasMultipath) return;
+  if (!detail.has_multipath) return;
   if (pair.first < 0) pair.first = epoch;
   ++pair.values;
-  pair.always_counting = pair.always_counting && detail.Counting;
-  if (detail.Restart == RestartReason::kNone || detail.Restart == RestartReason::kFirstValue) return;
-  const bool jump = detail.Restart == RestartReason::kJump;
+  pair.always_counting = pair.always_counting && detail.counting;
+  if (detail.restart == RestartReason::kNone || detail.restart == RestartReason::kFirstValue) return;
+  const bool jump = detail.restart == RestartReason::kJump;
   if (jump && epoch == plan.below) {
     ++pair.at_below;
   } else if (jump && (epoch == plan.above || epoch == plan.back)) {
@@ -123,7 +123,7 @@ void AddRows(double interval_s, ProofTable& table, Proof& proof) {
   const Scenario scenario = JumpScenario(interval_s, plan);
   std::map<PairKey, PairHistory> pairs;
   const ObservedRun run(scenario, [&](const PairEpochDetail& detail) {
-    AddEpoch(detail, EpochNumber(scenario, detail.Time), plan, pairs[KeyOf(detail)]);
+    AddEpoch(detail, EpochNumber(scenario, detail.time), plan, pairs[KeyOf(detail)]);
   });
   proof.Check(run.Good(), "a batch was refused");
   std::map<std::string, BandJumps> bands;

@@ -71,7 +71,7 @@ void AddSignal(const ObservedRun& run, const code_qc_entry& entry, const SignalT
 std::map<std::string, BandNoise> NoiseByBand(const Scenario& scenario, Proof& proof) {
   Partners partners;
   const ObservedRun run(scenario, [&partners](const orsolva::PairEpochDetail& detail) {
-    if (!detail.HasMultipath) return;
+    if (!detail.has_multipath) return;
     const auto [system, prn, code, partner] = KeyOf(detail);
     partners[{system, prn, code}].insert(partner);
   });

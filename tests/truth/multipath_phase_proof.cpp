@@ -45,10 +45,10 @@ Scenario PhaseScenario(double interval_s, int epochs) {
 }
 
 void AddEpoch(const PairEpochDetail& detail, PairNoise& pair) {
-  if (!detail.HasMultipath || !detail.Counting) return;
+  if (!detail.has_multipath || !detail.counting) return;
   ++pair.values;
-  pair.square += detail.ResidualM * detail.ResidualM;
-  if (detail.Restart != RestartReason::kNone && detail.Restart != RestartReason::kFirstValue) ++pair.restarts;
+  pair.square += detail.residual_m * detail.residual_m;
+  if (detail.restart != RestartReason::kNone && detail.restart != RestartReason::kFirstValue) ++pair.restarts;
 }
 
 /// Variance of a raw multipath value: both phases with their weights, and the rounding of the three cells.

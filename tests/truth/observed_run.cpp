@@ -20,8 +20,8 @@ class Listening : public orsolva::QcDetailObserver {
 }  // namespace
 
 PairKey KeyOf(const orsolva::PairEpochDetail& detail) {
-  return {detail.Satellite.sys, detail.Satellite.prn, static_cast<int>(detail.Code),
-          static_cast<int>(detail.Partner)};
+  return {detail.satellite.sys, detail.satellite.prn, static_cast<int>(detail.code),
+          static_cast<int>(detail.partner)};
 }
 
 ObservedRun::ObservedRun(const orsolva_host::Scenario& scenario, const PairListener& listener)

@@ -45,7 +45,7 @@ double GeometryLimit(double gap_s) {
 }
 
 void ByEpoch::Add(const PairEpochDetail& detail) {
-  if (!epoch_.empty() && !SameEpoch(epoch_.front().Time, detail.Time)) Finish();
+  if (!epoch_.empty() && !SameEpoch(epoch_.front().time, detail.time)) Finish();
   epoch_.push_back(detail);
 }
 
@@ -60,7 +60,8 @@ SlipRuleChecker::SlipRuleChecker(const orsolva_host::Scenario& scenario, Proof& 
 void SlipRuleChecker::CheckEpoch(const std::vector<PairEpochDetail>& epoch) {
   changes_.clear();
   for (const PairEpochDetail& d : epoch) {
-    if (d.HasDifference && d.IonosphereSlip == IonosphereSlipReason::kNone) changes_.push_back(d.DifferenceM);
+    if (d.has_difference && d.ionosphere_slip == IonosphereSlipReason::kNone)
+      changes_.push_back(d.difference_m);
   }
   std::sort(changes_.begin(), changes_.end());
   const double median = changes_.empty() ? 0.0 : changes_[changes_.size() / 2];
@@ -79,35 +80,35 @@ SlipRuleChecker::PairRule& SlipRuleChecker::RuleOf(const PairEpochDetail& d) {
 }
 
 void SlipRuleChecker::CheckGeometryFree(const PairEpochDetail& d) {
-  if (!d.HasGeometryFreeStep && !d.HasMultipath) return;  // the partner is not observed
+  if (!d.has_geometry_free_step && !d.has_multipath) return;  // the partner is not observed
   PairRule& rule = RuleOf(d);
-  if (d.HasGeometryFreeStep) {
-    const double gap = SecondsAfter(rule.last, d.Time);
+  if (d.has_geometry_free_step) {
+    const double gap = SecondsAfter(rule.last, d.time);
     const double limit = GeometryFreeLimit(rule.frequencies, gap);
-    const bool large = std::fabs(d.GeometryFreeStepM) > limit || gap > kLongGap_s;
-    const bool due = large && gap < kNewArc_s && d.Counting;
-    Hold(std::fabs(d.GeometryFreeThresholdM - limit) < 1e-9 * limit, d, "geometry-free threshold");
-    Hold((d.IonosphereSlip != IonosphereSlipReason::kNone) == due, d, "geometry-free slip");
+    const bool large = std::fabs(d.geometry_free_step_m) > limit || gap > kLongGap_s;
+    const bool due = large && gap < kNewArc_s && d.counting;
+    Hold(std::fabs(d.geometry_free_threshold_m - limit) < 1e-9 * limit, d, "geometry-free threshold");
+    Hold((d.ionosphere_slip != IonosphereSlipReason::kNone) == due, d, "geometry-free slip");
   }
-  rule.last = d.Time;
+  rule.last = d.time;
 }
 
 void SlipRuleChecker::CheckGeometry(const PairEpochDetail& d, double median) {
-  if (!d.HasDifference || !d.Counting) {
-    Hold(d.GeometrySlip == GeometrySlipReason::kNone, d, "slip without a difference");
+  if (!d.has_difference || !d.counting) {
+    Hold(d.geometry_slip == GeometrySlipReason::kNone, d, "slip without a difference");
     return;
   }
-  if (d.GeometrySlip == GeometrySlipReason::kDataGap) return;  // gaps have a proof of their own
-  Hold(d.ExcessM == d.DifferenceM - median, d, "excess over the median");
-  const bool due = std::fabs(d.DifferenceM - median) > GeometryLimit(interval_s_);
-  Hold((d.GeometrySlip != GeometrySlipReason::kNone) == due, d, "phase-minus-geometry slip");
+  if (d.geometry_slip == GeometrySlipReason::kDataGap) return;  // gaps have a proof of their own
+  Hold(d.excess_m == d.difference_m - median, d, "excess over the median");
+  const bool due = std::fabs(d.difference_m - median) > GeometryLimit(interval_s_);
+  Hold((d.geometry_slip != GeometrySlipReason::kNone) == due, d, "phase-minus-geometry slip");
 }
 
 void SlipRuleChecker::Hold(bool holds, const PairEpochDetail& d, const char* what) {
   if (holds) return proof_->Check(true, {});
   const auto [system, prn, code, partner] = KeyOf(d);
   proof_->Check(false, fmt::format("{} s, {} {} with {}, time {}: {}", interval_s_, NameOf(system, prn),
-                                   CodeName(system, code), CodeName(system, partner), d.Time.time, what));
+                                   CodeName(system, code), CodeName(system, partner), d.time.time, what));
 }
 
 }  // namespace orsolva_test

@@ -49,7 +49,7 @@ History Record(const Scenario& scenario, Proof& proof, orsolva_host::Truth& trut
   const ObservedRun run(scenario, [&](const PairEpochDetail& d) {
     std::vector<PairEpochDetail>& pair = history[KeyOf(d)];
     pair.resize(count);
-    pair[static_cast<std::size_t>(EpochNumber(scenario, d.Time))] = d;
+    pair[static_cast<std::size_t>(EpochNumber(scenario, d.time))] = d;
     epochs.Add(d);
   });
   epochs.Finish();
@@ -77,14 +77,14 @@ class SlipJudge {
       if (system != slip.system || prn != slip.prn || (code != slip.code && partner != slip.code)) continue;
       const PairEpochDetail& now = pair[slip.epoch];
       const PairEpochDetail& before = quiet_->at(key)[slip.epoch];
-      if (!now.HasGeometryFreeStep || !now.Counting) continue;
+      if (!now.has_geometry_free_step || !now.counting) continue;
       JudgeGeometryFree(slip, key, now, before, tolerance_m);
       if (code != slip.code) continue;
       JudgeGeometry(slip, now, before, tolerance_m);
       ++tally.pairs;
-      tally.geometry_free_limit_m = now.GeometryFreeThresholdM;
-      if (now.IonosphereSlip != orsolva::IonosphereSlipReason::kNone) ++tally.geometry_free;
-      if (now.GeometrySlip != orsolva::GeometrySlipReason::kNone) ++tally.geometry;
+      tally.geometry_free_limit_m = now.geometry_free_threshold_m;
+      if (now.ionosphere_slip != orsolva::IonosphereSlipReason::kNone) ++tally.geometry_free;
+      if (now.geometry_slip != orsolva::GeometrySlipReason::kNone) ++tally.geometry;
     }
   }
 
@@ -93,13 +93,13 @@ class SlipJudge {
                          const PairEpochDetail& before, double tolerance_m) const {
     const bool code_slips = std::get<2>(key) == slip.code;
     const double sign = FrequenciesOf(key, 0).code_is_first == code_slips ? -1 : 1;
-    const double seen = sign * (now.GeometryFreeStepM - before.GeometryFreeStepM);
+    const double seen = sign * (now.geometry_free_step_m - before.geometry_free_step_m);
     proof_->Check(std::fabs(seen - slip.metres) <= tolerance_m, "geometry-free step does not hold the slip");
   }
 
   void JudgeGeometry(const Slip& slip, const PairEpochDetail& now, const PairEpochDetail& before,
                      double tolerance_m) const {
-    const double seen = now.DifferenceM - before.DifferenceM;
+    const double seen = now.difference_m - before.difference_m;
     proof_->Check(std::fabs(seen - slip.metres) <= tolerance_m, "phase change does not hold the slip");
   }
 

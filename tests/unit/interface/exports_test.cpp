@@ -226,7 +226,7 @@ class ThrowsOnce : public orsolva::QcDetailObserver {
   void OnSatelliteEpoch(const orsolva::SatelliteEpochDetail&) override {}
   void OnPairEpoch(const orsolva::PairEpochDetail& detail) override {
     if (++pairs_ == 10) throw std::bad_alloc();
-    if (pairs_ > 10) Times.push_back(detail.Time.time);
+    if (pairs_ > 10) Times.push_back(detail.time.time);
   }
 
  private:

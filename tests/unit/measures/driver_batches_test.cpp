@@ -153,13 +153,13 @@ TEST(Driver, ObserverChangesNoBitAndHearsEveryPairOnceAnEpoch) {
       for (int k = 0; k < codes; ++k, ++at) {
         ASSERT_LT(at, observer.Pairs.size());
         const PairEpochDetail& detail = observer.Pairs[at];
-        EXPECT_EQ(prn, detail.Number);
-        EXPECT_EQ(prn, detail.Satellite.prn);
-        EXPECT_EQ(kReferenceTime + 30 * i, detail.Time.time);
-        EXPECT_EQ(k == 0 ? kL1 : kL2, detail.Code);
-        slips += detail.GeometrySlip != GeometrySlipReason::kNone ? 1 : 0;
+        EXPECT_EQ(prn, detail.number);
+        EXPECT_EQ(prn, detail.satellite.prn);
+        EXPECT_EQ(kReferenceTime + 30 * i, detail.time.time);
+        EXPECT_EQ(k == 0 ? kL1 : kL2, detail.code);
+        slips += detail.geometry_slip != GeometrySlipReason::kNone ? 1 : 0;
         const bool event =
-            detail.Restart == RestartReason::kJump || detail.Restart == RestartReason::kIonosphereSlip;
+            detail.restart == RestartReason::kJump || detail.restart == RestartReason::kIonosphereSlip;
         restarts += event ? 1 : 0;
       }
     }
@@ -188,10 +188,10 @@ TEST(Driver, DetailNamesTheChangeOfRecords) {
   run.Pass(&observer);
   int changes = 0;
   for (const PairEpochDetail& detail : observer.Pairs) {
-    if (!detail.NewEphemeris) continue;
-    EXPECT_EQ(2, detail.Number);
-    EXPECT_EQ(GeometrySlipReason::kNewEphemeris, detail.GeometrySlip);
-    EXPECT_GT(std::fabs(detail.ExcessM), detail.GeometryThresholdM);
+    if (!detail.new_ephemeris) continue;
+    EXPECT_EQ(2, detail.number);
+    EXPECT_EQ(GeometrySlipReason::kNewEphemeris, detail.geometry_slip);
+    EXPECT_GT(std::fabs(detail.excess_m), detail.geometry_threshold_m);
     ++changes;
   }
   EXPECT_EQ(2, changes);

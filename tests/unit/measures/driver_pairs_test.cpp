@@ -71,7 +71,7 @@ TEST(Driver, CodeWithTwoPartnersEntersTheDifferencesTwice) {
   RecordingObserver observer;
   EXPECT_TRUE(run.Pass(&observer));
   int differences = 0;
-  for (const PairEpochDetail& detail : observer.Pairs) differences += detail.HasDifference ? 1 : 0;
+  for (const PairEpochDetail& detail : observer.Pairs) differences += detail.has_difference ? 1 : 0;
   EXPECT_EQ(4, differences);
   EXPECT_EQ(0, Slips(run, 1));
   EXPECT_EQ(1, Slips(run, 2));

@@ -251,10 +251,10 @@ class Recorder : public QcDetailObserver {
  public:
   void OnSatelliteEpoch(const SatelliteEpochDetail& detail) override {
     ++Satellites;
-    Numbers.insert(detail.Number);
-    Consistent = Consistent && detail.SignalCount > 0 && detail.Signals[0].code != 0 &&
-                 detail.Satellite.prn > 0 && detail.AboveCutoff == (detail.ElevationRad > 10.0 * kDegree) &&
-                 detail.AzimuthRad >= 0.0 && detail.AzimuthRad <= 2.0 * sky::kPi;
+    Numbers.insert(detail.number);
+    Consistent = Consistent && detail.signal_count > 0 && detail.signals[0].code != 0 &&
+                 detail.satellite.prn > 0 && detail.above_cutoff == (detail.elevation_rad > 10.0 * kDegree) &&
+                 detail.azimuth_rad >= 0.0 && detail.azimuth_rad <= 2.0 * sky::kPi;
   }
   void OnPairEpoch(const PairEpochDetail&) override { ++Pairs; }
 

@@ -35,8 +35,10 @@ ORSOLVA_EXPORT bool InitialQc(const NavBodyData_QC_gbt& nav, const config_qct* c
 
 /// Takes one batch into the run.
 ///
-/// @return GNSSQC_OK; GNSSQC_NO_DATA for an empty batch or an interval that cannot be told;
-///         GNSSQC_NO_POSITION when no position is given and none can be computed; GNSSQC_INTERNAL_ERROR
+/// @return GNSSQC_OK; GNSSQC_NO_DATA for an empty batch (no epochs or a null pointer) and for one in which no
+///         epoch has a usable time, its fraction of a second being no finite number; GNSSQC_NO_POSITION when
+///         no position is given and none can be computed; GNSSQC_INTERNAL_ERROR for a null handle or an
+///         error, of which the only known one is memory that runs out
 ORSOLVA_EXPORT GNSSQC_STATE GNSSQCPlus(const ObsBodyData_QC_gbt& obs, unsigned long long* handle);
 
 /// Writes the result of the run so far; changes no statistic.

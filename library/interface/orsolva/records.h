@@ -18,11 +18,11 @@ struct Time_gbt {
 
 /// One signal of one satellite at one epoch.
 struct Signal_QC_gbt {
-  double pseudorange;        ///< m
-  double phase;              ///< cycles
-  float doppler;             ///< carried, never read
-  float snr;                 ///< dB-Hz
-  std::uint8_t code;         ///< number of the signal, 0 = unused; table: docs/host/signals.md, in the sources
+  double pseudorange;  ///< m
+  double phase;        ///< cycles
+  float doppler;       ///< carried, never read
+  float snr;           ///< dB-Hz
+  std::uint8_t code;   ///< number of the signal, 0 = unused; table: docs/host/signals.md, in the sources
   std::uint8_t reserved[7];  ///< not read
 };
 
@@ -195,90 +195,110 @@ struct NavBodyData_QC_gbt {
 /// Configuration of a run. System order of the flags: GPS, GLONASS, BDS, Galileo, QZSS; of the rows of six:
 /// the same and "BD3" (BDS satellites numbered 18 and above), which always follows the BDS row.
 struct config_qct {
-  std::uint8_t enable_system[5];
-  std::uint8_t reserved;
-  std::uint8_t enable_position;
-  std::uint8_t combination_system[5];
-  double elevation;    ///< cut-off, degrees; 1e-12 and below mean 0.0001 rad
-  double interval;     ///< s; 1e-12 and below mean 1 s
-  double position[3];  ///< ECEF, m
-  std::int32_t include_satellite[6][64];
-  std::int32_t auto_detect_freq;
-  std::int32_t satellite_freq[6][6];
+  std::uint8_t enable_system[5];  ///< 0 = the system is left out
+  std::uint8_t reserved;          ///< not read
+  std::uint8_t enable_position;   ///< not 0 = `position` is the station; 0 = computed from the first batch
+  std::uint8_t combination_system[5];     ///< not 0 = part of the combined result
+  double elevation;                       ///< cut-off, degrees; 1e-12 and below mean 0.0001 rad
+  double interval;                        ///< s; 1e-12 and below mean 1 s
+  double position[3];                     ///< ECEF, m
+  std::int32_t include_satellite[6][64];  ///< by number - 1; low byte 0 = left out; the BD3 row is not read
+  std::int32_t auto_detect_freq;          ///< not 0 = every band that has codes is used
+  std::int32_t satellite_freq[6][6];      ///< 0 = the frequency slot is not used; the BD3 row is not read
 };
 
 /// What GNSSQCPlus and GNSSQC return. Only GNSSQC_OK is a success.
 enum GNSSQC_STATE : std::int32_t {
-  GNSSQC_OK = 1,
-  GNSSQC_NO_DATA = 0,
-  GNSSQC_NO_NAV = -1,
-  GNSSQC_NO_POSITION = -2,
-  GNSSQC_INTERNAL_ERROR = -3,
+  GNSSQC_OK = 1,               ///< the batch was taken in and measured
+  GNSSQC_NO_DATA = 0,          ///< no epochs, or none with a usable time
+  GNSSQC_NO_NAV = -1,          ///< GNSSQC only: no broadcast record
+  GNSSQC_NO_POSITION = -2,     ///< none given and none could be computed; the epochs stay counted
+  GNSSQC_INTERNAL_ERROR = -3,  ///< a null handle or memory that ran out
 };
 
-/// All figures of one satellite, one system or of the whole run. Six band slots a figure.
+/// All figures of one satellite, one system or of the whole run, for one combination of codes with one code
+/// per band slot: the one with which the system is most complete. Of a system and of the run counts are sums
+/// over the satellites, and means are weighted by counts. A figure without data is 0.
 struct qc_core_summary {
-  std::int32_t system;  ///< system code, 0 = empty
-  std::int32_t padding;
+  std::int32_t system;   ///< system code, 0 = empty; of the total the first system combined
+  std::int32_t padding;  ///< left as the host handed it over
+  /// Nominal epochs (one per interval) at which the satellite is above the elevation cut-off, from its first
+  /// observed epoch on.
   std::uint64_t expected_epochs;
+  /// Epochs above the cut-off at which every code of the combination has range, phase and SNR; of a
+  /// combination of several codes those that not every satellite transmits are left out (GPS L5 among them).
   std::uint64_t observed_epochs;
+  /// Cycle slips: epochs at which the phase-minus-geometry test finds one on any band slot. Of a satellite
+  /// each epoch counts once.
   std::uint64_t slip_epochs;
+  /// Multipath restarts: epochs at which the averaging of the multipath restarts, by a jump of the code or a
+  /// geometry-free slip, on band slots 1 and 2 (GPS also 3). Gaps do not count. Equal to slip_epochs for a
+  /// combination of a single code.
   std::uint64_t jump_epochs;
-  double completeness;  ///< 0 to 1
-  double mp[6];         ///< RMS, m
-  double snr[6];        ///< mean above the elevation cut-off, dB-Hz
-  double snr_30[6][2];  ///< [0] mean not above 30 degrees, [1] mean above
+  double completeness;  ///< observed_epochs / expected_epochs, at most 1; 0 when none is expected
+  double mp[6];         ///< m, RMS of the code multipath less its moving mean, above the cut-off
+  double snr[6];        ///< dB-Hz, mean above the elevation cut-off
+  double snr_30[6][2];  ///< dB-Hz, [0] mean not above 30 degrees, [1] mean above, whatever the cut-off
+  /// observed_epochs / jump_epochs, an integer division: observed epochs per multipath restart, not per cycle
+  /// slip. observed_epochs without a restart.
   double obs_per_slip;
-  double iod[6];  ///< cycles
+  /// Cycles, standard deviation of the Melbourne-Wuebbena wide lane over the longest arc. Of a system that of
+  /// the last satellite; of the total 0.
+  double iod[6];
 };
 
 /// The whole-run result. System slots: GPS, GLONASS, BDS, Galileo, QZSS, BD3.
 struct result_qct {
-  Time_gbt start_time;
-  Time_gbt end_time;
-  double station_xyz[3];  ///< ECEF, m
-  double duration;        ///< hours
-  std::int32_t lost_epochs;
-  std::int32_t padding;
-  qc_core_summary sys[6];
-  qc_core_summary sat[6][64];
-  qc_core_summary total;
-  std::uint32_t sat_used[6][64];
+  Time_gbt start_time;         ///< first epoch
+  Time_gbt end_time;           ///< last epoch
+  double station_xyz[3];       ///< ECEF, m, given or computed
+  double duration;             ///< hours from the first to the last epoch
+  std::int32_t lost_epochs;    ///< nominal epochs from the first to the last less the epochs taken in
+  std::int32_t padding;        ///< left as the host handed it over
+  qc_core_summary sys[6];      ///< slot BD3 stays without figures: the newer satellites are in the BDS slot
+  qc_core_summary sat[6][64];  ///< by number - 1; every BDS satellite in the BDS slot
+  qc_core_summary total;       ///< the systems to combine, merged
+  std::uint32_t sat_used[6][64];  ///< 1 usable, 0 left out, 4294967295 unhealthy; BDS from 18 on in slot BD3
 };
 
-/// Figures of one signal code.
+/// Figures of one signal code. Of a system counts are sums over the satellites that observed the code, and
+/// means are weighted by counts. A figure without data is 0.
 struct code_qc_entry {
-  std::uint8_t code;
-  std::uint8_t padding[7];
-  double completeness;
-  double mp_rms;       ///< m
-  double snr;          ///< mean above the elevation cut-off, dB-Hz
-  double snr_below30;  ///< dB-Hz
-  double snr_above30;  ///< dB-Hz
+  std::uint8_t code;        ///< signal number
+  std::uint8_t padding[7];  ///< 0
+  double completeness;      ///< observed_epochs / expected_epochs, not held to 1
+  double mp_rms;            ///< m, RMS of the code multipath with the most complete partner code
+  double snr;               ///< dB-Hz, mean above the elevation cut-off
+  double snr_below30;       ///< dB-Hz, mean not above 30 degrees, below the cut-off too
+  double snr_above30;       ///< dB-Hz, mean above 30 degrees
+  /// observed_epochs / slip_count, a floating division: observed epochs per multipath restart.
+  /// observed_epochs without a restart.
   double obs_per_slip;
+  /// Multipath restarts of the code above the cut-off, by a jump of the code or a geometry-free slip. Without
+  /// any multipath value the cycle slips of iod_slip_count.
   std::int32_t slip_count;
-  std::int32_t padding2;
-  std::uint64_t expected_epochs;
-  std::uint64_t observed_epochs;
-  std::uint64_t mp_count;
-  std::uint32_t snr_count;
-  std::uint32_t snr_count_above30;
-  std::uint32_t snr_count_below30;
-  std::uint32_t iod_slip_count;
+  std::int32_t padding2;            ///< 0
+  std::uint64_t expected_epochs;    ///< of the satellite, as in qc_core_summary
+  std::uint64_t observed_epochs;    ///< epochs above the cut-off at which the code has range, phase and SNR
+  std::uint64_t mp_count;           ///< multipath values behind mp_rms
+  std::uint32_t snr_count;          ///< values behind snr
+  std::uint32_t snr_count_above30;  ///< values behind snr_above30
+  std::uint32_t snr_count_below30;  ///< values behind snr_below30
+  std::uint32_t iod_slip_count;     ///< cycle slips of the code that the phase-minus-geometry test counts
 };
 
 /// Up to eight codes of one satellite or one system.
 struct code_qc_block {
-  std::uint8_t system;
-  std::uint8_t padding[3];
-  std::int32_t count;
+  std::uint8_t system;      ///< system code, 0 = empty
+  std::uint8_t padding[3];  ///< 0
+  std::int32_t count;       ///< entries in use
   code_qc_entry entries[8];
 };
 
 /// The per-code result. Slots 0 to 4: GPS, GLONASS, BDS (every number), Galileo, QZSS; slot 5 stays zero.
 struct total_code_qc_result {
   code_qc_block sys[6];
-  code_qc_block sat[6][64];
+  code_qc_block sat[6][64];  ///< by number - 1
 };
 
 #endif  // ORSOLVA_INTERFACE_RECORDS_H

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "toolkit/constants.h"
 
@@ -12,12 +13,6 @@ using gnssqctoolkit::AbsoluteTime;
 using gnssqctoolkit::kSpeedOfLight;
 using gnssqctoolkit::TimeDifference;
 
-// Ionospheric rate a phase may show without a slip: 400 cm per minute.
-constexpr double kIonosphereRate = 400.0;
-constexpr double kLeastGeometryFreeThreshold = 0.026;  // m
-constexpr double kLongestGeometryFreeGap = 242.0;      // s
-// A gap beyond this counts a slip by itself, s.
-constexpr double kSlipGap = 60.0;
 constexpr double kWideLaneLimit = 1e-16;
 constexpr double kFirstWideLaneVariance = 0.25;  // cycles^2
 
@@ -127,10 +122,10 @@ bool PhaseGeometryDifference(const AbsoluteTime& epoch, const CodeObservation& o
 }
 
 double SlipThreshold(double gap) {
-  if (AtMost(gap, 1.0)) return 0.05;  // a gap that is not positive included
-  if (AtMost(gap, 15.0)) return 0.1;
-  if (AtMost(gap, 30.0)) return 0.15;
-  return AtMost(gap, 60.0) ? 0.3 : 0.05;
+  for (const SlipThresholdRow& row : kSlipThresholds) {
+    if (AtMost(gap, row.LongestGap)) return row.Threshold;  // a gap that is not positive is in the first row
+  }
+  return std::rbegin(kSlipThresholds)->Threshold;  // no number
 }
 
 double WideLane(double p_a, double p_b, double l_a, double l_b, double lambda_a, double lambda_b) {

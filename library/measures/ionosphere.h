@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <vector>
 
 #include "measures/multipath.h"
@@ -15,6 +16,24 @@
 #include "toolkit/time.h"
 
 namespace orsolva {
+
+/// Ionospheric rate beyond which the geometry-free test flags a change, cm per minute.
+inline constexpr double kIonosphereRate = 400.0;
+/// The threshold of the geometry-free test is at least this, m.
+inline constexpr double kLeastGeometryFreeThreshold = 0.026;
+/// A longer gap is flagged by the geometry-free test whatever the change, s.
+inline constexpr double kLongestGeometryFreeGap = 242.0;
+/// A longer gap counts a phase-minus-geometry slip whatever the change, s.
+inline constexpr double kSlipGap = 60.0;
+
+/// Threshold of the phase-minus-geometry test for gaps above those of the row before and up to its own.
+struct SlipThresholdRow {
+  double LongestGap;  ///< s
+  double Threshold;   ///< m
+};
+inline constexpr SlipThresholdRow kSlipThresholds[] = {
+    {1.0, 0.05}, {15.0, 0.1}, {30.0, 0.15}, {60.0, 0.3}, {std::numeric_limits<double>::infinity(), 0.05},
+};
 
 class IodDetect {
  public:

@@ -64,6 +64,9 @@ class ExpectedEpochs {
   std::uint64_t Advance(int number, const Time_gbt& epoch, std::uint32_t sequence, bool above,
                         double interval, QcEleList& elevations);
 
+  /// Whether an epoch of the satellite was taken.
+  bool Holds(int number) const { return last_[number - 1].Set; }
+
  private:
   struct LastCounted {
     Time_gbt Time{};

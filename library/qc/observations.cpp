@@ -9,9 +9,6 @@ namespace orsolva {
 
 namespace {
 
-// Epochs looked at for signal codes: indices 0 to 2001.
-constexpr std::int32_t kCodeCollectionEpochs = 2002;
-
 // A satellite keeps at most this many bytes between batches.
 constexpr std::size_t kKeptBytes = std::size_t{1} << 20;
 

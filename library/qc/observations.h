@@ -16,6 +16,8 @@ namespace orsolva {
 /// Entries of the input arrays that are read; counts beyond claim no more.
 inline constexpr std::uint32_t kSatellitesPerEpoch = 80;
 inline constexpr std::uint32_t kSignalsPerSatellite = 8;
+/// Epochs of a batch in which signal codes are looked for: indices 0 to 2001.
+inline constexpr std::int32_t kCodeCollectionEpochs = 2002;
 /// Codes kept per system.
 inline constexpr int kCodesPerSystem = 8;
 

@@ -139,6 +139,7 @@ void PostProcessGnssQc::RunMeasures() {
   EleList.SetStation(Eph, Position, Config.ElevationMask);
   std::size_t satellite_epochs = 0, signals = 0;
   for (const int number : ObsData.PresentSatellites()) {
+    observed_[number - 1] = true;
     satellite_epochs += ObsData.Sats[number - 1].Epochs.size();
     signals += ObsData.Sats[number - 1].Signals.size();
   }

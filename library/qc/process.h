@@ -78,6 +78,13 @@ class PostProcessGnssQc {
   /// ownership.
   void SetDetailObserver(QcDetailObserver* observer) { observer_ = observer; }
 
+  /// What the result side reads of the run.
+  ResultSources Sources() const;
+  /// Whether a satellite (number 1 to 208) was in an epoch that was measured.
+  bool Observed(int number) const { return observed_[number - 1]; }
+  /// Whether it ever had an elevation in one.
+  bool HadElevation(int number) const { return expected_.Holds(number); }
+
   /// Drops the epochs of the current batch, here and in the measures.
   void ResetBatch();
   /// Frees the run's data.
@@ -92,9 +99,9 @@ class PostProcessGnssQc {
   void MeasureSatellite(int number);
   void MeasureEpoch(int number, std::size_t i);
   void ReportEpoch(int number, const QcEpochData& epoch, const ElevationFlags& flags);
-  ResultSources Sources() const;
 
   ExpectedEpochs expected_;
+  bool observed_[gnssqctoolkit::kMaxSatellites] = {};
   QcDetailObserver* observer_ = nullptr;
 };
 

@@ -115,29 +115,30 @@ void QcResultAnalysis::BuildCodeCombinations(const ResultSources& sources, const
       BuildCombinations(own_row, gnssqctoolkit::kBds, CombinationTarget::kBds3Stationary, codes);
 }
 
+SatelliteCombinations QcResultAnalysis::CombinationsOf(const SatelliteStores& stores, const QcConfig& config,
+                                                       const QcResult& result) const {
+  const SatelliteId& satellite = stores.Satellite;
+  const int s = SystemSlotOf(satellite.system);
+  if (s < 0 || satellite.prn < 1 || satellite.prn > kPrnsPerSlot) return {};
+  const UsableCodes usable = FindUsableCodes(config.Sys[s], stores);
+  if (usable.BandCount == 0) return {};
+  // Kept for compatibility: the satellite's k-th code is pooled with the system's k-th combination.
+  if (usable.BandCount == 1) return {SingleCodes(usable.Codes), false, false};
+  if (!IsBds3(satellite)) return {result.All[s].Combinations, false, false};
+  const QcSysAllResult& bd3 = result.All[kSlotBd3];
+  const bool stationary = IsStationary(satellite);
+  return {stationary ? bd3.AltCombinations : bd3.Combinations, !stationary, true};
+}
+
 void QcResultAnalysis::AnalyseSatellite(const SatelliteStores& stores, const QcConfig& config,
                                         QcResult& result) const {
   const SatelliteId& satellite = stores.Satellite;
   const int s = SystemSlotOf(satellite.system);
   if (s < 0 || satellite.prn < 1 || satellite.prn > kPrnsPerSlot) return;
-  QcSysAllResult& slot = result.All[s];
-  slot.System = satellite.system;
-  const UsableCodes usable = FindUsableCodes(config.Sys[s], stores);
-  if (usable.BandCount == 0) return;
-  if (usable.BandCount == 1) {
-    // Kept for compatibility: the satellite's k-th code is pooled with the system's k-th combination.
-    EvaluateAndPool(SatelliteView(stores, false), SingleCodes(usable.Codes), slot);
-    return;
-  }
-  if (!IsBds3(satellite)) {
-    EvaluateAndPool(SatelliteView(stores, false), slot.Combinations, slot);
-    return;
-  }
-  QcSysAllResult& bd3 = result.All[kSlotBd3];
-  bd3.System = gnssqctoolkit::kBds;
-  const bool stationary = IsStationary(satellite);
-  EvaluateAndPool(SatelliteView(stores, !stationary), stationary ? bd3.AltCombinations : bd3.Combinations,
-                  slot);
+  result.All[s].System = satellite.system;
+  const SatelliteCombinations own = CombinationsOf(stores, config, result);
+  if (own.OfBds3) result.All[kSlotBd3].System = gnssqctoolkit::kBds;
+  EvaluateAndPool(SatelliteView(stores, own.Shifted), own.Combinations, result.All[s]);
 }
 
 void QcResultAnalysis::AnalyseSatellites(const ResultSources& sources, const QcConfig& config,

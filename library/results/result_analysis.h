@@ -8,6 +8,13 @@
 
 namespace orsolva {
 
+/// The combinations of codes with which a satellite is judged; none without a usable code.
+struct SatelliteCombinations {
+  QcCodeCombination Combinations;
+  bool Shifted = false;  ///< its channels are read shifted, see SatelliteView
+  bool OfBds3 = false;   ///< they are those of the newer BDS satellites
+};
+
 /// Holds nothing between calls and changes nothing of the run.
 class QcResultAnalysis {
  public:
@@ -22,6 +29,10 @@ class QcResultAnalysis {
 
   /// Every satellite with every combination of its system, then the systems.
   void AnalyseSatellites(const ResultSources& sources, const QcConfig& config, QcResult& result) const;
+
+  /// How a satellite is judged, by its usable bands.
+  SatelliteCombinations CombinationsOf(const SatelliteStores& stores, const QcConfig& config,
+                                       const QcResult& result) const;
 
   /// One satellite into the figures of its system slot.
   void AnalyseSatellite(const SatelliteStores& stores, const QcConfig& config, QcResult& result) const;

@@ -112,12 +112,6 @@ void MergeSnr(const QcSnrResult& b, QcSnrResult& a) {
            AsDouble(n);
 }
 
-/// The combination a satellite is shown with: the chosen one, or its own best when it has nothing there.
-int SatelliteChoice(const QcResultCore* combinations, int chosen) {
-  if (!(combinations[chosen].Completeness < kNoCompleteness)) return chosen;
-  return FirstLargest(kMaxCombinations, [combinations](int i) { return combinations[i].Completeness; });
-}
-
 }  // namespace
 
 QcResultCore::QcResultCore() = default;
@@ -156,10 +150,20 @@ void FinishPool(QcResultCore& pool) {
   }
 }
 
-bool ChooseOptimal(const QcSysAllResult& all, QcSysOptimalResult& optimal) {
+int BestCombination(const QcSysAllResult& all) {
   const int count = all.Combinations.Count;
-  if (count == 0) return false;
-  const int chosen = FirstLargest(count, [&all](int i) { return all.PerComb[i].Completeness; });
+  if (count == 0) return -1;
+  return FirstLargest(count, [&all](int i) { return all.PerComb[i].Completeness; });
+}
+
+int SatelliteChoice(const QcResultCore* combinations, int chosen) {
+  if (!(combinations[chosen].Completeness < kNoCompleteness)) return chosen;
+  return FirstLargest(kMaxCombinations, [combinations](int i) { return combinations[i].Completeness; });
+}
+
+bool ChooseOptimal(const QcSysAllResult& all, QcSysOptimalResult& optimal) {
+  const int chosen = BestCombination(all);
+  if (chosen < 0) return false;
   for (int i = 0; i < kPrnsPerSlot; ++i) {
     optimal.PerSat[i] = all.PerSat[i][SatelliteChoice(all.PerSat[i], chosen)];
   }

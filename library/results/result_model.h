@@ -133,6 +133,14 @@ void PoolSatellite(const QcResultCore* combinations, int index, QcResultCore& po
 /// Turns the sums of a pool into means, RMS and rates.
 void FinishPool(QcResultCore& pool);
 
+/// Number of the most complete combination of a slot, the first of equal ones; -1 for a slot without any.
+int BestCombination(const QcSysAllResult& all);
+
+/// Number of the combination whose figures a satellite shows: the chosen one, or its own most complete when
+/// it has observed nothing with that.
+/// @param combinations  all kMaxCombinations figures of the satellite
+int SatelliteChoice(const QcResultCore* combinations, int chosen);
+
 /// Chooses the best combination of a slot and the figures of its satellites.
 /// @return false, with `optimal` left alone, when the slot has no combination
 bool ChooseOptimal(const QcSysAllResult& all, QcSysOptimalResult& optimal);

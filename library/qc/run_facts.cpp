@@ -7,6 +7,8 @@
 #include "navigation/positioning.h"
 #include "qc/elevations.h"
 #include "results/chosen_combinations.h"
+#include "results/code_combinations.h"
+#include "toolkit/constants.h"
 #include "toolkit/leap_seconds.h"
 #include "toolkit/signals.h"
 
@@ -131,6 +133,7 @@ RunFacts CollectRunFacts(const PostProcessGnssQc& process) {
   facts.thresholds = Thresholds(process.Config.ElevationMask);
   facts.limits = Limits();
   const ChosenCombinations chosen(process.Sources());
+  facts.total = chosen.Total;
   FillSystems(process, chosen, facts);
   FillSatellites(process, chosen, facts);
   return facts;

@@ -4,11 +4,10 @@
 #include <cmath>
 
 #include "host/rinex/civil_time.h"
+#include "orsolva/signals.h"
 
 namespace orsolva_host {
 namespace {
-
-constexpr std::uint32_t kEpochSatellites = 80;
 
 const Time_gbt& TimeOf(const GloEph_gbt& record) { return record.toe; }
 template <typename Record>
@@ -79,7 +78,7 @@ bool CoverageCounter::Covers(Satellite& satellite, const Time_gbt& time, double 
 }
 
 void CoverageCounter::Add(const ObsEpoch_QC_gbt& epoch) {
-  for (std::uint32_t i = 0; i < std::min(epoch.sat_num, kEpochSatellites); ++i) {
+  for (std::uint32_t i = 0; i < std::min(epoch.sat_num, std::uint32_t{ORSOLVA_MAX_SATELLITES}); ++i) {
     const int slot = SystemSlotOfCode(epoch.sats[i].sys);
     const std::int32_t number = epoch.sats[i].prn;
     if (slot < 0 || !judged_[slot] || number < 1 || number > kMostSatellites) continue;

@@ -11,12 +11,11 @@
 #include "host/rinex/header_labels.h"
 #include "host/rinex/signal_codes.h"
 #include "host/rinex/version2_codes.h"
+#include "orsolva/signals.h"
 
 namespace orsolva_host {
 namespace {
 
-constexpr std::size_t kMaxSignals = 8;
-constexpr std::uint32_t kMaxSatellites = 80;
 constexpr std::int64_t kBdsTimeBehindGps_s = 14;
 constexpr float kStrengthStep_dbhz = 6;
 constexpr std::size_t kNoKind = static_cast<std::size_t>(-1);
@@ -308,7 +307,7 @@ void ObservationReader::FillEpoch(ObsEpoch_QC_gbt& epoch) {
   seen_.fill(0);
   for (const SatelliteRow& row : block_.satellites) AddSatellite(row, epoch);
   // Unused satellite records are zeroed for hosts that copy whole epochs.
-  std::memset(&epoch.sats[epoch.sat_num], 0, sizeof epoch.sats[0] * (kMaxSatellites - epoch.sat_num));
+  std::memset(&epoch.sats[epoch.sat_num], 0, sizeof epoch.sats[0] * (ORSOLVA_MAX_SATELLITES - epoch.sat_num));
 }
 
 bool ObservationReader::IsSupported(const SatelliteRow& row, int slot) {
@@ -336,7 +335,7 @@ void ObservationReader::AddSatellite(const SatelliteRow& row, ObsEpoch_QC_gbt& e
   if (seen & bit) {
     return diagnostics_.Add(name_, block_.line, "duplicate satellite in an epoch; the first is used", false);
   }
-  if (epoch.sat_num >= kMaxSatellites) {
+  if (epoch.sat_num >= ORSOLVA_MAX_SATELLITES) {
     return diagnostics_.Add(name_, block_.line, "more than 80 satellites in an epoch; the rest are ignored",
                             false);
   }
@@ -371,7 +370,7 @@ void ObservationReader::FillSignals(const SystemPlan& plan, const SatelliteRow& 
   }
   for (std::size_t i = 0; i < signals_.size(); ++i) {
     if (!HasValue(signals_[i])) continue;
-    if (satellite.signal_num >= kMaxSignals) {
+    if (satellite.signal_num >= ORSOLVA_MAX_SIGNALS) {
       return diagnostics_.Add(name_, block_.line,
                               std::string("more than 8 signals of a satellite; the rest are ignored"), false);
     }

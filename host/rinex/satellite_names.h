@@ -5,13 +5,15 @@
 #include <string>
 #include <string_view>
 
+#include "orsolva/signals.h"
+
 namespace orsolva_host {
 
-constexpr int kGps = 1;
-constexpr int kGlonass = 2;
-constexpr int kBds = 4;
-constexpr int kGalileo = 8;
-constexpr int kQzss = 16;
+constexpr int kGps = ORSOLVA_GPS;
+constexpr int kGlonass = ORSOLVA_GLONASS;
+constexpr int kBds = ORSOLVA_BDS;
+constexpr int kGalileo = ORSOLVA_GALILEO;
+constexpr int kQzss = ORSOLVA_QZSS;
 
 /// A supported system, in the order of the library's flags and result slots.
 struct SystemRow {
@@ -22,7 +24,7 @@ struct SystemRow {
   int satellites;  ///< numbers 1 to this
 };
 
-constexpr int kSystems = 5;
+constexpr int kSystems = ORSOLVA_SYSTEMS;
 extern const SystemRow kSystemTable[kSystems];
 
 /// Index of a system in kSystemTable by its letter; -1 if not supported.

@@ -1,9 +1,10 @@
 #include "host/simulator/scenario.h"
 
+#include "orsolva/signals.h"
+
 namespace orsolva_host {
 namespace {
 
-constexpr int kFirstNewBds = 18;
 constexpr int kFirstNewBdsGeostationary = 59;
 
 // The library keeps no completeness and SNR for Galileo bands 7 and 8, so the default leaves them out.
@@ -15,7 +16,7 @@ const std::map<std::string, std::vector<std::string>> kDefaultSignals = {
 
 std::string GroupOf(char system, int satellite) {
   if (system != 'C') return std::string(1, system);
-  if (satellite < kFirstNewBds) return "C2";
+  if (satellite < ORSOLVA_FIRST_BDS3) return "C2";
   return satellite < kFirstNewBdsGeostationary ? "C3" : "C3G";
 }
 

@@ -11,11 +11,11 @@
 #include "host/rinex/signal_codes.h"
 #include "host/simulator/constellation.h"
 #include "host/simulator/scenario.h"
+#include "orsolva/signals.h"
 
 namespace orsolva_host {
 namespace {
 
-constexpr std::size_t kMaxSignals = 8;
 constexpr double kRinexVersion = 3.05;
 constexpr std::int64_t kEarliest = 1136246400;  // 2006-01-03, in the first week of BDS time
 constexpr std::int64_t kLatest = 4070908800;    // 2099-01-01
@@ -122,7 +122,7 @@ void CheckGroup(const std::string& group, const std::vector<std::string>& names)
     throw ScenarioError(
         fmt::format("{}: found an unknown group, expected one of {}", key, fmt::join(groups, ", ")));
   }
-  if (names.size() > kMaxSignals) {
+  if (names.size() > ORSOLVA_MAX_SIGNALS) {
     throw ScenarioError(fmt::format("{}: found {} signals, expected at most 8", key, names.size()));
   }
   for (auto name = names.begin(); name != names.end(); ++name) {

@@ -10,12 +10,12 @@
 #include "host/simulator/portable_math.h"
 #include "host/simulator/signal_track.h"
 #include "host/simulator/surroundings.h"
+#include "orsolva/signals.h"
 
 namespace orsolva_host {
 namespace {
 
 constexpr std::int64_t kTicksPerSecond = 10000000;
-constexpr std::uint32_t kMaxSatellites = 80;
 constexpr double kClockLogStep_s = 600;
 /// A satellite this far below the horizon is not evaluated for a minute: none climbs a degree in that time.
 constexpr double kDeep_rad = -2 * kRadian;
@@ -387,7 +387,7 @@ void Simulation::Work::Observe(std::size_t index, const EpochGeometry& geometry,
   const bool two = satellite.signal_num >= std::min<std::size_t>(2, work_[index].signals.size());
   if (two && satellite.signal_num > 0 && geometry.above_cutoff && geometry.delivered) ++t.two_signals;
   if (geometry.elevation_rad > 0) moments.back().tracked_signals = static_cast<int>(satellite.signal_num);
-  if (satellite.signal_num == 0 || epoch.sat_num >= kMaxSatellites) return;
+  if (satellite.signal_num == 0 || epoch.sat_num >= ORSOLVA_MAX_SATELLITES) return;
   satellite.sys = static_cast<std::uint8_t>(kSystemTable[SystemSlot(t.system)].code);
   satellite.prn = t.number;
   epoch.sats[epoch.sat_num++] = satellite;

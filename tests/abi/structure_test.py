@@ -39,7 +39,7 @@ HOST_BELOW = {
     "cli": {"platform", "output", "rinex", "report", "simulator", "judging", "terminal"},
 }
 # Below these, every source is named in a CMakeLists.txt.
-LISTED = ["host/analysis", "host/judging", "host/observation", "host/output", "host/platform", "host/report",
+LISTED = ["bench", "fuzz", "host/analysis", "host/judging", "host/observation", "host/output", "host/platform", "host/report",
           "host/rinex", "host/simulator", "host/terminal", "library"]
 # Of the library the host sees its interface, and this table of plain numbers, which must stand once.
 LIBRARY_TABLES = {"toolkit/leap_seconds.h"}
@@ -187,7 +187,7 @@ def check_listed(root, problems):
 def names_source(place, file):
     text = place.read_text(encoding="utf-8")
     name = re.escape(file.relative_to(place.parent).as_posix())
-    program = rf"^orsolva_\w+\({re.escape(file.stem)}\b"
+    program = rf"(?:^ *orsolva_\w+\(|^set\(_targets[^)]*\b){re.escape(file.stem)}\b"
     return re.search(rf"(?<![\w/]){name}(?![\w.])|{program}", text, re.M)
 
 

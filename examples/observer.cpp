@@ -1,7 +1,10 @@
-// Looks at every epoch while the run goes on: an observer that lists the cycle slips of one satellite.
+// Looks at every epoch while the run goes on: an observer that lists the cycle slips of one satellite. Then
+// asks what the run was set to.
 //
-// The observer is no part of the shared library: this program links the static archive, Orsolva::static.
+// Observer and facts are no part of the shared library: this program links the static archive,
+// Orsolva::static.
 #include <orsolva/detail.h>
+#include <orsolva/run_facts.h>
 #include <orsolva/session.hpp>
 
 #include <cstdio>
@@ -62,5 +65,10 @@ int main() {
   if (!session.Feed(EpochsWithASlip())) return 1;
   // [set]
   std::printf("%d satellite-epochs observed\n", slips.SatelliteEpochs());
+  // [facts]
+  const orsolva::RunFacts facts = orsolva::FactsOf(session.Handle());
+  std::printf("multipath averaged over %d epochs of %.0f s\n", facts.averaging_window_epochs,
+              facts.interval_s);
+  // [facts]
   return 0;
 }

@@ -26,6 +26,7 @@ L2 2W: multipath 0.33 m, SNR 43.4 dB-Hz
     "observer": """G01: geometry-free step of -1.332 m, threshold 0.786 m
 G01: geometry-free step of -1.332 m, threshold 0.786 m
 1950 satellite-epochs observed
+multipath averaged over 10 epochs of 30 s
 """,
     "plain_c": """library 1.2.9: success
 GPS: 100.00 % of the expected observations, station at 3582099 532588 5232745 m

@@ -18,8 +18,8 @@ namespace {
 constexpr std::int64_t kTicksPerSecond = 10000000;
 constexpr double kClockLogStep_s = 600;
 /// A satellite this far below the horizon is not evaluated for a minute: none climbs a degree in that time.
-constexpr double kDeep_rad = -2 * kRadian;
-constexpr double kDeepWait_s = 60;
+constexpr double kFarBelowHorizon_rad = -2 * kRadian;
+constexpr double kBelowHorizonWait_s = 60;
 constexpr double kTravelTolerance_s = 1e-9;
 constexpr double kFirstTravel_s = 0.075;
 
@@ -36,12 +36,12 @@ struct SatelliteWork {
   double travel_s = kFirstTravel_s;
   double travel_rate = 0;
   double travel_time_s = -1e9;  ///< time of its computation
-  double look_again_s = -1e9;
+  double next_evaluation_s = -1e9;
   double storm_phase = 0;
 };
 
 /// Geometry of a satellite at a true reception time.
-struct Sight {
+struct LineOfSight {
   SkyState state;
   Direction direction;
   double range_m = 0;
@@ -86,7 +86,7 @@ class Simulation::Work {
   void MakeSatellite(std::size_t index, double true_s, bool delivered, ObsEpoch_QC_gbt& epoch);
   void Observe(std::size_t index, const EpochGeometry& geometry, ObsEpoch_QC_gbt& epoch);
   double StormTec(const SatelliteWork& work, double time_s) const;
-  Sight Look(std::size_t index, double true_s, double& travel_s) const;
+  LineOfSight LineOfSightTo(std::size_t index, double true_s, double& travel_s) const;
   bool Deliver(const ObsEpoch_QC_gbt& epoch);
   std::vector<FaultTarget> Visible(const FaultTarget& target, double seconds, double above_deg) const;
 
@@ -163,7 +163,7 @@ std::vector<FaultTarget> Simulation::Work::Visible(const FaultTarget& target, do
       continue;
     }
     double travel = kFirstTravel_s;
-    if (Look(i, seconds, travel).direction.elevation_rad <= above_deg * kRadian) continue;
+    if (LineOfSightTo(i, seconds, travel).direction.elevation_rad <= above_deg * kRadian) continue;
     for (const SignalTruth& signal : s.signals) {
       if (!target.signal.empty() && target.signal != signal.name) continue;
       all.push_back({s.system, s.number, signal.name});
@@ -288,25 +288,25 @@ void Simulation::Work::Make(ObsEpoch_QC_gbt& epoch) {
   }
 }
 
-Sight Simulation::Work::Look(std::size_t index, double true_s, double& travel_s) const {
-  Sight sight;
+LineOfSight Simulation::Work::LineOfSightTo(std::size_t index, double true_s, double& travel_s) const {
+  LineOfSight los;
   double line[3];
   for (int round = 0; round < 10; ++round) {
-    sight.state = sky.StateAt(index, true_s - travel_s, true_s);
+    los.state = sky.StateAt(index, true_s - travel_s, true_s);
     const double turn = kEarthRate * travel_s;
     const auto [s, c] = SineCosineOf(turn);
-    const double* p = sight.state.position_m;
+    const double* p = los.state.position_m;
     line[0] = c * p[0] + s * p[1] - site.position_m[0];
     line[1] = -s * p[0] + c * p[1] - site.position_m[1];
     line[2] = p[2] - site.position_m[2];
-    sight.range_m = std::sqrt(line[0] * line[0] + line[1] * line[1] + line[2] * line[2]);
-    const double found = sight.range_m / kSpeedOfLight;
+    los.range_m = std::sqrt(line[0] * line[0] + line[1] * line[1] + line[2] * line[2]);
+    const double found = los.range_m / kSpeedOfLight;
     const bool settled = std::fabs(found - travel_s) < kTravelTolerance_s;
     travel_s = found;
     if (settled) break;
   }
-  sight.direction = DirectionOf(site, line, sight.range_m);
-  return sight;
+  los.direction = DirectionOf(site, line, los.range_m);
+  return los;
 }
 
 double Simulation::Work::StormTec(const SatelliteWork& work, double time_s) const {
@@ -326,10 +326,10 @@ void Simulation::Work::MakeSatellite(std::size_t index, double true_s, bool deli
   SatelliteWork& work = work_[index];
   // A slip is recorded even when the satellite is below the horizon.
   const bool slips = std::find(work.slips.begin(), work.slips.end(), done) != work.slips.end();
-  if (true_s < work.look_again_s && !slips) return;
+  if (true_s < work.next_evaluation_s && !slips) return;
   const double step = true_s - work.travel_time_s;
   double travel = work.travel_s + (std::fabs(step) < 120 ? work.travel_rate * step : 0.0);
-  const Sight sight = Look(index, true_s, travel);
+  const LineOfSight los = LineOfSightTo(index, true_s, travel);
   if (std::fabs(step) < 120 && step != 0) work.travel_rate = (travel - work.travel_s) / step;
   work.travel_s = travel;
   work.travel_time_s = true_s;
@@ -338,11 +338,11 @@ void Simulation::Work::MakeSatellite(std::size_t index, double true_s, bool deli
   EpochGeometry g;
   g.epoch = done;
   g.time_s = tag_s_;
-  g.elevation_rad = sight.direction.elevation_rad;
+  g.elevation_rad = los.direction.elevation_rad;
   g.delivered = delivered;
   g.trackable = g.elevation_rad >= std::max(scenario.receiver.cutoff_deg * kRadian, 0.0);
   if (g.elevation_rad <= 0) {
-    if (g.elevation_rad < kDeep_rad) work.look_again_s = true_s + kDeepWait_s;
+    if (g.elevation_rad < kFarBelowHorizon_rad) work.next_evaluation_s = true_s + kBelowHorizonWait_s;
     return Observe(index, g, epoch);
   }
   g.above_cutoff = g.elevation_rad > scenario.truth_cutoff_deg * kRadian;
@@ -356,17 +356,17 @@ void Simulation::Work::MakeSatellite(std::size_t index, double true_s, bool deli
   m.system = t.system;
   m.number = t.number;
   m.elevation_rad = g.elevation_rad;
-  m.azimuth_rad = sight.direction.azimuth_rad;
-  m.range_m = sight.range_m;
-  m.satellite_clock_s = sight.state.clock_s;
+  m.azimuth_rad = los.direction.azimuth_rad;
+  m.range_m = los.range_m;
+  m.satellite_clock_s = los.state.clock_s;
   if (scenario.errors.troposphere) m.troposphere_m = TroposphereDelay(site, g.elevation_rad);
   if (scenario.errors.ionosphere) {
-    m.slant_tec = SlantTec(site, sight.direction, day_start_s_ + tag_s_, scenario.errors.vertical_tec_night,
+    m.slant_tec = SlantTec(site, los.direction, day_start_s_ + tag_s_, scenario.errors.vertical_tec_night,
                            scenario.errors.vertical_tec_day);
   }
   if (!work.storms.empty()) m.slant_tec += StormTec(work, tag_s_);
   g.slant_tec = m.slant_tec;
-  g.range_m = sight.range_m + kSpeedOfLight * (bias_s_ - sight.state.clock_s) + m.troposphere_m;
+  g.range_m = los.range_m + kSpeedOfLight * (bias_s_ - los.state.clock_s) + m.troposphere_m;
   moments.push_back(m);
   Observe(index, g, epoch);
 }
@@ -401,7 +401,7 @@ Simulation& Simulation::operator=(Simulation&&) noexcept = default;
 
 const Scenario& Simulation::Settings() const { return work_->scenario; }
 const NavigationSet& Simulation::Navigation() const { return work_->sky.Navigation(); }
-const Sky& Simulation::TheSky() const { return work_->sky; }
+const Sky& Simulation::sky() const { return work_->sky; }
 bool Simulation::Next(ObsEpoch_QC_gbt& epoch) { return work_->Next(epoch); }
 
 std::size_t Simulation::NextBatch(std::vector<ObsEpoch_QC_gbt>& batch, std::size_t most) {

@@ -48,7 +48,7 @@ class Simulation {
 
   const Scenario& Settings() const;
   const NavigationSet& Navigation() const;
-  const Sky& TheSky() const;
+  const Sky& sky() const;
 
   /// Returns the next epoch. @return false at the end of the span
   bool Next(ObsEpoch_QC_gbt& epoch);

@@ -43,7 +43,7 @@ std::string KindOf(char system, int number) {
 /// The largest differences by system over all satellites above the horizon.
 std::map<std::string, Worst> Differences(const Scenario& scenario) {
   Simulation simulation(scenario);
-  const Sky& sky = simulation.TheSky();
+  const Sky& sky = simulation.sky();
   Ephemeris records;
   records.SetPassMaxAges();
   Fill(simulation.Navigation(), records);

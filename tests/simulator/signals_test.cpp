@@ -36,7 +36,7 @@ struct Seen {
 std::vector<Seen> SeenIn(const Scenario& scenario) {
   Simulation simulation(scenario);
   std::map<int, int> channels;
-  for (const SkySatellite& s : simulation.TheSky().Satellites()) {
+  for (const SkySatellite& s : simulation.sky().Satellites()) {
     if (s.system == 'R') channels[s.number] = s.channel;
   }
   std::vector<Seen> all;
@@ -74,7 +74,7 @@ TEST(Signals, TheRangeHoldsTheTurnOfTheEarthDuringTheTravel) {
   // The closed form of the Sagnac effect, held against the rotated frame: rate/c (xs yr - ys xr).
   Scenario scenario = ScenarioOf(0.2, 60, "G");
   Simulation simulation(scenario);
-  const Sky& sky = simulation.TheSky();
+  const Sky& sky = simulation.sky();
   auto epoch = std::make_unique<ObsEpoch_QC_gbt>();
   double largest = 0;
   while (simulation.Next(*epoch)) {

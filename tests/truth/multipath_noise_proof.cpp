@@ -41,7 +41,7 @@ Scenario NoiseScenario(double interval_s, int epochs) {
 
 /// What the rounded cells of code and phases can add to a residual: the error of a value and of a mean.
 double RoundingBound(const ObservedRun& run, int system, int prn, int code, const std::set<int>& partners) {
-  const ElevationRule rule(run.TheSimulation().TheSky(), run.TheSimulation().Settings());
+  const ElevationRule rule(run.simulation().sky(), run.simulation().Settings());
   double most = 0;
   for (const int partner : partners) {
     const double fa = FrequencyOf(system, code, rule.Channel(system, prn));
@@ -60,7 +60,7 @@ void AddSignal(const ObservedRun& run, const code_qc_entry& entry, const SignalT
   band.values += entry.mp_count;
   band.measured_square += entry.mp_rms * entry.mp_rms * n;
   band.true_square += truth.detrended_square.sum;
-  const double interval = run.TheSimulation().Settings().interval_s;
+  const double interval = run.simulation().Settings().interval_s;
   band.derived_square += kNoise_m * kNoise_m * SquaresLessMovingMean(entry.mp_count, MeanWindowOf(interval));
   const double difference = std::fabs(entry.mp_rms - std::sqrt(truth.detrended_square.Mean()));
   band.largest_difference = std::max(band.largest_difference, difference);
@@ -77,7 +77,7 @@ std::map<std::string, BandNoise> NoiseByBand(const Scenario& scenario, Proof& pr
   });
   proof.Check(run.Good(), "a batch was refused");
   std::map<std::string, BandNoise> bands;
-  for (const SatelliteTruth& satellite : run.TheSimulation().TruthSoFar().satellites) {
+  for (const SatelliteTruth& satellite : run.simulation().TruthSoFar().satellites) {
     for (const SignalTruth& signal : satellite.signals) {
       const int system = SystemCodeOf(satellite.system);
       const auto pairs = partners.find({system, satellite.number, signal.number});

@@ -67,7 +67,7 @@ NoiseBySignals RunPhaseNoise(const Scenario& scenario, Proof& proof) {
   const ObservedRun run(scenario,
                         [&pairs](const PairEpochDetail& detail) { AddEpoch(detail, pairs[KeyOf(detail)]); });
   proof.Check(run.Good(), "a batch was refused");
-  const ElevationRule rule(run.TheSimulation().TheSky(), scenario);
+  const ElevationRule rule(run.simulation().sky(), scenario);
   NoiseBySignals all;
   for (const auto& [key, pair] : pairs) {
     const auto [system, prn, code, partner] = key;

@@ -25,7 +25,7 @@ class ObservedRun {
  public:
   ObservedRun(const orsolva_host::Scenario& scenario, const PairListener& listener);
 
-  const orsolva_host::Simulation& TheSimulation() const { return simulation_; }
+  const orsolva_host::Simulation& simulation() const { return simulation_; }
   const Results& Figures() const { return *results_; }
   bool Good() const { return good_; }
   /// Figures of a code of a satellite in the per-code record; null when it has none.

@@ -38,7 +38,7 @@ const SatelliteMoment* MomentOf(const Simulation& simulation, const Satellite_gb
 }
 
 void AddLibraryIonosphere(const Simulation& simulation, ObsEpoch_QC_gbt& epoch) {
-  const ElevationRule rule(simulation.TheSky(), simulation.Settings());
+  const ElevationRule rule(simulation.sky(), simulation.Settings());
   for (std::uint32_t i = 0; i < epoch.sat_num; ++i) {
     Satellite_gbt& satellite = epoch.sats[i];
     const SatelliteMoment* moment = MomentOf(simulation, satellite);

@@ -28,7 +28,7 @@ std::uint64_t RecountedSatellite::ObservedTogether(std::vector<int> wanted) cons
 }
 
 Recount::Recount(const orsolva_host::Simulation& simulation, double cutoff_deg)
-    : elevations_(simulation.TheSky(), simulation.Settings()),
+    : elevations_(simulation.sky(), simulation.Settings()),
       start_(simulation.Settings().start),
       interval_s_(simulation.Settings().interval_s),
       cutoff_rad_(cutoff_deg * kTruthRadian) {}

@@ -54,7 +54,7 @@ History Record(const Scenario& scenario, Proof& proof, orsolva_host::Truth& trut
   });
   epochs.Finish();
   proof.Check(run.Good(), "a batch was refused");
-  truth = run.TheSimulation().TruthSoFar();
+  truth = run.simulation().TruthSoFar();
   return history;
 }
 

@@ -12,89 +12,22 @@
 #ifndef ORSOLVA_INTERFACE_SESSION_HPP
 #define ORSOLVA_INTERFACE_SESSION_HPP
 
-#include <algorithm>
-#include <array>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <memory>
 #include <new>
-#include <optional>
 #include <string>
 #include <utility>
-#include <vector>
 
+#include "config.hpp"
 #include "gnssqc.h"
 #include "records.h"
 #include "signals.h"
+#include "status.hpp"
 #include "version.h"
 
 namespace orsolva {
-
-/// Why a call succeeded or failed. The first five are what GNSSQCPlus returns.
-enum class StatusCode : std::int32_t {
-  kOk = GNSSQC_OK,                         ///< the call did what it says
-  kNoData = GNSSQC_NO_DATA,                ///< no usable epoch in the batch, or no batch taken so far
-  kNoNavigation = GNSSQC_NO_NAV,           ///< the navigation set holds no record
-  kNoPosition = GNSSQC_NO_POSITION,        ///< no position is given and none could be computed
-  kInternalError = GNSSQC_INTERNAL_ERROR,  ///< an error inside the library, for example no memory
-  kNotStarted = -100,                      ///< Start has not succeeded on this session
-  kAlreadyStarted = -101,                  ///< Start has succeeded before: another run needs another session
-  kBadConfig = -102,                       ///< a value of the configuration is out of its range
-  kBadArgument = -103,                     ///< a null pointer, or more records than a batch can count
-  kNoMemory = -104,                        ///< no memory for the run or its result
-  kImplausible = -105,  ///< more epochs than the interval allows, or a completeness outside 0 to 1
-};
-
-/// @return one sentence without a full stop; never null
-constexpr const char* StatusText(StatusCode code) {
-  switch (code) {
-    case StatusCode::kOk:
-      return "success";
-    case StatusCode::kNoData:
-      return "there is no usable epoch";
-    case StatusCode::kNoNavigation:
-      return "the navigation set holds no record";
-    case StatusCode::kNoPosition:
-      return "no position is given and none could be computed";
-    case StatusCode::kInternalError:
-      return "internal error of the library";
-    case StatusCode::kNotStarted:
-      return "the session has not been started";
-    case StatusCode::kAlreadyStarted:
-      return "the session has been started before";
-    case StatusCode::kBadConfig:
-      return "a value of the configuration is out of its range";
-    case StatusCode::kBadArgument:
-      return "an argument is null or too large";
-    case StatusCode::kNoMemory:
-      return "there is not enough memory";
-    case StatusCode::kImplausible:
-      return "the result is not plausible: check the interval and look for duplicate epochs";
-  }
-  return "unknown status";
-}
-
-/// The outcome of a call: a code and what it means in this place.
-class [[nodiscard]] Status {
- public:
-  constexpr Status() = default;
-  constexpr Status(StatusCode code) : code_(code), text_(StatusText(code)) {}  // NOLINT: a code is a status
-  /// @param code  the outcome
-  /// @param text  what it means here; outlives the status: a literal
-  constexpr Status(StatusCode code, const char* text) : code_(code), text_(text) {}
-
-  constexpr StatusCode Code() const { return code_; }
-  /// One sentence without a full stop; never null.
-  constexpr const char* Text() const { return text_; }
-  constexpr bool Ok() const { return code_ == StatusCode::kOk; }
-  constexpr explicit operator bool() const { return Ok(); }
-
- private:
-  StatusCode code_ = StatusCode::kOk;
-  const char* text_ = StatusText(StatusCode::kOk);
-};
 
 /// A view of consecutive records that somebody else owns; made from a vector, an array, or pointer and count.
 template <class Record>
@@ -125,37 +58,6 @@ struct Navigation {
   Span<BdsEph_gbt> bds;
   Span<GalEph_gbt> galileo;
   Span<GpsEph_gbt> qzss;
-};
-
-/// A satellite by its system and its number within it, 1 to 64.
-struct SatelliteNumber {
-  System system = System::kGps;
-  int number = 0;
-};
-
-/// A band by its system and its slot, 1 to 6 (docs/host/signals.md).
-struct Band {
-  System system = System::kGps;
-  int slot = 0;
-};
-
-/// Configuration of a run. The defaults judge everything and compute the station's position.
-struct Config {
-  std::vector<System> systems{std::begin(kAllSystems), std::end(kAllSystems)};
-  /// Systems that enter the combined result. One that is not in `systems` has no effect.
-  std::vector<System> combined_systems{std::begin(kAllSystems), std::end(kAllSystems)};
-  double elevation_cutoff_deg = 10.0;  ///< [0, 90)
-  double interval_s = 1.0;             ///< of the epochs, above 0; the library does not estimate it
-  std::optional<std::array<double, 3>> position_m;  ///< ECEF; without it the library computes one
-  std::vector<SatelliteNumber> excluded_satellites;
-  /// Frequencies left out of the figures of all their signals.
-  std::vector<Band> excluded_bands;
-  /// Whether bands without observed codes are left out; the first batch decides.
-  bool detect_bands = true;
-
-  /// Turns the configuration into the record of the library.
-  /// @return kBadConfig, with `record` unchanged, for a value out of its range
-  Status ToRecord(config_qct& record) const;
 };
 
 /// A record and whether it was obtained. The record is null after every failure but kImplausible.
@@ -234,29 +136,6 @@ inline std::string LibraryVersion() {
 
 namespace session_internal {
 
-inline bool SetFlags(const std::vector<System>& systems, std::uint8_t (&flags)[ORSOLVA_SYSTEMS]) {
-  for (const System system : systems) {
-    const int slot = SlotOf(system);
-    if (slot < 0) return false;
-    flags[slot] = 1;
-  }
-  return true;
-}
-
-template <std::size_t N>
-inline void SetAll(std::int32_t (&rows)[ORSOLVA_SYSTEM_SLOTS][N]) {
-  for (auto& row : rows) std::fill(std::begin(row), std::end(row), 1);
-}
-
-/// Clears one flag of a system's row; false for an unknown system or a place outside 1 to N.
-template <std::size_t N>
-inline bool Clear(std::int32_t (&rows)[ORSOLVA_SYSTEM_SLOTS][N], System system, int place) {
-  const int slot = SlotOf(system);
-  if (slot < 0 || place < 1 || place > static_cast<int>(N)) return false;
-  rows[slot][place - 1] = 0;
-  return true;
-}
-
 template <class Record>
 inline bool Count(Span<Record> records, std::int32_t& count, const Record*& first) {
   if (records.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) return false;
@@ -293,44 +172,6 @@ inline bool Body(const Navigation& from, NavBodyData_QC_gbt& to) {
 }
 
 }  // namespace session_internal
-
-inline Status Config::ToRecord(config_qct& record) const {
-  using session_internal::Clear;
-  config_qct built = {};
-  if (!session_internal::SetFlags(systems, built.enable_system) ||
-      !session_internal::SetFlags(combined_systems, built.combination_system)) {
-    return {StatusCode::kBadConfig, "a system of the configuration is unknown"};
-  }
-  if (!(elevation_cutoff_deg >= 0.0 && elevation_cutoff_deg < 90.0)) {
-    return {StatusCode::kBadConfig, "the elevation cut-off is outside 0 to 90 degrees"};
-  }
-  if (!(interval_s > 0.0 && std::isfinite(interval_s))) {
-    return {StatusCode::kBadConfig, "the interval is not above 0 s"};
-  }
-  session_internal::SetAll(built.include_satellite);
-  session_internal::SetAll(built.satellite_freq);
-  for (const SatelliteNumber& out : excluded_satellites) {
-    if (Clear(built.include_satellite, out.system, out.number)) continue;
-    return {StatusCode::kBadConfig, "an excluded satellite is unknown"};
-  }
-  for (const Band& out : excluded_bands) {
-    if (Clear(built.satellite_freq, out.system, out.slot)) continue;
-    return {StatusCode::kBadConfig, "an excluded band is unknown"};
-  }
-  if (position_m) {
-    const auto finite = [](double value) { return std::isfinite(value); };
-    if (!std::all_of(position_m->begin(), position_m->end(), finite)) {
-      return {StatusCode::kBadConfig, "the position is not finite"};
-    }
-    built.enable_position = 1;
-    std::copy(position_m->begin(), position_m->end(), built.position);
-  }
-  built.elevation = elevation_cutoff_deg;
-  built.interval = interval_s;
-  built.auto_detect_freq = detect_bands ? 1 : 0;
-  record = built;
-  return {};
-}
 
 inline Status Session::Start(const Config& config, const Navigation& navigation) {
   NavBodyData_QC_gbt body = {};

@@ -1,0 +1,196 @@
+// The detector on a small made-up sky at 1 s without navigation: smooth ranges, two carriers, a wandering
+// clock.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <vector>
+
+#include "host/analysis/constants.h"
+#include "host/analysis/slip_detector.h"
+#include "host/observation/carriers.h"
+
+namespace orsolva_host::analysis {
+namespace {
+
+constexpr std::int64_t kStart_ns = 1593064800LL * kNanosecondsPerSecond;
+constexpr int kSatellites = 8;
+
+/// A number in [-1, 1) that depends on its arguments alone.
+double Noise(int a, int b, int c) {
+  std::uint64_t x = static_cast<std::uint64_t>(a) * 1000003 + static_cast<std::uint64_t>(b) * 7919 +
+                    static_cast<std::uint64_t>(c) + 0x9E3779B97F4A7C15ULL;
+  x = (x ^ (x >> 30)) * 0xBF58476D1CE4E5B9ULL;
+  x = (x ^ (x >> 27)) * 0x94D049BB133111EBULL;
+  return static_cast<double>((x ^ (x >> 31)) >> 11) * 0x1p-52 - 1;
+}
+
+double RangeOf(int satellite, int t) {
+  const double phase = 0.7 * satellite + t * 1.4e-4;
+  return 2.2e7 + 2.5e6 * std::sin(phase) + 3 * std::sin(0.02 * t);  // the last term is the receiver clock
+}
+
+ObservationEpoch EpochAt(int t) {
+  ObservationEpoch epoch;
+  epoch.time_ns = kStart_ns + t * kNanosecondsPerSecond;
+  for (int s = 1; s <= kSatellites; ++s) {
+    SatelliteObservation satellite;
+    satellite.id = {'G', static_cast<std::uint8_t>(s)};
+    satellite.first_signal = epoch.signals.size();
+    satellite.signal_count = 2;
+    for (const SignalCode code : {SignalCode{'1', 'C'}, SignalCode{'2', 'W'}}) {
+      SignalObservation o;
+      o.code = code;
+      const double frequency = CarrierFrequency('G', code.band, 0);
+      const double ionosphere =
+          (5 + 0.001 * t) * (kReferenceCarrier_hz / frequency) * (kReferenceCarrier_hz / frequency);
+      o.pseudorange_m = RangeOf(s, t) + ionosphere + 0.3 * Noise(s, t, code.band);
+      o.phase_cycles =
+          (RangeOf(s, t) - ionosphere + 0.002 * Noise(s, t, code.band + 500)) * frequency / kLightSpeed_m_s;
+      epoch.signals.push_back(o);
+    }
+    epoch.satellites.push_back(satellite);
+  }
+  return epoch;
+}
+
+using Change = std::function<void(int, ObservationEpoch&)>;
+
+std::vector<ObservationEpoch> Day(int epochs, const Change& change) {
+  std::vector<ObservationEpoch> day;
+  for (int t = 0; t < epochs; ++t) {
+    day.push_back(EpochAt(t));
+    change(t, day.back());
+  }
+  return day;
+}
+
+std::vector<Event> EventsOf(const std::vector<ObservationEpoch>& day) {
+  SlipDetector detector({}, {});
+  for (const ObservationEpoch& epoch : day) detector.Add(epoch);
+  detector.Finish();
+  return detector.TakeEvents();
+}
+
+/// Adds cycles to a satellite's signals from an epoch on.
+Change Slip(int satellite, int from, double first, double second) {
+  return [=](int t, ObservationEpoch& epoch) {
+    if (t < from) return;
+    SignalObservation* o =
+        &epoch.signals[epoch.satellites[static_cast<std::size_t>(satellite - 1)].first_signal];
+    o[0].phase_cycles += first;
+    o[1].phase_cycles += second;
+  };
+}
+
+void Nothing(int, ObservationEpoch&) {}
+
+TEST(SlipDetector, FindsNothingWhereNothingSlips) { EXPECT_TRUE(EventsOf(Day(300, Nothing)).empty()); }
+
+TEST(SlipDetector, NamesEpochSatelliteSignalsAndSizes) {
+  const struct {
+    double first, second;
+    EventKind kind;
+  } slips[] = {{1, 0, EventKind::kSlip},  {0, -1, EventKind::kSlip},       {1, 1, EventKind::kSlip},
+               {9, 7, EventKind::kSlip},  {77, 60, EventKind::kSlip},      {5, 4, EventKind::kSlip},
+               {1, -1, EventKind::kSlip}, {0.5, 0, EventKind::kHalfCycle}, {0, 0.5, EventKind::kHalfCycle},
+               {1e5, 0, EventKind::kSlip}};
+  for (const auto& slip : slips) {
+    const auto events = EventsOf(Day(200, Slip(3, 100, slip.first, slip.second)));
+    ASSERT_EQ(events.size(), 1U) << slip.first << ' ' << slip.second;
+    EXPECT_EQ(events[0].kind, slip.kind);
+    EXPECT_EQ(NameOf(events[0].satellite), "G03");
+    EXPECT_EQ(events[0].time_ns, kStart_ns + 100 * kNanosecondsPerSecond);
+    std::vector<double> sizes;
+    if (slip.first != 0) sizes.push_back(slip.first);
+    if (slip.second != 0) sizes.push_back(slip.second);
+    EXPECT_EQ(events[0].sizes, sizes);
+    EXPECT_EQ(NameOf(events[0].signals[0]), slip.first != 0 ? "1C" : "2W");
+    EXPECT_FALSE(events[0].evidence.empty());
+  }
+}
+
+TEST(SlipDetector, AnEventComesOutFourEpochsAfterItsOwn) {
+  const auto day = Day(200, Slip(3, 100, 1, 0));
+  SlipDetector detector({}, {});
+  for (int t = 0; t < 200; ++t) {
+    detector.Add(day[static_cast<std::size_t>(t)]);
+    EXPECT_EQ(detector.TakeEvents().size(), t == 104 ? 1U : 0U) << t;
+  }
+}
+
+bool Same(const Event& a, const Event& b) {
+  return a.time_ns == b.time_ns && a.satellite == b.satellite && a.kind == b.kind && a.sizes == b.sizes &&
+         a.score == b.score && a.margin == b.margin && a.evidence == b.evidence;
+}
+
+TEST(SlipDetector, DoesNotDependOnWhenEventsAreTaken) {
+  const auto day = Day(300, [](int t, ObservationEpoch& epoch) {
+    for (int s = 1; s <= kSatellites; ++s) Slip(s, 40 + 25 * s, s, 1 - s % 2)(t, epoch);
+  });
+  const std::vector<Event> at_the_end = EventsOf(day);
+  SlipDetector detector({}, {});
+  std::vector<Event> one_by_one;
+  for (const ObservationEpoch& epoch : day) {
+    detector.Add(epoch);
+    for (Event& event : detector.TakeEvents()) one_by_one.push_back(std::move(event));
+  }
+  detector.Finish();
+  for (Event& event : detector.TakeEvents()) one_by_one.push_back(std::move(event));
+  ASSERT_EQ(one_by_one.size(), at_the_end.size());
+  ASSERT_EQ(at_the_end.size(), static_cast<std::size_t>(kSatellites));
+  for (std::size_t i = 0; i < one_by_one.size(); ++i) EXPECT_TRUE(Same(one_by_one[i], at_the_end[i])) << i;
+}
+
+TEST(SlipDetector, AHoleOfOneSignalIsBridgedAndASlipOverItSized) {
+  for (const double cycles : {0.0, -4.0}) {
+    const auto events = EventsOf(Day(200, [&](int t, ObservationEpoch& epoch) {
+      if (t >= 100) Slip(3, 100, 0, cycles)(t, epoch);
+      if (t >= 100 && t < 110) epoch.signals[epoch.satellites[2].first_signal + 1].phase_cycles = kAbsent;
+    }));
+    ASSERT_EQ(events.size(), 1U);
+    EXPECT_EQ(events[0].kind, cycles == 0 ? EventKind::kSignalGapContinuous : EventKind::kSignalGapSlip);
+    EXPECT_EQ(events[0].time_ns, kStart_ns + 110 * kNanosecondsPerSecond);
+    EXPECT_DOUBLE_EQ(events[0].gap_s, 11);
+    EXPECT_EQ(events[0].sizes, cycles == 0 ? std::vector<double>{} : std::vector<double>{cycles});
+  }
+}
+
+TEST(SlipDetector, AReceiverThatResetsItsClockByAMillisecondDoesNotSlip) {
+  const auto events = EventsOf(Day(200, [](int t, ObservationEpoch& epoch) {
+    if (t < 100) return;
+    for (SignalObservation& o : epoch.signals) {
+      o.pseudorange_m += 1e-3 * kLightSpeed_m_s;
+      o.phase_cycles += 1e-3 * CarrierFrequency('G', o.code.band, 0);
+    }
+  }));
+  ASSERT_EQ(events.size(), 1U);
+  EXPECT_EQ(events[0].kind, EventKind::kReceiverClockReset);
+  EXPECT_EQ(events[0].sizes, std::vector<double>{1});
+}
+
+TEST(SlipDetector, ACodeClockJumpIsOneEventAndNoSlip) {
+  const auto events = EventsOf(Day(200, [](int t, ObservationEpoch& epoch) {
+    if (t < 100) return;
+    for (SignalObservation& o : epoch.signals) o.pseudorange_m += 1e-3 * kLightSpeed_m_s;
+  }));
+  ASSERT_EQ(events.size(), 1U);
+  EXPECT_EQ(events[0].kind, EventKind::kCodeClockJump);
+  EXPECT_NEAR(events[0].sizes.at(0), 1, 1e-5);
+}
+
+TEST(SlipDetector, TimesThatDoNotGoOnAreCountedAndLeftOut) {
+  auto day = Day(100, Nothing);
+  SlipDetector detector({}, {});
+  for (const ObservationEpoch& epoch : day) {
+    detector.Add(epoch);
+    detector.Add(epoch);
+  }
+  detector.Finish();
+  EXPECT_EQ(detector.DisorderedEpochs(), 100);
+  EXPECT_TRUE(detector.TakeEvents().empty());
+  EXPECT_EQ(detector.Counts().at({'G', 1}).observed_epochs, 99);
+}
+
+}  // namespace
+}  // namespace orsolva_host::analysis

@@ -1,0 +1,67 @@
+#include "host/analysis/receiver_clock.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+namespace orsolva_host::analysis {
+namespace {
+
+class ReceiverClock : public testing::Test {
+ protected:
+  std::vector<ClockSample> Samples(const std::vector<double>& metres) {
+    std::vector<ClockSample> samples;
+    offsets_.resize(metres.size());
+    for (std::size_t i = 0; i < metres.size(); ++i) {
+      const double azimuth = 1.1 * static_cast<double>(i), up = 0.3 + 0.08 * static_cast<double>(i);
+      const double flat = std::sqrt(1 - up * up);
+      samples.push_back(
+          {metres[i], 1, {flat * std::cos(azimuth), flat * std::sin(azimuth), up}, &offsets_[i]});
+    }
+    return samples;
+  }
+
+ private:
+  std::vector<ClockOffsets> offsets_ = std::vector<ClockOffsets>(16);
+};
+
+TEST_F(ReceiverClock, IsTheMeanAndASlippedSatelliteDoesNotPull) {
+  auto samples = Samples({7.001, 6.999, 7.002, 6.998, 7.0, 7.19});
+  const auto change = SolveClock(samples);
+  ASSERT_TRUE(change);
+  EXPECT_NEAR(change->metres, 7.0, 0.001);
+  EXPECT_FALSE(change->moved);
+}
+
+TEST_F(ReceiverClock, OffsetsOfSatelliteClocksAreLearned) {
+  for (int i = 0; i < 20; ++i) {
+    auto samples = Samples({1.02, 0.99, 1.0, 1.0, 0.99});
+    ASSERT_TRUE(SolveClock(samples));
+  }
+  auto samples = Samples({5.02, 4.99});
+  EXPECT_FALSE(SolveClock(samples)) << "two satellites are too few";
+  samples = Samples({5.02, 4.99, 5.0, 5.0, 4.99});
+  EXPECT_NEAR(SolveClock(samples)->metres, 5.0, 0.003);
+}
+
+TEST_F(ReceiverClock, IsUnknownWhereSatellitesDisagree) {
+  auto samples = Samples({0, 5, -7, 12});
+  EXPECT_FALSE(SolveClock(samples));
+}
+
+TEST_F(ReceiverClock, AMovedAntennaIsSolvedWithTheClock) {
+  const Vector3 shift = {0.8, -0.5, 0.3};
+  auto samples = Samples(std::vector<double>(9, 0.0));
+  for (ClockSample& s : samples) {
+    s.metres = 2.5;
+    for (std::size_t i = 0; i < 3; ++i) s.metres -= s.line_of_sight[i] * shift[i];
+  }
+  const auto change = SolveClock(samples);
+  ASSERT_TRUE(change && change->moved);
+  EXPECT_NEAR(change->metres, 2.5, 1e-6);
+  for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(change->shift_m[i], shift[i], 1e-6);
+}
+
+}  // namespace
+}  // namespace orsolva_host::analysis

@@ -1,0 +1,56 @@
+#include "host/analysis/sorted_window.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace orsolva_host::analysis {
+namespace {
+
+double Value(int i) { return std::fmod(i * 7919.0, 101.0) - 50 + (i % 5 == 0 ? 0.25 : 0); }
+
+/// Quantile by sorting everything.
+double Expected(std::vector<double> all, double part) {
+  std::sort(all.begin(), all.end());
+  const double rank = (static_cast<double>(all.size()) - 1) * part;
+  const auto low = static_cast<std::size_t>(rank);
+  const double fraction = rank - static_cast<double>(low);
+  if (fraction == 0 || low + 1 == all.size()) return all[low];
+  return all[low] * (1 - fraction) + all[low + 1] * fraction;
+}
+
+TEST(SortedWindow, QuantilesEqualThoseOfSortingTheLastValues) {
+  SortedWindow<20> window;
+  SortedList<4> near;
+  for (int i = 0; i < 4; ++i) near.Insert(Value(1000 + i));
+  std::vector<double> history;
+  for (int i = 0; i < 300; ++i) {
+    window.Push(Value(i));
+    history.push_back(Value(i));
+    std::vector<double> all(history.end() - std::min<std::ptrdiff_t>(20, i + 1), history.end());
+    for (int k = 0; k < 4; ++k) all.push_back(Value(1000 + k));
+    for (const double part : {0.0, 0.5, 0.8, 1.0}) {
+      ASSERT_EQ(MergedQuantile(window.Sorted(), near, part), Expected(all, part)) << i << ' ' << part;
+    }
+  }
+}
+
+TEST(SortedWindow, ValuesThatAreNotFiniteTakeAPlaceAndCountForNothing) {
+  SortedWindow<3> window;
+  window.Push(1);
+  window.Push(2);
+  window.Push(std::nan(""));
+  EXPECT_EQ(window.Count(), 2);
+  window.Push(std::nan(""));
+  EXPECT_EQ(window.Count(), 1);
+  EXPECT_EQ(MergedMedian(window.Sorted(), SortedList<1>()), 2);
+}
+
+TEST(SortedWindow, WithoutValuesThereIsNoQuantile) {
+  EXPECT_TRUE(std::isnan(MergedMedian(SortedWindow<3>().Sorted(), SortedList<2>())));
+}
+
+}  // namespace
+}  // namespace orsolva_host::analysis

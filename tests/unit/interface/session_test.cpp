@@ -7,6 +7,7 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <thread>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -200,6 +201,24 @@ TEST_F(Sessions, ResultsOnTheWayChangeNothing) {
     ASSERT_TRUE(other.Feed({&epoch, 1}));
   }
   EXPECT_TRUE(SameBytes(*session_.Result(), *other.Result()));
+}
+
+TEST_F(Sessions, OfDifferentThreadsShareNothing) {
+  constexpr int kThreads = 4;
+  std::unique_ptr<result_qct> results[kThreads];
+  std::vector<std::thread> threads;
+  for (std::unique_ptr<result_qct>& result : results) {
+    threads.emplace_back([&] {
+      Session session;
+      if (session.Start(config_, navigation_) && session.Feed(epochs_)) result = session.Result().record;
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  for (const std::unique_ptr<result_qct>& result : results) {
+    ASSERT_NE(result, nullptr);
+    EXPECT_TRUE(SameBytes(*result, *results[0]));
+    EXPECT_EQ(result->sys[0].completeness, 1.0);
+  }
 }
 
 TEST_F(Sessions, AMovedSessionGoesOnAndTheOldOneStartsAgain) {

@@ -1,10 +1,12 @@
-#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "host/cli/commands.h"
 #include "host/cli/exit_codes.h"
+#include "host/judging/run_error.h"
 #include "host/rinex/text_file.h"
 #include "host/simulator/comparison.h"
 #include "host/simulator/fault_detection.h"
@@ -29,35 +31,37 @@ std::string Compared(const CompareSettings& settings) {
   LineReader lines(OpenBytes(settings.detail, diagnostics));
   const DetailTable detail{settings.detail, lines};
   std::string text = ComparisonText(report, truth, &detail);
-  // Rows that are missing would look like faults that were not told.
+  // Missing rows would look like faults that were not detected.
   if (diagnostics.Incomplete()) throw FileError(*diagnostics.Incomplete());
   return text;
 }
 
-int DoCompare(const CompareSettings& settings) {
+int Compare(const CompareSettings& settings) {
   try {
     const std::string text = Compared(settings);
     const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
     if (written && std::fflush(stdout) == 0) return kGood;
     PrintError("the comparison could not be written to standard output");
   } catch (const std::exception& error) {
-    PrintError(TextOf(error));
+    PrintError(ErrorText(error));
   }
   return kRunFailed;
 }
 
 }  // namespace
 
-void AddCompareCommand(CLI::App& app, int& exit_code) {
-  CLI::App* command = app.add_subcommand("compare", "Lay a report beside the truth of simulated data");
+Command CompareCommand() {
   auto settings = std::make_shared<CompareSettings>();
-  command->add_option("REPORT", settings->report, "What orsolva qc --json wrote")->required();
-  command->add_option("TRUTH", settings->truth, "The truth.json of orsolva simulate")->required();
-  command
-      ->add_option("--detail", settings->detail,
-                   "What orsolva qc --detail wrote: tell which slips and jumps it has")
-      ->type_name("FILE");
-  command->callback([settings, &exit_code] { exit_code = DoCompare(*settings); });
+  std::vector<Option> options = {
+      Positional(FileOption("REPORT", "REPORT", settings->report, "Report written by orsolva qc --json"),
+                 true),
+      Positional(FileOption("TRUTH", "TRUTH", settings->truth, "truth.json written by orsolva simulate"),
+                 true),
+      FileOption("detail", "FILE", settings->detail,
+                 "Table written by orsolva qc --detail: adds which faults were detected, and as what"),
+  };
+  return {"compare", "Compare a report with the truth of simulated data", std::move(options),
+          [settings] { return Compare(*settings); }};
 }
 
 }  // namespace orsolva_host

@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -9,24 +8,21 @@
 
 namespace orsolva_host {
 
-void AddCompletionCommand(CLI::App& app, int& exit_code) {
-  CLI::App* command = app.add_subcommand("completion", "Print the completion script of a shell");
+Command CompletionCommand() {
   auto shell = std::make_shared<std::string>();
-  command->add_option("SHELL", *shell, "bash, zsh or fish")
-      ->required()
-      ->check(CLI::IsMember({"bash", "zsh", "fish"}));
-  command->callback([shell, &app, &exit_code] {
-    std::fputs(CompletionScript(app, *shell).c_str(), stdout);
-    exit_code = kGood;
-  });
+  Option row = Choice("SHELL", "SHELL", {"bash", "zsh", "fish"}, *shell, "Name of the shell");
+  return {
+      "completion", "Print the completion script of a shell", {Positional(std::move(row), true)}, [shell] {
+        std::fputs(CompletionScript(AllCommands(), *shell).c_str(), stdout);
+        return kGood;
+      }};
 }
 
-void AddManualCommand(CLI::App& app, int& exit_code) {
-  CLI::App* command = app.add_subcommand("manual", "Print the manual page in man macros");
-  command->callback([&app, &exit_code] {
-    std::fputs(ManualPage(app).c_str(), stdout);
-    exit_code = kGood;
-  });
+Command ManualCommand() {
+  return {"manual", "Print the manual page in man macros", {}, [] {
+            std::fputs(ManualPage(AllCommands()).c_str(), stdout);
+            return kGood;
+          }};
 }
 
 }  // namespace orsolva_host

@@ -3,43 +3,16 @@
 #include <string>
 #include <vector>
 
-#include "host/cli/app.h"
 #include "host/cli/shell_texts.h"
-#include "host/report/figures.h"
-#include "host/report/profile.h"
 
 namespace orsolva_host {
 namespace {
 
-struct Command {
-  std::string name;
-  std::string description;
-  std::vector<OptionFacts> options;
-};
-
-std::vector<Command> CommandsOf(const CLI::App& app) {
-  std::vector<Command> commands;
-  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
-    commands.push_back({command->get_name(), command->get_description(), OptionsOf(*command)});
-  }
-  return commands;
-}
-
-/// Words that an argument may be, where these are known.
-std::string ChoicesOf(const std::string& command, const OptionFacts& option) {
+/// The words that the argument of an option may be, where these are known.
+std::string WordsOf(const Option& row) {
   std::string words;
-  if (option.name == "--profile") {
-    for (int i = 0; i < kBuiltInProfileCount; ++i) words += std::string(" ") + kBuiltInProfiles[i].name;
-  } else if (option.name == "--color") {
-    words = " auto always never";
-  } else if (option.name == "--position") {
-    words = " spp header";
-  } else if (command == "explain" && option.positional) {
-    for (int i = 0; i < kFigures; ++i) words += std::string(" ") + kFigureTable[i].key;
-  } else if (command == "completion" && option.positional) {
-    words = " bash zsh fish";
-  }
-  return words.empty() ? words : words.substr(1);
+  for (const std::string& word : row.words) words += (words.empty() ? "" : " ") + word;
+  return words;
 }
 
 /// The text inside single quotes of a shell.
@@ -65,25 +38,25 @@ std::string ZshText(const std::string& text) {
   return out;
 }
 
+/// What follows an option that takes a value.
+std::string BashValues(const Option& row) {
+  std::string reply;
+  if (!row.words.empty()) reply += "$(compgen -W '" + WordsOf(row) + "' -- \"$cur\")";
+  if (row.TakesFile()) reply += std::string(reply.empty() ? "" : " ") + "$(compgen -f -- \"$cur\")";
+  return fmt::format("        --{}) COMPREPLY=({}); return ;;\n", row.name, reply);
+}
+
 std::string BashCase(const Command& command) {
   std::string words;
   std::string values;
   std::string positional;
-  for (const OptionFacts& o : command.options) {
-    const std::string choices = ChoicesOf(command.name, o);
-    if (o.positional) {
-      positional += (positional.empty() || choices.empty() ? "" : " ") + choices;
+  for (const Option& row : command.options) {
+    if (row.positional) {
+      positional += (positional.empty() || row.words.empty() ? "" : " ") + WordsOf(row);
       continue;
     }
-    words += (words.empty() ? "" : " ") + o.name;
-    if (!choices.empty()) {
-      values += fmt::format(
-          "        {}) COMPREPLY=($(compgen -W '{}' -- \"$cur\") $(compgen -f -- \"$cur\")); return ;;\n",
-          o.name, choices);
-    } else if (!o.argument.empty() && o.argument != "[=FILE]") {
-      values += fmt::format("        {}) COMPREPLY=({}); return ;;\n", o.name,
-                            o.takes_file ? "$(compgen -f -- \"$cur\")" : "");
-    }
+    words += (words.empty() ? "" : " ") + ("--" + row.name);
+    if (row.TakesValue()) values += BashValues(row);
   }
   return fmt::format(
       "    {})\n      case $prev in\n{}      *) ;;\n      esac\n      if [[ $cur == -* ]]; then\n        "
@@ -109,21 +82,20 @@ std::string BashScript(const std::vector<Command>& commands) {
          "  *) ;;\n  esac\n}\ncomplete -o filenames -F _orsolva orsolva\n";
 }
 
-std::string ZshOption(const std::string& command, const OptionFacts& o) {
-  const std::string choices = ChoicesOf(command, o);
-  std::string action = o.takes_file ? "_files" : " ";
-  if (!choices.empty()) action = "(" + choices + ")";
-  if (o.positional) return fmt::format(" \\\n        '*:{}:{}'", ZshText(o.name), action);
+std::string ZshOption(const Option& row) {
+  std::string action = row.TakesFile() ? "_files" : " ";
+  if (!row.words.empty()) action = "(" + WordsOf(row) + ")";
+  if (row.positional) return fmt::format(" \\\n        '*:{}:{}'", ZshText(row.name), action);
   std::string argument;
-  std::string name = o.name;
-  if (o.argument == "[=FILE]") {
+  std::string name = "--" + row.name;
+  if (row.kind == OptionKind::kReport) {
     name += "=-";
     argument = "::file:_files";
-  } else if (!o.argument.empty()) {
+  } else if (row.TakesValue()) {
     name += "=";
-    argument = fmt::format(":{}:{}", ZshText(o.argument), action);
+    argument = fmt::format(":{}:{}", ZshText(row.argument), action);
   }
-  return fmt::format(" \\\n        '*{}[{}]{}'", name, ZshText(o.description), argument);
+  return fmt::format(" \\\n        '*{}[{}]{}'", name, ZshText(row.help), argument);
 }
 
 std::string ZshScript(const std::vector<Command>& commands) {
@@ -132,7 +104,7 @@ std::string ZshScript(const std::vector<Command>& commands) {
   for (const Command& command : commands) {
     names += fmt::format("    '{}:{}'\n", command.name, ZshText(command.description));
     cases += fmt::format("    {})\n      _arguments -s", command.name);
-    for (const OptionFacts& o : command.options) cases += ZshOption(command.name, o);
+    for (const Option& row : command.options) cases += ZshOption(row);
     cases += " ;;\n";
   }
   return "#compdef orsolva\n_orsolva() {\n  local -a commands\n  commands=(\n" + names +
@@ -148,16 +120,15 @@ std::string FishScript(const std::vector<Command>& commands) {
   for (const Command& command : commands) {
     text += fmt::format("complete -c orsolva -n __fish_use_subcommand -f -a {} -d '{}'\n", command.name,
                         Quotable(command.description));
-    for (const OptionFacts& o : command.options) {
-      const std::string choices = ChoicesOf(command.name, o);
+    for (const Option& row : command.options) {
       std::string line = fmt::format("complete -c orsolva -n '__fish_seen_subcommand_from {}'", command.name);
-      if (o.positional) {
-        if (choices.empty()) continue;
-        line += fmt::format(" -f -a '{}'", choices);
+      if (row.positional) {
+        if (row.words.empty()) continue;
+        line += fmt::format(" -f -a '{}'", WordsOf(row));
       } else {
-        line += fmt::format(" -l {} -d '{}'", o.name.substr(2), Quotable(o.description));
-        if (!o.argument.empty() && o.argument != "[=FILE]") line += o.takes_file ? " -r -F" : " -x";
-        if (!choices.empty()) line += fmt::format(" -a '{}'", choices);
+        line += fmt::format(" -l {} -d '{}'", row.name, Quotable(row.help));
+        if (row.TakesValue()) line += row.TakesFile() ? " -r -F" : " -x";
+        if (!row.words.empty()) line += fmt::format(" -a '{}'", WordsOf(row));
       }
       text += line + "\n";
     }
@@ -167,8 +138,7 @@ std::string FishScript(const std::vector<Command>& commands) {
 
 }  // namespace
 
-std::string CompletionScript(const CLI::App& app, const std::string& shell) {
-  const std::vector<Command> commands = CommandsOf(app);
+std::string CompletionScript(const std::vector<Command>& commands, const std::string& shell) {
   if (shell == "bash") return BashScript(commands);
   if (shell == "zsh") return ZshScript(commands);
   return shell == "fish" ? FishScript(commands) : std::string();

@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <cstdio>
 
 #include "host/cli/commands.h"
@@ -7,12 +6,11 @@
 
 namespace orsolva_host {
 
-void AddConfigCommand(CLI::App& app, int& exit_code) {
-  CLI::App* command = app.add_subcommand("config", "Print a configuration file with every default");
-  command->callback([&exit_code] {
-    std::fputs(DefaultConfig().c_str(), stdout);
-    exit_code = kGood;
-  });
+Command ConfigCommand() {
+  return {"config", "Print a configuration file with every default", {}, [] {
+            std::fputs(DefaultConfig(QcCommand()).c_str(), stdout);
+            return kGood;
+          }};
 }
 
 }  // namespace orsolva_host

@@ -3,13 +3,12 @@
 #include <fmt/format.h>
 #include <toml++/toml.h>
 
-#include <algorithm>
-#include <cctype>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <optional>
+#include <utility>
 
-#include "host/cli/app.h"
 #include "host/platform/platform.h"
 #include "host/report/text_layout.h"
 #include "host/report/toml_keys.h"
@@ -19,28 +18,14 @@
 namespace orsolva_host {
 namespace {
 
-/// Options that make no sense in a file.
-bool IsOfCommandLineOnly(const std::string& name) {
-  return name == "--help" || name == "--config" || name == "--no-config";
-}
-
-std::vector<OptionFacts> ConfigurableOptions() {
-  int ignored = 0;
-  const std::unique_ptr<CLI::App> app = MakeApp(ignored);
-  std::vector<OptionFacts> options = OptionsOf(*app->get_subcommand("qc"));
-  options.erase(
-      std::remove_if(options.begin(), options.end(),
-                     [](const OptionFacts& o) { return o.positional || IsOfCommandLineOnly(o.name); }),
-      options.end());
-  return options;
-}
+bool IsConfigurable(const Option& row) { return !row.positional && !row.command_line_only; }
 
 [[noreturn]] void Refuse(const std::string& origin, const toml::node& node, const std::string& what) {
   throw ConfigError(fmt::format("{}:{}: {}", origin, node.source().begin.line, what));
 }
 
 /// A single value as the command line would have it; absent for a list or table.
-std::optional<std::string> TextOf(const toml::node& node) {
+std::optional<std::string> ValueText(const toml::node& node) {
   if (const auto text = node.value_exact<std::string>()) return text;
   if (const auto whole = node.value_exact<std::int64_t>()) return fmt::format("{}", *whole);
   if (const auto number = node.value_exact<double>()) return fmt::format("{}", *number);
@@ -48,44 +33,31 @@ std::optional<std::string> TextOf(const toml::node& node) {
   return std::nullopt;
 }
 
-/// What the option says about a value, empty when it takes it.
-std::string Complaint(const std::string& argument) {
-  int ignored = 0;
-  const std::unique_ptr<CLI::App> app = MakeApp(ignored);
-  app->get_subcommand("qc")->callback([] {});
-  try {
-    app->parse(std::vector<std::string>{"file", argument, "qc"});
-  } catch (const CLI::ParseError& error) {
-    return error.what();
-  }
-  return {};
-}
-
-void AddArgument(const OptionFacts& option, const toml::node& node, const std::string& origin,
-                 std::vector<std::string>& arguments) {
-  const std::optional<std::string> text = TextOf(node);
-  if (!text) Refuse(origin, node, fmt::format("expected one value for '{}'", option.name.substr(2)));
+void SetValue(const Option& row, const toml::node& node, const std::string& origin,
+              std::vector<GivenValue>& values) {
+  std::optional<std::string> text = ValueText(node);
+  if (!text) Refuse(origin, node, fmt::format("expected one value for '{}'", row.name));
   if (text->empty()) return;
-  const bool flag = option.argument.empty() || option.argument == "[=FILE]";
-  if (flag && *text == "false") return;
-  std::string argument = option.name;
-  if (!(flag && *text == "true")) argument += "=" + *text;
-  const std::string complaint = Complaint(argument);
-  if (!complaint.empty()) Refuse(origin, node, complaint);
-  arguments.push_back(argument);
+  if (row.kind == OptionKind::kReport) {
+    if (*text == "false") return;
+    if (*text == "true") *text = "-";
+  }
+  const std::string wrong = row.set(*text);
+  if (!wrong.empty()) Refuse(origin, node, row.name + ": " + wrong);
+  values.push_back({&row, std::move(*text)});
 }
 
-void AddArguments(const std::vector<OptionFacts>& options, const std::string& key, const toml::node& node,
-                  const std::string& origin, std::vector<std::string>& arguments) {
-  const auto option = std::find_if(options.begin(), options.end(),
-                                   [&key](const OptionFacts& o) { return o.name == "--" + key; });
-  if (option == options.end()) {
-    Refuse(origin, node, "'" + key + "' is no key of [qc]; `orsolva config` prints them all");
+void SetKey(const Command& command, const std::string& key, const toml::node& node, const std::string& origin,
+            std::vector<GivenValue>& values) {
+  const Option* row = command.Find(key);
+  if (row == nullptr || !IsConfigurable(*row)) {
+    Refuse(origin, node,
+           fmt::format("'{}' is no key of [{}]; `orsolva config` prints them all", key, command.name));
   }
   if (const toml::array* list = node.as_array()) {
-    for (const toml::node& item : *list) AddArgument(*option, item, origin, arguments);
+    for (const toml::node& item : *list) SetValue(*row, item, origin, values);
   } else {
-    AddArgument(*option, node, origin, arguments);
+    SetValue(*row, node, origin, values);
   }
 }
 
@@ -100,14 +72,13 @@ std::string FileOfTheUser() {
   return std::filesystem::is_regular_file(file, ignored) ? file : std::string();
 }
 
-std::string ChosenFile(const std::vector<std::string>& arguments) {
-  constexpr std::string_view kOption = "--config=";
-  for (std::size_t i = 1; i < arguments.size(); ++i) {
-    if (arguments[i] == "--no-config") return {};
-    if (arguments[i].compare(0, kOption.size(), kOption) == 0) return arguments[i].substr(kOption.size());
-    if (arguments[i] == "--config" && i + 1 < arguments.size()) return arguments[i + 1];
+std::string ChosenFile(const std::vector<GivenValue>& values) {
+  std::string named;
+  for (const GivenValue& value : values) {
+    if (value.option->name == "no-config" && value.text == "true") return {};
+    if (value.option->name == "config") named = value.text;
   }
-  return FileOfTheUser();
+  return named.empty() ? FileOfTheUser() : named;
 }
 
 std::string TextOfConfig(const std::string& path) {
@@ -118,59 +89,53 @@ std::string TextOfConfig(const std::string& path) {
   }
 }
 
-std::string TomlValue(const OptionFacts& option) {
-  if (option.argument.empty() || option.argument == "[=FILE]") return "false";
-  const std::string& text = option.default_text;
-  const bool number = !text.empty() && std::all_of(text.begin(), text.end(), [](unsigned char c) {
-    return std::isdigit(c) != 0 || c == '.';
-  });
-  return number ? text : "\"" + text + "\"";
+std::string TomlValue(const Option& row) {
+  if (!row.TakesValue()) return "false";
+  return row.kind == OptionKind::kNumber ? row.default_text : "\"" + row.default_text + "\"";
 }
 
 }  // namespace
 
-std::vector<std::string> ConfigArguments(std::string_view text, const std::string& origin) {
-  std::vector<std::string> arguments;
+std::vector<GivenValue> SetFromConfig(const Command& command, std::string_view text,
+                                      const std::string& origin) {
+  std::vector<GivenValue> values;
   if (const std::size_t line = LineOfDeepKey(text); line > 0) {
     throw ConfigError(fmt::format("{}:{}: a key of more than {} parts", origin, line, kMostKeyParts));
   }
   try {
-    const std::vector<OptionFacts> options = ConfigurableOptions();
     const toml::table table = toml::parse(text, origin);
     for (const auto& [section, node] : table) {
       const toml::table* keys = node.as_table();
-      if (keys == nullptr || section.str() != "qc") {
-        Refuse(origin, node, fmt::format("'{}' is no section: options stand below [qc]", section.str()));
+      if (keys == nullptr || section.str() != command.name) {
+        Refuse(origin, node,
+               fmt::format("'{}' is no section: options belong below [{}]", section.str(), command.name));
       }
-      for (const auto& [key, value] : *keys) {
-        AddArguments(options, std::string(key.str()), value, origin, arguments);
-      }
+      for (const auto& [key, value] : *keys) SetKey(command, std::string(key.str()), value, origin, values);
     }
   } catch (const toml::parse_error& error) {
     throw ConfigError(
         fmt::format("{}:{}: {}", origin, error.source().begin.line, std::string(error.description())));
   }
-  return arguments;
+  return values;
 }
 
-std::vector<std::string> WithConfigFile(const std::vector<std::string>& arguments) {
-  if (arguments.empty() || arguments[0] != "qc") return arguments;
-  const std::string path = ChosenFile(arguments);
-  if (path.empty()) return arguments;
-  std::vector<std::string> all = {"qc"};
-  for (std::string& argument : ConfigArguments(TextOfConfig(path), path)) all.push_back(std::move(argument));
-  all.insert(all.end(), arguments.begin() + 1, arguments.end());
-  return all;
+std::vector<GivenValue> SetFromConfig(const CommandLine& line) {
+  if (line.command->Find("config") == nullptr) return {};
+  const std::string path = ChosenFile(line.values);
+  if (path.empty()) return {};
+  return SetFromConfig(*line.command, TextOfConfig(path), path);
 }
 
-std::string DefaultConfig() {
-  std::string text =
-      "# Options of orsolva qc. Flags on the command line go over them.\n"
-      "# Read from --config FILE, $ORSOLVA_CONFIG, or ~/.config/orsolva/config.toml.\n"
-      "# Every key stands at its default; remove the # to change it.\n\n[qc]\n";
-  for (const OptionFacts& option : ConfigurableOptions()) {
-    text += "\n" + Wrapped(option.description, "# ", "# ", 80);
-    text += fmt::format("#{} = {}\n", option.name.substr(2), TomlValue(option));
+std::string DefaultConfig(const Command& command) {
+  std::string text = "# Options of orsolva " + command.name +
+                     ". The command line overrides them.\n"
+                     "# Read from --config FILE, $ORSOLVA_CONFIG, or ~/.config/orsolva/config.toml.\n"
+                     "# Every key has its default here; remove the # to change it.\n\n[" +
+                     command.name + "]\n";
+  for (const Option& row : command.options) {
+    if (!IsConfigurable(row)) continue;
+    text += "\n" + Wrapped(row.help, "# ", "# ", 80);
+    text += fmt::format("#{} = {}\n", row.name, TomlValue(row));
   }
   return text;
 }

@@ -5,10 +5,10 @@
 namespace orsolva_host {
 
 const ExitCode kExitCodes[] = {
-    {kGood, "good: every file was judged, and no verdict failed"},
-    {kRunFailed, "at least one file could not be judged, or an output could not be written"},
+    {kGood, "success: every file was processed, and no verdict failed"},
+    {kRunFailed, "a file could not be processed, or an output could not be written"},
     {kWrongUsage, "wrong usage: an option, a profile or a configuration file"},
-    {kVerdictFailed, "every file was judged, and at least one verdict failed (--profile)"},
+    {kVerdictFailed, "every file was processed, and at least one verdict failed (--profile)"},
     {kInterrupted, "interrupted (SIGINT); finished output files stay"},
     {kTerminated, "terminated (SIGTERM); finished output files stay"},
 };

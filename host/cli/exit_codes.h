@@ -1,4 +1,4 @@
-// What the program answers to its caller.
+// Exit codes of the program.
 #ifndef ORSOLVA_CLI_EXIT_CODES_H
 #define ORSOLVA_CLI_EXIT_CODES_H
 
@@ -10,7 +10,7 @@ constexpr int kGood = 0;
 constexpr int kRunFailed = 1;
 constexpr int kWrongUsage = 2;
 constexpr int kVerdictFailed = 3;
-constexpr int kInterrupted = 130;  ///< 128 and the number of the signal, as shells have it
+constexpr int kInterrupted = 130;  ///< 128 and the number of the signal, as in shells
 constexpr int kTerminated = 143;
 
 struct ExitCode {
@@ -22,7 +22,7 @@ struct ExitCode {
 extern const ExitCode kExitCodes[];
 extern const int kExitCodeCount;
 
-/// A line a code.
+/// One line per code.
 std::string ExitCodeLines();
 
 }  // namespace orsolva_host

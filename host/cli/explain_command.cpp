@@ -1,10 +1,10 @@
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "host/cli/commands.h"
 #include "host/cli/exit_codes.h"
@@ -38,7 +38,7 @@ std::string Explanation(const Figure& f) {
 }
 
 std::string FigureLines() {
-  std::string text = "orsolva explain FIGURE tells how a figure is made. The figures:\n\n";
+  std::string text = "orsolva explain FIGURE explains how a figure is computed. The figures:\n\n";
   for (int i = 0; i < kFigures; ++i) {
     const Figure& f = kFigureTable[i];
     std::string head = std::string("  ") + f.key;
@@ -49,7 +49,7 @@ std::string FigureLines() {
   return text;
 }
 
-int DoExplain(const std::string& name) {
+int Explain(const std::string& name) {
   if (name.empty()) {
     std::fputs(FigureLines().c_str(), stdout);
     return kGood;
@@ -68,11 +68,15 @@ int DoExplain(const std::string& name) {
 
 }  // namespace
 
-void AddExplainCommand(CLI::App& app, int& exit_code) {
-  CLI::App* command = app.add_subcommand("explain", "Tell how a figure of the report is made");
+Command ExplainCommand() {
   auto name = std::make_shared<std::string>();
-  command->add_option("FIGURE", *name, "Key, column heading or name such as mp1; without it all are listed");
-  command->callback([name, &exit_code] { exit_code = DoExplain(*name); });
+  Option row = TextOption("FIGURE", "FIGURE", *name,
+                          "Key, column heading or name such as mp1; without it all are listed");
+  for (int i = 0; i < kFigures; ++i) row.words.emplace_back(kFigureTable[i].key);
+  return {"explain",
+          "Explain how a figure of the report is computed",
+          {Positional(std::move(row), false)},
+          [name] { return Explain(*name); }};
 }
 
 }  // namespace orsolva_host

@@ -1,6 +1,5 @@
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <array>
 #include <cstdint>
 #include <cstdio>
@@ -9,12 +8,14 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "host/cli/argument_texts.h"
 #include "host/cli/commands.h"
 #include "host/cli/exit_codes.h"
-#include "host/cli/qc_settings.h"
-#include "host/judging/qc_run.h"
+#include "host/judging/nominal_interval.h"
+#include "host/judging/run_error.h"
 #include "host/report/text_layout.h"
 #include "host/rinex/civil_time.h"
 #include "host/rinex/input_files.h"
@@ -32,7 +33,6 @@ constexpr std::size_t kFirstEpochs = 600;
 
 struct InspectSettings {
   std::vector<std::string> files;
-  std::string size;
   InputLimits limits;
 };
 
@@ -98,7 +98,7 @@ void ShowContents(const Contents& contents, const ObservationHeader& header) {
   Row("First epoch", TimeText(contents.first) + " GPST");
   Row("Last epoch", TimeText(contents.last) + " GPST");
   Row("Duration", fmt::format("{:.4f} h", Difference(contents.last, contents.first) / 3600));
-  const auto found = DetectInterval(contents.start.data(), contents.start.size());
+  const auto found = MostFrequentInterval(contents.start.data(), contents.start.size());
   Row("Interval", fmt::format("{} in the header, {} in the data",
                               header.interval_s ? fmt::format("{:g} s", *header.interval_s) : "none",
                               found ? fmt::format("{:g} s", *found) : "none"));
@@ -157,7 +157,7 @@ bool Inspect(const std::string& file, const InputLimits& limits) {
     }
   } catch (const std::exception& error) {
     std::fflush(stdout);
-    PrintError(TextOf(error));
+    PrintError(ErrorText(error));
     good = false;
   }
   ShowNotices(diagnostics);
@@ -168,29 +168,29 @@ bool Inspect(const std::string& file, const InputLimits& limits) {
   return good && !diagnostics.Incomplete();
 }
 
+int InspectAll(const InspectSettings& settings) {
+  int exit_code = kGood;
+  for (std::size_t i = 0; i < settings.files.size(); ++i) {
+    if (i > 0) std::puts("");
+    if (!Inspect(settings.files[i], settings.limits)) exit_code = kRunFailed;
+  }
+  return exit_code;
+}
+
 }  // namespace
 
-void AddInspectCommand(CLI::App& app, int& exit_code) {
-  CLI::App* command = app.add_subcommand("inspect", "Tell what a file holds, without judging it");
+Command InspectCommand() {
   auto settings = std::make_shared<InspectSettings>();
-  command->add_option("FILE", settings->files, "RINEX observation or navigation files, compressed or not")
-      ->required();
-  command
-      ->add_option("--max-size", settings->size, "Largest size in bytes that a compressed file may expand to")
-      ->check(CLI::Validator(
-          [limits = &settings->limits](std::string& text) { return ParseSize(text, *limits); }, ""))
-      ->type_name("BYTES")
-      ->take_last()
-      ->default_str("8G");
-  // The options write into it as long as the command lives, whatever becomes of its callback.
-  command->preparse_callback([settings](std::size_t) {});
-  command->callback([settings, &exit_code] {
-    exit_code = kGood;
-    for (std::size_t i = 0; i < settings->files.size(); ++i) {
-      if (i > 0) std::puts("");
-      if (!Inspect(settings->files[i], settings->limits)) exit_code = kRunFailed;
-    }
-  });
+  Option files =
+      ListOption("FILE", "FILE", settings->files, "RINEX observation or navigation files, compressed or not");
+  files.many = true;
+  std::vector<Option> options = {
+      Positional(std::move(files), true),
+      Parsed("max-size", "BYTES", "8G", ParseSize, settings->limits,
+             "Largest size in bytes that a compressed file may expand to"),
+  };
+  return {"inspect", "List what files hold, without navigation and without a check", std::move(options),
+          [settings] { return InspectAll(*settings); }};
 }
 
 }  // namespace orsolva_host

@@ -1,9 +1,13 @@
-// orsolva: judges the quality of GNSS observation files.
+// orsolva: checks the quality of GNSS observation files.
 #include <exception>
+#include <string>
+#include <vector>
 
-#include "host/cli/app.h"
+#include "host/cli/command_line.h"
+#include "host/cli/commands.h"
 #include "host/cli/config_file.h"
 #include "host/cli/exit_codes.h"
+#include "host/judging/run_error.h"
 #include "host/platform/platform.h"
 #include "host/terminal/standard_streams.h"
 
@@ -11,23 +15,30 @@ namespace {
 
 using namespace orsolva_host;
 
+int RunCommand(const std::vector<std::string>& arguments) {
+  const std::vector<Command> commands = AllCommands();
+  const CommandLine line = ParseCommandLine(commands, JoinFormatFiles(arguments));
+  if (line.command == nullptr) return line.exit_code;
+  // The configuration file first, so that the command line overrides it.
+  std::vector<GivenValue> values = SetFromConfig(line);
+  SetValues(line.values);
+  values.insert(values.end(), line.values.begin(), line.values.end());
+  CheckExclusions(values);
+  return line.command->run();
+}
+
 int Run(int argc, char** argv) {
-  int exit_code = kWrongUsage;
-  const std::unique_ptr<CLI::App> app = MakeApp(exit_code);
   try {
-    std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
-    arguments = WithConfigFile(JoinFormatFiles(arguments));
-    app->parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
-  } catch (const CLI::ParseError& error) {
-    return app->exit(error) == 0 ? kGood : kWrongUsage;
+    return RunCommand({argv + (argc > 0 ? 1 : 0), argv + argc});
+  } catch (const UsageError& error) {
+    PrintError(error.what() + std::string("\nRun with --help for more information."));
   } catch (const ConfigError& error) {
     PrintError(error.what());
-    return kWrongUsage;
   } catch (const std::exception& error) {
-    PrintError(TextOf(error));
+    PrintError(ErrorText(error));
     return kRunFailed;
   }
-  return exit_code;
+  return kWrongUsage;
 }
 
 }  // namespace

@@ -1,15 +1,15 @@
 #include <fmt/format.h>
 
 #include <string>
+#include <vector>
 
-#include "host/cli/app.h"
 #include "host/cli/exit_codes.h"
 #include "host/cli/shell_texts.h"
 
 namespace orsolva_host {
 namespace {
 
-/// A text as troff takes it: backslashes and minus signs as they stand, no request at the start of a line.
+/// A text as troff takes it: backslashes and minus signs unchanged, no request at the start of a line.
 std::string Troff(const std::string& text) {
   std::string out;
   for (const char c : text) {
@@ -26,27 +26,24 @@ std::string Troff(const std::string& text) {
   return out;
 }
 
-std::string OptionEntry(const OptionFacts& o) {
-  const std::string argument = o.argument.empty() || o.argument[0] == '[' ? o.argument : " " + o.argument;
-  std::string text = fmt::format(".TP\n.B {}\n{}.\n", Troff(o.name + argument), Troff(o.description));
-  if (!o.default_text.empty() && !o.positional && o.argument[0] != '[') {
-    text += fmt::format("Default: {}.\n", Troff(o.default_text));
-  }
-  return text;
+std::string OptionEntry(const Option& row) {
+  return fmt::format(".TP\n.B {}\n{}.\n", Troff(row.Usage()), Troff(row.HelpWithDefault()));
 }
 
 }  // namespace
 
-std::string ManualPage(const CLI::App& app) {
+std::string ManualPage(const std::vector<Command>& commands) {
   std::string text =
-      ".TH ORSOLVA 1\n.SH NAME\norsolva \\- judges the quality of GNSS observations\n.SH SYNOPSIS\n"
+      ".TH ORSOLVA 1\n.SH NAME\norsolva \\- checks the quality of GNSS observations\n.SH SYNOPSIS\n"
       ".B orsolva\n.I COMMAND\n[options] [files]\n.SH DESCRIPTION\n"
-      "Reads RINEX observation and navigation files and reports how good the observations are: completeness, "
-      "code multipath, cycle slips and signal strength, for GPS, GLONASS, BDS, Galileo and QZSS.\n"
+      "Reads RINEX observation and navigation files, also Hatanaka\\-compressed (CRINEX) ones, and reports "
+      "how "
+      "good the observations are: completeness, code multipath, cycle slips and signal strength, for GPS, "
+      "GLONASS, BDS, Galileo and QZSS.\n"
       ".SH COMMANDS\n";
-  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
-    text += fmt::format(".SS {}\n{}.\n", Troff(command->get_name()), Troff(command->get_description()));
-    for (const OptionFacts& o : OptionsOf(*command)) text += OptionEntry(o);
+  for (const Command& command : commands) {
+    text += fmt::format(".SS {}\n{}.\n", Troff(command.name), Troff(command.description));
+    for (const Option& row : command.options) text += OptionEntry(row);
   }
   text += ".SH EXIT STATUS\n";
   for (int i = 0; i < kExitCodeCount; ++i) {

@@ -1,17 +1,19 @@
-// What shells and manual readers are told about the command line, made from the command line itself.
+// Completion scripts and the manual page, made from the rows of the commands' options.
 #ifndef ORSOLVA_CLI_SHELL_TEXTS_H
 #define ORSOLVA_CLI_SHELL_TEXTS_H
 
-#include <CLI/CLI.hpp>
 #include <string>
+#include <vector>
+
+#include "host/cli/option.h"
 
 namespace orsolva_host {
 
 /// A completion script. @param shell  "bash", "zsh" or "fish"; empty text for any other
-std::string CompletionScript(const CLI::App& app, const std::string& shell);
+std::string CompletionScript(const std::vector<Command>& commands, const std::string& shell);
 
 /// The manual page orsolva(1), in man(7) macros.
-std::string ManualPage(const CLI::App& app);
+std::string ManualPage(const std::vector<Command>& commands);
 
 }  // namespace orsolva_host
 

@@ -1,4 +1,3 @@
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
@@ -9,18 +8,20 @@
 #include <stdexcept>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
+#include "host/cli/argument_texts.h"
 #include "host/cli/commands.h"
 #include "host/cli/exit_codes.h"
-#include "host/cli/qc_settings.h"
+#include "host/judging/run_error.h"
 #include "host/judging/run_monitor.h"
 #include "host/simulator/file_set.h"
 #include "host/simulator/presets.h"
 #include "host/simulator/scenario_json.h"
 #include "host/terminal/interrupt.h"
-#include "host/terminal/progress.h"
 #include "host/terminal/standard_streams.h"
+#include "host/terminal/status_line.h"
 
 namespace orsolva_host {
 namespace {
@@ -71,7 +72,7 @@ void ReadFile(const std::string& path, Scenario& scenario) {
   }
 }
 
-void Complain(const char* option, const std::string& wrong) {
+void Require(const char* option, const std::string& wrong) {
   if (!wrong.empty()) throw ScenarioError(std::string(option) + ": " + wrong);
 }
 
@@ -80,20 +81,20 @@ std::uint64_t SeedOf(const std::string& text) {
   const char* end = text.data() + text.size();
   const auto [stopped, error] = std::from_chars(text.data(), end, seed);
   const bool good = error == std::errc() && stopped == end;
-  Complain("--seed", good ? "" : "found \"" + text + "\", expected a non-negative integer");
+  Require("--seed", good ? "" : "found \"" + text + "\", expected a non-negative integer");
   return seed;
 }
 
-void TakePlaceAndTime(const SimulateSettings& settings, Scenario& scenario) {
-  if (!settings.start.empty()) Complain("--start", ParseStart(settings.start, scenario.start));
+void SetPlaceAndTime(const SimulateSettings& settings, Scenario& scenario) {
+  if (!settings.start.empty()) Require("--start", ParseStart(settings.start, scenario.start));
   if (settings.position.empty()) return;
   PositionChoice choice;
-  Complain("--position", ParsePosition(settings.position, choice));
-  if (choice.source != PositionSource::kOption) Complain("--position", "expected X,Y,Z in metres");
+  Require("--position", ParsePosition(settings.position, choice));
+  if (choice.source != PositionSource::kOption) Require("--position", "expected X,Y,Z in metres");
   scenario.receiver.position_m = choice.xyz_m;
 }
 
-/// The preset or the file first, then what single options say.
+/// The preset or the file first, then the single options.
 Scenario MakeScenario(const SimulateSettings& settings) {
   Scenario scenario;
   if (!settings.preset.empty()) ReadPreset("--preset", settings.preset, scenario);
@@ -105,12 +106,19 @@ Scenario MakeScenario(const SimulateSettings& settings) {
   if (settings.cutoff_deg) scenario.receiver.cutoff_deg = *settings.cutoff_deg;
   if (!settings.systems.empty()) scenario.systems = settings.systems;
   if (!settings.station.empty()) scenario.station = settings.station;
-  TakePlaceAndTime(settings, scenario);
+  SetPlaceAndTime(settings, scenario);
   CheckScenario(scenario);
   return scenario;
 }
 
-void SayWhatDoesNotHappen(const Scenario& scenario) {
+/// A hundred times in all.
+void ShowEpochs(std::uint64_t done, std::uint64_t of, StatusLine& status) {
+  constexpr std::uint64_t kSteps = 100;
+  const std::uint64_t step = std::max<std::uint64_t>(of / kSteps, 1);
+  if (done % step == 0) status.Show(std::to_string(done) + " of " + std::to_string(of) + " epochs");
+}
+
+void WarnOfLateFaults(const Scenario& scenario) {
   const auto late = std::count_if(scenario.faults.begin(), scenario.faults.end(), [&](const Fault& fault) {
     return fault.random == 0 && fault.at_s >= scenario.hours * 3600;
   });
@@ -120,22 +128,22 @@ void SayWhatDoesNotHappen(const Scenario& scenario) {
 }
 
 int Simulate(const Scenario& scenario, const FileSetOptions& options) {
-  NoteInterrupts();
+  RecordInterrupts();
   Truth truth;
   {
-    Progress progress;
-    truth = WriteFileSet(scenario, options, [&progress](std::uint64_t done, std::uint64_t of) {
+    StatusLine status(true);
+    truth = WriteFileSet(scenario, options, [&status](std::uint64_t done, std::uint64_t of) {
       if (InterruptExitCode() != 0) throw Stopped();
-      progress.Epochs(done, of);
+      ShowEpochs(done, of, status);
     });
   }
   const FileSet names = FileNames(scenario, options);
   std::printf("%s\n%s\n%s\n", names.observations.c_str(), names.navigation.c_str(), names.truth.c_str());
-  SayWhatDoesNotHappen(scenario);
+  WarnOfLateFaults(scenario);
   return kGood;
 }
 
-int DoSimulate(const SimulateSettings& settings) {
+int RunSimulate(const SimulateSettings& settings) {
   if (settings.list_presets) {
     ListPresets();
     return kGood;
@@ -148,43 +156,41 @@ int DoSimulate(const SimulateSettings& settings) {
     PrintError(error.what());
     return kWrongUsage;
   } catch (const std::exception& error) {
-    PrintError(TextOf(error));
+    PrintError(ErrorText(error));
     return kRunFailed;
   }
 }
 
 }  // namespace
 
-void AddSimulateCommand(CLI::App& app, int& exit_code) {
-  CLI::App* command =
-      app.add_subcommand("simulate", "Write the observations of a simulated sky, and its truth");
+Command SimulateCommand() {
   auto s = std::make_shared<SimulateSettings>();
-  CLI::Option* preset =
-      command->add_option("--preset", s->preset, "Scenario that comes with the program; default: quiet")
-          ->type_name("NAME");
-  command->add_option("--scenario", s->scenario_file, "Scenario file (JSON)")
-      ->type_name("FILE")
-      ->excludes(preset);
-  command->add_flag("--list-presets", s->list_presets, "List the presets and end");
-  command->add_option("--output", s->files.folder, "Folder for the files; default: the current one")
-      ->type_name("FOLDER");
-  command->add_option("--faults", s->fault_presets, "Add the faults of these presets")
-      ->type_name("NAMES")
-      ->delimiter(',');
-  command->add_option("--seed", s->seed, "Seed of the random numbers")->type_name("NUMBER");
-  command->add_option("--start", s->start, "Start, YYYY-MM-DD or \"YYYY-MM-DD HH:MM:SS\", GPS time")
-      ->type_name("TIME");
-  command->add_option("--hours", s->hours, "Length of the span in hours")->type_name("HOURS");
-  command->add_option("--interval", s->interval_s, "Interval in seconds, 0.1 to 60")->type_name("SECONDS");
-  command->add_option("--position", s->position, "X,Y,Z of the receiver in metres")->type_name("X,Y,Z");
-  command->add_option("--systems", s->systems, "Systems, letters from GREJC")->type_name("LETTERS");
-  command->add_option("--station", s->station, "Station, nine characters of the file names")
-      ->type_name("NAME");
-  command->add_option("--cutoff", s->cutoff_deg, "Elevation below which nothing is tracked, degrees")
-      ->type_name("DEGREES");
-  command->add_flag("--gzip", s->files.gzip, "Compress the RINEX files with gzip");
-  command->add_flag("--crinex", s->files.crinex, "Write Hatanaka-compressed observations (CRINEX 3)");
-  command->callback([s, &exit_code] { exit_code = DoSimulate(*s); });
+  std::vector<Option> rows = {
+      TextOption("preset", "NAME", s->preset, "Built-in scenario; without one: quiet"),
+      FileOption("scenario", "FILE", s->scenario_file, "Scenario file (JSON)"),
+      Switch("list-presets", s->list_presets, "List the presets and end"),
+      FolderOption("output", s->files.folder, "Folder for the files"),
+      Parsed("faults", "NAMES", "", ParseNames, s->fault_presets, "Add the faults of these presets"),
+      TextOption("seed", "NUMBER", s->seed, "Seed of the random numbers"),
+      TextOption("start", "TIME", s->start, "Start, YYYY-MM-DD or \"YYYY-MM-DD HH:MM:SS\", GPS time"),
+      Number("hours", "HOURS", s->hours, "Length of the span in hours"),
+      Number("interval", "SECONDS", s->interval_s, "Interval in seconds, 0.1 to 60"),
+      TextOption("position", "X,Y,Z", s->position, "X,Y,Z of the receiver in metres"),
+      TextOption("systems", "LETTERS", s->systems, "Satellite systems, letters from GREJC"),
+      TextOption("station", "NAME", s->station, "Station, nine characters of the file names"),
+      Number("cutoff", "DEGREES", s->cutoff_deg, "Elevation in degrees below which nothing is tracked"),
+      Switch("gzip", s->files.gzip, "Compress the RINEX files with gzip"),
+      Switch("crinex", s->files.crinex, "Write Hatanaka-compressed observations (CRINEX 3)"),
+  };
+  for (Option& row : rows) {
+    if (row.name == "preset") {
+      for (const Preset& preset : Presets()) row.words.emplace_back(preset.name);
+    }
+    if (row.name == "scenario") row.excludes = "preset";
+    row.many = row.name == "faults";
+  }
+  return {"simulate", "Simulate a receiver and write its observations with their truth", std::move(rows),
+          [s] { return RunSimulate(*s); }};
 }
 
 }  // namespace orsolva_host

@@ -1,18 +1,16 @@
-#include <CLI/CLI.hpp>
 #include <cstdio>
 
 #include "host/cli/commands.h"
 #include "host/cli/exit_codes.h"
-#include "host/judging/qc_run.h"
+#include "orsolva/session.hpp"
 
 namespace orsolva_host {
 
-void AddVersionCommand(CLI::App& app, int& exit_code) {
-  CLI::App* command = app.add_subcommand("version", "Print name, version and build time of the library");
-  command->callback([&exit_code] {
-    std::puts(LibraryBanner().c_str());
-    exit_code = kGood;
-  });
+Command VersionCommand() {
+  return {"version", "Print name, version and build time of the library", {}, [] {
+            std::puts(orsolva::LibraryBanner().c_str());
+            return kGood;
+          }};
 }
 
 }  // namespace orsolva_host

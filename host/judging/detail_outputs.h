@@ -15,14 +15,14 @@ namespace orsolva_host {
 
 class DetailOutputs {
  public:
-  /// @param tables, pages  the files that shall hold them, each the same
+  /// @param tables, pages  files; all of a kind get the same content
   /// @throws WriteError when a file cannot be opened
   DetailOutputs(const std::vector<std::string>& tables, const std::vector<std::string>& pages);
 
-  /// What the run shall report to; null when nothing is asked for.
+  /// The observer of the run; null when no file is asked for.
   DetailSink* Sink() { return sinks_.Empty() ? nullptr : &sinks_; }
 
-  /// Writes what is left; only then the files are there. @throws WriteError
+  /// Writes the rest; the files appear only now. @throws WriteError
   void Finish(const Report& report);
 
  private:

@@ -1,4 +1,4 @@
-// Room for the epochs of one batch.
+// Memory for the epochs of one batch.
 #ifndef ORSOLVA_JUDGING_EPOCH_BATCH_H
 #define ORSOLVA_JUDGING_EPOCH_BATCH_H
 
@@ -14,8 +14,8 @@ struct FreeEpochs {
 };
 using EpochBatch = std::unique_ptr<ObsEpoch_QC_gbt[], FreeEpochs>;
 
-/// Room for `count` epochs, not initialised. A batch takes tens of megabytes that are written once from front
-/// to end; where the system has huge pages it is asked for them, which spares ten thousand page faults.
+/// Memory for `count` epochs, not initialised. A batch takes tens of megabytes that are written once from
+/// front to end; where the system has huge pages it is asked for them, which saves ten thousand page faults.
 /// @throws std::bad_alloc when there is no memory
 EpochBatch MakeEpochBatch(std::size_t count);
 

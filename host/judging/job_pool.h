@@ -1,4 +1,4 @@
-// Runs numbered jobs on several threads; the results are taken in the order of the numbers.
+// Runs numbered jobs on several threads; the caller waits for them in any order.
 #ifndef ORSOLVA_JUDGING_JOB_POOL_H
 #define ORSOLVA_JUDGING_JOB_POOL_H
 
@@ -21,7 +21,7 @@ class JobPool {
   /// that job and no other.
   /// @throws std::system_error when not even one thread can be started
   JobPool(std::size_t jobs, unsigned threads, std::function<void(std::size_t)> work);
-  /// Jobs that have not begun are left out; those under way are waited for.
+  /// Jobs that have not begun are dropped; those under way are waited for.
   ~JobPool();
   JobPool(const JobPool&) = delete;
   JobPool& operator=(const JobPool&) = delete;
@@ -29,7 +29,7 @@ class JobPool {
   /// Waits until a job is done, at most the time given. @return whether it is done
   /// @throws what the job threw
   bool Wait(std::size_t job, std::chrono::milliseconds longest);
-  /// Jobs that have not begun are left out.
+  /// Drops jobs that have not begun.
   void Stop() { next_.store(jobs_); }
   /// After Stop: waits until no job is under way, at most the time given. @return whether none is
   bool WaitForEnd(std::chrono::milliseconds longest);
@@ -51,7 +51,8 @@ class JobPool {
   std::vector<std::thread> threads_;
 };
 
-/// Threads of a run over so many jobs: those asked for, or one a core; never more than jobs, never none.
+/// Threads of a run over so many jobs: as many as asked for, or one per core; never more than jobs, at least
+/// one.
 unsigned ThreadsFor(unsigned asked, std::size_t jobs);
 
 }  // namespace orsolva_host

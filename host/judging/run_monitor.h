@@ -1,4 +1,4 @@
-// What a run tells while it goes on, and how it is told to stop. Shared between threads.
+// Progress counters of a run and its cancellation flag, shared between threads.
 #ifndef ORSOLVA_JUDGING_RUN_MONITOR_H
 #define ORSOLVA_JUDGING_RUN_MONITOR_H
 
@@ -9,13 +9,13 @@
 namespace orsolva_host {
 
 struct RunMonitor {
-  std::atomic<std::uint64_t> epochs{0};  ///< read so far, of all runs
+  std::atomic<std::uint64_t> epochs{0};  ///< read so far, of all files
   std::atomic<std::uint64_t> bytes{0};   ///< of observation files read so far, as they lie on disk
-  std::atomic<bool> stop{false};         ///< runs end with Stopped as soon as they see it
-  bool count_bytes = false;              ///< set before the runs begin
+  std::atomic<bool> stop{false};         ///< files under way end with Stopped as soon as they see it
+  bool count_bytes = false;              ///< set before the run begins
 };
 
-/// A run that was told to stop.
+/// A run that was cancelled.
 class Stopped : public std::runtime_error {
  public:
   Stopped() : std::runtime_error("stopped") {}

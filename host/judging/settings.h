@@ -1,4 +1,5 @@
-// What a quality check of one file is asked to do.
+// How one observation file is judged. Plain data with defaults; how a command line or another program's
+// arguments become such settings is the caller's affair.
 #ifndef ORSOLVA_JUDGING_SETTINGS_H
 #define ORSOLVA_JUDGING_SETTINGS_H
 
@@ -7,32 +8,38 @@
 #include <string>
 #include <vector>
 
+#include "host/report/profile.h"
 #include "host/rinex/byte_source.h"
 
 namespace orsolva_host {
 
-enum class PositionSource { kComputed, kHeader, kOption };
+/// Where the position of the antenna comes from.
+enum class PositionSource {
+  kComputed,  ///< single point positioning over the first epochs
+  kHeader,    ///< the approximate position of the file's header
+  kOption,    ///< given by the caller
+};
 
 struct PositionChoice {
   PositionSource source = PositionSource::kComputed;
-  std::array<double, 3> xyz_m = {};  ///< with kOption
+  std::array<double, 3> xyz_m = {};  ///< Earth-centred, Earth-fixed; with kOption
 };
 
 struct ExcludedSatellite {
   int system_slot = 0;  ///< place in kSystemTable
-  int number = 0;
+  int number = 0;       ///< within the system, from 1
 };
 
-struct QcSettings {
-  std::string observation_file;
-  double elevation_deg = 10;
-  std::optional<double> interval_s;
-  PositionChoice position;
-  std::string systems = "GREJC";
-  std::vector<ExcludedSatellite> excluded;
-  bool snr_from_strength = false;
-  InputLimits limits;
-  bool satellites = false;
+struct JudgingSettings {
+  double elevation_cutoff_deg = 10;         ///< from 0 to 90
+  std::optional<double> interval_s;         ///< nominal interval; absent: the header's, else that of the data
+  PositionChoice position;                  ///< of the antenna
+  std::string systems = "GREJC";            ///< letters of the systems, each at most once
+  std::vector<ExcludedSatellite> excluded;  ///< satellites that are left out
+  bool snr_from_strength = false;           ///< see ObservationOptions::snr_from_strength
+  InputLimits limits;                       ///< of each input file
+  std::optional<Profile> profile;           ///< limits that the report is held against; absent: no verdict
+  bool show_satellites = false;             ///< reports list every satellite
 };
 
 }  // namespace orsolva_host

@@ -5,6 +5,31 @@
 
 namespace orsolva_host {
 
+std::shared_ptr<const ReadNavigation> ReadNavigationBeside(const std::string& observation_file,
+                                                           const Time_gbt& first_epoch,
+                                                           const InputLimits& limits) {
+  auto read = std::make_shared<ReadNavigation>();
+  read->files = NavigationBeside(observation_file, first_epoch);
+  for (const std::string& file : read->files) {
+    read->notices.Add(file, 0, "no navigation file is named; this one beside the observation file is used");
+  }
+  NavigationReader reader(read->notices, {limits});
+  for (const std::string& file : read->files) {
+    try {
+      reader.Read(file);
+    } catch (const FileError& error) {
+      // A file nobody named must not stop a run that others of its day serve.
+      if (read->files.size() == 1) {
+        read->failure = error;
+        return read;
+      }
+      read->notices.Add(file, error.Line(), "passed over: found " + error.Found(), false);
+    }
+  }
+  read->set = reader.Take();
+  return read;
+}
+
 std::shared_ptr<const ReadNavigation> SharedNavigation::Get() {
   const std::lock_guard<std::mutex> lock(mutex_);
   if (read_) return read_;

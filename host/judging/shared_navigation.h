@@ -1,4 +1,5 @@
-// The navigation files named for a run: read once, whatever the number of observation files they serve.
+// Navigation files of a run: those named are read once, whatever the number of observation files they serve;
+// those found beside an observation file are read for it alone.
 #ifndef ORSOLVA_JUDGING_SHARED_NAVIGATION_H
 #define ORSOLVA_JUDGING_SHARED_NAVIGATION_H
 
@@ -12,16 +13,24 @@
 #include "host/rinex/byte_source.h"
 #include "host/rinex/diagnostics.h"
 #include "host/rinex/navigation_set.h"
+#include "orsolva/records.h"
 
 namespace orsolva_host {
 
-/// The records of some files, and what their reader said.
+/// The records of some files, with the notices of their reader.
 struct ReadNavigation {
   std::vector<std::string> files;
   NavigationSet set;
   Diagnostics notices;
   std::optional<FileError> failure;  ///< what ended reading; the set is empty then
 };
+
+/// Reads the navigation files that lie beside an observation file, with a notice for each. One that cannot be
+/// read is passed over with a notice when others of its day are there.
+/// @return without files when none fits
+std::shared_ptr<const ReadNavigation> ReadNavigationBeside(const std::string& observation_file,
+                                                           const Time_gbt& first_epoch,
+                                                           const InputLimits& limits);
 
 class SharedNavigation {
  public:
@@ -32,8 +41,8 @@ class SharedNavigation {
   /// Whether none is named.
   bool Empty() const { return named_.empty(); }
 
-  /// Reads the files when asked first; never null. May be called from several threads: what it gives is not
-  /// changed any more.
+  /// Reads the files at the first call; never null. May be called from several threads: what it returns does
+  /// not change any more.
   std::shared_ptr<const ReadNavigation> Get();
 
  private:

@@ -7,24 +7,24 @@
 namespace orsolva_host {
 namespace {
 
-volatile std::sig_atomic_t noted = 0;
+volatile std::sig_atomic_t recorded = 0;
 
-extern "C" void NoteSignal(int signal) {
-  noted = signal;
+extern "C" void RecordSignal(int signal) {
+  recorded = signal;
   std::signal(signal, SIG_DFL);
 }
 
 }  // namespace
 
-void NoteInterrupts() {
-  std::signal(SIGINT, NoteSignal);
-  std::signal(SIGTERM, NoteSignal);
+void RecordInterrupts() {
+  std::signal(SIGINT, RecordSignal);
+  std::signal(SIGTERM, RecordSignal);
   IgnoreSignalsOfWriting();
 }
 
 int InterruptExitCode() {
   constexpr int kOfShells = 128;
-  return noted == 0 ? 0 : kOfShells + noted;
+  return recorded == 0 ? 0 : kOfShells + recorded;
 }
 
 }  // namespace orsolva_host

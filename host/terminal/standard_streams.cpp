@@ -2,8 +2,6 @@
 
 #include <cstdio>
 #include <iostream>
-#include <new>
-#include <system_error>
 
 namespace orsolva_host {
 
@@ -18,16 +16,6 @@ void PrintError(const std::string& text) {
     if ((static_cast<unsigned char>(c) < ' ' && c != '\n') || c == '\x7f') c = '?';
   }
   std::fprintf(stderr, "%s\n", printed.c_str());
-}
-
-std::string TextOf(const std::exception& error) {
-  if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr) {
-    return "there is not enough memory. Judge fewer files at the same time (--jobs 1), or shorter ones.";
-  }
-  if (dynamic_cast<const std::system_error*>(&error) != nullptr) {
-    return std::string("the system refused what the run needs: ") + error.what() + ".";
-  }
-  return error.what();
 }
 
 }  // namespace orsolva_host

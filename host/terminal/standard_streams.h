@@ -1,8 +1,7 @@
-// What the commands say on standard output and error beside their reports.
+// Standard output and standard error of the commands.
 #ifndef ORSOLVA_TERMINAL_STANDARD_STREAMS_H
 #define ORSOLVA_TERMINAL_STANDARD_STREAMS_H
 
-#include <exception>
 #include <string>
 
 namespace orsolva_host {
@@ -10,11 +9,8 @@ namespace orsolva_host {
 /// @return whether all that was printed to standard output has arrived
 bool FlushStandardOutput();
 
-/// "orsolva: TEXT" on standard error. Control characters, which file names may hold, come as '?'.
+/// "orsolva: TEXT" on standard error. Control characters, which file names may hold, are printed as '?'.
 void PrintError(const std::string& text);
-
-/// What went wrong, in words for people.
-std::string TextOf(const std::exception& error);
 
 }  // namespace orsolva_host
 

@@ -4,7 +4,7 @@
 usage: structure_test.py ROOT
 
 Fails when an include of the library points upward or in a circle, when host/ includes more of the library than its
-interface or one of its folders more than those below it, when a folder other than host/cli includes the argument
+interface or one of its folders more than those below it, when more than one file includes the argument
 parser, when an include path leaves its root with "..", when a floor below names no file, when a class of the library
 has no virtual destructor, when CMake is not given a source, or when ARCHITECTURE.md names a path, in its text or in a
 drawing, that is not there.
@@ -39,11 +39,12 @@ HOST_BELOW = {
     "cli": {"platform", "output", "rinex", "report", "simulator", "judging", "terminal"},
 }
 # Below these, every source is named in a CMakeLists.txt.
-LISTED = ["bench", "fuzz", "host/analysis", "host/judging", "host/observation", "host/output", "host/platform", "host/report",
-          "host/rinex", "host/simulator", "host/terminal", "library"]
+LISTED = ["bench", "fuzz", "host/analysis", "host/cli", "host/judging", "host/observation", "host/output",
+          "host/platform", "host/report", "host/rinex", "host/simulator", "host/terminal", "library"]
 # Of the library the host sees its interface, and this table of plain numbers, which must stand once.
 LIBRARY_TABLES = {"toolkit/leap_seconds.h"}
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.M)
+PARSING_FILE = "host/cli/command_line.cpp"
 ARGUMENT_PARSER = re.compile(r"^\s*#\s*include\s*<CLI/", re.M)
 CLASS = re.compile(r"^(?:template <.*>\n)?class (\w+)( : public [\w:]+)? \{", re.M)
 DRAWING = re.compile(r"^```\n(.*?)^```", re.M | re.S)
@@ -130,7 +131,7 @@ def check_host(root, problems):
         if folder not in HOST_BELOW:
             problems.append(f"{name}: host/{folder} is on no floor")
             continue
-        if folder != "cli" and ARGUMENT_PARSER.search(file.read_text(encoding="utf-8")):
+        if name != PARSING_FILE and ARGUMENT_PARSER.search(file.read_text(encoding="utf-8")):
             problems.append(f"{name}: includes the argument parser")
         for include in includes_of(file):
             parts = include.split("/")

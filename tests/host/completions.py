@@ -27,7 +27,7 @@ QUESTIONS = [
     ("orsolva qc --color al", "qc --color always"),
     ("orsolva qc station.r", "qc station.rnx"),
     ("orsolva qc --detail station.r", "qc --detail station.rnx"),
-    ("orsolva explain mp_r", "explain mp_rms_m"),
+    ("orsolva explain mp_rm", "explain mp_rms_m"),
     ("orsolva completion z", "completion zsh"),
     ("orsolva simulate --pres", "simulate --preset"),
 ]

@@ -165,7 +165,7 @@ class ReadErrors(Faults):
         finally:
             os.close(master)
             writer.join()
-        self.assert_fails(answer, "Input/output error", "The report covers what stands before")
+        self.assert_fails(answer, "Input/output error", "The report covers what was read before")
         run = json.loads(answer[1])["run"]
         self.assertGreater(run["epochs"], 100)
         self.assertLess(run["epochs"], 900)
@@ -178,7 +178,7 @@ class ReadErrors(Faults):
             path = self.folder / "SEPT078M.21O.gz"
             path.write_bytes(data)
             answer = self.run_program("qc", path, self.navigation, "--json")
-            self.assert_fails(answer, str(path), f"{name} compressed data", "covers what stands before")
+            self.assert_fails(answer, str(path), f"{name} compressed data", "covers what was read before")
             report = json.loads(answer[1])
             self.assertGreater(report["run"]["epochs"], 100)
             self.assertLess(report["run"]["epochs"], 900)
@@ -256,7 +256,7 @@ class Streams(Faults):
         self.assertIn("figure", heading)
         self.assertEqual(code, "1", done.stderr)
         self.assertIn("Broken pipe", done.stderr)
-        self.assertEqual(done.stderr.count("\n"), 1 + done.stderr.count("judged"), done.stderr)
+        self.assertEqual(done.stderr.count("\n"), 1 + done.stderr.count(": processed"), done.stderr)
 
     def test_a_closed_standard_output_is_no_place_for_the_next_file(self):
         good, closed = self.folder / "good.csv", self.folder / "closed.csv"

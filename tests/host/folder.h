@@ -31,9 +31,10 @@ class Folder {
   Folder& operator=(const Folder&) = delete;
   std::string operator/(const std::string& name) const { return path_ + "/" + name; }
   const std::string& Path() const { return path_; }
-  std::set<std::string> Names() const {
+  std::set<std::string> Names() const { return NamesIn(path_); }
+  static std::set<std::string> NamesIn(const std::string& path) {
     std::set<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(path_))
+    for (const auto& entry : std::filesystem::directory_iterator(path))
       names.insert(entry.path().filename().string());
     return names;
   }

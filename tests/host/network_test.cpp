@@ -103,7 +103,7 @@ TEST(NetworkHtml, HoldsARowAFileInTheOrderGivenAndNullForWhatFailedOnesLack) {
 TEST(NetworkHtml, AFileJudgedToItsDamageHasItsErrorItsFiguresAndItsPage) {
   NetworkRow row = RowOf(orsolva_test::SampleReport());
   row.page = "one.html";
-  row.error = "damaged. The report covers what stands before.";
+  row.error = "damaged. The report covers what was read before it.";
   const nlohmann::json told = DataOf(NetworkHtml({row}, {"V1", ""}, "index.html"))["rows"][0];
   EXPECT_EQ(told["state"], "ERROR");
   EXPECT_EQ(told["page"], "one.html");

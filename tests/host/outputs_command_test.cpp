@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/judging/output_plan.h"
+#include "host/judging/output_settings.h"
 #include "tests/host/folder.h"
 #include "tests/host/program.h"
 
@@ -41,7 +41,7 @@ TEST(Outputs, ThatCannotBeWrittenFailTheRunAndLeaveNothing) {
   EXPECT_TRUE(out.Names().empty());
 }
 
-TEST(Outputs, ColoursStandOnlyOnTerminalsUnlessAskedFor) {
+TEST(Outputs, ColoursAreForTerminalsUnlessAskedFor) {
   ORSOLVA_NEED_FILE(Quarter());
   EXPECT_EQ(Orsolva("qc --no-config " + Quarter()).out.find('\033'), std::string::npos);
   EXPECT_NE(Orsolva("qc --no-config --color always " + Quarter()).out.find('\033'), std::string::npos);

@@ -1,0 +1,122 @@
+#include "host/cli/check_files.h"
+
+#include <chrono>
+#include <cstdlib>
+#include <exception>
+#include <memory>
+
+#include "host/cli/console.h"
+#include "host/cli/exit_codes.h"
+#include "host/cli/request_check.h"
+#include "host/judging/inputs.h"
+#include "host/judging/judging_pool.h"
+#include "host/judging/report_sinks.h"
+#include "host/judging/run_error.h"
+#include "host/output/whole_file.h"
+#include "host/report/profile.h"
+#include "host/terminal/appearance.h"
+#include "host/terminal/interrupt.h"
+#include "host/terminal/standard_streams.h"
+
+namespace orsolva_host {
+namespace {
+
+/// What the exit code depends on.
+struct Tally {
+  bool failed = false;
+  bool verdict_failed = false;
+
+  void Add(const FileOutcome& outcome) {
+    failed = failed || !outcome.error.empty() || !outcome.report;
+    if (outcome.report && outcome.report->verdict)
+      verdict_failed = verdict_failed || !outcome.report->verdict->passed;
+  }
+  int ExitCode() const {
+    if (failed) return kRunFailed;
+    return verdict_failed ? kVerdictFailed : kGood;
+  }
+};
+
+/// Fills in what depends on the terminal and on the profile.
+void CompleteSettings(QcRequest& request) {
+  if (!request.profile.empty()) {
+    request.settings.profile = LoadProfile(request.profile);
+    request.outputs.profile_title = request.settings.profile->title;
+  }
+  request.outputs.style.colour = UseColours(request.color);
+  request.outputs.style.width = TextWidth(request.width);
+}
+
+/// Waits for the end of a file and shows the progress meanwhile. @return false when the user interrupts
+bool Await(JudgingPool& pool, std::size_t file, Console& console) {
+  constexpr std::chrono::milliseconds kTick(100);
+  while (!pool.Wait(file, kTick)) {
+    if (InterruptExitCode() != 0) return false;
+    console.ShowProgress(pool.Progress());
+  }
+  return InterruptExitCode() == 0;
+}
+
+/// After an interrupt a run may wait for input that never comes, such as a pipe nobody writes to. Then the
+/// program ends without it.
+void LeaveIfStuck(JudgingPool& pool, Console& console) {
+  constexpr std::chrono::milliseconds kPatience(2000);
+  pool.Cancel();
+  console.Clear();
+  if (pool.WaitForEnd(kPatience)) return;
+  RemoveUnfinishedFiles();
+  std::_Exit(InterruptExitCode());
+}
+
+int ProcessFiles(const QcRequest& request, const RunInputs& inputs) {
+  const std::vector<std::string>& files = inputs.observations;
+  Console console(files, request.outputs.quiet, request.verbose);
+  ReportSinks sinks(request.outputs, files);
+  const PoolOptions options{request.jobs, console.ShowsProgress(),
+                            [&sinks](std::size_t file) { return sinks.HooksOf(file); }};
+  JudgingPool pool(files, request.settings, inputs.navigation, options);
+  Tally tally;
+  for (std::size_t file = 0; file < files.size(); ++file) {
+    if (!Await(pool, file, console)) {
+      LeaveIfStuck(pool, console);
+      return InterruptExitCode();
+    }
+    const FileOutcome outcome = pool.Take(file);
+    console.LogResult(file, outcome);
+    sinks.Add(file, outcome);
+    tally.Add(outcome);
+  }
+  console.Clear();
+  sinks.Finish();
+  return tally.ExitCode();
+}
+
+int Run(QcRequest& request) {
+  const RunInputs inputs = InputsOf(request.paths, request.navigation);
+  if (inputs.observations.empty()) {
+    throw RunError(
+        "no observation file among the arguments, only navigation files: name what is to be checked.");
+  }
+  ValidateRequest(request, inputs);
+  RecordInterrupts();
+  CompleteSettings(request);
+  return ProcessFiles(request, inputs);
+}
+
+}  // namespace
+
+int CheckFiles(QcRequest& request) {
+  try {
+    return Run(request);
+  } catch (const ValidationError& error) {
+    PrintError(error.what());
+  } catch (const ProfileError& error) {
+    PrintError(error.what());
+  } catch (const std::exception& error) {
+    PrintError(ErrorText(error));
+    return kRunFailed;
+  }
+  return kWrongUsage;
+}
+
+}  // namespace orsolva_host

@@ -1,0 +1,67 @@
+#include "host/cli/console.h"
+
+#include <cstdio>
+#include <filesystem>
+
+#include "host/rinex/diagnostics.h"
+#include "host/terminal/progress_line.h"
+#include "host/terminal/standard_streams.h"
+
+namespace orsolva_host {
+namespace {
+
+std::uint64_t SizeOf(const std::vector<std::string>& files) {
+  std::uint64_t bytes = 0;
+  for (const std::string& file : files) {
+    std::error_code ignored;
+    const auto size = std::filesystem::file_size(file, ignored);
+    if (!ignored) bytes += size;
+  }
+  return bytes;
+}
+
+void LogDetails(const Report& report) {
+  for (const std::string& navigation : report.run.navigation_files) {
+    std::fprintf(stderr, "  navigation: %s\n", Printable(navigation).c_str());
+  }
+  for (const ReportNotice& n : report.notices) {
+    std::fprintf(stderr, "  notice: %s:%ld: %s (%ld)\n", Printable(n.file).c_str(), n.line, n.text.c_str(),
+                 n.count);
+  }
+}
+
+}  // namespace
+
+Console::Console(const std::vector<std::string>& files, bool quiet, bool verbose)
+    : files_(files), quiet_(quiet), verbose_(verbose), status_(!quiet) {
+  if (status_.Visible()) bytes_of_ = SizeOf(files);
+}
+
+void Console::ShowProgress(const PoolProgress& progress) {
+  if (!status_.Visible()) return;
+  ProgressState state;
+  state.files = files_.size();
+  state.files_done = progress.files_done;
+  state.epochs = progress.epochs;
+  state.bytes = progress.bytes;
+  state.bytes_of = bytes_of_;
+  state.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - begin_).count();
+  status_.Show(ProgressLine(state));
+}
+
+void Console::LogResult(std::size_t file, const FileOutcome& outcome) {
+  if (outcome.stopped) return;
+  status_.Clear();
+  if (!outcome.error.empty()) PrintError(outcome.error);
+  if (quiet_) return;
+  if (files_.size() > 1 || verbose_) {
+    const char* state = outcome.report ? "processed" : "failed";
+    const bool graded = outcome.report && outcome.report->verdict;
+    const std::string grade = graded ? ", " + Printable(outcome.report->verdict->grade) : "";
+    std::fprintf(stderr, "[%zu/%zu] %s: %s%s\n", file + 1, files_.size(), Printable(files_[file]).c_str(),
+                 state, grade.c_str());
+  }
+  if (verbose_ && outcome.report) LogDetails(*outcome.report);
+}
+
+}  // namespace orsolva_host

@@ -1,0 +1,38 @@
+// What a run over files says on standard error: progress, and a line per finished file.
+#ifndef ORSOLVA_CLI_CONSOLE_H
+#define ORSOLVA_CLI_CONSOLE_H
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "host/judging/judging_pool.h"
+#include "host/terminal/status_line.h"
+
+namespace orsolva_host {
+
+class Console {
+ public:
+  /// @param files  must outlive the console
+  Console(const std::vector<std::string>& files, bool quiet, bool verbose);
+
+  bool ShowsProgress() const { return status_.Visible(); }
+  void ShowProgress(const PoolProgress& progress);
+  void LogResult(std::size_t file, const FileOutcome& outcome);
+  /// Wipes the progress.
+  void Clear() { status_.Clear(); }
+
+ private:
+  const std::vector<std::string>& files_;
+  bool quiet_;
+  bool verbose_;
+  StatusLine status_;
+  std::uint64_t bytes_of_ = 0;
+  std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
+};
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_CLI_CONSOLE_H

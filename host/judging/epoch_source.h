@@ -1,0 +1,40 @@
+// Where the epochs of a run come from. Files in RINEX are one kind of source; other formats and live streams
+// are further ones, which judging takes without a change.
+#ifndef ORSOLVA_JUDGING_EPOCH_SOURCE_H
+#define ORSOLVA_JUDGING_EPOCH_SOURCE_H
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "host/judging/run_monitor.h"
+#include "host/judging/settings.h"
+#include "host/rinex/diagnostics.h"
+#include "host/rinex/observation_header.h"
+#include "orsolva/records.h"
+
+namespace orsolva_host {
+
+class EpochSource {
+ public:
+  virtual ~EpochSource() = default;
+  /// What messages and the report call the data; navigation files are looked for beside it.
+  virtual const std::string& Name() const = 0;
+  /// Marker, receiver, antenna, position and interval, as far as they are known before the first epoch.
+  virtual const ObservationHeader& Header() const = 0;
+  /// Fills the next epoch. @return false at the end of the data
+  /// @throws FileError when nothing can be read before the first epoch
+  virtual bool Next(ObsEpoch_QC_gbt& epoch) = 0;
+  /// Why the data ended early; absent when they did not.
+  virtual const std::optional<FileError>& Failure() const = 0;
+};
+
+/// A RINEX observation file, compressed or not; "-" is standard input.
+/// @param monitor  one that counts bytes is given those of a regular file as they are read; may be null
+/// @throws FileError
+std::unique_ptr<EpochSource> OpenObservations(const std::string& path, const JudgingSettings& settings,
+                                              Diagnostics& diagnostics, RunMonitor* monitor = nullptr);
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_JUDGING_EPOCH_SOURCE_H

@@ -1,0 +1,27 @@
+// Which observation files a run judges, and which navigation files go with them.
+#ifndef ORSOLVA_JUDGING_INPUTS_H
+#define ORSOLVA_JUDGING_INPUTS_H
+
+#include <string>
+#include <vector>
+
+namespace orsolva_host {
+
+struct RunInputs {
+  std::vector<std::string> observations;
+  /// For every observation file; empty: those beside it are looked for.
+  std::vector<std::string> navigation;
+};
+
+/// Sorts paths into observations and navigation by what the files hold, in any order.
+///
+/// Patterns with * ? [ that name no file themselves are replaced by the files they match. A folder is
+/// replaced by the observation files in it; by its navigation files when it holds no observations, or follows
+/// a named observation file. A name that does not exist counts as an observation file when it looks like one
+/// or is the first, else as a navigation file.
+/// @param navigation  further navigation files and folders
+RunInputs InputsOf(const std::vector<std::string>& paths, const std::vector<std::string>& navigation);
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_JUDGING_INPUTS_H

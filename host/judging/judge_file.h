@@ -1,0 +1,43 @@
+// One observation file, or any other source of epochs, through the library to a report. This is the way in
+// for programs that are not the command: it reads no arguments and writes nothing.
+//
+//   SharedNavigation navigation({"brdc.rnx"}, settings.limits);
+//   Diagnostics diagnostics;
+//   const Report report = JudgeFile("station.crx.gz", settings, navigation, diagnostics);
+#ifndef ORSOLVA_JUDGING_JUDGE_FILE_H
+#define ORSOLVA_JUDGING_JUDGE_FILE_H
+
+#include <string>
+
+#include "host/judging/epoch_source.h"
+#include "host/judging/run_error.h"
+#include "host/judging/run_monitor.h"
+#include "host/judging/settings.h"
+#include "host/judging/shared_navigation.h"
+#include "host/report/detail_sink.h"
+#include "host/report/report.h"
+#include "host/rinex/diagnostics.h"
+
+namespace orsolva_host {
+
+/// What takes part in one run; each may be null.
+struct RunObservers {
+  DetailSink* detail = nullptr;   ///< notified of every epoch while the run goes on
+  RunMonitor* monitor = nullptr;  ///< counts, and may cancel the run
+};
+
+/// Takes the epochs through the library in batches of 2,880; the first batch decides which signals are
+/// judged. With settings.profile the report has a verdict.
+/// @param navigation   the files named; with none, those beside the source are looked for
+/// @param diagnostics  those of the source; all notices of the run are added
+/// @throws FileError, RunError, Stopped, and what the sink throws
+Report JudgeEpochs(EpochSource& source, const JudgingSettings& settings, SharedNavigation& navigation,
+                   Diagnostics& diagnostics, const RunObservers& observers = {});
+
+/// The same for an observation file; "-" is standard input.
+Report JudgeFile(const std::string& observation_file, const JudgingSettings& settings,
+                 SharedNavigation& navigation, Diagnostics& diagnostics, const RunObservers& observers = {});
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_JUDGING_JUDGE_FILE_H

@@ -1,0 +1,86 @@
+#include "host/judging/judging_pool.h"
+
+#include <fmt/format.h>
+
+#include <exception>
+#include <utility>
+
+#include "host/judging/judge_file.h"
+#include "host/judging/run_error.h"
+#include "host/output/byte_sink.h"
+
+namespace orsolva_host {
+namespace {
+
+/// An error with the notices about lost data, which often explain it.
+std::string WithUnrepaired(const std::string& what, const Diagnostics& diagnostics) {
+  std::string text = what;
+  for (const Notice& n : diagnostics.Notices()) {
+    if (!n.recovered) text += fmt::format("\n  {}:{}: {} ({})", n.file, n.line, n.text, n.count);
+  }
+  return text;
+}
+
+}  // namespace
+
+JudgingPool::JudgingPool(std::vector<std::string> files, JudgingSettings settings,
+                         std::vector<std::string> navigation, PoolOptions options)
+    : files_(std::move(files)),
+      settings_(std::move(settings)),
+      navigation_(std::move(navigation), settings_.limits),
+      options_(std::move(options)),
+      monitor_{.count_bytes = options_.count_bytes},
+      outcomes_(files_.size()),
+      pool_(files_.size(), ThreadsFor(options_.threads, files_.size()),
+            [this](std::size_t file) { ProcessFile(file); }) {}
+
+/// Called from any thread.
+void JudgingPool::ProcessFile(std::size_t file) {
+  FileOutcome& outcome = outcomes_[file];
+  Diagnostics diagnostics;
+  try {
+    const std::unique_ptr<FileHooks> hooks = options_.hooks ? options_.hooks(file) : nullptr;
+    const RunObservers observers{hooks ? hooks->Detail() : nullptr, &monitor_};
+    Report report = JudgeFile(files_[file], settings_, navigation_, diagnostics, observers);
+    if (hooks) hooks->Finish(report);
+    if (!report.read_error.empty()) {
+      outcome.error = report.read_error + " The report covers what was read before it.";
+    }
+    outcome.report = std::move(report);
+  } catch (const Stopped&) {
+    outcome.stopped = true;
+  } catch (const WriteError& error) {
+    outcome.error = error.what();
+  } catch (const std::exception& error) {
+    outcome.error = WithUnrepaired(ErrorText(error), diagnostics);
+  }
+}
+
+bool JudgingPool::Wait(std::size_t file, std::chrono::milliseconds longest) {
+  try {
+    return pool_.Wait(file, longest);
+  } catch (const std::exception& error) {
+    // Even the error could not be kept, as may happen without memory.
+    outcomes_[file] = {std::nullopt, ErrorText(error), false};
+    return true;
+  }
+}
+
+FileOutcome JudgingPool::Take(std::size_t file) {
+  constexpr std::chrono::hours kStep(1);
+  while (!Wait(file, kStep)) {
+  }
+  return std::exchange(outcomes_[file], {});
+}
+
+void JudgingPool::Cancel() {
+  monitor_.stop.store(true);
+  pool_.Stop();
+}
+
+PoolProgress JudgingPool::Progress() {
+  return {pool_.Done(), monitor_.epochs.load(std::memory_order_relaxed),
+          monitor_.bytes.load(std::memory_order_relaxed)};
+}
+
+}  // namespace orsolva_host

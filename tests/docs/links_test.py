@@ -11,7 +11,7 @@ import pathlib
 import re
 import sys
 
-TOPS = ("library", "host", "tests", "docs", "scripts", "bench", "fuzz", "examples", "cmake", "python")
+TOPS = ("library", "host", "tests", "docs", "scripts", "bench", "fuzz", "examples", "cmake", "packaging")
 SUFFIXES = {".h", ".hpp", ".c", ".cpp", ".py", ".sh", ".ts", ".md", ".txt", ".cmake", ".json", ".in", ".toml"}
 # Headers of the first release, kept as they were.
 KEPT = "tests/abi/reference/"

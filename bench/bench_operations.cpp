@@ -40,7 +40,7 @@ void Orbit(benchmark::State& state) {
   std::int64_t k = 0;
   for (auto _ : state) {
     gnssqctoolkit::EphemerisChoice choice;
-    sky.Stores.Select(satellite, sky.Time(k), choice);
+    sky.Stores.Select(satellite, sky.Time(k), gnssqctoolkit::kDefaultMaxAges, choice);
     sky.Stores.SatellitePosition(choice, sky.Time(k++), 2.3e7, found);
     benchmark::DoNotOptimize(found);
   }
@@ -54,7 +54,7 @@ void Selection(benchmark::State& state) {
   std::int64_t k = 0;
   for (auto _ : state) {
     gnssqctoolkit::EphemerisChoice choice;
-    sky.Stores.Select(satellite, sky.Time(k++), choice);
+    sky.Stores.Select(satellite, sky.Time(k++), gnssqctoolkit::kDefaultMaxAges, choice);
     benchmark::DoNotOptimize(choice);
   }
 }

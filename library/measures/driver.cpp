@@ -221,7 +221,7 @@ void IonSlipAndMultipath::Impl::MeasureSatellite(const StoredSatellite& stored, 
   geometry.Choice = gnssqctoolkit::EphemerisChoice();
   const double pseudorange = FirstPseudorange(observations, stored.Count);
   geometry.HasPosition =
-      geometry.Records->Select(satellite.Id, epoch, geometry.Choice) && pseudorange > 0.0 &&
+      geometry.Records->Select(satellite.Id, epoch, gnssqctoolkit::kPassMaxAges, geometry.Choice) && pseudorange > 0.0 &&
       geometry.Records->SatellitePosition(geometry.Choice, epoch, pseudorange, geometry.Satellite);
   for (PairState& pair : satellite.Pairs) {
     const CodeObservation* code = Find(observations, stored.Count, pair.Code);
@@ -302,9 +302,8 @@ void IonSlipAndMultipath::AddSatelliteEpoch(int number, const QcEpochData& epoch
 }
 
 bool IonSlipAndMultipath::ProcessAllEpochs(const double station_position[3],
-                                           gnssqctoolkit::Ephemeris& ephemeris, double interval,
+                                           const gnssqctoolkit::Ephemeris& ephemeris, double interval,
                                            QcDetailObserver* observer) {
-  ephemeris.SetPassMaxAges();
   EpochStore& store = impl_->Store;
   store.Arrange();
   impl_->MeetPairs();

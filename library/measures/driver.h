@@ -47,7 +47,7 @@ class IonSlipAndMultipath {
   /// @param interval  s, step of the common-mode sum
   /// @param observer  may be null
   /// @return false when the run holds fewer than two epochs
-  bool ProcessAllEpochs(const double station_position[3], gnssqctoolkit::Ephemeris& ephemeris,
+  bool ProcessAllEpochs(const double station_position[3], const gnssqctoolkit::Ephemeris& ephemeris,
                         double interval, QcDetailObserver* observer);
 
   /// Drops the epochs that no pass has taken, as a batch that ended in an error leaves them. A lone first

@@ -9,16 +9,14 @@ namespace gnssqctoolkit {
 namespace {
 
 constexpr std::int32_t kUnknownChannel = -999;
-constexpr double kPassMaxAge = 7200.0;         // s
-constexpr double kPassMaxAgeGlonass = 1800.0;  // s
 // More than the shift from GPS to BDS time, s.
 constexpr double kBdsShiftMargin = 100.0;
 
 template <class Traits>
 bool SelectFrom(const SystemEphemeris<Traits>& store, const SatelliteId& satellite, const AbsoluteTime& time,
-                EphemerisChoice& choice) {
+                double max_age_s, EphemerisChoice& choice) {
   AbsoluteTime reference;
-  const auto* record = store.Find(satellite, Traits::StoreTime(time), -1, reference);
+  const auto* record = store.Find(satellite, Traits::StoreTime(time), -1, max_age_s, reference);
   if (record == nullptr) return false;
   choice.Satellite = satellite;
   choice.Record = record;
@@ -54,31 +52,30 @@ bool WithStore(const Owner& owner, int system, Use use) {
 
 }  // namespace
 
+double AgeOf(const MaxAges& ages, int system) {
+  switch (system) {
+    case kGlonass:
+      return ages.Glonass;
+    case kBds:
+      return ages.Bds;
+    case kGalileo:
+      return ages.Galileo;
+    default:
+      return ages.Gps;
+  }
+}
+
 Ephemeris::Ephemeris() : qzss_(kQzss) {
   for (std::int32_t& channel : glonass_channels_) channel = kUnknownChannel;
 }
 
-void Ephemeris::SetDefaultMaxAges() {
-  gps_.SetMaxAge(GpsTraits::kDefaultMaxAge);
-  glonass_.SetMaxAge(GlonassTraits::kDefaultMaxAge);
-  bds_.SetMaxAge(BdsTraits::kDefaultMaxAge);
-  galileo_.SetMaxAge(GalileoTraits::kDefaultMaxAge);
-  qzss_.SetMaxAge(GpsTraits::kDefaultMaxAge);
-}
-
-void Ephemeris::SetPassMaxAges() {
-  gps_.SetMaxAge(kPassMaxAge);
-  glonass_.SetMaxAge(kPassMaxAgeGlonass);
-  bds_.SetMaxAge(kPassMaxAge);
-  galileo_.SetMaxAge(kPassMaxAge);
-  qzss_.SetMaxAge(kPassMaxAge);
-}
-
-bool Ephemeris::Select(const SatelliteId& satellite, const AbsoluteTime& time,
+bool Ephemeris::Select(const SatelliteId& satellite, const AbsoluteTime& time, const MaxAges& ages,
                        EphemerisChoice& choice) const {
   choice = EphemerisChoice{};
-  return WithStore(*this, satellite.system,
-                   [&](const auto& store) { return SelectFrom(store, satellite, time, choice); });
+  const double max_age_s = AgeOf(ages, satellite.system);
+  return WithStore(*this, satellite.system, [&](const auto& store) {
+    return SelectFrom(store, satellite, time, max_age_s, choice);
+  });
 }
 
 bool Ephemeris::SatellitePosition(const SatelliteId& satellite, const AbsoluteTime& reception,

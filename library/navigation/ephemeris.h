@@ -20,6 +20,22 @@ struct EphemerisChoice {
   AbsoluteTime Reference;        ///< reference epoch of the record, in the record's own scale; zero = none
 };
 
+/// Largest ages of the records that are selected, s, of QZSS as of GPS.
+struct MaxAges {
+  double Gps = 0.0;
+  double Glonass = 0.0;
+  double Bds = 0.0;
+  double Galileo = 0.0;
+};
+/// Ages of elevations and positioning, which are those of the stores.
+inline constexpr MaxAges kDefaultMaxAges = {GpsTraits::kDefaultMaxAge, GlonassTraits::kDefaultMaxAge,
+                                            BdsTraits::kDefaultMaxAge, GalileoTraits::kDefaultMaxAge};
+/// Ages of the pass of the measures.
+inline constexpr MaxAges kPassMaxAges = {7200.0, 1800.0, 7200.0, 7200.0};
+
+/// The age of a system.
+double AgeOf(const MaxAges& ages, int system);
+
 /// Stores of all systems. QZSS has a store of its own in the GPS form.
 class Ephemeris {
  public:
@@ -37,15 +53,10 @@ class Ephemeris {
   const SystemEphemerisGALILEO& Galileo() const { return galileo_; }
   const SystemEphemerisGPS& Qzss() const { return qzss_; }
 
-  /// Ages with which elevations and positioning select: GPS and QZSS 7200 s, GLONASS 1800 s, BDS and
-  /// Galileo 21600 s.
-  void SetDefaultMaxAges();
-  /// Ages of the pass of the measures: 7200 s, GLONASS 1800 s.
-  void SetPassMaxAges();
-
   /// The record for a satellite at an epoch (GPS time), by the rule of the system's store.
-  /// @return false, with an empty choice, when there is none
-  bool Select(const SatelliteId& satellite, const AbsoluteTime& time, EphemerisChoice& choice) const;
+  /// @return false, with an empty choice, when there is none within the age
+  bool Select(const SatelliteId& satellite, const AbsoluteTime& time, const MaxAges& ages,
+              EphemerisChoice& choice) const;
 
   /// Position and clock at transmission time with the record selected for the reception time.
   /// @param pseudorange  m; one of magnitude below 1e-12 fails

@@ -67,21 +67,21 @@ void SatelliteEphemeris<Traits>::Release() {
 }
 
 template <class Traits>
-int SatelliteEphemeris<Traits>::ChooseIssue(const AbsoluteTime& t, std::int32_t prn,
-                                            std::int32_t iode) const {
+int SatelliteEphemeris<Traits>::ChooseIssue(const AbsoluteTime& t, std::int32_t prn, std::int32_t iode,
+                                            double max_age_s) const {
   if constexpr (Traits::kHasIode) {
     for (std::size_t i = 0; i < records_.size(); ++i) {
       if (records_[i].prn != prn || records_[i].iode != iode) continue;
-      if (YoungEnough(std::fabs(TimeDifference(t, Reference(static_cast<int>(i))))))
-        return static_cast<int>(i);
+      if (std::fabs(TimeDifference(t, Reference(static_cast<int>(i)))) <= max_age_s) return static_cast<int>(i);
     }
   }
   return -1;
 }
 
 template <class Traits>
-int SatelliteEphemeris<Traits>::Choose(const AbsoluteTime& t, std::int32_t prn, std::int32_t iode) const {
-  if (Traits::kHasIode && iode >= 0) return ChooseIssue(t, prn, iode);
+int SatelliteEphemeris<Traits>::Choose(const AbsoluteTime& t, std::int32_t prn, std::int32_t iode,
+                                       double max_age_s) const {
+  if (Traits::kHasIode && iode >= 0) return ChooseIssue(t, prn, iode, max_age_s);
   if (records_.empty() || records_.front().prn != prn) return -1;
   // Twice the time between two epochs is what the lead can shrink by.
   const bool still_nearest =
@@ -91,7 +91,8 @@ int SatelliteEphemeris<Traits>::Choose(const AbsoluteTime& t, std::int32_t prn, 
     nearest_.Index = references_.Nearest(t, nearest_.Lead);
   }
   if (nearest_.Index < 0) return -1;
-  return YoungEnough(std::fabs(TimeDifference(t, Reference(nearest_.Index)))) ? nearest_.Index : -1;
+  // An age that is not a number is none.
+  return std::fabs(TimeDifference(t, Reference(nearest_.Index))) <= max_age_s ? nearest_.Index : -1;
 }
 
 template <class Traits>
@@ -138,10 +139,11 @@ const SatelliteEphemeris<Traits>* SystemEphemeris<Traits>::Satellite(const Satel
 template <class Traits>
 const typename Traits::Record* SystemEphemeris<Traits>::Find(const SatelliteId& satellite,
                                                              const AbsoluteTime& t, std::int32_t iode,
+                                                             double max_age_s,
                                                              AbsoluteTime& reference) const {
   if (satellite.system != system_) return nullptr;
   const SatelliteEphemeris<Traits>* store = Satellite(satellite);
-  const int chosen = store == nullptr ? -1 : store->Choose(Traits::RecordTime(t), satellite.prn, iode);
+  const int chosen = store == nullptr ? -1 : store->Choose(Traits::RecordTime(t), satellite.prn, iode, max_age_s);
   // Kept for compatibility: a request by issue of data is reported as missing even when it was met.
   if ((chosen < 0 || iode >= 0) && TraceEnabled()) Traits::TraceMissing(GNSSTime(t), satellite, iode);
   if (chosen < 0) return nullptr;

@@ -48,7 +48,11 @@ class SatelliteEphemeris {
   /// Index of the record for a time in the scale of the reference times, -1 for none.
   /// With an issue of data of 0 or more the first record of that issue within the age, else the record
   /// nearest in time, the later stored of two equally near.
-  int Choose(const AbsoluteTime& t, std::int32_t prn, std::int32_t iode) const;
+  int Choose(const AbsoluteTime& t, std::int32_t prn, std::int32_t iode) const {
+    return Choose(t, prn, iode, max_age_s_);
+  }
+  /// The same with another maximum age, s.
+  int Choose(const AbsoluteTime& t, std::int32_t prn, std::int32_t iode, double max_age_s) const;
   const AbsoluteTime& Reference(int i) const { return references_.At(i); }
   /// For how long before and after t record i, chosen for it, surely stays the choice, and a bound of its
   /// speed holds.
@@ -75,8 +79,7 @@ class SatelliteEphemeris {
     int Index = -1;
     double Lead = 0.0;  // s by which the second nearest is further away; 0 = look again
   };
-  int ChooseIssue(const AbsoluteTime& t, std::int32_t prn, std::int32_t iode) const;
-  bool YoungEnough(double age_s) const { return age_s <= max_age_s_; }  // not a number is no age
+  int ChooseIssue(const AbsoluteTime& t, std::int32_t prn, std::int32_t iode, double max_age_s) const;
 
   mutable Nearest nearest_;
   mutable typename Traits::Memory memory_;
@@ -108,6 +111,11 @@ class SystemEphemeris {
   /// The same without a copy: null when there is none. The pointer lasts until a record is added.
   /// @param reference  reference time of the record in its own scale, untouched when there is none
   const Record* Find(const SatelliteId& satellite, const AbsoluteTime& t, std::int32_t iode,
+                     AbsoluteTime& reference) const {
+    return Find(satellite, t, iode, max_age_s_, reference);
+  }
+  /// The same with another maximum age, s.
+  const Record* Find(const SatelliteId& satellite, const AbsoluteTime& t, std::int32_t iode, double max_age_s,
                      AbsoluteTime& reference) const;
 
   /// Position, clock, variance and health at transmission time.

@@ -73,7 +73,6 @@ GNSSQC_STATE PostProcessGnssQc::TakeBatch(const ObsBodyData_QC_gbt& obs) {
   ResetBatch();
   BatchSummary summary;
   if (!Ingest(obs, codes, summary)) return GNSSQC_NO_DATA;
-  Eph.SetDefaultMaxAges();
   if (Config.EnablePosition == 0) {
     const std::uint32_t first_sequence = EpochCount - summary.EpochCount + 1;
     if (!StationPosition(ObsData, Eph, SatUsable, first_sequence, summary.EpochCount, Position)) {

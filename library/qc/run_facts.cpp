@@ -88,6 +88,15 @@ void FillMultipathThresholds(RunThresholds& thresholds) {
   }
 }
 
+void FillRecordAges(RunThresholds& thresholds) {
+  for (int slot = 0; slot < kSlotBd3; ++slot) {
+    RecordAge& row = thresholds.record_ages[slot];
+    row.sys = static_cast<std::uint8_t>(1 << slot);
+    row.elevations_s = gnssqctoolkit::AgeOf(gnssqctoolkit::kDefaultMaxAges, row.sys);
+    row.measures_s = gnssqctoolkit::AgeOf(gnssqctoolkit::kPassMaxAges, row.sys);
+  }
+}
+
 RunThresholds Thresholds(double elevation_cutoff_rad) {
   RunThresholds thresholds;
   thresholds.elevation_cutoff_rad = elevation_cutoff_rad;
@@ -101,6 +110,7 @@ RunThresholds Thresholds(double elevation_cutoff_rad) {
   }
   thresholds.arc_gap_s = kArcGap;
   FillMultipathThresholds(thresholds);
+  FillRecordAges(thresholds);
   return thresholds;
 }
 

@@ -45,7 +45,8 @@ std::map<std::string, Worst> Differences(const Scenario& scenario) {
   Simulation simulation(scenario);
   const Sky& sky = simulation.sky();
   Ephemeris records;
-  records.SetPassMaxAges();
+  records.Bds().SetMaxAge(gnssqctoolkit::kPassMaxAges.Bds);
+  records.Galileo().SetMaxAge(gnssqctoolkit::kPassMaxAges.Galileo);
   Fill(simulation.Navigation(), records);
   std::map<std::pair<char, int>, std::size_t> index;
   for (std::size_t i = 0; i < sky.Satellites().size(); ++i) {

@@ -61,7 +61,6 @@ inline NavBodyData_QC_gbt Navigation(const std::vector<GpsEph_gbt>& records) {
 inline gnssqctoolkit::Ephemeris Store(const std::vector<GpsEph_gbt>& records) {
   gnssqctoolkit::Ephemeris ephemeris;
   for (const GpsEph_gbt& record : records) ephemeris.Gps().Add(record);
-  ephemeris.SetDefaultMaxAges();
   return ephemeris;
 }
 

@@ -63,6 +63,13 @@ struct BandThreshold {
   double threshold_m = 0.0;  ///< 0: every change restarts
 };
 
+/// Largest age of a broadcast record.
+struct RecordAge {
+  std::uint8_t sys = 0;
+  double elevations_s = 0.0;  ///< for elevations and positioning
+  double measures_s = 0.0;    ///< for multipath and slips
+};
+
 struct RunThresholds {
   double elevation_cutoff_rad = 0.0;
   double elevation_split_rad = 0.0;          ///< of the SNR above and below 30 degrees
@@ -73,6 +80,7 @@ struct RunThresholds {
   std::vector<GapThreshold> phase_geometry;  ///< of the phase-minus-geometry test, by ascending gap
   double arc_gap_s = 0.0;  ///< a gap this long ends the arc; a longer one restarts multipath
   std::vector<BandThreshold> multipath;
+  RecordAge record_ages[5];  ///< GPS, GLONASS, BDS, Galileo, QZSS
 };
 
 struct RunLimits {

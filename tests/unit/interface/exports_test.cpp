@@ -95,7 +95,7 @@ TEST_F(Exports, InitialisingWithoutAConfigurationFailsAndChangesNothing) {
   const auto* process = reinterpret_cast<const orsolva::PostProcessGnssQc*>(handle.get());
   EXPECT_EQ(process->Config.SystemMask, 0U);
   gnssqctoolkit::EphemerisChoice choice;
-  EXPECT_FALSE(process->Eph.Select({1, 5}, {sky::kWeekStart, 0.0}, choice));
+  EXPECT_FALSE(process->Eph.Select({1, 5}, {sky::kWeekStart, 0.0}, gnssqctoolkit::kDefaultMaxAges, choice));
 }
 
 TEST_F(Exports, InitialisingWithAnEmptyNavigationSetFailsAfterTheConfigurationIsTaken) {

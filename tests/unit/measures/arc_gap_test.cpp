@@ -25,7 +25,7 @@ IodDetect OverMoreThanADay(const Ephemeris& records, const gnssqctoolkit::Satell
     SatelliteGeometry geometry;
     geometry.Records = &records;
     for (int i = 0; i < 3; ++i) geometry.Station[i] = sky.Station[i];
-    EXPECT_TRUE(records.Select(satellite, At(seconds), geometry.Choice));
+    EXPECT_TRUE(records.Select(satellite, At(seconds), gnssqctoolkit::kDefaultMaxAges, geometry.Choice));
     geometry.HasPosition = records.SatellitePosition(geometry.Choice, At(seconds), 2.1e7, geometry.Satellite);
     EXPECT_TRUE(geometry.HasPosition);
     state.PreviousEpoch = state.CurrentEpoch;

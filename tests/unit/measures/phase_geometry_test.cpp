@@ -58,7 +58,7 @@ struct GeometrySeries {
   }
   void Locate(double seconds, double pseudorange = 2.2e7) {
     Geometry.HasPosition =
-        Records.Select({1, 3}, At(seconds), Geometry.Choice) &&
+        Records.Select({1, 3}, At(seconds), gnssqctoolkit::kDefaultMaxAges, Geometry.Choice) &&
         Records.SatellitePosition(Geometry.Choice, At(seconds), pseudorange, Geometry.Satellite);
   }
   double Value(double phase) const {
@@ -133,7 +133,7 @@ TEST(PhaseGeometryDifference, FormsThePreviousValueAgainWithoutClockWhenTheRecor
   series.Advance();
   series.Records.Gps().Add(GpsRecord(3, 7200.0));
   gnssqctoolkit::EphemerisChoice next;
-  ASSERT_TRUE(series.Records.Select({1, 3}, At(3700), next));
+  ASSERT_TRUE(series.Records.Select({1, 3}, At(3700), gnssqctoolkit::kDefaultMaxAges, next));
   gnssqctoolkit::SatelliteState before;
   ASSERT_TRUE(series.Records.SatellitePosition(next, At(3500), 2.2e7, before));
   double squares = 0.0;

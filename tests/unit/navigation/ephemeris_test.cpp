@@ -18,14 +18,14 @@ TEST(Ephemeris, FindsTheStoreOfEachSystem) {
   Ephemeris ephemeris;
   EphemerisChoice choice;
   const SatelliteId satellites[5] = {{kGps, 3}, {kGlonass, 3}, {kBds, 20}, {kGalileo, 3}, {kQzss, 3}};
-  for (const SatelliteId& s : satellites) EXPECT_FALSE(ephemeris.Select(s, At(0.0), choice));
+  for (const SatelliteId& s : satellites) EXPECT_FALSE(ephemeris.Select(s, At(0.0), kDefaultMaxAges, choice));
   ephemeris.Gps().Add(GpsRecord(3));
   ephemeris.Glonass().Add(GlonassRecord(3));
   ephemeris.Bds().Add(BdsRecord(20));
   ephemeris.Galileo().Add(GalileoRecord(3));
   ephemeris.Qzss().Add(GpsRecord(3));
   for (const SatelliteId& s : satellites) {
-    ASSERT_TRUE(ephemeris.Select(s, At(5.0), choice));
+    ASSERT_TRUE(ephemeris.Select(s, At(5.0), kDefaultMaxAges, choice));
     EXPECT_EQ(choice.Satellite.system, s.system);
     SatelliteState chosen, direct;
     EXPECT_TRUE(ephemeris.SatellitePosition(choice, At(5.0), 2.2e7, chosen));
@@ -33,7 +33,7 @@ TEST(Ephemeris, FindsTheStoreOfEachSystem) {
     for (int i = 0; i < 3; ++i) EXPECT_EQ(chosen.Position[i], direct.Position[i]);
     EXPECT_EQ(chosen.Clock, direct.Clock);
   }
-  for (std::uint8_t system : {0, 32, 64, 3}) EXPECT_FALSE(ephemeris.Select({system, 3}, At(0.0), choice));
+  for (std::uint8_t system : {0, 32, 64, 3}) EXPECT_FALSE(ephemeris.Select({system, 3}, At(0.0), kDefaultMaxAges, choice));
 }
 
 TEST(Ephemeris, LeavesAnEmptyChoiceAndAClearedStateWithoutARecord) {
@@ -41,7 +41,7 @@ TEST(Ephemeris, LeavesAnEmptyChoiceAndAClearedStateWithoutARecord) {
   EphemerisChoice choice;
   choice.Record = &ephemeris;
   choice.Reference = {5, 0.0};
-  EXPECT_FALSE(ephemeris.Select({kGps, 3}, At(0.0), choice));
+  EXPECT_FALSE(ephemeris.Select({kGps, 3}, At(0.0), kDefaultMaxAges, choice));
   EXPECT_EQ(choice.Record, nullptr);
   EXPECT_EQ(choice.Reference.Seconds, 0);
   SatelliteState state;
@@ -53,11 +53,11 @@ TEST(Ephemeris, LeavesAnEmptyChoiceAndAClearedStateWithoutARecord) {
 TEST(Ephemeris, GivesReferencesInTheScaleOfTheRecord) {
   ExactSky sky;
   EphemerisChoice choice;
-  ASSERT_TRUE(sky.Records.Select({kGps, 3}, At(0.0), choice));
+  ASSERT_TRUE(sky.Records.Select({kGps, 3}, At(0.0), kDefaultMaxAges, choice));
   EXPECT_EQ(choice.Reference.Seconds, kSkyTime);
-  ASSERT_TRUE(sky.Records.Select({kBds, 20}, At(0.0), choice));
+  ASSERT_TRUE(sky.Records.Select({kBds, 20}, At(0.0), kDefaultMaxAges, choice));
   EXPECT_EQ(choice.Reference.Seconds, kSkyTime);
-  ASSERT_TRUE(sky.Records.Select({kGlonass, 3}, At(0.0), choice));
+  ASSERT_TRUE(sky.Records.Select({kGlonass, 3}, At(0.0), kDefaultMaxAges, choice));
   EXPECT_EQ(choice.Reference.Seconds, kSkyTime - 18);
 }
 
@@ -65,10 +65,10 @@ TEST(Ephemeris, SelectsGlonassInUtc) {
   Ephemeris ephemeris;
   ephemeris.Glonass().Add(GlonassRecord(3));
   EphemerisChoice choice;
-  EXPECT_TRUE(ephemeris.Select({kGlonass, 3}, At(1800.0), choice));
-  EXPECT_FALSE(ephemeris.Select({kGlonass, 3}, At(1800.5), choice));
-  EXPECT_TRUE(ephemeris.Select({kGlonass, 3}, At(-1800.0), choice));
-  EXPECT_FALSE(ephemeris.Select({kGlonass, 3}, At(-1800.5), choice));
+  EXPECT_TRUE(ephemeris.Select({kGlonass, 3}, At(1800.0), kDefaultMaxAges, choice));
+  EXPECT_FALSE(ephemeris.Select({kGlonass, 3}, At(1800.5), kDefaultMaxAges, choice));
+  EXPECT_TRUE(ephemeris.Select({kGlonass, 3}, At(-1800.0), kDefaultMaxAges, choice));
+  EXPECT_FALSE(ephemeris.Select({kGlonass, 3}, At(-1800.5), kDefaultMaxAges, choice));
 }
 
 TEST(Ephemeris, SwitchesBetweenDefaultAgesAndThoseOfThePass) {
@@ -81,10 +81,25 @@ TEST(Ephemeris, SwitchesBetweenDefaultAgesAndThoseOfThePass) {
     EXPECT_EQ(e.Qzss().MaxAge(), qzss);
   };
   expect(7200, 1800, 21600, 21600, 7200);
-  e.SetPassMaxAges();
-  expect(7200, 1800, 7200, 7200, 7200);
-  e.SetDefaultMaxAges();
-  expect(7200, 1800, 21600, 21600, 7200);
+  EXPECT_EQ(kDefaultMaxAges.Gps, e.Gps().MaxAge());
+  EXPECT_EQ(kDefaultMaxAges.Glonass, e.Glonass().MaxAge());
+  EXPECT_EQ(kDefaultMaxAges.Bds, e.Bds().MaxAge());
+  EXPECT_EQ(kDefaultMaxAges.Galileo, e.Galileo().MaxAge());
+}
+
+TEST(Ephemeris, SelectsWithinTheAgesItIsGiven) {
+  Ephemeris e;
+  e.Galileo().Add(GalileoRecord(3));
+  e.Bds().Add(BdsRecord(20));
+  EphemerisChoice choice;
+  for (const SatelliteId& s : {SatelliteId{kGalileo, 3}, SatelliteId{kBds, 20}}) {
+    EXPECT_TRUE(e.Select(s, At(7000.0), kPassMaxAges, choice));
+    EXPECT_FALSE(e.Select(s, At(7300.0), kPassMaxAges, choice));
+    EXPECT_EQ(choice.Record, nullptr);
+    EXPECT_TRUE(e.Select(s, At(7300.0), kDefaultMaxAges, choice));
+    EXPECT_FALSE(e.Select(s, At(21700.0), kDefaultMaxAges, choice));
+    EXPECT_TRUE(e.Select(s, At(21700.0), {0.0, 0.0, 30000.0, 30000.0}, choice));
+  }
 }
 
 TEST(Ephemeris, KnowsTheChannelOfTheFirstRecordOfASlot) {
@@ -104,7 +119,6 @@ TEST(Ephemeris, KnowsTheChannelOfTheFirstRecordOfASlot) {
 // Steps over a day in both directions: never a moment with a record outside what is reported.
 TEST(Ephemeris, ReportsCoverageNeverTooNarrow) {
   Ephemeris e;
-  e.SetPassMaxAges();
   for (int hour : {-3, 0, 9}) {
     GpsEph_gbt g = GpsRecord(3);
     g.toes += 3600.0 * hour, g.toc.time += 3600 * hour;
@@ -120,7 +134,7 @@ TEST(Ephemeris, ReportsCoverageNeverTooNarrow) {
   const auto covered_near = [&e](const SatelliteId& s, const AbsoluteTime& t) {
     EphemerisChoice choice;
     for (double off : {0.0, 20.0, -20.0}) {
-      if (e.Select(s, AbsoluteTimeAdd(t, off), choice)) return true;
+      if (e.Select(s, AbsoluteTimeAdd(t, off), kDefaultMaxAges, choice)) return true;
     }
     return false;
   };
@@ -128,7 +142,7 @@ TEST(Ephemeris, ReportsCoverageNeverTooNarrow) {
     EphemerisChoice choice;
     AbsoluteTime at;
     for (double t = -50000.0; t < 50000.0; t += 97.3) {
-      const bool selected = e.Select(s, At(t), choice);
+      const bool selected = e.Select(s, At(t), kDefaultMaxAges, choice);
       const bool after = e.CoveredAtOrAfter(s, At(t), at);
       if (selected) {
         ASSERT_TRUE(after);
@@ -137,7 +151,7 @@ TEST(Ephemeris, ReportsCoverageNeverTooNarrow) {
       if (after) {
         EXPECT_GE(TimeDifference(at, At(t)), 0.0);
         for (double skipped = t; skipped < TimeDifference(at, At(0.0)) - 1.0; skipped += 300.0) {
-          EXPECT_FALSE(e.Select(s, At(skipped), choice));
+          EXPECT_FALSE(e.Select(s, At(skipped), kDefaultMaxAges, choice));
         }
         EXPECT_TRUE(covered_near(s, at));
       }
@@ -161,7 +175,7 @@ TEST(Ephemeris, CoversTheMaximumAgeInForce) {
   AbsoluteTime at;
   ASSERT_TRUE(e.CoveredAtOrAfter({kGalileo, 3}, At(-86400.0), at));
   EXPECT_NEAR(TimeDifference(at, At(-21600.0)), 0.0, 2e-6);
-  e.SetPassMaxAges();
+  e.Galileo().SetMaxAge(7200.0);
   ASSERT_TRUE(e.CoveredAtOrAfter({kGalileo, 3}, At(-86400.0), at));
   EXPECT_NEAR(TimeDifference(at, At(-7200.0)), 0.0, 2e-6);
   ASSERT_TRUE(e.CoveredAtOrBefore({kGalileo, 3}, At(86400.0), at));
@@ -179,14 +193,14 @@ TEST(Ephemeris, ABdsRecordBeyondTheCalendarCoversTheTimesBeyondItOnly) {
   const SatelliteId satellite{kBds, 20};
   EphemerisChoice choice;
   AbsoluteTime at;
-  EXPECT_FALSE(e.Select(satellite, At(0.0), choice));
+  EXPECT_FALSE(e.Select(satellite, At(0.0), kDefaultMaxAges, choice));
   ASSERT_TRUE(e.CoveredAtOrAfter(satellite, At(0.0), at));
   EXPECT_NEAR(TimeDifference(at, {kCalendarEnd, 0.0}), 0.0, 200.0);
   ASSERT_TRUE(e.CoveredAtOrBefore(satellite, At(0.0), at));
   EXPECT_LE(TimeDifference(at, {86400, 200.0}), 0.0) << "the record itself is read as the first day of 1970";
   for (const AbsoluteTime& beyond :
        {AbsoluteTime{kCalendarEnd, 200.0}, AbsoluteTime{kCalendarBegin, -200.0}}) {
-    EXPECT_TRUE(e.Select(satellite, beyond, choice));
+    EXPECT_TRUE(e.Select(satellite, beyond, kDefaultMaxAges, choice));
     ASSERT_TRUE(e.CoveredAtOrAfter(satellite, beyond, at));
     EXPECT_EQ(TimeDifference(at, beyond), 0.0);
   }
@@ -204,7 +218,7 @@ TEST(Ephemeris, ARecordWithoutAFiniteTimeCoversNothing) {
     EphemerisChoice choice;
     AbsoluteTime at;
     for (const AbsoluteTime& t : {At(0.0), AbsoluteTime{std::int64_t{1} << 62, 0.0}}) {
-      EXPECT_FALSE(e.Select({kGlonass, 3}, t, choice)) << fraction;
+      EXPECT_FALSE(e.Select({kGlonass, 3}, t, kDefaultMaxAges, choice)) << fraction;
       EXPECT_FALSE(e.CoveredAtOrAfter({kGlonass, 3}, t, at)) << fraction;
       EXPECT_FALSE(e.CoveredAtOrBefore({kGlonass, 3}, t, at)) << fraction;
     }
@@ -243,7 +257,7 @@ TEST(Ephemeris, GivesFiniteStatesAndOrderedSpansForAbsurdTimes) {
                          std::int64_t{0}}) {
     for (std::uint8_t system : {1, 2, 4, 8}) {
       const SatelliteId satellite{system, system == 4 ? 20 : 3};
-      const bool chosen = sky.Records.Select(satellite, {s, 0.0}, choice);
+      const bool chosen = sky.Records.Select(satellite, {s, 0.0}, kDefaultMaxAges, choice);
       EXPECT_EQ(chosen, choice.Record != nullptr) << s << " " << int{system};
       const bool formed = sky.Records.SatellitePosition(satellite, {s, 0.0}, 2.2e7, state);
       EXPECT_TRUE(IsFiniteOrCleared(formed, state)) << s << " " << int{system};
@@ -262,7 +276,7 @@ TEST(Ephemeris, DropsEveryRecordOnRelease) {
   ExactSky sky;
   sky.Records.Release();
   EphemerisChoice choice;
-  for (std::uint8_t system : {1, 2, 4, 8}) EXPECT_FALSE(sky.Records.Select({system, 20}, At(0.0), choice));
+  for (std::uint8_t system : {1, 2, 4, 8}) EXPECT_FALSE(sky.Records.Select({system, 20}, At(0.0), kDefaultMaxAges, choice));
 }
 
 }  // namespace

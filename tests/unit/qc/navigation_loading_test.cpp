@@ -23,7 +23,7 @@ TEST(LoadNavigation, UnhealthyRecordsAreVisitedButNeverStored) {
   const auto process = Process(sky::Config());
   EXPECT_TRUE(process->LoadNavigationSet(sky::Navigation(records)));
   gnssqctoolkit::EphemerisChoice choice;
-  EXPECT_FALSE(process->Eph.Select({1, 5}, {sky::kWeekStart, 0.0}, choice));
+  EXPECT_FALSE(process->Eph.Select({1, 5}, {sky::kWeekStart, 0.0}, gnssqctoolkit::kDefaultMaxAges, choice));
   EXPECT_EQ(process->SatUsable[4], 255);
 }
 
@@ -60,7 +60,7 @@ TEST(LoadNavigation, EverySystemIsLoadedAndScanned) {
   EXPECT_EQ(process->SatUsable[68 + 20 - 2], 255);
   EXPECT_EQ(process->SatUsable[131 + 11 - 1], 255);
   gnssqctoolkit::EphemerisChoice choice;
-  EXPECT_TRUE(process->Eph.Select({16, 3}, {sky::kWeekStart, 0.0}, choice));
+  EXPECT_TRUE(process->Eph.Select({16, 3}, {sky::kWeekStart, 0.0}, gnssqctoolkit::kDefaultMaxAges, choice));
 }
 
 TEST(LoadNavigation, ACountWithANullPointerIsNoRecord) {
@@ -76,8 +76,8 @@ TEST(LoadNavigation, ASecondSetIsAddedToTheFirst) {
   std::vector<GpsEph_gbt> more{sky::Record(5, 86400.0)};
   ASSERT_TRUE(process->LoadNavigationSet(sky::Navigation(more)));
   gnssqctoolkit::EphemerisChoice choice;
-  EXPECT_TRUE(process->Eph.Select({1, 5}, {sky::kWeekStart, 0.0}, choice));
-  EXPECT_TRUE(process->Eph.Select({1, 5}, {sky::kWeekStart + 86400, 0.0}, choice));
+  EXPECT_TRUE(process->Eph.Select({1, 5}, {sky::kWeekStart, 0.0}, gnssqctoolkit::kDefaultMaxAges, choice));
+  EXPECT_TRUE(process->Eph.Select({1, 5}, {sky::kWeekStart + 86400, 0.0}, gnssqctoolkit::kDefaultMaxAges, choice));
 }
 
 }  // namespace

@@ -291,7 +291,7 @@ TEST_F(Run, ReleaseFreesTheRunsData) {
   EXPECT_TRUE(process->ObsData.CodeListsEmpty());
   EXPECT_FALSE(process->Snr.Ready);
   gnssqctoolkit::EphemerisChoice choice;
-  EXPECT_FALSE(process->Eph.Select({1, 5}, {sky::kWeekStart, 0.0}, choice));
+  EXPECT_FALSE(process->Eph.Select({1, 5}, {sky::kWeekStart, 0.0}, gnssqctoolkit::kDefaultMaxAges, choice));
 }
 
 }  // namespace

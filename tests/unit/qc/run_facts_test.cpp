@@ -157,6 +157,10 @@ TEST_F(Facts, HoldTheThresholdsOfTheTests) {
     EXPECT_EQ(row.threshold_m, expected) << int{row.sys} << " " << row.band;
   }
   EXPECT_GT(thresholds.multipath.size(), 15U);
+  EXPECT_EQ(thresholds.record_ages[2].sys, 4);
+  EXPECT_EQ(thresholds.record_ages[2].elevations_s, 21600.0);
+  EXPECT_EQ(thresholds.record_ages[2].measures_s, 7200.0);
+  EXPECT_EQ(thresholds.record_ages[4].elevations_s, 7200.0);
 }
 
 TEST_F(Facts, HoldTheLimitsOfTheRecords) {

@@ -79,7 +79,11 @@ GNSSQC_STATE GNSSQCPlus(const ObsBodyData_QC_gbt& obs, unsigned long long* handl
 
 bool GetAllPeriodResult(unsigned long long* handle, result_qct* result) {
   if (handle == nullptr || result == nullptr) return false;
-  return Guarded(false, [&] { return ProcessOf(handle)->WholePeriodResult(*result); });
+  return Guarded(false, [&] {
+    const bool plausible = ProcessOf(handle)->WholePeriodResult(*result);
+    ProcessOf(handle)->RoundInterval();
+    return plausible;
+  });
 }
 
 void GetEachCodeResult(unsigned long long* handle, total_code_qc_result& out) {

@@ -1,6 +1,8 @@
 #include "measures/channel_combinations.h"
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 
 #include "toolkit/signals.h"
 #include "toolkit/trace.h"
@@ -144,10 +146,12 @@ int MpWindowLength(double interval) {
   return 10;
 }
 
-void ChannelCombinations::Build(QcConfig& config, const IList* code_lists) {
+std::array<BandsInUse, kSystemSlots> ChannelCombinations::Build(const QcConfig& config,
+                                                                const IList* code_lists) {
   const bool automatic = config.AutoDetectFreq != 0;
   const IList& bds_codes = code_lists[2];
-  QcSysConfig* sys = config.Sys;
+  QcConfig narrowed = config;
+  QcSysConfig* sys = narrowed.Sys;
   BuildRecord(kGpsPlan, 2, automatic, sys[kSlotGps], code_lists[0], Systems[kSlotGps]);
   BuildRecord(kGlonassPlan, 2, automatic, sys[kSlotGlonass], code_lists[1], Systems[kSlotGlonass]);
   WarnBdsBands(BuildRecord(kBds2Plan, 2, automatic, sys[kSlotBds], bds_codes, Systems[kSlotBds]));
@@ -157,6 +161,12 @@ void ChannelCombinations::Build(QcConfig& config, const IList* code_lists) {
     gnssqctoolkit::Trace(2, "error; no choose galileo system qc code num!\n");
   }
   BuildRecord(kQzssPlan, 3, automatic, sys[kSlotQzss], code_lists[5], Systems[kSlotQzss]);
+  std::array<BandsInUse, kSystemSlots> bands;
+  for (std::size_t slot = 0; slot < kSystemSlots; ++slot) {
+    std::copy_n(sys[slot].FreqEnable, kBandSlots, bands[slot].FreqEnable);
+    bands[slot].FreqNum = sys[slot].FreqNum;
+  }
+  return bands;
 }
 
 const MpIodChannelCombination* ChannelCombinations::ForSatellite(

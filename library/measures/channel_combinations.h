@@ -5,6 +5,7 @@
 #ifndef ORSOLVA_MEASURES_CHANNEL_COMBINATIONS_H
 #define ORSOLVA_MEASURES_CHANNEL_COMBINATIONS_H
 
+#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -59,9 +60,10 @@ class ChannelCombinations {
   /// Geostationary BDS satellites numbered 18 and above.
   MpIodChannelCombination Bds3Geostationary;
 
-  /// Builds all records; narrows the band flags and band counts of `config` to the bands that have codes.
+  /// Builds all records.
   /// @param code_lists  kCodeListSlots lists of observed codes
-  void Build(QcConfig& config, const gnssqctoolkit::IList* code_lists);
+  /// @return by configuration slot the bands in use: those that are enabled and have codes
+  std::array<BandsInUse, kSystemSlots> Build(const QcConfig& config, const gnssqctoolkit::IList* code_lists);
 
   /// The record of a satellite, null for a system without pairs.
   const MpIodChannelCombination* ForSatellite(const gnssqctoolkit::SatelliteId& satellite) const;

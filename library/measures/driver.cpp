@@ -221,7 +221,8 @@ void IonSlipAndMultipath::Impl::MeasureSatellite(const StoredSatellite& stored, 
   geometry.Choice = gnssqctoolkit::EphemerisChoice();
   const double pseudorange = FirstPseudorange(observations, stored.Count);
   geometry.HasPosition =
-      geometry.Records->Select(satellite.Id, epoch, gnssqctoolkit::kPassMaxAges, geometry.Choice) && pseudorange > 0.0 &&
+      geometry.Records->Select(satellite.Id, epoch, gnssqctoolkit::kPassMaxAges, geometry.Choice) &&
+      pseudorange > 0.0 &&
       geometry.Records->SatellitePosition(geometry.Choice, epoch, pseudorange, geometry.Satellite);
   for (PairState& pair : satellite.Pairs) {
     const CodeObservation* code = Find(observations, stored.Count, pair.Code);
@@ -282,13 +283,16 @@ void IonSlipAndMultipath::Impl::CountPairs(double median, double interval, QcDet
 IonSlipAndMultipath::IonSlipAndMultipath() : impl_(std::make_unique<Impl>()) {}
 IonSlipAndMultipath::~IonSlipAndMultipath() = default;
 
-void IonSlipAndMultipath::Initialise(QcConfig& config, const gnssqctoolkit::IList* code_lists,
-                                     const std::int32_t* glonass_channels, double interval) {
+std::array<BandsInUse, kSystemSlots> IonSlipAndMultipath::Initialise(const QcConfig& config,
+                                                                     const gnssqctoolkit::IList* code_lists,
+                                                                     const std::int32_t* glonass_channels,
+                                                                     double interval) {
   impl_->Combinations = ChannelCombinations();  // empty, should this be a second attempt
-  impl_->Combinations.Build(config, code_lists);
+  const auto bands = impl_->Combinations.Build(config, code_lists);
   std::copy(glonass_channels, glonass_channels + 32, impl_->GlonassChannels);
   window_length_ = MpWindowLength(interval);
   initialised_ = true;  // not before there is memory for the pairs
+  return bands;
 }
 
 void IonSlipAndMultipath::Reserve(std::size_t satellite_epochs, std::size_t signals) {

@@ -3,6 +3,7 @@
 #ifndef ORSOLVA_MEASURES_DRIVER_H
 #define ORSOLVA_MEASURES_DRIVER_H
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -24,12 +25,13 @@ class IonSlipAndMultipath {
   virtual ~IonSlipAndMultipath();
 
   /// Builds the pairs of every system from the observed codes, sets the averaging window and copies the
-  /// GLONASS channels. Called once a run; narrows the band flags and band counts of `config` as the pairing
-  /// tells.
+  /// GLONASS channels. Called once per run.
   /// @param code_lists        kCodeListSlots lists
   /// @param glonass_channels  32 values, -999 = unknown
-  void Initialise(QcConfig& config, const gnssqctoolkit::IList* code_lists,
-                  const std::int32_t* glonass_channels, double interval);
+  /// @return the bands in use, by configuration slot
+  std::array<BandsInUse, kSystemSlots> Initialise(const QcConfig& config,
+                                                  const gnssqctoolkit::IList* code_lists,
+                                                  const std::int32_t* glonass_channels, double interval);
   bool Initialised() const { return initialised_; }
   int WindowLength() const { return window_length_; }
 

@@ -1,5 +1,6 @@
 #include "qc/config.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "toolkit/satellite.h"
@@ -101,6 +102,13 @@ void QcConfig::Overlay(const config_qct& config) {
   OverlayFrequencies(config, Sys);
   for (int i = 0; i < 3; ++i) Position[i] = config.enable_position != 0 ? config.position[i] : 0.0;
   EnablePosition = config.enable_position;
+}
+
+void QcConfig::NarrowBands(const BandsInUse* bands) {
+  for (int slot = 0; slot < kSystemSlots; ++slot) {
+    std::copy_n(bands[slot].FreqEnable, 6, Sys[slot].FreqEnable);
+    Sys[slot].FreqNum = bands[slot].FreqNum;
+  }
 }
 
 std::uint32_t QcConfig::EnabledSystems() const {

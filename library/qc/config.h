@@ -49,6 +49,12 @@ class QcSysConfig {
   QcSysConfig();
 };
 
+/// The bands of a system that are used.
+struct BandsInUse {
+  std::uint8_t FreqEnable[6] = {};
+  std::uint8_t FreqNum = 0;
+};
+
 class QcConfig {
  public:
   QcConfig();
@@ -66,6 +72,9 @@ class QcConfig {
   void ApplyDefaults();
   /// The host's values over what stands.
   void Overlay(const config_qct& config);
+  /// Narrows the band flags and band counts of every slot to the bands that are used.
+  /// @param bands  kSystemSlots entries
+  void NarrowBands(const BandsInUse* bands);
   /// Bits 1, 2, 4, 8, 16 of the enabled slots 0 to 4.
   std::uint32_t EnabledSystems() const;
 };

@@ -7,6 +7,7 @@
 #include "qc/navigation_loading.h"
 #include "qc/station_position.h"
 #include "results/output_records.h"
+#include "results/result_analysis.h"
 #include "toolkit/trace.h"
 
 namespace orsolva {
@@ -152,7 +153,9 @@ void PostProcessGnssQc::RunMeasures() {
 
 void PostProcessGnssQc::InitialiseMeasures() {
   if (ObsData.CodeListsEmpty()) return;
-  if (!IonMp.Initialised()) IonMp.Initialise(Config, ObsData.CodeLists, Eph.GlonassChannels(), Interval);
+  if (!IonMp.Initialised()) {
+    Config.NarrowBands(IonMp.Initialise(Config, ObsData.CodeLists, Eph.GlonassChannels(), Interval).data());
+  }
   if (!Snr.Ready) Snr.BuildTemplates(ObsData.CodeLists);
 }
 
@@ -212,12 +215,11 @@ ResultSources PostProcessGnssQc::Sources() const {
           {Position[0], Position[1], Position[2]}};
 }
 
-bool PostProcessGnssQc::WholePeriodResult(result_qct& record) {
-  double rounded = Interval;
-  const bool plausible = FillAllPeriodResult(Sources(), record, rounded);
-  Interval = rounded;
-  return plausible;
+bool PostProcessGnssQc::WholePeriodResult(result_qct& record) const {
+  return FillAllPeriodResult(Sources(), record);
 }
+
+void PostProcessGnssQc::RoundInterval() { Interval = RoundToMillisecond(Interval); }
 
 void PostProcessGnssQc::EachCodeResult(total_code_qc_result& record) const {
   FillEachCodeResult(Sources(), record);

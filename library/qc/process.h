@@ -69,8 +69,11 @@ class PostProcessGnssQc {
   ///         usable time
   bool Ingest(const ObsBodyData_QC_gbt& obs, BatchCodes& codes, BatchSummary& summary);
 
-  /// The result of the run so far. The rounded interval is written back to the run, nothing else changes.
-  bool WholePeriodResult(result_qct& record);
+  /// The result of the run so far; changes nothing.
+  bool WholePeriodResult(result_qct& record) const;
+  /// Rounds the interval of the run to a millisecond, as the whole-period result shows it.
+  // Kept for compatibility: asking for that result does so, and what comes after is measured with it.
+  void RoundInterval();
   /// The result per signal code of the run so far; changes nothing.
   void EachCodeResult(total_code_qc_result& record) const;
 

@@ -75,11 +75,10 @@ void FillSystemBlocks(const ResultSources& sources, const QcConfig& config, tota
 
 }  // namespace
 
-bool FillAllPeriodResult(const ResultSources& sources, result_qct& record, double& interval) {
+bool FillAllPeriodResult(const ResultSources& sources, result_qct& record) {
   const auto result = std::make_unique<QcResult>();
   QcResultCore total;
   QcResultAnalysis().Analyse(sources, *result, total);
-  interval = result->Interval;
   FillRecord(*result, total, record);
   return record.lost_epochs >= 0 && record.total.completeness >= 0.0 && record.total.completeness <= 1.0;
 }

@@ -8,9 +8,8 @@
 namespace orsolva {
 
 /// The whole-run result.
-/// @param interval  the run's interval rounded to 1 ms, to be written back to the run
 /// @return whether the filled record is plausible: lost epochs not negative, combined completeness in [0, 1]
-bool FillAllPeriodResult(const ResultSources& sources, result_qct& record, double& interval);
+bool FillAllPeriodResult(const ResultSources& sources, result_qct& record);
 
 /// The result per signal code. The record is zeroed first.
 void FillEachCodeResult(const ResultSources& sources, total_code_qc_result& record);

@@ -20,11 +20,6 @@ constexpr int kStationaryOrbit = 0;
 /// System slots of the merged systems: GPS to QZSS, bit s of a mask for slot s.
 constexpr int kMergedSlots = 5;
 
-/// Half away from zero.
-double RoundToMillisecond(double seconds) {
-  return std::round(seconds * kMillisecondsPerSecond) / kMillisecondsPerSecond;
-}
-
 /// Truncates; what lies outside the range gives its nearer end, a value that is no number 0.
 std::int64_t ClampToInt32(double value) {
   if (std::isnan(value)) return 0;
@@ -78,6 +73,10 @@ void FillSatUsed(const std::uint8_t* usable, QcResult& result) {
 }
 
 }  // namespace
+
+double RoundToMillisecond(double seconds) {
+  return std::round(seconds * kMillisecondsPerSecond) / kMillisecondsPerSecond;
+}
 
 SatelliteStores StoresOf(const ResultSources& sources, const SatelliteId& satellite, int number) {
   return {satellite, sources.Snr.CompleteSats[number - 1], sources.Snr.SnrSats[number - 1],

@@ -8,6 +8,9 @@
 
 namespace orsolva {
 
+/// Times of a result are rounded to a millisecond, halves away from zero.
+double RoundToMillisecond(double seconds);
+
 /// The combinations of codes with which a satellite is judged; none without a usable code.
 struct SatelliteCombinations {
   QcCodeCombination Combinations;

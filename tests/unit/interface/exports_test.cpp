@@ -200,6 +200,18 @@ TEST_F(Exports, CountsBeyondTheArraysAndAbsurdValuesNeitherCrashNorHang) {
   }
 }
 
+TEST_F(Exports, AskingForTheWholePeriodResultRoundsTheIntervalOfTheRun) {
+  config_.interval = 30.0004;
+  const OwnedHandle handle = Initialised();
+  EXPECT_EQ(GNSSQCPlus(obs_, handle.get()), GNSSQC_OK);
+  const auto* process = reinterpret_cast<const orsolva::PostProcessGnssQc*>(handle.get());
+  EXPECT_EQ(process->Interval, 30.0004);
+  GetEachCodeResult(handle.get(), *codes_);
+  EXPECT_EQ(process->Interval, 30.0004);
+  GetAllPeriodResult(handle.get(), result_.get());
+  EXPECT_EQ(process->Interval, 30.0);
+}
+
 /// Throws while a batch runs, as a list without memory would.
 class Throwing : public orsolva::QcDetailObserver {
  public:

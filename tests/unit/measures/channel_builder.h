@@ -66,7 +66,7 @@ struct Builder {
     return *this;
   }
   ChannelCombinations& Build() {
-    Combinations.Build(Config, Lists);
+    Config.NarrowBands(Combinations.Build(Config, Lists).data());
     return Combinations;
   }
   std::string FlagText(int slot) const {

@@ -25,6 +25,7 @@ class Run : public testing::Test {
     auto record = std::make_unique<result_qct>();
     std::memset(record.get(), 0, sizeof(*record));
     const bool ok = process.WholePeriodResult(*record);
+    process.RoundInterval();
     if (plausible != nullptr) *plausible = ok;
     return record;
   }

@@ -16,9 +16,8 @@ using gnssqctoolkit::kGps;
 
 struct Period {
   std::unique_ptr<result_qct> Record = std::make_unique<result_qct>();
-  double Interval = -1.0;
   bool Plausible;
-  explicit Period(const RunStores& run) { Plausible = FillAllPeriodResult(run.Sources(), *Record, Interval); }
+  explicit Period(const RunStores& run) { Plausible = FillAllPeriodResult(run.Sources(), *Record); }
 };
 
 struct EachCode {
@@ -48,7 +47,6 @@ TEST(AllPeriodRecord, IsPlausibleBeforeAnyBatchWithOneLostEpochAndNothingElse) {
   run.Usable[0] = 255;
   const Period period(run);
   EXPECT_TRUE(period.Plausible);
-  EXPECT_EQ(period.Interval, 1.0);
   result_qct empty{};
   empty.lost_epochs = 1;
   for (int i = 0; i < 3; ++i) empty.station_xyz[i] = run.Sources().Position[i];
@@ -111,18 +109,11 @@ TEST(AllPeriodRecord, IsFilledButNotPlausibleWithMoreEpochsThanTheSpanAllows) {
   EXPECT_EQ(period.Record->sys[0].observed_epochs, 4u);
 }
 
-TEST(AllPeriodRecord, HandsBackTheRoundedInterval) {
-  RunStores run = GpsRun();
-  run.Interval = 0.9996;
-  EXPECT_EQ(Period(run).Interval, 1.0);
-}
-
 TEST(AllPeriodRecord, DoesNotWriteItsPadding) {
   RunStores run = GpsRun();
   auto record = std::make_unique<result_qct>();
   std::memset(record.get(), 0x5A, sizeof(*record));
-  double interval = 0.0;
-  FillAllPeriodResult(run.Sources(), *record, interval);
+  FillAllPeriodResult(run.Sources(), *record);
   EXPECT_EQ(record->padding, 0x5A5A5A5A);
   EXPECT_EQ(record->sys[0].padding, 0x5A5A5A5A);
   EXPECT_EQ(record->total.padding, 0x5A5A5A5A);

@@ -3,8 +3,8 @@
 
 #include "bench/station_day.h"
 #include "measures/multipath.h"
-#include "navigation/ephemeris.h"
-#include "navigation/geometry.h"
+#include "navigation/ephemerides/ephemeris.h"
+#include "navigation/orbits/geometry.h"
 #include "qc/navigation_loading.h"
 #include "results/completeness.h"
 

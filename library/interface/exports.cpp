@@ -7,7 +7,7 @@
 #include "interface/print.h"
 #include "interface/version_banner.h"
 #include "orsolva/gnssqc.h"
-#include "qc/config.h"
+#include "qc/base/config.h"
 #include "qc/process.h"
 
 namespace {

@@ -9,8 +9,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "qc/config.h"
-#include "qc/epoch_data.h"
+#include "qc/base/config.h"
+#include "qc/base/epoch_data.h"
 #include "toolkit/lists.h"
 #include "toolkit/satellite.h"
 

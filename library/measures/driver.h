@@ -11,11 +11,11 @@
 #include "measures/channel_combinations.h"
 #include "measures/ionosphere.h"
 #include "measures/multipath.h"
-#include "navigation/ephemeris.h"
+#include "navigation/ephemerides/ephemeris.h"
 #include "orsolva/detail.h"
 #include "orsolva/records.h"
-#include "qc/config.h"
-#include "qc/epoch_data.h"
+#include "qc/base/config.h"
+#include "qc/base/epoch_data.h"
 
 namespace orsolva {
 

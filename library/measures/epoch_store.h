@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "measures/pair_signals.h"
-#include "qc/epoch_data.h"
-#include "qc/epoch_time.h"
+#include "qc/base/epoch_data.h"
+#include "qc/base/epoch_time.h"
 
 namespace orsolva {
 

@@ -10,9 +10,9 @@
 
 #include "measures/multipath.h"
 #include "measures/pair_signals.h"
-#include "navigation/ephemeris.h"
+#include "navigation/ephemerides/ephemeris.h"
 #include "orsolva/detail.h"
-#include "qc/epoch_time.h"
+#include "qc/base/epoch_time.h"
 #include "toolkit/time.h"
 
 namespace orsolva {

@@ -8,8 +8,8 @@
 #include "measures/channel_combinations.h"
 #include "measures/pair_signals.h"
 #include "orsolva/detail.h"
-#include "qc/epoch_data.h"
-#include "qc/epoch_time.h"
+#include "qc/base/epoch_data.h"
+#include "qc/base/epoch_time.h"
 #include "toolkit/time.h"
 
 namespace orsolva {

@@ -11,8 +11,8 @@
 #include <map>
 #include <vector>
 
-#include "navigation/ephemeris.h"
-#include "navigation/geometry.h"
+#include "navigation/ephemerides/ephemeris.h"
+#include "navigation/orbits/geometry.h"
 #include "orsolva/records.h"
 #include "toolkit/satellite.h"
 

@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "qc/config.h"
-#include "qc/epoch_time.h"
+#include "qc/base/config.h"
+#include "qc/base/epoch_time.h"
 
 namespace orsolva {
 

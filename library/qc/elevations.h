@@ -2,7 +2,7 @@
 #ifndef ORSOLVA_QC_ELEVATIONS_H
 #define ORSOLVA_QC_ELEVATIONS_H
 
-#include "navigation/ephemeris.h"
+#include "navigation/ephemerides/ephemeris.h"
 #include "orsolva/records.h"
 #include "qc/elevation_samples.h"
 #include "toolkit/satellite.h"

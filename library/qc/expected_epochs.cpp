@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "qc/epoch_time.h"
+#include "qc/base/epoch_time.h"
 
 namespace orsolva {
 

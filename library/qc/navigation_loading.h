@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "navigation/ephemeris.h"
+#include "navigation/ephemerides/ephemeris.h"
 #include "orsolva/records.h"
 
 namespace orsolva {

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "orsolva/records.h"
-#include "qc/config.h"
-#include "qc/epoch_data.h"
+#include "qc/base/config.h"
+#include "qc/base/epoch_data.h"
 #include "toolkit/lists.h"
 #include "toolkit/satellite.h"
 

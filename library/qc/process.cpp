@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "qc/config_text.h"
+#include "qc/base/config_text.h"
 #include "qc/navigation_loading.h"
 #include "qc/station_position.h"
 #include "results/output_records.h"

@@ -5,12 +5,12 @@
 #include <cstdint>
 
 #include "measures/driver.h"
-#include "navigation/ephemeris.h"
+#include "navigation/ephemerides/ephemeris.h"
 #include "orsolva/detail.h"
 #include "orsolva/records.h"
-#include "qc/config.h"
+#include "qc/base/config.h"
+#include "qc/base/epoch_time.h"
 #include "qc/elevations.h"
-#include "qc/epoch_time.h"
 #include "qc/expected_epochs.h"
 #include "qc/observations.h"
 #include "results/complete_snr.h"

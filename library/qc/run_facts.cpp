@@ -4,7 +4,7 @@
 #include <limits>
 #include <set>
 
-#include "navigation/positioning.h"
+#include "navigation/positioning/positioning.h"
 #include "qc/elevations.h"
 #include "results/chosen_combinations.h"
 #include "results/code_combinations.h"

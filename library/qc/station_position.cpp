@@ -4,8 +4,8 @@
 #include <limits>
 #include <vector>
 
-#include "navigation/positioning.h"
-#include "qc/epoch_time.h"
+#include "navigation/positioning/positioning.h"
+#include "qc/base/epoch_time.h"
 
 namespace orsolva {
 

@@ -3,7 +3,7 @@
 #define ORSOLVA_RESULTS_CHOSEN_COMBINATIONS_H
 
 #include "orsolva/run_facts.h"
-#include "qc/config.h"
+#include "qc/base/config.h"
 #include "results/result_sources.h"
 #include "toolkit/satellite.h"
 

@@ -1,6 +1,6 @@
 #include "results/code_combinations.h"
 
-#include "qc/epoch_data.h"
+#include "qc/base/epoch_data.h"
 #include "toolkit/signals.h"
 
 namespace orsolva {

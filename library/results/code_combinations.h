@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "qc/config.h"
+#include "qc/base/config.h"
 #include "toolkit/lists.h"
 
 namespace orsolva {

@@ -3,7 +3,7 @@
 #define ORSOLVA_RESULTS_CODE_RESULT_H
 
 #include "orsolva/records.h"
-#include "qc/config.h"
+#include "qc/base/config.h"
 #include "results/satellite_figures.h"
 #include "toolkit/lists.h"
 

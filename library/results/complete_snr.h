@@ -4,8 +4,8 @@
 
 #include <cstdint>
 
-#include "qc/config.h"
-#include "qc/epoch_data.h"
+#include "qc/base/config.h"
+#include "qc/base/epoch_data.h"
 #include "results/completeness.h"
 #include "results/snr.h"
 #include "toolkit/satellite.h"

@@ -8,7 +8,7 @@
 
 #include <cstdint>
 
-#include "qc/epoch_data.h"
+#include "qc/base/epoch_data.h"
 #include "toolkit/lists.h"
 
 namespace orsolva {

@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "qc/epoch_time.h"
+#include "qc/base/epoch_time.h"
 
 namespace orsolva {
 

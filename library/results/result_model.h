@@ -10,9 +10,9 @@
 #include <cstdint>
 
 #include "orsolva/records.h"
-#include "qc/config.h"
-#include "qc/epoch_data.h"
-#include "qc/epoch_time.h"
+#include "qc/base/config.h"
+#include "qc/base/epoch_data.h"
+#include "qc/base/epoch_time.h"
 #include "results/code_combinations.h"
 #include "toolkit/lists.h"
 

@@ -6,7 +6,7 @@
 
 #include "measures/driver.h"
 #include "orsolva/records.h"
-#include "qc/config.h"
+#include "qc/base/config.h"
 #include "results/complete_snr.h"
 #include "toolkit/lists.h"
 

@@ -7,7 +7,7 @@
 
 #include "measures/ionosphere.h"
 #include "measures/multipath.h"
-#include "qc/config.h"
+#include "qc/base/config.h"
 #include "results/completeness.h"
 #include "results/result_model.h"
 #include "results/snr.h"

@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "qc/epoch_data.h"
+#include "qc/base/epoch_data.h"
 #include "results/completeness.h"
 #include "toolkit/lists.h"
 

@@ -5,7 +5,7 @@ usage: structure_test.py ROOT
 
 Fails when an include of the library points upward or in a circle, when host/ includes more of the library than its
 interface or one of its folders more than those below it, when more than one file includes the argument
-parser, when an include path leaves its root with "..", when a floor below names no file, when a class of the library
+parser, when an include path leaves its root with "..", when a layer below has no file, when a class of the library
 has no virtual destructor, when CMake is not given a source, or when ARCHITECTURE.md names a path, in its text or in a
 drawing, that is not there.
 """
@@ -13,18 +13,22 @@ import pathlib
 import re
 import sys
 
-# Floors from the ground up; a file may include its own floor and those below it.
-FLOORS = [
-    ["interface/orsolva/"],
-    ["toolkit/"],
-    ["matrix/"],
-    ["navigation/"],
-    ["qc/config", "qc/epoch_time", "qc/epoch_data"],
-    ["measures/"],
-    ["results/"],
-    ["qc/"],
-    ["interface/"],
+# Layers from the bottom up; a file may include its own layer and those below it. A folder that is not named
+# belongs to the layer of the folder around it.
+LAYERS = [
+    ["interface/orsolva"],
+    ["toolkit"],
+    ["matrix"],
+    ["navigation/orbits"],
+    ["navigation/ephemerides"],
+    ["navigation/positioning"],
+    ["qc/base"],
+    ["measures"],
+    ["results"],
+    ["qc"],
+    ["interface"],
 ]
+LAYER_OF = {folder: number for number, layer in enumerate(LAYERS) for folder in layer}
 # What a folder of the host may include beside itself.
 HOST_BELOW = {
     "platform": set(),
@@ -40,7 +44,7 @@ HOST_BELOW = {
 }
 # Below these, every source is named in a CMakeLists.txt.
 LISTED = ["bench", "fuzz", "host", "library"]
-# Of the library the host sees its interface, and this table of plain numbers, which must stand once.
+# Of the library the host sees its interface, and this table of plain numbers, which must be written once.
 LIBRARY_TABLES = {"toolkit/leap_seconds.h"}
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.M)
 PARSING_FILE = "host/cli/command_line.cpp"
@@ -51,11 +55,11 @@ DRAWN = re.compile(r"(?<![\w/.])((?:interface|toolkit|matrix|navigation|qc|measu
 PATH = re.compile(r"`((?:library|host|tests|docs|scripts|bench|fuzz|examples|cmake)/[^`*]*)`")
 
 
-def floor_of(path):
-    """Number of the floor a path below library/ belongs to."""
-    for number, prefixes in enumerate(FLOORS):
-        if any(path.startswith(prefix) for prefix in prefixes):
-            return number
+def layer_of(path):
+    """Number of the layer a path below library/ belongs to."""
+    for folder in pathlib.PurePosixPath(path).parents:
+        if str(folder) in LAYER_OF:
+            return LAYER_OF[str(folder)]
     return None
 
 
@@ -79,9 +83,9 @@ def check_library(root, problems):
         if file.suffix not in (".h", ".hpp", ".cpp"):
             continue
         name = file.relative_to(library).as_posix()
-        own = floor_of(name)
+        own = layer_of(name)
         if own is None:
-            problems.append(f"{name}: on no floor")
+            problems.append(f"{name}: in no layer")
             continue
         graph[name] = []
         for include in includes_of(file):
@@ -89,17 +93,16 @@ def check_library(root, problems):
             if not (library / include).is_file():
                 problems.append(f"{name}: includes {include}, which is not a file of the library")
                 continue
-            if floor_of(include) > own:
-                problems.append(f"{name}: includes {include} from a floor above")
+            if layer_of(include) > own:
+                problems.append(f"{name}: includes {include} from a layer above")
             graph[name].append(include)
     check_circles(graph, problems)
 
 
-def check_floors(root, problems):
-    names = [file.relative_to(root / "library").as_posix() for file in (root / "library").rglob("*.[hc]*")]
-    for prefix in (prefix for floor in FLOORS for prefix in floor):
-        if not any(name.startswith(prefix) for name in names):
-            problems.append(f"structure_test.py: no file of the library begins with {prefix}")
+def check_layers(root, problems):
+    for folder in LAYER_OF:
+        if not any((root / "library" / folder).glob("*.[hc]*")):
+            problems.append(f"structure_test.py: no file in library/{folder}")
 
 
 def check_circles(graph, problems):
@@ -128,14 +131,14 @@ def check_host(root, problems):
         name = file.relative_to(root).as_posix()
         folder = name.split("/")[1]
         if folder not in HOST_BELOW:
-            problems.append(f"{name}: host/{folder} is on no floor")
+            problems.append(f"{name}: host/{folder} is in no layer")
             continue
         if name != PARSING_FILE and ARGUMENT_PARSER.search(file.read_text(encoding="utf-8")):
             problems.append(f"{name}: includes the argument parser")
         for include in includes_of(file):
             parts = include.split("/")
             if parts[0] == "host" and parts[1] not in HOST_BELOW[folder] | {folder}:
-                problems.append(f"{name}: includes {include} from a floor above or beside")
+                problems.append(f"{name}: includes {include} from a layer above or beside it")
             if include in LIBRARY_TABLES:
                 continue
             if (root / "library" / include).is_file() or include.startswith("library/"):
@@ -206,9 +209,9 @@ def check_architecture(root, problems):
             problems.append(f"ARCHITECTURE.md: {path} does not exist")
     drawn = [path for drawing in DRAWING.findall(text) for path in DRAWN.findall(drawing)]
     if not drawn:
-        problems.append("ARCHITECTURE.md: no drawing of the floors")
+        problems.append("ARCHITECTURE.md: no drawing of the layers")
     for path in drawn:
-        # A stem stands for its files: qc/process for qc/process.h and qc/process.cpp.
+        # A stem is its files: qc/process for qc/process.h and qc/process.cpp.
         if not (root / "library" / path).exists() and not (root / "library" / (path + ".h")).exists():
             problems.append(f"ARCHITECTURE.md: the drawing names {path}, which is not in library/")
 
@@ -217,7 +220,7 @@ def main():
     root = pathlib.Path(sys.argv[1])
     problems = []
     check_library(root, problems)
-    check_floors(root, problems)
+    check_layers(root, problems)
     check_host(root, problems)
     check_destructors(root, problems)
     check_relative(root, problems)

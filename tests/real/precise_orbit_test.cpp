@@ -14,7 +14,7 @@
 
 #include "host/rinex/diagnostics.h"
 #include "host/rinex/navigation_reader.h"
-#include "navigation/ephemeris.h"
+#include "navigation/ephemerides/ephemeris.h"
 #include "tests/support/gzip_file.h"
 #include "tests/support/shared_folder.h"
 

@@ -6,7 +6,7 @@
 #include <map>
 
 #include "host/simulator/orbits.h"
-#include "navigation/ephemeris.h"
+#include "navigation/ephemerides/ephemeris.h"
 #include "tests/simulator/made.h"
 
 namespace {

@@ -10,10 +10,10 @@
 #include <cmath>
 #include <vector>
 
-#include "navigation/atmosphere.h"
-#include "navigation/ephemeris.h"
-#include "navigation/geometry.h"
-#include "navigation/positioning_epoch.h"
+#include "navigation/ephemerides/ephemeris.h"
+#include "navigation/orbits/geometry.h"
+#include "navigation/positioning/atmosphere.h"
+#include "navigation/positioning/positioning_epoch.h"
 #include "orsolva/records.h"
 #include "toolkit/signals.h"
 

@@ -5,8 +5,8 @@
 #include <memory>
 #include <random>
 
-#include "navigation/ephemeris.h"
-#include "navigation/geometry.h"
+#include "navigation/ephemerides/ephemeris.h"
+#include "navigation/orbits/geometry.h"
 #include "toolkit/signals.h"
 
 namespace orsolva_test {

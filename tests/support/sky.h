@@ -10,8 +10,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "navigation/ephemeris.h"
-#include "navigation/geometry.h"
+#include "navigation/ephemerides/ephemeris.h"
+#include "navigation/orbits/geometry.h"
 #include "orsolva/records.h"
 #include "toolkit/signals.h"
 

@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "navigation/satellite_state.h"
+#include "navigation/orbits/satellite_state.h"
 
 namespace orsolva_test {
 

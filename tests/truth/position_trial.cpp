@@ -4,9 +4,9 @@
 #include <cmath>
 
 #include "host/simulator/random_streams.h"
-#include "navigation/atmosphere.h"
-#include "navigation/geometry.h"
-#include "qc/epoch_time.h"
+#include "navigation/orbits/geometry.h"
+#include "navigation/positioning/atmosphere.h"
+#include "qc/base/epoch_time.h"
 #include "tests/support/trace_recorder.h"
 #include "tests/truth/observed_run.h"
 

@@ -9,7 +9,7 @@
 
 #include "orsolva/gnssqc.h"
 #include "orsolva/version.h"
-#include "qc/config.h"
+#include "qc/base/config.h"
 #include "toolkit/satellite.h"
 
 namespace orsolva {

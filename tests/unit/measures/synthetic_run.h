@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "measures/driver.h"
-#include "navigation/ephemeris.h"
-#include "qc/config.h"
+#include "navigation/ephemerides/ephemeris.h"
+#include "qc/base/config.h"
 #include "toolkit/constants.h"
 #include "toolkit/signals.h"
 

@@ -7,8 +7,8 @@
 #include <random>
 #include <vector>
 
-#include "qc/config.h"
-#include "qc/epoch_time.h"
+#include "qc/base/config.h"
+#include "qc/base/epoch_time.h"
 #include "tests/support/exact_sky.h"
 #include "tests/support/sky.h"
 

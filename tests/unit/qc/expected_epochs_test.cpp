@@ -5,8 +5,8 @@
 #include <cmath>
 #include <memory>
 
-#include "qc/config.h"
-#include "qc/epoch_time.h"
+#include "qc/base/config.h"
+#include "qc/base/epoch_time.h"
 #include "tests/support/exact_sky.h"
 #include "tests/support/sky.h"
 

@@ -1,5 +1,5 @@
-// The exported functions: the roof of the library and the only place where errors are caught.
-#include "interface/record_layout.h"  // first: what it refuses is told before anything else fails
+// The exported functions: the top layer of the library and the only place where errors are caught.
+#include "interface/record_layout.h"  // first: what it refuses is reported before anything else fails
 
 #include <cstring>
 #include <new>
@@ -33,7 +33,7 @@ void Guarded(Operation&& operation) noexcept {
   try {
     operation();
   } catch (...) {
-    // Swallowed: there is no one to tell.
+    // Swallowed: the function has no failure value.
   }
 }
 

@@ -2,8 +2,8 @@
 #ifndef ORSOLVA_INTERFACE_RECORD_LAYOUT_H
 #define ORSOLVA_INTERFACE_RECORD_LAYOUT_H
 
-// Hosts and library exchange these records as bytes, with pointers among them. Stands before every include,
-// so that a machine whose headers are missing is told the reason too.
+// Hosts and library exchange these records as bytes, with pointers among them. Comes before every include,
+// so that a machine whose headers are missing gets the reason too.
 #if defined(__BYTE_ORDER__) && __BYTE_ORDER__ != __ORDER_LITTLE_ENDIAN__
 #error "the records of the boundary are laid out for little-endian byte order; this machine has another"
 #endif

@@ -1,7 +1,7 @@
 // Code pairs: which observation code is combined with which for the multipath and slip measures.
 //
 // A pair (code a, partner b) measures the code multipath of a with the ionosphere removed by the carrier
-// phases of the bands of a and b. The pairs of a system are built once a run from the codes observed.
+// phases of the bands of a and b. The pairs of a system are built once per run from the codes observed.
 #ifndef ORSOLVA_MEASURES_CHANNEL_COMBINATIONS_H
 #define ORSOLVA_MEASURES_CHANNEL_COMBINATIONS_H
 
@@ -16,7 +16,7 @@
 
 namespace orsolva {
 
-/// Most pairs of one band.
+/// Largest number of pairs of one band.
 inline constexpr int kPairsPerBand = 10;
 
 /// A measured code and its partner on another band.

@@ -19,7 +19,7 @@ struct PairState {
   PairSignals Signals;
   std::uint32_t Code = 0;
   std::uint32_t Partner = 0;
-  bool Met = false;  // the code was observed: the pair enters the results
+  bool Seen = false;  // the code was observed: the pair enters the results
   AbsoluteMp Mp;
   IodDetect Iod;
 };
@@ -28,7 +28,7 @@ struct PairState {
 struct SatelliteMeasures {
   gnssqctoolkit::SatelliteId Id;
   bool Opened = false;
-  int NotMet = 0;
+  int PairsNotSeen = 0;
   std::vector<PairState> Pairs;  // sized once: the views below point into it
   SatMp Mp;
   SatIodDetect Iod;
@@ -80,7 +80,7 @@ void FillViews(SatelliteMeasures& satellite) {
   satellite.Iod = SatIodDetect();
   for (const PairState& pair : satellite.Pairs) {
     const int slot = pair.Signals.CodeSlot - 1;
-    if (!pair.Met || slot < 0 || slot >= kBandSlots) continue;
+    if (!pair.Seen || slot < 0 || slot >= kBandSlots) continue;
     std::uint8_t& count = satellite.Mp.Count[slot];
     if (count >= kPairsPerBand) continue;
     satellite.Mp.Pairs[slot][count] = &pair.Mp;
@@ -90,13 +90,13 @@ void FillViews(SatelliteMeasures& satellite) {
   }
 }
 
-void MarkMet(SatelliteMeasures& satellite, const CodeObservation* observations, std::uint32_t count) {
-  if (satellite.NotMet == 0) return;
+void MarkSeen(SatelliteMeasures& satellite, const CodeObservation* observations, std::uint32_t count) {
+  if (satellite.PairsNotSeen == 0) return;
   bool changed = false;
   for (PairState& pair : satellite.Pairs) {
-    if (pair.Met || Find(observations, count, pair.Code) == nullptr) continue;
-    pair.Met = true;
-    --satellite.NotMet;
+    if (pair.Seen || Find(observations, count, pair.Code) == nullptr) continue;
+    pair.Seen = true;
+    --satellite.PairsNotSeen;
     changed = true;
   }
   if (changed) FillViews(satellite);
@@ -142,7 +142,7 @@ struct IonSlipAndMultipath::Impl {
   EpochStore Store;
   EpochStore LoneEpoch;  // the first epoch of a run that holds no other yet, else empty
   EpochMedians Medians;
-  bool EpochsPassed = false;  // the run has met its two epochs
+  bool EpochsPassed = false;  // the run has had its two epochs
 
   // A lone first epoch has been stored but not measured: its pairs are not results yet.
   bool HasResults(int number) const { return EpochsPassed && number >= 1 && number <= kMaxSatellites; }
@@ -155,7 +155,7 @@ struct IonSlipAndMultipath::Impl {
   Impl() { std::fill(std::begin(GlonassChannels), std::end(GlonassChannels), -999); }
 
   void Open(int number, int window_length);
-  void MeetPairs();
+  void MarkObservedPairs();
   void PassEpoch(const EpochRange& epoch, const double station[3], const gnssqctoolkit::Ephemeris& ephemeris,
                  double interval, QcDetailObserver* observer);
   void MeasureSatellite(const StoredSatellite& stored, const Time_gbt& time, const AbsoluteTime& epoch,
@@ -178,7 +178,7 @@ void IonSlipAndMultipath::Impl::Open(int number, int window_length) {
   const std::vector<ChannelComb> combs = SortedPairs(*record);
   satellite.Pairs = std::vector<PairState>(combs.size());
   satellite.Opened = true;  // not before there is memory for the pairs
-  satellite.NotMet = static_cast<int>(combs.size());
+  satellite.PairsNotSeen = static_cast<int>(combs.size());
   for (std::size_t i = 0; i < combs.size(); ++i) {
     PairState& pair = satellite.Pairs[i];
     pair.Code = pair.Mp.Code = pair.Iod.Code = combs[i].Code;
@@ -188,9 +188,9 @@ void IonSlipAndMultipath::Impl::Open(int number, int window_length) {
   }
 }
 
-void IonSlipAndMultipath::Impl::MeetPairs() {
+void IonSlipAndMultipath::Impl::MarkObservedPairs() {
   for (const StoredSatellite& stored : Store.Satellites()) {
-    MarkMet(Satellites[stored.Number - 1], Store.Observations(stored), stored.Count);
+    MarkSeen(Satellites[stored.Number - 1], Store.Observations(stored), stored.Count);
   }
 }
 
@@ -310,7 +310,7 @@ bool IonSlipAndMultipath::ProcessAllEpochs(const double station_position[3],
                                            QcDetailObserver* observer) {
   EpochStore& store = impl_->Store;
   store.Arrange();
-  impl_->MeetPairs();
+  impl_->MarkObservedPairs();
   if (!impl_->EpochsPassed && store.Epochs().size() < 2) {
     EpochStore lone = store;  // complete before it is kept: a copy may find no memory
     std::swap(impl_->LoneEpoch, lone);

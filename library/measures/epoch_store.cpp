@@ -58,7 +58,7 @@ void EpochStore::Add(int number, const QcEpochData& epoch, bool counting) {
   if (satellite.Count > 0) satellites_.push_back(satellite);
 }
 
-// What is stored satellite by satellite consists of a few ascending runs, one a satellite: neighbours are
+// What is stored satellite by satellite consists of a few ascending runs, one per satellite: neighbours are
 // merged until one is left.
 void EpochStore::SortByTime() {
   runs_.assign(1, 0);

@@ -12,7 +12,7 @@
 
 namespace orsolva {
 
-/// One satellite at one epoch; its observations stand in the store, ascending by code, each code once.
+/// One satellite at one epoch; its observations are in the store, ascending by code, each code once.
 struct StoredSatellite {
   Time_gbt Time{};
   std::size_t First = 0;
@@ -34,7 +34,7 @@ class EpochStore {
   virtual ~EpochStore() = default;
 
   /// Makes room for so many more satellites and observations, so that lists of a large batch are not moved
-  /// again and again while they grow. More than that may be added all the same.
+  /// again and again while they grow. More than that may be added.
   void Reserve(std::size_t satellites, std::size_t observations);
 
   /// Copies the observations of a satellite at an epoch. Times that are not finite and epochs without

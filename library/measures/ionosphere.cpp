@@ -32,7 +32,7 @@ void ForgetPrevious(IodDetect& state) {
   state.EphemerisEpoch = AbsoluteTime();
 }
 
-// The stored value as the record of now would have given it.
+// The stored value as the record now in use would have given it.
 void FormPreviousAgain(const AbsoluteTime& epoch, double wavelength, const SatelliteGeometry& geometry,
                        IodDetect& state) {
   if (!Present(wavelength) || !Present(state.LastPseudorange) || !Present(state.LastPhase) ||

@@ -110,7 +110,7 @@ struct SatelliteGeometry {
 /// Forms lambda L - rho + c dt_s and its change since the value before it.
 ///
 /// With another record than the one behind the stored value, that value is formed again first, with the
-/// record of now.
+/// record now in use.
 /// @param new_record  set when the stored value was formed again; may be null
 /// @return whether a change was formed
 bool PhaseGeometryDifference(const gnssqctoolkit::AbsoluteTime& epoch, const CodeObservation& observation,

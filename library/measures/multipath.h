@@ -28,7 +28,8 @@ class MovingWindow {
   void Push(double value, int length);
   /// Drops the oldest value of a window that holds `length` values.
   void MakeRoom(int length);
-  /// Sum from oldest to newest over the count; 0 when empty. Summed anew, so that no rounding is carried on.
+  /// Sum from oldest to newest over the count; 0 when empty. Summed again each time, so that no rounding is
+  /// carried on.
   double Mean() const;
   /// Overwrites every value, keeping their number.
   void Fill(double value);
@@ -40,7 +41,7 @@ class MovingWindow {
   double At(int i) const { return values_[start_ + i]; }
 
  private:
-  // Twice the room: the window slides up the array and is moved back down only when it meets the end.
+  // Twice the room: the window slides up the array and is moved back only when it reaches the end.
   double values_[2 * kMaxMpWindow] = {};
   int start_ = 0;
   int count_ = 0;

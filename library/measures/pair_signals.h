@@ -1,4 +1,4 @@
-// What the measures know of one code pair of one satellite, and the observations they take.
+// Constants of one code pair of one satellite, and the observations of a code.
 #ifndef ORSOLVA_MEASURES_PAIR_SIGNALS_H
 #define ORSOLVA_MEASURES_PAIR_SIGNALS_H
 
@@ -43,7 +43,7 @@ void FillMultipathConstants(PairSignals& signals);
 PairSignals MakePairSignals(const gnssqctoolkit::SatelliteId& satellite, std::uint32_t code,
                             std::uint32_t partner, const std::int32_t* glonass_channels);
 
-/// True for a time that is not the zero time, which stands for none.
+/// True for a time other than the zero time, which means none.
 inline bool IsSet(const gnssqctoolkit::AbsoluteTime& time) {
   return time.Seconds != 0 || time.Fraction != 0.0;
 }

@@ -14,7 +14,7 @@ constexpr double kNominalRange = 3.0e8;  // m, for the signal travel time of sam
 
 // Samples are counted no further than this (about two million years), which keeps every index an exact
 // double.
-constexpr std::int64_t kMostSamples = std::int64_t{1} << 40;
+constexpr std::int64_t kMaxSamples = std::int64_t{1} << 40;
 
 constexpr double kRoundingRad = 1e-6;
 constexpr double kRightAngle = 1.5707963267948966;  // rad
@@ -82,7 +82,7 @@ void ElevationSamples::Open(const StationView& view, const gnssqctoolkit::Satell
   view_ = &view;
   satellite_ = satellite;
   first_ = batch_first;
-  last_index_ = std::clamp<std::int64_t>(IndexAtOrAfter(batch_last), 1, kMostSamples);
+  last_index_ = std::clamp<std::int64_t>(IndexAtOrAfter(batch_last), 1, kMaxSamples);
 }
 
 void ElevationSamples::Clear() {
@@ -129,7 +129,7 @@ Time_gbt ElevationSamples::SampleTime(std::int64_t i) const {
 std::int64_t ElevationSamples::IndexAtOrAfter(const Time_gbt& t) const {
   const double steps = std::ceil(TimeDifference(t, first_) / static_cast<double>(kSampleStep));
   if (!(steps > 0.0)) return 0;
-  if (!(steps < static_cast<double>(kMostSamples))) return kMostSamples + 1;
+  if (!(steps < static_cast<double>(kMaxSamples))) return kMaxSamples + 1;
   // The division rounds: one step either way settles it.
   auto i = static_cast<std::int64_t>(steps);
   if (TimeDifference(SampleTime(i - 1), t) >= 0.0) return i - 1;
@@ -191,11 +191,11 @@ std::int64_t ElevationSamples::Missing(std::int64_t i, int direction) const {
   gnssqctoolkit::AbsoluteTime covered;
   const bool found = direction > 0 ? records.CoveredAtOrAfter(satellite_, time, covered)
                                    : records.CoveredAtOrBefore(satellite_, time, covered);
-  if (!found) return kMostSamples;
+  if (!found) return kMaxSamples;
   const double uncovered = std::fabs(TimeDifference(covered, time));
   const double still = records.StandsStillFor(satellite_, time, direction);
   const double steps = std::floor(std::max(uncovered, still) / static_cast<double>(kSampleStep));
-  if (!(steps < static_cast<double>(kMostSamples))) return kMostSamples;
+  if (!(steps < static_cast<double>(kMaxSamples))) return kMaxSamples;
   return std::max<std::int64_t>(1, static_cast<std::int64_t>(steps));
 }
 

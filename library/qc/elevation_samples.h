@@ -34,8 +34,8 @@ class StationView {
                  double azimuth_elevation[2]) const;
   /// The elevation alone, in rad.
   bool Elevation(const gnssqctoolkit::SatelliteId& satellite, const Time_gbt& time, double& elevation) const;
-  /// For how long after `time` the elevation surely stays below `limit_rad`, s; 0 when nothing is known. It
-  /// is then below it as well up to `margin_s` before `time` and after the end, and exists at all these
+  /// For how long after `time` the elevation certainly stays below `limit_rad`, s; 0 when nothing is known.
+  /// It is then below it as well up to `margin_s` before `time` and after the end, and exists at all these
   /// times.
   double BelowFor(const gnssqctoolkit::SatelliteId& satellite, const Time_gbt& time, double limit_rad,
                   double margin_s) const;

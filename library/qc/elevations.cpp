@@ -9,7 +9,7 @@ namespace orsolva {
 
 namespace {
 
-constexpr double kClearMargin = 0.5 * kDegree;  // rad
+constexpr double kClearMargin = 0.5 * gnssqctoolkit::kRadiansPerDegree;  // rad
 
 double Interpolate(const SampleBracket& bracket, const Time_gbt& t) {
   // Kept for compatibility: the slope is taken over the nominal 60 s also when samples between the two are

@@ -22,7 +22,7 @@ class QcEleList {
  public:
   virtual ~QcEleList() = default;
 
-  /// Where the station stands and what counts as above the cut-off (rad), for the satellites opened next.
+  /// Position of the station and elevation cut-off (rad), for the satellites opened next.
   void SetStation(const gnssqctoolkit::Ephemeris& ephemeris, const double station_position[3],
                   double elevation_mask);
   void OpenSatellite(const gnssqctoolkit::SatelliteId& satellite, const Time_gbt& batch_first,
@@ -36,10 +36,10 @@ class QcEleList {
   /// The cut-off flag at any time: from the samples where they bracket it, else from the exact elevation.
   bool AboveCutoff(const Time_gbt& t);
 
-  /// For how long from `t` on the cut-off flag surely stays down, s; 0 when nothing is known.
+  /// For how long from `t` on the cut-off flag certainly stays down, s; 0 when nothing is known.
   double BelowCutoffFor(const Time_gbt& t) const;
 
-  /// The satellite stands within half a degree of the cut-off. False where the samples tell that it does not,
+  /// The satellite is within half a degree of the cut-off. False where the samples show that it is not,
   /// and where it has no position.
   bool NearCutoff(const Time_gbt& t);
 

@@ -9,16 +9,16 @@ namespace orsolva {
 
 namespace {
 
-constexpr double kLookStep = 60.0;                 // s between two looks at the flag
-constexpr double kMostLooks = 2000.0;              // of a day in one step
-constexpr double kLeastSteps = 8.0;                // looked at one by one without asking for more
-constexpr std::int64_t kCloseLooks = 60;           // looks at a run close to the cut-off
-constexpr double kMostSteps = 4503599627370496.0;  // 2^52
-constexpr double kLongestGap = 1.0e12;             // s; anything longer is no gap but a broken clock
+constexpr double kCheckStep = 60.0;               // s between two checks of the flag
+constexpr double kMaxChecks = 2000.0;             // per step, about a day
+constexpr double kLeastSteps = 8.0;               // checked one by one before a bound is asked for
+constexpr std::int64_t kCloseChecks = 60;         // checks of a run close to the cut-off
+constexpr double kMaxSteps = 4503599627370496.0;  // 2^52
+constexpr double kLongestGap = 1.0e12;            // s; anything longer is no gap but a broken clock
 
 std::int64_t Steps(double seconds, double interval) {
   const double steps = std::floor(seconds / interval);
-  return steps < kMostSteps ? static_cast<std::int64_t>(steps) : static_cast<std::int64_t>(kMostSteps);
+  return steps < kMaxSteps ? static_cast<std::int64_t>(steps) : static_cast<std::int64_t>(kMaxSteps);
 }
 
 }  // namespace
@@ -58,7 +58,7 @@ std::uint64_t NominalGap::CountOneByOne() const {
 
 std::uint64_t NominalGap::CountRuns() const {
   const double exact_steps = std::ceil(gap_s_ / interval_ - 0.5) - 1.0;
-  const auto steps = static_cast<std::int64_t>(std::min(exact_steps, kMostSteps));
+  const auto steps = static_cast<std::int64_t>(std::min(exact_steps, kMaxSteps));
   std::uint64_t count = 0;
   for (std::int64_t first = 1; first <= steps;) {
     const std::int64_t last = std::min(steps, RunEnd(first));
@@ -70,28 +70,30 @@ std::uint64_t NominalGap::CountRuns() const {
   return count;
 }
 
-// How many nominal epochs from `first` on lie below the cut-off for sure: whole looks, so that those behind
-// are looked at where they would have been.
+// How many nominal epochs from `first` on are certainly below the cut-off: whole checks, so that those behind
+// stay where they would have been.
 std::int64_t NominalGap::SurelyBelow(std::int64_t first) const {
-  const double look_s = static_cast<double>(Look()) * interval_;
-  const double looks = std::floor(elevations_.BelowCutoffFor(Nominal(first)) / look_s);
-  return looks >= 1.0 && looks < kMostLooks ? static_cast<std::int64_t>(looks) * Look() : 0;
+  const double check_s = static_cast<double>(StepsBetweenChecks()) * interval_;
+  const double checks = std::floor(elevations_.BelowCutoffFor(Nominal(first)) / check_s);
+  return checks >= 1.0 && checks < kMaxChecks ? static_cast<std::int64_t>(checks) * StepsBetweenChecks() : 0;
 }
 
-// Nominal epochs between two looks.
-std::int64_t NominalGap::Look() const { return std::max<std::int64_t>(1, Steps(kLookStep, interval_)); }
+// Nominal epochs between two checks.
+std::int64_t NominalGap::StepsBetweenChecks() const {
+  return std::max<std::int64_t>(1, Steps(kCheckStep, interval_));
+}
 
 std::int64_t NominalGap::RunEnd(std::int64_t first) const {
-  const std::int64_t look = Look();
+  const std::int64_t apart = StepsBetweenChecks();
   const Time_gbt from = Nominal(first);
   Time_gbt covered{};
   const double still = elevations_.StandsStillFor(from);
-  if (still > kLookStep) return first + std::max(look, Steps(still, interval_)) - 1;
-  if (!elevations_.CoveredAtOrAfter(from, covered)) return static_cast<std::int64_t>(kMostSteps);
+  if (still > kCheckStep) return first + std::max(apart, Steps(still, interval_)) - 1;
+  if (!elevations_.CoveredAtOrAfter(from, covered)) return static_cast<std::int64_t>(kMaxSteps);
   const double ahead = TimeDifference(covered, from);
-  if (!(ahead > kLookStep)) return first + look - 1;
+  if (!(ahead > kCheckStep)) return first + apart - 1;
   // One step short of the coverage: its start is known to a microsecond.
-  return first + std::max(look, Steps(ahead, interval_)) - 1;
+  return first + std::max(apart, Steps(ahead, interval_)) - 1;
 }
 
 std::uint64_t NominalGap::CountRun(std::int64_t first, std::int64_t last) const {
@@ -99,7 +101,7 @@ std::uint64_t NominalGap::CountRun(std::int64_t first, std::int64_t last) const 
   if (length < 3 || !(elevations_.NearCutoff(Nominal(first)) || elevations_.NearCutoff(Nominal(last)))) {
     return CountMonotone(first, last);
   }
-  const std::int64_t stride = (length + kCloseLooks - 1) / kCloseLooks;
+  const std::int64_t stride = (length + kCloseChecks - 1) / kCloseChecks;
   std::uint64_t count = 0;
   for (std::int64_t k = first; k <= last; k += stride) {
     count += CountMonotone(k, std::min(last, k + stride - 1));

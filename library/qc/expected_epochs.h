@@ -1,4 +1,4 @@
-// Expected epochs: at how many nominal epochs a satellite stood above the elevation cut-off.
+// Expected epochs: at how many nominal epochs a satellite was above the elevation cut-off.
 //
 // The first epoch of a satellite counts only itself. Every later one closes the gap since the last: the
 // nominal epochs last + k * interval, while they lie more than half an interval before the current one, and
@@ -16,15 +16,15 @@ namespace orsolva {
 
 /// Nominal epochs strictly between two epochs, and how many of them lie above the cut-off.
 ///
-/// Up to kLiteralSteps nominal epochs are visited one by one. In a longer gap the flag is looked at once a
+/// Up to kLiteralSteps nominal epochs are visited one by one. In a longer gap the flag is checked once per
 /// minute where broadcast records cover the satellite (every second close to the cut-off, where a satellite
-/// may graze it) and at both ends of spans where none do; between two looks it changes at most once, and the
+/// may graze it) and at both ends of spans where none do; between two checks it changes at most once, and the
 /// step at which it does is found by halving. So neither a tiny interval nor a gap of years makes the count
 /// long. In a long gap the nominal epochs are last + k * interval in one product, which differs from repeated
 /// addition by rounding only. Gaps count at most 2^52 nominal epochs.
 ///
 /// Nominal epochs at which the satellite cannot have risen to the cut-off yet, because it does not move fast
-/// enough, are not looked at: they count nothing either way.
+/// enough, are not checked: they count nothing either way.
 class NominalGap {
  public:
   static constexpr double kLiteralSteps = 256.0;
@@ -40,7 +40,7 @@ class NominalGap {
   std::uint64_t CountRun(std::int64_t first, std::int64_t last) const;
   std::uint64_t CountMonotone(std::int64_t first, std::int64_t last) const;
   std::int64_t SurelyBelow(std::int64_t first) const;
-  std::int64_t Look() const;
+  std::int64_t StepsBetweenChecks() const;
   std::int64_t RunEnd(std::int64_t first) const;
   Time_gbt Nominal(std::int64_t k) const;
 

@@ -13,7 +13,7 @@ namespace orsolva {
 inline constexpr std::uint8_t kUnhealthySatellite = 255;
 
 /// Adds the healthy records (health word 0) to the stores, fills the GLONASS channel table, and marks every
-/// satellite whose records are all unhealthy. A null pointer with a count stands for no records.
+/// satellite whose records are all unhealthy. A null pointer with a count means no records.
 ///
 /// @param sat_usable  208 values by satellite number - 1; only the marks of unhealthy satellites are written
 /// @return false when the set holds no record at all, healthy or not

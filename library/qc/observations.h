@@ -13,7 +13,7 @@
 
 namespace orsolva {
 
-/// Entries of the input arrays that are read; counts beyond claim no more.
+/// Entries of the input arrays that are read, whatever their counts claim.
 inline constexpr std::uint32_t kSatellitesPerEpoch = 80;
 inline constexpr std::uint32_t kSignalsPerSatellite = 8;
 /// Epochs of a batch in which signal codes are looked for: indices 0 to 2001.
@@ -42,7 +42,7 @@ class BatchCodes {
 
   /// Looks at the first 2,002 epochs. A ninth code of a system is ignored.
   void Collect(const ObsBodyData_QC_gbt& obs);
-  /// Counts an occurrence of a code that stands in its system's table.
+  /// Counts an occurrence of a code listed in its system's table.
   void Hit(int system_slot, std::uint8_t code);
 };
 

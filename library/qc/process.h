@@ -18,9 +18,9 @@
 
 namespace orsolva {
 
-/// What one batch tells about itself while it is taken in.
+/// What is found out about a batch while it is taken in.
 struct BatchSummary {
-  double Interval = 0.0;  ///< s, 0 when it could not be told
+  double Interval = 0.0;  ///< s, 0 when none could be detected
   Time_gbt FirstTime{};   ///< earliest epoch; zero = unset
   Time_gbt LastTime{};
   std::uint32_t EpochCount = 0;  ///< epochs accepted
@@ -65,7 +65,7 @@ class PostProcessGnssQc {
   GNSSQC_STATE TakeBatch(const ObsBodyData_QC_gbt& obs);
 
   /// Sorts the epochs of a batch into ObsData.
-  /// @return false when the interval cannot be told (the epochs are stored all the same) or no epoch has a
+  /// @return false when no interval can be detected (the epochs are stored nevertheless) or no epoch has a
   ///         usable time
   bool Ingest(const ObsBodyData_QC_gbt& obs, BatchCodes& codes, BatchSummary& summary);
 
@@ -77,7 +77,7 @@ class PostProcessGnssQc {
   /// The result per signal code of the run so far; changes nothing.
   void EachCodeResult(total_code_qc_result& record) const;
 
-  /// Plugs an observer of the details in for the batches that follow; null takes it out. The caller keeps
+  /// Sets the detail observer of the batches that follow; null removes it. The caller keeps
   /// ownership.
   void SetDetailObserver(QcDetailObserver* observer) { observer_ = observer; }
 

@@ -53,9 +53,9 @@ gnssqctoolkit::PositioningEpoch Gather(QcGNSSObsData& observations, const std::u
 bool StationPosition(QcGNSSObsData& observations, const gnssqctoolkit::Ephemeris& ephemeris,
                      const std::uint8_t* sat_usable, std::uint32_t first_sequence, std::uint32_t epochs,
                      double position[3]) {
-  constexpr auto kMostEpochs = static_cast<std::uint32_t>(std::numeric_limits<int>::max());
+  constexpr auto kMaxEpochs = static_cast<std::uint32_t>(std::numeric_limits<int>::max());
   std::vector<gnssqctoolkit::PositioningEpoch> gathered;
-  for (const int offset : gnssqctoolkit::SpreadEpochs(static_cast<int>(std::min(epochs, kMostEpochs)))) {
+  for (const int offset : gnssqctoolkit::SpreadEpochs(static_cast<int>(std::min(epochs, kMaxEpochs)))) {
     gathered.push_back(Gather(observations, sat_usable, first_sequence, static_cast<std::uint32_t>(offset)));
   }
   return gnssqctoolkit::PositionFromEpochs(gathered, ephemeris, gnssqctoolkit::SPPOption(), position);

@@ -1,4 +1,4 @@
-// Combinations of signal codes, one code a band, with which the satellites of a system are judged.
+// Combinations of signal codes, one code per band, for which the figures of a system are formed.
 #ifndef ORSOLVA_RESULTS_CODE_COMBINATIONS_H
 #define ORSOLVA_RESULTS_CODE_COMBINATIONS_H
 
@@ -33,7 +33,7 @@ enum class CombinationTarget : std::uint8_t {
 /// false for a code without a slot.
 bool IsCodeEnabled(const QcSysConfig& config, int system, int code);
 
-/// Cartesian product of the codes by band slot. The last band's codes stand first in a combination and vary
+/// Cartesian product of the codes by band slot. The last band's codes come first in a combination and vary
 /// slowest; the product ends at ten.
 /// @param codes  the codes observed in the system, in the order of their first appearance
 QcCodeCombination BuildCombinations(const QcSysConfig& config, int system, CombinationTarget target,

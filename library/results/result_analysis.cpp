@@ -105,7 +105,7 @@ void QcResultAnalysis::BuildCodeCombinations(const ResultSources& sources, const
         BuildCombinations(config.Sys[s], system, target, sources.CodeLists[CodeListSlotOf(system)]);
   }
   // The combinations of the newer BDS satellites follow the flags of their own row, while their usable bands
-  // are counted by the BDS row: with the BD3 row switched off they are seen but have nothing to be judged on.
+  // are counted by the BDS row: with the BD3 row switched off they have usable bands but no combination.
   const QcSysConfig& own_row = config.Sys[kSlotBd3];
   const gnssqctoolkit::IList& codes = sources.CodeLists[CodeListSlotOf(gnssqctoolkit::kBds)];
   QcSysAllResult& bd3 = result.All[kSlotBd3];

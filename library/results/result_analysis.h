@@ -11,7 +11,7 @@ namespace orsolva {
 /// Times of a result are rounded to a millisecond, halves away from zero.
 double RoundToMillisecond(double seconds);
 
-/// The combinations of codes with which a satellite is judged; none without a usable code.
+/// The combinations for which a satellite has figures; none without a usable code.
 struct SatelliteCombinations {
   QcCodeCombination Combinations;
   bool Shifted = false;  ///< its channels are read shifted, see SatelliteView
@@ -33,7 +33,7 @@ class QcResultAnalysis {
   /// Every satellite with every combination of its system, then the systems.
   void AnalyseSatellites(const ResultSources& sources, const QcConfig& config, QcResult& result) const;
 
-  /// How a satellite is judged, by its usable bands.
+  /// The combinations of a satellite, by its usable bands.
   SatelliteCombinations CombinationsOf(const SatelliteStores& stores, const QcConfig& config,
                                        const QcResult& result) const;
 

@@ -18,7 +18,7 @@
 
 namespace orsolva {
 
-/// Numbers of a system slot: one row a PRN.
+/// Numbers of a system slot: one row per PRN.
 inline constexpr int kPrnsPerSlot = 64;
 
 /// Multipath and slips of one band slot.
@@ -61,7 +61,7 @@ class QcSnrResult {
 /// All figures of one satellite or one system for one combination of codes.
 class QcResultCore {
  public:
-  // Not inline: thousands of them stand in a result, and compilers would lay out each one's zeros in line.
+  // Not inline: a result holds thousands of them, and compilers would lay out each one's zeros in line.
   QcResultCore();
   QcResultCore(const QcResultCore&) = default;
   QcResultCore& operator=(const QcResultCore&) = default;

@@ -27,7 +27,7 @@ struct SatelliteStores {
 
 /// A satellite's channels by the band slots of the signal tables.
 ///
-/// The completeness and SNR channels of the BDS-3 satellites stand at slots of their own. For them the
+/// The completeness and SNR channels of the BDS-3 satellites have slots of their own. For them the
 /// channels are read shifted: slot 6 shows the channels of slot 5, slot 5 those of slot 2, and slot 2 none.
 /// Only the reading is shifted, never the statistics, so results can be asked for any number of times.
 class SatelliteView {
@@ -59,7 +59,7 @@ std::uint64_t ObservedTogether(const SatelliteView& view, const gnssqctoolkit::I
 /// All figures of a satellite for a combination, into an empty core.
 void EvaluateCombination(const SatelliteView& view, const gnssqctoolkit::IList& codes, QcResultCore& core);
 
-/// The codes with which a satellite can be judged: in an enabled band and observed at least once.
+/// The usable codes of a satellite: in an enabled band and observed at least once.
 struct UsableCodes {
   int BandCount = 0;           ///< distinct band slots
   gnssqctoolkit::IList Codes;  ///< by channel

@@ -14,8 +14,8 @@ BdsGeneration BdsGenerationOf(int prn);
 
 /// Band slot (1 to 6) of the completeness and SNR channels of a band; 0 for a band without channels.
 ///
-/// Kept for compatibility: these are not the slots of the signal tables. Galileo bands 8 and 7 stand at 3 and
-/// 4 here and at 4 and 3 there; BDS-3 bands 5 and 7 stand at 2 and 5 here and at 5 and 6 there.
+/// Kept for compatibility: these are not the slots of the signal tables. Galileo bands 8 and 7 are at 3 and
+/// 4 here and at 4 and 3 there; BDS-3 bands 5 and 7 are at 2 and 5 here and at 5 and 6 there.
 /// @param generation  looked at for BDS only
 int ChannelSlot(int system, int band, BdsGeneration generation);
 

@@ -13,7 +13,7 @@ constexpr double kSampleRange = 256.0;
 /// The entry of a band that carries the code of channel k, null when there is none.
 ///
 /// Kept for compatibility: beside entry k only as many entries are searched as the slot has channels, not as
-/// the band has observations, so a code that stands behind them is not found.
+/// the band has observations, so a code behind them is not found.
 const Signal_QC_gbt* FindEntry(const QcSlotSignals& slot, int k, std::uint8_t code, int channels) {
   const int signals = std::min<int>(slot.Count, kSignalsPerSlot);
   if (k < signals && slot.Signals[k].code == code) return &slot.Signals[k];

@@ -39,6 +39,8 @@ inline constexpr double kWeek = 604800.0;
 /// rad, -5 degrees: tilt of the frame of BDS geostationary orbits. BDS ICD, table of user algorithms.
 inline constexpr double kBdsGeoTilt = -0.08726646259971647;
 inline constexpr double kRadiansPerDegree = 0.017453292519943295;
+/// rad, 10 degrees: the elevation cut-off of a run and of positioning by default.
+inline constexpr double kDefaultElevationCutoff = 0.17453292519943295;
 
 /// s, BDS time is this much behind GPS time. BDS ICD, 3.3: BDS time starts at 2006-01-01 UTC.
 inline constexpr double kGpsMinusBds = 14.0;

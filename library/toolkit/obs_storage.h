@@ -1,5 +1,8 @@
 // Observations of one satellite at one epoch, and of one epoch.
 //
+// Kept for compatibility: part of the library's contract, but not used by a run, whose observations are in
+// qc/observations.h.
+//
 // Both grow in fixed steps of reported capacity over memory that grows geometrically, and copy deeply. An
 // allocation that fails leaves the store as it was and is reported, never thrown.
 #ifndef ORSOLVA_TOOLKIT_OBS_STORAGE_H

@@ -19,7 +19,7 @@ enum GnssSystem : std::uint8_t {
 
 /// Highest satellite number.
 inline constexpr int kMaxSatellites = 208;
-/// BDS numbers below this are BDS-2 satellites in every rule that tells the generations apart.
+/// BDS numbers below this are BDS-2 satellites in every rule that distinguishes the generations.
 inline constexpr int kFirstBds3 = 18;
 
 /// A satellite: system code and number within the system.

@@ -58,7 +58,7 @@ inline constexpr SignalRow kGlonassSignals[] = {
     { 42,  3,  3, "3X", 3},
 };
 
-// Kept for compatibility: codes 150 to 152 stand twice and the first rows win.
+// Kept for compatibility: codes 150 to 152 have two rows and the first one counts.
 // Kept for compatibility: bands 8, 6 and 36 share slot 3.
 inline constexpr SignalRow kBdsSignals[] = {
     // code band priority obs frequency
@@ -172,7 +172,7 @@ struct WavelengthRow {
   double wavelength_m;
 };
 
-// GLONASS bands 1 and 2 depend on the frequency channel and stand in the lookup.
+// GLONASS bands 1 and 2 depend on the frequency channel; see the lookup.
 inline constexpr WavelengthRow kWavelengths[] = {
     {kGps,      1, 0.19029367279836487},      // 1575.42 MHz
     {kGps,      2, 0.24421021342456825},      // 1227.60 MHz

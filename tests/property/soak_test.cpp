@@ -16,9 +16,9 @@ namespace orsolva_test {
 namespace {
 
 constexpr int kEpochs = 24;
-constexpr long kMostGrown = 4L << 20;  // what fragments may take
+constexpr long kMaxGrown = 4L << 20;  // what fragments may take
 
-// The sanitizers keep freed memory for a while: there the count of blocks alone judges.
+// The sanitizers keep freed memory for a while: there only the count of blocks is tested.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool kKeepsFreedMemory = true;
 #elif defined(__has_feature)
@@ -93,7 +93,7 @@ TEST(Soak, MemoryIsFlatOverManyShortRuns) {
   const long grown = ResidentBytes() - resident;
   std::printf("%ld runs: %+ld bytes resident in the later half\n", runs, grown);
   if (kKeepsFreedMemory) return;
-  EXPECT_LT(grown, kMostGrown);
+  EXPECT_LT(grown, kMaxGrown);
 }
 
 }  // namespace

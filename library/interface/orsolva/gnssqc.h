@@ -1,6 +1,6 @@
 // The eight exported functions of libOrsolva_cbb.so (on Windows libOrsolva_cbb.dll).
 //
-// A run: CreatQcProcess, InitialQc once, GNSSQCPlus once a batch (batches in time order), then
+// A run: CreatQcProcess, InitialQc once, GNSSQCPlus once per batch (batches in time order), then
 // GetAllPeriodResult and GetEachCodeResult as often as wanted, DiposeProcess. GNSSQC does all of it for one
 // batch. A handle belongs to one thread at a time; different handles share nothing. No exception leaves any
 // of these functions. The spelling of the names is part of the binary interface.
@@ -44,7 +44,7 @@ ORSOLVA_EXPORT GNSSQC_STATE GNSSQCPlus(const ObsBodyData_QC_gbt& obs, unsigned l
 /// Writes the result of the run so far; changes no statistic.
 ///
 /// @return true when the lost epochs are not negative and the combined completeness lies in [0, 1]; false
-///         otherwise (the record is filled all the same), for null arguments and on an error
+///         otherwise (the record is filled nevertheless), for null arguments and on an error
 ORSOLVA_EXPORT bool GetAllPeriodResult(unsigned long long* handle, result_qct* result);
 
 /// Writes the result per signal code of the run so far; changes no statistic. For a null handle and on an

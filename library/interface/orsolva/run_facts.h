@@ -41,7 +41,7 @@ struct SatelliteFacts {
 /// One system slot: GPS, GLONASS, BDS, Galileo, QZSS, BD3.
 struct SystemFacts {
   std::uint8_t sys = 0;
-  bool enabled = false;  ///< taken in
+  bool enabled = false;  ///< its epochs are measured
   bool merged = false;   ///< part of the total; never for BD3, whose figures are in the BDS slot
   bool bands[6] = {};    ///< frequency slots in use, once codes have been observed
   int code_count = 0;
@@ -111,7 +111,7 @@ struct RunFacts {
   ChosenCombination total;                 ///< per band slot that of the first merged system that has one
 };
 
-/// The facts of a run as it stands.
+/// The facts of a run at present.
 /// @param handle  of CreatQcProcess; null gives facts that are not valid
 /// @throws std::bad_alloc when there is no memory
 RunFacts FactsOf(const unsigned long long* handle);

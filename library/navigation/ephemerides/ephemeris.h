@@ -1,4 +1,4 @@
-// The navigation set of a run: one store a system, and the one door through which measures and positioning
+// The navigation set of a run: one store per system, and the one place where measures and positioning
 // ask for satellite positions.
 #ifndef ORSOLVA_NAVIGATION_EPHEMERIDES_EPHEMERIS_H
 #define ORSOLVA_NAVIGATION_EPHEMERIDES_EPHEMERIS_H

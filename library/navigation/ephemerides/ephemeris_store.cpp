@@ -146,7 +146,7 @@ const typename Traits::Record* SystemEphemeris<Traits>::Find(const SatelliteId& 
   const SatelliteEphemeris<Traits>* store = Satellite(satellite);
   const int chosen =
       store == nullptr ? -1 : store->Choose(Traits::RecordTime(t), satellite.prn, iode, max_age_s);
-  // Kept for compatibility: a request by issue of data is reported as missing even when it was met.
+  // Kept for compatibility: a request by issue of data is reported as missing even when it is found.
   if ((chosen < 0 || iode >= 0) && TraceEnabled()) Traits::TraceMissing(GNSSTime(t), satellite, iode);
   if (chosen < 0) return nullptr;
   reference = store->Reference(chosen);

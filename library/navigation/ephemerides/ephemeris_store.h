@@ -1,4 +1,5 @@
-// Broadcast records, one store a system, one list a satellite, and the choice of the record for an epoch.
+// Broadcast records, one store per system and one list per satellite, and the choice of the record for an
+// epoch.
 //
 // Neither storing nor choosing looks at the health of a record; it is carried along for the callers.
 #ifndef ORSOLVA_NAVIGATION_EPHEMERIDES_EPHEMERIS_STORE_H
@@ -16,7 +17,7 @@
 
 namespace gnssqctoolkit {
 
-/// Most records a satellite keeps; the oldest makes room for the next.
+/// Largest number of records kept per satellite; the oldest makes room for the next.
 inline constexpr int kMaxRecordsPerSatellite = 168;
 /// Longest age that may be set, s.
 inline constexpr double kLongestMaxAge = 86400.0;
@@ -54,7 +55,7 @@ class SatelliteEphemeris {
   /// The same with another maximum age, s.
   int Choose(const AbsoluteTime& t, std::int32_t prn, std::int32_t iode, double max_age_s) const;
   const AbsoluteTime& Reference(int i) const { return references_.At(i); }
-  /// For how long before and after t record i, chosen for it, surely stays the choice, and a bound of its
+  /// For how long before and after t record i, chosen for it, certainly stays the choice, and a bound of its
   /// speed holds.
   /// @return false when nothing is sure
   bool ChosenAround(const AbsoluteTime& t, int i, double& before_s, double& after_s) const;
@@ -77,7 +78,7 @@ class SatelliteEphemeris {
   struct Nearest {
     AbsoluteTime Time;
     int Index = -1;
-    double Lead = 0.0;  // s by which the second nearest is further away; 0 = look again
+    double Lead = 0.0;  // s by which the second nearest is further away; 0 = search again
   };
   int ChooseIssue(const AbsoluteTime& t, std::int32_t prn, std::int32_t iode, double max_age_s) const;
 
@@ -128,7 +129,7 @@ class SystemEphemeris {
   int SatellitePosition(const Record& record, const AbsoluteTime& reference, const AbsoluteTime& reception,
                         double pseudorange, SatelliteState& state) const;
 
-  /// Place and bounded motion of a satellite at a reception time; false when either cannot be told.
+  /// Place and bounded motion of a satellite at a reception time; false when either is unknown.
   bool Motion(const SatelliteId& satellite, const AbsoluteTime& reception, double pseudorange,
               BoundedMotion& motion) const;
 

@@ -1,4 +1,4 @@
-// What tells the systems apart in storing and selecting records and in forming positions.
+// How the systems differ in storing and selecting records and in forming positions.
 #ifndef ORSOLVA_NAVIGATION_EPHEMERIDES_EPHEMERIS_TRAITS_H
 #define ORSOLVA_NAVIGATION_EPHEMERIDES_EPHEMERIS_TRAITS_H
 
@@ -17,7 +17,7 @@ namespace gnssqctoolkit {
 //   kSystem, kSatellites  the system and its highest satellite number
 //   kDefaultMaxAge        s
 //   kHasIode              whether a record can be asked for by its issue of data
-//   ClockTime             the time by which two records are told apart
+//   ClockTime             the time by which two records are distinguished
 //   ReferenceTime         the time from which a record's age is counted
 //   StoreTime             a reception time (GPS time) in the scale Select takes
 //   RecordTime            that time in the scale of the reference times

@@ -1,7 +1,7 @@
 // Reference times of the broadcast records of one satellite: which record is nearest to a time, for how long
 // it stays so, and when records cover the satellite.
 //
-// All times are in the scale of the reference times. Each question is answered by bisection where the times
+// All times are in the scale of the reference times. Each query is answered by bisection where the times
 // are ordinary ones, and by a walk over all of them where a record or the time asked for is absurd; both
 // answers have the same bits.
 #ifndef ORSOLVA_NAVIGATION_EPHEMERIDES_REFERENCE_TIMES_H
@@ -36,7 +36,7 @@ class ReferenceTimes {
   ///                stays the nearest while t moves by less than half of it. 0 or less when not known.
   int Nearest(const AbsoluteTime& t, double& lead_s) const;
 
-  /// For how long before and after t time i, nearest to t, surely stays the nearest.
+  /// For how long before and after t time i, nearest to t, certainly stays the nearest.
   /// @return false when nothing is sure
   bool NearestAround(const AbsoluteTime& t, int i, double& before_s, double& after_s) const;
 

@@ -68,10 +68,10 @@ double AzimuthElevation(const GeodeticPosition& receiver, const double unit[3], 
 GeodeticPosition EcefToGeodetic(const double position[3]) {
   // The iteration contracts by a factor of about 150 a round wherever it is meant to be used; the bound only
   // serves positions deep inside the Earth, where it may cycle.
-  constexpr int kMostRounds = 1000;
+  constexpr int kMaxRounds = 1000;
   const double r2 = position[0] * position[0] + position[1] * position[1];
   double z = position[2], previous = 0.0, v = kEarthRadius;
-  for (int round = 0; std::fabs(z - previous) >= 1e-4 && round < kMostRounds; ++round) {
+  for (int round = 0; std::fabs(z - previous) >= 1e-4 && round < kMaxRounds; ++round) {
     previous = z;
     const double sin_lat = previous / std::sqrt(r2 + previous * previous);
     v = kEarthRadius / std::sqrt(1.0 - kEarthEccentricitySquared * sin_lat * sin_lat);

@@ -29,7 +29,7 @@ class GlonassTrajectory {
  public:
   virtual ~GlonassTrajectory() = default;
 
-  /// The state after some whole steps; null when the integration meets the geocentre on the way.
+  /// The state after some whole steps; null when the integration reaches the geocentre on the way.
   /// @param backwards  steps against time
   const GlonassState* StateAfter(const GloEph_gbt& record, bool backwards, int steps);
 
@@ -39,7 +39,7 @@ class GlonassTrajectory {
   std::array<double, 9> broadcast_{};  // what the states were integrated from: state and acceleration
   struct Leg {
     std::vector<GlonassState> States;  // the first is the broadcast state
-    bool Ended = false;                // the next step meets the geocentre
+    bool Ended = false;                // the next step reaches the geocentre
   };
   Leg forwards_, backwards_;
   bool started_ = false;  // both legs have their first state

@@ -11,7 +11,7 @@
 namespace gnssqctoolkit {
 namespace {
 
-constexpr int kMostKeplerIterations = 30;
+constexpr int kMaxKeplerIterations = 30;
 constexpr double kKeplerTolerance = 1e-13;  // rad
 
 // Wraps by whole weeks into half a week around zero. Far values are brought near first; the remainder of a
@@ -33,8 +33,8 @@ bool SolveKepler(double mean, double eccentricity, std::int32_t prn, double& ano
     previous = anomaly;
     anomaly = mean + eccentricity * std::sin(previous);
     ++iterations;
-  } while (std::fabs(anomaly - previous) > kKeplerTolerance && iterations < kMostKeplerIterations);
-  if (iterations < kMostKeplerIterations) return true;
+  } while (std::fabs(anomaly - previous) > kKeplerTolerance && iterations < kMaxKeplerIterations);
+  if (iterations < kMaxKeplerIterations) return true;
   Trace(2, "BroadcastEphemerisSatellitePositionGPS: kepler iteration overflow prn=%3d\n", prn);
   return false;
 }

@@ -1,4 +1,4 @@
-// How fast a satellite moves at most along its broadcast orbit, so that callers can tell for how long a
+// Upper bound of the speed of a satellite along its broadcast orbit, from which callers know for how long a
 // direction stays where it is without computing the orbit again.
 //
 // Bounds hold for records that look like those of a navigation satellite; for any other the bound is

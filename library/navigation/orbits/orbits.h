@@ -64,7 +64,7 @@ int KeplerOrbit(int system, const KeplerModel& model, const AbsoluteTime& t,
 /// @return 1, or 0 with the outputs untouched for a state at the geocentre or a t more than a day from toe
 int GlonassOrbit(const AbsoluteTime& t, const GloEph_gbt& record, GlonassTrajectory& trajectory,
                  double position[3], double& clock);
-/// The same, integrated anew.
+/// The same, integrated from the record each time.
 int GlonassOrbit(const AbsoluteTime& t, const GloEph_gbt& record, double position[3], double& clock);
 
 }  // namespace gnssqctoolkit

@@ -9,7 +9,7 @@ namespace gnssqctoolkit {
 
 /// Delay of the ionosphere on GPS L1 by the broadcast model (IS-GPS-200, 20.3.3.5.2.5).
 /// @param azimuth_elevation  rad
-/// @param coefficients       alpha 0 to 3, beta 0 to 3; all zero stands for a default set
+/// @param coefficients       alpha 0 to 3, beta 0 to 3; all zero = the default set
 /// @return 0 for a receiver below -1000 m or a satellite not above the horizon
 double KlobucharDelay(const AbsoluteTime& t, const GeodeticPosition& receiver,
                       const double azimuth_elevation[2], const double coefficients[8]);

@@ -19,7 +19,7 @@ using SppSolver = std::function<bool(const SppEpoch&, const SPPOption&, SPPResul
 /// A candidate needs five valid satellites and an RMS of at most 100 m.
 /// @param start   where each candidate starts from
 /// @param result  the solution kept, untouched without one
-/// @param marks   one an observation: those of the solution kept, the excluded satellite not valid
+/// @param marks   one per observation: those of the solution kept, the excluded satellite not valid
 /// @return false when no candidate is kept
 bool ExcludeFault(const SppEpoch& epoch, const SPPOption& option, const SPPResult& start, SPPResult& result,
                   std::vector<SppMark>& marks, const SppSolver& solver);

@@ -10,7 +10,7 @@
 namespace gnssqctoolkit {
 namespace {
 
-constexpr int kMostIterations = 10;
+constexpr int kMaxIterations = 10;
 constexpr double kConverged = 1e-4;  // m, norm of the correction
 
 void Weight(std::vector<SppRow>& rows) {
@@ -53,7 +53,7 @@ bool LeastSquareSpp(const SppEpoch& epoch, const SPPOption& option, SPPResult& r
   result.Status = 0;
   std::vector<SppRow> rows;
   gult::dMatrix dx(kSppUnknowns, 1), covariance(kSppUnknowns, kSppUnknowns);
-  for (int iteration = 0; iteration < kMostIterations; ++iteration) {
+  for (int iteration = 0; iteration < kMaxIterations; ++iteration) {
     const int satellites = FormRows(epoch, option, x, rows, marks);
     if (rows.size() < kSppUnknowns) {
       Trace(2, "lack of valid sats ns=%d \n", satellites);
@@ -80,7 +80,7 @@ bool LeastSquareSpp(const SppEpoch& epoch, const SPPOption& option, SPPResult& r
     result.Status = 1;
     return true;
   }
-  Trace(2, "iteration divergent i=%d", kMostIterations);
+  Trace(2, "iteration divergent i=%d", kMaxIterations);
   return false;
 }
 

@@ -1,5 +1,5 @@
-// Iterated weighted least squares for a position and one receiver clock term a system, and the validation of
-// the solution by its dilution of precision.
+// Iterated weighted least squares for a position and one receiver clock term per system, and the validation
+// of the solution by its dilution of precision.
 #ifndef ORSOLVA_NAVIGATION_POSITIONING_LEAST_SQUARE_SPP_H
 #define ORSOLVA_NAVIGATION_POSITIONING_LEAST_SQUARE_SPP_H
 
@@ -13,7 +13,7 @@ namespace gnssqctoolkit {
 /// Solves an epoch from the position held in the result.
 /// @param result  replaced where the iteration converges, also when the validation then rejects it; its
 ///                Status says whether a valid solution was found
-/// @param marks   one an observation, of the last iteration
+/// @param marks   one per observation, of the last iteration
 /// @return false for fewer than seven rows, a singular normal matrix, no convergence in ten iterations, or a
 ///         GDOP that valsol rejects
 bool LeastSquareSpp(const SppEpoch& epoch, const SPPOption& option, SPPResult& result,

@@ -17,7 +17,7 @@ struct PositioningObservation {
   double Pseudorange = 0.0;  ///< m
 };
 
-/// One epoch, one pseudorange a satellite.
+/// One epoch, one pseudorange per satellite.
 struct PositioningEpoch {
   AbsoluteTime Time;
   std::vector<PositioningObservation> Observations;

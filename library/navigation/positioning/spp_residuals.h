@@ -58,7 +58,7 @@ bool SatelliteExcluded(const SatelliteId& satellite, double variance, std::int32
 /// Rows of the usable satellites in the order of the observations, then one pseudo-row for each clock term
 /// without a satellite.
 /// @param unknowns  assumed position and clock terms, m
-/// @param marks     one an observation, rewritten
+/// @param marks     one per observation, rewritten
 /// @return number of satellites that take part
 int FormRows(const SppEpoch& epoch, const SPPOption& option, const double unknowns[kSppUnknowns],
              std::vector<SppRow>& rows, std::vector<SppMark>& marks);

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "orsolva/records.h"
+#include "toolkit/constants.h"
 
 namespace gnssqctoolkit {
 
@@ -23,11 +24,11 @@ class SPPOption {
   double ErrB = 0.004;      ///< m, part that grows with 1 / sin(elevation) in the variance
   double ErrC = 0.0;
   double ErrDoppler = 1.0;
-  std::int32_t IonoOpt = 1;                    ///< 1 = broadcast model, else none
-  std::int32_t TropOpt = 2;                    ///< 2 = Saastamoinen, else none
-  double ElevationMask = 0.17453292519943295;  ///< rad
-  std::uint32_t NavSys = 15;                   ///< mask of system codes: GPS, GLONASS, BDS, Galileo
-  std::int32_t SatUse[208];                    ///< by satellite number - 1: 0 left out, 1 used, else tested
+  std::int32_t IonoOpt = 1;                        ///< 1 = broadcast model, else none
+  std::int32_t TropOpt = 2;                        ///< 2 = Saastamoinen, else none
+  double ElevationMask = kDefaultElevationCutoff;  ///< rad
+  std::uint32_t NavSys = 15;                       ///< mask of system codes: GPS, GLONASS, BDS, Galileo
+  std::int32_t SatUse[208];  ///< by satellite number - 1: 0 left out, 1 used, else tested
   double MaxGdop = 30.0;
 };
 

@@ -78,7 +78,7 @@ QcConfig::QcConfig() {
 }
 
 void QcConfig::ApplyDefaults() {
-  ElevationMask = kDefaultElevationMask;
+  ElevationMask = gnssqctoolkit::kDefaultElevationCutoff;
   AutoDetectFreq = 1;
   for (int slot = 0; slot < kSystemSlots; ++slot) {
     Sys[slot].Select = 1;
@@ -91,7 +91,8 @@ void QcConfig::ApplyDefaults() {
 
 void QcConfig::Overlay(const config_qct& config) {
   // Kept for compatibility: an elevation of 0 means a cut-off of 0.0001 rad, not the default of 10 degrees.
-  ElevationMask = config.elevation > 1e-12 ? config.elevation * kDegree : kLeastElevationMask;
+  ElevationMask =
+      config.elevation > 1e-12 ? config.elevation * gnssqctoolkit::kRadiansPerDegree : kLeastElevationMask;
   OverlayIncludedSatellites(config, Sys);
   for (int slot = 0; slot < 5; ++slot) {
     if (config.enable_system[slot] == 0) Sys[slot].Enable = 0;

@@ -5,11 +5,12 @@
 #include <cstdint>
 
 #include "orsolva/records.h"
+#include "toolkit/constants.h"
 #include "toolkit/lists.h"
 
 namespace orsolva {
 
-/// Configuration slots. BDS stands twice: as a whole, and for the satellites numbered 18 and above.
+/// Configuration slots. BDS has two: one for the system, one for the satellites numbered 18 and above.
 enum SystemSlot : int {
   kSlotGps = 0,
   kSlotGlonass = 1,
@@ -28,9 +29,7 @@ int SystemSlotOf(int system);
 /// List slot of a system code, -1 for any other.
 int CodeListSlotOf(int system);
 
-inline constexpr double kDegree = 0.017453292519943295;               ///< rad
-inline constexpr double kDefaultElevationMask = 0.17453292519943295;  ///< 10 degrees, rad
-inline constexpr double kLeastElevationMask = 0.0001;                 ///< rad
+inline constexpr double kLeastElevationMask = 0.0001;  ///< rad
 
 class QcSysConfig {
  public:
@@ -64,13 +63,13 @@ class QcConfig {
   std::uint8_t AutoDetectFreq = 0;
   std::uint32_t SystemMask = 0;
   QcSysConfig Sys[kSystemSlots];
-  double Interval = 1.0;                         ///< s
-  double ElevationMask = kDefaultElevationMask;  ///< rad
-  double Position[3] = {0.0, 0.0, 0.0};          ///< ECEF, m
+  double Interval = 1.0;                                          ///< s
+  double ElevationMask = gnssqctoolkit::kDefaultElevationCutoff;  ///< rad
+  double Position[3] = {0.0, 0.0, 0.0};                           ///< ECEF, m
 
   /// The defaults a run starts from.
   void ApplyDefaults();
-  /// The host's values over what stands.
+  /// The host's values over the present ones.
   void Overlay(const config_qct& config);
   /// Narrows the band flags and band counts of every slot to the bands that are used.
   /// @param bands  kSystemSlots entries

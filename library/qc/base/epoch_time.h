@@ -72,8 +72,13 @@ class TimeList {
   int capacity_ = 0;
 };
 
-/// The most frequent step between neighbours among the first 600 epochs, the smallest on a tie. Steps below
-/// 1e-6 s (repeated epochs) and steps that are not finite do not count.
+/// The interval of a batch whose configuration gives none.
+///
+/// Kept for compatibility: part of the library's contract, but not used by a run that comes through the
+/// exported functions, where an interval of 0 means 1 s. A host detects the interval by a rule of its own.
+///
+/// It is the most frequent step between neighbours among the first 600 epochs, the smallest on a tie. Steps
+/// below 1e-6 s (repeated epochs) and steps that are not finite do not count.
 /// @return false, with `interval` unchanged, for fewer than two epochs or when no step is above 1e-6 s
 bool DetectInterval(const ObsEpoch_QC_gbt* epochs, std::int32_t epoch_num, double& interval);
 

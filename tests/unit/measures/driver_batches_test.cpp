@@ -60,8 +60,8 @@ std::string Bits(const IonSlipAndMultipath& measures) {
   return text.str();
 }
 
-// A lively series: slips, code noise, outages, satellites coming and going, changes of records.
-QcEpochData LivelyEpoch(const SyntheticRun& run, int prn, int i) {
+// A busy series: slips, code noise, outages, satellites coming and going, changes of records.
+QcEpochData BusyEpoch(const SyntheticRun& run, int prn, int i) {
   std::mt19937 random(static_cast<std::uint32_t>(prn * 10007 + i));
   const auto unit = [&] { return static_cast<double>(random()) / 4294967296.0; };
   Observation change;
@@ -85,7 +85,7 @@ std::string RunInBatches(const std::vector<int>& ends) {
     for (int prn = 1; prn <= 8; ++prn) {
       for (int i = first; i < end; ++i) {
         if (!Missing(prn, i))
-          run.Measures.AddSatelliteEpoch(prn, LivelyEpoch(run, prn, i), (prn + i / 30) % 6 != 0);
+          run.Measures.AddSatelliteEpoch(prn, BusyEpoch(run, prn, i), (prn + i / 30) % 6 != 0);
       }
     }
     run.Pass();
@@ -134,12 +134,12 @@ TEST(Driver, BatchOfOneEpochAllocatesNothingOnceWarm) {
   EXPECT_EQ(kWarm + kMeasured, run.Mp(1)->Count);
 }
 
-TEST(Driver, ObserverChangesNoBitAndHearsEveryPairOnceAnEpoch) {
+TEST(Driver, ObserverChangesNoBitAndGetsEveryPairOncePerEpoch) {
   SyntheticRun silent, watched;
   RecordingObserver observer;
   for (SyntheticRun* run : {&silent, &watched}) {
     for (int prn = 1; prn <= 5; ++prn) {
-      for (int i = 0; i < 40; ++i) run->Measures.AddSatelliteEpoch(prn, LivelyEpoch(*run, prn, i), true);
+      for (int i = 0; i < 40; ++i) run->Measures.AddSatelliteEpoch(prn, BusyEpoch(*run, prn, i), true);
     }
   }
   silent.Pass();
@@ -149,7 +149,7 @@ TEST(Driver, ObserverChangesNoBitAndHearsEveryPairOnceAnEpoch) {
   std::size_t at = 0;
   for (int i = 0; i < 40; ++i) {
     for (int prn = 1; prn <= 5; ++prn) {
-      const int codes = LivelyEpoch(silent, prn, i).Slots[1].Count + 1;
+      const int codes = BusyEpoch(silent, prn, i).Slots[1].Count + 1;
       for (int k = 0; k < codes; ++k, ++at) {
         ASSERT_LT(at, observer.Pairs.size());
         const PairEpochDetail& detail = observer.Pairs[at];

@@ -17,7 +17,7 @@ namespace {
 using namespace orsolva;
 using gnssqctoolkit::Ephemeris;
 
-constexpr double kMask = 10.0 * kDegree;
+constexpr double kMask = 10.0 * gnssqctoolkit::kRadiansPerDegree;
 
 Time_gbt At(double seconds_of_week) {
   const double whole = std::floor(seconds_of_week);

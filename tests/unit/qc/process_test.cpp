@@ -254,7 +254,8 @@ class Recorder : public QcDetailObserver {
     ++Satellites;
     Numbers.insert(detail.number);
     Consistent = Consistent && detail.signal_count > 0 && detail.signals[0].code != 0 &&
-                 detail.satellite.prn > 0 && detail.above_cutoff == (detail.elevation_rad > 10.0 * kDegree) &&
+                 detail.satellite.prn > 0 &&
+                 detail.above_cutoff == (detail.elevation_rad > 10.0 * gnssqctoolkit::kRadiansPerDegree) &&
                  detail.azimuth_rad >= 0.0 && detail.azimuth_rad <= 2.0 * sky::kPi;
   }
   void OnPairEpoch(const PairEpochDetail&) override { ++Pairs; }

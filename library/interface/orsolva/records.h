@@ -221,7 +221,7 @@ enum GNSSQC_STATE : std::int32_t {
 /// over the satellites, and means are weighted by counts. A figure without data is 0.
 struct qc_core_summary {
   std::int32_t system;   ///< system code, 0 = empty; of the total the first system combined
-  std::int32_t padding;  ///< left as the host handed it over
+  std::int32_t padding;  ///< left as the host passed it
   /// Nominal epochs (one per interval) at which the satellite is above the elevation cut-off, from its first
   /// observed epoch on.
   std::uint64_t expected_epochs;
@@ -254,7 +254,7 @@ struct result_qct {
   double station_xyz[3];       ///< ECEF, m, given or computed
   double duration;             ///< hours from the first to the last epoch
   std::int32_t lost_epochs;    ///< nominal epochs from the first to the last less the epochs taken in
-  std::int32_t padding;        ///< left as the host handed it over
+  std::int32_t padding;        ///< left as the host passed it
   qc_core_summary sys[6];      ///< slot BD3 stays without figures: the newer satellites are in the BDS slot
   qc_core_summary sat[6][64];  ///< by number - 1; every BDS satellite in the BDS slot
   qc_core_summary total;       ///< the systems to combine, merged

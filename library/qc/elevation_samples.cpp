@@ -69,7 +69,7 @@ double StationView::BelowFor(const gnssqctoolkit::SatelliteId& satellite, const 
   double line[3];
   for (int i = 0; i < 3; ++i) line[i] = motion.State.Position[i] - position_[i];
   const double distance = std::sqrt(line[0] * line[0] + line[1] * line[1] + line[2] * line[2]);
-  // Moving by s, the satellite turns the direction by an angle of which the sine is s / distance at most.
+  // A satellite that moves by s turns the direction by an angle whose sine is at most s / distance.
   const double held = distance * std::sin(std::min(rise, kRightAngle)) / motion.SpeedLimit;
   const double margin = margin_s + kScaleMargin;
   if (!(margin <= std::min(held, motion.Before))) return 0.0;
@@ -154,7 +154,7 @@ void ElevationSamples::Keep(const Sample& sample) {
   auto place = elevations_.end();
   for (int k = 0; place != elevations_.begin() && std::prev(place)->Index > sample.Index; ++k, --place) {
     if (k < kLastSamples) continue;
-    // Times that run backwards: moving all later samples for each would make the batch cost its square.
+    // Time goes backwards: moving all later samples for each would make the batch cost its square.
     strays_.emplace(sample.Index, sample.Elevation);
     return;
   }

@@ -1,6 +1,6 @@
 // Elevations of one satellite over one batch, sampled every 60 s and only where they are asked for.
 //
-// The samples lie at BatchFirst + 60 s * i, i = 0, 1, ..., up to the first at or after BatchLast and at least
+// The samples are at BatchFirst + 60 s * i, i = 0, 1, ..., up to the first at or after BatchLast and at least
 // to i = 1; a sample at which the satellite has no position does not exist. Neighbours are consecutive
 // existing samples. Nothing is computed before a bracket is looked for, and spans without broadcast records
 // are stepped over, so that the cost follows the epochs and not the length of the batch.

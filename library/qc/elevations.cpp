@@ -13,7 +13,7 @@ constexpr double kClearMargin = 0.5 * gnssqctoolkit::kRadiansPerDegree;  // rad
 
 double Interpolate(const SampleBracket& bracket, const Time_gbt& t) {
   // Kept for compatibility: the slope is taken over the nominal 60 s also when samples between the two are
-  // missing and they lie further apart.
+  // missing and they are further apart.
   return bracket.ElevationBefore +
          TimeDifference(t, bracket.TimeBefore) * (bracket.ElevationAfter - bracket.ElevationBefore) / 60.0;
 }

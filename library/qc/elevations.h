@@ -36,7 +36,7 @@ class QcEleList {
   /// The cut-off flag at any time: from the samples where they bracket it, else from the exact elevation.
   bool AboveCutoff(const Time_gbt& t);
 
-  /// For how long from `t` on the cut-off flag certainly stays down, s; 0 when nothing is known.
+  /// For how long from `t` on the cut-off flag certainly stays clear, s; 0 when nothing is known.
   double BelowCutoffFor(const Time_gbt& t) const;
 
   /// The satellite is within half a degree of the cut-off. False where the samples show that it is not,

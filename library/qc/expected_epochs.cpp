@@ -40,7 +40,7 @@ std::uint64_t NominalGap::CountOneByOne() const {
   Time_gbt below_from = last_;
   double below_for = 0.0;
   gnssqctoolkit::AbsoluteTime nominal = gnssqctoolkit::AbsoluteTimeAdd(ToAbsolute(last_), interval_);
-  // The count of steps ends it too: a fraction beyond all measure does not move when the interval is added.
+  // The count of steps ends it too: an absurdly large fraction does not change when the interval is added.
   for (int k = 0; k <= static_cast<int>(kLiteralSteps); ++k) {
     if (!(TimeDifference(current_, FromAbsolute(nominal)) > interval_ / 2.0)) break;
     const Time_gbt t = FromAbsolute(nominal);

@@ -14,7 +14,7 @@
 
 namespace orsolva {
 
-/// Nominal epochs strictly between two epochs, and how many of them lie above the cut-off.
+/// Nominal epochs strictly between two epochs, and how many of them are above the cut-off.
 ///
 /// Up to kLiteralSteps nominal epochs are visited one by one. In a longer gap the flag is checked once per
 /// minute where broadcast records cover the satellite (every second close to the cut-off, where a satellite

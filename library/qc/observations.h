@@ -54,7 +54,7 @@ struct StoredEpoch {
   std::uint8_t Counts[kBandSlots] = {};
 };
 
-/// Signals of the input sorted into frequency slots, where they lie.
+/// Signals of the input sorted into frequency slots, by reference.
 struct SlottedSignals {
   std::uint8_t Counts[kBandSlots] = {};
   const Signal_QC_gbt* Entries[kBandSlots][kSignalsPerSlot];

@@ -13,7 +13,7 @@ using gnssqctoolkit::SatelliteId;
 
 constexpr double kMillisecondsPerSecond = 1000.0;
 constexpr double kSecondsPerHour = 3600.0;
-/// Lifts a whole number that lies a rounding below itself before it is truncated.
+/// Raises a whole number that rounding has left just below itself, before it is truncated.
 constexpr double kTruncationGuard = 1e-16;
 constexpr int kStationaryOrbit = 0;
 

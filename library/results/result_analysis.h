@@ -18,7 +18,7 @@ struct SatelliteCombinations {
   bool OfBds3 = false;   ///< they are those of the newer BDS satellites
 };
 
-/// Holds nothing between calls and changes nothing of the run.
+/// Keeps nothing between calls and changes nothing in the run.
 class QcResultAnalysis {
  public:
   virtual ~QcResultAnalysis() = default;

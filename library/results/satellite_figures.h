@@ -16,7 +16,7 @@
 
 namespace orsolva {
 
-/// The statistics of one satellite, read where they lie.
+/// The statistics of one satellite, by reference.
 struct SatelliteStores {
   gnssqctoolkit::SatelliteId Satellite;
   const SatCompleteObsList& Complete;

@@ -26,7 +26,7 @@ constexpr NumberRange kKeyRanges[] = {
     {kSbas, 169, 191, 49}, {kQzss, 192, 201, 191}, {kIrnss, 202, 208, 201},
 };
 
-/// 0 geostationary, 1 medium orbit, 2 inclined geosynchronous; PRN 1 first, ten a row.
+/// 0 geostationary, 1 medium orbit, 2 inclined geosynchronous; PRN 1 first, ten per row.
 constexpr std::int32_t kBdsOrbitClasses[64] = {
     0, 0, 0, 0, 0, 2, 2, 2, 2, 2,  //
     1, 1, 2, 1, 1, 2, 1, 1, 1, 1,  //

@@ -59,7 +59,7 @@ class GNSSTime {
 
 /// a - b in seconds: the difference of the whole seconds plus that of the fractions. The one difference of
 /// times in the library.
-// Inline, as all that follows the epochs calls it.
+// Inline, as everything done per epoch calls it.
 inline double TimeDifference(const AbsoluteTime& a, const AbsoluteTime& b) {
   std::int64_t whole = 0;
   if (__builtin_sub_overflow(a.Seconds, b.Seconds, &whole)) {

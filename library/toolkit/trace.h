@@ -1,7 +1,7 @@
 // The trace sink: where worded diagnostics go.
 //
 // By default there is none, a trace call is then one test of a pointer and its arguments are not formatted.
-// A test (or a developer) plugs in a sink of its own for the current thread and gets every text as worded.
+// A test (or a developer) sets a sink for the current thread and gets every text.
 #ifndef ORSOLVA_TOOLKIT_TRACE_H
 #define ORSOLVA_TOOLKIT_TRACE_H
 
@@ -22,7 +22,7 @@ class TraceSink {
 /// The sink of this thread, null by default. The caller keeps ownership.
 TraceSink*& CurrentTraceSink();
 
-/// True when a sink is plugged in; guards the preparation of costly arguments.
+/// True when there is a sink; guards the preparation of costly arguments.
 inline bool TraceEnabled() { return CurrentTraceSink() != nullptr; }
 
 /// Formats printf-style and hands the text to the sink of this thread; does nothing without one.

@@ -46,7 +46,7 @@ bool SatelliteEphemeris<Traits>::Add(const Record& record) {
     references_.DropFirst();
   }
   nearest_ = Nearest{};
-  // First, so that a failing allocation leaves both lists alike.
+  // Reserved first, so that a failed allocation leaves both lists in step.
   if (records_.size() == records_.capacity()) records_.reserve(2 * records_.size() + 8);
   references_.Add(Traits::ReferenceTime(record));
   records_.push_back(record);

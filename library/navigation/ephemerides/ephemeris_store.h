@@ -22,7 +22,7 @@ inline constexpr int kMaxRecordsPerSatellite = 168;
 /// Longest age that may be set, s.
 inline constexpr double kLongestMaxAge = 86400.0;
 
-/// A satellite at a time, and how little it moves about then.
+/// A satellite at a time, with a bound of its motion around it.
 struct BoundedMotion {
   SatelliteState State;
   double SpeedLimit = 0.0;  ///< m/s, of the position in the Earth-fixed frame
@@ -57,7 +57,7 @@ class SatelliteEphemeris {
   const AbsoluteTime& Reference(int i) const { return references_.At(i); }
   /// For how long before and after t record i, chosen for it, certainly stays the choice, and a bound of its
   /// speed holds.
-  /// @return false when nothing is sure
+  /// @return false when nothing is certain
   bool ChosenAround(const AbsoluteTime& t, int i, double& before_s, double& after_s) const;
   /// What forming a position may keep for the next one. Never changes what comes out.
   typename Traits::Memory& Memory() const { return memory_; }
@@ -74,7 +74,7 @@ class SatelliteEphemeris {
   double max_age_s_ = Traits::kDefaultMaxAge;
 
   // The record nearest to a time, whatever its age, and how far off the second nearest is. It stays the
-  // nearest for all times close by, which spares most epochs the search among the records.
+  // nearest for all times close by, which saves most epochs the search among the records.
   struct Nearest {
     AbsoluteTime Time;
     int Index = -1;

@@ -31,7 +31,7 @@ double SecondsToCollapsedTime(const AbsoluteTime& t, int direction) {
   return 0.0;
 }
 
-/// The two nearest of the times it is shown.
+/// The two nearest of the times it is given.
 struct Ranking {
   int Index = -1;
   double Best = kFarAway;
@@ -54,7 +54,7 @@ struct Ranking {
 bool HasPlainFraction(const AbsoluteTime& t) { return std::fabs(t.Fraction) <= 1e3; }
 
 void ReferenceTimes::Add(const AbsoluteTime& time) {
-  // First, so that a failing allocation leaves both lists alike.
+  // Reserved first, so that a failed allocation leaves both lists in step.
   if (times_.size() == times_.capacity()) times_.reserve(2 * times_.size() + 8);
   const auto earlier = [this](const AbsoluteTime& a, int i) { return Earlier(a, At(i)); };
   ascending_.insert(std::upper_bound(ascending_.begin(), ascending_.end(), time, earlier), Count());

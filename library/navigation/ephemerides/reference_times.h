@@ -37,7 +37,7 @@ class ReferenceTimes {
   int Nearest(const AbsoluteTime& t, double& lead_s) const;
 
   /// For how long before and after t time i, nearest to t, certainly stays the nearest.
-  /// @return false when nothing is sure
+  /// @return false when nothing is certain
   bool NearestAround(const AbsoluteTime& t, int i, double& before_s, double& after_s) const;
 
   /// Intervals that times cover: from a maximum age before each to the age and `Widen` after it.

@@ -11,7 +11,7 @@
 
 namespace gnssqctoolkit {
 
-/// How a candidate epoch is solved; LeastSquareSpp but in tests.
+/// How a candidate epoch is solved; LeastSquareSpp except in tests.
 using SppSolver = std::function<bool(const SppEpoch&, const SPPOption&, SPPResult&, std::vector<SppMark>&)>;
 
 /// Keeps the leave-one-out solution with the smallest RMS of residuals, the later of two equal ones.

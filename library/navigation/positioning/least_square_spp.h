@@ -20,7 +20,7 @@ bool LeastSquareSpp(const SppEpoch& epoch, const SPPOption& option, SPPResult& r
                     std::vector<SppMark>& marks);
 
 /// Forms the weighted residual sum of squares and the DOPs of the valid satellites at or above the elevation
-/// mask, and judges GDOP.
+/// mask, and tests the GDOP.
 /// @param rows              measurement equations, weighted
 /// @param weighted_squares  v'v of the rows; no solution is refused for it
 /// @param dop               GDOP, PDOP, HDOP, VDOP; all 0 for fewer than four satellites or a singular

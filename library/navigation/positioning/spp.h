@@ -23,7 +23,7 @@ class SPP {
   ///         then defined in the result
   bool Position(const PositioningEpoch& epoch, SPPResult& result);
 
-  /// What the last epoch's solution says of each of its observations.
+  /// What the last epoch's solution says about each of its observations.
   const std::vector<SppMark>& Marks() const { return marks_; }
 
  private:

@@ -18,7 +18,7 @@ namespace gnssqctoolkit {
 
 inline constexpr int kSppClocks = 4;
 inline constexpr int kSppUnknowns = 3 + kSppClocks;
-/// Most satellites of an epoch that take part.
+/// Largest number of satellites of an epoch that take part.
 inline constexpr int kMaxSppSatellites = 64;
 
 /// A pseudorange with the satellite's state at transmission time.
@@ -34,7 +34,7 @@ struct SppEpoch {
   std::vector<SppObservation> Observations;
 };
 
-/// What a solution says of each observation of its epoch.
+/// What a solution says about each observation of its epoch.
 struct SppMark {
   bool Valid = false;                       ///< took part
   double AzimuthElevation[2] = {0.0, 0.0};  ///< rad

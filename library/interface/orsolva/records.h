@@ -223,7 +223,7 @@ struct qc_core_summary {
   std::int32_t system;   ///< system code, 0 = empty; of the total the first system combined
   std::int32_t padding;  ///< left as the host passed it
   /// Nominal epochs (one per interval) at which the satellite is above the elevation cut-off, from its first
-  /// observed epoch on.
+  /// observed epoch to its last.
   std::uint64_t expected_epochs;
   /// Epochs above the cut-off at which every code of the combination has range, phase and SNR; of a
   /// combination of several codes those that not every satellite transmits are left out (GPS L5 among them).

@@ -77,7 +77,8 @@ TEST(LoadNavigation, ASecondSetIsAddedToTheFirst) {
   ASSERT_TRUE(process->LoadNavigationSet(sky::Navigation(more)));
   gnssqctoolkit::EphemerisChoice choice;
   EXPECT_TRUE(process->Eph.Select({1, 5}, {sky::kWeekStart, 0.0}, gnssqctoolkit::kDefaultMaxAges, choice));
-  EXPECT_TRUE(process->Eph.Select({1, 5}, {sky::kWeekStart + 86400, 0.0}, gnssqctoolkit::kDefaultMaxAges, choice));
+  EXPECT_TRUE(
+      process->Eph.Select({1, 5}, {sky::kWeekStart + 86400, 0.0}, gnssqctoolkit::kDefaultMaxAges, choice));
 }
 
 }  // namespace

@@ -161,6 +161,19 @@ TEST(QcConfig, APositionThatIsNotEnabledIsStoredAsZeros) {
   EXPECT_EQ(Built(host).EnablePosition, 0);
 }
 
+TEST(QcConfig, NarrowsItsBandsToThoseInUse) {
+  QcConfig config;
+  config.ApplyDefaults();
+  BandsInUse bands[kSystemSlots];
+  bands[kSlotGps] = {{1, 0, 1, 0, 0, 0}, 2};
+  config.NarrowBands(bands);
+  EXPECT_EQ(config.Sys[kSlotGps].FreqNum, 2);
+  EXPECT_EQ(config.Sys[kSlotGps].FreqEnable[0], 1);
+  EXPECT_EQ(config.Sys[kSlotGps].FreqEnable[1], 0);
+  EXPECT_EQ(config.Sys[kSlotBd3].FreqEnable[0], 0);
+  EXPECT_EQ(config.Sys[kSlotGps].Enable, 1) << "nothing else changes";
+}
+
 TEST(QcConfig, CopyTakesTheCodeListAlong) {
   QcSysConfig sys;
   sys.CodeList.Append(16);

@@ -17,6 +17,8 @@ constexpr double kBudgetPerStep = 0.25;
 constexpr double kLargestBudget = 50;
 constexpr double kCarriedPart = 0.25;  // of the variance of the fitted rates that a hole adds per step
 constexpr double kLeastCarried_m2 = 1e-7;
+constexpr double kFreeRange_m = 0.02;  // priors of the rates that carry a phase over a step
+constexpr double kFreeIonosphere_m = 0.2;
 
 /// Any of the flags of the tested signals at an epoch.
 bool AnyFlag(const SatelliteTrack& track, const StepTest& test, std::int64_t i,
@@ -52,6 +54,8 @@ void Decision::DecideNext(SatelliteTrack& track) {
     if (!hole && !IsCandidate(track, step, scratch_, chi2)) break;
     returned = true;
     if (track.budget < 1) {
+      MakeCase(track, step);
+      AddEvent(hole ? HoleKind() : EventKind::kJump, nullptr, 0, 0, false);
       LeaveUnresolved(track, step);
       break;
     }
@@ -159,8 +163,9 @@ void Decision::Carry(SatelliteTrack& track, std::int64_t i) const {
     const double w = 1 / (2 * noise * noise);
     one += w, mu += w * s.mu, mu2 += w * s.mu * s.mu;
   }
-  const double a00 = one + (step.HasGeometry() ? 1 / (0.02 * 0.02) : 1e-8);
-  const double a11 = mu2 + 1 / (0.2 * 0.2);
+  const double a00 = one + (step.HasGeometry() ? 1 / (kFreeRange_m * kFreeRange_m) : 1e-8);
+  const double ionosphere_m = step.lone_band ? step.ionosphere_scale_m : kFreeIonosphere_m;
+  const double a11 = mu2 + 1 / (ionosphere_m * ionosphere_m);
   const double determinant = a00 * a11 - mu * mu;
   for (SignalTrack& s : track.signals) {
     if (s.IsReal(i)) {

@@ -71,6 +71,7 @@ class Decision {
   int BrokenSteps(std::size_t signal) const;
   void MarkBroken(const Cycles& cycles);
   Cycles Returning() const;
+  EventKind HoleKind() const;  ///< of a hole that is left open
   static bool IsOff(const SatelliteTrack& track, std::size_t signal, std::int64_t step);
   static void Readmit(SatelliteTrack& track, std::int64_t step);
   void AddEvent(EventKind kind, const Cycles* sizes, double score, double margin, bool sure);

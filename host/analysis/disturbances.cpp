@@ -192,8 +192,7 @@ bool Decision::CloseGap() {
   if (!case_.gap && TakeUnstable(broken)) return true;
   if (!case_.gap) MarkBroken(broken);
   if (!sure) {
-    AddEvent(case_.gap ? EventKind::kGapUnresolved : EventKind::kSignalGapUnresolved, nullptr, score, margin,
-             false);
+    AddEvent(HoleKind(), nullptr, score, margin, false);
     LeaveUnresolved(track, case_.step);
     return true;
   }
@@ -209,6 +208,10 @@ bool Decision::CloseGap() {
     Repair(track, case_.step, signal, track.signals[signal].wavelength_m * best.cycles[i]);
   }
   return true;
+}
+
+EventKind Decision::HoleKind() const {
+  return case_.gap ? EventKind::kGapUnresolved : EventKind::kSignalGapUnresolved;
 }
 
 /// One for every signal that returns after a hole.

@@ -41,6 +41,15 @@ struct NormalEquations {
   bool OneBand() const { return greatest_mu - least_mu < 1e-6; }
 };
 
+/// Rates of a step with one band of a satellite that has two: the ionosphere goes on as its median did.
+void TakeOthersIonosphere(SatelliteTrack& track, std::int64_t i, const NormalEquations& n) {
+  StepState& step = track.At(i);
+  const double median =
+      std::isfinite(step.ionosphere_median) ? step.ionosphere_median : track.At(i - 1).ionosphere_median;
+  step.ionosphere_rate = std::isfinite(median) ? median : 0;
+  step.range_rate = n.y / n.one / step.dt_s + n.least_mu * step.ionosphere_rate;
+}
+
 double Gap(const StepState& step, double interval_s) { return std::max(step.dt_s / interval_s, 1.0); }
 
 /// Mean of the finite ones among four steps on both sides, each side's mean counting once.
@@ -159,6 +168,9 @@ void FitRates(SatelliteTrack& track, std::int64_t i) {
     if (!s.unstable && s.IsReal(i) && s.IsReal(i - 1)) n.Add(s.mu, s.X(i) - s.X(i - 1), weight);
   }
   if (n.count == 0) return;
+  if (!n.OneBand()) track.two_band_step = std::max(track.two_band_step, i);
+  step.lone_band = n.OneBand() && i - track.two_band_step <= kTrail;
+  if (step.lone_band) return TakeOthersIonosphere(track, i, n);
   const RatePriors prior = PriorsOf(step, n.OneBand());
   const double a00 = n.one + 1 / (prior.range_m * prior.range_m);
   const double a11 = n.mu2 + 1 / (prior.ionosphere_m * prior.ionosphere_m);

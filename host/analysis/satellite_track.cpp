@@ -14,6 +14,7 @@ void BeginArc(SatelliteTrack& track) {
   track.first = track.next;
   track.decide = track.next + 1;
   track.model_sum_m = 0;
+  track.two_band_step = track.next - kRing;
   track.range_rates.Clear();
   track.ionosphere_rates.Clear();
   track.range_errors = {};

@@ -58,8 +58,9 @@ struct StepState {
   bool modelled = false;     ///< the range of both ends is known
   bool clock_known = false;  ///< the receiver clock of the step is known
   bool gap = false;
-  bool broken = false;               ///< nothing is predicted over it
-  bool settled = false;              ///< explained by something that is no slip
+  bool broken = false;     ///< nothing is predicted over it
+  bool lone_band = false;  ///< one band where the satellite has two: the ionosphere is taken from other steps
+  bool settled = false;    ///< explained by something that is no slip
   double range_rate = kAbsent;       ///< u: range left after the model, m/s
   double ionosphere_rate = kAbsent;  ///< v: m/s at 1575.42 MHz
   double common_m = kAbsent;         ///< common part of unmodelled satellites in the stencil of the cubic
@@ -86,11 +87,12 @@ struct SatelliteTrack {
   SatelliteId satellite;
   std::vector<SignalTrack> signals;  ///< by descending frequency
   std::array<StepState, kRing> steps;
-  std::int64_t first = 0;   ///< epoch at which the arc begins
-  std::int64_t next = 0;    ///< number that the next epoch gets; the newest known is next - 1
-  std::int64_t decide = 1;  ///< the oldest step that is not decided
-  double model_sum_m = 0;   ///< of modelled range and clock changes since the arc began
-  double origin_m = 0;      ///< code with which the arc began
+  std::int64_t first = 0;               ///< epoch at which the arc begins
+  std::int64_t next = 0;                ///< number that the next epoch gets; the newest known is next - 1
+  std::int64_t decide = 1;              ///< the oldest step that is not decided
+  std::int64_t two_band_step = -kRing;  ///< the last step with signals of two bands
+  double model_sum_m = 0;               ///< of modelled range and clock changes since the arc began
+  double origin_m = 0;                  ///< code with which the arc began
   SortedWindow<kMedianTrail> range_rates;
   SortedWindow<kMedianTrail> ionosphere_rates;
   ErrorWindows range_errors;

@@ -49,7 +49,8 @@ SortedList<kLead> NearErrors(const SatelliteTrack& track, std::int64_t step, Err
                              bool by_neighbours) {
   SortedList<kLead> list;
   for (const std::int64_t i : {step - 2, step + 2, step + 3, step + 4}) {
-    if (i > track.first && track.Has(i)) list.Insert(std::fabs(error(track, i, by_neighbours)));
+    if (i > track.first && track.Has(i) && !track.At(i).lone_band)
+      list.Insert(std::fabs(error(track, i, by_neighbours)));
   }
   return list;
 }
@@ -119,12 +120,13 @@ void SetRangeScale(StepState& step, double scale, const NoiseShare& noise, doubl
 void SetIonosphereScale(StepState& step, double scale, const NoiseShare& noise, double root) {
   const double variance = std::max(Square(scale) - noise.ionosphere_m2, 0.0) +
                           Square(kIonosphereFloor_m / step.sin_elevation * root);
-  step.ionosphere_scale_m = noise.one_band ? kIonosphereFloor_m : std::sqrt(variance);
+  step.ionosphere_scale_m = noise.one_band && !step.lone_band ? kIonosphereFloor_m : std::sqrt(variance);
 }
 
 void SettleMedians(SatelliteTrack& track, std::int64_t step) {
   SortedList<kLead + 1> range, ionosphere;
   for (std::int64_t i = step; i < std::min(track.next, step + kLead + 1); ++i) {
+    if (track.At(i).lone_band) continue;
     if (track.At(i).HasGeometry()) range.Insert(track.RangeRate(i));
     ionosphere.Insert(track.IonosphereRate(i));
   }
@@ -180,7 +182,7 @@ void Settle(SatelliteTrack& track, std::int64_t step, double interval_s) {
 }
 
 void PushErrors(SatelliteTrack& track, std::int64_t step, ErrorWindows& windows, ErrorOf error) {
-  const bool known = step > track.first && track.Has(step);
+  const bool known = step > track.first && track.Has(step) && !track.At(step).lone_band;
   windows.by_median.Push(known ? std::fabs(error(track, step, false)) : kAbsent);
   windows.by_neighbours.Push(known ? std::fabs(error(track, step, true)) : kAbsent);
 }
@@ -190,7 +192,7 @@ void PushErrors(SatelliteTrack& track, std::int64_t step, ErrorWindows& windows,
 void SettleScales(SatelliteTrack& track, std::int64_t step, double interval_s) {
   PushErrors(track, step - 3, track.range_errors, RangeError);
   PushErrors(track, step - 3, track.ionosphere_errors, IonosphereError);
-  const bool before = step - 1 > track.first;
+  const bool before = step - 1 > track.first && !track.At(step - 1).lone_band;
   track.range_rates.Push(before && track.At(step - 1).HasGeometry() ? track.RangeRate(step - 1) : kAbsent);
   track.ionosphere_rates.Push(before ? track.IonosphereRate(step - 1) : kAbsent);
   Settle(track, step, interval_s);

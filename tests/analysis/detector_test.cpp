@@ -179,6 +179,22 @@ TEST(SlipDetector, ACodeClockJumpIsOneEventAndNoSlip) {
   EXPECT_NEAR(events[0].sizes.at(0), 1, 1e-5);
 }
 
+TEST(SlipDetector, ASignalFullOfHolesIsNotSearchedForEver) {
+  const auto events = EventsOf(Day(400, [](int t, ObservationEpoch& epoch) {
+    if (t % 2 == 1) epoch.signals[epoch.satellites[2].first_signal + 1].phase_cycles = kAbsent;
+  }));
+  // 20 searches to begin with and one per four steps; every hole is an event, with or without a search.
+  int searched = 0, left = 0;
+  for (const Event& event : events) {
+    EXPECT_TRUE(event.kind == EventKind::kSignalGapContinuous ||
+                event.kind == EventKind::kSignalGapUnresolved);
+    (event.kind == EventKind::kSignalGapContinuous ? searched : left) += 1;
+  }
+  EXPECT_EQ(searched + left, 199);
+  EXPECT_LE(searched, 20 + 400 / 4);
+  EXPECT_GE(left, 199 - 20 - 400 / 4);
+}
+
 TEST(SlipDetector, TimesThatDoNotGoOnAreCountedAndLeftOut) {
   auto day = Day(100, Nothing);
   SlipDetector detector({}, {});

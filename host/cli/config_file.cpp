@@ -134,7 +134,7 @@ std::string DefaultConfig(const Command& command) {
                      command.name + "]\n";
   for (const Option& row : command.options) {
     if (!IsConfigurable(row)) continue;
-    text += "\n" + Wrapped(row.help, "# ", "# ", 80);
+    text += "\n" + Wrapped(row.HelpWithRange(), "# ", "# ", 80);
     text += fmt::format("#{} = {}\n", row.name, TomlValue(row));
   }
   return text;

@@ -25,6 +25,18 @@ Option Stored(std::string name, OptionKind kind, std::string argument, std::stri
   return row;
 }
 
+std::vector<std::string> FactsOf(const Option& row) {
+  std::vector<std::string> facts;
+  if (!row.range.empty()) facts.push_back(row.range);
+  if (row.kind == OptionKind::kChoice) facts.push_back(Joined(row.words, ", "));
+  if (!row.excludes.empty()) facts.push_back("not with --" + row.excludes);
+  return facts;
+}
+
+std::string WithFacts(const std::string& help, const std::vector<std::string>& facts) {
+  return facts.empty() ? help : help + " (" + Joined(facts, "; ") + ")";
+}
+
 bool IsOn(const GivenValue& value) {
   bool on = true;
   return value.option->kind != OptionKind::kSwitch || !ParseSwitch(value.text, on).empty() || on;
@@ -47,12 +59,12 @@ std::string Option::Usage() const {
   return "--" + name + (argument.empty() ? "" : " " + argument) + (many ? "..." : "");
 }
 
+std::string Option::HelpWithRange() const { return WithFacts(help, FactsOf(*this)); }
+
 std::string Option::HelpWithDefault() const {
-  std::string facts = range;
-  if (kind == OptionKind::kChoice) facts += Joined(words, ", ");
-  if (!excludes.empty()) facts += (facts.empty() ? "not with --" : "; not with --") + excludes;
-  if (!default_text.empty()) facts += (facts.empty() ? "default: " : "; default: ") + default_text;
-  return facts.empty() ? help : help + " (" + facts + ")";
+  std::vector<std::string> facts = FactsOf(*this);
+  if (!default_text.empty()) facts.push_back("default: " + default_text);
+  return WithFacts(help, facts);
 }
 
 Option Switch(std::string name, bool& target, std::string help) {

@@ -49,7 +49,9 @@ struct Option {
   }
   /// "--elevation DEGREES", "--json[=FILE]", "FILES..."
   std::string Usage() const;
-  /// The help, and in brackets what the row knows of range, words, exclusion and default.
+  /// The help, and in brackets the range, the words and what the option excludes.
+  std::string HelpWithRange() const;
+  /// The same with the default.
   std::string HelpWithDefault() const;
 };
 

@@ -105,6 +105,12 @@ TEST(Config, RefusesWhatBelongsToTheCommandLine) {
   }
 }
 
+TEST(Config, PrintsTheRangesAndWordsOfItsKeys) {
+  const std::string text = DefaultConfig(QcCommand());
+  EXPECT_NE(text.find("(0 to 90)\n#elevation = 10\n"), std::string::npos) << text;
+  EXPECT_NE(text.find("(auto, always, never)\n#color = \"auto\"\n"), std::string::npos) << text;
+}
+
 TEST(Help, KeepsToEightyColumns) {
   std::vector<std::string> texts = {ProgramHelp(AllCommands())};
   for (const Command& command : AllCommands()) texts.push_back(CommandHelp(command));

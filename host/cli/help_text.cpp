@@ -11,7 +11,7 @@ namespace {
 constexpr std::size_t kWidth = 80;
 constexpr std::size_t kHelpColumn = 26;
 
-/// A name and its help beside it, or below it when the name is long.
+/// A name and its help to the right, or below when the name is long.
 std::string Entry(const std::string& name, const std::string& help) {
   const std::string indent(kHelpColumn, ' ');
   std::string head = "  " + name;

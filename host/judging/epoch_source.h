@@ -18,7 +18,7 @@ namespace orsolva_host {
 class EpochSource {
  public:
   virtual ~EpochSource() = default;
-  /// What messages and the report call the data; navigation files are looked for beside it.
+  /// What messages and the report call the data; navigation files are looked for next to it.
   virtual const std::string& Name() const = 0;
   /// Marker, receiver, antenna, position and interval, as far as they are known before the first epoch.
   virtual const ObservationHeader& Header() const = 0;

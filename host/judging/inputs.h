@@ -9,7 +9,7 @@ namespace orsolva_host {
 
 struct RunInputs {
   std::vector<std::string> observations;
-  /// For every observation file; empty: those beside it are looked for.
+  /// For every observation file; empty: those next to it are looked for.
   std::vector<std::string> navigation;
 };
 

@@ -133,7 +133,7 @@ void Run::TakeNavigation(SharedNavigation& named) {
   if (navigation_->files.empty() && !navigation_->failure) {
     throw RunError(
         source_.Name() +
-        ": no navigation file named, and none of its day beside it. Elevations need satellite positions: "
+        ": no navigation file named, and none of its day next to it. Elevations need satellite positions: "
         "name the RINEX navigation files of the day after the observation file.");
   }
   diagnostics_.Append(navigation_->notices);
@@ -173,7 +173,7 @@ void Run::FeedBatch() {
     diagnostics_.Add(source_.Name(), 0, std::string("a batch of epochs is not judged: ") + why, false);
     return;
   }
-  throw RunError(source_.Name() + ": the library met an internal error at the epochs from " +
+  throw RunError(source_.Name() + ": internal error of the library in the epochs from " +
                  TimeText(batch_[0].time) + " on. Please report it with the file.");
 }
 

@@ -28,7 +28,7 @@ struct RunObservers {
 
 /// Takes the epochs through the library in batches of 2,880; the first batch decides which signals are
 /// judged. With settings.profile the report has a verdict.
-/// @param navigation   the files named; with none, those beside the source are looked for
+/// @param navigation   the files named; with none, those next to the source are looked for
 /// @param diagnostics  those of the source; all notices of the run are added
 /// @throws FileError, RunError, Stopped, and what the sink throws
 Report JudgeEpochs(EpochSource& source, const JudgingSettings& settings, SharedNavigation& navigation,

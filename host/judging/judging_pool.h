@@ -58,7 +58,7 @@ struct PoolProgress {
 class JudgingPool {
  public:
   /// Begins at once, with fewer threads when the system gives no more.
-  /// @param navigation  files and folders that serve every file; empty: those beside each file
+  /// @param navigation  files and folders that serve every file; empty: those next to each file
   /// @throws std::system_error when not even one thread can be started
   JudgingPool(std::vector<std::string> files, JudgingSettings settings, std::vector<std::string> navigation,
               PoolOptions options = {});

@@ -11,7 +11,7 @@ std::shared_ptr<const ReadNavigation> ReadNavigationBeside(const std::string& ob
   auto read = std::make_shared<ReadNavigation>();
   read->files = NavigationBeside(observation_file, first_epoch);
   for (const std::string& file : read->files) {
-    read->notices.Add(file, 0, "no navigation file is named; this one beside the observation file is used");
+    read->notices.Add(file, 0, "no navigation file is named; the one next to the observation file is used");
   }
   NavigationReader reader(read->notices, {limits});
   for (const std::string& file : read->files) {

@@ -1,5 +1,5 @@
 // Navigation files of a run: those named are read once, whatever the number of observation files they serve;
-// those found beside an observation file are read for it alone.
+// those found next to an observation file are read for it alone.
 #ifndef ORSOLVA_JUDGING_SHARED_NAVIGATION_H
 #define ORSOLVA_JUDGING_SHARED_NAVIGATION_H
 
@@ -25,7 +25,7 @@ struct ReadNavigation {
   std::optional<FileError> failure;  ///< what ended reading; the set is empty then
 };
 
-/// Reads the navigation files that lie beside an observation file, with a notice for each. One that cannot be
+/// Reads the navigation files next to an observation file, with a notice for each. One that cannot be
 /// read is passed over with a notice when others of its day are there.
 /// @return without files when none fits
 std::shared_ptr<const ReadNavigation> ReadNavigationBeside(const std::string& observation_file,

@@ -75,7 +75,7 @@ TEST(Command, NavigationBesideTheObservationsIsFoundAndNamed) {
   const Answer a = Orsolva("qc --json " + DataFile("SEPT078M.21O"));
   ASSERT_EQ(a.code, 0) << a.err;
   EXPECT_NE(a.out.find("SEPT078M.21P"), std::string::npos);
-  EXPECT_NE(a.out.find("beside the observation file"), std::string::npos);
+  EXPECT_NE(a.out.find("next to the observation file"), std::string::npos);
 }
 
 TEST(Command, NavigationMayBeNamedByItsFolder) {

@@ -1,7 +1,7 @@
 // Records of nominal constellations and pseudoranges that agree with them to the rounding of a double, formed
 // with the library's own satellite positions and delays.
 //
-// Why a sky of its own beside sky.h and simulated_sky.h: positioning is tested to the rounding of a double,
+// Why this sky besides sky.h and simulated_sky.h: positioning is tested to the rounding of a double,
 // in four systems, with errors put on single pseudoranges; noise or a delay of another model would hide the
 // digits.
 #ifndef ORSOLVA_TESTS_SUPPORT_EXACT_SKY_H
@@ -15,6 +15,7 @@
 #include "navigation/positioning/atmosphere.h"
 #include "navigation/positioning/positioning_epoch.h"
 #include "orsolva/records.h"
+#include "tests/support/sky/kepler_record.h"
 #include "toolkit/signals.h"
 
 namespace orsolva_test {
@@ -26,45 +27,33 @@ inline constexpr double kSkySecondOfWeek = 388800.0;
 inline constexpr std::int32_t kSkyBdsWeek = kSkyWeek - 1356;
 inline constexpr std::int64_t kSkyLeapSeconds = 18;
 
-/// Fills the fields that GPS, Galileo and BDS records share; satellite k of a plane of evenly spread
-/// satellites.
+/// A record of GPS, Galileo or BDS with all correction terms.
 template <class Record>
-Record KeplerRecord(std::int32_t prn, double sqrt_a, double inclination, double node, double anomaly) {
-  Record r{};
-  r.prn = prn;
-  r.toc = {kSkyTime, 0.0};
-  r.af0 = 1e-5 * prn;
+Record DisturbedRecord(std::int32_t prn, double sqrt_a, double inclination, double node, double anomaly) {
+  Record r = KeplerRecord<Record>(prn, {sqrt_a, 0.005 + 0.0001 * prn, inclination, node, 0.3, anomaly},
+                                  {kSkyTime, kSkyWeek, kSkySecondOfWeek}, 1e-5 * prn);
   r.af1 = 1e-12;
   r.iode = 10 + prn % 100;
   r.crs = 20.0;
   r.deln = 4e-9;
-  r.M0 = anomaly;
   r.cuc = 1e-6;
-  r.e = 0.005 + 0.0001 * prn;
   r.cus = 5e-6;
-  r.sqrtA = sqrt_a;
-  r.toes = kSkySecondOfWeek;
   r.cic = 1e-7;
-  r.OMG0 = node;
   r.cis = -1e-7;
-  r.i0 = inclination;
   r.crc = 250.0;
-  r.omg = 0.3;
   r.OMGd = -8e-9;
   r.idot = 1e-10;
-  r.week = kSkyWeek;
-  r.ura = 2.0;
   return r;
 }
 
 inline GpsEph_gbt GpsRecord(std::int32_t prn) {
-  return KeplerRecord<GpsEph_gbt>(prn, 5153.7, 0.96, (prn % 6) * 1.0471976, prn * 0.7);
+  return DisturbedRecord<GpsEph_gbt>(prn, 5153.7, 0.96, (prn % 6) * 1.0471976, prn * 0.7);
 }
 inline GalEph_gbt GalileoRecord(std::int32_t prn) {
-  return KeplerRecord<GalEph_gbt>(prn, 5440.6, 0.977, (prn % 3) * 2.0943951, prn * 0.9);
+  return DisturbedRecord<GalEph_gbt>(prn, 5440.6, 0.977, (prn % 3) * 2.0943951, prn * 0.9);
 }
 inline BdsEph_gbt BdsRecord(std::int32_t prn) {
-  BdsEph_gbt r = KeplerRecord<BdsEph_gbt>(prn, 5282.6, 0.96, (prn % 3) * 2.0943951, prn * 0.8);
+  BdsEph_gbt r = DisturbedRecord<BdsEph_gbt>(prn, 5282.6, 0.96, (prn % 3) * 2.0943951, prn * 0.8);
   r.week = kSkyBdsWeek;
   return r;
 }

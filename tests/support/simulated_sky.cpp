@@ -7,6 +7,7 @@
 
 #include "navigation/ephemerides/ephemeris.h"
 #include "navigation/orbits/geometry.h"
+#include "tests/support/sky/kepler_record.h"
 #include "toolkit/signals.h"
 
 namespace orsolva_test {
@@ -31,25 +32,19 @@ struct Orbit {
 
 double MeanMotion(const Orbit& orbit) { return std::sqrt(kGm / (orbit.a * orbit.a * orbit.a)); }
 
-/// Fills what the Kepler records have in common; `reference` and `week_start` are in the record's time scale.
+/// A record at `reference` of an orbit whose anomaly is given at `from`.
+/// @param week, week_start  of the record's time scale
 template <class Record>
-Record KeplerRecord(int prn, const Orbit& orbit, std::int64_t reference, std::int64_t week_start,
-                    std::int64_t from) {
-  Record record{};
-  record.prn = prn;
-  record.toc = {reference, 0.0};
-  record.af0 = 1e-5 * (prn % 9 - 4);
+Record RecordOf(int prn, const Orbit& orbit, std::int64_t reference, std::int64_t week,
+                std::int64_t week_start, std::int64_t from) {
+  const double anomaly =
+      std::remainder(orbit.anomaly + MeanMotion(orbit) * static_cast<double>(reference - from), 2 * kPi);
+  auto record = KeplerRecord<Record>(
+      prn, {std::sqrt(orbit.a), orbit.e, orbit.i, orbit.node, orbit.perigee, anomaly},
+      {reference, static_cast<std::int32_t>(week), static_cast<double>(reference - week_start)},
+      1e-5 * (prn % 9 - 4));
   record.af1 = 1e-12 * (prn % 5 - 2);
   record.iode = static_cast<std::int32_t>(reference / 600 % 1000);
-  record.e = orbit.e;
-  record.sqrtA = std::sqrt(orbit.a);
-  record.toes = static_cast<double>(reference - week_start);
-  record.OMG0 = orbit.node;
-  record.i0 = orbit.i;
-  record.omg = orbit.perigee;
-  record.M0 =
-      std::remainder(orbit.anomaly + MeanMotion(orbit) * static_cast<double>(reference - from), 2 * kPi);
-  record.ura = 2.0;
   return record;
 }
 
@@ -97,24 +92,19 @@ void AddRecords(NavigationSet& set, std::int64_t start, std::int64_t end) {
   };
   for (const std::int64_t t : reference_times(7200)) {
     for (int k = 0; k < 30; ++k) {
-      auto record =
-          KeplerRecord<GpsEph_gbt>(k + 1, Walker(k, 30, 6, 26559710.0, 0.9599), t, week_start, start);
-      record.week = static_cast<std::int32_t>(week);
-      set.Gps.push_back(record);
+      set.Gps.push_back(
+          RecordOf<GpsEph_gbt>(k + 1, Walker(k, 30, 6, 26559710.0, 0.9599), t, week, week_start, start));
     }
     for (int k = 0; k < 4; ++k) {
       const Orbit orbit{42164170.0, 0.075, 0.715, 2.4 + 1.57 * k, 4.712, 1.6 - 1.57 * k};
-      auto record = KeplerRecord<GpsEph_gbt>(k + 1, orbit, t, week_start, start);
-      record.week = static_cast<std::int32_t>(week);
-      set.Qzss.push_back(record);
+      set.Qzss.push_back(RecordOf<GpsEph_gbt>(k + 1, orbit, t, week, week_start, start));
     }
   }
   static const int medium[] = {11, 12, 14, 18, 19, 20, 21, 22, 23, 24, 25, 26,
                                27, 28, 29, 30, 32, 33, 34, 35, 36, 37, 41, 42};
   for (const std::int64_t t : reference_times(3600)) {
     const auto add = [&](int prn, const Orbit& orbit, int type) {
-      auto record = KeplerRecord<BdsEph_gbt>(prn, orbit, t, bds_start, start);
-      record.week = static_cast<std::int32_t>(bds_week);
+      auto record = RecordOf<BdsEph_gbt>(prn, orbit, t, bds_week, bds_start, start);
       record.orbit_type = static_cast<std::uint8_t>(type);
       set.Bds.push_back(record);
     };
@@ -128,10 +118,8 @@ void AddRecords(NavigationSet& set, std::int64_t start, std::int64_t end) {
   }
   for (const std::int64_t t : reference_times(3600)) {
     for (int k = 0; k < 24; ++k) {
-      auto record =
-          KeplerRecord<GalEph_gbt>(k + 1, Walker(k, 24, 3, 29600300.0, 0.9774), t, week_start, start);
-      record.week = static_cast<std::int32_t>(week);
-      set.Galileo.push_back(record);
+      set.Galileo.push_back(
+          RecordOf<GalEph_gbt>(k + 1, Walker(k, 24, 3, 29600300.0, 0.9774), t, week, week_start, start));
     }
   }
   for (const std::int64_t t : reference_times(1800)) {

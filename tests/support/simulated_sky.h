@@ -1,7 +1,7 @@
 // A small sky for tests: nominal constellations with broadcast records, and observations of one station that
 // agree with them. Same options, same bits.
 //
-// Why a sky of its own beside sky.h and exact_sky.h: laws of whole runs, mutated records, digests and
+// Why this sky besides sky.h and exact_sky.h: laws of whole runs, mutated records, digests and
 // benchmarks want five systems with noise and gaps through the exported functions. It stays apart from
 // host/simulator, which is under test itself and whose output may change, while golden digests rest on every
 // bit of this one.

@@ -1,6 +1,6 @@
 // A small sky of GPS satellites on circular orbits and a receiver without errors: enough to drive a run.
 //
-// Why a sky of its own beside exact_sky.h and simulated_sky.h: the tests of the process object want whole
+// Why this sky besides exact_sky.h and simulated_sky.h: the tests of the process object want whole
 // epochs of one system, cheap and the same in every place, and records they can remove or mark unhealthy one
 // by one.
 #ifndef ORSOLVA_TESTS_SUPPORT_SKY_H
@@ -13,6 +13,7 @@
 #include "navigation/ephemerides/ephemeris.h"
 #include "navigation/orbits/geometry.h"
 #include "orsolva/records.h"
+#include "tests/support/sky/kepler_record.h"
 #include "toolkit/signals.h"
 
 namespace sky {
@@ -24,22 +25,13 @@ inline constexpr double kPi = 3.14159265358979323846;
 
 /// A record of satellite `prn` (1 to 30) with its reference time `toes` seconds into the week.
 inline GpsEph_gbt Record(int prn, double toes) {
-  GpsEph_gbt record{};
   const int plane = (prn - 1) % 6;
   const int place = (prn - 1) / 6;
   const double mean_motion = std::sqrt(3.986005e14) / std::pow(5153.6, 3);
-  record.prn = prn;
-  record.week = kWeek;
-  record.toes = toes;
-  record.toc = {kWeekStart + static_cast<std::int64_t>(toes), 0.0};
-  record.sqrtA = 5153.6;
-  record.e = 0.001;
-  record.i0 = 0.96;
-  record.OMG0 = plane * kPi / 3.0;
-  record.M0 = place * 2.0 * kPi / 5.0 + plane * 0.4 + mean_motion * toes;
-  record.af0 = 1e-5 * prn;
-  record.ura = 2.0;
-  return record;
+  const double anomaly = place * 2.0 * kPi / 5.0 + plane * 0.4 + mean_motion * toes;
+  return orsolva_test::KeplerRecord<GpsEph_gbt>(prn, {5153.6, 0.001, 0.96, plane * kPi / 3.0, 0.0, anomaly},
+                                                {kWeekStart + static_cast<std::int64_t>(toes), kWeek, toes},
+                                                1e-5 * prn);
 }
 
 /// Records of satellites 1 to 30 every `step` seconds over [first, last].

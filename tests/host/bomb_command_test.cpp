@@ -20,8 +20,16 @@ using orsolva_test::Zipped;
 
 constexpr std::size_t kBlown = 6U << 20;
 
+/// Enough epochs of the file to compute a position from.
+std::string Observations() {
+  const std::string text = ReadText(DataFile("SEPT078M.21O"));
+  return text.substr(0, text.find("\n> ", 800000) + 1);
+}
+
+std::string Navigation() { return ReadText(DataFile("SEPT078M.21P")); }
+
 /// A text and empty lines after it.
-std::string Blown(const std::string& name) { return ReadText(DataFile(name)) + std::string(kBlown, '\n'); }
+std::string Blown(const std::string& text) { return text + std::string(kBlown, '\n'); }
 
 std::string Compressed(const std::string& compression, const std::string& text) {
   if (compression == "zip") return Zipped({{"SEPT078M.21O", text}});
@@ -39,7 +47,7 @@ TEST_P(Bomb, IsRefusedAtTheLimitAndReadWhenTheFlagRaisesIt) {
   ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
   const Folder folder;
   const std::string file = folder / "SEPT078M.21O";
-  std::ofstream(file, std::ios::binary) << Compressed(GetParam(), Blown("SEPT078M.21O"));
+  std::ofstream(file, std::ios::binary) << Compressed(GetParam(), Blown(Observations()));
   const std::string run = "qc --no-config --sum " + file + " " + DataFile("SEPT078M.21P");
   const Answer refused = Orsolva(run + " --max-size 5M");
   EXPECT_EQ(refused.code, 1);
@@ -55,8 +63,9 @@ TEST_P(Bomb, OfNavigationIsRefusedToo) {
   ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
   const Folder folder;
   const std::string file = folder / "SEPT078M.21P";
-  std::ofstream(file, std::ios::binary) << Compressed(GetParam(), Blown("SEPT078M.21P"));
-  const std::string run = "qc --no-config --sum " + DataFile("SEPT078M.21O") + " --nav " + file;
+  std::ofstream(file, std::ios::binary) << Compressed(GetParam(), Blown(Navigation()));
+  std::ofstream(folder / "SEPT078M.21O", std::ios::binary) << Observations();
+  const std::string run = "qc --no-config --sum " + (folder / "SEPT078M.21O") + " --nav " + file;
   const Answer refused = Orsolva(run + " --max-size 5M");
   EXPECT_EQ(refused.code, 1);
   EXPECT_NE(refused.err.find(file + ": found more than 5242880 bytes"), std::string::npos) << refused.err;

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <nlohmann/json.hpp>
 #include <set>
 #include <sstream>
 #include <string>
@@ -17,11 +16,12 @@
 #include "host/terminal/progress_line.h"
 #include "tests/host/folder.h"
 #include "tests/host/program.h"
+#include "tests/support/json_reader.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using nlohmann::json;
+using json = orsolva_test::Json;
 using orsolva_test::Answer;
 using orsolva_test::DataFile;
 using orsolva_test::Folder;
@@ -133,7 +133,7 @@ TEST(Navigation, ThatWasFoundIsNamedInANoticeAndThatNamedIsNot) {
     EXPECT_EQ(report["run"]["navigation_files"], json::array({folder / "SEPT078M.21P"}));
     std::string files;
     for (const json& notice : report["notices"]) {
-      const std::string text = notice["text"];
+      const auto text = notice["text"].get<std::string>();
       if (text.find("no navigation file is named") != std::string::npos)
         files += notice["file"].get<std::string>();
     }

@@ -3,16 +3,18 @@
 
 #include <algorithm>
 #include <cmath>
-#include <nlohmann/json.hpp>
+#include <filesystem>
 #include <sstream>
 #include <string>
 
+#include "tests/host/folder.h"
 #include "tests/host/program.h"
 #include "tests/host/shared_data.h"
+#include "tests/support/json_reader.h"
 
 namespace {
 
-using nlohmann::json;
+using json = orsolva_test::Json;
 using orsolva_test::Answer;
 using orsolva_test::DataFile;
 using orsolva_test::Orsolva;
@@ -80,9 +82,12 @@ TEST(Command, NavigationBesideTheObservationsIsFoundAndNamed) {
 
 TEST(Command, NavigationMayBeNamedByItsFolder) {
   ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
-  const Answer a = Orsolva("qc --json " + DataFile("SEPT078M.21O") + " " + DataFile(""));
+  const orsolva_test::Folder folder;
+  for (const char* name : {"SEPT078M.21P", "KMS300DNK_R_20221591000_01H_MN.rnx.gz"})
+    std::filesystem::copy_file(DataFile(name), folder / name);
+  const Answer a = Orsolva("qc --json " + DataFile("SEPT078M.21O") + " " + folder.Path());
   ASSERT_EQ(a.code, 0) << a.err;
-  EXPECT_EQ(json::parse(a.out)["run"]["navigation_files"].size(), 3U);
+  EXPECT_EQ(json::parse(a.out)["run"]["navigation_files"].size(), 2U);
 }
 
 TEST(Command, ObservationsMayComeFromStandardInput) {

@@ -84,27 +84,17 @@ TEST(CrinexTwins, Version3OfAllSystems) {
   ExpectTwins("ACOR00ESP_R_20213550000_01D_30S_MO.rnx", "ACOR00ESP_R_20213550000_01D_30S_MO.crx", 25, 3.04);
 }
 
-/// The plain name of a CRINEX file, or an empty text.
-std::string PlainNameOf(const std::string& name) {
-  if (name.size() < 4 || name[name.size() - 4] != '.') return {};
-  const std::string stem = name.substr(0, name.size() - 4);
-  const std::string ending = name.substr(name.size() - 4);
-  if (ending == ".crx") return stem + ".rnx";
-  if (ending[3] == 'd') return stem + ending.substr(0, 3) + "o";
-  if (ending[3] == 'D') return stem + ending.substr(0, 3) + "O";
-  return {};
-}
-
-TEST(CrinexTwins, EveryCrinexFileWithAPlainTwinGivesTheSameRecords) {
-  ORSOLVA_NEED_FILE(DataFile(""));
-  int twins = 0;
-  for (const auto& entry : std::filesystem::directory_iterator(DataFile(""))) {
-    const std::string plain_name = PlainNameOf(entry.path().filename().string());
-    if (plain_name.empty() || !std::filesystem::exists(DataFile(plain_name))) continue;
-    ++twins;
+TEST(CrinexTwins, GiveTheSameRecords) {
+  constexpr const char* twins[][2] = {
+      {"AJAC3550.21O", "AJAC3550.21D"},
+      {"zegv0010.21o", "zegv0010.21d"},
+      {"pdel0010.21o", "pdel0010.21d"},
+      {"ACOR00ESP_R_20213550000_01D_30S_MO.rnx", "ACOR00ESP_R_20213550000_01D_30S_MO.crx"}};
+  for (const auto& [plain_name, crinex_name] : twins) {
+    ORSOLVA_NEED_FILE(DataFile(plain_name));
     Diagnostics notices;
     ObservationReader plain(DataFile(plain_name), notices);
-    ObservationReader crinex(entry.path().string(), notices);
+    ObservationReader crinex(DataFile(crinex_name), notices);
     ObsEpoch_QC_gbt a;
     ObsEpoch_QC_gbt b;
     std::memset(&a, 0, sizeof a);
@@ -115,7 +105,6 @@ TEST(CrinexTwins, EveryCrinexFileWithAPlainTwinGivesTheSameRecords) {
     }
     EXPECT_FALSE(crinex.Next(b)) << plain_name;
   }
-  EXPECT_GE(twins, 4);
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <filesystem>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -12,10 +11,11 @@
 #include "tests/host/folder.h"
 #include "tests/host/program.h"
 #include "tests/host/shared_data.h"
+#include "tests/support/json_reader.h"
 
 namespace {
 
-using nlohmann::json;
+using json = orsolva_test::Json;
 using orsolva_test::Answer;
 using orsolva_test::DataFile;
 using orsolva_test::Folder;
@@ -92,7 +92,8 @@ TEST(DetailTable, GivesTheCountsAndRmsOfTheReport) {
   int compared = 0;
   for (const json& signal : report["signals"]) {
     if (signal["mp_values"].is_null()) continue;
-    const PairSum sum = OfSignal(sums, signal["letter"], signal["signal"]);
+    const PairSum sum =
+        OfSignal(sums, signal["letter"].get<std::string>(), signal["signal"].get<std::string>());
     EXPECT_EQ(sum.count, signal["mp_values"].get<long>()) << signal["signal"];
     EXPECT_EQ(sum.slips, signal["phase_geometry_slip_epochs"].get<long>()) << signal["signal"];
     // Residuals are written to 0.1 mm.

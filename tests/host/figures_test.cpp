@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
 #include <set>
 #include <sstream>
 #include <string>
@@ -10,11 +9,12 @@
 #include "host/report/figure_list.h"
 #include "host/report/json_writer.h"
 #include "tests/host/sample_report.h"
+#include "tests/support/json_reader.h"
 
 namespace orsolva_host {
 namespace {
 
-using nlohmann::json;
+using json = orsolva_test::Json;
 
 /// Keys that name or place a figure and are none.
 bool NamesSomething(const std::string& key) {

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <random>
 #include <string>
 #include <vector>
@@ -15,10 +14,11 @@
 #include "host/report/page_data.h"
 #include "host/rinex/satellite_names.h"
 #include "host/rinex/signal_codes.h"
+#include "tests/support/json_reader.h"
 
 namespace {
 
-using nlohmann::json;
+using json = orsolva_test::Json;
 using orsolva_host::Base64;
 using orsolva_host::DetailCollector;
 using orsolva_host::InsideScript;

@@ -4,15 +4,17 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 
 #include "host/report/network_html.h"
 #include "tests/host/sample_report.h"
+#include "tests/support/json_reader.h"
 
 namespace orsolva_host {
 namespace {
+
+using orsolva_test::Json;
 
 NetworkRow Row(const std::string& file, double completeness, const std::string& grade = "") {
   NetworkRow row;
@@ -69,10 +71,10 @@ TEST(Network, TheCsvHasOneRowAFileAndNoFiguresOfFailedOnes) {
 }
 
 /// The data of an index page.
-nlohmann::json DataOf(const std::string& page) {
+Json DataOf(const std::string& page) {
   const std::string open = "id=\"network-data\">";
   const std::size_t begin = page.find(open) + open.size();
-  return nlohmann::json::parse(page.substr(begin, page.find("</script>", begin) - begin));
+  return Json::parse(page.substr(begin, page.find("</script>", begin) - begin));
 }
 
 TEST(NetworkHtml, HoldsARowAFileInTheOrderGivenAndNullForWhatFailedOnesLack) {
@@ -80,18 +82,18 @@ TEST(NetworkHtml, HoldsARowAFileInTheOrderGivenAndNullForWhatFailedOnesLack) {
   judged.page = "out/pages/one.html";
   const std::string page =
       NetworkHtml({FailedRow("b.rnx", "b.rnx: why\nnot"), judged}, {"V1", "a profile"}, "out/index.html");
-  const nlohmann::json data = DataOf(page);
+  const Json data = DataOf(page);
   EXPECT_EQ(data["library_version"], "V1");
   EXPECT_EQ(data["profile"], "a profile");
   ASSERT_EQ(data["rows"].size(), 2U);
-  const nlohmann::json& failed = data["rows"][0];
+  const Json& failed = data["rows"][0];
   EXPECT_EQ(failed["state"], "ERROR");
   EXPECT_EQ(failed["error"], "why not");
   for (const char* key :
        {"page", "duration_h", "lost_epochs", "completeness_ratio", "mp1_rms_m", "notices"}) {
     EXPECT_TRUE(failed[key].is_null()) << key;
   }
-  const nlohmann::json& row = data["rows"][1];
+  const Json& row = data["rows"][1];
   EXPECT_EQ(row["state"], "judged");
   EXPECT_EQ(row["page"], "pages/one.html");
   EXPECT_EQ(row["completeness_ratio"], 0.9);
@@ -104,7 +106,7 @@ TEST(NetworkHtml, AFileJudgedToItsDamageHasItsErrorItsFiguresAndItsPage) {
   NetworkRow row = RowOf(orsolva_test::SampleReport());
   row.page = "one.html";
   row.error = "damaged. The report covers what was read before it.";
-  const nlohmann::json told = DataOf(NetworkHtml({row}, {"V1", ""}, "index.html"))["rows"][0];
+  const Json told = DataOf(NetworkHtml({row}, {"V1", ""}, "index.html"))["rows"][0];
   EXPECT_EQ(told["state"], "ERROR");
   EXPECT_EQ(told["page"], "one.html");
   EXPECT_EQ(told["completeness_ratio"], 0.9);

@@ -2,18 +2,18 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "host/judging/output_settings.h"
 #include "tests/host/folder.h"
 #include "tests/host/program.h"
+#include "tests/support/json_reader.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-using nlohmann::json;
+using json = orsolva_test::Json;
 using orsolva_test::Answer;
 using orsolva_test::DataFile;
 using orsolva_test::Folder;

@@ -5,8 +5,8 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
+#include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <string>
 
 #include "tests/host/folder.h"
@@ -28,8 +28,8 @@ inline Answer Orsolva(const std::string& arguments, const std::string& input = "
   const int status = std::system(command.c_str());
   Answer answer{WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadText(base + ".out"),
                 ReadText(base + ".err")};
-  std::filesystem::remove(base + ".out");
-  std::filesystem::remove(base + ".err");
+  std::remove((base + ".out").c_str());
+  std::remove((base + ".err").c_str());
   return answer;
 }
 

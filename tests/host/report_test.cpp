@@ -4,7 +4,6 @@
 #include <cmath>
 #include <limits>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 
@@ -12,11 +11,12 @@
 #include "host/report/json_writer.h"
 #include "host/report/text_writer.h"
 #include "tests/host/shared_data.h"
+#include "tests/support/json_reader.h"
 
 namespace orsolva_host {
 namespace {
 
-using nlohmann::json;
+using json = orsolva_test::Json;
 
 struct Records {
   std::unique_ptr<result_qct> result = std::make_unique<result_qct>();

@@ -78,7 +78,7 @@ std::uint64_t ReferenceDigest(const std::filesystem::path& folder) {
   std::uint64_t digest = kEmptyDigest;
   unsigned long long* handle = CreatQcProcess();
   for (const auto& call : reference.Text.at("calls")) {
-    const std::string name = call.at("call");
+    const auto name = call.at("call").get<std::string>();
     if (name == "init") InitialQc(navigation, &reference.Config, handle);
     if (name == "plus") digest = DigestOf(GNSSQCPlus(reference.Batch(call), handle), digest);
     if (name == "result") {

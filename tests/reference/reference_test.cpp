@@ -9,6 +9,7 @@
 
 #include "orsolva/gnssqc.h"
 #include "tests/support/deliberate_leak.h"
+#include "tests/support/json_reader.h"
 #include "tests/support/record_fields.h"
 #include "tests/support/reference_case.h"
 #include "tests/support/shared_folder.h"
@@ -21,14 +22,15 @@ std::filesystem::path ReferenceFolder() { return SharedFolder() / "reference"; }
 /// Compares two records by the tolerances of a case and collects what differs.
 class Comparison {
  public:
-  explicit Comparison(const nlohmann::json& tolerances) : tolerances_(tolerances) {}
+  explicit Comparison(const Json& tolerances) : tolerances_(tolerances) {}
 
   template <class T>
   void operator()(const std::string& path, const std::string& name, T got, T expected) {
-    const auto field = tolerances_.at("fields").find(name);
-    const bool own = field != tolerances_.at("fields").end();
-    if (own && !field->value("compare", true)) return;
-    const auto& rule = own ? *field : tolerances_.at(std::is_floating_point_v<T> ? "doubles" : "integers");
+    const Json& fields = tolerances_.at("fields");
+    const Json& rule = fields.contains(name)
+                           ? fields.at(name)
+                           : tolerances_.at(std::is_floating_point_v<T> ? "doubles" : "integers");
+    if (rule.contains("compare") && !rule.at("compare").get<bool>()) return;
     ++compared_;
     if (Agree(static_cast<double>(got), static_cast<double>(expected), rule)) return;
     if (++different_ <= 12) {
@@ -41,14 +43,14 @@ class Comparison {
   std::string Report() const { return report_.str(); }
 
  private:
-  static bool Agree(double a, double b, const nlohmann::json& rule) {
+  static bool Agree(double a, double b, const Json& rule) {
     if (a == b || (std::isnan(a) && std::isnan(b))) return true;
     const double bound = rule.at("absolute").get<double>() +
                          rule.at("relative").get<double>() * std::max(std::abs(a), std::abs(b));
     return std::abs(a - b) <= bound;
   }
 
-  const nlohmann::json& tolerances_;
+  const Json& tolerances_;
   int compared_ = 0;
   int different_ = 0;
   std::ostringstream report_;
@@ -57,8 +59,8 @@ class Comparison {
 class ReferenceCases : public testing::TestWithParam<std::string> {
  protected:
   template <class Record>
-  void ExpectRecord(const ReferenceCase& reference, const nlohmann::json& call, const Record& got) {
-    const std::string file = call.at("file");
+  void ExpectRecord(const ReferenceCase& reference, const Json& call, const Record& got) {
+    const auto file = call.at("file").get<std::string>();
     const auto expected = UnpackRecord<Record>(reference.Folder / file);
     Comparison comparison(reference.Text.at("tolerances"));
     VisitFields(got, expected, comparison);
@@ -75,7 +77,7 @@ TEST_P(ReferenceCases, GivesTheExpectedFigures) {
   unsigned long long* handle = CreatQcProcess();
   ASSERT_NE(handle, nullptr);
   for (const auto& call : reference.Text.at("calls")) {
-    const std::string name = call.at("call");
+    const auto name = call.at("call").get<std::string>();
     SCOPED_TRACE(call.dump());
     if (name == "init") {
       EXPECT_EQ(InitialQc(navigation, &reference.Config, handle), call.at("returns").get<bool>());

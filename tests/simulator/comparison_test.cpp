@@ -1,15 +1,15 @@
 // A report next to the truth: the figures of both are in one line, and files that do not belong together are
 // refused.
 #include "host/simulator/comparison.h"
+#include "tests/support/json_reader.h"
 
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
 #include <sstream>
 
 namespace {
 
-using nlohmann::json;
+using json = orsolva_test::Json;
 using namespace orsolva_host;
 
 json Report() {

@@ -4,15 +4,15 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
 
 #include "tests/simulator/made.h"
+#include "tests/support/json_reader.h"
 
 namespace {
 
-using nlohmann::json;
+using json = orsolva_test::Json;
 using orsolva_test::ReadText;
 using orsolva_test::TestFolder;
 

@@ -5,16 +5,16 @@
 
 #include <cmath>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <set>
 
 #include "host/simulator/truth_json.h"
 #include "tests/simulator/made.h"
+#include "tests/support/json_reader.h"
 
 namespace {
 
 using namespace orsolva_host;
-using nlohmann::json;
+using json = orsolva_test::Json;
 using orsolva_test::ScenarioOf;
 
 Scenario Troubled() {

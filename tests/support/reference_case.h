@@ -2,18 +2,19 @@
 #ifndef ORSOLVA_TESTS_SUPPORT_REFERENCE_CASE_H
 #define ORSOLVA_TESTS_SUPPORT_REFERENCE_CASE_H
 
-#include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <nlohmann/json.hpp>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "orsolva/records.h"
 #include "tests/support/gzip_file.h"
+#include "tests/support/json_reader.h"
 #include "tests/support/navigation_set.h"
+#include "tests/support/text_file.h"
 
 namespace orsolva_test {
 
@@ -51,13 +52,13 @@ inline NavigationSet UnpackNavigation(const std::filesystem::path& path) {
 
 struct ReferenceCase {
   std::filesystem::path Folder;
-  nlohmann::json Text;
+  Json Text;
   config_qct Config{};
   NavigationSet Navigation;
   std::vector<ObsEpoch_QC_gbt> Epochs;
 
   explicit ReferenceCase(const std::filesystem::path& folder) : Folder(folder) {
-    std::ifstream(folder / "case.json") >> Text;
+    Text = Json::parse(ReadText((folder / "case.json").string()));
     Config = UnpackRecord<config_qct>(folder / "config.bin.gz");
     Navigation = UnpackNavigation(folder / "nav.bin.gz");
     const std::vector<unsigned char> bytes = Unpack(folder / "epochs.bin.gz");
@@ -66,22 +67,18 @@ struct ReferenceCase {
   }
 
   /// The batch of a call: `count` epochs from `first`, or a null pointer when `first` is -1.
-  ObsBodyData_QC_gbt Batch(const nlohmann::json& call) const {
-    const int first = call.at("first");
-    return {call.at("count"), first < 0 ? nullptr : Epochs.data() + first};
+  ObsBodyData_QC_gbt Batch(const Json& call) const {
+    const int first = call.at("first").get<int>();
+    return {call.at("count").get<int>(), first < 0 ? nullptr : Epochs.data() + first};
   }
 };
 
-/// Names of the cases of a folder, in order.
+/// The cases listed in tests/reference/cases.txt; none without the folder. Others in the folder are left
+/// alone.
 inline std::vector<std::string> ReferenceCaseNames(const std::filesystem::path& folder) {
-  std::vector<std::string> names;
-  std::error_code error;
-  for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
-    if (std::filesystem::exists(entry.path() / "case.json"))
-      names.push_back(entry.path().filename().string());
-  }
-  std::sort(names.begin(), names.end());
-  return names;
+  if (!std::filesystem::exists(folder)) return {};
+  std::ifstream list(std::filesystem::path(ORSOLVA_SOURCE_DIR) / "tests/reference/cases.txt");
+  return {std::istream_iterator<std::string>(list), {}};
 }
 
 }  // namespace orsolva_test

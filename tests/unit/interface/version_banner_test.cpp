@@ -2,22 +2,44 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
-#include <regex>
 #include <string>
 
 #include "orsolva/gnssqc.h"
 
 namespace {
 
+/// Whether a character is of the kind that A (capital), a (small), 9 (digit) or * (blank, 1, 2 or 3) stands
+/// for, or is that character itself.
+bool IsOfKind(char c, char kind) {
+  switch (kind) {
+    case 'A':
+      return c >= 'A' && c <= 'Z';
+    case 'a':
+      return c >= 'a' && c <= 'z';
+    case '9':
+      return c >= '0' && c <= '9';
+    case '*':
+      return c == ' ' || (c >= '1' && c <= '3');
+    default:
+      return c == kind;
+  }
+}
+
+bool HasForm(const std::string& text, const std::string& form) {
+  return std::equal(text.begin(), text.end(), form.begin(), form.end(), IsOfKind);
+}
+
 TEST(VersionBanner, HasTheDocumentedText) {
   const std::string text = orsolva::QCVersion().Text;
-  const std::regex banner(
+  const std::string lines =
       "library    name: libOrsolva_cbb\n"
-      "library version: V1\\.2\\.9\n"
+      "library version: V1.2.9\n"
       "SVN     version: 4664\n"
-      "build      date: [A-Z][a-z]{2} [ 1-3][0-9] [0-9]{4} [0-9]{2}:[0-9]{2}:[0-9]{2}");
-  EXPECT_TRUE(std::regex_match(text, banner)) << text;
+      "build      date: ";
+  EXPECT_EQ(text.substr(0, lines.size()), lines);
+  EXPECT_TRUE(HasForm(text.substr(lines.size()), "Aaa *9 9999 99:99:99")) << text;
 }
 
 TEST(VersionBanner, Is115CharactersLong) { EXPECT_EQ(std::strlen(orsolva::QCVersion().Text), 115U); }

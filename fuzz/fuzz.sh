@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the fuzz targets with clang++ and runs each for a while.
+# Builds the fuzz targets with clang++ and runs each for a while, as many at a time as there are cores.
 #
 # usage: fuzz/fuzz.sh [SECONDS_EACH [TARGET...]]     (default 12 seconds, every target)
 # Corpora grow in build-fuzz/corpus/<target>; a finding is left in build-fuzz/findings/<target>/.
@@ -25,16 +25,30 @@ dictionary_of() {
   esac
 }
 
-failed=0
-for target in "${targets[@]}"; do
-  echo "== $target, $seconds s"
+# fuzz TARGET  leaves its log in findings/<target>.log
+fuzz() {
+  local target=$1
   mkdir -p "$build/corpus/$target" "$build/seeds/$target" "$build/findings/$target"
-  folders=("$build/corpus/$target" "$build/seeds/$target" "fuzz/seeds/$target")
+  local folders=("$build/corpus/$target" "$build/seeds/$target" "fuzz/seeds/$target")
   [ ! -d "fuzz/regressions/$target" ] || folders+=("fuzz/regressions/$target")
   "$build/bin/fuzz_$target" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 -max_len=20000 \
     -dict="fuzz/$(dictionary_of "$target")" -print_final_stats=1 -artifact_prefix="$build/findings/$target/" \
-    "${folders[@]}" 2>"$build/findings/$target.log" || failed=1
-  grep -E 'stat::number_of_executed_units|DONE|ERROR|SUMMARY|does not hold|runtime error' \
-    "$build/findings/$target.log" || true
+    "${folders[@]}" 2>"$build/findings/$target.log"
+}
+
+failed=0
+at_a_time=$(nproc)
+for ((first = 0; first < ${#targets[@]}; first += at_a_time)); do
+  running=()
+  for target in "${targets[@]:first:at_a_time}"; do
+    fuzz "$target" &
+    running+=("$!")
+  done
+  for pid in "${running[@]}"; do wait "$pid" || failed=1; done
+  for target in "${targets[@]:first:at_a_time}"; do
+    echo "== $target, $seconds s"
+    grep -E 'stat::number_of_executed_units|DONE|ERROR|SUMMARY|does not hold|runtime error' \
+      "$build/findings/$target.log" || true
+  done
 done
 exit $failed

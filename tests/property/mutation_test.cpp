@@ -23,9 +23,10 @@ TEST(Mutation, AbsurdRecordsNeitherCrashNorHangNorBreakALaw) {
   const SimulatedSky sky(options);
   const long wanted = Mutations();
   long batches = 0, accepted = 0;
+  Results results;
   for (std::uint32_t seed = 1; batches < wanted; ++seed) {
     Mutator<std::mt19937> mutator(std::mt19937{seed});
-    const MutatedRunFacts facts = MutatedRun(sky, mutator);
+    const MutatedRunFacts facts = MutatedRun(sky, mutator, results);
     ASSERT_EQ(facts.Broken, nullptr) << facts.Broken << ", seed " << seed;
     batches += facts.Batches;
     accepted += facts.Accepted;

@@ -1,4 +1,4 @@
-// Valid runs with records spoiled field by field, for tests and fuzzers.
+// Valid runs with records corrupted field by field, for tests and fuzz targets.
 #ifndef ORSOLVA_TESTS_SUPPORT_MUTATOR_H
 #define ORSOLVA_TESTS_SUPPORT_MUTATOR_H
 
@@ -14,7 +14,7 @@
 
 namespace orsolva_test {
 
-/// Spoils valid records field by field with values chosen to hurt.
+/// Corrupts valid records field by field with extreme and invalid values.
 ///
 /// @tparam Random  called without arguments for 32 random bits
 template <class Random>
@@ -108,7 +108,8 @@ class Mutator {
         epoch.sat_num = static_cast<std::uint32_t>(Integer());
         break;
       default:
-        MutateSatellite(epoch.sats[Below(80)]);
+        // The satellites the epoch holds, and the one after them.
+        MutateSatellite(epoch.sats[Below(epoch.sat_num < 80 ? epoch.sat_num + 1 : 80)]);
         break;
     }
   }
@@ -198,13 +199,16 @@ class Mutator {
 /// What a mutated run showed.
 struct MutatedRunFacts {
   long Batches = 0;              ///< fed
-  long Accepted = 0;             ///< of them answered with GNSSQC_OK
+  long Accepted = 0;             ///< of them with the state GNSSQC_OK
   const char* Broken = nullptr;  ///< the first law that did not hold, null when all did
 };
 
 /// One run over mutated records, from its initialisation to its results.
+/// @param results  filled on the way; half a megabyte that many runs can share
+/// @param asking   one run in so many asks for its results at its end
 template <class Random>
-MutatedRunFacts MutatedRun(const SimulatedSky& sky, Mutator<Random>& mutator) {
+MutatedRunFacts MutatedRun(const SimulatedSky& sky, Mutator<Random>& mutator, Results& results,
+                           std::uint32_t asking = 1) {
   NavigationSet navigation = sky.Navigation;
   config_qct config = sky.Config();
   if (mutator.Below(2) == 0) mutator.MutateNavigation(navigation);
@@ -218,7 +222,8 @@ MutatedRunFacts MutatedRun(const SimulatedSky& sky, Mutator<Random>& mutator) {
   MutatedRunFacts facts;
   std::uint64_t epochs = 0;
   const auto check = [&] {
-    const char* broken = BrokenLaw(Results(process), epochs);
+    results.AskFor(process);
+    const char* broken = BrokenLaw(results, epochs);
     if (facts.Broken == nullptr) facts.Broken = broken;
   };
   std::vector<ObsEpoch_QC_gbt> batch;
@@ -231,11 +236,11 @@ MutatedRunFacts MutatedRun(const SimulatedSky& sky, Mutator<Random>& mutator) {
       mutator.MutateEpoch(batch[mutator.Below(static_cast<std::uint32_t>(count))]);
     const GNSSQC_STATE state = process.Feed(batch.data(), static_cast<int>(batch.size()));
     epochs += count;
-    if (!IsAState(state)) facts.Broken = "a batch is answered with one of the states";
+    if (!IsAState(state)) facts.Broken = "a batch gives one of the states";
     if (state == GNSSQC_OK) ++facts.Accepted;
-    if (mutator.Below(64) == 0) check();
+    if (mutator.Below(64) == 63) check();
   }
-  check();
+  if (mutator.Below(asking) == asking - 1) check();
   return facts;
 }
 

@@ -37,13 +37,16 @@ class Process {
   OwnedHandle handle_;
 };
 
-/// Both results of a run, zero-filled before they are asked for.
+/// Both results of a run, zero-filled before they are asked for the first time.
 struct Results {
   std::unique_ptr<result_qct> Whole = std::make_unique<result_qct>();
   std::unique_ptr<total_code_qc_result> Codes = std::make_unique<total_code_qc_result>();
   bool Plausible = false;
 
-  explicit Results(const Process& process) {
+  Results() = default;
+  explicit Results(const Process& process) { AskFor(process); }
+
+  void AskFor(const Process& process) {
     Plausible = GetAllPeriodResult(process.Handle(), Whole.get());
     GetEachCodeResult(process.Handle(), *Codes);
   }

@@ -12,11 +12,11 @@ import sys
 
 # word: (what to say instead, pattern, limit)
 WORDS = {
-    "told": ("detected, notified, given", r"told", 8),
+    "told": ("detected, notified, given", r"told", 7),
     "tells": ("says, shows, reports", r"tells?", 8),
     "stands": ("is, appears, is listed in", r"stands?(?! (?:for|alone)\b)", 7),
-    "beside": ("next to, besides, with", r"beside", 13),
-    "anew": ("again, restarted", r"anew", 3),
+    "beside": ("next to, besides, with", r"beside", 9),
+    "anew": ("again, restarted", r"anew", 2),
     "met": ("found, seen", r"(?<!\| )met", 2),
     "lays": ("compares with", r"lays", 3),
     "packed": ("compressed", r"(?:un)?pack(?:ed|ing|s)?", 8),
@@ -26,7 +26,7 @@ WORDS = {
     "road": ("path", r"road", 1),
     "roof": ("top layer", r"roof", 0),
     "seat": ("interface", r"seat", 2),
-    "answers": ("returns", r"answer(?:s|ed)", 7),
+    "answers": ("returns", r"answer(?:s|ed)", 5),
     "there whole": ("written atomically", r"whole or not at all", 0),
     "runs backwards": ("goes backwards", r"(?:run|runs|running) backwards", 0),
     "complaint": ("error, message", r"complaints?", 0),

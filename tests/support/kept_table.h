@@ -1,4 +1,5 @@
-// A table in the documentation that a test keeps: held against what the code gives, or written anew.
+// A table in the documentation that a test keeps up to date: compared with what the code gives, or written
+// again.
 #ifndef ORSOLVA_TESTS_SUPPORT_KEPT_TABLE_H
 #define ORSOLVA_TESTS_SUPPORT_KEPT_TABLE_H
 
@@ -11,7 +12,7 @@
 
 namespace orsolva_test {
 
-/// Compares what stands between the lines `begin` and `end` of a page with the table. With ORSOLVA_WRITE_DOCS
+/// Compares the text between the lines `begin` and `end` of a page with the table. With ORSOLVA_WRITE_DOCS
 /// in the environment the page gets the table instead.
 inline void HoldTable(const std::string& page, const std::string& begin, const std::string& end,
                       const std::string& table) {

@@ -1,4 +1,4 @@
-// Where the real data and the reference cases lie: beside the checkout, or where ORSOLVA_SHARED says.
+// The folder of the real data and the reference cases: next to the checkout, or where ORSOLVA_SHARED points.
 #ifndef ORSOLVA_TESTS_SUPPORT_SHARED_FOLDER_H
 #define ORSOLVA_TESTS_SUPPORT_SHARED_FOLDER_H
 
@@ -9,7 +9,7 @@ namespace orsolva_test {
 
 /// The shared folder; ORSOLVA_SOURCE_DIR is the project's root, given by the build.
 inline std::filesystem::path SharedFolder() {
-  if (const char* told = std::getenv("ORSOLVA_SHARED"); told != nullptr && *told != '\0') return told;
+  if (const char* path = std::getenv("ORSOLVA_SHARED"); path != nullptr && *path != '\0') return path;
   return std::filesystem::path(ORSOLVA_SOURCE_DIR).parent_path() / "shared";
 }
 

@@ -1,4 +1,4 @@
-// A trace sink that keeps what it is told, plugged in for as long as it lives.
+// A trace sink that records every message, installed for its own lifetime.
 #ifndef ORSOLVA_TESTS_SUPPORT_TRACE_RECORDER_H
 #define ORSOLVA_TESTS_SUPPORT_TRACE_RECORDER_H
 

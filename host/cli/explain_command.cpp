@@ -17,31 +17,10 @@ namespace {
 
 constexpr std::size_t kWidth = 80;
 
-std::string Paragraph(const char* name, const char* text) {
-  constexpr std::size_t kNameWidth = 13;
-  std::string head = name;
-  head.resize(kNameWidth, ' ');
-  return Wrapped(text, head, std::string(kNameWidth, ' '), kWidth);
-}
-
-std::string Explanation(const Figure& f) {
-  std::string text = fmt::format("{}{}\n\n", f.key, *f.unit == '\0' ? "" : fmt::format("  [{}]", f.unit));
-  text += Wrapped(f.title, "", "", kWidth) + "\n";
-  text += Paragraph("Formula", f.formula);
-  text += Paragraph("Window", f.window);
-  text += Paragraph("Reset", f.reset);
-  text += Paragraph("Cut-off", f.cutoff);
-  text += Paragraph("Denominator", f.denominator);
-  text += Paragraph("Source", f.source);
-  if (*f.aliases != '\0') text += Paragraph("Also called", f.aliases);
-  return text;
-}
-
 std::string FigureLines() {
   std::string text = "orsolva explain FIGURE explains how a figure is computed. The figures:\n\n";
-  for (int i = 0; i < kFigures; ++i) {
-    const Figure& f = kFigureTable[i];
-    std::string head = std::string("  ") + f.key;
+  for (const Figure& f : FigureTexts()) {
+    std::string head = "  " + f.key;
     constexpr std::size_t kKeyWidth = 34;
     head.resize(std::max(head.size() + 1, kKeyWidth), ' ');
     text += Wrapped(f.title, head, std::string(kKeyWidth, ' '), kWidth);
@@ -72,7 +51,7 @@ Command ExplainCommand() {
   auto name = std::make_shared<std::string>();
   Option row = TextOption("FIGURE", "FIGURE", *name,
                           "Key, column heading or name such as mp1; without it all are listed");
-  for (int i = 0; i < kFigures; ++i) row.words.emplace_back(kFigureTable[i].key);
+  for (const Figure& figure : FigureTexts()) row.words.push_back(figure.key);
   return {"explain",
           "Explain how a figure of the report is computed",
           {Positional(std::move(row), false)},

@@ -14,8 +14,10 @@
 #include "host/judging/library_version.h"
 #include "host/judging/nominal_interval.h"
 #include "host/report/build_report.h"
+#include "host/report/detail_collector.h"
 #include "host/report/navigation_coverage.h"
 #include "host/report/profile.h"
+#include "host/report/run_events.h"
 #include "host/rinex/civil_time.h"
 #include "host/rinex/satellite_names.h"
 #include "orsolva/detail.h"
@@ -72,8 +74,11 @@ class Run {
       : source_(source),
         settings_(settings),
         diagnostics_(diagnostics),
-        observers_(observers),
-        batch_(MakeEpochBatch(kBatchEpochs)) {}
+        monitor_(observers.monitor),
+        batch_(MakeEpochBatch(kBatchEpochs)) {
+    sinks_.Add(&events_);
+    if (observers.detail != nullptr) sinks_.Add(observers.detail);
+  }
 
   Report Judged(SharedNavigation& named);
 
@@ -89,7 +94,9 @@ class Run {
   EpochSource& source_;
   const JudgingSettings& settings_;
   Diagnostics& diagnostics_;
-  const RunObservers& observers_;
+  RunMonitor* monitor_;
+  DetailCollector events_{DetailCollector::Keep::kFindings};
+  DetailFanOut sinks_;
   EpochBatch batch_;
   std::size_t batch_size_ = 0;
   std::shared_ptr<const ReadNavigation> navigation_;
@@ -121,9 +128,9 @@ void Run::FillBatch() {
   while (batch_size_ < kBatchEpochs && source_.Next(batch_[batch_size_])) {
     ++batch_size_;
     ++epochs_;
-    if (observers_.monitor == nullptr) continue;
-    observers_.monitor->epochs.fetch_add(1, std::memory_order_relaxed);
-    if (observers_.monitor->stop.load(std::memory_order_relaxed)) throw Stopped();
+    if (monitor_ == nullptr) continue;
+    monitor_->epochs.fetch_add(1, std::memory_order_relaxed);
+    if (monitor_->stop.load(std::memory_order_relaxed)) throw Stopped();
   }
 }
 
@@ -155,14 +162,14 @@ void Run::Start() {
     throw RunError(
         "the library refused the navigation records. Name the broadcast navigation files of the day.");
   }
-  orsolva::SetDetailObserver(session_.Handle(), observers_.detail);
-  if (observers_.detail != nullptr) observers_.detail->Begin(batch_[0].time, interval_.interval_s);
+  orsolva::SetDetailObserver(session_.Handle(), &sinks_);
+  sinks_.Begin(batch_[0].time, interval_.interval_s);
 }
 
 void Run::FeedBatch() {
   for (std::size_t i = 0; i < batch_size_; ++i) coverage_->Add(batch_[i]);
   last_status_ = session_.Feed({batch_.get(), batch_size_}).Code();
-  if (observers_.detail != nullptr) observers_.detail->EndBatch();
+  sinks_.EndBatch();
   if (last_status_ == StatusCode::kOk) {
     ++batches_taken_;
     return;
@@ -203,7 +210,7 @@ Report Run::Finish() {
   }
   const orsolva::Outcome<total_code_qc_result> codes = session_.CodeResult();
   if (!codes) throw RunError("there is not enough memory for a result.");
-  if (observers_.detail != nullptr) observers_.detail->Finish(*codes);
+  sinks_.Finish(*codes);
   Report report = BuildReport(Facts(), *result, *codes);
   if (const auto& header = source_.Header().position) {
     const auto& xyz = report.run.position_m;
@@ -216,6 +223,8 @@ Report Run::Finish() {
   report.further_notices = diagnostics_.Uncounted();
   if (diagnostics_.Incomplete()) report.read_error = diagnostics_.Incomplete()->what();
   if (source_.Failure()) report.read_error = source_.Failure()->what();
+  const RunEvents events = EventsOf(events_);
+  Conclude(report, &events);
   if (settings_.profile) report.verdict = Judge(report, *settings_.profile);
   return report;
 }

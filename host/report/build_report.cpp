@@ -5,41 +5,21 @@
 #include <iterator>
 #include <utility>
 
+#include "host/report/findings.h"
+#include "host/report/headline.h"
+#include "host/report/library_figures.h"
 #include "host/report/notes.h"
 #include "host/rinex/civil_time.h"
 #include "host/rinex/satellite_names.h"
 #include "host/rinex/signal_codes.h"
+#include "orsolva/signals.h"
 
 namespace orsolva_host {
 namespace {
 
-constexpr int kBandSlots = 6;
-constexpr int kSatellitesPerSlot = 64;
-constexpr int kBdsSlot = 2;
-constexpr int kNewBdsSlot = 5;
-constexpr int kFirstNewBds = 18;
-constexpr int kMostCodes = 8;
 constexpr double kSameSnr_dbhz = 0.005;
 
-/// The value, absent when it stands for nothing.
-std::optional<double> Given(double value) {
-  if (!std::isfinite(value) || value == 0) return std::nullopt;
-  return value;
-}
-
-std::optional<double> GivenIf(bool has_data, double value) {
-  if (!has_data || !std::isfinite(value)) return std::nullopt;
-  return value;
-}
-
-std::optional<Count> CountIf(bool has_data, std::int64_t count) {
-  if (!has_data || count < 0) return std::nullopt;
-  return static_cast<Count>(count);
-}
-
-int EntriesIn(const code_qc_block& block) { return std::clamp(block.count, 0, kMostCodes); }
-
-bool HasData(const code_qc_entry& e) { return e.observed_epochs > 0 || e.mp_count > 0 || e.snr_count > 0; }
+int EntriesIn(const code_qc_block& block) { return std::clamp(block.count, 0, ORSOLVA_MAX_CODES); }
 
 std::string Joined(const std::vector<std::string>& names) {
   std::string text;
@@ -47,30 +27,9 @@ std::string Joined(const std::vector<std::string>& names) {
   return text;
 }
 
-SignalReport SignalOf(const SystemRow& system, const code_qc_entry& e) {
-  SignalReport s;
-  s.letter = system.letter;
-  s.name = system.name;
-  s.signal = SignalName(system.code, e.code);
-  s.band = BandName(system.code, SignalBandSlot(system.code, e.code));
-  const bool seen = e.expected_epochs > 0;
-  s.expected = seen ? std::optional<Count>(e.expected_epochs) : std::nullopt;
-  s.observed = seen ? std::optional<Count>(e.observed_epochs) : std::nullopt;
-  s.completeness = GivenIf(seen, e.completeness);
-  s.mp_m = GivenIf(e.mp_count > 0, e.mp_rms);
-  s.mp_values = e.mp_count > 0 ? std::optional<Count>(e.mp_count) : std::nullopt;
-  s.mp_restarts = CountIf(e.mp_count > 0, e.slip_count);
-  s.phase_geometry_slips = CountIf(e.mp_count > 0, e.iod_slip_count);
-  s.obs_per_restart = GivenIf(e.mp_count > 0 && e.observed_epochs > 0, e.obs_per_slip);
-  s.snr_dbhz = GivenIf(e.snr_count > 0, e.snr);
-  s.snr_below30_dbhz = GivenIf(e.snr_count_below30 > 0, e.snr_below30);
-  s.snr_above30_dbhz = GivenIf(e.snr_count_above30 > 0, e.snr_above30);
-  return s;
-}
-
-std::string StateOf(std::uint32_t used) {
+const char* StateOf(std::uint32_t used) {
   if (used == 0) return "excluded";
-  return static_cast<std::int32_t>(used) > 0 ? "used" : "unhealthy";
+  return static_cast<std::int32_t>(used) > 0 ? "judged" : "unhealthy";
 }
 
 void AddSystem(int slot, const result_qct& result, const total_code_qc_result& codes, Report& report) {
@@ -92,13 +51,16 @@ void AddSystem(int slot, const result_qct& result, const total_code_qc_result& c
 
 void AddSatellites(int slot, const result_qct& result, Report& report) {
   const SystemRow& row = kSystemTable[slot];
-  for (int i = 0; i < kSatellitesPerSlot; ++i) {
-    const int used_slot = slot == kBdsSlot && i + 1 >= kFirstNewBds ? kNewBdsSlot : slot;
+  for (int i = 0; i < ORSOLVA_MAX_NUMBERS; ++i) {
+    const bool bd3 = row.code == kBds && i + 1 >= ORSOLVA_FIRST_BDS3;
+    const int used_slot = bd3 ? ORSOLVA_BD3_SLOT : slot;
     SatelliteReport satellite;
     satellite.figures = FiguresOf(result.sat[slot][i], row.code);
-    if (!satellite.figures.expected) continue;
     satellite.name = SatelliteName(row.letter, i + 1);
-    satellite.state = StateOf(result.sat_used[used_slot][i]);
+    const std::uint32_t used = result.sat_used[used_slot][i];
+    satellite.state = StateOf(used);
+    if (static_cast<std::int32_t>(used) <= 0) report.unusable.push_back({satellite.name, StateOf(used)});
+    if (!satellite.figures.expected) continue;
     report.satellites.push_back(std::move(satellite));
   }
 }
@@ -128,66 +90,11 @@ void DropUncountedObservations(Report& report) {
   }
 }
 
-std::optional<double> MultipathOf(const Figures& figures, int slot) {
-  for (const BandFigures& band : figures.bands) {
-    if (band.slot == slot) return band.mp_m;
-  }
-  return std::nullopt;
-}
-
-Headline HeadlineOf(const Report& report) {
-  Headline sum;
-  Count expected = 0;
-  Count observed = 0;
-  Count restarts = 0;
-  for (const SystemReport& system : report.systems) {
-    const Figures& f = system.figures;
-    if (!f.expected || !f.observed) continue;
-    expected += *f.expected;
-    observed += *f.observed;
-    restarts += f.mp_restarts.value_or(0);
-  }
-  if (expected > 0) {
-    sum.expected = expected;
-    sum.observed = observed;
-    sum.completeness = static_cast<double>(observed) / static_cast<double>(expected);
-  }
-  if (observed > 0) sum.obs_per_restart = static_cast<double>(restarts > 0 ? observed / restarts : observed);
-  sum.mp1_m = MultipathOf(report.library_total, 1);
-  sum.mp2_m = MultipathOf(report.library_total, 2);
-  return sum;
-}
-
 }  // namespace
-
-Figures FiguresOf(const qc_core_summary& s, int system) {
-  Figures f;
-  const bool seen = s.expected_epochs > 0;
-  const bool observed = s.observed_epochs > 0;
-  if (seen) f.expected = s.expected_epochs;
-  if (seen) f.observed = s.observed_epochs;
-  f.completeness = GivenIf(seen, s.completeness);
-  if (observed || s.slip_epochs > 0) f.phase_geometry_slips = s.slip_epochs;
-  const bool multipath = std::any_of(std::begin(s.mp), std::end(s.mp), [](double mp) { return mp > 0; });
-  if (observed || multipath || s.jump_epochs > 0) f.mp_restarts = s.jump_epochs;
-  f.obs_per_restart = GivenIf(observed, s.obs_per_slip);
-  for (int i = 0; i < kBandSlots; ++i) {
-    BandFigures band;
-    band.slot = i + 1;
-    band.band = BandName(system, band.slot);
-    band.mp_m = Given(s.mp[i]);
-    band.snr_dbhz = Given(s.snr[i]);
-    band.snr_below30_dbhz = Given(s.snr_30[i][0]);
-    band.snr_above30_dbhz = Given(s.snr_30[i][1]);
-    band.iono_rms_cycles = Given(s.iod[i]);
-    if (band.HasData()) f.bands.push_back(band);
-  }
-  return f;
-}
 
 std::vector<std::string> CombinationOf(const qc_core_summary& summary, const code_qc_block& codes) {
   std::vector<std::string> combination;
-  for (int slot = 1; slot <= kBandSlots; ++slot) {
+  for (int slot = 1; slot <= ORSOLVA_BAND_SLOTS; ++slot) {
     if (summary.snr[slot - 1] == 0 && summary.mp[slot - 1] == 0) continue;
     std::vector<std::string> all;
     std::vector<std::string> same;
@@ -224,9 +131,14 @@ Report BuildReport(ReportRun run, const result_qct& result, const total_code_qc_
   }
   report.library_total = FiguresOf(result.total, 0);
   DropUncountedObservations(report);
-  report.headline = HeadlineOf(report);
-  report.notes = NotesOf(report);
+  Conclude(report, nullptr);
   return report;
+}
+
+void Conclude(Report& report, const RunEvents* events) {
+  report.headline = HeadlineOf(report, events);
+  report.findings = FindingsOf(report, events);
+  report.notes = NotesOf(report);
 }
 
 std::vector<ReportNotice> NoticesOf(const Diagnostics& diagnostics) {

@@ -11,10 +11,7 @@
 
 namespace orsolva_host {
 
-/// The figures of a summary, where a count of nothing expected, a mean or RMS of exactly 0 and whatever is
-/// not finite mean no data.
-/// @param system  code of the system whose band names apply; 0 for a mix of systems
-Figures FiguresOf(const qc_core_summary& summary, int system);
+struct RunEvents;
 
 /// The codes of a system's optimal combination, one entry a band slot with data.
 ///
@@ -28,6 +25,10 @@ int AveragingWindow(double interval_s);
 
 /// @param run  what was read and set; times, position, duration, window, judged and lost epochs are filled in
 Report BuildReport(ReportRun run, const result_qct& result, const total_code_qc_result& codes);
+
+/// Computes headline, findings and notes from everything else in the report, which is whole.
+/// @param events  what happened to the satellites; null when that was not collected
+void Conclude(Report& report, const RunEvents* events);
 
 std::vector<ReportNotice> NoticesOf(const Diagnostics& diagnostics);
 

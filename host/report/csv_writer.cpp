@@ -17,10 +17,10 @@ std::string CsvField(const std::string& text) {
   return quoted + "\"";
 }
 
-std::string WriteCsvRows(const Report& report) {
+std::string WriteCsvRows(const Report& report, const FigureTables& tables) {
   std::string text;
   const std::string file = CsvField(report.run.observation_file);
-  for (const FigureValue& f : ListFigures(report)) {
+  for (const FigureValue& f : ListFigures(report, tables)) {
     // The shortest text that reads back as the same number.
     const std::string value = f.value ? fmt::format("{}", *f.value) : std::string();
     fmt::format_to(std::back_inserter(text), "{},{},{},{},{},{}\n", f.subject, f.signal, f.key, f.unit, value,

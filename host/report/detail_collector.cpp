@@ -7,6 +7,7 @@
 
 #include "host/rinex/civil_time.h"
 #include "host/rinex/satellite_names.h"
+#include "orsolva/signals.h"
 
 namespace orsolva_host {
 namespace {
@@ -89,10 +90,15 @@ void KeepRows(const std::vector<std::uint32_t>& rows, std::vector<Value>& column
 }
 
 double CompletenessIn(const code_qc_block& block, std::uint32_t code) {
-  for (int i = 0; i < std::clamp(block.count, 0, 8); ++i) {
+  for (int i = 0; i < std::clamp(block.count, 0, ORSOLVA_MAX_CODES); ++i) {
     if (block.entries[i].code == code) return block.entries[i].completeness;
   }
   return 0;
+}
+
+bool HasHardEvent(const PairEpochDetail& detail) {
+  return detail.ionosphere_slip != orsolva::IonosphereSlipReason::kNone ||
+         detail.restart == orsolva::RestartReason::kJump;
 }
 
 std::uint64_t Key(const orsolva::DetailSatellite& satellite, std::uint32_t code) {
@@ -124,10 +130,11 @@ void DetailCollector::OnSatelliteEpoch(const SatelliteEpochDetail& detail) {
   if (!columns.arcs.empty() && index <= columns.arcs.back().last) return;
   columns.satellite = detail.satellite;
   const std::int16_t elevation = Scaled(detail.elevation_rad * kDegreesPerRadian, 0.01);
-  const std::uint32_t row = index % stride_ == 0 ? AddRow(columns, index, detail, elevation) : kNoRow;
+  const bool plotted = keep_ == Keep::kPage && index % stride_ == 0;
+  const std::uint32_t row = plotted ? AddRow(columns, index, detail, elevation) : kNoRow;
   samples.push_back({index, elevation, row});
-  AddArc(columns, index);
-  AddSignals(columns, detail, samples.back());
+  AddArc(columns, index, detail.above_cutoff);
+  if (keep_ == Keep::kPage) AddSignals(columns, detail, samples.back());
 }
 
 std::uint32_t DetailCollector::AddRow(SatelliteColumns& columns, EpochIndex index,
@@ -138,12 +145,13 @@ std::uint32_t DetailCollector::AddRow(SatelliteColumns& columns, EpochIndex inde
   return static_cast<std::uint32_t>(columns.epoch.size() - 1);
 }
 
-void DetailCollector::AddArc(SatelliteColumns& columns, EpochIndex index) {
+void DetailCollector::AddArc(SatelliteColumns& columns, EpochIndex index, bool above_cutoff) {
   if (!columns.arcs.empty() && index - columns.arcs.back().last <= least_gap_) {
     columns.arcs.back().last = index;
+    columns.arcs.back().last_above = above_cutoff;
     return;
   }
-  columns.arcs.push_back({index, index});
+  columns.arcs.push_back({index, index, above_cutoff, above_cutoff});
   if (++arcs_ > kMostArcs) JoinArcs();
 }
 
@@ -169,14 +177,28 @@ const DetailCollector::Sample* DetailCollector::SampleAt(int number, EpochIndex 
   return &track.samples[track.cursor];
 }
 
+/// The place of a pair among the known ones. Nearly all calls of a run without a page end with a known pair.
+std::vector<bool>::reference DetailCollector::Known(const PairEpochDetail& detail) {
+  constexpr std::size_t kNumbers = 256, kCodes = 128;  // satellite and signal numbers stay below
+  if (known_pairs_.empty()) known_pairs_.resize(kNumbers * kCodes * kCodes);
+  const std::size_t number = static_cast<std::size_t>(detail.number) % kNumbers;
+  return known_pairs_[(number * kCodes + detail.code % kCodes) * kCodes + detail.partner % kCodes];
+}
+
 void DetailCollector::OnPairEpoch(const PairEpochDetail& detail) {
   pairs_seen_ = true;
+  if (keep_ == Keep::kFindings && !HasHardEvent(detail) && Known(detail)) return;
   EpochIndex index = 0;
   if (!IndexOf(detail.time, index)) return;
   const Sample* sample = SampleAt(detail.number, index);
   if (sample == nullptr) return;
   SatelliteColumns& columns = satellites_[detail.number];
   PairColumn& pair = ::orsolva_host::PairOf(columns, detail.code, detail.partner);
+  AddEvents(columns, pair, detail, *sample);
+  if (keep_ == Keep::kFindings) {
+    Known(detail) = true;
+    return;
+  }
   const double time_s = Difference(detail.time, first_);
   if (detail.has_multipath && detail.counting) {
     ++pair.values;
@@ -191,7 +213,6 @@ void DetailCollector::OnPairEpoch(const PairEpochDetail& detail) {
     pair.has_phases = true;
     pair.last_phases_s = time_s;
   }
-  AddEvents(columns, pair, detail, *sample);
 }
 
 void DetailCollector::AddEvents(SatelliteColumns& columns, PairColumn& pair, const PairEpochDetail& detail,
@@ -208,6 +229,7 @@ void DetailCollector::AddEvents(SatelliteColumns& columns, PairColumn& pair, con
 
 void DetailCollector::AddEvent(SatelliteColumns& columns, PairColumn& pair, const Sample& sample,
                                EventKind kind) {
+  if (keep_ == Keep::kFindings && !IsHard(kind)) return;
   ++pair.events[static_cast<std::size_t>(kind)];
   if (events_ >= kMostEvents) {
     ++events_left_out_;
@@ -272,6 +294,7 @@ void DetailCollector::JoinArcs() {
       for (const Arc& arc : columns.arcs) {
         if (!joined.empty() && arc.first - joined.back().last <= least_gap_) {
           joined.back().last = arc.last;
+          joined.back().last_above = arc.last_above;
         } else {
           joined.push_back(arc);
         }
@@ -287,7 +310,7 @@ void DetailCollector::Finish(const total_code_qc_result& codes) {
   for (const auto& [number, columns] : satellites_) {
     const int slot = SystemSlotOfCode(columns.satellite.sys);
     const int place = columns.satellite.prn - 1;
-    if (slot < 0 || place < 0 || place >= 64) continue;
+    if (slot < 0 || place < 0 || place >= ORSOLVA_MAX_NUMBERS) continue;
     const code_qc_block& block = codes.sat[slot][place];
     std::map<std::uint32_t, double> best;
     for (const PairColumn& pair : columns.pairs) {

@@ -20,7 +20,7 @@ constexpr int kElevationBins = 18;          ///< of 5 degrees
 constexpr std::int16_t kNoValue = -32768;   ///< stands for no value in the 16-bit columns
 constexpr std::int16_t kMostValue = 32767;  ///< values beyond are held at +- this
 
-/// What a page tells as an event. The order is that of the names in detail_data.cpp.
+/// What a page shows as an event. The order is that of the names in detail_data.cpp.
 enum class EventKind : std::uint8_t {
   kIonosphericRate,
   kLongGap,
@@ -31,6 +31,11 @@ enum class EventKind : std::uint8_t {
   kRestartAfterGap,
 };
 constexpr int kEventKinds = 7;
+
+/// Whether an event makes a satellite worth a look: a slip of the geometry-free phase or a code jump.
+constexpr bool IsHard(EventKind kind) {
+  return kind == EventKind::kIonosphericRate || kind == EventKind::kLongGap || kind == EventKind::kJump;
+}
 
 struct ElevationBin {
   std::uint64_t count = 0;
@@ -44,6 +49,8 @@ using EpochIndex = std::uint32_t;
 struct Arc {
   EpochIndex first = 0;
   EpochIndex last = 0;
+  bool first_above = false;  ///< the elevation cut-off, at the first epoch
+  bool last_above = false;
 };
 
 struct SignalColumn {
@@ -87,8 +94,12 @@ struct SatelliteColumns {
 
 class DetailCollector : public DetailSink {
  public:
-  /// @param budget_bytes  of the plotted points, before they are packed
+  /// What is kept: all that a page needs, or only what findings need (arcs, slips and code jumps).
+  enum class Keep { kPage, kFindings };
+
+  /// @param budget_bytes  of the plotted points, before they are compressed
   explicit DetailCollector(std::size_t budget_bytes = kDefaultBudget) : budget_bytes_(budget_bytes) {}
+  explicit DetailCollector(Keep keep) : keep_(keep) {}
 
   void Begin(const Time_gbt& first, double interval_s) override;
   void EndBatch() override;
@@ -130,14 +141,16 @@ class DetailCollector : public DetailSink {
                        const orsolva::SatelliteEpochDetail& detail, std::int16_t elevation);
   void AddSignals(SatelliteColumns& columns, const orsolva::SatelliteEpochDetail& detail,
                   const Sample& sample);
-  void AddArc(SatelliteColumns& columns, EpochIndex index);
+  void AddArc(SatelliteColumns& columns, EpochIndex index, bool above_cutoff);
   void AddEvents(SatelliteColumns& columns, PairColumn& pair, const orsolva::PairEpochDetail& detail,
                  const Sample& sample);
   void AddEvent(SatelliteColumns& columns, PairColumn& pair, const Sample& sample, EventKind kind);
+  std::vector<bool>::reference Known(const orsolva::PairEpochDetail& detail);
   std::size_t PointBytes() const;
   void JoinArcs();
 
-  std::size_t budget_bytes_;
+  std::size_t budget_bytes_ = kDefaultBudget;
+  Keep keep_ = Keep::kPage;
   Time_gbt first_{};
   double interval_s_ = 1;
   EpochIndex stride_ = 1;
@@ -150,6 +163,7 @@ class DetailCollector : public DetailSink {
   std::map<int, SatelliteColumns> satellites_;
   std::map<int, BatchTrack> tracks_;
   std::map<std::uint64_t, std::uint32_t> partners_;  // of satellite and code
+  std::vector<bool> known_pairs_;                    // of satellite number, code and partner
 };
 
 }  // namespace orsolva_host

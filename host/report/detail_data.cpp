@@ -12,13 +12,14 @@
 #include <utility>
 #include <vector>
 
+#include "host/report/run_events.h"
 #include "host/rinex/satellite_names.h"
 #include "host/rinex/signal_codes.h"
 
 namespace orsolva_host {
 namespace {
 
-constexpr std::size_t kMostEventsTold = 20'000;
+constexpr std::size_t kMostEventsShown = 20'000;
 
 // One name for each EventKind.
 constexpr const char* kEventNames[kEventKinds] = {
@@ -57,11 +58,6 @@ void Add(std::string& text, fmt::format_string<Parts...> form, Parts&&... parts)
 
 void Comma(std::string& text) {
   if (text.back() != '[' && text.back() != '{') text += ',';
-}
-
-std::string NameOf(const orsolva::DetailSatellite& satellite) {
-  const int slot = SystemSlotOfCode(satellite.sys);
-  return SatelliteName(slot < 0 ? '?' : kSystemTable[slot].letter, satellite.prn);
 }
 
 /// Neighbouring rows as [first, count, first, count, ...] in steps of the stride.
@@ -161,49 +157,28 @@ void AddSignalBins(const DetailCollector& detail, std::string& text) {
   text += ']';
 }
 
-/// Events of the pairs that figures come from, those of one satellite, epoch and kind in one row:
-/// [satellite, epoch, kind, elevation in 0.1 degrees, signals as bits].
-class EventRows {
- public:
-  explicit EventRows(const DetailCollector& detail) : detail_(detail) {
-    int place = 0;
-    for (const auto& [number, columns] : detail.Satellites()) AddSatellite(columns, place++);
+/// [satellite, epoch, kind, elevation in 0.1 degrees, signals as bits] in the order of time.
+void AddEventRows(const DetailCollector& detail, const RunEvents& events, std::string& text) {
+  text += ",\"events\":[";
+  const std::size_t shown = std::min(events.rows.size(), kMostEventsShown);
+  for (std::size_t i = 0; i < shown; ++i) {
+    const EventRow& row = events.rows[i];
+    Comma(text);
+    Add(text, "[{},{},{},{},{}]", row.satellite, row.epoch, static_cast<int>(row.kind), row.elevation,
+        row.signals);
   }
+  Add(text, "],\"events_left_out\":{}", events.rows.size() - shown + detail.EventsLeftOut());
+}
 
-  void Write(std::string& text) const {
-    text += ",\"events\":[";
-    std::size_t told = 0;
-    for (const auto& [key, row] : rows_) {
-      if (told++ == kMostEventsTold) break;
-      Comma(text);
-      const auto& [epoch, place, kind] = key;
-      Add(text, "[{},{},{},{},{}]", place, epoch, kind, row.elevation, row.signals);
-    }
-    const std::size_t left_out = rows_.size() - std::min(rows_.size(), kMostEventsTold);
-    Add(text, "],\"events_left_out\":{}", left_out + detail_.EventsLeftOut());
+/// [first, end, ...]
+void AddSpans(const char* name, const std::vector<EpochSpan>& spans, std::string& text) {
+  Add(text, ",\"{}\":[", name);
+  for (const EpochSpan& span : spans) {
+    Comma(text);
+    Add(text, "{},{}", span.first, span.end);
   }
-
- private:
-  struct Row {
-    int elevation = 0;
-    std::uint32_t signals = 0;
-  };
-
-  void AddSatellite(const SatelliteColumns& columns, int place) {
-    for (const DetailEvent& event : columns.events) {
-      const PairColumn* pair = detail_.PairOf(columns, event.code);
-      if (pair == nullptr || pair->partner != event.partner) continue;
-      Row& row = rows_[{event.epoch, place, static_cast<int>(event.kind)}];
-      row.elevation = event.elevation;
-      for (std::size_t i = 0; i < columns.signals.size() && i < 31; ++i) {
-        if (columns.signals[i].code == event.code) row.signals |= 1U << i;
-      }
-    }
-  }
-
-  const DetailCollector& detail_;
-  std::map<std::tuple<EpochIndex, int, int>, Row> rows_;
-};
+  text += ']';
+}
 
 }  // namespace
 
@@ -245,6 +220,7 @@ std::string Gzip(std::string_view bytes) {
 
 std::string EncodeDetail(const DetailCollector& detail, double cutoff_deg) {
   Columns blob;
+  const RunEvents events = EventsOf(detail);
   std::string text = "{";
   Add(text, "\"first_s\":{},\"first_fraction_s\":{},\"interval_s\":{},\"stride\":{},\"least_gap\":{}",
       detail.First().time, detail.First().sec, detail.IntervalS(), detail.Stride(), detail.LeastGap());
@@ -255,6 +231,7 @@ std::string EncodeDetail(const DetailCollector& detail, double cutoff_deg) {
     Add(text, "\"{}\"", name);
   }
   text += "],\"satellites\":[";
+  auto happened = events.satellites.begin();
   for (const auto& [number, columns] : detail.Satellites()) {
     Comma(text);
     const std::size_t rows = columns.epoch.size();
@@ -263,12 +240,17 @@ std::string EncodeDetail(const DetailCollector& detail, double cutoff_deg) {
         blob.Add<std::uint16_t>(columns.azimuth, rows, 0, Coding::kChanges));
     AddRuns(columns.epoch, detail.Stride(), text);
     AddArcs(columns.arcs, text);
+    AddSpans("gaps", happened->gaps, text);
+    Add(text, ",\"geometry_free_slips\":{},\"code_jumps\":{}", happened->geometry_free_slips,
+        happened->code_jumps);
+    ++happened;
     AddSignals(detail, columns, blob, text);
     text += '}';
   }
   text += ']';
   AddSignalBins(detail, text);
-  EventRows(detail).Write(text);
+  AddSpans("holes", events.holes, text);
+  AddEventRows(detail, events, text);
   text += '}';
   std::string bytes;
   for (unsigned shift = 0; shift < 32; shift += 8) bytes += static_cast<char>((text.size() >> shift) & 0xffU);

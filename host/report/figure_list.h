@@ -7,23 +7,25 @@
 #include <string_view>
 #include <vector>
 
+#include "host/report/figure_tables.h"
 #include "host/report/report.h"
 
 namespace orsolva_host {
 
-enum class FigureScope { kRun, kLibraryTotal, kSystem, kSatellite, kSignal };
+enum class FigureScope { kRun, kHeadline, kLibraryTotal, kSystem, kSatellite, kSignal };
 
 struct FigureValue {
   FigureScope scope = FigureScope::kRun;
-  std::string subject;    ///< "" the run, "all", "G" or "G04"
+  std::string subject;    ///< "" the run and its headline, "all" the library total, "G" or "G04"
   std::string signal;     ///< "1C"; the band of a band figure ("L1", "slot1"); or empty
   std::string key;        ///< of figures.h
   std::string_view unit;  ///< of the figure
   std::optional<double> value;
 };
 
-/// The run's figures, then combined, systems, signals and satellites, absent ones included.
-std::vector<FigureValue> ListFigures(const Report& report);
+/// The figures of the run and its headline, then library total, systems, signals and satellites, absent ones
+/// included.
+std::vector<FigureValue> ListFigures(const Report& report, const FigureTables& tables = AllFigures());
 
 }  // namespace orsolva_host
 

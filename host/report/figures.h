@@ -1,4 +1,4 @@
-// The figures of a report: their keys, units and definitions. One row a figure, in figure_table.cpp.
+// What the figures of a report mean: the texts of figures.toml, found by key or by another name.
 //
 // A key is the name of the figure in JSON and CSV and ends in its unit where it has one.
 #ifndef ORSOLVA_REPORT_FIGURES_H
@@ -8,23 +8,31 @@
 #include <string_view>
 #include <vector>
 
+#include "host/report/figure_tables.h"
+
 namespace orsolva_host {
 
 struct Figure {
-  const char* key;
-  const char* unit;     ///< of CSV and texts; empty for times and names
-  const char* aliases;  ///< further names it is known by, between blanks; column headings among them
-  const char* title;
-  const char* formula;
-  const char* window;
-  const char* reset;
-  const char* cutoff;
-  const char* denominator;
-  const char* source;
+  std::string key;
+  std::string unit;     ///< of CSV and texts; empty for times and names
+  std::string aliases;  ///< further names it is known by, between blanks; column headings among them
+  std::string title;
+  std::string column;  ///< its heading in the page's tables; empty: in none
+  std::string formula;
+  std::string window;
+  std::string reset;
+  std::string cutoff;
+  std::string denominator;
+  std::string source;
+  std::string computed_by;  ///< "the library" or "this program, from the files"
 };
 
-extern const Figure kFigureTable[];
-extern const int kFigures;
+/// The figures of a text like figures.toml, in its order.
+/// @throws std::runtime_error with what is wrong in the text
+std::vector<Figure> ParseFigures(std::string_view text, const FigureTables& tables = AllFigures());
+
+/// The figures of the program.
+const std::vector<Figure>& FigureTexts();
 
 /// The figure of a key or another of its names, whatever the case; null when there is none.
 const Figure* FindFigure(std::string_view name);
@@ -34,6 +42,12 @@ std::vector<std::string> FiguresLike(std::string_view name);
 
 /// The unit of a key; empty when the key is unknown.
 std::string_view UnitOf(std::string_view key);
+
+/// Whether the figure of a key counts something, so that it is written as a whole number.
+bool IsCount(std::string_view key);
+
+/// The text that `orsolva explain` prints about a figure, 80 columns wide.
+std::string Explanation(const Figure& figure);
 
 }  // namespace orsolva_host
 

@@ -1,14 +1,19 @@
 #include "host/report/json_writer.h"
 
 #include <cmath>
+#include <cstdint>
 #include <nlohmann/json.hpp>
 
+#include "host/report/figures.h"
+#include "host/report/headline.h"
 #include "host/rinex/civil_time.h"
 
 namespace orsolva_host {
 namespace {
 
 using Json = nlohmann::ordered_json;
+
+constexpr int kJsonFormat = 2;
 
 template <typename T>
 Json ValueOf(const std::optional<T>& value) {
@@ -21,42 +26,73 @@ Json TimeOf(const std::optional<Time_gbt>& time) { return time ? Json(TimeText(*
 
 Json TextOf(const std::string& text) { return text.empty() ? Json(nullptr) : Json(text); }
 
-Json BandJson(const BandFigures& band) {
-  Json j;
-  j["slot"] = band.slot;
-  j["band"] = TextOf(band.band);
-  j["mp_rms_m"] = ValueOf(band.mp_m);
-  j["snr_mean_dbhz"] = ValueOf(band.snr_dbhz);
-  j["snr_mean_below_30deg_dbhz"] = ValueOf(band.snr_below30_dbhz);
-  j["snr_mean_above_30deg_dbhz"] = ValueOf(band.snr_above30_dbhz);
-  j["iono_rms_cycles"] = ValueOf(band.iono_rms_cycles);
-  return j;
+/// A number as its figure is written: what counts something as a whole number.
+Json FigureJson(const std::optional<double>& value, bool count) {
+  if (!value) return nullptr;
+  return count ? Json(static_cast<std::int64_t>(*value)) : Json(*value);
 }
 
-void AddFigures(const Figures& figures, Json& j) {
-  j["expected_epochs"] = ValueOf(figures.expected);
-  j["observed_epochs"] = ValueOf(figures.observed);
-  j["completeness_ratio"] = ValueOf(figures.completeness);
-  j["phase_geometry_slip_epochs"] = ValueOf(figures.phase_geometry_slips);
-  j["mp_restart_epochs"] = ValueOf(figures.mp_restarts);
-  j["observations_per_restart"] = ValueOf(figures.obs_per_restart);
-  j["bands"] = Json::array();
-  for (const BandFigures& band : figures.bands) j["bands"].push_back(BandJson(band));
+template <typename Owner>
+void AddFigures(const std::vector<FigureRow<Owner>>& rows, const Owner& owner, Json& j) {
+  for (const FigureRow<Owner>& row : rows) j[row.key] = FigureJson(row.get(owner), IsCount(row.kind));
 }
 
-Json CoverageJson(const NavigationCoverage& row) {
+void AddBands(const char* name, const std::vector<FigureRow<BandFigures>>& rows, const Figures& figures,
+              Json& j) {
+  j[name] = Json::array();
+  for (const BandFigures& band : figures.bands) {
+    Json b;
+    b["slot"] = band.slot;
+    if (!band.band.empty()) b["band"] = band.band;
+    AddFigures(rows, band, b);
+    j[name].push_back(b);
+  }
+}
+
+/// The parts of a document that hold figures.
+class Parts {
+ public:
+  Parts(const Report& report, const FigureTables& tables) : report_(report), tables_(tables) {}
+
+  Json Run() const;
+  Json Headline() const {
+    Json j;
+    AddFigures(tables_.headline, report_.headline, j);
+    return j;
+  }
+  Json Systems() const;
+  Json LibraryTotal() const {
+    Json j;
+    AddFigures(tables_.total, report_.library_total, j);
+    AddBands("slots", tables_.slot, report_.library_total, j);
+    return j;
+  }
+  Json Signals() const;
+  Json Satellites() const;
+
+ private:
+  void AddWhole(const Figures& figures, Json& j) const {
+    AddFigures(tables_.whole, figures, j);
+    AddBands("bands", tables_.band, figures, j);
+  }
+  Json Coverage(const NavigationCoverage& row) const;
+
+  const Report& report_;
+  const FigureTables& tables_;
+};
+
+Json Parts::Coverage(const NavigationCoverage& row) const {
   Json j;
   j["satellite"] = row.satellite;
-  j["epochs_seen"] = row.observed_epochs;
-  j["navigation_records"] = row.records;
-  j["unhealthy_records"] = row.unhealthy_records;
+  j["state"] = StateOf(report_, row);
   j["first_reference"] = TimeOf(row.first_reference);
   j["last_reference"] = TimeOf(row.last_reference);
-  j["navigation_covered_ratio"] = NumberOf(row.covered_ratio);
+  AddFigures(tables_.coverage, row, j);
   return j;
 }
 
-Json RunJson(const ReportRun& run) {
+Json Parts::Run() const {
+  const ReportRun& run = report_.run;
   Json j;
   j["observation_file"] = run.observation_file;
   j["navigation_files"] = run.navigation_files;
@@ -66,73 +102,69 @@ Json RunJson(const ReportRun& run) {
   j["antenna"] = TextOf(run.antenna);
   j["first_epoch_gpst"] = TimeOf(run.first_epoch);
   j["last_epoch_gpst"] = TimeOf(run.last_epoch);
-  j["duration_h"] = NumberOf(run.duration_h);
-  j["interval_s"] = NumberOf(run.interval_s);
   j["interval_source"] = run.interval_source;
-  j["epochs"] = run.epochs;
-  j["judged_epochs"] = run.judged_epochs;
-  j["lost_epochs"] = run.lost_epochs;
   j["position_ecef_m"] = Json::array();
   for (const double x : run.position_m) j["position_ecef_m"].push_back(NumberOf(x));
   j["position_source"] = run.position_source;
-  j["distance_from_header_position_m"] = ValueOf(run.distance_from_header_m);
-  j["elevation_cutoff_deg"] = NumberOf(run.elevation_cutoff_deg);
-  j["averaging_window_epochs"] = run.averaging_window_epochs;
   j["systems"] = run.systems;
   j["excluded_satellites"] = run.excluded;
+  AddFigures(tables_.run, run, j);
   j["navigation_coverage"] = Json::array();
-  for (const NavigationCoverage& row : run.navigation_coverage) {
-    j["navigation_coverage"].push_back(CoverageJson(row));
+  for (const NavigationCoverage& row : run.navigation_coverage)
+    j["navigation_coverage"].push_back(Coverage(row));
+  return j;
+}
+
+Json Parts::Systems() const {
+  Json all = Json::array();
+  for (const SystemReport& system : report_.systems) {
+    Json j;
+    j["letter"] = std::string(1, system.letter);
+    j["name"] = system.name;
+    j["optimal_combination"] = system.combination;
+    j["signals"] = system.signals;
+    AddWhole(system.figures, j);
+    all.push_back(j);
   }
-  return j;
+  return all;
 }
 
-Json SystemJson(const SystemReport& system) {
-  Json j;
-  j["letter"] = std::string(1, system.letter);
-  j["name"] = system.name;
-  j["optimal_combination"] = system.combination;
-  j["signals"] = system.signals;
-  AddFigures(system.figures, j);
-  return j;
+Json Parts::Signals() const {
+  Json all = Json::array();
+  for (const SignalReport& s : report_.signals) {
+    Json j;
+    j["letter"] = std::string(1, s.letter);
+    j["name"] = s.name;
+    j["signal"] = s.signal;
+    j["band"] = TextOf(s.band);
+    AddFigures(tables_.signal, s, j);
+    all.push_back(j);
+  }
+  return all;
 }
 
-Json SignalJson(const SignalReport& s) {
-  Json j;
-  j["letter"] = std::string(1, s.letter);
-  j["name"] = s.name;
-  j["signal"] = s.signal;
-  j["band"] = TextOf(s.band);
-  j["expected_epochs"] = ValueOf(s.expected);
-  j["observed_epochs"] = ValueOf(s.observed);
-  j["completeness_ratio"] = ValueOf(s.completeness);
-  j["mp_rms_m"] = ValueOf(s.mp_m);
-  j["mp_values"] = ValueOf(s.mp_values);
-  j["mp_restart_epochs"] = ValueOf(s.mp_restarts);
-  j["phase_geometry_slip_epochs"] = ValueOf(s.phase_geometry_slips);
-  j["observations_per_restart"] = ValueOf(s.obs_per_restart);
-  j["snr_mean_dbhz"] = ValueOf(s.snr_dbhz);
-  j["snr_mean_below_30deg_dbhz"] = ValueOf(s.snr_below30_dbhz);
-  j["snr_mean_above_30deg_dbhz"] = ValueOf(s.snr_above30_dbhz);
-  return j;
+Json Parts::Satellites() const {
+  Json all = Json::array();
+  for (const SatelliteReport& satellite : report_.satellites) {
+    Json j;
+    j["satellite"] = satellite.name;
+    j["state"] = satellite.state;
+    AddWhole(satellite.figures, j);
+    all.push_back(j);
+  }
+  return all;
 }
 
-Json SatelliteJson(const SatelliteReport& satellite) {
+Json FindingJson(const Finding& finding) {
   Json j;
-  j["satellite"] = satellite.name;
-  j["state"] = satellite.state;
-  AddFigures(satellite.figures, j);
-  return j;
-}
-
-Json HeadlineJson(const Headline& headline) {
-  Json j;
-  j["expected_epochs"] = ValueOf(headline.expected);
-  j["observed_epochs"] = ValueOf(headline.observed);
-  j["completeness_ratio"] = ValueOf(headline.completeness);
-  j["mp1_rms_m"] = ValueOf(headline.mp1_m);
-  j["mp2_rms_m"] = ValueOf(headline.mp2_m);
-  j["observations_per_restart"] = ValueOf(headline.obs_per_restart);
+  j["id"] = finding.id;
+  j["severity"] = finding.severity;
+  j["title"] = finding.title;
+  j["text"] = finding.text;
+  j["figures"] = Json::object();
+  for (const FindingFigure& f : finding.figures) j["figures"][f.key] = FigureJson(f.value, IsCount(f.key));
+  j["satellites"] = finding.satellites;
+  j["signal"] = TextOf(finding.signal);
   return j;
 }
 
@@ -186,24 +218,20 @@ Json NoticeJson(const ReportNotice& notice) {
 
 }  // namespace
 
-std::string WriteJson(const Report& report) {
+std::string WriteJson(const Report& report, const FigureTables& tables) {
+  const Parts parts(report, tables);
   Json j;
-  j["format"] = 2;
+  j["format"] = kJsonFormat;
   j["library_version"] = report.run.library_version;
-  j["run"] = RunJson(report.run);
   j["verdict"] = report.verdict ? VerdictJson(*report.verdict) : Json(nullptr);
-  j["headline"] = HeadlineJson(report.headline);
-  j["systems"] = Json::array();
-  for (const SystemReport& system : report.systems) j["systems"].push_back(SystemJson(system));
-  AddFigures(report.library_total, j["library_total"]);
-  j["signals"] = Json::array();
-  for (const SignalReport& signal : report.signals) j["signals"].push_back(SignalJson(signal));
-  if (report.show_satellites) {
-    j["satellites"] = Json::array();
-    for (const SatelliteReport& satellite : report.satellites) {
-      j["satellites"].push_back(SatelliteJson(satellite));
-    }
-  }
+  j["findings"] = Json::array();
+  for (const Finding& finding : report.findings) j["findings"].push_back(FindingJson(finding));
+  j["headline"] = parts.Headline();
+  j["run"] = parts.Run();
+  j["systems"] = parts.Systems();
+  j["library_total"] = parts.LibraryTotal();
+  j["signals"] = parts.Signals();
+  if (report.show_satellites) j["satellites"] = parts.Satellites();
   j["notes"] = Json::array();
   for (const ReportNote& note : report.notes) j["notes"].push_back(NoteJson(note));
   j["notices"] = Json::array();
@@ -214,7 +242,7 @@ std::string WriteJson(const Report& report) {
 
 std::string WriteJsonFailure(const std::string& file, const std::string& error) {
   Json j;
-  j["format"] = 2;
+  j["format"] = kJsonFormat;
   j["observation_file"] = file;
   j["error"] = error;
   return j.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";

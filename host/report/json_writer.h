@@ -4,13 +4,14 @@
 
 #include <string>
 
+#include "host/report/figure_tables.h"
 #include "host/report/report.h"
 
 namespace orsolva_host {
 
 /// One JSON object, indented by two blanks, with a line feed at its end. Bytes that are no UTF-8 are
 /// replaced.
-std::string WriteJson(const Report& report);
+std::string WriteJson(const Report& report, const FigureTables& tables = AllFigures());
 
 /// The object of a file that could not be judged, in an array of reports.
 std::string WriteJsonFailure(const std::string& file, const std::string& error);

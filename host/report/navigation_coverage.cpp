@@ -22,6 +22,12 @@ double RecordAge_s(int system) {
   return system == kBds || system == kGalileo ? 21600 : 7200;
 }
 
+bool HasNoOrbit(const std::string& satellite) {
+  if (satellite.empty() || satellite[0] != 'C') return false;
+  const int n = std::stoi(satellite.substr(1));
+  return n == 15 || n == 17 || n == 31 || (n >= 47 && n <= 58) || n >= 62;
+}
+
 CoverageCounter::CoverageCounter(const NavigationSet& set, std::string_view systems) {
   Take(kGps, set.gps);
   Take(kGlonass, set.glonass);

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -12,11 +13,16 @@
 #include "host/rinex/navigation_set.h"
 #include "host/rinex/satellite_names.h"
 #include "orsolva/records.h"
+#include "orsolva/signals.h"
 
 namespace orsolva_host {
 
 /// How long before and after its reference time a record gives positions, s. Same limits as the library's.
 double RecordAge_s(int system);
+
+/// Whether a satellite is one of the BDS numbers whose kind of orbit the library does not know: it never has
+/// a position, whatever records there are.
+bool HasNoOrbit(const std::string& satellite);
 
 /// Counts, epoch by epoch, the satellites seen and those with a healthy record whose reference time lies
 /// within RecordAge_s. GLONASS references are UTC; the few seconds to GPS time are left out.
@@ -38,7 +44,7 @@ class CoverageCounter {
     NavigationCoverage row;
     std::uint64_t covered_epochs = 0;
   };
-  static constexpr int kMostSatellites = 64;
+  static constexpr int kMostSatellites = ORSOLVA_MAX_NUMBERS;
 
   template <typename Record>
   void Take(int system, const std::vector<Record>& records);

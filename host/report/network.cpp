@@ -86,11 +86,33 @@ void SortWorstFirst(std::vector<NetworkRow>& rows) {
   });
 }
 
+NetworkSummary SummaryOf(const std::vector<NetworkRow>& rows) {
+  NetworkSummary sum;
+  std::vector<double> ratios;
+  sum.files = rows.size();
+  for (const NetworkRow& row : rows) {
+    const std::string state = StateOf(row);
+    if (state == "ERROR") ++sum.errors;
+    if (state == "fail" || state == "no data") ++sum.failed;
+    if (state == "fair") ++sum.fair;
+    if (state == "good") ++sum.good;
+    if (row.headline.completeness) ratios.push_back(*row.headline.completeness);
+    sum.duration_h += row.duration_h;
+    if (!row.first_epoch) continue;
+    if (!sum.first_epoch || Difference(*row.first_epoch, *sum.first_epoch) < 0)
+      sum.first_epoch = row.first_epoch;
+  }
+  if (ratios.empty()) return sum;
+  std::sort(ratios.begin(), ratios.end());
+  sum.least_completeness = ratios.front();
+  sum.median_completeness = (ratios[(ratios.size() - 1) / 2] + ratios[ratios.size() / 2]) / 2;
+  return sum;
+}
+
 std::string NetworkText(const std::vector<NetworkRow>& rows, const TextStyle& style) {
-  const auto failed =
-      std::count_if(rows.begin(), rows.end(), [](const NetworkRow& r) { return !r.error.empty(); });
-  std::string text = Toned(fmt::format("NETWORK ({} files, {} judged, {} failed; worst first)", rows.size(),
-                                       static_cast<std::ptrdiff_t>(rows.size()) - failed, failed),
+  const NetworkSummary sum = SummaryOf(rows);
+  std::string text = Toned(fmt::format("NETWORK ({} files, {} judged, {} failed; worst first)", sum.files,
+                                       sum.files - sum.errors, sum.errors),
                            Tone::kStrong, style) +
                      "\n";
   TextTable table;
@@ -114,22 +136,20 @@ std::string NetworkText(const std::vector<NetworkRow>& rows, const TextStyle& st
   return text + table.Text(style);
 }
 
-std::string NetworkCsv(const std::vector<NetworkRow>& rows) {
+std::string NetworkCsv(const std::vector<NetworkRow>& rows, const FigureTables& tables) {
   std::string text =
-      "file,marker,state,first_epoch_gpst,last_epoch_gpst,duration_h,interval_s,epochs,lost_epochs,"
-      "expected_epochs,observed_epochs,completeness_ratio,mp1_rms_m,mp2_rms_m,observations_per_restart,"
-      "notices,"
-      "error\n";
+      "file,marker,state,first_epoch_gpst,last_epoch_gpst,duration_h,interval_s,epochs,lost_epochs";
+  for (const auto& figure : tables.headline) text += std::string(",") + figure.key;
+  text += ",notices,error\n";
   for (const NetworkRow& row : rows) {
-    const bool judged = row.judged;
-    const Headline& s = row.headline;
-    text += fmt::format(
-        "{},{},{},{},{},{},{},{},{},{},{},{},{},{},{},{},{}\n", CsvField(row.file), CsvField(row.marker),
-        StateOf(row), TimeOf(row.first_epoch), TimeOf(row.last_epoch),
-        judged ? fmt::format("{}", row.duration_h) : "", judged ? fmt::format("{}", row.interval_s) : "",
-        judged ? fmt::format("{}", row.epochs) : "", judged ? fmt::format("{}", row.lost_epochs) : "",
-        Exact(s.expected), Exact(s.observed), Exact(s.completeness), Exact(s.mp1_m), Exact(s.mp2_m),
-        Exact(s.obs_per_restart), judged ? fmt::format("{}", row.notices) : "", CsvField(ErrorOf(row)));
+    const auto if_judged = [&row](auto value) {
+      return row.judged ? fmt::format("{}", value) : std::string();
+    };
+    text += fmt::format("{},{},{},{},{},{},{},{},{}", CsvField(row.file), CsvField(row.marker), StateOf(row),
+                        TimeOf(row.first_epoch), TimeOf(row.last_epoch), if_judged(row.duration_h),
+                        if_judged(row.interval_s), if_judged(row.epochs), if_judged(row.lost_epochs));
+    for (const auto& figure : tables.headline) text += "," + Exact(figure.get(row.headline));
+    text += fmt::format(",{},{}\n", if_judged(row.notices), CsvField(ErrorOf(row)));
   }
   return text;
 }

@@ -1,4 +1,4 @@
-// One row a file: the table at the end of a run over many files.
+// One row per file: the table at the end of a run over many files.
 #ifndef ORSOLVA_REPORT_NETWORK_H
 #define ORSOLVA_REPORT_NETWORK_H
 
@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/report/figure_tables.h"
 #include "host/report/report.h"
 #include "host/report/text_layout.h"
 
@@ -40,8 +41,22 @@ std::string ErrorOf(const NetworkRow& row);
 /// rows by name.
 void SortWorstFirst(std::vector<NetworkRow>& rows);
 
+/// The files of a run in a few figures.
+struct NetworkSummary {
+  Count files = 0;
+  Count errors = 0;  ///< files that could not be judged, or not to their end
+  Count failed = 0;  ///< verdicts "fail" and "no data"
+  Count fair = 0;
+  Count good = 0;
+  std::optional<double> median_completeness;  ///< of the files that have one; the mean of the middle two
+  std::optional<double> least_completeness;
+  std::optional<Time_gbt> first_epoch;  ///< of all files
+  double duration_h = 0;                ///< of all files together
+};
+NetworkSummary SummaryOf(const std::vector<NetworkRow>& rows);
+
 std::string NetworkText(const std::vector<NetworkRow>& rows, const TextStyle& style);
-std::string NetworkCsv(const std::vector<NetworkRow>& rows);
+std::string NetworkCsv(const std::vector<NetworkRow>& rows, const FigureTables& tables = AllFigures());
 
 }  // namespace orsolva_host
 

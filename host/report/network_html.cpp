@@ -19,7 +19,7 @@ Json ValueOf(const std::optional<T>& value) {
 
 Json TextOf(const std::string& text) { return text.empty() ? Json(nullptr) : Json(text); }
 
-Json RowJson(const NetworkRow& row, const std::string& path) {
+Json RowJson(const NetworkRow& row, const std::string& path, const FigureTables& tables) {
   Json j;
   j["file"] = row.file;
   j["page"] = row.page.empty() ? Json(nullptr) : Json(LinkTo(row.page, path));
@@ -29,11 +29,22 @@ Json RowJson(const NetworkRow& row, const std::string& path) {
   j["first_epoch_gpst"] = row.first_epoch ? Json(TimeText(*row.first_epoch)) : Json(nullptr);
   j["duration_h"] = row.judged ? Json(row.duration_h) : Json(nullptr);
   j["lost_epochs"] = row.judged ? Json(row.lost_epochs) : Json(nullptr);
-  j["completeness_ratio"] = ValueOf(row.headline.completeness);
-  j["mp1_rms_m"] = ValueOf(row.headline.mp1_m);
-  j["mp2_rms_m"] = ValueOf(row.headline.mp2_m);
-  j["observations_per_restart"] = ValueOf(row.headline.obs_per_restart);
+  for (const auto& figure : tables.headline) j[figure.key] = ValueOf(figure.get(row.headline));
   j["notices"] = row.judged ? Json(row.notices) : Json(nullptr);
+  return j;
+}
+
+Json SummaryJson(const NetworkSummary& sum) {
+  Json j;
+  j["files"] = sum.files;
+  j["errors"] = sum.errors;
+  j["failed"] = sum.failed;
+  j["fair"] = sum.fair;
+  j["good"] = sum.good;
+  j["median_completeness_ratio"] = ValueOf(sum.median_completeness);
+  j["least_completeness_ratio"] = ValueOf(sum.least_completeness);
+  j["first_epoch_gpst"] = sum.first_epoch ? Json(TimeText(*sum.first_epoch)) : Json(nullptr);
+  j["duration_h"] = sum.duration_h;
   return j;
 }
 
@@ -58,13 +69,14 @@ std::string LinkTo(const std::string& file, const std::string& page) {
   return link;
 }
 
-std::string NetworkHtml(const std::vector<NetworkRow>& rows, const NetworkHead& head,
-                        const std::string& path) {
+std::string NetworkHtml(const std::vector<NetworkRow>& rows, const NetworkHead& head, const std::string& path,
+                        const FigureTables& tables) {
   Json j;
   j["library_version"] = head.library_version;
   j["profile"] = TextOf(head.profile);
+  j["summary"] = SummaryJson(SummaryOf(rows));
   j["rows"] = Json::array();
-  for (const NetworkRow& row : rows) j["rows"].push_back(RowJson(row, path));
+  for (const NetworkRow& row : rows) j["rows"].push_back(RowJson(row, path, tables));
   const std::string json = InsideScript(j.dump(1, ' ', false, Json::error_handler_t::replace));
   return FilledPage(NetworkPage(), DataElement("network-data", "application/json", json));
 }

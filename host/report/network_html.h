@@ -16,8 +16,8 @@ struct NetworkHead {
 
 /// The index page, in the order of the rows. It holds everything it shows and asks for nothing.
 /// @param path  where the page will lie: links are relative to its folder
-std::string NetworkHtml(const std::vector<NetworkRow>& rows, const NetworkHead& head,
-                        const std::string& path);
+std::string NetworkHtml(const std::vector<NetworkRow>& rows, const NetworkHead& head, const std::string& path,
+                        const FigureTables& tables = AllFigures());
 
 /// A link from a page to a file: a relative reference (RFC 3986, 4.2) in which every byte but letters, digits
 /// and "-._~/" is written as %XX, so that no name is taken for a scheme, a query or markup.

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "host/report/navigation_coverage.h"
+
 namespace orsolva_host {
 namespace {
 
@@ -40,7 +42,7 @@ void AddGalileo(const Report& report, std::vector<ReportNote>& notes) {
        "The Galileo combination holds E5b or E5, so its complete observations are not counted; see "
        "each signal instead. The library total holds Galileo's expected epochs without observed ones, "
        "which lowers its completeness; the headline leaves Galileo out.",
-       {"observed_epochs", "completeness_ratio", "observations_per_restart"},
+       {"observed_epochs", "completeness_ratio", "observations_per_restart", "total_completeness_ratio"},
        "E",
        {}});
 }
@@ -56,17 +58,10 @@ void AddGlonass(const Report& report, std::vector<ReportNote>& notes) {
                    {"G3"}});
 }
 
-/// Numbers without an orbit type in the library's table, which never have a position.
-bool HasNoBdsOrbit(const std::string& satellite) {
-  if (satellite.empty() || satellite[0] != 'C') return false;
-  const int n = std::stoi(satellite.substr(1));
-  return n == 15 || n == 17 || n == 31 || (n >= 47 && n <= 58) || n >= 62;
-}
-
 void AddBds(const Report& report, std::vector<ReportNote>& notes) {
   std::string names;
   for (const NavigationCoverage& row : report.run.navigation_coverage) {
-    if (HasNoBdsOrbit(row.satellite)) names += (names.empty() ? "" : ", ") + row.satellite;
+    if (HasNoOrbit(row.satellite)) names += (names.empty() ? "" : ", ") + row.satellite;
   }
   if (names.empty()) return;
   notes.push_back({"bds-no-orbit",
@@ -126,7 +121,8 @@ std::vector<ReportNote> NotesOf(const Report& report) {
     notes.push_back({"library-total-slots",
                      "The library total of a band slot pools the bands that the systems keep under the same "
                      "slot number.",
-                     {"mp_rms_m", "snr_mean_dbhz", "snr_mean_below_30deg_dbhz", "snr_mean_above_30deg_dbhz"},
+                     {"total_mp_rms_m", "total_snr_mean_dbhz", "total_snr_mean_below_30deg_dbhz",
+                      "total_snr_mean_above_30deg_dbhz"},
                      "all",
                      {}});
   }

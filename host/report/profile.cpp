@@ -46,6 +46,7 @@ void RefuseUnknownKeys(const toml::table& table, std::initializer_list<std::stri
 FigureScope ScopeOf(const toml::table& table, const std::string& origin) {
   const std::string name = TextOf(table, "scope", origin);
   constexpr std::pair<const char*, FigureScope> kScopes[] = {{"run", FigureScope::kRun},
+                                                             {"headline", FigureScope::kHeadline},
                                                              {"library_total", FigureScope::kLibraryTotal},
                                                              {"system", FigureScope::kSystem},
                                                              {"satellite", FigureScope::kSatellite},
@@ -53,7 +54,8 @@ FigureScope ScopeOf(const toml::table& table, const std::string& origin) {
   for (const auto& [text, scope] : kScopes) {
     if (name == text) return scope;
   }
-  Refuse(origin, table, "'" + name + "' is no scope: use run, library_total, system, satellite or signal");
+  Refuse(origin, table,
+         "'" + name + "' is no scope: use run, headline, library_total, system, satellite or signal");
 }
 
 void TakeLimits(const toml::table& table, const std::string& origin, Criterion& criterion) {

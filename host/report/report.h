@@ -5,6 +5,7 @@
 #define ORSOLVA_REPORT_REPORT_H
 
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -15,6 +16,14 @@
 namespace orsolva_host {
 
 using Count = std::uint64_t;
+
+/// What computed a figure.
+enum class FigureSource { kLibrary, kFile };
+
+/// The value, absent when it is not finite.
+inline std::optional<double> Finite(double value) {
+  return std::isfinite(value) ? std::optional<double>(value) : std::nullopt;
+}
 
 /// An oddity of the input that was met and passed over or repaired.
 struct ReportNotice {
@@ -109,7 +118,7 @@ struct SystemReport {
 
 struct SatelliteReport {
   std::string name;
-  std::string state;  ///< "used", "excluded" or "unhealthy"
+  std::string state;  ///< "judged", "excluded" or "unhealthy"
   Figures figures;
 };
 
@@ -156,26 +165,60 @@ struct Verdict {
   std::vector<CriterionOutcome> outcomes;  ///< failed ones first
 };
 
-/// The few figures that one line of a file holds.
-///
-/// Counts are sums over the systems whose combination has a completeness; the others are left out of them.
+/// The figures a file is known by; headline.h has the rule of each.
 struct Headline {
   std::optional<Count> expected;
   std::optional<Count> observed;
-  std::optional<double> completeness;  ///< observed / expected
-  std::optional<double> mp1_m;         ///< of band slot 1, all systems pooled
+  std::optional<double> completeness;
+  std::optional<double> mp1_m;
   std::optional<double> mp2_m;
-  std::optional<double> obs_per_restart;  ///< observed / restarts, or observed without a restart
+  std::optional<double> obs_per_restart;
+  std::optional<Count> satellites_observed;
+  std::optional<Count> satellites_judged;
+  std::optional<Count> satellites_excluded;
+  std::optional<Count> satellites_unhealthy;
+  std::optional<Count> satellites_without_record;
+  std::optional<Count> satellites_without_position;
+  std::optional<Count> satellites_below_cutoff;
+  std::optional<Count> geometry_free_slips;
+  std::optional<Count> code_jumps;
+  std::optional<Count> receiver_slip_epochs;
+  std::optional<Count> gaps_in_view;
+};
+
+/// A figure that a finding rests on.
+struct FindingFigure {
+  std::string key;  ///< of figures.h
+  double value = 0;
+};
+
+/// Something to look at first; findings.h has the rule of each.
+struct Finding {
+  std::string id;        ///< stable name, such as "gaps-in-view"
+  std::string severity;  ///< "warning", "info" or "good"
+  std::string title;
+  std::string text;
+  std::vector<FindingFigure> figures;
+  std::vector<std::string> satellites;  ///< those concerned; empty: the whole run
+  std::string signal;                   ///< the one concerned, such as "G 1C", or empty
+};
+
+/// A satellite that the run left out, whether it was observed or not.
+struct UnusableSatellite {
+  std::string name;
+  const char* state = "excluded";  ///< or "unhealthy"
 };
 
 struct Report {
   ReportRun run;
   std::optional<Verdict> verdict;
   Headline headline;
+  std::vector<Finding> findings;  ///< in order of harm
   std::vector<SystemReport> systems;
   Figures library_total;
   std::vector<SignalReport> signals;
-  std::vector<SatelliteReport> satellites;
+  std::vector<SatelliteReport> satellites;  ///< those with figures
+  std::vector<UnusableSatellite> unusable;
   bool show_satellites = false;
   std::vector<ReportNote> notes;
   std::vector<ReportNotice> notices;

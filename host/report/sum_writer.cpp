@@ -6,6 +6,7 @@
 
 #include "host/rinex/civil_time.h"
 #include "host/rinex/satellite_names.h"
+#include "orsolva/signals.h"
 
 namespace orsolva_host {
 namespace {
@@ -54,55 +55,71 @@ std::string KeyOf(char letter) {
   return slot < 0 ? std::string("=?") : std::string("=") + kSystemTable[slot].short_name;
 }
 
-void WriteFigures(Out out, const std::string& key, const std::string& codes, const Figures& f,
-                  const std::string& file) {
-  fmt::format_to(out, "{} {} {} {} {} {} {} {}", key, codes, Whole(f.expected), Whole(f.observed),
-                 Percent(f.completeness), Whole(f.phase_geometry_slips), Whole(f.mp_restarts),
-                 Fixed(f.obs_per_restart, 0));
-  for (int slot = 1; slot <= 6; ++slot) {
-    std::optional<double> mp_m;
-    std::optional<double> snr_dbhz;
-    for (const BandFigures& band : f.bands) {
-      if (band.slot != slot) continue;
-      mp_m = band.mp_m;
-      snr_dbhz = band.snr_dbhz;
-    }
-    fmt::format_to(out, " {} {}", Fixed(mp_m, 3), Fixed(snr_dbhz, 2));
-  }
-  fmt::format_to(out, " {}\n", file);
+/// A figure as one field: ratios in percent.
+std::string Field(const std::optional<double>& value, FigureKind kind, int decimals) {
+  return Fixed(kind == FigureKind::kRatio && value ? std::optional<double>(*value * 100) : value, decimals);
 }
 
-void WriteSignal(Out out, const SignalReport& s, const std::string& file) {
-  fmt::format_to(out, "{}{} {} {} {} {} {} {} {} {} {} {} {} {}\n", KeyOf(s.letter), s.signal,
-                 OneField(s.band), Whole(s.expected), Whole(s.observed), Percent(s.completeness),
-                 Fixed(s.mp_m, 3), Whole(s.mp_restarts), Whole(s.phase_geometry_slips),
-                 Fixed(s.obs_per_restart, 1), Fixed(s.snr_dbhz, 2), Fixed(s.snr_below30_dbhz, 2),
-                 Fixed(s.snr_above30_dbhz, 2), file);
+/// The fields of an owner, each after a blank; those of none without data.
+template <typename Owner>
+void WriteFields(Out out, const std::vector<FigureRow<Owner>>& rows, const Owner* owner) {
+  for (const FigureRow<Owner>& row : rows) {
+    if (row.sum_decimals == kNotInSum) continue;
+    const std::optional<double> value = owner != nullptr ? row.get(*owner) : std::nullopt;
+    fmt::format_to(out, " {}", Field(value, row.kind, row.sum_decimals));
+  }
+}
+
+const BandFigures* BandAt(const Figures& figures, int slot) {
+  for (const BandFigures& band : figures.bands) {
+    if (band.slot == slot) return &band;
+  }
+  return nullptr;
+}
+
+void WriteFigures(Out out, const std::string& start, const std::vector<FigureRow<Figures>>& rows,
+                  const std::vector<FigureRow<BandFigures>>& band_rows, const Figures& f) {
+  fmt::format_to(out, "{}", start);
+  WriteFields(out, rows, &f);
+  for (int slot = 1; slot <= ORSOLVA_BAND_SLOTS; ++slot) WriteFields(out, band_rows, BandAt(f, slot));
 }
 
 }  // namespace
 
-std::string WriteSum(const Report& report) {
+std::string WriteSum(const Report& report, const FigureTables& tables) {
   std::string text;
   const Out out = std::back_inserter(text);
   const ReportRun& run = report.run;
-  const Headline& sum = report.headline;
+  const Headline& head = report.headline;
   const std::string file = OneField(run.observation_file);
-  fmt::format_to(out, "SUM {} {} {:.2f} {:g} {} {} {} {} {} {} {}\n", TimeField(run.first_epoch),
-                 TimeField(run.last_epoch), run.duration_h, run.interval_s, Whole(sum.expected),
-                 Whole(sum.observed), Percent(sum.completeness), Fixed(sum.mp1_m, 3), Fixed(sum.mp2_m, 3),
-                 Fixed(sum.obs_per_restart, 0), file);
-  fmt::format_to(out, "=RUN {} {} {} {:.4f} {:.4f} {:.4f} {} {:g} {}\n", run.epochs, run.judged_epochs,
+  const auto end_line = [&] { fmt::format_to(out, " {}\n", file); };
+  fmt::format_to(out, "SUM {} {} {:.2f} {:g} {} {} {} {} {} {}", TimeField(run.first_epoch),
+                 TimeField(run.last_epoch), run.duration_h, run.interval_s, Whole(head.expected),
+                 Whole(head.observed), Percent(head.completeness), Fixed(head.mp1_m, 3), Fixed(head.mp2_m, 3),
+                 Fixed(head.obs_per_restart, 0));
+  end_line();
+  text += "=HEADLINE";
+  WriteFields(out, tables.headline, &head);
+  end_line();
+  fmt::format_to(out, "=RUN {} {} {} {:.4f} {:.4f} {:.4f} {} {:g}", run.epochs, run.judged_epochs,
                  run.lost_epochs, run.position_m[0], run.position_m[1], run.position_m[2],
-                 run.position_source, run.elevation_cutoff_deg, file);
-  WriteFigures(out, "=ALL", "-", report.library_total, file);
+                 run.position_source, run.elevation_cutoff_deg);
+  end_line();
+  WriteFigures(out, "=ALL -", tables.total, tables.slot, report.library_total);
+  end_line();
   for (const SystemReport& system : report.systems) {
-    WriteFigures(out, KeyOf(system.letter), Codes(system.combination), system.figures, file);
+    WriteFigures(out, KeyOf(system.letter) + " " + Codes(system.combination), tables.whole, tables.band,
+                 system.figures);
+    end_line();
   }
-  for (const SignalReport& signal : report.signals) WriteSignal(out, signal, file);
+  for (const SignalReport& signal : report.signals) {
+    text += KeyOf(signal.letter) + signal.signal + " " + OneField(signal.band);
+    WriteFields(out, tables.signal, &signal);
+    end_line();
+  }
   if (report.verdict) {
-    fmt::format_to(out, "=VERDICT {} {} {}\n", OneField(report.verdict->profile),
-                   OneField(report.verdict->grade), file);
+    fmt::format_to(out, "=VERDICT {} {}", OneField(report.verdict->profile), OneField(report.verdict->grade));
+    end_line();
   }
   return text;
 }

@@ -4,13 +4,14 @@
 
 #include <string>
 
+#include "host/report/figure_tables.h"
 #include "host/report/report.h"
 
 namespace orsolva_host {
 
 /// The lines of a report. Fields stand between blanks, "-" without data; the last one is the file, with
 /// blanks in its name written as "%20". The fields are listed in docs/user/report-formats.md.
-std::string WriteSum(const Report& report);
+std::string WriteSum(const Report& report, const FigureTables& tables = AllFigures());
 
 /// The line of a file that could not be judged: "#FAILED FILE REASON".
 std::string WriteSumFailure(const std::string& file, const std::string& reason);

@@ -21,10 +21,18 @@ std::string Fixed(const std::optional<double>& value, int decimals) {
   return value ? fmt::format("{:.{}f}", *value, decimals) : "-";
 }
 
-std::string Whole(const std::optional<Count>& value) { return value ? fmt::format("{}", *value) : "-"; }
+/// A figure as people read it: ratios in percent.
+std::string Shown(const std::optional<double>& value, FigureKind kind, int decimals) {
+  return Fixed(kind == FigureKind::kRatio && value ? std::optional<double>(*value * 100) : value, decimals);
+}
 
-std::string Percent(const std::optional<double>& ratio) {
-  return ratio ? fmt::format("{:.2f}", *ratio * 100) : "-";
+/// The cells of an owner's figures that have a column.
+template <typename Owner>
+void AddCells(const std::vector<FigureRow<Owner>>& rows, const Owner& owner,
+              std::vector<std::string>& cells) {
+  for (const FigureRow<Owner>& row : rows) {
+    if (row.text.heading != nullptr) cells.push_back(Shown(row.get(owner), row.kind, row.text.decimals));
+  }
 }
 
 std::string Joined(const std::vector<std::string>& parts, std::string_view between) {
@@ -44,40 +52,43 @@ std::string SourceText(const std::string& source) {
   return source == "data" ? "found in the data" : "computed";
 }
 
-/// Which observed satellites lack broadcast records, and for how many of their epochs.
+/// Which observed satellites lack broadcast records, and for how many of their epochs they have one.
 std::string CoverageText(const std::vector<NavigationCoverage>& rows) {
   constexpr double kWhole = 0.9995;
-  std::size_t whole = 0;
   std::string lacking;
   for (const NavigationCoverage& row : rows) {
-    if (row.covered_ratio >= kWhole) {
-      ++whole;
-      continue;
-    }
+    if (row.covered_ratio >= kWhole) continue;
     std::string how = fmt::format("{:.0f}%", row.covered_ratio * 100);
     if (row.records == 0) how = row.unhealthy_records > 0 ? "unhealthy" : "none";
-    lacking += fmt::format("{} {} {}", lacking.empty() ? ";" : ",", row.satellite, how);
+    lacking += fmt::format("{}{} {}", lacking.empty() ? "" : ", ", row.satellite, how);
   }
-  return fmt::format("cover {} of {} observed satellites{}", whole, rows.size(), lacking);
+  return lacking.empty() ? "cover every epoch of all satellites" : "lacking for " + lacking;
 }
 
 /// The parts of a report, one after the other.
 class Writer {
  public:
-  Writer(const Report& report, const TextStyle& style) : report_(report), style_(style) {
+  Writer(const Report& report, const TextStyle& style, const FigureTables& tables)
+      : report_(report), style_(style), tables_(tables) {
     style_.width = std::max(style_.width, kLeastWidth);
   }
 
-  std::string Do() {
-    Run();
+  std::string Write() {
+    text_ += Toned(fmt::format("Orsolva {} observation quality", report_.run.library_version), Tone::kStrong,
+                   style_) +
+             "\n";
     if (report_.verdict) {
       Heading("VERDICT");
       text_ += VerdictText(*report_.verdict, style_);
     }
+    Findings();
+    Headline();
+    Run();
     Systems();
     Bands();
     Signals();
     if (report_.show_satellites) Satellites();
+    LibraryTotal();
     Notes();
     Notices();
     return std::move(text_);
@@ -101,28 +112,76 @@ class Writer {
     text_ += name + Fitted(file.empty() ? "-" : Printable(file), style_.width - kNameWidth) + "\n";
   }
 
+  void Findings();
+  void Headline();
   void Run();
   void Position();
   void Systems();
-  void AddBands(const std::string& name, std::string_view letter, const Figures& figures, TextTable& table);
   void Bands();
   void Signals();
   void Satellites();
+  void LibraryTotal();
   void Notes();
   void Notices();
-  std::string Marked(const char* heading, std::string_view figure) const {
-    return heading + HeadingMarks(report_.notes, figure);
+
+  /// A column for every figure that has one, its heading with the marks of its notes.
+  template <typename Owner>
+  void AddColumns(const std::vector<FigureRow<Owner>>& rows, TextTable& table) const {
+    for (const FigureRow<Owner>& row : rows) {
+      if (row.text.heading == nullptr) continue;
+      table.AddColumn(row.text.heading + HeadingMarks(report_.notes, row.key), row.text.width);
+    }
   }
 
   const Report& report_;
   TextStyle style_;
+  const FigureTables& tables_;
   std::string text_;
 };
 
+Tone ToneOfFinding(const Finding& finding) {
+  if (finding.severity == "warning") return Tone::kWarn;
+  return finding.severity == "good" ? Tone::kPass : Tone::kPlain;
+}
+
+void Writer::Findings() {
+  if (report_.findings.empty()) return;
+  Heading("WHAT TO LOOK AT FIRST");
+  for (const Finding& finding : report_.findings) {
+    const char* lead = finding.severity == "warning" ? "! " : "  ";
+    text_ += Toned(Wrapped(Printable(finding.title + ". " + finding.text), lead, "    ", style_.width),
+                   ToneOfFinding(finding), style_);
+  }
+}
+
+/// A line for the figures of one group: "119 observed, 96 judged".
+void Writer::Headline() {
+  Heading("HEADLINE");
+  std::string group, line;
+  const auto end_line = [&] {
+    if (!line.empty()) Row(group, line);
+    line.clear();
+  };
+  for (const auto& row : tables_.headline) {
+    if (row.text.heading == nullptr) continue;
+    const std::string_view heading = row.text.heading;
+    const std::size_t bar = heading.find('|');
+    if (heading.substr(0, bar) != group) end_line();
+    group = heading.substr(0, bar);
+    std::string item = Shown(row.get(report_.headline), row.kind, row.text.decimals);
+    if (row.kind == FigureKind::kRatio) item += " %";
+    if (row.kind == FigureKind::kMetres) item += " m";
+    if (bar + 1 < heading.size()) item += " " + std::string(heading.substr(bar + 1));
+    // The ratio of a group leads, whatever the order of the rows.
+    const bool leads = row.kind == FigureKind::kRatio && !line.empty();
+    line = leads ? item + ", " + line : line + (line.empty() ? "" : ", ") + item;
+  }
+  end_line();
+}
+
 void Writer::Run() {
+  Heading("RUN");
   const ReportRun& run = report_.run;
-  text_ += Toned(fmt::format("Orsolva {} observation quality", run.library_version), Tone::kStrong, style_);
-  text_ += "\n\n";
   FileRow("Observations", run.observation_file);
   for (const std::string& file : run.navigation_files) FileRow("Navigation", file);
   FileRow("Marker", run.marker);
@@ -152,53 +211,25 @@ void Writer::Position() {
   Row("Position source", source);
 }
 
-std::vector<std::string> FigureCells(const Figures& f) {
-  return {Whole(f.expected),       Whole(f.observed),
-          Percent(f.completeness), Whole(f.phase_geometry_slips),
-          Whole(f.mp_restarts),    Fixed(f.obs_per_restart, 0)};
-}
-
-void AddFigureColumns(const std::string& slips, TextTable& table) {
-  table.AddColumn("Expected", 9);
-  table.AddColumn("Observed", 9);
-  table.AddColumn("Compl %", 9);
-  table.AddColumn(slips, 9);
-  table.AddColumn("Restarts", 9);
-  table.AddColumn("Obs/rst", 9);
-}
-
-std::vector<std::string> Cells(std::vector<std::string> names, const Figures& figures) {
-  for (std::string& cell : FigureCells(figures)) names.push_back(std::move(cell));
-  return names;
-}
-
 void Writer::Systems() {
   Heading("SYSTEMS (optimal combination of signals)");
   TextTable table;
   table.AddColumn("System", -12);
   table.AddColumn("Combination", -15);
-  AddFigureColumns(Marked("PG slips", "phase_geometry_slip_epochs"), table);
+  AddColumns(tables_.whole, table);
   bool ambiguous = false;
   for (const SystemReport& system : report_.systems) {
     const std::string combination = Joined(system.combination, "+");
     ambiguous = ambiguous || combination.find('|') != std::string::npos;
     const std::string marks = RowMarks(report_.notes, std::string(1, system.letter), "");
-    table.AddRow(Cells({system.name + marks, combination}, system.figures));
+    std::vector<std::string> cells = {system.name + marks, combination};
+    AddCells(tables_.whole, system.figures, cells);
+    table.AddRow(std::move(cells));
   }
-  // What a note says about all of Galileo's figures holds for the sums with them.
-  table.AddRow(Cells({"Library total" + RowMarks(report_.notes, "E", ""), ""}, report_.library_total));
   text_ += table.Text(style_);
-  if (ambiguous)
-    text_ += Wrapped("1C|1L: one of these; the figures do not tell which.", "", "", style_.width);
-}
-
-void Writer::AddBands(const std::string& name, std::string_view letter, const Figures& figures,
-                      TextTable& table) {
-  for (const BandFigures& b : figures.bands) {
-    const std::string band = b.band.empty() ? fmt::format("slot {}", b.slot) : b.band;
-    const std::string marks = RowMarks(report_.notes, letter, b.band);
-    table.AddRow({name, band + marks, Fixed(b.mp_m, 3), Fixed(b.snr_dbhz, 2), Fixed(b.snr_below30_dbhz, 2),
-                  Fixed(b.snr_above30_dbhz, 2), Fixed(b.iono_rms_cycles, 4)});
+  if (ambiguous) {
+    text_ += Wrapped("1C|1L: ambiguous; the result record does not say which code was chosen.", "", "",
+                     style_.width);
   }
 }
 
@@ -213,15 +244,15 @@ void Writer::Bands() {
   TextTable table;
   table.AddColumn("System", -9);
   table.AddColumn("Band", -12);
-  table.AddColumn("MP", 9);
-  table.AddColumn("SNR", 10);
-  table.AddColumn("SNR<=30deg", 12);
-  table.AddColumn("SNR>30deg", 12);
-  table.AddColumn(Marked("Iono RMS", "iono_rms_cycles"), 14);
+  AddColumns(tables_.band, table);
   for (const SystemReport& system : report_.systems) {
-    AddBands(system.name, std::string(1, system.letter), system.figures, table);
+    for (const BandFigures& band : system.figures.bands) {
+      const std::string marks = RowMarks(report_.notes, std::string(1, system.letter), band.band);
+      std::vector<std::string> cells = {system.name, band.band + marks};
+      AddCells(tables_.band, band, cells);
+      table.AddRow(std::move(cells));
+    }
   }
-  AddBands("Library total", "all", report_.library_total, table);
   text_ += table.Text(style_);
 }
 
@@ -233,24 +264,38 @@ void Writer::Signals() {
   }
   TextTable table;
   table.AddColumn("Signal", -12);
-  table.AddColumn("Exp", 6);
-  table.AddColumn("Obs", 7);
-  table.AddColumn("Compl %", 8);
-  table.AddColumn("MP m", 7);
-  table.AddColumn("Rst", 5);
-  table.AddColumn(Marked("PG slips", "phase_geometry_slip_epochs"), 9);
-  table.AddColumn("Obs/rst", 9);
-  table.AddColumn("SNR", 5);
-  table.AddColumn("<=30", 6);
-  table.AddColumn(">30", 5);
+  AddColumns(tables_.signal, table);
   for (const SignalReport& s : report_.signals) {
     const std::string marks = RowMarks(report_.notes, std::string(1, s.letter), s.band);
-    table.AddRow({fmt::format("{} {} {}", s.letter, s.signal, s.band) + marks, Whole(s.expected),
-                  Whole(s.observed), Percent(s.completeness), Fixed(s.mp_m, 3), Whole(s.mp_restarts),
-                  Whole(s.phase_geometry_slips), Fixed(s.obs_per_restart, 1), Fixed(s.snr_dbhz, 1),
-                  Fixed(s.snr_below30_dbhz, 1), Fixed(s.snr_above30_dbhz, 1)});
+    std::vector<std::string> cells = {fmt::format("{} {} {}", s.letter, s.signal, s.band) + marks};
+    AddCells(tables_.signal, s, cells);
+    table.AddRow(std::move(cells));
   }
   text_ += table.Text(style_);
+}
+
+/// What the library pools over all systems: other rules than the headline's, hence a part of its own.
+void Writer::LibraryTotal() {
+  const Figures& total = report_.library_total;
+  if (!total.expected && total.bands.empty()) return;
+  Heading("LIBRARY TOTAL (all systems as the library pools them)" + RowMarks(report_.notes, "all", "") +
+          RowMarks(report_.notes, "E", ""));
+  TextTable sums;
+  AddColumns(tables_.total, sums);
+  std::vector<std::string> cells;
+  AddCells(tables_.total, total, cells);
+  sums.AddRow(std::move(cells));
+  text_ += sums.Text(style_);
+  if (total.bands.empty()) return;
+  TextTable table;
+  table.AddColumn("Band slot", -12);
+  AddColumns(tables_.slot, table);
+  for (const BandFigures& slot : total.bands) {
+    std::vector<std::string> row = {fmt::format("slot {}", slot.slot)};
+    AddCells(tables_.slot, slot, row);
+    table.AddRow(std::move(row));
+  }
+  text_ += "\n" + table.Text(style_);
 }
 
 std::string BandList(const char* name, const Figures& figures, std::optional<double> BandFigures::*figure,
@@ -271,9 +316,11 @@ void Writer::Satellites() {
   TextTable table;
   table.AddColumn("Sat", -6);
   table.AddColumn("State", -12);
-  AddFigureColumns(Marked("PG slips", "phase_geometry_slip_epochs"), table);
+  AddColumns(tables_.whole, table);
   for (const SatelliteReport& s : report_.satellites) {
-    table.AddRow(Cells({s.name, s.state}, s.figures));
+    std::vector<std::string> cells = {s.name, s.state};
+    AddCells(tables_.whole, s.figures, cells);
+    table.AddRow(std::move(cells));
     for (const std::string& list : {BandList("MP ", s.figures, &BandFigures::mp_m, 3),
                                     BandList("SNR", s.figures, &BandFigures::snr_dbhz, 1)}) {
       if (!list.empty()) table.AddBelow(Wrapped(list, "     ", "       ", style_.width));
@@ -306,6 +353,8 @@ void Writer::Notices() {
 
 }  // namespace
 
-std::string WriteText(const Report& report, const TextStyle& style) { return Writer(report, style).Do(); }
+std::string WriteText(const Report& report, const TextStyle& style, const FigureTables& tables) {
+  return Writer(report, style, tables).Write();
+}
 
 }  // namespace orsolva_host

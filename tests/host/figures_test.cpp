@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <set>
 #include <sstream>
+#include <stdexcept>
 #include <string>
 
 #include "host/report/figure_list.h"
@@ -52,13 +54,12 @@ TEST(Figures, EveryListedFigureHasAnExplanationAndItsUnit) {
   }
 }
 
-TEST(Figures, EveryRowIsWholeAndEveryNameLeadsToOneRow) {
+TEST(Figures, EveryTextIsWholeAndEveryNameLeadsToOneFigure) {
   std::set<std::string> names;
-  for (int i = 0; i < kFigures; ++i) {
-    const Figure& f = kFigureTable[i];
-    for (const char* text :
-         {f.key, f.title, f.formula, f.window, f.reset, f.cutoff, f.denominator, f.source}) {
-      EXPECT_STRNE(text, "") << f.key;
+  for (const Figure& f : FigureTexts()) {
+    for (const std::string* text :
+         {&f.key, &f.title, &f.formula, &f.window, &f.reset, &f.cutoff, &f.denominator, &f.source}) {
+      EXPECT_FALSE(text->empty()) << f.key;
     }
     EXPECT_TRUE(names.insert(f.key).second) << f.key;
     std::istringstream aliases(f.aliases);
@@ -66,11 +67,40 @@ TEST(Figures, EveryRowIsWholeAndEveryNameLeadsToOneRow) {
   }
 }
 
+TEST(Figures, EveryRowHasAText) {
+  ForEachRow(AllFigures(), [](const auto& row) {
+    const Figure* figure = FindFigure(row.key);
+    ASSERT_NE(figure, nullptr) << row.key;
+    EXPECT_EQ(figure->key, row.key);
+    EXPECT_FALSE(figure->computed_by.empty()) << row.key;
+  });
+}
+
+TEST(Figures, AKeyHasOneUnitWhateverItsScope) {
+  std::map<std::string, std::string> units;
+  ForEachRow(AllFigures(), [&units](const auto& row) {
+    const auto known = units.emplace(row.key, UnitOf(row.kind)).first;
+    EXPECT_EQ(known->second, UnitOf(row.kind)) << row.key;
+  });
+}
+
+TEST(Figures, AFigureLikeAnotherTakesOverWhatItLeavesOut) {
+  const Figure* total = FindFigure("total_completeness_ratio");
+  ASSERT_NE(total, nullptr);
+  EXPECT_EQ(total->source, FindFigure("completeness_ratio")->source);
+  EXPECT_EQ(total->denominator, "total_expected_epochs");
+  EXPECT_TRUE(total->aliases.empty());
+  EXPECT_THROW(ParseFigures("[a]\ntitle='t'\nlike='b'\n"), std::runtime_error);
+}
+
 TEST(Figures, AreFoundByColumnHeadingAndWhateverTheCase) {
-  for (const char* name : {"mp1", "MP6", "Expected", "Obs/slip", "Compl", "SNR<=30deg", "o/slps", "%"}) {
+  for (const char* name :
+       {"mp1", "MP6", "Expected", "Obs/slip", "Obs/rst", "Compl", "SNR<=30deg", "o/slps", "%"}) {
     EXPECT_NE(FindFigure(name), nullptr) << name;
   }
-  EXPECT_STREQ(FindFigure("MP1")->key, "mp_rms_m");
+  EXPECT_EQ(FindFigure("MP1")->key, "mp_rms_m");
+  EXPECT_EQ(FindFigure("slip_epochs")->key, "phase_geometry_slip_epochs");
+  EXPECT_EQ(FindFigure("jump_epochs")->key, "mp_restart_epochs");
   EXPECT_EQ(FindFigure("mp9"), nullptr);
   EXPECT_EQ(FindFigure(""), nullptr);
 }

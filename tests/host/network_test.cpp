@@ -34,6 +34,20 @@ TEST(Network, WorstComesFirst) {
   EXPECT_EQ(order, "broken a b none fair good ");
 }
 
+TEST(Network, TheSummaryHasTheMedianAndTheLeastOfTheFilesWithACompleteness) {
+  const std::vector<NetworkRow> rows = {Row("a", 0.9, "good"), Row("b", 0.5, "fair"), Row("c", 0.7, "fail"),
+                                        Row("d", 0.6, "no data"), FailedRow("broken", "why")};
+  const NetworkSummary sum = SummaryOf(rows);
+  EXPECT_EQ(sum.files, 5U);
+  EXPECT_EQ(sum.errors, 1U);
+  EXPECT_EQ(sum.failed, 2U);
+  EXPECT_EQ(sum.fair, 1U);
+  EXPECT_EQ(sum.good, 1U);
+  EXPECT_DOUBLE_EQ(sum.median_completeness.value(), 0.65);
+  EXPECT_DOUBLE_EQ(sum.least_completeness.value(), 0.5);
+  EXPECT_FALSE(SummaryOf({FailedRow("broken", "why")}).median_completeness);
+}
+
 TEST(Network, WithoutAProfileTheLowestCompletenessComesFirst) {
   std::vector<NetworkRow> rows = {Row("x", 0.9), Row("y", 0.2)};
   rows.push_back(Row("z", 0));
@@ -62,12 +76,17 @@ TEST(Network, TheCsvHasOneRowAFileAndNoFiguresOfFailedOnes) {
   std::getline(lines, heading);
   std::getline(lines, first);
   std::getline(lines, second);
-  EXPECT_EQ(std::count(heading.begin(), heading.end(), ','), 16);
+  EXPECT_EQ(heading.find(
+                "file,marker,state,first_epoch_gpst,last_epoch_gpst,duration_h,interval_s,epochs,lost_epochs,"
+                "expected_epochs,observed_epochs,completeness_ratio,mp1_rms_m,mp2_rms_m,"
+                "observations_per_restart,satellites_observed,satellites_judged,"),
+            0U);
+  EXPECT_EQ(std::count(heading.begin(), heading.end(), ','), 27);
   EXPECT_EQ(
       first,
       "dir/station one.rnx,,judged,2020-06-25 00:00:00.000,2020-06-25 23:59:30.000,23.991666666666667,30,"
-      "2880,0,1000,900,0.9,0.25,,300,2,");
-  EXPECT_EQ(second, "\"b,c.rnx\",,ERROR,,,,,,,,,,,,,,why");
+      "2880,0,1000,900,0.9,0.25,,300,1,1,,,,,,,,,,2,");
+  EXPECT_EQ(second, "\"b,c.rnx\",,ERROR" + std::string(25, ',') + "why");
 }
 
 /// The data of an index page.

@@ -9,6 +9,7 @@
 
 #include "host/report/build_report.h"
 #include "host/report/json_writer.h"
+#include "host/report/library_figures.h"
 #include "host/report/text_writer.h"
 #include "tests/host/shared_data.h"
 #include "tests/support/json_reader.h"
@@ -112,7 +113,7 @@ TEST(ReportModel, SystemsWithoutDataAreLeftOut) {
   EXPECT_EQ(report.systems[0].name, "GPS");
   ASSERT_EQ(report.satellites.size(), 1U);
   EXPECT_EQ(report.satellites[0].name, "G04");
-  EXPECT_EQ(report.satellites[0].state, "used");
+  EXPECT_EQ(report.satellites[0].state, "judged");
   EXPECT_EQ(report.signals.size(), 3U);
 }
 
@@ -205,7 +206,7 @@ TEST(TextWriter, KeepsTo80ColumnsWhateverTheNames) {
 
 TEST(TextWriter, WritesADashWithoutData) {
   const std::string text = WriteText(Built(OneSystem()));
-  EXPECT_NE(text.find("GPS         1C+2L            1000      987   98.70        0        3     329\n"),
+  EXPECT_NE(text.find("GPS         1C+2L               1000      987   98.70        0    3     329\n"),
             std::string::npos)
       << text;
   EXPECT_NE(text.find("GPS      L2                  -     40.00           -           -             -\n"),

@@ -46,7 +46,9 @@ TEST(CsvWriter, EveryRowHasTheSixFieldsOfTheHeading) {
 TEST(CsvWriter, WritesRowsOfEveryScopeAndNothingForAbsentFigures) {
   const std::vector<std::string> lines = Lines(WriteCsvRows(SampleReport()));
   for (const char* row :
-       {",,lost_epochs,epochs,0,dir/station one.rnx", "all,slot1,mp_rms_m,m,0.25,dir/station one.rnx",
+       {",,lost_epochs,epochs,0,dir/station one.rnx", "all,slot1,total_mp_rms_m,m,0.25,dir/station one.rnx",
+        ",,completeness_ratio,1,0.9,dir/station one.rnx",
+        ",,satellites_judged,satellites,1,dir/station one.rnx",
         "G,,completeness_ratio,1,0.9,dir/station one.rnx", "G,1C,mp_values,values,940,dir/station one.rnx",
         "G04,L2,mp_rms_m,m,,dir/station one.rnx",
         "G04,,navigation_covered_ratio,1,0.5,dir/station one.rnx"}) {
@@ -81,7 +83,7 @@ TEST(SumWriter, EveryLineBeginsWithItsKeyAndEndsWithTheFile) {
     keys.insert(Fields(line).front());
     EXPECT_EQ(Fields(line).back(), "dir/station%20one.rnx") << line;
   }
-  EXPECT_EQ(keys, (std::set<std::string>{"SUM", "=RUN", "=ALL", "=GPS", "=GPS1C", "=VERDICT"}));
+  EXPECT_EQ(keys, (std::set<std::string>{"SUM", "=HEADLINE", "=RUN", "=ALL", "=GPS", "=GPS1C", "=VERDICT"}));
 }
 
 TEST(SumWriter, RowsOfOneKindHaveTheSameNumberOfFields) {

@@ -39,7 +39,7 @@ inline orsolva_host::Report SampleReport() {
   r.systems.push_back({'G', "GPS", {"1C", "2W"}, {"1C", "2W"}, SampleFigures()});
   r.library_total = SampleFigures();
   for (orsolva_host::BandFigures& band : r.library_total.bands) band.band.clear();
-  r.satellites.push_back({"G04", "used", SampleFigures()});
+  r.satellites.push_back({"G04", "judged", SampleFigures()});
   orsolva_host::SignalReport s;
   s.name = "GPS";
   s.signal = "1C";
@@ -53,7 +53,19 @@ inline orsolva_host::Report SampleReport() {
   s.phase_geometry_slips = 12;
   s.obs_per_restart = 950.0 / 3;
   r.signals.push_back(s);
-  r.headline = {1000, 900, 0.9, 0.25, std::nullopt, 300.0};
+  r.headline.expected = 1000;
+  r.headline.observed = 900;
+  r.headline.completeness = 0.9;
+  r.headline.mp1_m = 0.25;
+  r.headline.obs_per_restart = 300;
+  r.headline.satellites_observed = r.headline.satellites_judged = 1;
+  r.findings.push_back({"gaps-in-view",
+                        "warning",
+                        "2 gaps while in view",
+                        "Single satellites were lost.",
+                        {{"gaps_in_view", 2}},
+                        {"G04"},
+                        ""});
   r.notes.push_back({"phase-test", "Slips count more than slips.", {"phase_geometry_slip_epochs"}, "", {}});
   r.notices.push_back({"f.rnx", 3, "odd", 2, true});
   return r;

@@ -48,6 +48,7 @@ check("several files, one of them missing", report(quarter, "/no/such/file.rnx",
 # The note ids that readers of JSON rely on.
 ids = [note["id"] for note in whole["notes"]]
 assert "galileo-no-channel" in ids and "phase-test" in ids, ids
+assert whole["findings"], "a station-day has something to look at first"
 galileo = next(s for s in whole["systems"] if s["letter"] == "E")
 assert galileo["completeness_ratio"] is None
 

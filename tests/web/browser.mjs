@@ -41,8 +41,9 @@ export async function open(browser, file, options = {}) {
 /** Draws every plot and returns when each has painted its last point. */
 export async function paintAll(page) {
   await page.evaluate(() => {
-    window.unpainted = new Set(window.orsolva.figures);
-    for (const figure of window.orsolva.figures) {
+    const figures = window.orsolva.figures ?? []; // the index has none
+    window.unpainted = new Set(figures);
+    for (const figure of figures) {
       figure.show();
       figure.chart.on('finished', () => window.unpainted.delete(figure));
       figure.chart.getZr().refresh(); // a plot that is painted already says so once more

@@ -84,6 +84,36 @@ describe('page', () => {
   });
 });
 
+describe('headline and findings', () => {
+  it('are those of the report, in its order', async () => {
+    const { context, page } = await open(browser, REPORT);
+    const tiles = (await page.locator('.tiles').innerText()).replaceAll('\n', ' ').replaceAll('\u202f', '');
+    const { headline, run } = json;
+    for (const [name, value] of [
+      ['Completeness', `${(100 * headline.completeness_ratio).toFixed(2)} %`],
+      ['MP1', `${headline.mp1_rms_m.toFixed(3)} m`],
+      ['MP2', `${headline.mp2_rms_m.toFixed(3)} m`],
+      ['Satellites judged', headline.satellites_judged],
+      ['Satellites observed', headline.satellites_observed],
+      ['Epochs judged', run.judged_epochs],
+      ['Epochs lost', run.lost_epochs],
+    ]) {
+      assert.ok(tiles.includes(`${name} ${value}`), `${name} ${value}: ${tiles}`);
+    }
+    const found = await page.locator('.hints li > div').allInnerTexts();
+    assert.ok(found.length > 0);
+    assert.deepEqual(found.map((text) => text.replace(/\n+/, ' ')), json.findings.map((f) => `${f.title} ${f.text}`));
+    await context.close();
+  });
+
+  it('lead to the plot or table that shows them', async () => {
+    const { context, page, problems } = await open(browser, REPORT);
+    for (const show of await page.locator('.hints button').all()) await show.click();
+    assert.deepEqual(problems, []);
+    await context.close();
+  });
+});
+
 describe('demo day', () => {
   it('names the satellites with injected slips and code jumps, and no others', async () => {
     const truth = JSON.parse(readFileSync(process.env.DEMO_TRUTH, 'utf8'));

@@ -1,4 +1,4 @@
-// Pictures of a report: screenshot.mjs REPORT.html FOLDER
+// Pictures of a report or an index: screenshot.mjs PAGE.html FOLDER
 import { mkdirSync } from 'node:fs';
 import { resolve } from 'node:path';
 import { launch, open, paintAll } from './browser.mjs';

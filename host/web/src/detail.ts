@@ -17,6 +17,9 @@ export interface RawSatellite {
   azimuth: number;
   runs: number[];
   arcs: number[];
+  gaps: number[];
+  geometry_free_slips: number;
+  code_jumps: number;
   signals: RawSignal[];
   rate_pair?: [string, string];
   rate?: number;
@@ -40,6 +43,7 @@ export interface RawDetail {
   event_kinds: string[];
   satellites: RawSatellite[];
   bins: RawBins[];
+  holes: number[];
   events: [number, number, number, number, number][];
   events_left_out: number;
 }
@@ -73,7 +77,17 @@ export interface Satellite {
   /** m/min, NaN = none */
   rate: Float32Array | null;
   /** ms */
-  arcs: { from: number; to: number }[];
+  arcs: Span[];
+  /** Interruptions while in view. */
+  gaps: Span[];
+  geometryFreeSlips: number;
+  codeJumps: number;
+}
+
+/** ms since 1970 on the GPS time scale */
+export interface Span {
+  from: number;
+  to: number;
 }
 
 export interface Event {
@@ -99,6 +113,8 @@ export interface Detail {
   cutoff: number;
   satellites: Satellite[];
   bins: Bins[];
+  /** Times without any satellite, between the first and the last epoch. */
+  holes: Span[];
   events: Event[];
   eventsLeftOut: number;
 }
@@ -159,6 +175,7 @@ export function decode(bytes: Uint8Array): Detail {
   const first = raw.first_s * 1000 + raw.first_fraction_s * 1000;
   const step = raw.interval_s * 1000;
 
+  const spansOf = (flat: number[]): Span[] => pairs(flat).map((a) => ({ from: first + a.count * step, to: first + a.sum * step }));
   const timesOf = (s: RawSatellite): Float64Array => {
     const time = new Float64Array(s.rows);
     let row = 0;
@@ -186,7 +203,10 @@ export function decode(bytes: Uint8Array): Detail {
       signals: s.signals.map((signal) => signalOf(signal, s.rows)),
       ratePair: s.rate_pair ?? null,
       rate: s.rate === undefined ? null : columns.thousandths(s.rate, s.rows),
-      arcs: pairs(s.arcs).map((a) => ({ from: first + a.count * step, to: first + a.sum * step })),
+      arcs: spansOf(s.arcs),
+      gaps: spansOf(s.gaps),
+      geometryFreeSlips: s.geometry_free_slips,
+      codeJumps: s.code_jumps,
     }),
   );
   return {
@@ -196,6 +216,7 @@ export function decode(bytes: Uint8Array): Detail {
     cutoff: raw.cutoff_deg,
     satellites,
     bins: raw.bins.map((b) => ({ letter: b.letter, signal: b.signal, snr: pairs(b.snr), mp: pairs(b.mp) })),
+    holes: spansOf(raw.holes),
     events: raw.events.map(([place, epoch, kind, elevation, bits]) => ({
       time: first + epoch * step,
       satellite: satellites[place].name,

@@ -16,7 +16,7 @@ export const EVENTS: EventStyle[] = [
   { kind: 'data_gap', name: 'Slip: data gap', help: 'the phase was missing for more than 60 s', symbol: 'rect', color: '#f08c2e', shown: true },
   { kind: 'geometry', name: 'Slip: geometry', help: 'the phase left what the orbit and the other satellites say; at 30 s also clock noise and low elevation', symbol: 'circle', color: '#8d99a6', shown: false },
   { kind: 'new_ephemeris', name: 'Slip: new ephemeris', help: 'a new broadcast record came into use; mostly the satellite clock, not the receiver', symbol: 'circle', color: '#6d7a88', shown: false },
-  { kind: 'restart_after_gap', name: 'Restart after a gap', help: 'the multipath average starts anew after more than 600 s; no fault', symbol: 'arrow', color: '#3b82d6', shown: false },
+  { kind: 'restart_after_gap', name: 'Restart after a gap', help: 'the multipath mean restarts after more than 600 s; no fault', symbol: 'arrow', color: '#3b82d6', shown: false },
 ];
 
 /** Kinds that make a satellite worth a look. */

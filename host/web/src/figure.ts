@@ -5,7 +5,7 @@ import { type Colors, colors, onTheme } from './theme';
 
 export interface Drawing {
   option: Option;
-  /** Points drawn, told to screen readers and tests. */
+  /** Points drawn, for screen readers and tests. */
   points: number;
   /** One sentence for those who cannot see the plot. */
   label: string;

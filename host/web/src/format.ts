@@ -14,6 +14,14 @@ export function whole(value: number | null | undefined): string {
   return String(Math.round(value)).replace(/\B(?=(\d{3})+$)/g, '\u202f');
 }
 
+/** A figure with its unit: ratios in percent, counts with their digits in groups. */
+export function withUnit(value: number | null, unit: string, digits: number): string {
+  if (value === null) return '-';
+  if (unit === '1') return percent(value);
+  if (unit === 'm') return `${fixed(value, 3)} m`;
+  return unit === 'h' ? `${fixed(value, 2)} h` : digits > 0 ? fixed(value, digits) : whole(value);
+}
+
 /** "2020-06-25 00:00:30" */
 export function timeText(ms: number): string {
   const text = new Date(Math.round(ms)).toISOString().replace('T', ' ').replace('Z', '');

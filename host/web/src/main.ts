@@ -7,12 +7,12 @@ import { timelineFigure } from './charts/timeline';
 import { decode, type Detail, unpack } from './detail';
 import { button, el, select } from './dom';
 import type { Figure } from './figure';
-import { baseName, fixed, percent, whole } from './format';
-import { type Hint, hintsOf } from './hints';
+import { type HeadlineFigures, HEADLINE, RUN, type RunFigures } from './figures';
+import { baseName, fixed, withUnit } from './format';
 import { dataOf, head, section, tile } from './layout';
-import type { Report } from './report';
+import type { Finding, Report } from './report';
 import { Selection } from './selection';
-import { eventTable, noticeTable, satelliteTable, signalTable, systemTable } from './tables';
+import { eventTable, notJudgedTable, noticeTable, satelliteTable, signalTable, systemTable } from './tables';
 import { forPaper, startTheme } from './theme';
 import { verdictPanel } from './verdict';
 
@@ -33,46 +33,53 @@ function header(report: Report): void {
   head('Observation quality', name, facts);
 }
 
+/** The tiles: figures of the headline and of the run, as the report has them. */
+const TILES: [string, keyof HeadlineFigures | keyof RunFigures][] = [
+  ['Completeness', 'completeness_ratio'],
+  ['MP1', 'mp1_rms_m'],
+  ['MP2', 'mp2_rms_m'],
+  ['Epochs judged', 'judged_epochs'],
+  ['Epochs lost', 'lost_epochs'],
+  ['Satellites judged', 'satellites_judged'],
+  ['Satellites observed', 'satellites_observed'],
+];
+
 function tiles(report: Report): HTMLElement {
-  let expected = 0;
-  let observed = 0;
-  let values = 0;
-  let squares = 0;
-  for (const s of report.signals) {
-    expected += s.expected_epochs ?? 0;
-    observed += s.observed_epochs ?? 0;
-    if (s.mp_rms_m !== null && s.mp_values !== null) {
-      values += s.mp_values;
-      squares += s.mp_values * s.mp_rms_m * s.mp_rms_m;
-    }
-  }
-  const run = report.run;
+  const values: Record<string, number | null> = { ...report.run, ...report.headline } as never;
+  const columns = [...HEADLINE, ...RUN];
   return el(
     'dl',
     { class: 'tiles' },
-    tile('Completeness', expected > 0 ? percent(observed / expected) : '-', 'Observed of expected epochs, all signals together'),
-    tile('Multipath RMS', values > 0 ? `${fixed(Math.sqrt(squares / values), 3)} m` : '-', 'All signals together'),
-    tile('Epochs', whole(run.judged_epochs), 'Epochs judged'),
-    tile('Lost epochs', whole(run.lost_epochs), 'Epochs of the span that are not in the file'),
-    tile('Duration', `${fixed(run.duration_h, 2)} h`, 'From the first epoch to the last'),
-    tile('Satellites', whole(report.satellites?.filter((s) => s.state === 'used').length), 'Satellites judged'),
+    ...TILES.map(([name, key]) => {
+      const column = columns.find((c) => c.key === key)!;
+      return tile(name, withUnit(values[key], column.unit, column.digits), column.title);
+    }),
   );
 }
 
-function hintList(hints: Hint[], selection: Selection): HTMLElement {
+/** The plot that shows a finding. */
+const PLOTS: Record<string, string> = {
+  'worst-multipath': 'multipath',
+  'least-complete': 'completeness',
+  'nothing-missing': 'completeness',
+  'not-judged': 'satellites-judged',
+};
+
+function findingList(findings: Finding[], detail: Detail, selection: Selection): HTMLElement {
   const list = el('ul', { class: 'hints' });
-  for (const hint of hints) {
+  for (const finding of findings) {
     const show = button(
       'Show',
       () => {
-        selection.set(hint.signal ?? '*', hint.satellite ?? '*');
-        const figure = document.getElementById(hint.figure)!;
-        figure.scrollIntoView({ block: 'start' });
-        figure.querySelector<HTMLElement>('button, select')?.focus({ preventScroll: true });
+        const drawn = finding.satellites.length === 1 && detail.satellites.some((s) => s.name === finding.satellites[0]);
+        selection.set(finding.signal ?? '*', drawn ? finding.satellites[0] : '*');
+        const place = document.getElementById(PLOTS[finding.id] ?? 'timeline')!;
+        place.scrollIntoView({ block: 'start' });
+        place.querySelector<HTMLElement>('button, select')?.focus({ preventScroll: true });
       },
-      { 'aria-label': `Show: ${hint.title}` },
+      { 'aria-label': `Show: ${finding.title}` },
     );
-    list.append(el('li', {}, el('div', {}, el('strong', {}, hint.title), el('p', {}, hint.text)), show));
+    list.append(el('li', { class: finding.severity }, el('div', {}, el('strong', {}, finding.title), el('p', {}, finding.text)), show));
   }
   return list;
 }
@@ -98,6 +105,12 @@ function selectionBar(detail: Detail, selection: Selection): HTMLElement {
   });
   reset.disabled = true;
   return el('div', { class: 'selection', role: 'group', 'aria-label': 'What the plots show' }, signal, satellite, reset);
+}
+
+/** The satellites without figures, where a finding leads. */
+function notJudged(report: Report): HTMLElement | null {
+  const table = notJudgedTable(report);
+  return table === null ? null : el('div', { id: 'satellites-judged' }, table);
 }
 
 function notes(report: Report): HTMLElement | null {
@@ -126,7 +139,7 @@ async function start(): Promise<void> {
   const report = JSON.parse(dataOf('report-data')) as Report;
   header(report);
   if (typeof DecompressionStream === 'undefined') {
-    const text = 'The points of this report are packed in a way that this browser cannot open: use one of 2023 or later.';
+    const text = 'The points of this report are compressed in a way that this browser cannot open: use one of 2023 or later.';
     document.getElementById('report')!.append(el('p', { class: 'warning' }, text));
     return;
   }
@@ -142,7 +155,7 @@ async function start(): Promise<void> {
     rateFigure(detail, selection),
   ];
   document.getElementById('report')!.append(
-    section('look-first', 'What to look at first', verdictPanel(report), tiles(report), hintList(hintsOf(report, detail), selection)),
+    section('look-first', 'What to look at first', verdictPanel(report), tiles(report), findingList(report.findings, detail, selection)),
     section(
       'plots',
       'Plots',
@@ -151,14 +164,14 @@ async function start(): Promise<void> {
       el('div', { class: 'figures' }, ...figures.map((f) => f.element)),
     ),
     section('slips', 'Slips and restarts, with their reasons', eventTable(detail)),
-    section('tables', 'Tables', systemTable(report), signalTable(report), satelliteTable(report, detail)),
+    section('tables', 'Tables', systemTable(report), signalTable(report), satelliteTable(report, detail), notJudged(report)),
     section('notes', 'Notes', notes(report), noticeTable(report)),
   );
   document.getElementById('foot')!.append(
     el('p', {}, `Orsolva ${report.library_version}. This file holds all of its data and needs no network. Times are GPS time.`),
   );
   printing(figures);
-  // The seat of the browser tests.
+  // For the browser tests.
   (window as unknown as Record<string, unknown>).orsolva = { report, detail, selection, figures, drawn: performance.now() };
 }
 

@@ -1,11 +1,12 @@
-// The index of a run over many files: a row a file, worst first, each leading to the file's own page.
+// The index of a run over many files: a row per file, worst first, each leading to the file's own page.
 import { el } from './dom';
+import type { HeadlineFigures } from './figures';
 import { baseName, fixed, percent, whole } from './format';
 import { dataOf, head, section, tile } from './layout';
 import { type Cell, type Column, count, digits, hundred, number, SortTable, text } from './table';
 import { forPaper, startTheme } from './theme';
 
-interface Row {
+interface Row extends HeadlineFigures {
   file: string;
   page: string | null;
   marker: string | null;
@@ -14,16 +15,25 @@ interface Row {
   first_epoch_gpst: string | null;
   duration_h: number | null;
   lost_epochs: number | null;
-  completeness_ratio: number | null;
-  mp1_rms_m: number | null;
-  mp2_rms_m: number | null;
-  observations_per_restart: number | null;
   notices: number | null;
+}
+
+interface Summary {
+  files: number;
+  errors: number;
+  failed: number;
+  fair: number;
+  good: number;
+  median_completeness_ratio: number | null;
+  least_completeness_ratio: number | null;
+  first_epoch_gpst: string | null;
+  duration_h: number;
 }
 
 interface Network {
   library_version: string;
   profile: string | null;
+  summary: Summary;
   rows: Row[];
 }
 
@@ -68,9 +78,10 @@ function table(network: Network): SortTable {
     number('Hours', digits(2)),
     number('Complete %', digits(2), 'Observed of expected epochs'),
     number('Lost', count, 'Epochs of the span that are not in the file'),
-    number('MP1 m', digits(3), 'Multipath RMS of the first band'),
-    number('MP2 m', digits(3), 'Multipath RMS of the second band'),
-    number('Obs per restart', digits(0)),
+    number('MP1 m', digits(3), 'Multipath RMS of the first band, all systems'),
+    number('MP2 m', digits(3), 'Multipath RMS of the second band, all systems'),
+    number('Obs/restart', digits(0), 'Complete observations per restart of the multipath mean'),
+    number('Satellites', count, 'Satellites judged'),
     number('Notices', count, 'Oddities of the files, repaired or not'),
   ];
   const cells = rows.map((r, i): Cell[] => [
@@ -84,41 +95,38 @@ function table(network: Network): SortTable {
     r.mp1_rms_m,
     r.mp2_rms_m,
     r.observations_per_restart,
+    r.satellites_judged,
     r.notices,
   ]);
   return new SortTable('Files', columns, cells, { rowHead: 1, sorted: 0, page: PAGE });
 }
 
 function tiles(network: Network): HTMLElement {
-  const { rows } = network;
-  const having = (...states: string[]) => rows.filter((r) => states.includes(r.state)).length;
-  const ratios = rows.flatMap((r) => (r.completeness_ratio === null ? [] : [r.completeness_ratio])).sort((a, b) => a - b);
-  const median = ratios.length === 0 ? null : (ratios[(ratios.length - 1) >> 1] + ratios[ratios.length >> 1]) / 2;
+  const { summary } = network;
   const graded =
     network.profile === null
       ? []
       : [
-          tile('Failed', whole(having('fail', 'no data')), 'Files whose verdict is not passed'),
-          tile('Fair', whole(having('fair')), 'Files with the verdict fair'),
-          tile('Good', whole(having('good')), 'Files with the verdict good'),
+          tile('Failed', whole(summary.failed), 'Files whose verdict is not passed'),
+          tile('Fair', whole(summary.fair), 'Files with the verdict fair'),
+          tile('Good', whole(summary.good), 'Files with the verdict good'),
         ];
   return el(
     'dl',
     { class: 'tiles' },
-    tile('Files', whole(rows.length), 'Files of the run'),
-    tile('Errors', whole(having('ERROR')), 'Files that could not be judged, or not to their end'),
+    tile('Files', whole(summary.files), 'Files of the run'),
+    tile('Errors', whole(summary.errors), 'Files that could not be judged, or not to their end'),
     ...graded,
-    tile('Median complete', percent(median), 'Median completeness of the files'),
-    tile('Least complete', percent(ratios.length === 0 ? null : ratios[0]), 'Lowest completeness of a file'),
+    tile('Median complete', percent(summary.median_completeness_ratio), 'Median completeness of the files'),
+    tile('Least complete', percent(summary.least_completeness_ratio), 'Lowest completeness of a file'),
   );
 }
 
 function facts(network: Network): [string, string][] {
-  const found = network.rows.flatMap((r) => (r.first_epoch_gpst === null ? [] : [r.first_epoch_gpst])).sort();
-  const hours = network.rows.reduce((sum, r) => sum + (r.duration_h ?? 0), 0);
+  const { summary } = network;
   return [
-    ['From', found[0]?.replace(/\.000$/, '') ?? '-'],
-    ['Data', `${fixed(hours, 1)} h of all files together`],
+    ['From', summary.first_epoch_gpst?.replace(/\.000$/, '') ?? '-'],
+    ['Data', `${fixed(summary.duration_h, 1)} h of all files together`],
     ['Profile', network.profile ?? 'none: files are ordered by completeness'],
   ];
 }
@@ -137,7 +145,7 @@ function start(): void {
     files.showAll();
   });
   addEventListener('afterprint', () => forPaper(false));
-  // The seat of the browser tests.
+  // For the browser tests.
   (window as unknown as Record<string, unknown>).orsolva = { network };
 }
 

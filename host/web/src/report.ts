@@ -1,50 +1,51 @@
 // The report as the JSON writer gives it; null stands for no data.
 
-export interface BandFigures {
+import type { BandFigures, CoverageFigures, HeadlineFigures, RunFigures, SignalFigures, SlotFigures, TotalFigures, WholeFigures } from './figures';
+
+export interface Band extends BandFigures {
   slot: number;
-  band: string | null;
-  mp_rms_m: number | null;
-  snr_mean_dbhz: number | null;
+  band: string;
 }
 
-export interface Figures {
-  expected_epochs: number | null;
-  observed_epochs: number | null;
-  completeness_ratio: number | null;
-  phase_geometry_slip_epochs: number | null;
-  mp_restart_epochs: number | null;
-  observations_per_restart: number | null;
-  bands: BandFigures[];
-}
-
-export interface SystemReport extends Figures {
+export interface SystemReport extends WholeFigures {
   letter: string;
   name: string;
   optimal_combination: string[];
   signals: string[];
+  bands: Band[];
 }
 
-export interface SignalReport {
+export interface SignalReport extends SignalFigures {
   letter: string;
   name: string;
   signal: string;
   band: string | null;
-  expected_epochs: number | null;
-  observed_epochs: number | null;
-  completeness_ratio: number | null;
-  mp_rms_m: number | null;
-  mp_values: number | null;
-  mp_restart_epochs: number | null;
-  phase_geometry_slip_epochs: number | null;
-  observations_per_restart: number | null;
-  snr_mean_dbhz: number | null;
-  snr_mean_below_30deg_dbhz: number | null;
-  snr_mean_above_30deg_dbhz: number | null;
 }
 
-export interface SatelliteReport extends Figures {
+export interface SatelliteReport extends WholeFigures {
   satellite: string;
   state: string;
+  bands: Band[];
+}
+
+export interface LibraryTotal extends TotalFigures {
+  slots: (SlotFigures & { slot: number })[];
+}
+
+export interface Coverage extends CoverageFigures {
+  satellite: string;
+  state: string;
+}
+
+/** Something to look at first. */
+export interface Finding {
+  id: string;
+  severity: 'warning' | 'info' | 'good';
+  title: string;
+  text: string;
+  figures: Record<string, number>;
+  satellites: string[];
+  signal: string | null;
 }
 
 export interface Notice {
@@ -55,7 +56,7 @@ export interface Notice {
   recovered: boolean;
 }
 
-export interface Run {
+export interface Run extends RunFigures {
   observation_file: string;
   navigation_files: string[];
   marker: string | null;
@@ -64,16 +65,10 @@ export interface Run {
   rinex_version: number | null;
   first_epoch_gpst: string | null;
   last_epoch_gpst: string | null;
-  duration_h: number | null;
-  interval_s: number | null;
   interval_source: string;
-  epochs: number;
-  judged_epochs: number;
-  lost_epochs: number;
   position_ecef_m: (number | null)[];
   position_source: string;
-  distance_from_header_position_m: number | null;
-  elevation_cutoff_deg: number | null;
+  navigation_coverage: Coverage[];
 }
 
 /** How a criterion of a profile came out for one figure. */
@@ -99,9 +94,11 @@ export interface Verdict {
 export interface Report {
   library_version: string;
   verdict?: Verdict | null;
+  findings: Finding[];
+  headline: HeadlineFigures;
   run: Run;
   systems: SystemReport[];
-  library_total: Figures;
+  library_total: LibraryTotal;
   signals: SignalReport[];
   satellites?: SatelliteReport[];
   notes: { text: string }[];

@@ -2,102 +2,75 @@
 import type { Detail } from './detail';
 import { el, select } from './dom';
 import { eventName, EVENTS, HARD } from './events';
+import { type FigureColumn, SIGNAL, WHOLE } from './figures';
 import { baseName, timeText } from './format';
 import type { Report } from './report';
-import { type Cell, count, digits, hundred, number, SortTable, text } from './table';
+import { type Cell, type Column, count, digits, hundred, number, SortTable, text } from './table';
+
+/** The columns of the figures that have one, and how to read their cells. */
+function figureColumns(figures: FigureColumn[]): { columns: Column[]; cells: (owner: object) => Cell[] } {
+  const shown = figures.filter((f) => f.column !== '');
+  return {
+    columns: shown.map((f) => number(f.column, f.unit === '1' || f.digits > 0 ? digits(f.unit === '1' ? 2 : f.digits) : count, f.title)),
+    cells: (owner) =>
+      shown.map((f) => {
+        const value = (owner as Record<string, number | null>)[f.key];
+        return f.unit === '1' ? hundred(value) : value;
+      }),
+  };
+}
 
 export function systemTable(report: Report): HTMLElement {
-  const columns = [
-    text('System'),
-    text('Combination', 'Optimal combination of signals'),
-    number('Expected', count, 'Epochs expected above the cut-off'),
-    number('Observed', count),
-    number('Complete %', digits(2)),
-    number('PG slips', count, 'Epochs with a slip by the phase-minus-geometry test'),
-    number('Restarts', count, 'Epochs in which the multipath mean restarted'),
-    number('Obs per restart', digits(0)),
-  ];
-  const rows = report.systems.map((s): Cell[] => [
-    s.name,
-    s.optimal_combination.join(' '),
-    s.expected_epochs,
-    s.observed_epochs,
-    hundred(s.completeness_ratio),
-    s.phase_geometry_slip_epochs,
-    s.mp_restart_epochs,
-    s.observations_per_restart,
-  ]);
+  const figures = figureColumns(WHOLE);
+  const columns = [text('System'), text('Combination', 'Optimal combination of signals'), ...figures.columns];
+  const rows = report.systems.map((s): Cell[] => [s.name, s.optimal_combination.join(' '), ...figures.cells(s)]);
   return new SortTable('Systems', columns, rows).element;
 }
 
 export function signalTable(report: Report): HTMLElement {
-  const columns = [
-    text('Signal'),
-    text('Band'),
-    number('Expected', count),
-    number('Observed', count),
-    number('Complete %', digits(2)),
-    number('MP m', digits(3), 'RMS of the multipath residual'),
-    number('Restarts', count),
-    number('PG slips', count, 'Slips by the phase-minus-geometry test, new ephemerides included'),
-    number('Obs per restart', digits(0)),
-    number('SNR', digits(1), 'Mean SNR above the cut-off, dB-Hz'),
-    number('\u2264 30\u00b0', digits(1), 'Mean SNR not above 30 degrees, dB-Hz'),
-    number('> 30\u00b0', digits(1), 'Mean SNR above 30 degrees, dB-Hz'),
-  ];
-  const rows = report.signals.map((s): Cell[] => [
-    `${s.letter} ${s.signal}`,
-    s.band,
-    s.expected_epochs,
-    s.observed_epochs,
-    hundred(s.completeness_ratio),
-    s.mp_rms_m,
-    s.mp_restart_epochs,
-    s.phase_geometry_slip_epochs,
-    s.observations_per_restart,
-    s.snr_mean_dbhz,
-    s.snr_mean_below_30deg_dbhz,
-    s.snr_mean_above_30deg_dbhz,
-  ]);
+  const figures = figureColumns(SIGNAL);
+  const columns = [text('Signal'), text('Band'), ...figures.columns];
+  const rows = report.signals.map((s): Cell[] => [`${s.letter} ${s.signal}`, s.band, ...figures.cells(s)]);
   return new SortTable('Signals', columns, rows).element;
 }
 
-function hardEvents(detail: Detail): Map<string, number> {
-  const counts = new Map<string, number>();
-  for (const e of detail.events) {
-    if (HARD.has(e.kind)) counts.set(e.satellite, (counts.get(e.satellite) ?? 0) + 1);
-  }
-  return counts;
-}
-
 export function satelliteTable(report: Report, detail: Detail): HTMLElement {
-  const hard = hardEvents(detail);
+  const figures = figureColumns(WHOLE);
+  const happened = new Map(detail.satellites.map((s) => [s.name, s]));
   const columns = [
     text('Satellite'),
     text('State'),
-    number('Expected', count),
-    number('Observed', count),
-    number('Complete %', digits(2)),
-    number('PG slips', count, 'Epochs with a slip by the phase-minus-geometry test, new ephemerides included'),
-    number('Restarts', count),
-    number('GF slips and code jumps', count, 'Slips of the geometry-free phase and code jumps, without new ephemerides'),
-    number('Worst MP m', digits(3), 'The largest multipath RMS of its bands'),
+    ...figures.columns,
+    number('GF slips', count, 'Slips of the geometry-free phase, those of the whole receiver apart'),
+    number('Code jumps', count, 'Epochs at which the multipath left its mean, those of the whole receiver apart'),
   ];
-  const rows = (report.satellites ?? []).map((s): Cell[] => {
-    const mp = s.bands.map((b) => b.mp_rms_m).filter((v): v is number => v !== null);
-    return [
-      s.satellite,
-      s.state,
-      s.expected_epochs,
-      s.observed_epochs,
-      hundred(s.completeness_ratio),
-      s.phase_geometry_slip_epochs,
-      s.mp_restart_epochs,
-      hard.get(s.satellite) ?? 0,
-      mp.length > 0 ? Math.max(...mp) : null,
-    ];
-  });
+  const rows = (report.satellites ?? []).map((s): Cell[] => [
+    s.satellite,
+    s.state,
+    ...figures.cells(s),
+    happened.get(s.satellite)?.geometryFreeSlips ?? null,
+    happened.get(s.satellite)?.codeJumps ?? null,
+  ]);
   return new SortTable('Satellites', columns, rows).element;
+}
+
+const STATES: Record<string, string> = {
+  judged: 'judged',
+  excluded: 'excluded on request',
+  unhealthy: 'unhealthy',
+  no_record: 'no broadcast record',
+  no_position: 'no record of its time, or no known kind of orbit',
+  below_cutoff: 'never above the cut-off',
+};
+
+/** The satellites observed that have no figures, with the reason. */
+export function notJudgedTable(report: Report): HTMLElement | null {
+  const rows = report.run.navigation_coverage
+    .filter((c) => c.state !== 'judged')
+    .map((c): Cell[] => [c.satellite, STATES[c.state], c.epochs_seen, c.navigation_records, hundred(c.navigation_covered_ratio)]);
+  if (rows.length === 0) return null;
+  const columns = [text('Satellite'), text('Why'), number('Epochs seen', count), number('Records', count), number('Covered %', digits(1), 'Part of its epochs with a usable broadcast record')];
+  return new SortTable('Satellites observed and not judged', columns, rows).element;
 }
 
 export function eventTable(detail: Detail): HTMLElement {
@@ -131,7 +104,7 @@ export function eventTable(detail: Detail): HTMLElement {
 
 export function noticeTable(report: Report): HTMLElement | null {
   if (report.notices.length === 0) return null;
-  const columns = [text('File'), number('Line', count), text('What was met'), number('Times', count), text('Repaired')];
+  const columns = [text('File'), number('Line', count), text('What was found'), number('Times', count), text('Repaired')];
   const rows = report.notices.map((n): Cell[] => [baseName(n.file), n.line, n.text, n.count, n.recovered ? 'yes' : 'no']);
   return new SortTable('Notices of the readers', columns, rows).element;
 }

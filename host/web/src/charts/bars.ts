@@ -86,14 +86,13 @@ function satelliteCompleteness(report: Report): Bar[] {
 
 function satelliteMultipath(report: Report): Bar[] {
   return (report.satellites ?? []).flatMap((s): Bar[] => {
+    if (s.mp_worst_rms_m === null) return [];
     const bands = s.bands.filter((b) => b.mp_rms_m !== null);
-    if (bands.length === 0) return [];
-    const worst = bands.reduce((a, b) => (b.mp_rms_m! > a.mp_rms_m! ? b : a));
     return [
       {
         name: s.satellite,
         letter: s.satellite[0],
-        value: worst.mp_rms_m!,
+        value: s.mp_worst_rms_m,
         lines: bands.map((b) => [`Multipath RMS ${b.band ?? b.slot}`, `${fixed(b.mp_rms_m, 3)} m`]),
       },
     ];

@@ -108,7 +108,7 @@ function figureOf(detail: Detail, selection: Selection, kind: Kind): Figure {
     title: kind === 'snr' ? 'SNR against elevation' : 'Multipath residual against elevation',
     help:
       kind === 'snr'
-        ? 'One point an epoch; the line is the mean by 5\u00b0. A healthy antenna gives a smooth rise; a fringe or a step points to an obstacle, a cable or interference.'
+        ? 'One point per epoch; the line is the mean by 5\u00b0. A healthy antenna gives a smooth rise; a fringe or a step points to an obstacle, a cable or interference.'
         : 'Values above the cut-off: those that enter the RMS. The line is the RMS by 5\u00b0; what stays large at high elevation is no reflection from the ground.',
     height: (width) => (width < 500 ? 340 : 520),
     draw: (c) => draw(detail, selection, kind, c),

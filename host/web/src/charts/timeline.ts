@@ -1,6 +1,5 @@
 // When each satellite was tracked, with gaps while in view, slips and restarts.
-import { gapsInView, holes, type Span } from '../common';
-import type { Detail, Event, Satellite } from '../detail';
+import type { Detail, Event, Satellite, Span } from '../detail';
 import { select, tip } from '../dom';
 import { EVENTS } from '../events';
 import { axisStyle, type Drawing, Figure, insideZoom } from '../figure';
@@ -21,10 +20,9 @@ const ROW = 13;
 const MOST_ON_PAPER = 850;
 function barsOf(detail: Detail, satellites: Satellite[]): Bar[] {
   const step = detail.interval * 1000;
-  const common = holes(detail);
   return satellites.flatMap((satellite, row) => [
     ...satellite.arcs.map(({ from, to }) => ({ satellite, row, from, to: to + step, gap: false })),
-    ...gapsInView(detail, satellite, common).map(({ from, to }) => ({ satellite, row, from, to, gap: true })),
+    ...satellite.gaps.map(({ from, to }) => ({ satellite, row, from, to, gap: true })),
   ]);
 }
 
@@ -67,7 +65,7 @@ function renderHole(breaks: Span[], c: Colors) {
 
 function draw(detail: Detail, satellites: Satellite[], c: Colors, width: number): Drawing {
   const bars = barsOf(detail, satellites);
-  const breaks = holes(detail);
+  const breaks = detail.holes;
   const rows = new Map(satellites.map((s, row) => [s.name, row]));
   const kinds = EVENTS.map((style) => ({
     style,

@@ -1,0 +1,15 @@
+#include "host/report/figure_tables.h"
+
+#include "host/report/headline.h"
+#include "host/report/library_figures.h"
+#include "host/report/run_figures.h"
+
+namespace orsolva_host {
+
+const FigureTables& AllFigures() {
+  static const FigureTables tables{RunRows(),   HeadlineRows(), WholeRows(),  BandRows(),
+                                   TotalRows(), SlotRows(),     SignalRows(), CoverageRows()};
+  return tables;
+}
+
+}  // namespace orsolva_host

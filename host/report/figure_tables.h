@@ -1,0 +1,44 @@
+// The rows of every figure, by what the figure belongs to.
+#ifndef ORSOLVA_REPORT_FIGURE_TABLES_H
+#define ORSOLVA_REPORT_FIGURE_TABLES_H
+
+#include <vector>
+
+#include "host/report/figure_rows.h"
+
+namespace orsolva_host {
+
+/// Every figure of a report, by what it belongs to.
+struct FigureTables {
+  std::vector<FigureRow<ReportRun>> run;
+  std::vector<FigureRow<Headline>> headline;
+  std::vector<FigureRow<Figures>> whole;     ///< of a system or a satellite
+  std::vector<FigureRow<BandFigures>> band;  ///< of a band of a system or a satellite
+  std::vector<FigureRow<Figures>> total;     ///< of the library total
+  std::vector<FigureRow<BandFigures>> slot;  ///< of a band slot of the library total
+  std::vector<FigureRow<SignalReport>> signal;
+  std::vector<FigureRow<NavigationCoverage>> coverage;  ///< of an observed satellite
+};
+
+/// The rows of the program.
+const FigureTables& AllFigures();
+
+/// Calls visit(row) for every row of every scope.
+template <typename Visit>
+void ForEachRow(const FigureTables& tables, Visit&& visit) {
+  const auto all = [&visit](const auto& rows) {
+    for (const auto& row : rows) visit(row);
+  };
+  all(tables.run);
+  all(tables.headline);
+  all(tables.whole);
+  all(tables.band);
+  all(tables.total);
+  all(tables.slot);
+  all(tables.signal);
+  all(tables.coverage);
+}
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_REPORT_FIGURE_TABLES_H

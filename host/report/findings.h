@@ -1,0 +1,36 @@
+// What to look at first in a report: computed once, in order of harm, and only rendered by the writers.
+//
+// clang-format off
+// id                   severity  said when
+// damaged              warning   reading ended before the end of the file
+// not-judged           warning   a satellite was observed, and is unhealthy or has no broadcast record or no position
+// position-far         warning   the position lies farther than far_from_header_m from the header's
+// lost-epochs          warning   epochs of the span are not in the file
+// receiver-slips       warning   at an epoch, least_common satellites or more, and more than common_share of those
+//                                tracked, slipped or jumped
+// gaps-in-view         warning   a satellite was interrupted for at most longest_gap_s, above the cut-off on both
+//                                sides, while others were tracked
+// satellite-slips      warning   a satellite has a slip of the geometry-free phase of its own
+// code-jumps           warning   the multipath of a satellite left its mean
+// worst-multipath      info      always: the signal with the largest multipath RMS
+// least-complete       info      always: the signal with the lowest completeness
+// no-slips             good      no slip of the geometry-free phase and no code jump
+// nothing-missing      good      every signal was observed whenever it was expected
+// clang-format on
+#ifndef ORSOLVA_REPORT_FINDINGS_H
+#define ORSOLVA_REPORT_FINDINGS_H
+
+#include <vector>
+
+#include "host/report/report.h"
+
+namespace orsolva_host {
+
+struct RunEvents;
+
+/// @param report  with its headline; @param events  null when they were not collected
+std::vector<Finding> FindingsOf(const Report& report, const RunEvents* events);
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_REPORT_FINDINGS_H

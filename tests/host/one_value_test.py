@@ -1,0 +1,245 @@
+#!/usr/bin/env python3
+"""One file, one figure, one value: every figure of every output agrees, for every observation file of the data.
+
+usage: one_value_test.py PROGRAM DATA_FOLDER
+
+Judges all files in one run with every format, then holds CSV, lines for grep, text, page, network table and
+index against the JSON of the same file. Exits 77 (skipped) without the data, unless ORSOLVA_NO_SKIPS is set.
+"""
+import csv
+import io
+import json
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+
+program, data = sys.argv[1], pathlib.Path(sys.argv[2])
+OBSERVATIONS = re.compile(r"(_[MGRECJ]O\.(crx|rnx)|\.\d\d[oOdD])(\.gz)?$")
+files = sorted(p for p in data.glob("*") if OBSERVATIONS.search(p.name)) if data.is_dir() else []
+if not files:
+    print("no observation files in", data)
+    sys.exit(1 if os.environ.get("ORSOLVA_NO_SKIPS") else 77)
+
+checks = 0
+
+
+def same(name, found, expected, decimals=None):
+    """Exactly the same, or within half a unit of the last decimal written."""
+    global checks
+    checks += 1
+    if expected is None:
+        assert found in (None, "", "-"), (name, found, expected)
+        return
+    assert found not in (None, "", "-"), (name, found, expected)
+    if decimals is None:
+        assert float(found) == float(expected), (name, found, expected)
+    else:
+        assert len(found.partition(".")[2]) == decimals, (name, found, decimals)
+        assert abs(float(found) - float(expected)) <= 0.5000001 * 10.0 ** -decimals, (name, found, expected)
+
+
+def as_shown(key, value):
+    return 100 * value if value is not None and key.endswith("_ratio") else value
+
+
+def written(name, key, found, value):
+    """A field of a text: rounded, ratios in percent."""
+    decimals = len(found.partition(".")[2]) if found not in ("", "-") else None
+    same(name, found, as_shown(key, value), decimals)
+
+
+def numbers(owner, skip=()):
+    return {k: v for k, v in owner.items()
+            if k not in skip and (v is None or isinstance(v, (int, float))) and not isinstance(v, bool)}
+
+
+NAMES = ("rinex_version", "marker", "receiver", "antenna", "first_epoch_gpst", "last_epoch_gpst", "slot", "band",
+         "first_reference", "last_reference")
+
+
+def figures_of(report):
+    """Every figure of the JSON by the first three fields of its CSV row."""
+    out = {}
+
+    def add(subject, signal, owner):
+        for key, value in numbers(owner, NAMES).items():
+            assert (subject, signal, key) not in out, (subject, signal, key, "twice in one report")
+            out[subject, signal, key] = value
+
+    add("", "", report["run"])
+    add("", "", report["headline"])
+    add("all", "", report["library_total"])
+    for slot in report["library_total"]["slots"]:
+        add("all", f"slot{slot['slot']}", slot)
+    for system in report["systems"]:
+        add(system["letter"], "", system)
+        for band in system["bands"]:
+            add(system["letter"], band["band"], band)
+    for signal in report["signals"]:
+        add(signal["letter"], signal["signal"], signal)
+    for satellite in report["satellites"]:
+        add(satellite["satellite"], "", satellite)
+        for band in satellite["bands"]:
+            add(satellite["satellite"], band["band"], band)
+    for row in report["run"]["navigation_coverage"]:
+        add(row["satellite"], "", row)
+    return out
+
+
+def check_csv(name, text, figures):
+    rows = list(csv.DictReader(io.StringIO(text)))
+    found = {(r["satellite"], r["signal"], r["figure"]): r["value"] for r in rows}
+    assert len(found) == len(rows), (name, "a figure stands twice in the CSV")
+    assert set(found) == set(figures), (name, set(found) ^ set(figures))
+    for key, value in figures.items():
+        same((name, key), found[key], value)
+
+
+WHOLE = ["expected_epochs", "observed_epochs", "completeness_ratio", "phase_geometry_slip_epochs",
+         "mp_restart_epochs", "observations_per_restart"]
+SIGNAL = ["expected_epochs", "observed_epochs", "completeness_ratio", "mp_rms_m", "mp_restart_epochs",
+          "phase_geometry_slip_epochs", "observations_per_restart", "snr_mean_dbhz", "snr_mean_below_30deg_dbhz",
+          "snr_mean_above_30deg_dbhz"]
+BAND = ["mp_rms_m", "snr_mean_dbhz", "snr_mean_below_30deg_dbhz", "snr_mean_above_30deg_dbhz"]
+KEYS = {"G": "=GPS", "R": "=GLO", "C": "=BDS", "E": "=GAL", "J": "=QZS"}
+
+
+def check_sum(name, text, report):
+    lines = {line.split(" ")[0]: line.split(" ") for line in text.splitlines()}
+    head, run = report["headline"], report["run"]
+    for field, key in zip(lines["SUM"][5:11], ["expected_epochs", "observed_epochs", "completeness_ratio",
+                                               "mp1_rms_m", "mp2_rms_m", "observations_per_restart"]):
+        written((name, "SUM", key), key, field, head[key])
+    assert len(lines["=HEADLINE"]) == len(head) + 2, lines["=HEADLINE"]
+    for field, (key, value) in zip(lines["=HEADLINE"][1:], head.items()):
+        written((name, "=HEADLINE", key), key, field, value)
+    for field, key in zip(lines["=RUN"][1:4], ["epochs", "judged_epochs", "lost_epochs"]):
+        same((name, "=RUN", key), field, run[key])
+
+    def whole(fields, owner, bands, prefix):
+        for field, key in zip(fields[2:8], WHOLE):
+            written((name, fields[0], key), key, field, owner[prefix + key])
+        for slot in range(1, 7):
+            band = next((b for b in bands if b["slot"] == slot), {})
+            for field, key in zip(fields[6 + 2 * slot:8 + 2 * slot], BAND):
+                written((name, fields[0], slot, key), key, field, band.get(prefix + key))
+
+    whole(lines["=ALL"], report["library_total"], report["library_total"]["slots"], "total_")
+    for system in report["systems"]:
+        whole(lines[KEYS[system["letter"]]], system, system["bands"], "")
+    for signal in report["signals"]:
+        fields = lines[KEYS[signal["letter"]] + signal["signal"]]
+        for field, key in zip(fields[2:12], SIGNAL):
+            written((name, fields[0], key), key, field, signal[key])
+
+
+def part(text, heading):
+    """The lines of a part of the text report."""
+    lines = text.splitlines()
+    start = next((i for i, line in enumerate(lines) if line.startswith(heading)), None)
+    if start is None:
+        return []
+    end = next((i for i in range(start, len(lines)) if lines[i] == ""), len(lines))
+    return lines[start + 1:end]
+
+
+def check_text(name, text, report):
+    head, run = report["headline"], report["run"]
+    said = " ".join(" ".join(part(text, "HEADLINE")).split())
+    for pattern, key in [(r"Completeness (\S+) %", "completeness_ratio"),
+                         (r"(\S+) epochs expected", "expected_epochs"), (r"expected, (\S+) observed", "observed_epochs"),
+                         (r"(\S+) m MP1", "mp1_rms_m"), (r"(\S+) m MP2", "mp2_rms_m"),
+                         (r"(\S+) observations per restart", "observations_per_restart"),
+                         (r"(\S+) observed, \S+ judged", "satellites_observed"), (r"(\S+) judged", "satellites_judged"),
+                         (r"(\S+) excluded", "satellites_excluded"), (r"(\S+) unhealthy", "satellites_unhealthy"),
+                         (r"(\S+) without record", "satellites_without_record"),
+                         (r"(\S+) without position", "satellites_without_position"),
+                         (r"(\S+) below the cut-off", "satellites_below_cutoff"),
+                         (r"(\S+) geometry-free slips", "geometry_free_slips"), (r"(\S+) code jumps", "code_jumps"),
+                         (r"(\S+) slips of the receiver", "receiver_slip_epochs"),
+                         (r"(\S+) gaps in view", "gaps_in_view")]:
+        found = re.search(pattern, said)
+        assert found, (name, pattern, said)
+        written((name, "text", key), key, found.group(1), head[key])
+    assert f"{run['epochs']} read, {run['judged_epochs']} judged, {run['lost_epochs']} lost" in text, name
+    rows = part(text, "SYSTEMS")[1:]
+    assert len(rows) == len(report["systems"]), (name, rows)
+    for row, system in zip(rows, report["systems"]):
+        for field, key in zip(row.split()[-6:], WHOLE):
+            written((name, "text", system["letter"], key), key, field, system[key])
+    bands = [(s["letter"], b) for s in report["systems"] for b in s["bands"]]
+    for row, (letter, band) in zip(part(text, "BANDS")[1:], bands):
+        for field, key in zip(row.split()[-5:], BAND + ["iono_rms_cycles"]):
+            written((name, "text", letter, band["band"], key), key, field, band[key])
+    rows = part(text, "SIGNALS")[1:]
+    for row, signal in zip(rows, report["signals"]):
+        assert row.startswith(f"{signal['letter']} {signal['signal']} "), (name, row)
+        for field, key in zip(row.split()[-10:], SIGNAL):
+            written((name, "text", signal["letter"], signal["signal"], key), key, field, signal[key])
+    # The findings lead, each with its title.
+    found = " ".join(" ".join(part(text, "WHAT TO LOOK AT FIRST")).split())
+    at = -1
+    for finding in report["findings"]:
+        at = found.find(" ".join(f"{finding['title']}. {finding['text']}".split()), at + 1)
+        assert at >= 0, (name, finding["title"], found)
+
+
+def script(page, identity):
+    text = page.split(f'id="{identity}">', 1)[1].split("</script>", 1)[0]
+    return json.loads(text)
+
+
+def check_findings(name, report, figures):
+    """A figure of a finding is that of the headline, of the run or of the signal concerned."""
+    for finding in report["findings"]:
+        letter, _, signal = (finding["signal"] or "").partition(" ")
+        for key, value in finding["figures"].items():
+            same((name, finding["id"], key), value, figures[letter, signal, key])
+
+
+with tempfile.TemporaryDirectory() as folder:
+    out = pathlib.Path(folder) / "out"
+    run = subprocess.run([program, "qc", "--no-config", "--quiet", "--sats", "--output", str(out), "--formats",
+                          "text,json,csv,sum,html", *map(str, files)], stderr=subprocess.PIPE, check=False)
+    network = list(csv.DictReader(io.StringIO((out / "network.csv").read_text(encoding="utf-8"))))
+    table = (out / "network.txt").read_text(encoding="utf-8")
+    index = script((out / "index.html").read_text(encoding="utf-8"), "network-data")
+    assert len(network) == len(files) and len(index["rows"]) == len(files)
+    judged = 0
+    for row, line in zip(network, index["rows"]):
+        assert row["file"] == line["file"] and row["state"] == line["state"]
+        if row["state"] == "ERROR" and not row["epochs"]:
+            for key, value in line.items():
+                assert value is None or key in ("file", "state", "error"), (row["file"], key, value)
+            continue
+        judged += 1
+        name = pathlib.Path(row["file"]).name
+        path = next(p for p in out.glob("*.json") if json.loads(p.read_text("utf-8"))["run"]["observation_file"] ==
+                    row["file"])
+        report = json.loads(path.read_text(encoding="utf-8"))
+        figures = figures_of(report)
+        beside = lambda ending: path.with_suffix(ending).read_text(encoding="utf-8")  # noqa: E731
+        check_csv(name, beside(".csv"), figures)
+        check_sum(name, beside(".sum"), report)
+        check_text(name, beside(".txt"), report)
+        check_findings(name, report, figures)
+        assert script(beside(".html"), "report-data") == report, name
+        for key, value in report["headline"].items():
+            same((name, "network.csv", key), row[key], value)
+            same((name, "index", key), line[key], value)
+        for key in ("duration_h", "lost_epochs"):
+            same((name, "network.csv", key), row[key], report["run"][key])
+            same((name, "index", key), line[key], report["run"][key])
+        text_row = next(t for t in table.splitlines() if t.startswith(name[:12]))
+        for field, key in zip(text_row.split()[-5:], ["completeness_ratio", "lost_epochs", "mp1_rms_m", "mp2_rms_m",
+                                                      "observations_per_restart"]):
+            written((name, "network.txt", key), key, field, figures["", "", key])
+    ratios = sorted(float(r["completeness_ratio"]) for r in network if r["completeness_ratio"])
+    same("index least", index["summary"]["least_completeness_ratio"], ratios[0])
+    same("index median", index["summary"]["median_completeness_ratio"],
+         (ratios[(len(ratios) - 1) // 2] + ratios[len(ratios) // 2]) / 2)
+assert judged >= 3, (judged, run.stderr.decode())
+print(f"1 passed, 0 failed ({judged} of {len(files)} files judged, {checks} values held)")

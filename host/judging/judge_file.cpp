@@ -21,6 +21,7 @@
 #include "host/rinex/civil_time.h"
 #include "host/rinex/satellite_names.h"
 #include "orsolva/detail.h"
+#include "orsolva/run_facts.h"
 #include "orsolva/session.hpp"
 
 namespace orsolva_host {
@@ -211,7 +212,7 @@ Report Run::Finish() {
   const orsolva::Outcome<total_code_qc_result> codes = session_.CodeResult();
   if (!codes) throw RunError("there is not enough memory for a result.");
   sinks_.Finish(*codes);
-  Report report = BuildReport(Facts(), *result, *codes);
+  Report report = BuildReport(Facts(), *result, *codes, orsolva::FactsOf(session_.Handle()));
   if (const auto& header = source_.Header().position) {
     const auto& xyz = report.run.position_m;
     report.run.distance_from_header_m =

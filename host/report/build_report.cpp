@@ -17,14 +17,17 @@
 namespace orsolva_host {
 namespace {
 
-constexpr double kSameSnr_dbhz = 0.005;
-
 int EntriesIn(const code_qc_block& block) { return std::clamp(block.count, 0, ORSOLVA_MAX_CODES); }
 
-std::string Joined(const std::vector<std::string>& names) {
-  std::string text;
-  for (const std::string& name : names) text += (text.empty() ? "" : "|") + name;
-  return text;
+/// The codes that a run chose for a system: of each band the one that its figures are of.
+std::vector<std::string> CombinationOf(const SystemRow& system, const orsolva::ChosenCombination& chosen) {
+  std::vector<std::string> combination;
+  for (int slot = 0; slot < ORSOLVA_BAND_SLOTS; ++slot) {
+    // Bands without completeness and SNR have a code for multipath only.
+    const int code = chosen.codes[slot] != 0 ? chosen.codes[slot] : chosen.mp_codes[slot];
+    if (code != 0) combination.emplace_back(SignalName(system.code, code));
+  }
+  return combination;
 }
 
 const char* StateOf(std::uint32_t used) {
@@ -32,14 +35,15 @@ const char* StateOf(std::uint32_t used) {
   return static_cast<std::int32_t>(used) > 0 ? "judged" : "unhealthy";
 }
 
-void AddSystem(int slot, const result_qct& result, const total_code_qc_result& codes, Report& report) {
+void AddSystem(int slot, const result_qct& result, const total_code_qc_result& codes,
+               const orsolva::RunFacts& facts, Report& report) {
   const SystemRow& row = kSystemTable[slot];
   const code_qc_block& block = codes.sys[slot];
   SystemReport system;
   system.letter = row.letter;
   system.name = row.name;
   system.figures = FiguresOf(result.sys[slot], row.code);
-  system.combination = CombinationOf(result.sys[slot], block);
+  system.combination = CombinationOf(row, facts.systems[slot].combination);
   for (int i = 0; i < EntriesIn(block); ++i) {
     const code_qc_entry& entry = block.entries[i];
     if (!HasData(entry)) continue;
@@ -57,20 +61,38 @@ void AddSatellites(int slot, const result_qct& result, Report& report) {
     SatelliteReport satellite;
     satellite.figures = FiguresOf(result.sat[slot][i], row.code);
     satellite.name = SatelliteName(row.letter, i + 1);
-    const std::uint32_t used = result.sat_used[used_slot][i];
-    satellite.state = StateOf(used);
-    if (static_cast<std::int32_t>(used) <= 0) report.unusable.push_back({satellite.name, StateOf(used)});
+    satellite.state = StateOf(result.sat_used[used_slot][i]);
     if (!satellite.figures.expected) continue;
     report.satellites.push_back(std::move(satellite));
   }
 }
 
-/// The epochs an interval allows in the span, without the lost ones: the library's count of those it took.
-Count JudgedEpochs(const result_qct& result, double interval_s) {
-  const double span_s = std::round(Difference(result.end_time, result.start_time) * 1000) / 1000;
-  const double judged = std::floor(span_s / interval_s + 1.0) - result.lost_epochs;
-  constexpr double kMost = 1e15;
-  return judged >= 0 && judged < kMost ? static_cast<Count>(judged) : 0;
+const char* StateOf(orsolva::SatelliteUse use) {
+  switch (use) {
+    case orsolva::SatelliteUse::kUsed:
+      return "judged";
+    case orsolva::SatelliteUse::kExcluded:
+    case orsolva::SatelliteUse::kSystemDisabled:
+      return "excluded";
+    case orsolva::SatelliteUse::kUnhealthy:
+      return "unhealthy";
+    case orsolva::SatelliteUse::kNoRecord:
+      return "no_record";
+    case orsolva::SatelliteUse::kBelowCutoff:
+      return "below_cutoff";
+    case orsolva::SatelliteUse::kNotObserved:
+    case orsolva::SatelliteUse::kNoElevation:
+      break;
+  }
+  return "no_position";
+}
+
+void AddStates(const orsolva::RunFacts& facts, Report& report) {
+  for (const orsolva::SatelliteFacts& satellite : facts.satellites) {
+    const int slot = SystemSlotOfCode(satellite.sys);
+    if (slot >= 0)
+      report.states[SatelliteName(kSystemTable[slot].letter, satellite.prn)] = StateOf(satellite.use);
+  }
 }
 
 /// Galileo combinations with a code that has no completeness channel are counted as observed nowhere: no
@@ -92,29 +114,8 @@ void DropUncountedObservations(Report& report) {
 
 }  // namespace
 
-std::vector<std::string> CombinationOf(const qc_core_summary& summary, const code_qc_block& codes) {
-  std::vector<std::string> combination;
-  for (int slot = 1; slot <= ORSOLVA_BAND_SLOTS; ++slot) {
-    if (summary.snr[slot - 1] == 0 && summary.mp[slot - 1] == 0) continue;
-    std::vector<std::string> all;
-    std::vector<std::string> same;
-    for (int i = 0; i < EntriesIn(codes); ++i) {
-      const code_qc_entry& entry = codes.entries[i];
-      if (SignalBandSlot(codes.system, entry.code) != slot || !HasData(entry)) continue;
-      all.emplace_back(SignalName(codes.system, entry.code));
-      if (std::fabs(entry.snr - summary.snr[slot - 1]) < kSameSnr_dbhz) same.push_back(all.back());
-    }
-    if (!all.empty()) combination.push_back(same.size() == 1 ? same[0] : Joined(all));
-  }
-  return combination;
-}
-
-int AveragingWindow(double interval_s) {
-  if (interval_s <= 5.0) return 50;
-  return interval_s <= 30.0 ? static_cast<int>(300.0 / interval_s) : 10;
-}
-
-Report BuildReport(ReportRun run, const result_qct& result, const total_code_qc_result& codes) {
+Report BuildReport(ReportRun run, const result_qct& result, const total_code_qc_result& codes,
+                   const orsolva::RunFacts& facts) {
   Report report;
   report.run = std::move(run);
   const bool any = result.start_time.time != 0 || result.end_time.time != 0;
@@ -122,13 +123,14 @@ Report BuildReport(ReportRun run, const result_qct& result, const total_code_qc_
   if (any) report.run.last_epoch = result.end_time;
   report.run.duration_h = std::isfinite(result.duration) ? result.duration : 0;
   report.run.lost_epochs = result.lost_epochs;
-  report.run.averaging_window_epochs = AveragingWindow(report.run.interval_s);
-  report.run.judged_epochs = JudgedEpochs(result, report.run.interval_s);
+  report.run.averaging_window_epochs = facts.averaging_window_epochs;
+  report.run.judged_epochs = facts.epochs;
   for (int i = 0; i < 3; ++i) report.run.position_m[i] = result.station_xyz[i];
   for (int slot = 0; slot < kSystems; ++slot) {
-    AddSystem(slot, result, codes, report);
+    AddSystem(slot, result, codes, facts, report);
     AddSatellites(slot, result, report);
   }
+  AddStates(facts, report);
   report.library_total = FiguresOf(result.total, 0);
   DropUncountedObservations(report);
   Conclude(report, nullptr);

@@ -18,7 +18,7 @@ using orsolva::SatelliteEpochDetail;
 constexpr double kDegreesPerRadian = 57.295779513082320877;
 constexpr std::uint32_t kNoRow = 0xffffffff;
 constexpr double kMostEpochs = 4e9;
-constexpr std::size_t kMostEvents = 400'000;  // of every pair; a page tells those of one pair a signal
+constexpr std::size_t kMostEvents = 400'000;  // of every pair; a page shows those of one pair per signal
 constexpr std::size_t kMostArcs = 20'000;
 constexpr double kBinDegrees = 5;
 constexpr std::size_t kBytesPerRow = 8;

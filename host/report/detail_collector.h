@@ -1,7 +1,7 @@
 // Keeps what plots need of a run, in bounded memory and in the units the page shows.
 //
 // Every epoch enters the elevation bins, the arcs and the events. The points of the plots are thinned to
-// every n-th epoch when there are more than the page can carry; n is told with them.
+// every n-th epoch when there are more than the page can carry; n is given with them.
 #ifndef ORSOLVA_REPORT_DETAIL_COLLECTOR_H
 #define ORSOLVA_REPORT_DETAIL_COLLECTOR_H
 
@@ -17,7 +17,7 @@
 namespace orsolva_host {
 
 constexpr int kElevationBins = 18;          ///< of 5 degrees
-constexpr std::int16_t kNoValue = -32768;   ///< stands for no value in the 16-bit columns
+constexpr std::int16_t kNoValue = -32768;   ///< no value, in the 16-bit columns
 constexpr std::int16_t kMostValue = 32767;  ///< values beyond are held at +- this
 
 /// What a page shows as an event. The order is that of the names in detail_data.cpp.
@@ -109,7 +109,7 @@ class DetailCollector : public DetailSink {
 
   const Time_gbt& First() const { return first_; }
   double IntervalS() const { return interval_s_; }
-  /// Points stand for every Stride()-th epoch.
+  /// Points are those of every Stride()-th epoch.
   EpochIndex Stride() const { return stride_; }
   /// Tracking breaks of fewer epochs than this are not kept.
   EpochIndex LeastGap() const { return least_gap_; }

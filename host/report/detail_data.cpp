@@ -206,16 +206,16 @@ std::string Gzip(std::string_view bytes) {
   if (deflateInit2(&stream, 6, Z_DEFLATED, kGzipWindow, kMemoryLevel, Z_DEFAULT_STRATEGY) != Z_OK) {
     throw std::bad_alloc();
   }
-  std::string packed(deflateBound(&stream, static_cast<uLong>(bytes.size())), '\0');
+  std::string compressed(deflateBound(&stream, static_cast<uLong>(bytes.size())), '\0');
   // zlib takes a pointer to what it only reads as one to what it may write.
   stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes.data()));
   stream.avail_in = static_cast<uInt>(bytes.size());
-  stream.next_out = reinterpret_cast<Bytef*>(packed.data());
-  stream.avail_out = static_cast<uInt>(packed.size());
+  stream.next_out = reinterpret_cast<Bytef*>(compressed.data());
+  stream.avail_out = static_cast<uInt>(compressed.size());
   deflate(&stream, Z_FINISH);
-  packed.resize(stream.total_out);
+  compressed.resize(stream.total_out);
   deflateEnd(&stream);
-  return packed;
+  return compressed;
 }
 
 std::string EncodeDetail(const DetailCollector& detail, double cutoff_deg) {

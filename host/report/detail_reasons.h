@@ -1,4 +1,4 @@
-// The words for why an averaging started anew and why a slip was told: the same in tables and plots.
+// The names of the reasons for restarts and slips: the same in tables and plots.
 #ifndef ORSOLVA_REPORT_DETAIL_REASONS_H
 #define ORSOLVA_REPORT_DETAIL_REASONS_H
 

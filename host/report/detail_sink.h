@@ -1,4 +1,4 @@
-// Receivers of what the library tells per epoch, satellite and pair while a run goes on.
+// Observers of a run: notified of every epoch, satellite and pair.
 #ifndef ORSOLVA_REPORT_DETAIL_SINK_H
 #define ORSOLVA_REPORT_DETAIL_SINK_H
 
@@ -9,7 +9,7 @@
 
 namespace orsolva_host {
 
-/// An observer that is also told where a run and its batches begin and end.
+/// An observer that is also notified of the begin and end of a run and of its batches.
 ///
 /// Within a batch the library first reports satellite by satellite, then the pairs epoch by epoch. A run's
 /// first batch of a single epoch has its pairs reported with the next batch.

@@ -65,6 +65,7 @@ class Finder {
   std::vector<Finding> All() {
     Damage();
     NotJudged();
+    NoCompleteness();
     Position();
     LostEpochs();
     if (events_ != nullptr) {
@@ -94,6 +95,15 @@ class Finder {
   }
 
   void NotJudged();
+
+  void NoCompleteness() {
+    if (report_.headline.completeness || report_.signals.empty()) return;
+    const bool strengths = std::any_of(report_.signals.begin(), report_.signals.end(),
+                                       [](const SignalReport& s) { return s.snr_dbhz.has_value(); });
+    Add("no-completeness", "warning", "No completeness",
+        strengths ? "No system counts complete observations."
+                  : "The file has no signal strengths (S), without which no observation counts as complete.");
+  }
 
   void Position() {
     const std::optional<double> distance_m = report_.run.distance_from_header_m;
@@ -166,7 +176,7 @@ class Finder {
 void Finder::NotJudged() {
   std::vector<std::string> names, no_record, unhealthy, other;
   for (const NavigationCoverage& row : report_.run.navigation_coverage) {
-    const std::string_view state = StateOf(report_, row);
+    const std::string state = StateOf(report_, row);
     if (state == "judged" || state == "excluded" || state == "below_cutoff") continue;
     names.push_back(row.satellite);
     (state == "no_record" ? no_record : state == "unhealthy" ? unhealthy : other).push_back(row.satellite);

@@ -4,6 +4,7 @@
 // id                   severity  said when
 // damaged              warning   reading ended before the end of the file
 // not-judged           warning   a satellite was observed, and is unhealthy or has no broadcast record or no position
+// no-completeness      warning   no system has a completeness, for want of signal strengths or of a code that counts
 // position-far         warning   the position lies farther than far_from_header_m from the header's
 // lost-epochs          warning   epochs of the span are not in the file
 // receiver-slips       warning   at an epoch, least_common satellites or more, and more than common_share of those

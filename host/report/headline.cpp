@@ -1,9 +1,9 @@
 #include "host/report/headline.h"
 
 #include <algorithm>
+#include <string>
 #include <string_view>
 
-#include "host/report/navigation_coverage.h"
 #include "host/report/run_events.h"
 
 namespace orsolva_host {
@@ -72,17 +72,9 @@ void AddEvents(const RunEvents& events, Headline& headline) {
 
 }  // namespace
 
-const char* StateOf(const Report& report, const NavigationCoverage& row) {
-  for (const auto& [name, state] : report.unusable) {
-    if (name == row.satellite) return state;
-  }
-  const bool judged = std::any_of(report.satellites.begin(), report.satellites.end(),
-                                  [&row](const SatelliteReport& s) { return s.name == row.satellite; });
-  if (judged) return "judged";
-  if (row.records > 0) {
-    return row.covered_ratio > 0 && !HasNoOrbit(row.satellite) ? "below_cutoff" : "no_position";
-  }
-  return row.unhealthy_records > 0 ? "unhealthy" : "no_record";
+std::string StateOf(const Report& report, const NavigationCoverage& satellite) {
+  const auto known = report.states.find(satellite.satellite);
+  return known == report.states.end() ? "no_position" : known->second;
 }
 
 Headline HeadlineOf(const Report& report, const RunEvents* events) {

@@ -10,7 +10,7 @@
 //                                    observed_epochs without a restart
 // satellites_observed                satellites of the systems judged with any value in the file; each is in exactly
 //                                    one of the six counts that follow
-// satellites_judged                  with figures, and neither excluded nor unhealthy
+// satellites_judged                  above the cut-off at some epoch, and neither excluded nor unhealthy
 // satellites_excluded                left out on request
 // satellites_unhealthy               called unhealthy by their broadcast records
 // satellites_without_record          without any broadcast record
@@ -26,6 +26,7 @@
 #ifndef ORSOLVA_REPORT_HEADLINE_H
 #define ORSOLVA_REPORT_HEADLINE_H
 
+#include <string>
 #include <vector>
 
 #include "host/report/figure_rows.h"
@@ -37,7 +38,7 @@ struct RunEvents;
 
 /// Which of the satellites_... figures an observed satellite belongs to: "judged", "excluded", "unhealthy",
 /// "no_record", "no_position" or "below_cutoff".
-const char* StateOf(const Report& report, const NavigationCoverage& satellite);
+std::string StateOf(const Report& report, const NavigationCoverage& satellite);
 
 /// @param events  what happened to the satellites; null when that was not collected, and its figures are
 /// absent

@@ -17,12 +17,12 @@ std::string WriteHtml(const Report& report, DetailCollector& detail, std::size_t
   Report whole = report;
   whole.show_satellites = true;
   const std::string json = InsideScript(WriteJson(whole));
-  const auto packed = [&] { return Base64(Gzip(EncodeDetail(detail, report.run.elevation_cutoff_deg))); };
+  const auto compressed = [&] { return Base64(Gzip(EncodeDetail(detail, report.run.elevation_cutoff_deg))); };
   const std::string_view page = ReportPage();
-  std::string points = packed();
+  std::string points = compressed();
   while (page.size() + json.size() + points.size() > most_bytes && detail.Stride() < kLongestStride) {
     detail.Thin();
-    points = packed();
+    points = compressed();
   }
   return FilledPage(page, DataElement("report-data", "application/json", json) +
                               DataElement("detail-data", "text/plain", points));

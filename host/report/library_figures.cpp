@@ -11,7 +11,7 @@
 namespace orsolva_host {
 namespace {
 
-/// The value, absent when it stands for nothing.
+/// The value; 0 and what is not finite mean no data.
 std::optional<double> Given(double value) {
   if (!std::isfinite(value) || value == 0) return std::nullopt;
   return value;
@@ -99,7 +99,7 @@ std::vector<FigureRow<Figures>> WholeRows() {
       {"phase_geometry_slip_epochs", FigureKind::kEpochs,       Get<&Figures::phase_geometry_slips>, {"PG slips", 9, 0}, 0},
       {"mp_restart_epochs",          FigureKind::kEpochs,       Get<&Figures::mp_restarts>,          {"Rst", 5, 0},      0},
       {"observations_per_restart",   FigureKind::kObservations, Get<&Figures::obs_per_restart>,      {"Obs/rst", 8, 0},  0},
-      {"mp_worst_rms_m",             FigureKind::kMetres,       WorstMultipath},
+      {"mp_worst_rms_m",             FigureKind::kMetres,       WorstMultipath,                         {nullptr, 0, 3}},
   };
 }
 

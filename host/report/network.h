@@ -34,7 +34,7 @@ NetworkRow FailedRow(const std::string& file, const std::string& error);
 
 /// "ERROR", the grade, or "judged" without a profile.
 std::string StateOf(const NetworkRow& row);
-/// The error in one line, without the file's name that stands beside it.
+/// The error in one line, without the file's name, which has a column of its own.
 std::string ErrorOf(const NetworkRow& row);
 
 /// Worst first: files that could not be judged, then by grade, then by completeness from the lowest; equal

@@ -20,7 +20,7 @@ std::string FilledPage(std::string_view page, std::string_view elements);
 /// A script element that is never run and holds data. @param data  InsideScript() or letters and digits
 std::string DataElement(const char* id, const char* type, std::string_view data);
 
-/// JSON that may stand inside a script element: "<" and the two line ends that JSON allows and scripts do not
+/// JSON that is safe inside a script element: "<" and the two line ends that JSON allows and scripts do not
 /// are written as escapes.
 std::string InsideScript(std::string json);
 

@@ -7,6 +7,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -25,7 +26,7 @@ inline std::optional<double> Finite(double value) {
   return std::isfinite(value) ? std::optional<double>(value) : std::nullopt;
 }
 
-/// An oddity of the input that was met and passed over or repaired.
+/// An oddity of the input that was passed over or repaired.
 struct ReportNotice {
   std::string file;
   long line = 0;  ///< of the first case; 0 when no line is meant
@@ -34,7 +35,7 @@ struct ReportNotice {
   bool recovered = true;
 };
 
-/// What a reader must know to read a figure right. Writers mark the figures it stands for.
+/// A caveat about figures. Writers mark the figures concerned.
 struct ReportNote {
   std::string id;  ///< stable name, such as "galileo-no-channel"
   std::string text;
@@ -110,7 +111,7 @@ struct Figures {
 struct SystemReport {
   char letter = 'G';
   std::string name;
-  /// Codes of the optimal combination, one entry a band; see CombinationOf about several in one entry.
+  /// Codes of the optimal combination, one entry per band.
   std::vector<std::string> combination;
   std::vector<std::string> signals;  ///< every code with data
   Figures figures;
@@ -203,12 +204,6 @@ struct Finding {
   std::string signal;                   ///< the one concerned, such as "G 1C", or empty
 };
 
-/// A satellite that the run left out, whether it was observed or not.
-struct UnusableSatellite {
-  std::string name;
-  const char* state = "excluded";  ///< or "unhealthy"
-};
-
 struct Report {
   ReportRun run;
   std::optional<Verdict> verdict;
@@ -217,8 +212,8 @@ struct Report {
   std::vector<SystemReport> systems;
   Figures library_total;
   std::vector<SignalReport> signals;
-  std::vector<SatelliteReport> satellites;  ///< those with figures
-  std::vector<UnusableSatellite> unusable;
+  std::vector<SatelliteReport> satellites;    ///< those with figures
+  std::map<std::string, std::string> states;  ///< what the run did with a satellite; see headline.h
   bool show_satellites = false;
   std::vector<ReportNote> notes;
   std::vector<ReportNotice> notices;

@@ -9,7 +9,7 @@
 
 namespace orsolva_host {
 
-/// The lines of a report. Fields stand between blanks, "-" without data; the last one is the file, with
+/// The lines of a report. Fields are separated by blanks, "-" without data; the last one is the file, with
 /// blanks in its name written as "%20". The fields are listed in docs/user/report-formats.md.
 std::string WriteSum(const Report& report, const FigureTables& tables = AllFigures());
 

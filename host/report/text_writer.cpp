@@ -168,9 +168,10 @@ void Writer::Headline() {
     const std::size_t bar = heading.find('|');
     if (heading.substr(0, bar) != group) end_line();
     group = heading.substr(0, bar);
-    std::string item = Shown(row.get(report_.headline), row.kind, row.text.decimals);
-    if (row.kind == FigureKind::kRatio) item += " %";
-    if (row.kind == FigureKind::kMetres) item += " m";
+    const std::optional<double> value = row.get(report_.headline);
+    std::string item = Shown(value, row.kind, row.text.decimals);
+    if (value && row.kind == FigureKind::kRatio) item += " %";
+    if (value && row.kind == FigureKind::kMetres) item += " m";
     if (bar + 1 < heading.size()) item += " " + std::string(heading.substr(bar + 1));
     // The ratio of a group leads, whatever the order of the rows.
     const bool leads = row.kind == FigureKind::kRatio && !line.empty();
@@ -217,20 +218,14 @@ void Writer::Systems() {
   table.AddColumn("System", -12);
   table.AddColumn("Combination", -15);
   AddColumns(tables_.whole, table);
-  bool ambiguous = false;
   for (const SystemReport& system : report_.systems) {
     const std::string combination = Joined(system.combination, "+");
-    ambiguous = ambiguous || combination.find('|') != std::string::npos;
     const std::string marks = RowMarks(report_.notes, std::string(1, system.letter), "");
     std::vector<std::string> cells = {system.name + marks, combination};
     AddCells(tables_.whole, system.figures, cells);
     table.AddRow(std::move(cells));
   }
   text_ += table.Text(style_);
-  if (ambiguous) {
-    text_ += Wrapped("1C|1L: ambiguous; the result record does not say which code was chosen.", "", "",
-                     style_.width);
-  }
 }
 
 void Writer::Bands() {

@@ -167,6 +167,7 @@ TEST(Findings, ComeInTheOrderOfHarm) {
   NavigationCoverage unknown;
   unknown.satellite = "C05";
   report.run.navigation_coverage.push_back(unknown);
+  report.states["C05"] = "no_record";
   RunEvents events;
   events.satellites = {{"G04", {{3, 5}}, 2, 1}, {"G05", {}, 1, 0}};
   events.receiver_epochs = {7};
@@ -186,6 +187,17 @@ TEST(Findings, ComeInTheOrderOfHarm) {
   EXPECT_EQ(Find(found, "worst-multipath")->signal, "G 1C");
 }
 
+TEST(Findings, AFileWithoutSignalStrengthsHasNoCompleteness) {
+  Report report = orsolva_test::SampleReport();
+  report.headline.completeness.reset();
+  const std::vector<Finding> found = FindingsOf(report, nullptr);
+  ASSERT_NE(Find(found, "no-completeness"), nullptr);
+  EXPECT_NE(Find(found, "no-completeness")->text.find("no signal strengths"), std::string::npos);
+  report.signals[0].snr_dbhz = 40;
+  const std::vector<Finding> other = FindingsOf(report, nullptr);
+  EXPECT_EQ(Find(other, "no-completeness")->text, "No system counts complete observations.");
+}
+
 TEST(Findings, APositionNearTheHeadersIsNone) {
   Report report = orsolva_test::SampleReport();
   report.run.distance_from_header_m = kFindingLimits.far_from_header_m;
@@ -198,6 +210,7 @@ TEST(Findings, ALongListOfNamesIsCut) {
   for (int prn = 11; prn <= 23; ++prn) {
     NavigationCoverage row;
     row.satellite = "C" + std::to_string(prn);
+    report.states[row.satellite] = "unhealthy";
     report.run.navigation_coverage.push_back(row);
   }
   report.headline = HeadlineOf(report, nullptr);

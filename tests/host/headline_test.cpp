@@ -23,20 +23,20 @@ NavigationCoverage Observed(const char* name, Count records, Count unhealthy_rec
 }
 
 TEST(Headline, EveryObservedSatelliteIsInExactlyOneCount) {
-  Report report = orsolva_test::SampleReport();  // G04 has figures
+  Report report = orsolva_test::SampleReport();
   report.run.navigation_coverage = {Observed("G04", 11, 0), Observed("G05", 11, 0), Observed("G06", 0, 0),
                                     Observed("G07", 0, 3),  Observed("G08", 5, 2),  Observed("G09", 11, 0),
-                                    Observed("G11", 11, 0), Observed("C58", 11, 0)};
-  report.run.navigation_coverage[6].covered_ratio = report.run.navigation_coverage[7].covered_ratio = 1;
-  report.unusable = {{"G08", "unhealthy"}, {"G09", "excluded"}, {"G10", "excluded"}};
+                                    Observed("C58", 11, 0)};
+  report.states = {{"G04", "judged"},    {"G05", "below_cutoff"}, {"G06", "no_record"}, {"G07", "unhealthy"},
+                   {"G08", "unhealthy"}, {"G09", "excluded"},     {"G10", "judged"}};
   const Headline h = HeadlineOf(report, nullptr);
-  EXPECT_EQ(h.satellites_observed, Count{8});
+  EXPECT_EQ(h.satellites_observed, Count{7});
   EXPECT_EQ(h.satellites_judged, Count{1});
-  EXPECT_EQ(h.satellites_without_position, Count{2});  // G05 has none of its time
   EXPECT_EQ(h.satellites_below_cutoff, Count{1});
   EXPECT_EQ(h.satellites_without_record, Count{1});
   EXPECT_EQ(h.satellites_unhealthy, Count{2});
   EXPECT_EQ(h.satellites_excluded, Count{1});
+  EXPECT_EQ(h.satellites_without_position, Count{1});
 }
 
 TEST(Headline, ASystemWithoutCountedObservationsStaysOutOfBothSums) {

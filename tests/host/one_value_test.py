@@ -149,9 +149,9 @@ def part(text, heading):
 def check_text(name, text, report):
     head, run = report["headline"], report["run"]
     said = " ".join(" ".join(part(text, "HEADLINE")).split())
-    for pattern, key in [(r"Completeness (\S+) %", "completeness_ratio"),
+    for pattern, key in [(r"Completeness (\S+)(?: %)?,", "completeness_ratio"),
                          (r"(\S+) epochs expected", "expected_epochs"), (r"expected, (\S+) observed", "observed_epochs"),
-                         (r"(\S+) m MP1", "mp1_rms_m"), (r"(\S+) m MP2", "mp2_rms_m"),
+                         (r"(\S+)(?: m)? MP1", "mp1_rms_m"), (r"(\S+)(?: m)? MP2", "mp2_rms_m"),
                          (r"(\S+) observations per restart", "observations_per_restart"),
                          (r"(\S+) observed, \S+ judged", "satellites_observed"), (r"(\S+) judged", "satellites_judged"),
                          (r"(\S+) excluded", "satellites_excluded"), (r"(\S+) unhealthy", "satellites_unhealthy"),
@@ -226,6 +226,13 @@ with tempfile.TemporaryDirectory() as folder:
         check_sum(name, beside(".sum"), report)
         check_text(name, beside(".txt"), report)
         check_findings(name, report, figures)
+        states = {c["satellite"]: c["state"] for c in report["run"]["navigation_coverage"]}
+        for satellite in report["satellites"]:
+            assert satellite["state"] == states[satellite["satellite"]], (name, satellite["satellite"])
+        same((name, "satellites judged"), list(states.values()).count("judged"),
+             report["headline"]["satellites_judged"])
+        same((name, "satellites observed"), len(report["run"]["navigation_coverage"]),
+             sum(v for k, v in report["headline"].items() if k.startswith("satellites_") and k != "satellites_observed"))
         assert script(beside(".html"), "report-data") == report, name
         for key, value in report["headline"].items():
             same((name, "network.csv", key), row[key], value)

@@ -6,11 +6,15 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "host/report/build_report.h"
 #include "host/report/json_writer.h"
 #include "host/report/library_figures.h"
 #include "host/report/text_writer.h"
+#include "host/rinex/satellite_names.h"
+#include "host/rinex/signal_codes.h"
 #include "tests/host/shared_data.h"
 #include "tests/support/json_reader.h"
 
@@ -22,6 +26,7 @@ using json = orsolva_test::Json;
 struct Records {
   std::unique_ptr<result_qct> result = std::make_unique<result_qct>();
   std::unique_ptr<total_code_qc_result> codes = std::make_unique<total_code_qc_result>();
+  orsolva::RunFacts facts;
 };
 
 /// A run with GPS on two bands and nothing else.
@@ -60,6 +65,10 @@ Records OneSystem() {
   block.entries[2] = block.entries[0];
   block.entries[2].code = 13;
   block.entries[2].snr = 40;
+  r.facts.systems[0].combination.codes[0] = 1;
+  r.facts.systems[0].combination.codes[1] = 13;
+  r.facts.averaging_window_epochs = 10;
+  r.facts.epochs = 2880;
   return r;
 }
 
@@ -69,7 +78,7 @@ Report Built(const Records& r) {
   run.interval_source = "header";
   run.position_source = "computed";
   run.interval_s = 30;
-  return BuildReport(run, *r.result, *r.codes);
+  return BuildReport(run, *r.result, *r.codes, r.facts);
 }
 
 TEST(ReportModel, NothingExpectedMeansNoData) {
@@ -117,13 +126,30 @@ TEST(ReportModel, SystemsWithoutDataAreLeftOut) {
   EXPECT_EQ(report.signals.size(), 3U);
 }
 
-TEST(ReportModel, TheCombinationIsNamedByItsSnrWhereABandHasSeveralCodes) {
+TEST(ReportModel, TheCombinationIsTheOneOfTheRun) {
   Records r = OneSystem();
   EXPECT_EQ(Built(r).systems[0].combination, (std::vector<std::string>{"1C", "2L"}));
-  r.codes->sys[0].entries[1].snr = 40;
-  EXPECT_EQ(Built(r).systems[0].combination, (std::vector<std::string>{"1C", "2W|2L"}));
-  r.codes->sys[0].entries[1].snr = r.codes->sys[0].entries[2].snr = 10;
-  EXPECT_EQ(Built(r).systems[0].combination, (std::vector<std::string>{"1C", "2W|2L"}));
+  r.facts.systems[0].combination.codes[1] = 16;
+  r.facts.systems[0].combination.mp_codes[1] = 13;
+  r.facts.systems[0].combination.mp_codes[2] = 21;
+  EXPECT_EQ(Built(r).systems[0].combination, (std::vector<std::string>{"1C", "2W", "5Q"}))
+      << "a band without completeness is named by its multipath";
+}
+
+TEST(ReportModel, ASatelliteHasTheStateThatTheRunGaveIt) {
+  using orsolva::SatelliteUse;
+  Records r = OneSystem();
+  const std::vector<std::pair<SatelliteUse, const char*>> states = {
+      {SatelliteUse::kUsed, "judged"},
+      {SatelliteUse::kExcluded, "excluded"},
+      {SatelliteUse::kUnhealthy, "unhealthy"},
+      {SatelliteUse::kNoRecord, "no_record"},
+      {SatelliteUse::kNoElevation, "no_position"},
+      {SatelliteUse::kBelowCutoff, "below_cutoff"}};
+  for (const auto& [use, state] : states) {
+    r.facts.satellites = {{1, 7, use, true, 0, {}}};
+    EXPECT_EQ(Built(r).states.at("G07"), state);
+  }
 }
 
 TEST(ReportModel, StatesOfSatellitesFollowTheUsableFlag) {
@@ -147,11 +173,12 @@ TEST(ReportModel, CountsBeyondTheEntriesAreNotRead) {
   EXPECT_TRUE(Built(r).signals.empty());
 }
 
-TEST(ReportModel, JudgedEpochsAreThoseOfTheSpanWithoutTheLost) {
+TEST(ReportModel, JudgedEpochsAndTheWindowAreThoseOfTheRun) {
   Records r = OneSystem();
-  EXPECT_EQ(Built(r).run.judged_epochs, 2880U);
-  r.result->lost_epochs = 80;
+  r.facts.epochs = 2800;
+  r.facts.averaging_window_epochs = 50;
   EXPECT_EQ(Built(r).run.judged_epochs, 2800U);
+  EXPECT_EQ(Built(r).run.averaging_window_epochs, 50);
 }
 
 TEST(JsonWriter, WritesNullWithoutDataAndNeverNotANumber) {
@@ -228,12 +255,18 @@ TEST(RealReport, AStationDayFitsAndSaysWhatGalileoLacks) {
   Records r;
   LoadCompressed(folder + "result_1.bin.gz", *r.result);
   LoadCompressed(folder + "codes_1.bin.gz", *r.codes);
+  const auto code = [](int system, const char* name) {
+    return static_cast<std::uint8_t>(SignalNumber(system, name, 3.05));
+  };
+  r.facts.systems[3].combination.codes[0] = code(kGalileo, "1C");
+  r.facts.systems[3].combination.mp_codes[2] = code(kGalileo, "7Q");
   Report report = Built(r);
   report.show_satellites = true;
   const std::string text = WriteText(report);
   EXPECT_LE(LongestLine(text), 80U);
   ASSERT_EQ(report.systems.size(), 4U);
-  EXPECT_EQ(report.systems[0].combination, (std::vector<std::string>{"1C", "2L", "5Q"}));
+  EXPECT_EQ(report.systems[3].combination, (std::vector<std::string>{"1C", "7Q"}));
+  EXPECT_FALSE(report.systems[3].figures.completeness);
   EXPECT_NE(text.find("completeness and SNR channel"), std::string::npos);
   EXPECT_TRUE(json::accept(WriteJson(report)));
 }

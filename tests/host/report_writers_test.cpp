@@ -176,15 +176,6 @@ TEST(Notes, TheTestThatCountsMoreThanSlipsIsFootnotedWhereSlipsAre) {
   EXPECT_EQ(HeadingMarks(NotesOf(report), "phase_geometry_slip_epochs"), "");
 }
 
-TEST(AveragingWindow, FollowsTheInterval) {
-  EXPECT_EQ(AveragingWindow(0.1), 50);
-  EXPECT_EQ(AveragingWindow(5), 50);
-  EXPECT_EQ(AveragingWindow(10), 30);
-  EXPECT_EQ(AveragingWindow(15), 20);
-  EXPECT_EQ(AveragingWindow(30), 10);
-  EXPECT_EQ(AveragingWindow(60), 10);
-}
-
 TEST(CoverageCounter, CountsEpochsWithinTheAgeOfAHealthyRecord) {
   NavigationSet set;
   GpsEph_gbt record = {};

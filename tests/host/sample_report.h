@@ -53,6 +53,7 @@ inline orsolva_host::Report SampleReport() {
   s.phase_geometry_slips = 12;
   s.obs_per_restart = 950.0 / 3;
   r.signals.push_back(s);
+  r.states["G04"] = "judged";
   r.headline.expected = 1000;
   r.headline.observed = 900;
   r.headline.completeness = 0.9;

@@ -28,7 +28,7 @@ const column = (page, i) => page.locator(`tbody tr > :nth-child(${i + 1})`).allI
 const press = (page, name) => page.locator('thead').getByRole('button', { name: new RegExp(`^${name}`) }).click();
 
 describe('index', () => {
-  it('has a row a file, verdict first and worst first, as the CSV has them', async () => {
+  it('has a row per file, verdict first and worst first, as the CSV has them', async () => {
     const { context, page, problems, requests } = await open(browser, NETWORK);
     assert.ok(csv.length >= 6);
     assert.deepEqual(await names(page), csv.map((row) => baseName(row[NAME])));
@@ -43,7 +43,7 @@ describe('index', () => {
     await context.close();
   });
 
-  it('tells why a file could not be judged, and counts the states', async () => {
+  it('says why a file could not be judged, and counts the states', async () => {
     const { context, page } = await open(browser, NETWORK);
     const failed = page.locator('tbody tr', { has: page.locator('.state', { hasText: /^Error$/ }) });
     assert.equal(await failed.count(), csv.filter((row) => row[STATE] === 'ERROR').length);

@@ -172,7 +172,7 @@ describe('plots', () => {
     await context.close();
   });
 
-  it('tell the phase slips that the report counts', async () => {
+  it('show the phase-minus-geometry slips that the report counts', async () => {
     const { context, page } = await open(browser, REPORT);
     for (const s of json.signals.filter((s) => s.phase_geometry_slip_epochs !== null)) {
       const count = await page.evaluate(

@@ -147,7 +147,7 @@ class Columns {
     return values;
   }
 
-  /** Hundredths that change smoothly; `missing` stands for none. */
+  /** Hundredths that change smoothly; `missing` means none. */
   hundredths(place: number, rows: number, missing: number): Float32Array {
     return Float32Array.from(this.unsigned(place, rows, true), (raw) => (raw === missing ? NaN : raw / 100));
   }

@@ -115,7 +115,7 @@ export const HEADLINE: FigureColumn[] = [
   { key: 'mp2_rms_m', unit: 'm', column: "", title: "Multipath of the second band slot, all systems (the headline's MP2)", digits: 3 },
   { key: 'observations_per_restart', unit: 'epochs', column: "Obs per restart", title: "Complete observations per restart of the multipath mean", digits: 0 },
   { key: 'satellites_observed', unit: 'satellites', column: "", title: "Satellites with any value in the file", digits: 0 },
-  { key: 'satellites_judged', unit: 'satellites', column: "", title: "Satellites with figures", digits: 0 },
+  { key: 'satellites_judged', unit: 'satellites', column: "", title: "Satellites judged", digits: 0 },
   { key: 'satellites_excluded', unit: 'satellites', column: "", title: "Satellites left out on request", digits: 0 },
   { key: 'satellites_unhealthy', unit: 'satellites', column: "", title: "Satellites that the broadcast records call unhealthy", digits: 0 },
   { key: 'satellites_without_record', unit: 'satellites', column: "", title: "Satellites without a broadcast record", digits: 0 },
@@ -134,7 +134,7 @@ export const WHOLE: FigureColumn[] = [
   { key: 'phase_geometry_slip_epochs', unit: 'epochs', column: "PG slips", title: "Epochs with a cycle slip by the phase-minus-geometry test", digits: 0 },
   { key: 'mp_restart_epochs', unit: 'epochs', column: "Restarts", title: "Epochs at which the multipath mean restarted", digits: 0 },
   { key: 'observations_per_restart', unit: 'epochs', column: "Obs per restart", title: "Complete observations per restart of the multipath mean", digits: 0 },
-  { key: 'mp_worst_rms_m', unit: 'm', column: "Worst MP m", title: "Largest multipath RMS of the bands of a system or satellite", digits: 0 },
+  { key: 'mp_worst_rms_m', unit: 'm', column: "Worst MP m", title: "Largest multipath RMS of the bands of a system or satellite", digits: 3 },
 ];
 
 export const SIGNAL: FigureColumn[] = [

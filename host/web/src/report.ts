@@ -1,4 +1,4 @@
-// The report as the JSON writer gives it; null stands for no data.
+// The report as the JSON writer gives it; null means no data.
 
 import type { BandFigures, CoverageFigures, HeadlineFigures, RunFigures, SignalFigures, SlotFigures, TotalFigures, WholeFigures } from './figures';
 

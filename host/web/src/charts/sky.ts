@@ -130,7 +130,7 @@ function draw(detail: Detail, selection: Selection, by: By, c: Colors, width: nu
   };
 }
 
-/** Says when points stand for more epochs than one. */
+/** Says when there is one point for several epochs. */
 export function thinning(detail: Detail): string {
   if (detail.stride === 1) return 'Every epoch is shown.';
   return `One epoch in ${detail.stride} is shown, to keep this file small; lines, arcs and tables use all of them.`;

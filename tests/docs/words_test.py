@@ -14,7 +14,7 @@ import sys
 WORDS = {
     "told": ("detected, notified, given", r"told", 1),
     "tells": ("says, shows, reports", r"tells?", 4),
-    "stands": ("is, appears, is listed in", r"stands?(?! (?:for|alone)\b)", 6),
+    "stands": ("is, appears, is listed in", r"stands?(?! (?:for|alone)\b)", 5),
     "beside": ("next to, besides, with", r"beside", 9),
     "anew": ("again, restarted", r"anew", 1),
     "met": ("found, seen", r"(?<!\| )met", 1),

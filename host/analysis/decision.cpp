@@ -52,14 +52,15 @@ void Decision::DecideNext(SatelliteTrack& track) {
     if (tries == 0) state.chi2 = chi2;
     const bool hole = (state.gap || scratch_.returning != 0) && !returned;
     if (!hole && !IsCandidate(track, step, scratch_, chi2)) break;
+    if (tries == 0) RefreshScales(track, step, interval_s_);
     returned = true;
-    if (track.budget < 1) {
+    if (hole && track.budget < 1) {
       MakeCase(track, step);
-      AddEvent(hole ? HoleKind() : EventKind::kJump, nullptr, 0, 0, false);
+      AddEvent(HoleKind(), nullptr, 0, 0, false);
       LeaveUnresolved(track, step);
       break;
     }
-    track.budget -= 1;
+    track.budget = std::max(track.budget - 1, -kLargestBudget);
     const std::int64_t target = state.gap ? step : MostTelling(track, step);
     if (!Explain(track, target)) break;
     FitRates(track, target);

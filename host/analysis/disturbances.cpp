@@ -159,6 +159,7 @@ bool Decision::TakeUnstable(const Cycles& cycles) {
     if (bad[i] == 0) continue;
     track.signals[case_.test.signal[i]].unstable = true;
     track.signals[case_.test.signal[i]].steady_steps = 0;
+    track.distrusted.push_back(track.signals[case_.test.signal[i]].code);
   }
   for (std::int64_t i = case_.step; i < track.next; ++i) FitRates(track, i);
   return true;
@@ -170,7 +171,10 @@ void Decision::Readmit(SatelliteTrack& track, std::int64_t step) {
     SignalTrack& s = track.signals[i];
     if (!s.unstable || !s.IsReal(step)) continue;
     s.steady_steps = IsOff(track, i, step) ? 0 : s.steady_steps + 1;
-    if (s.steady_steps >= kSteadySteps) s.unstable = false;
+    if (s.steady_steps < kSteadySteps) continue;
+    s.unstable = false;
+    track.distrusted.erase(std::remove(track.distrusted.begin(), track.distrusted.end(), s.code),
+                           track.distrusted.end());
   }
 }
 
@@ -199,7 +203,7 @@ bool Decision::CloseGap() {
   if (!best.any) {
     AddEvent(case_.gap ? EventKind::kGapContinuous : EventKind::kSignalGapContinuous, nullptr, score, margin,
              true);
-    return true;
+    return false;
   }
   AddEvent(case_.gap ? EventKind::kGapSlip : EventKind::kSignalGapSlip, &best.cycles, score, margin, true);
   for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {

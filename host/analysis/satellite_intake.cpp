@@ -178,6 +178,7 @@ std::size_t SatelliteIntake::PlaceOf(SignalCode code, double frequency_hz) {
   s.wavelength_m = kLightSpeed_m_s / frequency_hz;
   const double ratio = kReferenceCarrier_hz / frequency_hz;
   s.mu = ratio * ratio;
+  s.unstable = std::find(track.distrusted.begin(), track.distrusted.end(), code) != track.distrusted.end();
   track.signals.insert(track.signals.begin() + static_cast<std::ptrdiff_t>(place), s);
   return place;
 }

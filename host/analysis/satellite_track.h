@@ -85,7 +85,8 @@ struct ErrorWindows {
 
 struct SatelliteTrack {
   SatelliteId satellite;
-  std::vector<SignalTrack> signals;  ///< by descending frequency
+  std::vector<SignalTrack> signals;    ///< by descending frequency
+  std::vector<SignalCode> distrusted;  ///< unstable ones; outlives arcs
   std::array<StepState, kRing> steps;
   std::int64_t first = 0;               ///< epoch at which the arc begins
   std::int64_t next = 0;                ///< number that the next epoch gets; the newest known is next - 1
@@ -115,7 +116,7 @@ struct SatelliteTrack {
 /// Phase noise with multipath at the elevation of a step, m.
 double PhaseNoise(const StepState& step);
 
-/// Begins a new arc: everything but the usual scales is forgotten.
+/// Begins a new arc: everything but the usual scales and the unstable signals is forgotten.
 void BeginArc(SatelliteTrack& track);
 
 /// Takes cycles off a signal from an epoch on, for the epochs known and those to come.

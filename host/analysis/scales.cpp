@@ -138,12 +138,12 @@ void SettleMedians(SatelliteTrack& track, std::int64_t step) {
   }
 }
 
-/// Scales of the step, also given to those after it, which have their own elevation and kind.
-void SettleFrom(SatelliteTrack& track, std::int64_t step, double range, double ionosphere,
+/// Scales of the step, also given to some after it, which have their own elevation and kind.
+void SettleFrom(SatelliteTrack& track, std::int64_t step, int steps, double range, double ionosphere,
                 double interval_s) {
   const double root = std::sqrt(interval_s / kUsualInterval_s);
   const StepState& own = track.At(step);
-  for (std::int64_t i = step; i < std::min(track.next, step + 3); ++i) {
+  for (std::int64_t i = step; i < std::min(track.next, step + steps); ++i) {
     StepState& s = track.At(i);
     s.range_by_neighbours = own.range_by_neighbours;
     s.ionosphere_by_neighbours = own.ionosphere_by_neighbours;
@@ -154,7 +154,8 @@ void SettleFrom(SatelliteTrack& track, std::int64_t step, double range, double i
 }
 
 /// Medians, predictors and scales as the steps stand now.
-void Settle(SatelliteTrack& track, std::int64_t step, double interval_s) {
+/// @param steps  how many get the scales, this one first
+void Settle(SatelliteTrack& track, std::int64_t step, int steps, double interval_s) {
   SettleMedians(track, step);
   const BothScales range = ScalesOf(track, step, track.range_errors, RangeError);
   const BothScales ionosphere = ScalesOf(track, step, track.ionosphere_errors, IonosphereError);
@@ -178,7 +179,7 @@ void Settle(SatelliteTrack& track, std::int64_t step, double interval_s) {
     ionosphere_m = kFewErrorsFactor *
                    (std::isfinite(track.usual_ionosphere_scale_m) ? track.usual_ionosphere_scale_m : usual);
   }
-  SettleFrom(track, step, range_m, ionosphere_m, interval_s);
+  SettleFrom(track, step, steps, range_m, ionosphere_m, interval_s);
 }
 
 void PushErrors(SatelliteTrack& track, std::int64_t step, ErrorWindows& windows, ErrorOf error) {
@@ -195,11 +196,11 @@ void SettleScales(SatelliteTrack& track, std::int64_t step, double interval_s) {
   const bool before = step - 1 > track.first && !track.At(step - 1).lone_band;
   track.range_rates.Push(before && track.At(step - 1).HasGeometry() ? track.RangeRate(step - 1) : kAbsent);
   track.ionosphere_rates.Push(before ? track.IonosphereRate(step - 1) : kAbsent);
-  Settle(track, step, interval_s);
+  Settle(track, step, 1, interval_s);
 }
 
 void RefreshScales(SatelliteTrack& track, std::int64_t step, double interval_s) {
-  Settle(track, step, interval_s);
+  Settle(track, step, 3, interval_s);
 }
 
 }  // namespace orsolva_host::analysis

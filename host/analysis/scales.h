@@ -13,12 +13,12 @@
 
 namespace orsolva_host::analysis {
 
-/// Settles medians, predictors and scales of the step that is to be decided next, and provisionally of those
-/// after it. Must be called once per step, in order: it moves the windows on.
+/// Settles medians, predictor and scales of the step that is to be decided next. Must be called once per
+/// step, in order: it moves the windows on.
 void SettleScales(SatelliteTrack& track, std::int64_t step, double interval_s);
 
-/// The same from the steps as they are now, without moving the windows: after a repair among the newest
-/// steps.
+/// The same from the steps as they are now, without moving the windows, and provisionally for the two steps
+/// after it: before a candidate is looked at together with those, and after a repair among them.
 void RefreshScales(SatelliteTrack& track, std::int64_t step, double interval_s);
 
 }  // namespace orsolva_host::analysis

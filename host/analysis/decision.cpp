@@ -44,7 +44,7 @@ void Decision::DecideNext(SatelliteTrack& track) {
   StepState& state = track.At(step);
   SettleScales(track, step, interval_s_);
   track.budget = std::min(track.budget + kBudgetPerStep, kLargestBudget);
-  bool returned = false;  // a hole is judged once
+  bool returned = false;  // a hole is decided once
   for (int tries = 0; tries < kMostTries && !state.broken && !state.settled; ++tries) {
     MakeTest(track, step, interval_s_, scratch_);
     if (scratch_.count == 0) break;

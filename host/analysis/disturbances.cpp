@@ -227,7 +227,7 @@ Cycles Decision::Returning() const {
   return cycles;
 }
 
-/// The satellite, or the signals that return, begin anew from here on.
+/// The satellite, or the signals that return, begin again here.
 void Decision::LeaveUnresolved(SatelliteTrack& track, std::int64_t step) {
   MakeTest(track, step, interval_s_, scratch_);
   if (track.At(step).gap || scratch_.returning == 0) {

@@ -153,7 +153,7 @@ void SettleFrom(SatelliteTrack& track, std::int64_t step, int steps, double rang
   }
 }
 
-/// Medians, predictors and scales as the steps stand now.
+/// Medians, predictors and scales as the steps are now.
 /// @param steps  how many get the scales, this one first
 void Settle(SatelliteTrack& track, std::int64_t step, int steps, double interval_s) {
   SettleMedians(track, step);

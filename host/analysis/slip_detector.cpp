@@ -134,8 +134,8 @@ void SlipDetector::Process(const ObservationEpoch& epoch) {
   DecideUpTo(number_ - kLead);
 }
 
-// Carriers of SBAS are steered from the ground, each on its own: between epochs that lie seconds apart they
-// wander by cycles, and nothing tells that from a slip.
+// Carriers of SBAS are steered from the ground, each on its own: between epochs seconds apart they
+// wander by cycles, and nothing separates that from a slip.
 void SlipDetector::BeginSatellites(const ObservationEpoch& epoch) {
   present_.clear();
   samples_.clear();

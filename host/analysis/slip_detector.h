@@ -1,7 +1,7 @@
 // Finds cycle slips and their likes in a stream of epochs.
 //
 // Epochs are taken one at a time; how they are grouped in calls changes nothing. An event comes out kLead
-// epochs after its own. Memory is bounded by the satellites in view: a ring of kRing epochs a signal.
+// epochs after its own. Memory is bounded by the satellites in view: a ring of kRing epochs per signal.
 //
 // All signals of a satellite are tested together against a Gaussian model of what may change from epoch to
 // epoch: the range left after modelled orbit, clocks and troposphere, the ionosphere, and phase noise

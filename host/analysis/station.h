@@ -1,4 +1,4 @@
-// The station: where it stands, and what the troposphere delays a signal there.
+// The station: its position, and what the troposphere delays a signal there.
 #ifndef ORSOLVA_ANALYSIS_STATION_H
 #define ORSOLVA_ANALYSIS_STATION_H
 

@@ -1,4 +1,4 @@
-// Where a station stands, from the codes of a few epochs.
+// The position of a station from the codes of a few epochs.
 #ifndef ORSOLVA_ANALYSIS_STATION_POSITION_H
 #define ORSOLVA_ANALYSIS_STATION_POSITION_H
 
@@ -17,7 +17,7 @@ namespace orsolva_host::analysis {
 std::optional<Vector3> PointPosition(const ObservationEpoch& epoch, BroadcastStore& records,
                                      const Vector3& guess);
 
-/// The header's position where it lies within 6 m of the median of the epochs' positions, or where there is
+/// The header's position where it is within 6 m of the median of the epochs' positions, or where there is
 /// none of those; else the median.
 std::optional<Vector3> StationPosition(const std::vector<ObservationEpoch>& epochs, BroadcastStore& records,
                                        const std::optional<Vector3>& header);

@@ -1,6 +1,6 @@
 // Melbourne-Wuebbena evidence: by how much the wide lanes of a satellite jump at a step.
 //
-// One code epoch is too noisy to detect with; five after against twenty before tell (9,7) from (8,6).
+// One code epoch is too noisy to detect with; five after against twenty before separate (9,7) from (8,6).
 // Sources: Melbourne 1985; Wuebbena 1985; Blewitt 1990, GRL 17(3).
 #ifndef ORSOLVA_ANALYSIS_WIDE_LANE_H
 #define ORSOLVA_ANALYSIS_WIDE_LANE_H

@@ -67,8 +67,11 @@ bool JudgingPool::Wait(std::size_t file, std::chrono::milliseconds longest) {
 }
 
 FileOutcome JudgingPool::Take(std::size_t file) {
-  constexpr std::chrono::hours kStep(1);
-  while (!Wait(file, kStep)) {
+  constexpr std::chrono::milliseconds kTick(100), kNow(0);
+  while (!Wait(file, kTick)) {
+    // After Cancel a file that has not begun never will. One may have ended since it was looked at.
+    const bool over = monitor_.stop.load() && pool_.WaitForEnd(kNow);
+    if (over && !Wait(file, kNow)) return {std::nullopt, {}, true};
   }
   return std::exchange(outcomes_[file], {});
 }

@@ -70,7 +70,8 @@ class JudgingPool {
   std::size_t Size() const { return files_.size(); }
   /// Waits until a file is done, at most the time given. @return whether it is done
   bool Wait(std::size_t file, std::chrono::milliseconds longest);
-  /// Waits until a file is done and hands its outcome over; the pool keeps nothing of it.
+  /// Waits until a file is done and hands its outcome over; the pool keeps nothing of it. After Cancel a file
+  /// that has not begun is stopped as well.
   FileOutcome Take(std::size_t file);
   /// Ends files under way at their next epoch and begins no further ones.
   void Cancel();

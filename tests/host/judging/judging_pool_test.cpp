@@ -79,6 +79,7 @@ TEST(JudgingPool, CancelEndsFilesUnderWayAndBeginsNoOthers) {
   EXPECT_FALSE(outcome.report.has_value());
   EXPECT_TRUE(pool.WaitForEnd(std::chrono::seconds(60)));
   EXPECT_EQ(pool.Progress().files_done, 1U);
+  EXPECT_TRUE(pool.Take(1).stopped);
 }
 
 /// Records the report it is given, or refuses it.

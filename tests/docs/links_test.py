@@ -3,7 +3,7 @@
 
 usage: links_test.py ROOT
 
-Checks the pages (Markdown at the top and below docs/): the target and the heading of a relative link, and each path of
+Also that no entry of the changelog is repeated. Checks the pages (Markdown at the top and below docs/): the target and the heading of a relative link, and each path of
 the sources, in text and in code. Checks in all other sources that a page they refer to exists. A pattern such as
 tests/real/*_test.cpp has to match a file.
 """
@@ -60,6 +60,12 @@ def problems_of_source(root, source):
     return [f"refers to {path}, which does not exist" for path in PAGE.findall(text) if not (root / path).exists()]
 
 
+def problems_of_changelog(page):
+    """The changelog merges by union, which may repeat entries."""
+    entries = [line for line in page.read_text(encoding="utf-8").splitlines() if line.startswith("- ")]
+    return [f"repeats the entry {entry[:60]}" for entry in sorted(set(entries)) if entries.count(entry) > 1]
+
+
 def sources_of(root):
     for top in TOPS:
         for file in sorted((root / top).rglob("*")):
@@ -73,6 +79,7 @@ def main():
     root = pathlib.Path(sys.argv[1]).resolve()
     pages = sorted(root.glob("*.md")) + sorted((root / "docs").rglob("*.md"))
     found = [(page, problem) for page in pages for problem in problems_of_page(root, page)]
+    found += [(root / "CHANGELOG.md", problem) for problem in problems_of_changelog(root / "CHANGELOG.md")]
     found += [(source, problem) for source in sources_of(root) for problem in problems_of_source(root, source)]
     for file, problem in found:
         print(f"{file.relative_to(root)}: {problem}")

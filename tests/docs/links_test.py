@@ -3,9 +3,9 @@
 
 usage: links_test.py ROOT
 
-Also that no entry of the changelog is repeated. Checks the pages (Markdown at the top and below docs/): the target and the heading of a relative link, and each path of
+Checks the pages (Markdown at the top and below docs/): the target and the heading of a relative link, and each path of
 the sources, in text and in code. Checks in all other sources that a page they refer to exists. A pattern such as
-tests/real/*_test.cpp has to match a file.
+tests/real/*_test.cpp has to match a file. No entry of the changelog may be repeated.
 """
 import pathlib
 import re

@@ -38,7 +38,7 @@ constexpr double kWithoutModelFactor =
 constexpr double kWithoutModelFloor_m = 0.008;
 
 // Decision, in nats (natural units of log-likelihood) unless they say chi2.
-constexpr double kScreenChi2 = 14;         // of a step that becomes a candidate; 2 more for each further signal
+constexpr double kScreenChi2 = 14;  // of a step that becomes a candidate; 2 more for each further signal
 constexpr double kScreenChi2Flagged = 10;  // where the receiver flags loss of lock
 constexpr double kFitChi2 = 40;            // largest that is still believed for a repaired step
 constexpr double kSlipPrior = 8;

@@ -41,12 +41,12 @@ void ExpectSaneBands(const Json& report) {
     for (const auto& band : system.at("bands")) {
       if (const auto& mp = band.at("mp_rms_m"); !mp.is_null()) {
         ++bands_with_data;
-        EXPECT_GT(mp.get<double>(), 0.05) << system.at("system") << band.dump();
-        EXPECT_LT(mp.get<double>(), 1.5) << system.at("system") << band.dump();
+        EXPECT_GT(mp.get<double>(), 0.05) << system.at("name") << band.dump();
+        EXPECT_LT(mp.get<double>(), 1.5) << system.at("name") << band.dump();
       }
       if (const auto& snr = band.at("snr_mean_dbhz"); !snr.is_null()) {
-        EXPECT_GT(snr.get<double>(), 25.0) << system.at("system") << band.dump();
-        EXPECT_LT(snr.get<double>(), 60.0) << system.at("system") << band.dump();
+        EXPECT_GT(snr.get<double>(), 25.0) << system.at("name") << band.dump();
+        EXPECT_LT(snr.get<double>(), 60.0) << system.at("name") << band.dump();
       }
     }
   }
@@ -63,7 +63,7 @@ TEST(StationDay, ReferenceStationIsJudgedWhole) {
   EXPECT_EQ(run.at("lost_epochs"), 0);
   EXPECT_LT(run.at("distance_from_header_position_m").get<double>(), 5.0);
   const Json& gps = outcome.Report.at("systems").at(0);
-  ASSERT_EQ(gps.at("system"), "GPS");
+  ASSERT_EQ(gps.at("name"), "GPS");
   EXPECT_GT(gps.at("completeness_ratio").get<double>(), 0.95);
   ExpectSaneBands(outcome.Report);
 }

@@ -121,8 +121,7 @@ class Finder {
       for (const EpochSpan& hole : events_->holes) times.push_back(events_->Clock(hole.first));
     }
     Add("lost-epochs", "warning", Many(static_cast<Count>(lost), "epoch") + " lost",
-        fmt::format("No satellite at all was recorded in them{}.",
-                    times.empty() ? "" : ": from " + Listed(times) + " on"))
+        fmt::format("No satellite was recorded{}.", times.empty() ? "" : " from " + Listed(times) + " on"))
         .figures = {{"lost_epochs", static_cast<double>(lost)}};
   }
 
@@ -151,8 +150,9 @@ class Finder {
     const auto jumps = TalliesOf(*events_, [](const SatelliteEvents& s) { return s.code_jumps; });
     if (jumps.empty()) return;
     const Count total = report_.headline.code_jumps.value_or(0);
-    Finding& finding = Add("code-jumps", "warning", Many(total, "code jump"),
-                           fmt::format("The multipath left its mean on {}.", Counted(jumps)));
+    Finding& finding =
+        Add("code-jumps", "warning", Many(total, "code jump"),
+            fmt::format("The multipath combination departed from its running mean on {}.", Counted(jumps)));
     finding.figures = {{"code_jumps", static_cast<double>(total)}};
     finding.satellites = NamesOf(jumps);
   }

@@ -12,7 +12,7 @@
 // gaps-in-view         warning   a satellite was interrupted for at most longest_gap_s, above the cut-off on both
 //                                sides, while others were tracked
 // satellite-slips      warning   a satellite has a slip of the geometry-free phase of its own
-// code-jumps           warning   the multipath of a satellite left its mean
+// code-jumps           warning   the multipath combination of a satellite departed from its running mean
 // worst-multipath      info      always: the signal with the largest multipath RMS
 // least-complete       info      always: the signal with the lowest completeness
 // no-slips             good      no slip of the geometry-free phase and no code jump

@@ -18,7 +18,7 @@
 // satellites_below_cutoff            the others, which were never above the elevation cut-off
 // geometry_free_slips                satellites and epochs with a slip of the geometry-free phase, those of the whole
 //                                    receiver apart
-// code_jumps                         satellites and epochs at which the multipath left its mean, those of the whole
+// code_jumps                         satellites and epochs at which the multipath departed from its mean, those of the whole
 //                                    receiver apart
 // receiver_slip_epochs               epochs at which many satellites slipped or jumped at once; see finding_limits.h
 // gaps_in_view                       interruptions of single satellites above the cut-off; see finding_limits.h

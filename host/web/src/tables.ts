@@ -42,7 +42,7 @@ export function satelliteTable(report: Report, detail: Detail): HTMLElement {
     text('State'),
     ...figures.columns,
     number('GF slips', count, 'Slips of the geometry-free phase, those of the whole receiver apart'),
-    number('Code jumps', count, 'Epochs at which the multipath left its mean, those of the whole receiver apart'),
+    number('Code jumps', count, 'Epochs at which the multipath combination departed from its running mean, without those of the whole receiver'),
   ];
   const rows = (report.satellites ?? []).map((s): Cell[] => [
     s.satellite,

@@ -19,17 +19,12 @@ class Json {
   struct Member;
   class Iterator;
 
-  Json() = default;  ///< null
-  Json(std::nullptr_t) {}
-  Json(const char* text) : kind_(kString), text_(text) {}
-  Json(std::string text) : kind_(kString), text_(std::move(text)) {}
+  Json();                ///< null
+  Json(std::nullptr_t);  ///< null
+  Json(const char* text);
+  Json(std::string text);
   template <class T, std::enable_if_t<std::is_arithmetic_v<T>, int> = 0>
-  Json(T value)
-      : kind_(std::is_same_v<T, bool>       ? kBoolean
-              : std::is_floating_point_v<T> ? kReal
-                                            : kInteger),
-        real_(static_cast<double>(value)),
-        integer_(std::is_floating_point_v<T> ? 0 : static_cast<std::int64_t>(value)) {}
+  Json(T value);
   /// An object when every item is a pair of a string and a value, an array otherwise.
   Json(std::initializer_list<Json> items);
   Json(const Json& other);
@@ -116,6 +111,20 @@ class Json::Iterator {
  private:
   const Member* at_;
 };
+
+// The constructors need the whole of Member, which holds a value itself.
+inline Json::Json() = default;
+inline Json::Json(std::nullptr_t) {}
+inline Json::Json(const char* text) : kind_(kString), text_(text) {}
+inline Json::Json(std::string text) : kind_(kString), text_(std::move(text)) {}
+
+template <class T, std::enable_if_t<std::is_arithmetic_v<T>, int>>
+Json::Json(T value)
+    : kind_(std::is_same_v<T, bool>       ? kBoolean
+            : std::is_floating_point_v<T> ? kReal
+                                          : kInteger),
+      real_(static_cast<double>(value)),
+      integer_(std::is_floating_point_v<T> ? 0 : static_cast<std::int64_t>(value)) {}
 
 inline Json::Iterator Json::begin() const { return Iterator(children_.data()); }
 inline Json::Iterator Json::end() const { return Iterator(children_.data() + children_.size()); }

@@ -34,23 +34,23 @@ std::string SlotLines(const QcConfig& config, const std::uint8_t (QcSysConfig::*
 
 std::string Values(const QcConfig& config) {
   char text[256];
-  std::snprintf(text, sizeof text, kConfigLabels.Values,
-                config.ElevationMask / gnssqctoolkit::kRadiansPerDegree, config.Interval,
-                static_cast<int>(config.AutoDetectFreq), static_cast<int>(config.EnablePosition),
-                config.Position[0], config.Position[1], config.Position[2]);
+  std::snprintf(text, sizeof text, kValuesFormat, config.ElevationMask / gnssqctoolkit::kRadiansPerDegree,
+                config.Interval, static_cast<int>(config.AutoDetectFreq),
+                static_cast<int>(config.EnablePosition), config.Position[0], config.Position[1],
+                config.Position[2]);
   return text;
 }
 
 }  // namespace
 
 std::string ConfigText(const QcConfig& config, std::uint32_t combination_mask) {
-  std::string text = kConfigLabels.EnableSystem;
+  std::string text = kEnableSystemLabel;
   text += SystemFlags([&config](int slot) { return config.Sys[slot].Enable != 0; }) + "\n";
-  text += kConfigLabels.CombinationSystem;
+  text += kCombinationSystemLabel;
   text += SystemFlags([combination_mask](int slot) { return (combination_mask & (1U << slot)) != 0; });
   text += Values(config);
   text += SlotLines(config, &QcSysConfig::FreqEnable);
-  text += std::string(kConfigLabels.IncludeSatellite) + "\n";
+  text += std::string(kIncludeSatelliteLabel) + "\n";
   return text + SlotLines(config, &QcSysConfig::IncludeSat);
 }
 

@@ -12,20 +12,15 @@ namespace orsolva {
 /// Names of the configuration slots.
 inline constexpr const char* kSystemLabels[kSystemSlots] = {"GPS", "GLO", "BDS", "GAL", "QZS", "BD3"};
 
-/// Labels of the configuration in the order of the printout. Those of single values are printf formats.
-struct ConfigLabels {
-  const char* EnableSystem;
-  const char* CombinationSystem;
-  const char* Values;  ///< elevation (degrees), interval (s), detection, position given, X, Y, Z (m)
-  const char* IncludeSatellite;
-};
-inline constexpr ConfigLabels kConfigLabels = {
-    "EnableSystem =",
-    "CombinationSystem =",
+// Labels of the configuration in the order of the printout.
+inline constexpr char kEnableSystemLabel[] = "EnableSystem =";
+inline constexpr char kCombinationSystemLabel[] = "CombinationSystem =";
+/// The printf format of the single values: elevation (degrees), interval (s), detection, position given, X,
+/// Y, Z (m).
+inline constexpr char kValuesFormat[] =
     "\nElevation = %.6lf\nInterval = %.2lf\nAutoDetectFreq = %d\nEnablePosition = %d, %.4lf, %.4lf, %.4lf\n"
-    "SatelliteFreq:\n",
-    "IncludeSatellite:",
-};
+    "SatelliteFreq:\n";
+inline constexpr char kIncludeSatelliteLabel[] = "IncludeSatellite:";
 
 /// The configuration of a run, one line per label and, for frequencies and satellites, per system slot.
 /// @param combination_mask  systems to combine, bits 1, 2, 4, 8, 16

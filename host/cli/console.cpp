@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "host/judging/run_error.h"
 #include "host/rinex/diagnostics.h"
 #include "host/terminal/progress_line.h"
 #include "host/terminal/standard_streams.h"
@@ -25,8 +26,7 @@ void LogDetails(const Report& report) {
     std::fprintf(stderr, "  navigation: %s\n", Printable(navigation).c_str());
   }
   for (const ReportNotice& n : report.notices) {
-    std::fprintf(stderr, "  notice: %s:%ld: %s (%ld)\n", Printable(n.file).c_str(), n.line, n.text.c_str(),
-                 n.count);
+    std::fprintf(stderr, "  notice: %s\n", NoticeText(Printable(n.file), n.line, n.text, n.count).c_str());
   }
 }
 

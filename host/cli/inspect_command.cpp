@@ -73,9 +73,9 @@ void Count(const ObsEpoch_QC_gbt& epoch, Contents& contents) {
 void ShowNotices(const Diagnostics& diagnostics) {
   Row("Notices", fmt::format("{}", diagnostics.Total()));
   for (const Notice& n : diagnostics.Notices()) {
-    const std::string line =
-        fmt::format("{}: {}{} ({})", n.line, n.recovered ? "" : "not repaired: ", n.text, n.count);
-    std::fputs(Wrapped(line, "  ", "    ", 80).c_str(), stdout);
+    const std::string place = n.line > 0 ? fmt::format("line {}", n.line) : "file";
+    const std::string text = (n.recovered ? "" : "not repaired: ") + n.text;
+    std::fputs(Wrapped(NoticeText(place, 0, text, n.count), "  ", "    ", 80).c_str(), stdout);
   }
 }
 

@@ -67,6 +67,13 @@ const char* NameOf(PositionSource source) {
   return source == PositionSource::kOption ? "option" : "computed";
 }
 
+/// Of a batch that the library did not take.
+std::string NoticeOfBatch(StatusCode status) {
+  const char* why = status == StatusCode::kNoPosition ? "no position could be computed from it"
+                                                      : "it holds no usable epoch";
+  return std::string("a batch of epochs is not judged: ") + why;
+}
+
 /// One run from its epochs to its report.
 class Run {
  public:
@@ -88,7 +95,7 @@ class Run {
   void TakeNavigation(SharedNavigation& named);
   void Start();
   void FeedBatch();
-  std::string NoBatchError() const;
+  RunError NoBatchError() const;
   Report Finish();
   ReportRun Facts() const;
 
@@ -111,7 +118,7 @@ class Run {
 
 Report Run::Judged(SharedNavigation& named) {
   FillBatch();
-  if (batch_size_ == 0) throw RunError(source_.Name() + ": found no epoch. Check that the file is whole.");
+  if (batch_size_ == 0) throw RunError(source_.Name() + ": found no epoch. Check that the file is complete.");
   TakeNavigation(named);
   interval_ = ChooseInterval(settings_, source_, batch_.get(), batch_size_, diagnostics_);
   RequirePosition(settings_, source_);
@@ -120,7 +127,7 @@ Report Run::Judged(SharedNavigation& named) {
     FeedBatch();
     FillBatch();
   }
-  if (batches_taken_ == 0) throw RunError(NoBatchError());
+  if (batches_taken_ == 0) throw NoBatchError();
   return Finish();
 }
 
@@ -176,22 +183,20 @@ void Run::FeedBatch() {
     return;
   }
   if (last_status_ == StatusCode::kNoPosition || last_status_ == StatusCode::kNoData) {
-    const char* why = last_status_ == StatusCode::kNoPosition ? "no position could be computed from it"
-                                                              : "it holds no usable epoch";
-    diagnostics_.Add(source_.Name(), 0, std::string("a batch of epochs is not judged: ") + why, false);
+    diagnostics_.Add(source_.Name(), 0, NoticeOfBatch(last_status_), false);
     return;
   }
   throw RunError(source_.Name() + ": internal error of the library in the epochs from " +
                  TimeText(batch_[0].time) + " on. Please report it with the file.");
 }
 
-std::string Run::NoBatchError() const {
-  if (last_status_ == StatusCode::kNoPosition) {
-    return source_.Name() +
-           ": no position could be computed from the observations. Check that the navigation files cover the "
-           "epochs, or give the position with --position header or --position X,Y,Z.";
-  }
-  return source_.Name() + ": found no epoch that can be judged. Check the systems and the interval.";
+RunError Run::NoBatchError() const {
+  const char* error =
+      last_status_ == StatusCode::kNoPosition
+          ? "no position could be computed from the observations. Check that the navigation files cover the "
+            "epochs, or give the position with --position header or --position X,Y,Z."
+          : "found no epoch that can be judged. Check the systems and the interval.";
+  return RunError(source_.Name() + ": " + error, NoticeOfBatch(last_status_));
 }
 
 Report Run::Finish() {

@@ -1,7 +1,5 @@
 #include "host/judging/judging_pool.h"
 
-#include <fmt/format.h>
-
 #include <exception>
 #include <utility>
 
@@ -12,11 +10,13 @@
 namespace orsolva_host {
 namespace {
 
-/// An error with the notices about lost data, which often explain it.
-std::string WithUnrepaired(const std::string& what, const Diagnostics& diagnostics) {
-  std::string text = what;
+/// An error with the notices about lost data, which often explain it; not with the one that says the same.
+std::string WithUnrepaired(const std::exception& error, const Diagnostics& diagnostics) {
+  const auto* run_error = dynamic_cast<const RunError*>(&error);
+  std::string text = ErrorText(error);
   for (const Notice& n : diagnostics.Notices()) {
-    if (!n.recovered) text += fmt::format("\n  {}:{}: {} ({})", n.file, n.line, n.text, n.count);
+    if (n.recovered || (run_error != nullptr && n.text == run_error->Notice())) continue;
+    text += "\n  " + NoticeText(n.file, n.line, n.text, n.count);
   }
   return text;
 }
@@ -52,7 +52,7 @@ void JudgingPool::ProcessFile(std::size_t file) {
   } catch (const WriteError& error) {
     outcome.error = error.what();
   } catch (const std::exception& error) {
-    outcome.error = WithUnrepaired(ErrorText(error), diagnostics);
+    outcome.error = WithUnrepaired(error, diagnostics);
   }
 }
 

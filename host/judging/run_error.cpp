@@ -1,5 +1,7 @@
 #include "host/judging/run_error.h"
 
+#include <fmt/format.h>
+
 #include <new>
 #include <system_error>
 
@@ -13,6 +15,11 @@ std::string ErrorText(const std::exception& error) {
     return std::string("the system refused what the run needs: ") + error.what() + ".";
   }
   return error.what();
+}
+
+std::string NoticeText(const std::string& file, long line, const std::string& text, long count) {
+  const std::string place = line > 0 ? fmt::format("{}:{}", file, line) : file;
+  return fmt::format("{}: {}", place, text) + (count > 1 ? fmt::format(" ({} times)", count) : "");
 }
 
 }  // namespace orsolva_host

@@ -48,7 +48,11 @@ std::string StateOf(const NetworkRow& row) {
 std::string ErrorOf(const NetworkRow& row) {
   std::string error = row.error;
   if (error.compare(0, row.file.size() + 2, row.file + ": ") == 0) error.erase(0, row.file.size() + 2);
-  std::replace(error.begin(), error.end(), '\n', ' ');
+  // Further lines are indented.
+  for (std::size_t at = error.find('\n'); at != std::string::npos; at = error.find('\n', at)) {
+    const std::size_t next = std::min(error.find_first_not_of(" \n", at), error.size());
+    error.replace(at, next - at, next < error.size() ? " " : "");
+  }
   return error;
 }
 

@@ -60,12 +60,15 @@ TEST(Network, WithoutAProfileTheLowestCompletenessComesFirst) {
 TEST(Network, TheTextKeepsTo80ColumnsAndTellsTheErrorOnce) {
   std::vector<NetworkRow> rows = {
       RowOf(orsolva_test::SampleReport()),
-      FailedRow("dir/" + std::string(90, 'x'), "dir/" + std::string(90, 'x') + ": found nothing\n  at all")};
+      FailedRow("dir/" + std::string(90, 'x'), "dir/" + std::string(90, 'x') + ": found nothing\n  at all\n")};
   const std::string text = NetworkText(rows, {});
   std::istringstream lines(text);
-  for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 80U) << line;
+  for (std::string line; std::getline(lines, line);) {
+    EXPECT_LE(line.size(), 80U) << line;
+    EXPECT_TRUE(line.empty() || line.back() != ' ') << line;
+  }
   EXPECT_NE(text.find("2 files, 1 judged, 1 failed"), std::string::npos);
-  EXPECT_NE(text.find("\n    found nothing   at all\n"), std::string::npos) << text;
+  EXPECT_NE(text.find("\n    found nothing at all\n"), std::string::npos) << text;
 }
 
 TEST(Network, TheCsvHasOneRowAFileAndNoFiguresOfFailedOnes) {

@@ -13,10 +13,10 @@ import sys
 # word: (what to say instead, pattern, limit)
 WORDS = {
     "told": ("detected, notified, given", r"told", 1),
-    "tells": ("says, shows, reports", r"tells?", 4),
-    "stands": ("is, appears, is listed in", r"stands?(?! (?:for|alone)\b)", 5),
+    "tells": ("says, shows, reports", r"tells?", 2),
+    "stands": ("is, appears, is listed in", r"stands?(?! (?:for|alone)\b)", 2),
     "beside": ("next to, besides, with", r"beside", 9),
-    "anew": ("again, restarted", r"anew", 1),
+    "anew": ("again, restarted", r"anew", 0),
     "met": ("found, seen", r"(?<!\| )met", 1),
     "lays": ("compares with", r"lays", 3),
     "packed": ("compressed", r"(?:un)?pack(?:ed|ing|s)?", 6),
@@ -32,29 +32,35 @@ WORDS = {
     "complaint": ("error, message", r"complaints?", 0),
     "as ever": ("as usual", r"as ever", 0),
 }
-TOPS = ("library", "host", "tests", "docs", "scripts", "bench", "fuzz", "examples", "cmake", "python")
+TOPS = ("library", "host", "tests", "docs", "scripts", "bench", "fuzz", "examples", "cmake", "packaging", "python",
+        ".ci")
 # Kept as they were: headers of the first release, generated pages, licences of others.
 SKIPPED = re.compile(r"^tests/abi/reference/|/dist/|node_modules/|THIRD_PARTY|^tests/docs/words_test\.py$")
 
 FENCE = re.compile(r"^```.*?^```", re.M | re.S)
 C_TEXT = re.compile(r'//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\\n])*"', re.S)
 SCRIPT_TEXT = re.compile(r'"""(?:.*?)"""|#[^\n]*|"(?:\\.|[^"\\\n])*"|\'(?:\\.|[^\'\\\n])*\'', re.S)
+TOML_TEXT = re.compile(r"'''(?:.*?)'''|" + SCRIPT_TEXT.pattern, re.S)
 KINDS = {".md": None, ".h": C_TEXT, ".hpp": C_TEXT, ".c": C_TEXT, ".cpp": C_TEXT, ".ts": C_TEXT, ".py": SCRIPT_TEXT,
-         ".sh": SCRIPT_TEXT, ".cmake": SCRIPT_TEXT, ".txt": SCRIPT_TEXT}
+         ".sh": SCRIPT_TEXT, ".cmake": SCRIPT_TEXT, ".txt": SCRIPT_TEXT, ".toml": TOML_TEXT, ".in": None}
+# Without an ending, as commands are named.
+SCRIPTS = re.compile(r"^(?:scripts|\.ci)/[^.]+$")
 
 
 def files_of(root):
     yield from sorted(root.glob("*.md"))
     for top in TOPS:
         for file in sorted((root / top).rglob("*")):
-            if file.suffix in KINDS and not SKIPPED.search(file.relative_to(root).as_posix()) and file.is_file():
+            name = file.relative_to(root).as_posix()
+            known = file.suffix in KINDS or SCRIPTS.search(name)
+            if known and not SKIPPED.search(name) and file.is_file():
                 yield file
 
 
 def texts_of(file):
     """Pieces of prose with their offsets in the file."""
     text = file.read_text(encoding="utf-8", errors="replace")
-    pattern = KINDS[file.suffix]
+    pattern = KINDS.get(file.suffix, SCRIPT_TEXT)
     if pattern is None:
         yield 0, FENCE.sub(lambda fence: re.sub(r"[^\n]", " ", fence.group()), text), text
         return

@@ -146,6 +146,62 @@ def part(text, heading):
     return lines[start + 1:end]
 
 
+def check_total(name, text, total):
+    """The sums over all systems, and below an empty line the band slots."""
+    sums = part(text, "LIBRARY TOTAL")[1:]
+    if total["total_expected_epochs"] is None and not total["slots"]:
+        assert not sums, (name, sums)
+        return
+    assert len(sums) == 1, (name, sums)
+    fields = sums[0].split()
+    assert len(fields) == len(WHOLE), (name, fields)
+    for field, key in zip(fields, WHOLE):
+        written((name, "text", "total", key), "total_" + key, field, total["total_" + key])
+    rows = part(text, "Band slot")
+    assert len(rows) == len(total["slots"]), (name, rows)
+    for row, slot in zip(rows, total["slots"]):
+        fields = row.split()
+        assert fields[:2] == ["slot", str(slot["slot"])] and len(fields) == 2 + len(BAND), (name, row)
+        for field, key in zip(fields[2:], BAND):
+            written((name, "text", *fields[:2], key), key, field, slot["total_" + key])
+
+
+def check_satellites(name, lines, satellites):
+    """A row for each, and below it the bands that have an MP or an SNR."""
+    at = 1
+    for satellite in satellites:
+        fields = lines[at].split()
+        who = satellite["satellite"]
+        assert fields[0] == who and len(fields) >= 2 + len(WHOLE), (name, who, lines[at])
+        assert " ".join(fields[1:-len(WHOLE)]) == satellite["state"], (name, who, lines[at])
+        for field, key in zip(fields[-len(WHOLE):], WHOLE):
+            written((name, "text", who, key), key, field, satellite[key])
+        below = []
+        for at in range(at + 1, len(lines) + 1):
+            if at == len(lines) or not lines[at].startswith(" "):
+                break
+            below += lines[at].split()
+        lists, kind = {"MP": {}, "SNR": {}}, None
+        for word in below:
+            if word in lists:
+                kind = lists[word]
+            else:
+                band, _, value = word.partition("=")
+                kind[band] = value
+        for kind, key in (("MP", "mp_rms_m"), ("SNR", "snr_mean_dbhz")):
+            values = {b["band"]: b[key] for b in satellite["bands"] if b[key] is not None}
+            assert set(lists[kind]) == set(values), (name, who, kind, lists[kind], values)
+            for band, value in values.items():
+                written((name, "text", who, band, key), key, lists[kind][band], value)
+    assert at == len(lines) or not satellites, (name, lines[at:])
+
+
+def elided(name, room=29):
+    """A name as the column of a table holds it."""
+    tail = (room - 3) // 2
+    return name if len(name) <= room else name[:room - 3 - tail] + "..." + name[-tail:]
+
+
 def check_text(name, text, report):
     head, run = report["headline"], report["run"]
     said = " ".join(" ".join(part(text, "HEADLINE")).split())
@@ -171,14 +227,19 @@ def check_text(name, text, report):
         for field, key in zip(row.split()[-6:], WHOLE):
             written((name, "text", system["letter"], key), key, field, system[key])
     bands = [(s["letter"], b) for s in report["systems"] for b in s["bands"]]
-    for row, (letter, band) in zip(part(text, "BANDS")[1:], bands):
+    rows = part(text, "BANDS")[1:]
+    assert len(rows) == len(bands), (name, rows)
+    for row, (letter, band) in zip(rows, bands):
         for field, key in zip(row.split()[-5:], BAND + ["iono_rms_cycles"]):
             written((name, "text", letter, band["band"], key), key, field, band[key])
     rows = part(text, "SIGNALS")[1:]
+    assert len(rows) == len(report["signals"]), (name, rows)
     for row, signal in zip(rows, report["signals"]):
         assert row.startswith(f"{signal['letter']} {signal['signal']} "), (name, row)
         for field, key in zip(row.split()[-10:], SIGNAL):
             written((name, "text", signal["letter"], signal["signal"], key), key, field, signal[key])
+    check_total(name, text, report["library_total"])
+    check_satellites(name, part(text, "SATELLITES"), report["satellites"])
     # The findings lead, each with its title.
     found = " ".join(" ".join(part(text, "WHAT TO LOOK AT FIRST")).split())
     at = -1
@@ -208,12 +269,18 @@ with tempfile.TemporaryDirectory() as folder:
     table = (out / "network.txt").read_text(encoding="utf-8")
     index = script((out / "index.html").read_text(encoding="utf-8"), "network-data")
     assert len(network) == len(files) and len(index["rows"]) == len(files)
+    assert run.returncode == (1 if any(row["state"] == "ERROR" for row in network) else 0), run
+    # Errors are indented below their rows.
+    text_rows = [line for line in table.splitlines()[2:] if not line.startswith(" ")]
+    assert len(text_rows) == len(files), table
     judged = 0
-    for row, line in zip(network, index["rows"]):
+    for row, line, text_row in zip(network, index["rows"], text_rows):
         assert row["file"] == line["file"] and row["state"] == line["state"]
+        assert text_row.split()[:2] == [elided(pathlib.Path(row["file"]).name), row["state"]], (row["file"], text_row)
         if row["state"] == "ERROR" and not row["epochs"]:
             for key, value in line.items():
                 assert value is None or key in ("file", "state", "error"), (row["file"], key, value)
+            assert text_row.split()[2:] == 5 * ["-"], (row["file"], text_row)
             continue
         judged += 1
         name = pathlib.Path(row["file"]).name
@@ -240,7 +307,6 @@ with tempfile.TemporaryDirectory() as folder:
         for key in ("duration_h", "lost_epochs"):
             same((name, "network.csv", key), row[key], report["run"][key])
             same((name, "index", key), line[key], report["run"][key])
-        text_row = next(t for t in table.splitlines() if t.startswith(name[:12]))
         for field, key in zip(text_row.split()[-5:], ["completeness_ratio", "lost_epochs", "mp1_rms_m", "mp2_rms_m",
                                                       "observations_per_restart"]):
             written((name, "network.txt", key), key, field, figures["", "", key])

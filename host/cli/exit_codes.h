@@ -3,6 +3,7 @@
 #define ORSOLVA_CLI_EXIT_CODES_H
 
 #include <string>
+#include <vector>
 
 namespace orsolva_host {
 
@@ -22,8 +23,8 @@ struct ExitCode {
 extern const ExitCode kExitCodes[];
 extern const int kExitCodeCount;
 
-/// One line per code.
-std::string ExitCodeLines();
+/// One line per code. @param only  the codes to list; empty for all
+std::string ExitCodeLines(const std::vector<int>& only = {});
 
 }  // namespace orsolva_host
 

@@ -53,7 +53,7 @@ std::string CommandHelp(const Command& command) {
     if (HeadingOf(row) != heading) text += "\n" + (heading = HeadingOf(row)) + ":\n";
     text += Entry(row.Usage(), row.HelpWithDefault());
   }
-  return text + "\nExit codes:\n" + ExitCodeLines();
+  return text + "\nExit codes:\n" + ExitCodeLines(command.exit_codes);
 }
 
 }  // namespace orsolva_host

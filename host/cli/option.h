@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "host/cli/argument_texts.h"
+#include "host/cli/exit_codes.h"
 
 namespace orsolva_host {
 
@@ -97,6 +98,8 @@ struct Command {
   std::string description;
   std::vector<Option> options;  ///< positional arguments first
   std::function<int()> run;     ///< to be called when the options are set; returns the exit code
+  /// What run may return and the program exit with.
+  std::vector<int> exit_codes = {kGood, kRunFailed, kWrongUsage};
 
   /// nullptr when there is none of the name.
   const Option* Find(const std::string& option) const;

@@ -116,6 +116,7 @@ Command QcCommand() {
   AddAnalysisOptions(*request, command.options);
   AddOutputOptions(*request, command.options);
   AddGeneralOptions(*request, command.options);
+  command.exit_codes = {kGood, kRunFailed, kWrongUsage, kVerdictFailed, kInterrupted, kTerminated};
   command.run = [request] { return CheckFiles(*request); };
   return command;
 }

@@ -189,8 +189,11 @@ Command SimulateCommand() {
     if (row.name == "scenario") row.excludes = "preset";
     row.many = row.name == "faults";
   }
-  return {"simulate", "Simulate a receiver and write its observations with their truth", std::move(rows),
-          [s] { return RunSimulate(*s); }};
+  return {"simulate",
+          "Simulate a receiver and write its observations with their truth",
+          std::move(rows),
+          [s] { return RunSimulate(*s); },
+          {kGood, kRunFailed, kWrongUsage, kInterrupted, kTerminated}};
 }
 
 }  // namespace orsolva_host

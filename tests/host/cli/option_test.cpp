@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -120,6 +121,18 @@ TEST(Help, KeepsToEightyColumns) {
       EXPECT_LE(end - begin, 80U) << text.substr(begin, end - begin);
     }
   }
+}
+
+TEST(Help, ListsTheExitCodesThatTheCommandCanReturn) {
+  const auto codes = [](const Command& command) {
+    std::istringstream lines(CommandHelp(command).substr(CommandHelp(command).find("Exit codes:\n") + 12));
+    std::vector<int> found;
+    for (std::string line; std::getline(lines, line);) found.push_back(std::stoi(line));
+    return found;
+  };
+  EXPECT_EQ(codes(QcCommand()), (std::vector<int>{0, 1, 2, 3, 130, 143}));
+  EXPECT_EQ(codes(SimulateCommand()), (std::vector<int>{0, 1, 2, 130, 143}));
+  EXPECT_EQ(codes(InspectCommand()), (std::vector<int>{0, 1, 2}));
 }
 
 TEST(Help, NamesTheCompressionOfObservations) {

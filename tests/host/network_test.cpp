@@ -58,9 +58,9 @@ TEST(Network, WithoutAProfileTheLowestCompletenessComesFirst) {
 }
 
 TEST(Network, TheTextKeepsTo80ColumnsAndTellsTheErrorOnce) {
-  std::vector<NetworkRow> rows = {
-      RowOf(orsolva_test::SampleReport()),
-      FailedRow("dir/" + std::string(90, 'x'), "dir/" + std::string(90, 'x') + ": found nothing\n  at all\n")};
+  std::vector<NetworkRow> rows = {RowOf(orsolva_test::SampleReport()),
+                                  FailedRow("dir/" + std::string(90, 'x'),
+                                            "dir/" + std::string(90, 'x') + ": found nothing\n  at all\n")};
   const std::string text = NetworkText(rows, {});
   std::istringstream lines(text);
   for (std::string line; std::getline(lines, line);) {

@@ -4,11 +4,13 @@
 
 #include <atomic>
 #include <filesystem>
+#include <fstream>
 #include <memory>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "host/judging/run_error.h"
 #include "host/output/byte_sink.h"
 #include "host/report/json_writer.h"
 #include "tests/host/judging/simulated_files.h"
@@ -52,6 +54,33 @@ TEST(JudgingPool, FindsTheNavigationBesideEachFileWhenNoneIsNamed) {
   ASSERT_TRUE(outcome.report.has_value()) << outcome.error;
   EXPECT_EQ(outcome.report->run.navigation_files,
             std::vector<std::string>{files.Path("SIMU00ORS_R_20201770000_01H_MN.rnx")});
+}
+
+TEST(JudgingPool, AnErrorIsNotFollowedByTheNoticeThatSaysTheSame) {
+  const SimulatedFiles files;
+  std::ifstream all(files.Path("nav.rnx"));
+  std::ofstream one(files.Path("one.rnx"));
+  // The records of one satellite, which give no position.
+  bool header = true, kept = false;
+  for (std::string line; std::getline(all, line);) {
+    if (!header && line[0] != ' ') kept = line.compare(0, 3, "G01") == 0;
+    if (header || kept) one << line << '\n';
+    header = header && line.find("END OF HEADER") == std::string::npos;
+  }
+  one.close();
+  JudgingSettings settings = SettingsOfSimulatedHour();
+  settings.position.source = PositionSource::kComputed;
+  JudgingPool pool({files.Path("a.rnx")}, settings, {files.Path("one.rnx")});
+  EXPECT_EQ(
+      pool.Take(0).error,
+      files.Path("a.rnx") +
+          ": no position could be computed from the observations. Check that the navigation files cover "
+          "the epochs, or give the position with --position header or --position X,Y,Z.");
+}
+
+TEST(NoticeText, HasALineAndACountOnlyWhereTheySaySomething) {
+  EXPECT_EQ(NoticeText("a.rnx", 0, "cut off", 1), "a.rnx: cut off");
+  EXPECT_EQ(NoticeText("a.rnx", 7, "cut off", 2), "a.rnx:7: cut off (2 times)");
 }
 
 /// Waits in the run of the first file until it is let go.

@@ -28,9 +28,9 @@ std::vector<std::string> AsArguments(const std::vector<GivenValue>& values) {
 
 void SetAsCommandLine(const std::vector<GivenValue>& values) {
   static const std::vector<Command> commands = AllCommands();
-  const CommandLine line = ParseCommandLine(commands, AsArguments(values));
-  orsolva_fuzz::Require(line.command != nullptr, "values of a file are a command line");
   try {
+    const CommandLine line = ParseCommandLine(commands, AsArguments(values));
+    orsolva_fuzz::Require(line.command != nullptr, "values of a file are a command line");
     SetValues(line.values);
   } catch (const UsageError& error) {
     std::fprintf(stderr, "%s\n", error.what());

@@ -37,13 +37,13 @@ std::string ParseSwitch(const std::string& text, bool& on) {
 
 std::string ParseNumber(const std::string& text, double& number) {
   const bool good = ParseDecimal(text, number) == FieldState::kNumber && std::isfinite(number);
-  return good ? std::string() : "'" + text + "' is no number";
+  return good ? std::string() : "'" + text + "' is not a number";
 }
 
 std::string ParseNumber(const std::string& text, double low, double high, double& number) {
   double read = 0;
   const bool good = ParseDecimal(text, read) == FieldState::kNumber && read >= low && read <= high;
-  if (!good) return fmt::format("'{}' is no number from {:g} to {:g}", text, low, high);
+  if (!good) return fmt::format("'{}' is not a number from {:g} to {:g}", text, low, high);
   number = read;
   return {};
 }
@@ -51,7 +51,7 @@ std::string ParseNumber(const std::string& text, double low, double high, double
 std::string ParseWholeNumber(const std::string& text, unsigned high, unsigned& number) {
   std::int64_t read = 0;
   const bool good = ParseInteger(text, read) == FieldState::kNumber && read >= 0 && read <= high;
-  if (!good) return fmt::format("'{}' is no whole number from 0 to {}", text, high);
+  if (!good) return fmt::format("'{}' is not a whole number from 0 to {}", text, high);
   number = static_cast<unsigned>(read);
   return {};
 }
@@ -71,10 +71,10 @@ std::string ParseFormats(const std::string& text, std::vector<Format>& formats) 
   formats.clear();
   for (const std::string& name : SplitAtCommas(text)) {
     const OutputFormat* row = FindFormat(name);
-    if (row == nullptr) return "'" + name + "' is no format: give names out of " + FormatNames();
+    if (row == nullptr) return "'" + name + "' is not a format; choose from " + FormatNames();
     formats.push_back(row->format);
   }
-  return formats.empty() ? "no format given: give names out of " + FormatNames() : std::string();
+  return formats.empty() ? "no format given; choose from " + FormatNames() : std::string();
 }
 
 std::string ParsePosition(const std::string& text, PositionChoice& position) {
@@ -82,7 +82,7 @@ std::string ParsePosition(const std::string& text, PositionChoice& position) {
     position.source = text == "spp" ? PositionSource::kComputed : PositionSource::kHeader;
     return {};
   }
-  const std::string wanted = "'" + text + "' is no position: give X,Y,Z in metres, header or spp";
+  const std::string wanted = "'" + text + "' is not a position: give X,Y,Z in metres, header or spp";
   const std::vector<std::string> parts = SplitAtCommas(text);
   if (parts.size() != 3) return wanted;
   double sum = 0;
@@ -103,7 +103,7 @@ std::string ParsePosition(const std::string& text, PositionChoice& position) {
 std::string ParseSystems(const std::string& text, std::string& systems) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     if (SystemSlot(text[i]) < 0 || text.find(text[i]) != i) {
-      return "'" + text + "' is no list of systems: give letters from GREJC, each once";
+      return "'" + text + "' is not a list of systems: give letters from GREJC, each once";
     }
   }
   if (text.empty()) return "no system given: give letters from GREJC";
@@ -120,7 +120,7 @@ std::string ParseSize(const std::string& text, InputLimits& limits) {
   const std::string_view digits = std::string_view(text).substr(0, text.size() - (has_unit ? 1 : 0));
   const bool good = ParseInteger(digits, number) == FieldState::kNumber && number > 0 &&
                     number <= std::numeric_limits<std::int64_t>::max() >> shift;
-  if (!good) return "'" + text + "' is no size: give a number of bytes such as 500M or 20G";
+  if (!good) return "'" + text + "' is not a size: give a number of bytes such as 500M or 20G";
   limits.max_decompressed_bytes = static_cast<std::uint64_t>(number) << shift;
   // The other limit grows along: 8 GiB are worth a million records.
   limits.max_records = std::max<std::size_t>(InputLimits().max_records, limits.max_decompressed_bytes >> 13);
@@ -135,7 +135,7 @@ std::string ParseExcluded(const std::string& text, std::vector<ExcludedSatellite
     const bool named = name.size() <= 3 && ParseSatellite(name, letter, number);
     const int slot = named ? SystemSlot(letter) : -1;
     if (slot < 0 || number > kSystemTable[slot].satellites) {
-      return "'" + name + "' is no satellite: give names like G04,R12";
+      return "'" + name + "' is not a satellite: give names like G04,R12";
     }
     excluded.push_back({slot, number});
   }

@@ -65,9 +65,24 @@ bool BeginsWithCommand(const std::vector<Command>& commands, const std::vector<s
   for (const Command& command : commands) {
     if (command.name == first) return true;
   }
-  PrintError((first.empty() ? "no command is given" : "'" + first + "' is no command") +
+  PrintError((first.empty() ? "no command is given" : "'" + first + "' is not a command") +
              ". `orsolva --help` lists the commands.");
   return false;
+}
+
+/// What the parser found wrong, as a sentence; an unknown option before a missing argument.
+std::string WrongUsage(const CLI::App& parser, const CLI::ParseError& error) {
+  for (const std::string& extra : parser.remaining(true)) {
+    if (extra.size() > 1 && extra[0] == '-') return "there is no option '" + extra + "'";
+  }
+  const std::string what = error.what();
+  const std::string name = what.substr(0, what.find_first_of(": "));
+  if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) return name + " needs a value";
+  if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
+    return parser.get_subcommands().empty() ? "no command is given" : "the argument " + name + " is missing";
+  }
+  const std::vector<std::string> extras = parser.remaining(true);
+  return extras.empty() ? what : "'" + extras.front() + "' is one argument too many";
 }
 
 bool EndsIn(const std::string& text, const std::string& ending) {
@@ -87,7 +102,8 @@ CommandLine ParseCommandLine(const std::vector<Command>& commands,
   try {
     parser.parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
   } catch (const CLI::ParseError& error) {
-    line.exit_code = parser.exit(error) == 0 ? kGood : kWrongUsage;
+    if (error.get_exit_code() != 0) throw UsageError(WrongUsage(parser, error));
+    parser.exit(error);  // prints the help
     return line;
   }
   const std::string name = parser.get_subcommands().front()->get_name();

@@ -16,7 +16,7 @@ struct CommandLine {
 };
 
 /// Values are not set yet, so that those of a configuration file can come first.
-/// @param arguments  without the program's name
+/// @param arguments  without the program's name @throws UsageError naming what is wrong
 CommandLine ParseCommandLine(const std::vector<Command>& commands, const std::vector<std::string>& arguments);
 
 /// Sets the options. @throws UsageError naming the option whose value is wrong

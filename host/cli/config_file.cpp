@@ -52,7 +52,7 @@ void SetKey(const Command& command, const std::string& key, const toml::node& no
   const Option* row = command.Find(key);
   if (row == nullptr || !IsConfigurable(*row)) {
     Refuse(origin, node,
-           fmt::format("'{}' is no key of [{}]; `orsolva config` prints them all", key, command.name));
+           fmt::format("'{}' is not a key of [{}]; `orsolva config` prints them all", key, command.name));
   }
   if (const toml::array* list = node.as_array()) {
     for (const toml::node& item : *list) SetValue(*row, item, origin, values);
@@ -108,7 +108,7 @@ std::vector<GivenValue> SetFromConfig(const Command& command, std::string_view t
       const toml::table* keys = node.as_table();
       if (keys == nullptr || section.str() != command.name) {
         Refuse(origin, node,
-               fmt::format("'{}' is no section: options belong below [{}]", section.str(), command.name));
+               fmt::format("'{}' is not a section: options belong below [{}]", section.str(), command.name));
       }
       for (const auto& [key, value] : *keys) SetKey(command, std::string(key.str()), value, origin, values);
     }

@@ -140,7 +140,8 @@ std::unique_ptr<ByteSource> OpenBytes(const std::string& path, Diagnostics& diag
                                       const InputLimits& limits) {
   std::FILE* file = path == "-" ? stdin : std::fopen(path.c_str(), "rb");
   if (!file) {
-    throw FileError(path, 0, std::strerror(errno), "a readable file", "Check the name and the permissions.");
+    throw FileError(path, 0, std::string("cannot be opened: ") + std::strerror(errno), "",
+                    "Check the name and the permissions.");
   }
   return DecompressedBytes(std::make_unique<FileBytes>(path, file), path, diagnostics, limits);
 }

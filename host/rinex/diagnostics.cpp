@@ -50,7 +50,7 @@ std::string Message(const std::string& file, long line, const std::string& found
                     const std::string& advice) {
   std::string text = file;
   if (line > 0) text += ":" + std::to_string(line);
-  text += ": found " + found + ", expected " + expected + ".";
+  text += expected.empty() ? ": " + found + "." : ": found " + found + ", expected " + expected + ".";
   if (!advice.empty()) text += " " + advice;
   return text;
 }

@@ -15,7 +15,7 @@ namespace orsolva_host {
 /// Reading cannot continue: where, what was found, what was expected and what the user can do.
 class FileError : public std::runtime_error {
  public:
-  /// @param line  1-based, 0 for the file as a whole
+  /// @param line  1-based, 0 for the file as a whole @param expected  empty when found says everything
   FileError(std::string file, long line, std::string found, std::string expected, std::string advice);
 
   const std::string& File() const { return file_; }

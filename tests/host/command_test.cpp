@@ -51,10 +51,25 @@ TEST(Command, HelpIsGoodAndWrongUsageIsTwo) {
   }
 }
 
+TEST(Command, WrongUsageIsNamedInTheWordsOfTheProgram) {
+  const auto said = [](const std::string& arguments) { return Orsolva(arguments).err; };
+  const std::string more = "\nRun with --help for more information.\n";
+  EXPECT_EQ(said("qc"), "orsolva: the argument FILES is missing" + more);
+  EXPECT_EQ(said("qc --bogus"), "orsolva: there is no option '--bogus'" + more);
+  EXPECT_EQ(said("qc a.rnx --bogus=3"), "orsolva: there is no option '--bogus=3'" + more);
+  EXPECT_EQ(said("--bogus"), "orsolva: there is no option '--bogus'" + more);
+  EXPECT_EQ(said("qc a.rnx --elevation"), "orsolva: --elevation needs a value" + more);
+  EXPECT_EQ(said("qc a.rnx --nav"), "orsolva: --nav needs a value" + more);
+  EXPECT_EQ(said("version now"), "orsolva: 'now' is one argument too many" + more);
+  EXPECT_EQ(said("qc a.rnx --elevation 91"),
+            "orsolva: --elevation: '91' is not a number from 0 to 90" + more);
+}
+
 TEST(Command, FailedRunsAreOneAndSayWhatToDo) {
   const Answer missing = Orsolva("qc /nonexistent.rnx /nonexistent.nav");
   EXPECT_EQ(missing.code, 1);
-  EXPECT_NE(missing.err.find("/nonexistent.rnx: found No such file or directory"), std::string::npos)
+  EXPECT_NE(missing.err.find("/nonexistent.rnx: cannot be opened: No such file or directory. Check"),
+            std::string::npos)
       << missing.err;
   EXPECT_TRUE(missing.out.empty());
 }

@@ -40,7 +40,7 @@ int Explain(const std::string& name) {
   }
   std::string near;
   for (const std::string& key : FiguresLike(name)) near += (near.empty() ? " Did you mean " : ", ") + key;
-  PrintError("'" + name + "' is no figure." + near + (near.empty() ? "" : "?") +
+  PrintError("'" + name + "' is not a figure." + near + (near.empty() ? "" : "?") +
              " `orsolva explain` lists them all.");
   return kWrongUsage;
 }

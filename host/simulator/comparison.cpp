@@ -55,7 +55,7 @@ Json Parsed(const NamedText& file, const char* what, const std::vector<const cha
   Json json = Json::parse(file.text, nullptr, false);
   bool good = json.is_object();
   for (const char* key : keys) good = good && json.contains(key);
-  if (!good) throw ComparisonError(fmt::format("{}: found no {}, expected {}", file.name, what, what));
+  if (!good) throw ComparisonError(fmt::format("{}: is not a {}", file.name, what));
   return json;
 }
 
@@ -124,7 +124,7 @@ class Comparison {
       : report_name_(report.name),
         truth_name_(truth.name),
         report_(Parsed(report, "report of orsolva qc --json", {"run", "systems", "signals"})),
-        truth_(Parsed(truth, "truth.json of orsolva simulate", {"receiver", "satellites", "faults"})),
+        truth_(Parsed(truth, "truth.json written by orsolva simulate", {"receiver", "satellites", "faults"})),
         run_(report_.at("run")),
         detail_(detail) {}
 

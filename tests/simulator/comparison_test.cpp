@@ -152,10 +152,10 @@ TEST(Comparison, FilesOfAnotherKindAreNamed) {
       return error.what();
     }
   };
-  EXPECT_EQ(wrong("", truth.dump()).find("r.json: found no report"), 0U);
-  EXPECT_EQ(wrong(truth.dump(), truth.dump()).find("r.json: found no report"), 0U);
-  EXPECT_EQ(wrong(report.dump(), report.dump()).find("t.json: found no truth.json"), 0U);
-  EXPECT_EQ(wrong(report.dump(), "[1]").find("t.json: found no truth.json"), 0U);
+  EXPECT_EQ(wrong("", truth.dump()).find("r.json: is not a report"), 0U);
+  EXPECT_EQ(wrong(truth.dump(), truth.dump()).find("r.json: is not a report"), 0U);
+  EXPECT_EQ(wrong(report.dump(), report.dump()).find("t.json: is not a truth.json"), 0U);
+  EXPECT_EQ(wrong(report.dump(), "[1]").find("t.json: is not a truth.json"), 0U);
   json old_truth = truth;
   old_truth["satellites"][0].erase("two_signals_epochs");
   EXPECT_NE(wrong(report.dump(), old_truth.dump()).find("two_signals_epochs"), std::string::npos);

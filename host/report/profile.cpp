@@ -4,6 +4,7 @@
 #include <toml++/toml.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <optional>
 #include <utility>
@@ -38,7 +39,7 @@ void RefuseUnknownKeys(const toml::table& table, std::initializer_list<std::stri
                        const std::string& origin) {
   for (const auto& [key, value] : table) {
     if (std::find(known.begin(), known.end(), key.str()) == known.end()) {
-      Refuse(origin, value, fmt::format("'{}' is no key of a profile", key.str()));
+      Refuse(origin, value, fmt::format("'{}' is not a key of a profile", key.str()));
     }
   }
 }
@@ -55,7 +56,22 @@ FigureScope ScopeOf(const toml::table& table, const std::string& origin) {
     if (name == text) return scope;
   }
   Refuse(origin, table,
-         "'" + name + "' is no scope: use run, headline, library_total, system, satellite or signal");
+         "'" + name + "' is not a scope: use run, headline, library_total, system, satellite or signal");
+}
+
+/// A few short names mean a figure of the headline there, and elsewhere the figure that every scope has.
+std::string NameIn(FigureScope scope, const std::string& name) {
+  if (scope == FigureScope::kHeadline) return name;
+  constexpr std::pair<std::string_view, const char*> kElsewhere[] = {{"mp1", "mp_rms_m"},
+                                                                     {"mp2", "mp_rms_m"},
+                                                                     {"slips", "phase_geometry_slip_epochs"},
+                                                                     {"jumps", "mp_restart_epochs"}};
+  std::string lower = name;
+  for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  for (const auto& [short_name, key] : kElsewhere) {
+    if (lower == short_name) return key;
+  }
+  return name;
 }
 
 void TakeLimits(const toml::table& table, const std::string& origin, Criterion& criterion) {
@@ -81,10 +97,10 @@ Criterion CriterionOf(const toml::table& table, const std::string& origin) {
   Criterion criterion;
   criterion.name = TextOf(table, "name", origin);
   const std::string figure = TextOf(table, "figure", origin);
-  const Figure* known = FindFigure(figure);
-  if (known == nullptr) Refuse(origin, table, "'" + figure + "' is no figure; see orsolva explain");
-  criterion.figure = known->key;
   criterion.scope = ScopeOf(table, origin);
+  const Figure* known = FindFigure(NameIn(criterion.scope, figure));
+  if (known == nullptr) Refuse(origin, table, "'" + figure + "' is not a figure; see orsolva explain");
+  criterion.figure = known->key;
   criterion.systems = table["systems"].value_or(std::string());
   if (const toml::array* signals = table["signals"].as_array()) {
     for (const toml::node& signal : *signals) criterion.signals.push_back(signal.value_or(std::string()));
@@ -169,8 +185,8 @@ Profile LoadProfile(const std::string& name_or_file) {
     for (int i = 0; i < kBuiltInProfileCount; ++i) {
       names += std::string(i > 0 ? ", " : "") + kBuiltInProfiles[i].name;
     }
-    throw ProfileError("'" + name_or_file + "' is no profile (" + names + ") and no file of one: found " +
-                       error.Found());
+    throw ProfileError("'" + name_or_file + "' is neither a built-in profile (" + names +
+                       ") nor a readable file: found " + error.Found());
   }
   return ParseProfile(text, name_or_file);
 }

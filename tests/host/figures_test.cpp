@@ -98,7 +98,10 @@ TEST(Figures, AreFoundByColumnHeadingAndWhateverTheCase) {
        {"mp1", "MP6", "Expected", "Obs/slip", "Obs/rst", "Compl", "SNR<=30deg", "o/slps", "%"}) {
     EXPECT_NE(FindFigure(name), nullptr) << name;
   }
-  EXPECT_EQ(FindFigure("MP1")->key, "mp_rms_m");
+  EXPECT_EQ(FindFigure("MP1")->key, "mp1_rms_m");
+  EXPECT_EQ(FindFigure("mp6")->key, "mp_rms_m");
+  EXPECT_EQ(FindFigure("slips")->key, "geometry_free_slips");
+  EXPECT_EQ(FindFigure("jumps")->key, "code_jumps");
   EXPECT_EQ(FindFigure("slip_epochs")->key, "phase_geometry_slip_epochs");
   EXPECT_EQ(FindFigure("jump_epochs")->key, "mp_restart_epochs");
   EXPECT_EQ(FindFigure("mp9"), nullptr);

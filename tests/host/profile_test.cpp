@@ -94,6 +94,19 @@ TEST(Profile, AFileOfAUserIsRead) {
   EXPECT_EQ(Judge(SampleReport(), LoadProfile(path)).outcomes.front().grade, "fair");
 }
 
+TEST(Profile, AShortNameMeansTheFigureOfItsScope) {
+  const auto figure = [](const char* name, const char* scope) {
+    const std::string text = std::string("name='n'\ntitle='t'\n[[criterion]]\nname='c'\nsource='s'\n") +
+                             "at_most={good=1,fair=2}\nfigure='" + name + "'\nscope='" + scope + "'\n";
+    return ParseProfile(text, "p.toml").criteria[0].figure;
+  };
+  EXPECT_EQ(figure("MP1", "headline"), "mp1_rms_m");
+  EXPECT_EQ(figure("MP1", "signal"), "mp_rms_m");
+  EXPECT_EQ(figure("slips", "headline"), "geometry_free_slips");
+  EXPECT_EQ(figure("slips", "system"), "phase_geometry_slip_epochs");
+  EXPECT_EQ(figure("jumps", "satellite"), "mp_restart_epochs");
+}
+
 TEST(Profile, MistakesAreNamedWithTheirLine) {
   EXPECT_EQ(Complaint("name = ").find("p.toml:1: "), 0U);
   EXPECT_NE(Complaint("name='n'\ntitle='t'\n").find("[[criterion]]"), std::string::npos);
@@ -103,7 +116,13 @@ TEST(Profile, MistakesAreNamedWithTheirLine) {
   EXPECT_NE(Complaint(CriterionText("at_most={good=1,fair=1}\nodd=1")).find("p.toml:8: 'odd'"),
             std::string::npos);
   EXPECT_NE(Complaint("name='n'\ntitle='t'\ncriterion=[1]\n").find("p.toml:3"), std::string::npos);
-  EXPECT_THROW(LoadProfile("/no/such/profile"), ProfileError);
+  try {
+    LoadProfile("/no/such/profile");
+    ADD_FAILURE() << "a profile that is not there was read";
+  } catch (const ProfileError& error) {
+    EXPECT_NE(std::string(error.what()).find("neither a built-in profile (network"), std::string::npos)
+        << error.what();
+  }
 }
 
 std::string DeepKey() {

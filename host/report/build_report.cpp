@@ -110,6 +110,9 @@ void DropUncountedObservations(Report& report) {
       if (satellite.name[0] == system.letter) drop(satellite.figures);
     }
   }
+  const bool any_counts = std::any_of(report.systems.begin(), report.systems.end(),
+                                      [](const SystemReport& s) { return s.figures.observed.has_value(); });
+  if (!any_counts) drop(report.library_total);
 }
 
 }  // namespace

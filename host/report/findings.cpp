@@ -9,6 +9,7 @@
 
 #include "host/report/finding_limits.h"
 #include "host/report/headline.h"
+#include "host/report/median.h"
 #include "host/report/run_events.h"
 
 namespace orsolva_host {
@@ -65,6 +66,7 @@ class Finder {
   std::vector<Finding> All() {
     Damage();
     NotJudged();
+    NothingJudged();
     NoCompleteness();
     Position();
     LostEpochs();
@@ -89,20 +91,27 @@ class Finder {
     return found_.back();
   }
 
+  bool IsNothingJudged() const {
+    const std::optional<Count>& judged = report_.headline.satellites_judged;
+    return judged ? *judged == 0 : report_.signals.empty();
+  }
+
   void Damage() {
     if (report_.read_error.empty()) return;
     Add("damaged", "warning", "Damaged file", report_.read_error + " The report covers what precedes it.");
   }
 
   void NotJudged();
+  void NothingJudged();
 
   void NoCompleteness() {
-    if (report_.headline.completeness || report_.signals.empty()) return;
+    if (report_.headline.completeness || IsNothingJudged()) return;
     const bool strengths = std::any_of(report_.signals.begin(), report_.signals.end(),
                                        [](const SignalReport& s) { return s.snr_dbhz.has_value(); });
     Add("no-completeness", "warning", "No completeness",
-        strengths ? "No system counts complete observations."
-                  : "The file has no signal strengths (S), without which no observation counts as complete.");
+        strengths || report_.signals.empty()
+            ? "No system counts complete observations."
+            : "The file has no signal strengths (S), without which no observation counts as complete.");
   }
 
   void Position() {
@@ -121,7 +130,7 @@ class Finder {
       for (const EpochSpan& hole : events_->holes) times.push_back(events_->Clock(hole.first));
     }
     Add("lost-epochs", "warning", Many(static_cast<Count>(lost), "epoch") + " lost",
-        fmt::format("No satellite was recorded{}.", times.empty() ? "" : " from " + Listed(times) + " on"))
+        times.empty() ? "" : fmt::format("Gaps begin at {}.", Listed(times)))
         .figures = {{"lost_epochs", static_cast<double>(lost)}};
   }
 
@@ -162,6 +171,7 @@ class Finder {
     if (h.geometry_free_slips != Count{0} || h.code_jumps != Count{0} || h.receiver_slip_epochs != Count{0}) {
       return;
     }
+    if (IsNothingJudged()) return;
     Add("no-slips", "good", "No slips", "No slip of the geometry-free phase and no code jump was found.");
   }
 
@@ -198,6 +208,28 @@ void Finder::NotJudged() {
   finding.satellites = names;
 }
 
+void Finder::NothingJudged() {
+  if (!IsNothingJudged()) return;
+  const Headline& h = report_.headline;
+  std::string why;
+  const auto say = [&why](const std::optional<Count>& count, const char* what) {
+    if (count.value_or(0) > 0) why += fmt::format("{}{} {}", why.empty() ? ": " : ", ", *count, what);
+  };
+  say(h.satellites_excluded, "excluded");
+  say(h.satellites_unhealthy, "unhealthy");
+  say(h.satellites_without_record, "without record");
+  say(h.satellites_without_position, "without position");
+  say(h.satellites_below_cutoff, "below the cut-off");
+  if (h.satellites_observed.value_or(0) == 0) {
+    Add("nothing-judged", "warning", "Nothing judged", "No satellite of the systems chosen was observed.");
+    return;
+  }
+  Add("nothing-judged", "warning", "Nothing judged",
+      fmt::format("None of the satellites observed was judged{}.", why))
+      .figures = {{"satellites_observed", static_cast<double>(*h.satellites_observed)},
+                  {"satellites_judged", static_cast<double>(h.satellites_judged.value_or(0))}};
+}
+
 void Finder::SatelliteSlips() {
   const auto slips = TalliesOf(*events_, [](const SatelliteEvents& s) { return s.geometry_free_slips; });
   if (slips.empty()) return;
@@ -227,11 +259,9 @@ void Finder::WorstMultipath() {
     if (worst == nullptr || *s.mp_m > *worst->mp_m) worst = &s;
   }
   if (worst == nullptr) return;
-  std::sort(all.begin(), all.end());
-  Finding& finding =
-      Add("worst-multipath", "info", "Worst multipath: " + NameOf(*worst),
-          fmt::format("RMS {} on {}; the median of all signals is {}.", Metres(*worst->mp_m),
-                      worst->band.empty() ? "its band" : worst->band, Metres(all[all.size() / 2])));
+  Finding& finding = Add("worst-multipath", "info", "Worst multipath: " + NameOf(*worst),
+                         fmt::format("RMS {} on {}; the median of all signals is {}.", Metres(*worst->mp_m),
+                                     worst->band.empty() ? "its band" : worst->band, Metres(MedianOf(all))));
   finding.figures = {{"mp_rms_m", *worst->mp_m}};
   finding.signal = NameOf(*worst);
 }

@@ -4,6 +4,7 @@
 // id                   severity  said when
 // damaged              warning   reading ended before the end of the file
 // not-judged           warning   a satellite was observed, and is unhealthy or has no broadcast record or no position
+// nothing-judged       warning   no satellite was judged: there are no figures, and no "good" finding is said
 // no-completeness      warning   no system has a completeness, for want of signal strengths or of a code that counts
 // position-far         warning   the position lies farther than far_from_header_m from the header's
 // lost-epochs          warning   epochs of the span are not in the file
@@ -15,7 +16,7 @@
 // code-jumps           warning   the multipath combination of a satellite departed from its running mean
 // worst-multipath      info      always: the signal with the largest multipath RMS
 // least-complete       info      always: the signal with the lowest completeness
-// no-slips             good      no slip of the geometry-free phase and no code jump
+// no-slips             good      no slip of the geometry-free phase and no code jump on the satellites judged
 // nothing-missing      good      every signal was observed whenever it was expected
 // clang-format on
 #ifndef ORSOLVA_REPORT_FINDINGS_H

@@ -8,6 +8,7 @@
 #include <tuple>
 
 #include "host/report/csv_writer.h"
+#include "host/report/median.h"
 #include "host/report/verdict_text.h"
 #include "host/rinex/civil_time.h"
 #include "host/rinex/diagnostics.h"
@@ -107,9 +108,8 @@ NetworkSummary SummaryOf(const std::vector<NetworkRow>& rows) {
       sum.first_epoch = row.first_epoch;
   }
   if (ratios.empty()) return sum;
-  std::sort(ratios.begin(), ratios.end());
-  sum.least_completeness = ratios.front();
-  sum.median_completeness = (ratios[(ratios.size() - 1) / 2] + ratios[ratios.size() / 2]) / 2;
+  sum.least_completeness = *std::min_element(ratios.begin(), ratios.end());
+  sum.median_completeness = MedianOf(ratios);
   return sum;
 }
 

@@ -3,11 +3,14 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "host/report/navigation_coverage.h"
 
 namespace orsolva_host {
 namespace {
+
+constexpr const char* kGalileoNotCounted = "galileo-not-counted";
 
 bool HasBand(const std::vector<std::string>& codes, char band) {
   return std::any_of(codes.begin(), codes.end(),
@@ -36,15 +39,21 @@ void AddGalileo(const Report& report, std::vector<ReportNote>& notes) {
                     "snr_mean_below_30deg_dbhz", "snr_mean_above_30deg_dbhz"},
                    "E",
                    {"E5b", "E5"}});
-  if (!HasUncountedCode(*galileo)) return;
-  notes.push_back(
-      {"galileo-not-counted",
-       "The Galileo combination holds E5b or E5, so its complete observations are not counted; see "
-       "each signal instead. The library total holds Galileo's expected epochs without observed ones, "
-       "which lowers its completeness; the headline leaves Galileo out.",
-       {"observed_epochs", "completeness_ratio", "observations_per_restart", "total_completeness_ratio"},
-       "E",
-       {}});
+  const Figures& figures = galileo->figures;
+  if (!HasUncountedCode(*galileo) || !figures.expected || figures.observed) return;
+  ReportNote note{kGalileoNotCounted,
+                  "The Galileo combination holds E5b or E5, so its complete observations are not counted; "
+                  "see each signal instead.",
+                  {"observed_epochs", "completeness_ratio", "observations_per_restart"},
+                  "E",
+                  {}};
+  if (report.library_total.completeness) {
+    note.text +=
+        " The library total holds Galileo's expected epochs without observed ones, which lowers its "
+        "completeness; the headline leaves Galileo out.";
+    note.figures.emplace_back("total_completeness_ratio");
+  }
+  notes.push_back(std::move(note));
 }
 
 void AddGlonass(const Report& report, std::vector<ReportNote>& notes) {
@@ -74,16 +83,19 @@ void AddBds(const Report& report, std::vector<ReportNote>& notes) {
 }
 
 void AddSlips(const Report& report, std::vector<ReportNote>& notes) {
-  const bool any = std::any_of(report.systems.begin(), report.systems.end(), [](const SystemReport& s) {
+  const bool systems = std::any_of(report.systems.begin(), report.systems.end(), [](const SystemReport& s) {
     return s.figures.phase_geometry_slips.value_or(0) > 0;
   });
-  if (!any) return;
+  const bool signals = std::any_of(report.signals.begin(), report.signals.end(), [](const SignalReport& s) {
+    return s.phase_geometry_slips.value_or(0) > 0;
+  });
+  if (!systems && !signals) return;
   notes.push_back(
       {"phase-test",
        "PG slips are those of the phase-minus-geometry test, which also counts every change of the "
-       "broadcast record in use, and at 30 s the phases of low satellites, so the counts lie above "
-       "the cycle slips really there. Restarts (Rst) are those of the multipath mean, which Obs/rst divides "
-       "by; they do not suffer from it.",
+       "broadcast record in use, and at 30 s the phases of low satellites, so the counts exceed "
+       "the number of real cycle slips. Restarts (Rst) are those of the multipath mean, which Obs/rst "
+       "divides by; they are not affected.",
        {"phase_geometry_slip_epochs"},
        "",
        {}});
@@ -135,6 +147,14 @@ std::string HeadingMarks(const std::vector<ReportNote>& notes, std::string_view 
     if (notes[i].system.empty() && Contains(notes[i].figures, figure)) marks += fmt::format("[{}]", i + 1);
   }
   return marks;
+}
+
+std::string HeadlineMarks(const Report& report, std::string_view figure) {
+  if (figure != "completeness_ratio" || !report.headline.completeness) return {};
+  for (std::size_t i = 0; i < report.notes.size(); ++i) {
+    if (report.notes[i].id == kGalileoNotCounted) return fmt::format("[{}]", i + 1);
+  }
+  return {};
 }
 
 std::string RowMarks(const std::vector<ReportNote>& notes, std::string_view system, std::string_view band) {

@@ -20,6 +20,9 @@ std::vector<ReportNote> NotesOf(const Report& report);
 /// Marks such as "[1][3]" of the notes about a figure of all systems; empty without one.
 std::string HeadingMarks(const std::vector<ReportNote>& notes, std::string_view figure);
 
+/// The mark of the note that says what a figure of the headline leaves out; empty without one.
+std::string HeadlineMarks(const Report& report, std::string_view figure);
+
 /// Marks of the notes about one row.
 /// @param system  letter, or "all" for the library total
 /// @param band    its name, or empty for a row of all bands

@@ -154,13 +154,15 @@ void Writer::Findings() {
   }
 }
 
-/// A line for the figures of one group: "119 observed, 96 judged".
+/// A line for the figures of one group, "119 observed, 96 judged", and a dash where it has none.
 void Writer::Headline() {
   Heading("HEADLINE");
   std::string group, line;
+  bool any = false;
   const auto end_line = [&] {
-    if (!line.empty()) Row(group, line);
+    if (!line.empty()) Row(group, any ? line : "-");
     line.clear();
+    any = false;
   };
   for (const auto& row : tables_.headline) {
     if (row.text.heading == nullptr) continue;
@@ -172,6 +174,8 @@ void Writer::Headline() {
     std::string item = Shown(value, row.kind, row.text.decimals);
     if (value && row.kind == FigureKind::kRatio) item += " %";
     if (value && row.kind == FigureKind::kMetres) item += " m";
+    any = any || value;
+    item += HeadlineMarks(report_, row.key);
     if (bar + 1 < heading.size()) item += " " + std::string(heading.substr(bar + 1));
     // The ratio of a group leads, whatever the order of the rows.
     const bool leads = row.kind == FigureKind::kRatio && !line.empty();

@@ -198,6 +198,42 @@ TEST(Findings, AFileWithoutSignalStrengthsHasNoCompleteness) {
   EXPECT_EQ(Find(other, "no-completeness")->text, "No system counts complete observations.");
 }
 
+TEST(Findings, ARunThatJudgedNothingSaysSoAndNotThatNothingIsWrong) {
+  Report report = orsolva_test::SampleReport();
+  report.signals.clear();
+  report.systems.clear();
+  report.library_total = {};
+  report.states["G04"] = "below_cutoff";
+  const RunEvents none;
+  report.headline = HeadlineOf(report, &none);
+  const std::vector<Finding> found = FindingsOf(report, &none);
+  EXPECT_EQ(IdsOf(found), (std::vector<std::string>{"nothing-judged"}));
+  EXPECT_EQ(found[0].text, "None of the satellites observed was judged: 1 below the cut-off.");
+  report.run.navigation_coverage.clear();
+  report.headline = HeadlineOf(report, &none);
+  EXPECT_EQ(FindingsOf(report, &none)[0].text, "No satellite of the systems chosen was observed.");
+}
+
+TEST(Findings, TheMedianOfAnEvenCountIsTheMeanOfTheMiddlePair) {
+  Report report = orsolva_test::SampleReport();
+  report.signals.push_back(report.signals[0]);
+  report.signals[1].mp_m = 0.35;
+  const std::vector<Finding> found = FindingsOf(report, nullptr);
+  EXPECT_EQ(Find(found, "worst-multipath")->text, "RMS 0.350 m on L1; the median of all signals is 0.300 m.");
+}
+
+TEST(Findings, LostEpochsNameTheBeginningsOfTheGapsWhereTheyAreKnown) {
+  Report report = orsolva_test::SampleReport();
+  report.run.lost_epochs = 3;
+  EXPECT_EQ(Find(FindingsOf(report, nullptr), "lost-epochs")->text, "");
+  RunEvents events;
+  events.interval_s = 30;
+  events.holes = {{5, 6}, {10, 12}};
+  const std::vector<Finding> found = FindingsOf(report, &events);
+  EXPECT_EQ(Find(found, "lost-epochs")->text,
+            "Gaps begin at " + events.Clock(5) + ", " + events.Clock(10) + ".");
+}
+
 TEST(Findings, APositionNearTheHeadersIsNone) {
   Report report = orsolva_test::SampleReport();
   report.run.distance_from_header_m = kFindingLimits.far_from_header_m;

@@ -165,6 +165,23 @@ TEST(ReportModel, StatesOfSatellitesFollowTheUsableFlag) {
   EXPECT_EQ(report.satellites[2].state, "unhealthy");
 }
 
+TEST(ReportModel, ATotalOfSystemsThatCountNothingHasNoObservedEpochs) {
+  Records r = OneSystem();
+  qc_core_summary galileo = {};
+  galileo.expected_epochs = 500;
+  r.result->sys[3] = r.result->total = galileo;
+  r.result->sys[0] = {};
+  r.codes->sys[0].count = 0;
+  r.facts.systems[3].combination.mp_codes[2] = static_cast<std::uint8_t>(SignalNumber(kGalileo, "7Q", 3.05));
+  const Report report = Built(r);
+  ASSERT_EQ(report.systems.size(), 1U);
+  EXPECT_EQ(report.library_total.expected, Count{500});
+  EXPECT_FALSE(report.library_total.observed);
+  EXPECT_FALSE(report.library_total.completeness);
+  r.facts.systems[3].combination.mp_codes[2] = 0;
+  EXPECT_EQ(Built(r).library_total.observed, Count{0}) << "counted, and never complete";
+}
+
 TEST(ReportModel, CountsBeyondTheEntriesAreNotRead) {
   Records r = OneSystem();
   r.codes->sys[0].count = 1000;

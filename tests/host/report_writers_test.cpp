@@ -146,6 +146,8 @@ TEST(TextLayout, CountsCharactersNotBytes) {
 TEST(Notes, GalileoBandsWithoutChannelAreFootnotedAndNotCountedAsZero) {
   Report report = SampleReport();
   SystemReport galileo{'E', "Galileo", {"1C", "7Q"}, {"1C", "7Q"}, orsolva_test::SampleFigures()};
+  galileo.figures.observed.reset();
+  galileo.figures.completeness.reset();
   report.systems.push_back(galileo);
   report.notes = NotesOf(report);
   EXPECT_TRUE(HasUncountedCode(report.systems[1]));
@@ -154,6 +156,25 @@ TEST(Notes, GalileoBandsWithoutChannelAreFootnotedAndNotCountedAsZero) {
   EXPECT_EQ(RowMarks(report.notes, "E", "E5b"), "[1]");
   EXPECT_EQ(RowMarks(report.notes, "E", ""), "[2]");
   EXPECT_EQ(RowMarks(report.notes, "G", "L1"), "");
+  EXPECT_NE(report.notes[1].text.find("library total"), std::string::npos);
+  EXPECT_NE(WriteText(report).find("90.00 %[2], "), std::string::npos) << WriteText(report);
+  report.library_total.completeness.reset();
+  EXPECT_EQ(NotesOf(report)[1].text.find("library total"), std::string::npos);
+}
+
+TEST(Notes, AGalileoSystemWithCountsOrWithoutEpochsHasNoNoteAboutThem) {
+  Report report = SampleReport();
+  report.systems.push_back({'E', "Galileo", {"1C", "7Q"}, {"1C", "7Q"}, orsolva_test::SampleFigures()});
+  for (const ReportNote& note : NotesOf(report)) EXPECT_NE(note.id, "galileo-not-counted");
+  report.systems[1].figures = {};
+  for (const ReportNote& note : NotesOf(report)) EXPECT_NE(note.id, "galileo-not-counted");
+}
+
+TEST(TextWriter, AGroupOfTheHeadlineWithoutFiguresIsOneDash) {
+  Report report = SampleReport();
+  EXPECT_NE(WriteText(report).find("\nEvents            -\n"), std::string::npos) << WriteText(report);
+  report.headline.gaps_in_view = 2;
+  EXPECT_NE(WriteText(report).find("\nEvents            - geometry-free slips"), std::string::npos);
 }
 
 TEST(Notes, BdsSatellitesWithoutAKnownOrbitAreNamed) {
@@ -173,6 +194,8 @@ TEST(Notes, TheTestThatCountsMoreThanSlipsIsFootnotedWhereSlipsAre) {
   report.notes = NotesOf(report);
   EXPECT_EQ(HeadingMarks(report.notes, "phase_geometry_slip_epochs"), "[1]");
   report.systems[0].figures.phase_geometry_slips = 0;
+  EXPECT_EQ(HeadingMarks(NotesOf(report), "phase_geometry_slip_epochs"), "[1]") << "a signal has some";
+  report.signals[0].phase_geometry_slips = 0;
   EXPECT_EQ(HeadingMarks(NotesOf(report), "phase_geometry_slip_epochs"), "");
 }
 

@@ -63,6 +63,7 @@ const PLOTS: Record<string, string> = {
   'least-complete': 'completeness',
   'nothing-missing': 'completeness',
   'not-judged': 'satellites-judged',
+  'nothing-judged': 'satellites-judged',
 };
 
 function findingList(findings: Finding[], detail: Detail, selection: Selection): HTMLElement {

@@ -6,8 +6,8 @@
 #include <functional>
 #include <vector>
 
-#include "host/analysis/constants.h"
-#include "host/analysis/slip_detector.h"
+#include "host/analysis/geometry/constants.h"
+#include "host/analysis/slips/slip_detector.h"
 #include "host/observation/carriers.h"
 
 namespace orsolva_host::analysis {

@@ -3,12 +3,12 @@
 
 #include <cmath>
 
-#include "host/analysis/broadcast_store.h"
-#include "host/analysis/constants.h"
-#include "host/analysis/glonass_channel.h"
-#include "host/analysis/range_model.h"
-#include "host/analysis/satellite_orbit.h"
-#include "host/analysis/station.h"
+#include "host/analysis/geometry/broadcast_store.h"
+#include "host/analysis/geometry/constants.h"
+#include "host/analysis/geometry/range_model.h"
+#include "host/analysis/geometry/satellite_orbit.h"
+#include "host/analysis/geometry/station.h"
+#include "host/analysis/slips/glonass_channel.h"
 
 namespace orsolva_host::analysis {
 namespace {

@@ -1,10 +1,10 @@
-#include "host/analysis/integer_search.h"
+#include "host/analysis/slips/integer_search.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
-#include "host/analysis/constants.h"
+#include "host/analysis/geometry/constants.h"
 
 namespace orsolva_host::analysis {
 namespace {

@@ -1,4 +1,4 @@
-#include "host/analysis/prediction.h"
+#include "host/analysis/slips/prediction.h"
 
 #include <gtest/gtest.h>
 

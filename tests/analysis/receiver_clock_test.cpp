@@ -1,4 +1,4 @@
-#include "host/analysis/receiver_clock.h"
+#include "host/analysis/slips/receiver_clock.h"
 
 #include <gtest/gtest.h>
 

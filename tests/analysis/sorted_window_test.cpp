@@ -1,4 +1,4 @@
-#include "host/analysis/sorted_window.h"
+#include "host/analysis/numeric/sorted_window.h"
 
 #include <gtest/gtest.h>
 

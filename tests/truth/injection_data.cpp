@@ -6,7 +6,7 @@
 #include <map>
 #include <memory>
 
-#include "host/analysis/constants.h"
+#include "host/analysis/geometry/constants.h"
 #include "host/observation/carriers.h"
 #include "host/rinex/navigation_reader.h"
 #include "host/rinex/observation_reader.h"

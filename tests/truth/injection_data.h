@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "host/analysis/slip_detector.h"
+#include "host/analysis/slips/slip_detector.h"
 #include "host/observation/broadcast_records.h"
 #include "host/observation/observation_epoch.h"
 

@@ -1,0 +1,230 @@
+// The figures of an analysis as plain data. A figure without data is absent (std::nullopt or an empty list),
+// never zero; a count of 0 was counted. The rule of each stands in the header that computes it.
+#ifndef ORSOLVA_ANALYSIS_ANALYSIS_RESULT_H
+#define ORSOLVA_ANALYSIS_ANALYSIS_RESULT_H
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/analysis/slips/event.h"
+#include "host/observation/observation_epoch.h"
+
+namespace orsolva_host::analysis {
+
+using Count = std::uint64_t;
+
+/// A hole between two epochs that are there.
+struct DataGap {
+  std::int64_t last_before_ns = 0;
+  std::int64_t first_after_ns = 0;
+  Count missing_epochs = 0;
+};
+
+/// Epochs of the whole stream.
+struct SpanFigures {
+  double interval_s = 0;  ///< of the data
+  std::int64_t first_ns = 0;
+  std::int64_t last_ns = 0;
+  std::optional<Count> expected_epochs;
+  std::optional<Count> present_epochs;  ///< with at least one observation
+  std::optional<Count> usable_epochs;   ///< at least four satellites with code and phase on two bands
+  std::optional<Count> lost_epochs;     ///< expected and not present
+  std::optional<Count> disordered_epochs;
+  std::vector<DataGap> gaps;
+};
+
+/// Observed against expected, from the horizon or the cut-off up.
+struct CompletenessFigures {
+  std::optional<Count> expected;
+  std::optional<Count> observed;
+  std::optional<double> ratio;
+};
+
+/// A figure over a range of elevations.
+struct ElevationBin {
+  int from_deg = 0;
+  int to_deg = 0;
+  double value = 0;
+  Count values = 0;
+};
+
+/// A signal that for a while was weaker than it usually is at the elevations it was at.
+struct StrengthDrop {
+  std::int64_t from_ns = 0;
+  std::int64_t to_ns = 0;
+  double mean_drop_db = 0;
+  double largest_drop_db = 0;
+  bool all_bands = false;  ///< the satellite's (or system's) other bands dropped with it
+};
+
+struct StrengthFigures {
+  std::optional<double> mean_dbhz;
+  std::optional<double> p5_dbhz;
+  std::optional<Count> values;
+  std::vector<ElevationBin> mean_by_elevation;  ///< 5-degree bins
+  std::vector<ElevationBin> p5_by_elevation;
+  std::vector<StrengthDrop> drops;
+};
+
+struct MultipathFigures {
+  std::optional<double> moving_m;     ///< RMS about a moving mean
+  std::optional<double> whole_arc_m;  ///< RMS about the mean of each arc
+  std::optional<Count> values;
+  std::string partner;  ///< the signal whose phase takes the ionosphere off, "2W"
+  std::vector<ElevationBin> by_elevation;
+  std::optional<double> code_noise_m;  ///< white part
+};
+
+struct SlipFigures {
+  std::optional<Count> sure;
+  std::optional<Count> unsure;
+  std::optional<Count> half_cycles;
+  std::optional<Count> unknown_size;  ///< jumps
+  std::optional<Count> tested_steps;
+  std::optional<Count> untested_steps;
+  std::optional<double> observations_per_slip;     ///< absent without a slip
+  std::optional<Count> observations_without_slip;  ///< "more than n" where there is no slip
+  std::optional<double> slips_per_1000;
+  std::optional<Count> loss_of_lock_flags;
+  std::optional<Count> loss_of_lock_with_slip;
+};
+
+struct ArcFigures {
+  std::optional<Count> arcs;
+  std::optional<double> median_s;
+  std::optional<double> longest_s;
+};
+
+/// Holes in the phase and how it went on after them.
+struct InterruptionFigures {
+  std::optional<Count> by_signal;     ///< the satellite's other signals went on
+  std::optional<Count> by_satellite;  ///< other satellites went on
+  std::optional<Count> by_receiver;   ///< no satellite went on
+  std::optional<Count> continuous;
+  std::optional<Count> slipped;
+  std::optional<Count> unresolved;
+};
+
+struct PhaseNoiseFigures {
+  std::optional<double> noise_mm;
+  std::string method;  ///< "within the band", "three bands" or "third difference"
+  std::optional<Count> values;
+};
+
+/// One signal of a system, or of a satellite.
+struct SignalFigures {
+  char system = 'G';
+  SatelliteId satellite = {' ', 0};  ///< system ' ' for the sums over a system
+  SignalCode code;
+  std::optional<double> frequency_hz;                       ///< absent for the sums over GLONASS
+  std::optional<Count> codes, phases, dopplers, strengths;  ///< values in the data
+  CompletenessFigures horizon;
+  CompletenessFigures cutoff;
+  StrengthFigures strength;
+  MultipathFigures multipath;
+  PhaseNoiseFigures phase_noise;
+  SlipFigures slips;
+  ArcFigures arcs;
+  InterruptionFigures interruptions;
+};
+
+/// Phases of two bands against their codes: the scatter of the wide lane within arcs, pooled.
+struct WideLaneFigures {
+  char system = 'G';
+  SignalCode first, second;
+  std::optional<double> spread_cycles;
+  std::optional<double> spread_m;
+  std::optional<Count> values;
+};
+
+struct SatelliteFigures {
+  SatelliteId id;
+  bool has_record = false;  ///< a record or precise orbit covers some epoch of it
+  std::optional<Count> observed_epochs;
+  std::optional<std::int64_t> first_ns, last_ns;
+  std::optional<double> highest_deg;
+  CompletenessFigures horizon;  ///< of the signals expected of it
+  CompletenessFigures cutoff;
+  SlipFigures slips;
+  ArcFigures arcs;
+  InterruptionFigures interruptions;
+  std::optional<Count> satellite_clock_events;
+};
+
+struct IonosphereFigures {
+  std::optional<double> median_roti;  ///< TECU/min
+  std::optional<double> p95_roti;
+  std::optional<Count> windows;  ///< of five minutes of a satellite
+  std::optional<double> disturbed_minutes;
+  std::optional<Count> events;  ///< steps that only a patch of ionosphere explains
+};
+
+struct SystemFigures {
+  char letter = 'G';
+  std::optional<Count> satellites_observed;
+  std::optional<Count> satellites_without_record;
+  CompletenessFigures horizon;
+  CompletenessFigures cutoff;
+  SlipFigures slips;
+  ArcFigures arcs;
+  InterruptionFigures interruptions;
+  IonosphereFigures ionosphere;
+};
+
+struct PositionFigures {
+  std::optional<std::array<double, 3>> mean_m;  ///< median of the solutions, Earth-centred, Earth-fixed
+  std::optional<Count> solutions;
+  std::optional<Count> failed;
+  std::optional<double> residual_rms_m;
+  std::optional<double> pdop_median;
+  std::optional<double> pdop_p95;
+  std::optional<std::array<double, 3>> scatter_enu_m;  ///< robust standard deviations east, north, up
+  std::optional<bool> moving;
+  std::optional<double> distance_to_header_m;
+  std::optional<double> distance_to_given_m;
+};
+
+struct ReceiverClockFigures {
+  std::optional<double> mean_offset_s;
+  std::optional<double> drift_s_per_s;
+  std::optional<Count> resets;            ///< of phases and codes together
+  std::optional<Count> code_clock_jumps;  ///< of the codes alone
+  std::optional<Count> restarts;          ///< steps whose clock cannot be known
+  std::optional<bool> steered;
+  std::optional<double> allan_deviation;  ///< at the interval
+};
+
+/// A statement of header or file name that the data contradict.
+struct Contradiction {
+  std::string id;  ///< stable name, such as "interval"
+  std::string stated;
+  std::string found;
+};
+
+/// The receiver's own elevation mask as the data show it.
+struct MaskFigures {
+  std::optional<double> lowest_deg;  ///< first percentile of the elevations observed
+};
+
+struct AnalysisResult {
+  bool with_orbits = false;  ///< elevations are known; without them what needs one is absent
+  double elevation_cutoff_deg = 0;
+  SpanFigures span;
+  MaskFigures mask;
+  std::vector<SystemFigures> systems;
+  std::vector<SignalFigures> signals;            ///< sums over systems, by system and code
+  std::vector<SatelliteFigures> satellites;      ///< everything observed, by system and number
+  std::vector<SignalFigures> satellite_signals;  ///< by satellite and code
+  std::vector<WideLaneFigures> wide_lanes;
+  PositionFigures position;
+  ReceiverClockFigures receiver_clock;
+  std::vector<Contradiction> contradictions;
+  std::vector<SatelliteId> without_record;
+};
+
+}  // namespace orsolva_host::analysis
+
+#endif  // ORSOLVA_ANALYSIS_ANALYSIS_RESULT_H

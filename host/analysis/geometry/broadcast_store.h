@@ -1,0 +1,59 @@
+// Broadcast records by satellite, and the one to use at a time.
+#ifndef ORSOLVA_ANALYSIS_GEOMETRY_BROADCAST_STORE_H
+#define ORSOLVA_ANALYSIS_GEOMETRY_BROADCAST_STORE_H
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "host/analysis/geometry/satellite_orbit.h"
+#include "host/observation/broadcast_records.h"
+
+namespace orsolva_host::analysis {
+
+/// The records of one satellite in the order of their reference times.
+class SatelliteRecords {
+ public:
+  void Add(const KeplerRecord& record);
+  void Add(const StateVectorRecord& record);
+
+  /// The record whose reference time is nearest, the earlier of two equally near; absent when none is near
+  /// enough: 7,500 s (GPS, QZSS, Galileo, BDS, NavIC), 2,000 s (GLONASS), 600 s (SBAS).
+  std::optional<std::size_t> Select(std::int64_t time_ns) const;
+
+  SatelliteState StateAt(std::size_t record, const Instant& time);
+  /// Satellite clock without relativity, enough for the time of transmission. s
+  double ClockAt(std::size_t record, const Instant& time) const;
+  /// GLONASS frequency channel of the first record that has one.
+  std::optional<int> Channel() const;
+
+ private:
+  struct VectorWithOrbit {
+    StateVectorRecord record;
+    std::unique_ptr<StateVectorOrbit> orbit;
+  };
+  bool HasNearFirstMessage(const KeplerRecord& record) const;
+
+  std::vector<double> reference_s_;
+  std::vector<KeplerRecord> kepler_;
+  std::vector<std::unique_ptr<VectorWithOrbit>> vectors_;
+};
+
+class BroadcastStore {
+ public:
+  /// Galileo F/NAV records within four hours of an I/NAV record of the satellite are left out: the two clocks
+  /// differ by a group delay, and a change between them would be a jump.
+  void Add(const BroadcastRecords& records);
+  bool Empty() const { return satellites_.empty(); }
+  /// Null for a satellite without records.
+  SatelliteRecords* Find(SatelliteId satellite);
+
+ private:
+  std::map<SatelliteId, SatelliteRecords> satellites_;
+};
+
+}  // namespace orsolva_host::analysis
+
+#endif  // ORSOLVA_ANALYSIS_GEOMETRY_BROADCAST_STORE_H

@@ -1,0 +1,43 @@
+#include "host/analysis/geometry/range_model.h"
+
+#include <cmath>
+
+#include "host/analysis/geometry/constants.h"
+
+namespace orsolva_host::analysis {
+namespace {
+
+double Norm(const Vector3& v) { return std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]); }
+
+Vector3 Difference(const Vector3& a, const Vector3& b) { return {a[0] - b[0], a[1] - b[1], a[2] - b[2]}; }
+
+/// The position in the frame of the time of reception, for a travel of so many metres.
+Vector3 TurnedBack(const Vector3& p, double travel_m) {
+  const double turn = kEarthRotation_rad_s * travel_m / kLightSpeed_m_s;
+  const double s = std::sin(turn), c = std::cos(turn);
+  return {p[0] * c + p[1] * s, -p[0] * s + p[1] * c, p[2]};
+}
+
+}  // namespace
+
+ModelledRange RangeAt(SatelliteRecords& records, std::size_t record, const Station& station,
+                      std::int64_t time_ns, double pseudorange_m) {
+  Instant sent{time_ns, -pseudorange_m / kLightSpeed_m_s};
+  sent.offset_s -= records.ClockAt(record, sent);
+  const SatelliteState state = records.StateAt(record, sent);
+  double range = Norm(Difference(state.position_m, station.Position()));
+  Vector3 sight = Difference(TurnedBack(state.position_m, range), station.Position());
+  range = Norm(sight);
+  sight = Difference(TurnedBack(state.position_m, range), station.Position());
+  range = Norm(sight);
+  ModelledRange out;
+  if (!(range > 1e6 && range < 1e8)) return out;
+  for (std::size_t i = 0; i < 3; ++i) out.line_of_sight[i] = sight[i] / range;
+  const Vector3& up = station.Up();
+  for (std::size_t i = 0; i < 3; ++i) out.sin_elevation += out.line_of_sight[i] * up[i];
+  out.metres = range + station.TroposphereDelay(out.sin_elevation) - kLightSpeed_m_s * state.clock_s;
+  out.valid = std::isfinite(out.metres);
+  return out;
+}
+
+}  // namespace orsolva_host::analysis

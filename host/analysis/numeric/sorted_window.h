@@ -1,0 +1,88 @@
+// The last N values in sorted order, for running medians and quantiles, with insertion instead of sorting.
+#ifndef ORSOLVA_ANALYSIS_NUMERIC_SORTED_WINDOW_H
+#define ORSOLVA_ANALYSIS_NUMERIC_SORTED_WINDOW_H
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+
+namespace orsolva_host::analysis {
+
+/// A few values in ascending order.
+template <int N>
+class SortedList {
+ public:
+  /// Values that are not finite are left out.
+  void Insert(double value) {
+    if (!std::isfinite(value) || count_ == N) return;
+    int i = count_++;
+    for (; i > 0 && values_[i - 1] > value; --i) values_[i] = values_[i - 1];
+    values_[i] = value;
+  }
+  void Remove(double value) {
+    int i = static_cast<int>(std::lower_bound(values_.begin(), values_.begin() + count_, value) -
+                             values_.begin());
+    for (--count_; i < count_; ++i) values_[i] = values_[i + 1];
+  }
+  void Clear() { count_ = 0; }
+  int Count() const { return count_; }
+  double operator[](int i) const { return values_[i]; }
+
+ private:
+  std::array<double, N> values_;
+  int count_ = 0;
+};
+
+/// The finite ones of the last N values pushed.
+template <int N>
+class SortedWindow {
+ public:
+  SortedWindow() { Clear(); }
+
+  void Clear() {
+    history_.fill(std::numeric_limits<double>::quiet_NaN());
+    sorted_.Clear();
+    next_ = 0;
+  }
+  void Push(double value) {
+    if (std::isfinite(history_[next_])) sorted_.Remove(history_[next_]);
+    history_[next_] = std::isfinite(value) ? value : std::numeric_limits<double>::quiet_NaN();
+    sorted_.Insert(value);
+    next_ = next_ + 1 == N ? 0 : next_ + 1;
+  }
+  const SortedList<N>& Sorted() const { return sorted_; }
+  int Count() const { return sorted_.Count(); }
+
+ private:
+  std::array<double, N> history_;
+  SortedList<N> sorted_;
+  int next_ = 0;
+};
+
+/// Two sorted lists as one: its quantile with linear interpolation between ranks (0 the least, 1 the greatest
+/// value).
+/// @return NaN when both are empty
+template <int N, int M>
+double MergedQuantile(const SortedList<N>& a, const SortedList<M>& b, double part) {
+  const int count = a.Count() + b.Count();
+  if (count == 0) return std::numeric_limits<double>::quiet_NaN();
+  const double rank = (count - 1) * part;
+  const int low = static_cast<int>(rank);
+  int i = 0;
+  int j = 0;
+  const auto take = [&] { return j == b.Count() || (i < a.Count() && a[i] <= b[j]) ? a[i++] : b[j++]; };
+  for (int k = 0; k < low; ++k) take();
+  const double lower = take();
+  const double fraction = rank - low;
+  return fraction > 0 && low + 1 < count ? lower * (1 - fraction) + take() * fraction : lower;
+}
+
+template <int N, int M>
+double MergedMedian(const SortedList<N>& a, const SortedList<M>& b) {
+  return MergedQuantile(a, b, 0.5);
+}
+
+}  // namespace orsolva_host::analysis
+
+#endif  // ORSOLVA_ANALYSIS_NUMERIC_SORTED_WINDOW_H

@@ -1,0 +1,185 @@
+// The order of deciding: candidates, which of neighbouring ones first, and what is kept of a decided step.
+#include "host/analysis/slips/decision.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "host/analysis/geometry/constants.h"
+#include "host/analysis/slips/evidence.h"
+#include "host/analysis/slips/scales.h"
+
+namespace orsolva_host::analysis {
+namespace {
+
+constexpr int kMostTries = 4;
+constexpr double kClearlyMore = 1.0;  // nats by which a neighbour's repair must gain more
+constexpr double kBudgetPerStep = 0.25;
+constexpr double kLargestBudget = 50;
+constexpr double kCarriedPart = 0.25;  // of the variance of the fitted rates that a hole adds per step
+constexpr double kLeastCarried_m2 = 1e-7;
+constexpr double kFreeRange_m = 0.02;  // priors of the rates that carry a phase over a step
+constexpr double kFreeIonosphere_m = 0.2;
+
+/// Any of the flags of the tested signals at an epoch.
+bool AnyFlag(const SatelliteTrack& track, const StepTest& test, std::int64_t i,
+             std::uint32_t SignalTrack::*flags) {
+  for (int j = 0; j < test.count; ++j) {
+    if (track.signals[test.signal[static_cast<std::size_t>(j)]].*flags & RingBit(i)) return true;
+  }
+  return false;
+}
+
+double ScreenOf(int signals) { return kScreenChi2 + 2 * (signals - 1); }
+
+}  // namespace
+
+bool Decision::IsCandidate(const SatelliteTrack& track, std::int64_t step, const StepTest& test,
+                           double chi2) const {
+  if (chi2 > ScreenOf(test.count)) return true;
+  return chi2 > kScreenChi2Flagged && AnyFlag(track, test, step, &SignalTrack::lost_lock);
+}
+
+void Decision::DecideNext(SatelliteTrack& track) {
+  const std::int64_t step = track.decide;
+  StepState& state = track.At(step);
+  SettleScales(track, step, interval_s_);
+  track.budget = std::min(track.budget + kBudgetPerStep, kLargestBudget);
+  bool returned = false;  // a hole is decided once
+  for (int tries = 0; tries < kMostTries && !state.broken && !state.settled; ++tries) {
+    MakeTest(track, step, interval_s_, scratch_);
+    if (scratch_.count == 0) break;
+    const double chi2 = Chi2(scratch_);
+    if (tries == 0) state.chi2 = chi2;
+    const bool hole = (state.gap || scratch_.returning != 0) && !returned;
+    if (!hole && !IsCandidate(track, step, scratch_, chi2)) break;
+    if (tries == 0) RefreshScales(track, step, interval_s_);
+    returned = true;
+    if (hole && track.budget < 1) {
+      MakeCase(track, step);
+      AddEvent(HoleKind(), nullptr, 0, 0, false);
+      LeaveUnresolved(track, step);
+      break;
+    }
+    track.budget = std::max(track.budget - 1, -kLargestBudget);
+    const std::int64_t target = state.gap ? step : MostTelling(track, step);
+    if (!Explain(track, target)) break;
+    FitRates(track, target);
+    RefreshScales(track, step, interval_s_);
+  }
+  Carry(track, step);
+  Readmit(track, step);
+  ++track.decide;
+}
+
+/// Of the step and the two after it the one whose repair gains most: the neighbours of a slip can show more
+/// than itself.
+std::int64_t Decision::MostTelling(SatelliteTrack& track, std::int64_t step) {
+  std::int64_t best = step;
+  double gain = 0;
+  bool asked = false;
+  for (const std::int64_t near : {step + 1, step + 2}) {
+    if (near >= track.next || track.At(near).gap || track.At(near).broken || track.At(near).settled) continue;
+    MakeTest(track, near, interval_s_, scratch_);
+    if (scratch_.count == 0 || !(Chi2(scratch_) > ScreenOf(scratch_.count))) continue;
+    if (!asked) gain = GainOfRepair(track, step) + kClearlyMore;
+    asked = true;
+    const double other = GainOfRepair(track, near);
+    if (other > gain) best = near, gain = other;
+  }
+  return best;
+}
+
+double Decision::GainOfRepair(SatelliteTrack& track, std::int64_t step) {
+  MakeCase(track, step);
+  RankExplanations();
+  const Explanation& best = case_.ranked.front();
+  if (!best.any) return 0;
+  return (case_.none.total - best.total) * (FitOf(best.cycles) < kFitChi2 ? 1.0 : 0.02);
+}
+
+/// @return whether something was repaired or settled, so that the step must be looked at again
+bool Decision::Explain(SatelliteTrack& track, std::int64_t step) {
+  MakeCase(track, step);
+  if (case_.test.count == 0) return false;
+  RankExplanations();
+  if (case_.gap || case_.test.returning != 0) return CloseGap();
+  if (IsNoSlip()) return false;
+  const Explanation& best = case_.ranked.front();
+  if (!best.any) return FitOf(case_.none.cycles) > 1.5 * kFitChi2 && TakeOther(nullptr);
+  if (FitOf(best.cycles) > kFitChi2 && TakeOther(&best)) return true;
+  return case_.none.total - best.total >= kLeastGain && TakeSlip();
+}
+
+void Decision::MakeCase(SatelliteTrack& track, std::int64_t step) {
+  case_.track = &track;
+  case_.step = step;
+  MakeTest(track, step, interval_s_, case_.test);
+  case_.gap = track.At(step).gap;
+  case_.lost_lock = AnyFlag(track, case_.test, step, &SignalTrack::lost_lock);
+  case_.slip_prior = case_.lost_lock ? kFlaggedSlipPrior : kSlipPrior;
+  if (case_.gap || case_.test.returning != 0) case_.slip_prior = kGapSlipPrior;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
+    case_.band[i] = track.signals[case_.test.signal[i]].code.band;
+  }
+  case_.wide_lanes = WideLaneJumps(track, step, case_.test, interval_s_);
+  case_.chi2 = Chi2(case_.test);
+  MakeViews();
+}
+
+void Decision::AddEvent(EventKind kind, const Cycles* sizes, double score, double margin, bool sure) {
+  SatelliteTrack& track = *case_.track;
+  const StepState& step = track.At(case_.step);
+  Event event;
+  event.time_ns = step.time_ns;
+  event.satellite = track.satellite;
+  event.kind = kind;
+  event.elevation_deg = step.elevation_rad * 180 / kPi;
+  event.score = score;
+  event.margin = margin;
+  event.sure = sure;
+  event.chi2 = case_.chi2;
+  event.loss_of_lock = case_.lost_lock;
+  event.gap_s = case_.gap ? step.dt_s : 0;
+  const bool holes_only = !sizes && !case_.gap && case_.test.returning != 0;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
+    const SignalTrack& s = track.signals[case_.test.signal[i]];
+    const bool returns = (case_.test.returning >> i & 1) != 0;
+    if (returns && !case_.gap) event.gap_s = std::max(event.gap_s, s.away_s + step.dt_s);
+    if (sizes ? (*sizes)[i] == 0 : holes_only && !returns) continue;
+    event.signals.push_back(s.code);
+    if (sizes) event.sizes.push_back((*sizes)[i]);
+  }
+  event.evidence = EvidenceText(track, case_.step, case_.test, case_.wide_lanes, sizes ? *sizes : Cycles{});
+  track.events.emplace_back(case_.step, std::move(event));
+}
+
+/// Phases of signals that are away go with the satellite's other signals (at most kLongestGap_s).
+void Decision::Carry(SatelliteTrack& track, std::int64_t i) const {
+  const StepState& step = track.At(i);
+  const bool together = std::isfinite(step.range_rate);
+  const double noise = PhaseNoise(step);
+  double one = 0, mu = 0, mu2 = 0;
+  for (const SignalTrack& s : track.signals) {
+    if (s.unstable || !s.IsReal(i) || !s.IsReal(i - 1)) continue;
+    const double w = 1 / (2 * noise * noise);
+    one += w, mu += w * s.mu, mu2 += w * s.mu * s.mu;
+  }
+  const double a00 = one + (step.HasGeometry() ? 1 / (kFreeRange_m * kFreeRange_m) : 1e-8);
+  const double ionosphere_m = step.lone_band ? step.ionosphere_scale_m : kFreeIonosphere_m;
+  const double a11 = mu2 + 1 / (ionosphere_m * ionosphere_m);
+  const double determinant = a00 * a11 - mu * mu;
+  for (SignalTrack& s : track.signals) {
+    if (s.IsReal(i)) {
+      s.carried_variance_m2 = s.away_s = 0;
+      continue;
+    }
+    s.away_s += step.dt_s;
+    if (!together || s.unstable || !s.IsKnown(i - 1) || s.away_s > kLongestGap_s) continue;
+    s.phase_m[RingSlot(i)] = s.X(i - 1) + (step.range_rate - s.mu * step.ionosphere_rate) * step.dt_s;
+    s.known |= RingBit(i);
+    const double variance = (a11 + 2 * s.mu * mu + s.mu * s.mu * a00) / determinant;
+    s.carried_variance_m2 += std::max(kCarriedPart * variance, kLeastCarried_m2);
+  }
+}
+
+}  // namespace orsolva_host::analysis

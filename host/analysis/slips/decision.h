@@ -1,0 +1,89 @@
+// Decides what happened in a step of a satellite: nothing, a slip, a disturbance that is none, or a break.
+//
+// Every explanation costs half a chi2 of the steps around it plus minus the logarithm of its prior
+// probability, in nats; the cheapest wins (Bayesian choice as in de Lacy et al. 2012, GPS Solutions 16).
+#ifndef ORSOLVA_ANALYSIS_SLIPS_DECISION_H
+#define ORSOLVA_ANALYSIS_SLIPS_DECISION_H
+
+#include <cstdint>
+#include <vector>
+
+#include "host/analysis/slips/integer_search.h"
+#include "host/analysis/slips/prediction.h"
+#include "host/analysis/slips/satellite_track.h"
+#include "host/analysis/slips/wide_lane.h"
+
+namespace orsolva_host::analysis {
+
+/// A slip vector and what it costs as an explanation of a step.
+struct Explanation {
+  Cycles cycles = {};
+  double total = 0;        ///< nats: half the window's chi2, half the wide lane's misfit, prior
+  double window_chi2 = 0;  ///< of the steps k-2 to k+2 with the slip repaired
+  bool any = false;        ///< some signal slips
+};
+
+/// Everything known about a step while it is decided.
+struct StepCase {
+  SatelliteTrack* track = nullptr;
+  std::int64_t step = 0;
+  StepTest test;
+  WideLaneEvidence wide_lanes;
+  std::vector<std::array<double, kMostSignals>> views;  ///< test vectors by central and one-sided predictions
+  std::array<char, kMostSignals> band;
+  double slip_prior = kSlipPrior;
+  double chi2 = 0;
+  bool gap = false;
+  bool lost_lock = false;
+  std::vector<Explanation> ranked;  ///< cheapest first; "no slip" is among them
+  Explanation none;
+};
+
+class Decision {
+ public:
+  explicit Decision(double interval_s) : interval_s_(interval_s) {}
+
+  /// Decides the oldest open step, which needs as many later epochs as are to come or kLead of them; found
+  /// events are added to the track. Files full of holes would need a search at every step: a satellite earns
+  /// a quarter of a search per step and keeps at most 50; without one, holes are left unresolved.
+  void DecideNext(SatelliteTrack& track);
+
+ private:
+  bool IsCandidate(const SatelliteTrack& track, std::int64_t step, const StepTest& test, double chi2) const;
+  std::int64_t MostTelling(SatelliteTrack& track, std::int64_t step);
+  double GainOfRepair(SatelliteTrack& track, std::int64_t step);
+  bool Explain(SatelliteTrack& track, std::int64_t step);
+  void MakeCase(SatelliteTrack& track, std::int64_t step);
+  void MakeViews();
+  void RankSlips();
+  void RankExplanations();
+  double WindowChi2(const SatelliteTrack& track, std::int64_t first, std::int64_t last);
+  double RepairedWindow(const Cycles& cycles);
+  double PriorOf(const Cycles& cycles) const;
+  double FitOf(const Cycles& cycles) const;
+  bool CloseGap();
+  bool IsNoSlip();
+  bool TakeSlip();
+  bool TakeOther(const Explanation* integer);
+  bool TakeOutlier(std::int64_t epoch);
+  void LeaveUnresolved(SatelliteTrack& track, std::int64_t step);
+  bool TakeUnstable(const Cycles& cycles);
+  int BrokenSteps(std::size_t signal) const;
+  void MarkBroken(const Cycles& cycles);
+  Cycles Returning() const;
+  EventKind HoleKind() const;  ///< of a hole that is left open
+  static bool IsOff(const SatelliteTrack& track, std::size_t signal, std::int64_t step);
+  static void Readmit(SatelliteTrack& track, std::int64_t step);
+  void AddEvent(EventKind kind, const Cycles* sizes, double score, double margin, bool sure);
+  void Carry(SatelliteTrack& track, std::int64_t step) const;
+
+  double interval_s_;
+  StepCase case_;
+  StepTest scratch_;
+  SlipCandidates candidates_;
+  IntegerSearch search_;
+};
+
+}  // namespace orsolva_host::analysis
+
+#endif  // ORSOLVA_ANALYSIS_SLIPS_DECISION_H

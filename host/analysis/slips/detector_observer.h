@@ -1,0 +1,39 @@
+// What the slip detector hands on to those who make figures of it, in the order of time.
+#ifndef ORSOLVA_ANALYSIS_SLIPS_DETECTOR_OBSERVER_H
+#define ORSOLVA_ANALYSIS_SLIPS_DETECTOR_OBSERVER_H
+
+#include <cstdint>
+
+#include "host/analysis/geometry/station.h"
+#include "host/analysis/slips/event.h"
+#include "host/analysis/slips/satellite_track.h"
+#include "host/observation/observation_epoch.h"
+
+namespace orsolva_host::analysis {
+
+/// The receiver over the step that leads to an epoch.
+struct ReceiverStep {
+  std::int64_t number = -1;          ///< of the epoch in the stream, from 0
+  const Station* station = nullptr;  ///< null without broadcast records
+  bool clock_known = false;
+  double clock_change_m = kAbsent;  ///< of the receiver clock over the step, from phases; resets included
+  Vector3 shift_m = {};             ///< of the antenna over the step, where it moves
+};
+
+class DetectorObserver {
+ public:
+  virtual ~DetectorObserver() = default;
+  /// Interval and position are known; the first epoch follows. @param station  null without records
+  virtual void Started(double /*interval_s*/, const Station* /*station*/) {}
+  /// An epoch of the stream, each once and in the order of time.
+  virtual void Taken(const ObservationEpoch& /*epoch*/, const ReceiverStep& /*receiver*/) {}
+  /// A step of a satellite is decided, kLead epochs after its own. Phases of the track are continuous up to
+  /// this step unless an event breaks them; later ones may still change.
+  virtual void Decided(const SatelliteTrack& /*track*/, std::int64_t /*step*/) {}
+  /// An event, in the order in which SlipDetector::TakeEvents gives them.
+  virtual void Found(const Event& /*event*/) {}
+};
+
+}  // namespace orsolva_host::analysis
+
+#endif  // ORSOLVA_ANALYSIS_SLIPS_DETECTOR_OBSERVER_H

@@ -1,0 +1,281 @@
+// What a step can show beside a slip of continuous tracking: holes, satellite clocks, patches of ionosphere,
+// outliers, breaks of unknown size, and signals that slip all the time.
+#include <algorithm>
+#include <cmath>
+
+#include "host/analysis/slips/decision.h"
+
+namespace orsolva_host::analysis {
+namespace {
+
+constexpr double kOutlierGain = 40;  // chi2 that leaving an epoch out must gain
+constexpr double kIntegerExplainsMost =
+    0.35;                             // part of chi2 that a whole number may leave to be taken nevertheless
+constexpr double kClearlyBetter = 2;  // nats
+constexpr int kUnstableSteps = 5;     // broken steps among kUnstableWindow and those to come
+constexpr int kUnstableWindow = 12;
+constexpr int kSteadySteps = 20;
+constexpr double kSlopeVariance =
+    0.02;  // m^2, of the ionosphere's change that is looked for among the other signals
+
+struct NoSlip {
+  EventKind kind;
+  double range_m2;
+  double ionosphere_m2;
+  double prior;
+  bool needs_two_bands;
+};
+
+bool IsHalfOnAll(const Explanation& e, int count) {
+  const double first = e.cycles[0];
+  for (int i = 0; i < count; ++i) {
+    if (e.cycles[static_cast<std::size_t>(i)] != first) return false;
+  }
+  return e.any && std::fabs(std::fabs(first) - std::floor(std::fabs(first)) - 0.5) < 0.01;
+}
+
+bool HasTwoBands(const std::array<char, kMostSignals>& band, int count) {
+  return std::any_of(band.begin(), band.begin() + count, [&](char b) { return b != band[0]; });
+}
+
+}  // namespace
+
+/// Metres that are the same on all signals, or in the ratio of the ionosphere: they compete with the whole
+/// numbers.
+bool Decision::IsNoSlip() {
+  const StepState& step = case_.track->At(case_.step);
+  const double root_of_interval = std::sqrt(interval_s_ / kUsualInterval_s);
+  const double root = std::min(1.0, root_of_interval);
+  const double clock_m = std::min(kSatelliteClock_m * root, 6 * step.range_scale_m);
+  const double ionosphere_m = std::min(kIonosphere_m * root, 8 * step.ionosphere_scale_m);
+  const bool quiet =
+      interval_s_ < kQuietInterval_s || step.ionosphere_scale_m < kQuietIonosphere_m * root_of_interval;
+  const double ionosphere_prior = quiet ? kQuietIonospherePrior : kIonospherePrior;
+  const NoSlip kinds[] = {
+      {EventKind::kSatelliteClock, clock_m * clock_m, 0, kSatelliteClockPrior, false},
+      {EventKind::kSatelliteClock, kLargeClock_m * kLargeClock_m, 0, kLargeClockPrior, true},
+      {EventKind::kIonosphere, 0, ionosphere_m * ionosphere_m, ionosphere_prior, true},
+  };
+  const Explanation& best = case_.ranked.front();
+  const double fit = FitOf(best.cycles);
+  const double misfit = WideLaneMisfit(case_.wide_lanes, case_.none.cycles);
+  const bool two_bands = HasTwoBands(case_.band, case_.test.count);
+  double clock_chi2 = 0;
+  for (const NoSlip& kind : kinds) {
+    // Within a second or so no clock moves by a wavelength, but a slip on every band can look like it.
+    if (kind.prior == kLargeClockPrior && interval_s_ < kQuietInterval_s) continue;
+    if (kind.needs_two_bands && !two_bands) continue;
+    const double chi2 = Chi2(case_.test, case_.test.r, kind.range_m2, kind.ionosphere_m2);
+    if (kind.prior == kSatelliteClockPrior) clock_chi2 = chi2;
+    const double total = 0.5 * (case_.none.window_chi2 - (case_.chi2 - chi2) + misfit) + kind.prior;
+    const bool cheapest = total < best.total;
+    const bool fits_better =
+        best.any && 0.5 * chi2 + kind.prior + kClearlyBetter < 0.5 * fit + PriorOf(best.cycles);
+    if (chi2 >= kFitChi2 || !(cheapest || fits_better)) continue;
+    case_.track->At(case_.step).settled = true;
+    if (case_.chi2 >= kReportedChi2) AddEvent(kind.kind, nullptr, 0.5 * (case_.chi2 - chi2), 0, true);
+    return true;
+  }
+  if (IsHalfOnAll(best, case_.test.count) && clock_chi2 < kFitChi2 && interval_s_ >= kQuietInterval_s) {
+    case_.track->At(case_.step).settled = true;
+    if (case_.chi2 >= kReportedChi2) {
+      AddEvent(EventKind::kSatelliteClock, nullptr, 0.5 * (case_.chi2 - clock_chi2), 0, false);
+    }
+    return true;
+  }
+  return false;
+}
+
+bool Decision::TakeSlip() {
+  const Explanation& best = case_.ranked.front();
+  if (TakeUnstable(best.cycles)) return true;
+  const double margin = case_.ranked.size() > 1 ? case_.ranked[1].total - best.total : 99;
+  const bool sure = margin > kSureMargin && FitOf(best.cycles) < kFitChi2;
+  bool half = false;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
+    if (best.cycles[i] == 0) continue;
+    half = half || best.cycles[i] != std::nearbyint(best.cycles[i]);
+  }
+  MarkBroken(best.cycles);
+  AddEvent(half ? EventKind::kHalfCycle : EventKind::kSlip, &best.cycles, case_.none.total - best.total,
+           margin, sure);
+  for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
+    const std::size_t signal = case_.test.signal[i];
+    if (best.cycles[i] == 0) continue;
+    Repair(*case_.track, case_.step, signal, case_.track->signals[signal].wavelength_m * best.cycles[i]);
+  }
+  return true;
+}
+
+/// Whether a signal differs by more than half a cycle from what the satellite's other signals make of the
+/// time since it was there last.
+bool Decision::IsOff(const SatelliteTrack& track, std::size_t signal, std::int64_t i) {
+  const SignalTrack& s = track.signals[signal];
+  if (!s.IsReal(i)) return false;
+  std::int64_t from = i - 1;
+  while (from > track.first && from > i - kUnstableWindow && !s.IsReal(from)) --from;
+  if (!s.IsReal(from)) return false;
+  double n = 0, m = 0, m2 = 1 / kSlopeVariance, y = 0, my = 0;
+  for (const SignalTrack& other : track.signals) {
+    if (&other == &s || other.unstable || !other.IsReal(i) || !other.IsReal(from)) continue;
+    const double dx = other.X(i) - other.X(from);
+    n += 1, m += other.mu, m2 += other.mu * other.mu, y += dx, my += other.mu * dx;
+  }
+  const double determinant = n * m2 - m * m;
+  if (n < 2 || !(determinant > 1e-3)) return false;
+  const double range = (m2 * y - m * my) / determinant;
+  const double slope = (n * my - m * y) / determinant;
+  const double off = std::fabs(s.X(i) - s.X(from) - range - s.mu * slope);
+  return off > 0.5 * s.wavelength_m + 5 * PhaseNoise(track.At(i));
+}
+
+/// Steps near this one in which a signal is broken, this one included.
+int Decision::BrokenSteps(std::size_t signal) const {
+  const SatelliteTrack& track = *case_.track;
+  int broken = 1;
+  for (std::int64_t i = std::max(track.first + 1, case_.step - kUnstableWindow); i < case_.step; ++i) {
+    broken += (track.signals[signal].broken & RingBit(i)) != 0;
+  }
+  for (std::int64_t i = case_.step + 1; i < track.next; ++i) broken += IsOff(track, signal, i);
+  return broken;
+}
+
+/// A signal that slips in a quarter of the steps against the others is left out and named.
+bool Decision::TakeUnstable(const Cycles& cycles) {
+  SatelliteTrack& track = *case_.track;
+  Cycles bad = {};
+  bool any = false;
+  bool others = false;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
+    const bool unstable = cycles[i] != 0 && BrokenSteps(case_.test.signal[i]) >= kUnstableSteps;
+    bad[i] = unstable ? 1 : 0;
+    any = any || unstable;
+    others = others || !unstable;
+  }
+  if (!any || !others) return false;
+  AddEvent(EventKind::kUnstableSignal, &bad, 0, 0, true);
+  track.events.back().second.sizes.clear();
+  for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
+    if (bad[i] == 0) continue;
+    track.signals[case_.test.signal[i]].unstable = true;
+    track.signals[case_.test.signal[i]].steady_steps = 0;
+    track.distrusted.push_back(track.signals[case_.test.signal[i]].code);
+  }
+  for (std::int64_t i = case_.step; i < track.next; ++i) FitRates(track, i);
+  return true;
+}
+
+/// An unstable signal comes back once it has gone with the others for kSteadySteps.
+void Decision::Readmit(SatelliteTrack& track, std::int64_t step) {
+  for (std::size_t i = 0; i < track.signals.size(); ++i) {
+    SignalTrack& s = track.signals[i];
+    if (!s.unstable || !s.IsReal(step)) continue;
+    s.steady_steps = IsOff(track, i, step) ? 0 : s.steady_steps + 1;
+    if (s.steady_steps < kSteadySteps) continue;
+    s.unstable = false;
+    track.distrusted.erase(std::remove(track.distrusted.begin(), track.distrusted.end(), s.code),
+                           track.distrusted.end());
+  }
+}
+
+/// Notes that the signals with cycles are broken in this step.
+void Decision::MarkBroken(const Cycles& cycles) {
+  for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
+    if (cycles[i] != 0) case_.track->signals[case_.test.signal[i]].broken |= RingBit(case_.step);
+  }
+}
+
+/// A hole ends: continuous, a slip of known size, or open.
+bool Decision::CloseGap() {
+  SatelliteTrack& track = *case_.track;
+  const Explanation& best = case_.ranked.front();
+  const double margin = case_.ranked.size() > 1 ? case_.ranked[1].total - best.total : 99;
+  const bool sure = margin > kSureGapMargin && FitOf(best.cycles) < kFitChi2;
+  const double score = case_.none.total - best.total;
+  const Cycles broken = sure ? best.cycles : Returning();
+  if (!case_.gap && TakeUnstable(broken)) return true;
+  if (!case_.gap) MarkBroken(broken);
+  if (!sure) {
+    AddEvent(HoleKind(), nullptr, score, margin, false);
+    LeaveUnresolved(track, case_.step);
+    return true;
+  }
+  if (!best.any) {
+    AddEvent(case_.gap ? EventKind::kGapContinuous : EventKind::kSignalGapContinuous, nullptr, score, margin,
+             true);
+    return false;
+  }
+  AddEvent(case_.gap ? EventKind::kGapSlip : EventKind::kSignalGapSlip, &best.cycles, score, margin, true);
+  for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
+    const std::size_t signal = case_.test.signal[i];
+    if (best.cycles[i] == 0) continue;
+    Repair(track, case_.step, signal, track.signals[signal].wavelength_m * best.cycles[i]);
+  }
+  return true;
+}
+
+EventKind Decision::HoleKind() const {
+  return case_.gap ? EventKind::kGapUnresolved : EventKind::kSignalGapUnresolved;
+}
+
+/// One for every signal that returns after a hole.
+Cycles Decision::Returning() const {
+  Cycles cycles = {};
+  for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
+    cycles[i] = (case_.test.returning >> i & 1) != 0 ? 1 : 0;
+  }
+  return cycles;
+}
+
+/// The satellite, or the signals that return, begin again here.
+void Decision::LeaveUnresolved(SatelliteTrack& track, std::int64_t step) {
+  MakeTest(track, step, interval_s_, scratch_);
+  if (track.At(step).gap || scratch_.returning == 0) {
+    track.At(step).broken = true;
+    return;
+  }
+  for (std::size_t i = 0; i < static_cast<std::size_t>(scratch_.count); ++i) {
+    if ((scratch_.returning >> i & 1) == 0) continue;
+    Repair(track, step, scratch_.signal[i], scratch_.r[i]);
+  }
+}
+
+/// One epoch off, or a break of no whole size. @param integer  the best slip, where one was found at all
+bool Decision::TakeOther(const Explanation* integer) {
+  if (TakeOutlier(case_.step) || TakeOutlier(case_.step - 1)) return true;
+  if (integer && integer->window_chi2 < kIntegerExplainsMost * case_.none.window_chi2) return false;
+  if (integer && TakeUnstable(integer->cycles)) return true;
+  AddEvent(EventKind::kJump, nullptr, 0.5 * case_.none.window_chi2, 0, false);
+  case_.track->At(case_.step).broken = true;
+  return true;
+}
+
+/// Whether all is well once the phases of an epoch are replaced by the mean of their neighbours'.
+bool Decision::TakeOutlier(std::int64_t epoch) {
+  SatelliteTrack& track = *case_.track;
+  if (epoch <= track.first + 1 || epoch + 1 >= track.next) return false;
+  const StepState& to = track.At(epoch);
+  const StepState& from = track.At(epoch + 1);
+  if (to.gap || from.gap || to.broken || from.broken) return false;
+  const double before = WindowChi2(track, case_.step - 3, case_.step + 4);
+  const std::vector<SignalTrack> kept = track.signals;
+  for (SignalTrack& s : track.signals) {
+    if (!s.IsReal(epoch) || !s.IsKnown(epoch - 1) || !s.IsReal(epoch + 1)) continue;
+    s.phase_m[RingSlot(epoch)] = 0.5 * (s.X(epoch - 1) + s.X(epoch + 1));
+  }
+  FitRates(track, epoch);
+  FitRates(track, epoch + 1);
+  const double after = WindowChi2(track, case_.step - 3, case_.step + 4);
+  if (after < kFitChi2 && before - after > kOutlierGain) {
+    AddEvent(EventKind::kOutlier, nullptr, 0.5 * (before - after), 0, true);
+    track.events.back().first = std::max(epoch, track.decide);
+    track.events.back().second.time_ns = track.At(epoch).time_ns;
+    return true;
+  }
+  track.signals = kept;
+  FitRates(track, epoch);
+  FitRates(track, epoch + 1);
+  return false;
+}
+
+}  // namespace orsolva_host::analysis

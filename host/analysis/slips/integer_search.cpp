@@ -1,0 +1,150 @@
+#include "host/analysis/slips/integer_search.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace orsolva_host::analysis {
+namespace {
+
+constexpr std::size_t kBeam = 400;
+constexpr std::size_t kKept = 12;
+constexpr double kWidth_sigma = 4;
+constexpr double kLeastWidth_cycles = 1;
+constexpr double kGreatestWidth_cycles = 60;
+constexpr double kHalfMustFit_cycles = 0.12;
+constexpr double kSingleMustFit_cycles = 1.2;
+constexpr double kOneFrequency_hz = 1e3;
+
+double RoundTo(double value, double step) { return std::nearbyint(value / step) * step; }
+
+bool IsHalf(double cycles) {
+  const double fraction = std::fabs(cycles) - std::floor(std::fabs(cycles));
+  return std::fabs(fraction - 0.5) < 0.1;
+}
+
+}  // namespace
+
+void SlipCandidates::Add(const Cycles& cycles, int count) {
+  for (const SlipCandidate& known : list_) {
+    if (std::equal(cycles.begin(), cycles.begin() + count, known.cycles.begin())) return;
+  }
+  list_.push_back({cycles, 0});
+}
+
+/// Whole offsets within each band, and the bands' means without them.
+void IntegerSearch::TieBands(const SatelliteTrack& track, const StepTest& test,
+                             const std::array<double, kMostSignals>& r, double step) {
+  bands_.clear();
+  std::array<std::size_t, kMostSignals> reference = {};
+  for (std::size_t i = 0; i < static_cast<std::size_t>(test.count); ++i) {
+    const SignalTrack& s = track.signals[test.signal[i]];
+    std::size_t b = 0;
+    while (b < bands_.size() && std::fabs(track.signals[test.signal[reference[b]]].frequency_hz -
+                                          s.frequency_hz) > kOneFrequency_hz)
+      ++b;
+    offset_[i] = 0;
+    b = std::min(b, kMostBands - 1);
+    if (b == bands_.size()) {
+      reference[b] = i;
+      bands_.push_back({s.wavelength_m, s.mu, 0, 0, 0});
+    } else {
+      const double apart = (r[i] - r[reference[b]]) / s.wavelength_m;
+      offset_[i] = RoundTo(apart, step);
+      if (IsHalf(offset_[i]) && std::fabs(apart - offset_[i]) > kHalfMustFit_cycles)
+        offset_[i] = RoundTo(apart, 1);
+    }
+    band_of_[i] = static_cast<int>(b);
+    bands_[b].mean_m += r[i] - s.wavelength_m * offset_[i];
+    bands_[b].noise_m2 += test.noise_m2[i];
+    ++bands_[b].signals;
+  }
+  for (Band& band : bands_) {
+    band.mean_m /= band.signals;
+    band.noise_m2 /= static_cast<double>(band.signals) * band.signals;
+  }
+}
+
+/// Grows every branch by the next band: row of L, conditional variance, then whole numbers around the
+/// conditional mean.
+void IntegerSearch::Extend(const StepTest& test, std::size_t b, double step) {
+  const Band& band = bands_[b];
+  std::array<double, kMostBands> row = {};
+  double variance = test.range_m2 + test.ionosphere_m2 * band.mu * band.mu + band.noise_m2;
+  for (std::size_t j = 0; j < b; ++j) {
+    double covariance = test.range_m2 + test.ionosphere_m2 * band.mu * bands_[j].mu;
+    for (std::size_t k = 0; k < j; ++k) covariance -= row[k] * factor_[j][k] * diagonal_[k];
+    row[j] = covariance / diagonal_[j];
+    variance -= row[j] * row[j] * diagonal_[j];
+  }
+  variance = std::max(variance, 1e-9);
+  factor_.push_back(row);
+  diagonal_.push_back(variance);
+  const double width = std::clamp(kWidth_sigma * std::sqrt(variance) / band.wavelength_m, kLeastWidth_cycles,
+                                  kGreatestWidth_cycles);
+  grown_.clear();
+  for (const Branch& branch : beam_) {
+    double mean = band.mean_m;
+    for (std::size_t j = 0; j < b; ++j) mean -= row[j] * branch.innovation[j];
+    const double center = mean / band.wavelength_m;
+    const double last = std::floor((center + width) / step) * step;
+    for (double z = std::ceil((center - width) / step) * step; z <= last + 0.1 * step; z += step) {
+      Branch next = branch;
+      next.cycles[b] = z;
+      next.innovation[b] = mean - band.wavelength_m * z;
+      next.cost += next.innovation[b] * next.innovation[b] / variance;
+      grown_.push_back(next);
+    }
+  }
+  if (grown_.size() > kBeam) {
+    std::stable_sort(grown_.begin(), grown_.end(),
+                     [](const Branch& x, const Branch& y) { return x.cost < y.cost; });
+    grown_.resize(kBeam);
+  }
+  beam_.swap(grown_);
+}
+
+void IntegerSearch::OfferSingles(const SatelliteTrack& track, const StepTest& test,
+                                 const std::array<double, kMostSignals>& r, SlipCandidates& out) const {
+  for (std::size_t i = 0; i < static_cast<std::size_t>(test.count); ++i) {
+    const double cycles = r[i] / track.signals[test.signal[i]].wavelength_m;
+    const double nearest = std::nearbyint(cycles);
+    for (const double z : {nearest, nearest - 1, nearest + 1}) {
+      if (z == 0 || std::fabs(cycles - z) >= kSingleMustFit_cycles) continue;
+      Cycles one = {};
+      one[i] = z;
+      out.Add(one, test.count);
+      Cycles band = {};
+      for (std::size_t j = 0; j < static_cast<std::size_t>(test.count); ++j) {
+        if (band_of_[j] == band_of_[i]) band[j] = z;
+      }
+      out.Add(band, test.count);
+    }
+  }
+}
+
+void IntegerSearch::Offer(const SatelliteTrack& track, const StepTest& test,
+                          const std::array<double, kMostSignals>& r, const WideLaneEvidence& wide_lanes,
+                          bool halves, SlipCandidates& out) {
+  const double step = halves ? 0.5 : 1;
+  TieBands(track, test, r, step);
+  factor_.clear();
+  diagonal_.clear();
+  beam_.assign(1, Branch{{}, {}, 0});
+  for (std::size_t b = 0; b < bands_.size(); ++b) Extend(test, b, step);
+  std::vector<SlipCandidate> best;
+  best.reserve(beam_.size());
+  for (const Branch& branch : beam_) {
+    SlipCandidate candidate;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(test.count); ++i) {
+      candidate.cycles[i] = branch.cycles[static_cast<std::size_t>(band_of_[i])] + offset_[i];
+    }
+    candidate.cost = branch.cost + WideLaneMisfit(wide_lanes, candidate.cycles);
+    best.push_back(candidate);
+  }
+  std::stable_sort(best.begin(), best.end(),
+                   [](const SlipCandidate& x, const SlipCandidate& y) { return x.cost < y.cost; });
+  for (std::size_t i = 0; i < std::min(best.size(), kKept); ++i) out.Add(best[i].cycles, test.count);
+  OfferSingles(track, test, r, out);
+}
+
+}  // namespace orsolva_host::analysis

@@ -1,0 +1,77 @@
+// Slip vectors in cycles that explain the test vector of a step, best first.
+//
+// Signals of one band are tied first: their differences are free of geometry and ionosphere and round
+// directly. Then the bands are taken one by one in Gaussian conditional order (sequential rounding as in
+// Teunissen 1995, without decorrelation), keeping a beam of the best.
+#ifndef ORSOLVA_ANALYSIS_SLIPS_INTEGER_SEARCH_H
+#define ORSOLVA_ANALYSIS_SLIPS_INTEGER_SEARCH_H
+
+#include <array>
+#include <vector>
+
+#include "host/analysis/slips/prediction.h"
+#include "host/analysis/slips/satellite_track.h"
+#include "host/analysis/slips/wide_lane.h"
+
+namespace orsolva_host::analysis {
+
+/// Carriers of one system are at most six (BDS).
+constexpr std::size_t kMostBands = 8;
+
+using Cycles = std::array<double, kMostSignals>;  ///< by place in the StepTest
+
+struct SlipCandidate {
+  Cycles cycles = {};
+  double cost = 0;  ///< for ranking, twice nats
+};
+
+/// A list of different slip vectors.
+class SlipCandidates {
+ public:
+  void Clear() { list_.clear(); }
+  void Add(const Cycles& cycles, int count);
+  std::vector<SlipCandidate>& List() { return list_; }
+
+ private:
+  std::vector<SlipCandidate> list_;
+};
+
+class IntegerSearch {
+ public:
+  /// Adds the best vectors for r to the list; also single signals and single bands by rounding.
+  /// @param r      test vector, m; test.r or one of another prediction
+  /// @param halves steps of half a cycle are allowed
+  void Offer(const SatelliteTrack& track, const StepTest& test, const std::array<double, kMostSignals>& r,
+             const WideLaneEvidence& wide_lanes, bool halves, SlipCandidates& out);
+
+ private:
+  struct Band {
+    double wavelength_m;
+    double mu;
+    double mean_m;  ///< of the signals' r less their offsets
+    double noise_m2;
+    int signals;
+  };
+  struct Branch {
+    std::array<double, kMostBands> cycles;
+    std::array<double, kMostBands> innovation;
+    double cost;
+  };
+
+  void TieBands(const SatelliteTrack& track, const StepTest& test, const std::array<double, kMostSignals>& r,
+                double step);
+  void Extend(const StepTest& test, std::size_t band, double step);
+  void OfferSingles(const SatelliteTrack& track, const StepTest& test,
+                    const std::array<double, kMostSignals>& r, SlipCandidates& out) const;
+
+  std::vector<Band> bands_;
+  std::array<int, kMostSignals> band_of_;
+  Cycles offset_ = {};  ///< of signals against the first of their band
+  std::vector<Branch> beam_, grown_;
+  std::vector<std::array<double, kMostBands>> factor_;  ///< rows of L in the L D L' of the bands' covariance
+  std::vector<double> diagonal_;
+};
+
+}  // namespace orsolva_host::analysis
+
+#endif  // ORSOLVA_ANALYSIS_SLIPS_INTEGER_SEARCH_H

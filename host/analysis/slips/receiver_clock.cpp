@@ -1,0 +1,125 @@
+#include "host/analysis/slips/receiver_clock.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "host/analysis/numeric/linear_solve.h"
+
+namespace orsolva_host::analysis {
+namespace {
+
+constexpr double kSigmaOfMedian = 1.4826;
+constexpr double kLeastSpread_m = 0.004;
+constexpr double kAgreement_m = 0.06;
+constexpr std::size_t kLeastSatellites = 4;
+constexpr std::size_t kLeastSatellitesMoving = 6;
+constexpr double kMovingSpread_m = 0.03;
+constexpr double kOutlierSpreads = 3;
+
+double Median(std::vector<double>& values) {
+  const std::size_t half = values.size() / 2;
+  std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(half), values.end());
+  const double upper = values[half];
+  if (values.size() % 2 == 1) return upper;
+  return 0.5 *
+         (upper + *std::max_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(half)));
+}
+
+double OffsetOf(const ClockSample& sample) {
+  const double offset = MergedMedian(sample.offsets->Sorted(), SortedList<1>());
+  return std::isfinite(offset) ? offset : 0;
+}
+
+/// Residuals of the samples once a clock and their own offsets are taken off.
+void Residuals(const std::vector<ClockSample>& samples, double clock_m, std::vector<double>& out) {
+  out.clear();
+  for (const ClockSample& s : samples) out.push_back(s.metres - clock_m - OffsetOf(s));
+}
+
+double Spread(const std::vector<double>& residuals) {
+  std::vector<double> sizes;
+  for (const double r : residuals) sizes.push_back(std::fabs(r));
+  return kSigmaOfMedian * Median(sizes);
+}
+
+double WeightedMeanOfGood(const std::vector<ClockSample>& samples, const std::vector<double>& residuals,
+                          double limit_m) {
+  double sum = 0, weights = 0;
+  for (std::size_t i = 0; i < samples.size(); ++i) {
+    if (!(std::fabs(residuals[i]) < limit_m)) continue;
+    const double w = 1 / (samples[i].sigma * samples[i].sigma);
+    sum += w * residuals[i];
+    weights += w;
+  }
+  return weights > 0 ? sum / weights : 0;
+}
+
+std::size_t CountWithin(const std::vector<double>& residuals, double limit_m) {
+  return static_cast<std::size_t>(
+      std::count_if(residuals.begin(), residuals.end(), [&](double r) { return std::fabs(r) < limit_m; }));
+}
+
+/// Shift and clock by least squares, reweighted against outliers; residuals are left in `residuals`.
+bool SolveShift(const std::vector<ClockSample>& samples, std::array<double, 4>& x,
+                std::vector<double>& residuals) {
+  std::vector<double> weights;
+  for (const ClockSample& s : samples) weights.push_back(1 / (s.sigma * s.sigma));
+  std::vector<double> robust = weights;
+  for (int round = 0; round < 8; ++round) {
+    NormalSystem<4> normal(4);
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+      const Vector3& e = samples[i].line_of_sight;
+      normal.Add({-e[0], -e[1], -e[2], 1}, samples[i].metres - OffsetOf(samples[i]), robust[i]);
+    }
+    if (!normal.Solve(x)) return false;
+    residuals.clear();
+    for (const ClockSample& s : samples) {
+      const Vector3& e = s.line_of_sight;
+      residuals.push_back(s.metres - OffsetOf(s) + e[0] * x[0] + e[1] * x[1] + e[2] * x[2] - x[3]);
+    }
+    const double spread = std::max(Spread(residuals), 0.003);
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+      const double off = residuals[i] / (2 * spread);
+      robust[i] = weights[i] / (1 + off * off);
+    }
+  }
+  return true;
+}
+
+std::optional<ClockChange> SolveMoving(const std::vector<ClockSample>& samples, double spread_m) {
+  std::array<double, 4> x = {};
+  std::vector<double> residuals;
+  if (samples.size() < kLeastSatellitesMoving || !SolveShift(samples, x, residuals)) return std::nullopt;
+  const double left = std::max(Spread(residuals), 0.003);
+  const std::size_t agree = CountWithin(residuals, std::max(4 * left, kMovingSpread_m));
+  if (left >= spread_m / 3 || agree < std::max<std::size_t>(5, (samples.size() * 6 + 9) / 10))
+    return std::nullopt;
+  return ClockChange{x[3], {x[0], x[1], x[2]}, true};
+}
+
+}  // namespace
+
+std::optional<ClockChange> SolveClock(std::vector<ClockSample>& samples) {
+  if (samples.size() < kLeastSatellites) return std::nullopt;
+  std::vector<double> residuals;
+  for (const ClockSample& s : samples) residuals.push_back(s.metres);
+  ClockChange change;
+  change.metres = Median(residuals);
+  for (int round = 0; round < 2; ++round) {
+    Residuals(samples, change.metres, residuals);
+    const double limit = kOutlierSpreads * std::max(Spread(residuals), kLeastSpread_m);
+    change.metres += WeightedMeanOfGood(samples, residuals, limit);
+  }
+  Residuals(samples, change.metres, residuals);
+  const double spread = Spread(residuals);
+  const std::size_t agree = CountWithin(residuals, kAgreement_m);
+  const bool known = agree >= 3 && 2 * agree >= samples.size();
+  if (spread > kMovingSpread_m) {
+    if (const auto moving = SolveMoving(samples, spread)) return moving;
+  }
+  if (!known) return std::nullopt;
+  for (const ClockSample& s : samples) s.offsets->Push(s.metres - change.metres);
+  return change;
+}
+
+}  // namespace orsolva_host::analysis

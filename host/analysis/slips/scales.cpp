@@ -1,0 +1,206 @@
+#include "host/analysis/slips/scales.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "host/analysis/slips/prediction.h"
+
+namespace orsolva_host::analysis {
+namespace {
+
+constexpr int kLeastErrors = 6;
+constexpr double kSigmaOfMedian =
+    1.4826;  // standard deviation of normal errors over the median of their sizes
+constexpr double kSigmaOfFourFifths = 0.7803;  // and over their 80th percentile
+constexpr double kFewErrorsFactor = 1.5;
+constexpr double kUsualIonosphere_m = 0.02;  // at 30 s
+constexpr double kNeighboursMustBeBetter = 0.8;
+constexpr double kPartOfNoise = 0.5;  // of the errors' variance that phase noise explains
+
+struct BothScales {
+  double by_median;
+  double by_neighbours;
+};
+
+/// Prediction error of a step, m: by the median settled for it, or by its neighbours.
+double RangeError(const SatelliteTrack& track, std::int64_t i, bool by_neighbours) {
+  const StepState& s = track.At(i);
+  if (!s.HasGeometry()) {
+    const double cubic = CubicRangeRate(track, i);
+    return (s.range_rate - cubic) * s.dt_s - s.common_m;
+  }
+  const double mean = MeanOfNeighbours(track.RangeRate(i - 1), track.RangeRate(i + 1));
+  const double rate = by_neighbours && std::isfinite(mean) ? mean : s.range_median;
+  return (s.range_rate - (std::isfinite(rate) ? rate : 0)) * s.dt_s;
+}
+
+double IonosphereError(const SatelliteTrack& track, std::int64_t i, bool by_neighbours) {
+  const StepState& s = track.At(i);
+  const double rate = by_neighbours
+                          ? MeanOfNeighbours(track.IonosphereRate(i - 1), track.IonosphereRate(i + 1))
+                          : s.ionosphere_median;
+  return (s.ionosphere_rate - rate) * s.dt_s;
+}
+
+using ErrorOf = double (*)(const SatelliteTrack&, std::int64_t, bool);
+
+/// The errors near the step that still change: k - 2 and those to come.
+SortedList<kLead> NearErrors(const SatelliteTrack& track, std::int64_t step, ErrorOf error,
+                             bool by_neighbours) {
+  SortedList<kLead> list;
+  for (const std::int64_t i : {step - 2, step + 2, step + 3, step + 4}) {
+    if (i > track.first && track.Has(i) && !track.At(i).lone_band)
+      list.Insert(std::fabs(error(track, i, by_neighbours)));
+  }
+  return list;
+}
+
+double RobustScale(const SortedList<kTrail - 2>& past, const SortedList<kLead>& near) {
+  if (past.Count() + near.Count() < kLeastErrors) return kAbsent;
+  return std::max(kSigmaOfMedian * MergedQuantile(past, near, 0.5),
+                  kSigmaOfFourFifths * MergedQuantile(past, near, 0.8));
+}
+
+BothScales ScalesOf(const SatelliteTrack& track, std::int64_t step, const ErrorWindows& windows,
+                    ErrorOf error) {
+  return {RobustScale(windows.by_median.Sorted(), NearErrors(track, step, error, false)),
+          RobustScale(windows.by_neighbours.Sorted(), NearErrors(track, step, error, true))};
+}
+
+double UsualRangeScale(char system) {
+  switch (system) {
+    case 'E':
+      return 0.010;
+    case 'C':
+      return 0.012;
+    case 'R':
+      return 0.030;
+    default:
+      return 0.020;
+  }
+}
+
+double Square(double x) { return x * x; }
+
+/// What phase noise adds to the variances of the fitted rates.
+struct NoiseShare {
+  double range_m2 = 0;
+  double ionosphere_m2 = 0;
+  bool one_band = true;
+};
+
+NoiseShare NoiseOf(const SatelliteTrack& track, std::int64_t i) {
+  double least = 1e9, greatest = 0;
+  for (const SignalTrack& s : track.signals) {
+    if (s.unstable || !s.IsReal(i)) continue;
+    least = std::min(least, s.mu);
+    greatest = std::max(greatest, s.mu);
+  }
+  NoiseShare share;
+  share.one_band = greatest - least < 1e-6;
+  if (share.one_band) return share;
+  const StepState& step = track.At(i);
+  const double noise_m2 = Square(PhaseNoise(step));
+  const double spread2 = Square(greatest - least);
+  const double gain = step.ionosphere_by_neighbours ? kGainOfNeighbours : kGainOfMedian;
+  share.ionosphere_m2 = kPartOfNoise * noise_m2 * gain / std::max(spread2 / 2, 0.1);
+  share.range_m2 = kPartOfNoise * 2 * noise_m2 * (Square(greatest) + Square(least)) / spread2;
+  return share;
+}
+
+void SetRangeScale(StepState& step, double scale, const NoiseShare& noise, double root) {
+  double variance = Square(scale);
+  if (step.modelled) variance = std::max(variance - noise.range_m2, 0.0);
+  variance += Square(kRangeFloor_m / step.sin_elevation * root);
+  if (!step.modelled) variance = Square(kWithoutModelFactor) * variance + Square(kWithoutModelFloor_m * root);
+  if (!step.gap) variance += Square(kTroposphereDoubt * step.troposphere_change_m);
+  step.range_scale_m = std::sqrt(variance);
+}
+
+void SetIonosphereScale(StepState& step, double scale, const NoiseShare& noise, double root) {
+  const double variance = std::max(Square(scale) - noise.ionosphere_m2, 0.0) +
+                          Square(kIonosphereFloor_m / step.sin_elevation * root);
+  step.ionosphere_scale_m = noise.one_band && !step.lone_band ? kIonosphereFloor_m : std::sqrt(variance);
+}
+
+void SettleMedians(SatelliteTrack& track, std::int64_t step) {
+  SortedList<kLead + 1> range, ionosphere;
+  for (std::int64_t i = step; i < std::min(track.next, step + kLead + 1); ++i) {
+    if (track.At(i).lone_band) continue;
+    if (track.At(i).HasGeometry()) range.Insert(track.RangeRate(i));
+    ionosphere.Insert(track.IonosphereRate(i));
+  }
+  const double range_median = MergedMedian(track.range_rates.Sorted(), range);
+  const double ionosphere_median = MergedMedian(track.ionosphere_rates.Sorted(), ionosphere);
+  for (std::int64_t i = step; i < track.next; ++i) {
+    track.At(i).range_median = range_median;
+    track.At(i).ionosphere_median = ionosphere_median;
+  }
+}
+
+/// Scales of the step, also given to some after it, which have their own elevation and kind.
+void SettleFrom(SatelliteTrack& track, std::int64_t step, int steps, double range, double ionosphere,
+                double interval_s) {
+  const double root = std::sqrt(interval_s / kUsualInterval_s);
+  const StepState& own = track.At(step);
+  for (std::int64_t i = step; i < std::min(track.next, step + steps); ++i) {
+    StepState& s = track.At(i);
+    s.range_by_neighbours = own.range_by_neighbours;
+    s.ionosphere_by_neighbours = own.ionosphere_by_neighbours;
+    const NoiseShare noise = NoiseOf(track, i);
+    SetRangeScale(s, range, noise, root);
+    SetIonosphereScale(s, ionosphere, noise, root);
+  }
+}
+
+/// Medians, predictors and scales as the steps are now.
+/// @param steps  how many get the scales, this one first
+void Settle(SatelliteTrack& track, std::int64_t step, int steps, double interval_s) {
+  SettleMedians(track, step);
+  const BothScales range = ScalesOf(track, step, track.range_errors, RangeError);
+  const BothScales ionosphere = ScalesOf(track, step, track.ionosphere_errors, IonosphereError);
+  StepState& own = track.At(step);
+  own.range_by_neighbours = range.by_neighbours < kNeighboursMustBeBetter * range.by_median;
+  own.ionosphere_by_neighbours = ionosphere.by_neighbours < ionosphere.by_median;
+  const double root = std::sqrt(interval_s / kUsualInterval_s);
+  double range_m = own.range_by_neighbours ? range.by_neighbours : range.by_median;
+  double ionosphere_m = own.ionosphere_by_neighbours ? ionosphere.by_neighbours : ionosphere.by_median;
+  if (std::isfinite(range_m)) {
+    track.usual_range_scale_m = range_m;
+  } else {
+    const double usual = UsualRangeScale(track.satellite.system) * root;
+    range_m =
+        kFewErrorsFactor * (std::isfinite(track.usual_range_scale_m) ? track.usual_range_scale_m : usual);
+  }
+  if (std::isfinite(ionosphere_m)) {
+    track.usual_ionosphere_scale_m = ionosphere_m;
+  } else {
+    const double usual = kUsualIonosphere_m * root;
+    ionosphere_m = kFewErrorsFactor *
+                   (std::isfinite(track.usual_ionosphere_scale_m) ? track.usual_ionosphere_scale_m : usual);
+  }
+  SettleFrom(track, step, steps, range_m, ionosphere_m, interval_s);
+}
+
+void PushErrors(SatelliteTrack& track, std::int64_t step, ErrorWindows& windows, ErrorOf error) {
+  const bool known = step > track.first && track.Has(step) && !track.At(step).lone_band;
+  windows.by_median.Push(known ? std::fabs(error(track, step, false)) : kAbsent);
+  windows.by_neighbours.Push(known ? std::fabs(error(track, step, true)) : kAbsent);
+}
+
+}  // namespace
+
+void SettleScales(SatelliteTrack& track, std::int64_t step, double interval_s) {
+  PushErrors(track, step - 3, track.range_errors, RangeError);
+  PushErrors(track, step - 3, track.ionosphere_errors, IonosphereError);
+  const bool before = step - 1 > track.first && !track.At(step - 1).lone_band;
+  track.range_rates.Push(before && track.At(step - 1).HasGeometry() ? track.RangeRate(step - 1) : kAbsent);
+  track.ionosphere_rates.Push(before ? track.IonosphereRate(step - 1) : kAbsent);
+  Settle(track, step, 1, interval_s);
+}
+
+void RefreshScales(SatelliteTrack& track, std::int64_t step, double interval_s) {
+  Settle(track, step, 3, interval_s);
+}
+
+}  // namespace orsolva_host::analysis

@@ -1,0 +1,26 @@
+// How badly range and ionosphere of a satellite have been predicted lately.
+//
+// Scales are robust spreads of the prediction errors of the last 20 and next 4 steps without the step itself
+// and its neighbours, because a slip there must not hide itself. Two predictors compete for range and for
+// ionosphere: the median rate (best in quiet times) and the mean of both neighbours (best in storms); a step
+// takes the one with the smaller scale.
+#ifndef ORSOLVA_ANALYSIS_SLIPS_SCALES_H
+#define ORSOLVA_ANALYSIS_SLIPS_SCALES_H
+
+#include <cstdint>
+
+#include "host/analysis/slips/satellite_track.h"
+
+namespace orsolva_host::analysis {
+
+/// Settles medians, predictor and scales of the step that is to be decided next. Must be called once per
+/// step, in order: it moves the windows on.
+void SettleScales(SatelliteTrack& track, std::int64_t step, double interval_s);
+
+/// The same from the steps as they are now, without moving the windows, and provisionally for the two steps
+/// after it: before a candidate is looked at together with those, and after a repair among them.
+void RefreshScales(SatelliteTrack& track, std::int64_t step, double interval_s);
+
+}  // namespace orsolva_host::analysis
+
+#endif  // ORSOLVA_ANALYSIS_SLIPS_SCALES_H

@@ -1,0 +1,189 @@
+// Ranks the explanations of a step: slip vectors and no slip.
+#include <algorithm>
+#include <cmath>
+
+#include "host/analysis/slips/decision.h"
+
+namespace orsolva_host::analysis {
+namespace {
+
+constexpr std::size_t kTriedInFull = 5;
+constexpr double kNone_cycles = 0.01;
+
+/// Epochs of a track from one on, kept while a repair is tried.
+class SavedEpochs {
+ public:
+  SavedEpochs(SatelliteTrack& track, std::int64_t from, const StepTest& test)
+      : track_(track), from_(from), test_(test) {
+    const StepState& step = track.At(from);
+    range_rate_ = step.range_rate;
+    ionosphere_rate_ = step.ionosphere_rate;
+    Each([](double& kept, double& live) { kept = live; });
+    for (int j = 0; j < test.count; ++j) repaired_[Place(j)] = Signal(j).repaired_m;
+  }
+  ~SavedEpochs() {
+    Each([](double& kept, double& live) { live = kept; });
+    for (int j = 0; j < test_.count; ++j) Signal(j).repaired_m = repaired_[Place(j)];
+    track_.At(from_).range_rate = range_rate_;
+    track_.At(from_).ionosphere_rate = ionosphere_rate_;
+  }
+  SavedEpochs(const SavedEpochs&) = delete;
+  SavedEpochs& operator=(const SavedEpochs&) = delete;
+
+ private:
+  static std::size_t Place(int j) { return static_cast<std::size_t>(j); }
+  SignalTrack& Signal(int j) { return track_.signals[test_.signal[Place(j)]]; }
+
+  template <typename Action>
+  void Each(Action action) {
+    for (int j = 0; j < test_.count; ++j) {
+      for (std::int64_t i = from_; i < track_.next; ++i) {
+        action(phases_[Place(j)][static_cast<std::size_t>(i - from_)], Signal(j).phase_m[RingSlot(i)]);
+      }
+    }
+  }
+
+  SatelliteTrack& track_;
+  std::int64_t from_;
+  const StepTest& test_;
+  double range_rate_;
+  double ionosphere_rate_;
+  std::array<double, kMostSignals> repaired_;
+  std::array<std::array<double, kLead + 2>, kMostSignals> phases_;
+};
+
+}  // namespace
+
+/// The central view, and those by one neighbour alone where the prediction leans on both: one of them may
+/// have slipped.
+void Decision::MakeViews() {
+  const SatelliteTrack& track = *case_.track;
+  const StepState& s = track.At(case_.step);
+  case_.views.assign(1, case_.test.r);
+  const double before = track.IonosphereRate(case_.step - 1), after = track.IonosphereRate(case_.step + 1);
+  if (case_.gap || !std::isfinite(before) || !std::isfinite(after)) return;
+  if (!s.ionosphere_by_neighbours && s.modelled) return;
+  const double mean_v = MeanOfNeighbours(before, after);
+  const double mean_u = MeanOfNeighbours(track.RangeRate(case_.step - 1), track.RangeRate(case_.step + 1));
+  const bool range_too = !(s.modelled && !s.range_by_neighbours);
+  for (const std::int64_t j : {case_.step - 1, case_.step + 1}) {
+    std::array<double, kMostSignals> r = case_.test.r;
+    const double dv = (track.IonosphereRate(j) - mean_v) * s.dt_s;
+    const double du = range_too ? (track.RangeRate(j) - mean_u) * s.dt_s : 0;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i)
+      r[i] += case_.test.mu[i] * dv - du;
+    case_.views.push_back(r);
+  }
+}
+
+double Decision::PriorOf(const Cycles& cycles) const {
+  double logarithms = 0;
+  int halves = 0, groups = 0;
+  const int count = case_.test.count;
+  for (int i = 0; i < count; ++i) {
+    const auto place = static_cast<std::size_t>(i);
+    const double size = std::fabs(cycles[place]);
+    if (size < kNone_cycles) continue;
+    logarithms += std::log(std::max(size, 1.0));
+    bool new_group = true, new_size = true;  // a further value within a band counts as a further band
+    for (std::size_t j = 0; j < place; ++j) {
+      if (case_.band[j] == case_.band[place] && cycles[j] == cycles[place]) new_group = false;
+      if (std::fabs(cycles[j]) == size) new_size = false;
+    }
+    groups += new_group;
+    if (new_size && std::fabs(size - std::floor(size) - 0.5) < kNone_cycles) ++halves;
+  }
+  if (groups == 0) return 0;
+  return case_.slip_prior + kFurtherBandPrior * (groups - 1) + kHalfCyclePrior * halves +
+         kSizePrior * logarithms / count;
+}
+
+/// Least chi2 of the step alone after the repair, over all views.
+double Decision::FitOf(const Cycles& cycles) const {
+  double least = 1e300;
+  for (const auto& view : case_.views) {
+    std::array<double, kMostSignals> r = view;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
+      r[i] -= case_.track->signals[case_.test.signal[i]].wavelength_m * cycles[i];
+    }
+    least = std::min(least, Chi2(case_.test, r));
+  }
+  return least;
+}
+
+double Decision::WindowChi2(const SatelliteTrack& track, std::int64_t first, std::int64_t last) {
+  double sum = 0;
+  for (std::int64_t i = std::max(first, track.first + 1); i <= std::min(last, track.next - 1); ++i) {
+    if (track.At(i).broken) continue;
+    MakeTest(track, i, interval_s_, scratch_);
+    sum += Chi2(scratch_);
+  }
+  return sum;
+}
+
+double Decision::RepairedWindow(const Cycles& cycles) {
+  SatelliteTrack& track = *case_.track;
+  const SavedEpochs saved(track, case_.step, case_.test);
+  for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
+    if (cycles[i] == 0) continue;
+    const std::size_t signal = case_.test.signal[i];
+    Repair(track, case_.step, signal, track.signals[signal].wavelength_m * cycles[i]);
+  }
+  FitRates(track, case_.step);
+  return WindowChi2(track, case_.step - 2, case_.step + 2);
+}
+
+/// Candidates of every view, cheapest by the step alone first.
+void Decision::RankSlips() {
+  const SatelliteTrack& track = *case_.track;
+  bool half_flag = false;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
+    const std::uint32_t flags = track.signals[case_.test.signal[i]].half_cycle;
+    half_flag = half_flag || (flags & (RingBit(case_.step) | RingBit(case_.step - 1))) != 0;
+  }
+  candidates_.Clear();
+  for (const auto& view : case_.views) {
+    search_.Offer(track, case_.test, view, case_.wide_lanes, half_flag || !case_.gap, candidates_);
+  }
+  candidates_.Add(Cycles{}, case_.test.count);
+  for (SlipCandidate& candidate : candidates_.List()) {
+    std::array<double, kMostSignals> r = case_.test.r;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
+      r[i] -= track.signals[case_.test.signal[i]].wavelength_m * candidate.cycles[i];
+    }
+    candidate.cost = Chi2(case_.test, r) + WideLaneMisfit(case_.wide_lanes, candidate.cycles) +
+                     2 * PriorOf(candidate.cycles);
+  }
+  std::stable_sort(candidates_.List().begin(), candidates_.List().end(),
+                   [](const SlipCandidate& a, const SlipCandidate& b) { return a.cost < b.cost; });
+}
+
+void Decision::RankExplanations() {
+  RankSlips();
+  const SatelliteTrack& track = *case_.track;
+  const bool blind =
+      !track.At(case_.step).HasGeometry() && !case_.gap && track.At(case_.step).dt_s >= kQuietInterval_s;
+  case_.ranked.clear();
+  bool has_none = false;
+  for (std::size_t i = 0; i < candidates_.List().size(); ++i) {
+    const Cycles& cycles = candidates_.List()[i].cycles;
+    Explanation e;
+    e.cycles = cycles;
+    int slipped = 0;
+    for (int j = 0; j < case_.test.count; ++j)
+      slipped += std::fabs(cycles[static_cast<std::size_t>(j)]) > kNone_cycles;
+    e.any = slipped > 0;
+    if (i >= kTriedInFull && (e.any || has_none)) continue;
+    has_none = has_none || !e.any;
+    e.window_chi2 = RepairedWindow(cycles);
+    e.total = 0.5 * (e.window_chi2 + WideLaneMisfit(case_.wide_lanes, cycles)) + PriorOf(cycles);
+    // Without a model of the range a slip on every band rests on the smoothness of the range alone.
+    if (blind && slipped == case_.test.count) e.total += kBlindSlipPrior;
+    case_.ranked.push_back(e);
+    if (!e.any) case_.none = e;
+  }
+  std::stable_sort(case_.ranked.begin(), case_.ranked.end(),
+                   [](const Explanation& a, const Explanation& b) { return a.total < b.total; });
+}
+
+}  // namespace orsolva_host::analysis

@@ -1,0 +1,46 @@
+// The analysis of one station: takes epochs one at a time, finds events, and gives figures at any time.
+//
+// Memory is bounded by the satellites and signals observed, not by time, but for gaps and drops, which are
+// listed one by one. How epochs are grouped in calls changes nothing, and the same epochs give the same bits.
+#ifndef ORSOLVA_ANALYSIS_STATION_ANALYSIS_H
+#define ORSOLVA_ANALYSIS_STATION_ANALYSIS_H
+
+#include <memory>
+#include <vector>
+
+#include "host/analysis/analysis_result.h"
+#include "host/analysis/slips/slip_detector.h"
+
+namespace orsolva_host::analysis {
+
+struct AnalysisOptions {
+  DetectorOptions detector;
+  double elevation_cutoff_deg = 10;
+};
+
+class StationAnalysis {
+ public:
+  /// @param records  broadcast orbits; may hold nothing
+  StationAnalysis(const AnalysisOptions& options, const BroadcastRecords& records);
+  ~StationAnalysis();
+
+  /// Takes the next epoch. Epochs that do not go on in time are left out and counted.
+  void Add(const ObservationEpoch& epoch);
+  /// Decides what is still open. No epoch may follow.
+  void Finish();
+
+  /// Events decided since the last call, by time and satellite.
+  std::vector<Event> TakeEvents();
+
+  /// The figures of everything decided so far.
+  AnalysisResult Result() const;
+
+ private:
+  class Figures;
+  std::unique_ptr<Figures> figures_;
+  SlipDetector detector_;
+};
+
+}  // namespace orsolva_host::analysis
+
+#endif  // ORSOLVA_ANALYSIS_STATION_ANALYSIS_H

@@ -59,6 +59,9 @@ class SatelliteIntake {
   /// Forgets the modelled range of the last epoch, which was that of another position.
   void ForgetRange() { range_station_stale_ = true; }
   bool Modelled() const { return step_modelled_; }
+  /// Of the epoch at hand.
+  const ModelledRange& Range() const { return range_; }
+  const SatelliteObservation* Observation() const { return satellite_; }
 
  private:
   void LearnChannel(const ObservationEpoch& epoch, const SatelliteObservation& satellite);

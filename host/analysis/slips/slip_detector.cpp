@@ -125,6 +125,7 @@ void SlipDetector::Process(const ObservationEpoch& epoch) {
   ++number_;
   if (epoch.events & kPowerFailure) AddReceiverEvent(epoch, EventKind::kPowerFailure, kAbsent);
   BeginSatellites(epoch);
+  if (observer_ != nullptr && station_) ShowRanges(epoch);
   SolveReceiver(epoch);
   FindCodeJump(epoch);
   if (observer_ != nullptr) observer_->Taken(epoch, receiver_steps_[RingSlot(number_)]);
@@ -159,6 +160,16 @@ void SlipDetector::BeginSatellites(const ObservationEpoch& epoch) {
     present_.push_back(&intake);
     if (const auto sample = intake.SampleOfClock()) samples_.push_back(*sample);
   }
+}
+
+void SlipDetector::ShowRanges(const ObservationEpoch& epoch) {
+  modelled_.clear();
+  for (const SatelliteIntake* intake : present_) {
+    if (!intake->Range().valid) continue;
+    const auto place = static_cast<std::size_t>(intake->Observation() - epoch.satellites.data());
+    modelled_.push_back({place, intake->Range()});
+  }
+  observer_->Modelled(epoch, *station_, modelled_);
 }
 
 void SlipDetector::SolveReceiver(const ObservationEpoch& epoch) {

@@ -79,6 +79,7 @@ class SlipDetector {
   void Process(const ObservationEpoch& epoch);
   SatelliteIntake& IntakeOf(SatelliteId id);
   void BeginSatellites(const ObservationEpoch& epoch);
+  void ShowRanges(const ObservationEpoch& epoch);
   void SolveReceiver(const ObservationEpoch& epoch);
   void NoteClockReset(const ObservationEpoch& epoch, double change_m);
   void FindUnmodelledReset(const ObservationEpoch& epoch);
@@ -101,6 +102,7 @@ class SlipDetector {
   std::vector<SatelliteIntake*> present_;  ///< in the epoch at hand
   std::vector<SatelliteIntake*> active_;   ///< with open steps
   std::vector<ClockSample> samples_;
+  std::vector<ModelledSatellite> modelled_;  ///< of the epoch at hand, for the observer
   std::int64_t number_ = -1;
   std::int64_t last_time_ns_ = 0;
   std::int64_t disordered_ = 0;

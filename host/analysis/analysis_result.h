@@ -1,5 +1,5 @@
 // The figures of an analysis as plain data. A figure without data is absent (std::nullopt or an empty list),
-// never zero; a count of 0 was counted. The rule of each stands in the header that computes it.
+// never zero; a count of 0 was counted. The header that computes a figure has its rule.
 #ifndef ORSOLVA_ANALYSIS_ANALYSIS_RESULT_H
 #define ORSOLVA_ANALYSIS_ANALYSIS_RESULT_H
 

@@ -16,7 +16,6 @@ namespace {
 
 constexpr std::uint64_t kRecordSeed = 7;
 constexpr double kGlonassRadius_m = 25508e3;
-constexpr double kGravityGlonass = 3.9860044e14;
 constexpr std::int64_t kDay_s = 86400;
 
 std::int64_t FloorTo(std::int64_t value, std::int64_t step) {
@@ -38,7 +37,7 @@ struct Shape {
   }
 };
 
-double SqrtAxis(const NominalOrbit& o, const KeplerRecord& r) {
+double SqrtAxis(const NominalOrbit& o, const KeplerSet& r) {
   if (o.kind != OrbitKind::kMedium) {
     // One turn while the Earth turns once below the (slowly moving) node.
     const double motion = r.earth_rate - r.node_rate - r.deln;
@@ -49,12 +48,12 @@ double SqrtAxis(const NominalOrbit& o, const KeplerRecord& r) {
 }
 
 /// What all records of a satellite have in common.
-KeplerRecord Common(const NominalOrbit& o) {
+KeplerSet Common(const NominalOrbit& o) {
   const Shape shape(o);
-  KeplerRecord r;
+  KeplerSet r;
   const bool bds = o.system == 'C';
-  r.gravity = bds || o.system == 'E' ? kGravityGalileo : kGravityGps;
-  r.earth_rate = bds ? kEarthRateBds : kEarthRate;
+  r.gravity = bds || o.system == 'E' ? kGravityGalileo_m3_s2 : kGravityGps_m3_s2;
+  r.earth_rate = bds ? kEarthRotationBds_rad_s : kEarthRotation_rad_s;
   r.geostationary = bds && o.kind == OrbitKind::kGeostationary;
   r.af1 = shape(1, -8e-12, 8e-12);
   r.e = AsBroadcast(o.eccentricity);
@@ -78,7 +77,7 @@ Vector IntoTiltedFrame(const Vector& v) {
 }
 
 /// Orientation of a geostationary orbit in the tilted frame that is inertial since the reference time.
-void OrientGeostationary(const NominalOrbit& o, double node, KeplerRecord& r) {
+void OrientGeostationary(const NominalOrbit& o, double node, KeplerSet& r) {
   const auto [sn, cn] = SineCosineOf(node);
   const auto [si, ci] = SineCosineOf(o.inclination_rad);
   const auto [sp, cp] = SineCosineOf(o.perigee_rad);
@@ -92,7 +91,7 @@ void OrientGeostationary(const NominalOrbit& o, double node, KeplerRecord& r) {
   r.node_at_week = AsBroadcast(WithinPi(tilted + r.earth_rate * r.seconds_of_week));
 }
 
-void FillAt(const NominalOrbit& o, const KeplerRecord& common, double since_week_s, KeplerRecord& r) {
+void FillAt(const NominalOrbit& o, const KeplerSet& common, double since_week_s, KeplerSet& r) {
   const Shape shape(o);
   const double motion =
       std::sqrt(common.gravity) / (common.sqrt_a * common.sqrt_a * common.sqrt_a) + common.deln;
@@ -110,7 +109,7 @@ void FillAt(const NominalOrbit& o, const KeplerRecord& common, double since_week
 
 GlonassState NominalGlonass(const NominalOrbit& o) {
   const double u = o.mean_anomaly_rad + o.perigee_rad;
-  const double speed = std::sqrt(kGravityGlonass / kGlonassRadius_m);
+  const double speed = std::sqrt(kGravityGlonassRounded_m3_s2 / kGlonassRadius_m);
   const auto [sn, cn] = SineCosineOf(o.node_rad);
   const auto [si, ci] = SineCosineOf(o.inclination_rad);
   const auto [su, cu] = SineCosineOf(u);
@@ -121,8 +120,8 @@ GlonassState NominalGlonass(const NominalOrbit& o) {
     s[i] = kGlonassRadius_m * radial[i];
     s[i + 3] = speed * along[i];
   }
-  s[3] += kEarthRateBds * s[1];
-  s[4] -= kEarthRateBds * s[0];
+  s[3] += kEarthRotationBds_rad_s * s[1];
+  s[4] -= kEarthRotationBds_rad_s * s[0];
   return s;
 }
 
@@ -186,15 +185,14 @@ int LeapSeconds(std::int64_t gps_time) {
   return gps_time >= 1230768000 + 15 ? 15 : 14;
 }
 
-std::vector<KeplerRecord> KeplerRecords(const NominalOrbit& orbit, const RecordTimes& times,
-                                        std::int64_t origin) {
-  const KeplerRecord common = Common(orbit);
+std::vector<KeplerSet> KeplerSets(const NominalOrbit& orbit, const RecordTimes& times, std::int64_t origin) {
+  const KeplerSet common = Common(orbit);
   const std::int64_t week = kGpsEpoch + FloorTo(origin - kGpsEpoch, kWeek_s);
   const std::int64_t shift = orbit.system == 'C' ? kBdsBehindGps_s : 0;
-  std::vector<KeplerRecord> records;
+  std::vector<KeplerSet> records;
   for (std::int64_t i = 0; i < times.count; ++i) {
     const std::int64_t time = times.first + i * times.step;
-    KeplerRecord r = common;
+    KeplerSet r = common;
     r.reference_s = static_cast<double>(time - origin);
     r.seconds_of_week = static_cast<double>((time - shift - kGpsEpoch) % kWeek_s);
     FillAt(orbit, common, static_cast<double>(time - week), r);

@@ -35,8 +35,7 @@ inline constexpr std::int64_t kBdsEpoch = 1136073600;  // 2006-01-01
 inline constexpr std::int64_t kBdsBehindGps_s = 14;
 
 /// Kepler records at the times given, already rounded; reference_s counts from `origin`.
-std::vector<KeplerRecord> KeplerRecords(const NominalOrbit& orbit, const RecordTimes& times,
-                                        std::int64_t origin);
+std::vector<KeplerSet> KeplerSets(const NominalOrbit& orbit, const RecordTimes& times, std::int64_t origin);
 
 /// GLONASS records at the times given, already rounded, with UTC reference times.
 std::vector<GloEph_gbt> GlonassRecords(const NominalOrbit& orbit, const RecordTimes& times);

@@ -7,7 +7,6 @@
 namespace orsolva_host {
 namespace {
 
-constexpr double kGravityGlonass = 3.9860044e14;
 constexpr double kEarthRateSquared = 5.3174941173225e-09;
 constexpr double kEarthRateTwice = 0.0001458423;
 constexpr double kFlattening = 2.633267117769225e+25;  // 1.5 J2 GM Re^2 of PZ-90
@@ -28,7 +27,7 @@ GlonassState Derivative(const GlonassState& s, const GlonassAcceleration& a) {
   const double r3 = r2 * std::sqrt(r2);
   const double flat = kFlattening / r2 / r3;
   const double b = 5 * s[2] * s[2] / r2;
-  const double c = -kGravityGlonass / r3 - flat * (1 - b);
+  const double c = -kGravityGlonassRounded_m3_s2 / r3 - flat * (1 - b);
   return {s[3],
           s[4],
           s[5],
@@ -45,12 +44,13 @@ GlonassState Moved(const GlonassState& s, const GlonassState& rate, double step)
 
 }  // namespace
 
-KeplerOrbit::KeplerOrbit(const KeplerRecord& record)
+KeplerOrbit::KeplerOrbit(const KeplerSet& record)
     : r_(record),
       axis_(record.sqrt_a * record.sqrt_a),
       motion_(std::sqrt(record.gravity) / (axis_ * record.sqrt_a) + record.deln),
       root_(std::sqrt(1 - record.e * record.e)),
-      relativity_(-2 * std::sqrt(kGravityGalileo * axis_) * record.e / (kSpeedOfLight * kSpeedOfLight)),
+      relativity_(-2 * std::sqrt(kGravityGalileo_m3_s2 * axis_) * record.e /
+                  (kLightSpeed_m_s * kLightSpeed_m_s)),
       node_(record.node_at_week - record.earth_rate * record.seconds_of_week) {}
 
 double KeplerOrbit::StateAt(double time_s, double* position_m) const {

@@ -9,16 +9,13 @@
 #include <array>
 #include <vector>
 
+#include "host/observation/physical_constants.h"
+
 namespace orsolva_host {
 
-inline constexpr double kSpeedOfLight = 299792458.0;       // m/s
-inline constexpr double kGravityGps = 3.986005e14;         // m^3/s^2, GPS and QZSS
-inline constexpr double kGravityGalileo = 3.986004418e14;  // BDS too
-inline constexpr double kEarthRate = 7.2921151467e-5;      // rad/s, GPS, QZSS and Galileo
-inline constexpr double kEarthRateBds = 7.292115e-5;       // GLONASS too
 inline constexpr double kGeoTilt_rad = -0.08726646259971647;
 
-struct KeplerRecord {
+struct KeplerSet {
   double reference_s = 0;  ///< toe and toc
   double af0 = 0, af1 = 0, af2 = 0;
   double sqrt_a = 0, e = 0, m0 = 0, deln = 0;
@@ -27,15 +24,15 @@ struct KeplerRecord {
   double seconds_of_week = 0;
   double i0 = 0, idot = 0, perigee = 0;
   double cuc = 0, cus = 0, crc = 0, crs = 0, cic = 0, cis = 0;
-  double gravity = kGravityGps;
-  double earth_rate = kEarthRate;
+  double gravity = kGravityGps_m3_s2;
+  double earth_rate = kEarthRotation_rad_s;
   bool geostationary = false;  ///< BDS form
 };
 
 /// A record prepared for evaluation: what does not change from epoch to epoch is computed once.
 class KeplerOrbit {
  public:
-  explicit KeplerOrbit(const KeplerRecord& record);
+  explicit KeplerOrbit(const KeplerSet& record);
   /// @param position_m  three coordinates, filled
   /// @return the clock with its relativistic term, s
   double StateAt(double time_s, double* position_m) const;
@@ -44,7 +41,7 @@ class KeplerOrbit {
   void ToEarth(double node, double x, double y, double inclination, double* out) const;
   void RotateGeostationary(double tk, double* position) const;
 
-  KeplerRecord r_;
+  KeplerSet r_;
   double axis_, motion_, root_, relativity_, node_;
 };
 

@@ -9,9 +9,10 @@
 
 #include <cmath>
 
+#include "host/observation/physical_constants.h"
+
 namespace orsolva_host {
 
-inline constexpr double kPi = 0x1.921fb54442d18p+1;
 inline constexpr double kRadian = 0x1.1df46a2529d39p-6;  ///< one degree
 
 struct SineCosine {

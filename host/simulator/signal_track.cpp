@@ -61,7 +61,7 @@ SignalTrack::SignalTrack(const Scenario& scenario, char system, int satellite, i
     : scenario_(&scenario),
       name_(name),
       number_(SignalNumber(kSystemTable[SystemSlot(system)].code, name, kRinexVersion)),
-      wavelength_m_(kSpeedOfLight / CarrierFrequency(system, name[0], channel)),
+      wavelength_m_(kLightSpeed_m_s / CarrierFrequency(system, name[0], channel)),
       metres_per_tecu_(MetresPerTecu(CarrierFrequency(system, name[0], channel))),
       snr_offset_db_(SnrOffset(system, name[0])),
       arcs_stream_(StreamOf(scenario, system, satellite, number_)),

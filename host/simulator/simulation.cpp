@@ -10,6 +10,7 @@
 #include "host/simulator/portable_math.h"
 #include "host/simulator/signal_track.h"
 #include "host/simulator/surroundings.h"
+#include "orsolva/run_facts.h"
 #include "orsolva/signals.h"
 
 namespace orsolva_host {
@@ -22,12 +23,6 @@ constexpr double kFarBelowHorizon_rad = -2 * kRadian;
 constexpr double kBelowHorizonWait_s = 60;
 constexpr double kTravelTolerance_s = 1e-9;
 constexpr double kFirstTravel_s = 0.075;
-
-/// Epochs of the moving mean that a quality check subtracts, by interval.
-int MeanWindow(double interval_s) {
-  if (interval_s <= 5) return 50;
-  return interval_s <= 30 ? static_cast<int>(300 / interval_s) : 10;
-}
 
 struct SatelliteWork {
   std::vector<SignalTrack> signals;
@@ -109,7 +104,7 @@ void Simulation::Work::BeginTruth() {
   }
   truth.cutoff_deg = scenario.truth_cutoff_deg;
   truth.interval_s = scenario.interval_s;
-  truth.mean_window = MeanWindow(scenario.interval_s);
+  truth.mean_window = orsolva::AveragingWindow(scenario.interval_s);
   day_start_s_ = static_cast<double>(scenario.start.time % 86400);
 }
 
@@ -293,14 +288,14 @@ LineOfSight Simulation::Work::LineOfSightTo(std::size_t index, double true_s, do
   double line[3];
   for (int round = 0; round < 10; ++round) {
     los.state = sky.StateAt(index, true_s - travel_s, true_s);
-    const double turn = kEarthRate * travel_s;
+    const double turn = kEarthRotation_rad_s * travel_s;
     const auto [s, c] = SineCosineOf(turn);
     const double* p = los.state.position_m;
     line[0] = c * p[0] + s * p[1] - site.position_m[0];
     line[1] = -s * p[0] + c * p[1] - site.position_m[1];
     line[2] = p[2] - site.position_m[2];
     los.range_m = std::sqrt(line[0] * line[0] + line[1] * line[1] + line[2] * line[2]);
-    const double found = los.range_m / kSpeedOfLight;
+    const double found = los.range_m / kLightSpeed_m_s;
     const bool settled = std::fabs(found - travel_s) < kTravelTolerance_s;
     travel_s = found;
     if (settled) break;
@@ -366,7 +361,7 @@ void Simulation::Work::MakeSatellite(std::size_t index, double true_s, bool deli
   }
   if (!work.storms.empty()) m.slant_tec += StormTec(work, tag_s_);
   g.slant_tec = m.slant_tec;
-  g.range_m = los.range_m + kSpeedOfLight * (bias_s_ - los.state.clock_s) + m.troposphere_m;
+  g.range_m = los.range_m + kLightSpeed_m_s * (bias_s_ - los.state.clock_s) + m.troposphere_m;
   moments.push_back(m);
   Observe(index, g, epoch);
 }

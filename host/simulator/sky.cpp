@@ -35,7 +35,7 @@ int HealthOf(const Scenario& scenario, const NominalOrbit& orbit, double referen
 }
 
 template <typename Eph>
-Eph ToEph(const KeplerRecord& r, int number, int issue, int health) {
+Eph ToEph(const KeplerSet& r, int number, int issue, int health) {
   Eph e = {};
   e.prn = number;
   e.af0 = r.af0, e.af1 = r.af1, e.af2 = r.af2;
@@ -99,14 +99,14 @@ class Sky::Stores {
   void AddKepler(const NominalOrbit& orbit, const RecordTimes& times, const std::vector<int>& health,
                  Series& s) {
     int issue = 0;
-    for (const KeplerRecord& record : KeplerRecords(orbit, times, origin_)) {
+    for (const KeplerSet& record : KeplerSets(orbit, times, origin_)) {
       s.kepler.emplace_back(record);
       AddRecord(orbit, record, times.first + issue * times.step, issue + 1, health[s.kepler.size() - 1]);
       ++issue;
     }
   }
 
-  void AddRecord(const NominalOrbit& o, const KeplerRecord& r, std::int64_t time, int issue, int health) {
+  void AddRecord(const NominalOrbit& o, const KeplerSet& r, std::int64_t time, int issue, int health) {
     if (o.system == 'C') {
       BdsEph_gbt e = ToEph<BdsEph_gbt>(r, o.number, issue, health);
       e.toc = {time - kBdsBehindGps_s, 0.0};

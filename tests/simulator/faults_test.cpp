@@ -5,7 +5,7 @@
 #include <map>
 #include <set>
 
-#include "host/simulator/orbits.h"
+#include "host/observation/physical_constants.h"
 #include "tests/simulator/made.h"
 
 namespace {
@@ -196,7 +196,7 @@ TEST(Faults, AStormBendsCodeAndPhaseOppositelyWithinItsDuration) {
     const Signal_QC_gbt* a = Find(t.plain[i], 'G', target.satellite, "1C");
     const Signal_QC_gbt* b = Find(t.met[i], 'G', target.satellite, "1C");
     const double code = b->pseudorange - a->pseudorange;
-    const double phase = (b->phase - a->phase) * kSpeedOfLight / 1575.42e6;
+    const double phase = (b->phase - a->phase) * kLightSpeed_m_s / 1575.42e6;
     EXPECT_NEAR(code, -phase, 0.0013);
     if (i < 30 || i >= 90) {
       EXPECT_EQ(code, 0) << i;
@@ -223,7 +223,7 @@ TEST(Faults, AClockJumpMovesAllRangesByItsMilliseconds) {
     const double moved = Find(t.met[i], 'R', target.satellite, "1C")->pseudorange -
                          Find(t.plain[i], 'R', target.satellite, "1C")->pseudorange;
     // The range itself changes by up to two metres in two milliseconds.
-    EXPECT_NEAR(moved, i >= 30 ? 2e-3 * kSpeedOfLight : 0, 2) << i;
+    EXPECT_NEAR(moved, i >= 30 ? 2e-3 * kLightSpeed_m_s : 0, 2) << i;
   }
 }
 

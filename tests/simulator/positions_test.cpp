@@ -5,7 +5,7 @@
 #include <cmath>
 #include <map>
 
-#include "host/simulator/orbits.h"
+#include "host/observation/physical_constants.h"
 #include "navigation/ephemerides/ephemeris.h"
 #include "tests/simulator/made.h"
 
@@ -58,18 +58,18 @@ std::map<std::string, Worst> Differences(const Scenario& scenario) {
     const double tag_s = static_cast<double>(epoch->time.time - scenario.start.time) + epoch->time.sec;
     const double bias_s = scenario.receiver.clock_bias_s + scenario.receiver.clock_drift * tag_s;
     for (const SatelliteMoment& m : simulation.Moments()) {
-      const double travel_s = m.range_m / kSpeedOfLight;
+      const double travel_s = m.range_m / kLightSpeed_m_s;
       const double received_s = tag_s - bias_s;
       const SkyState made = sky.StateAt(index.at({m.system, m.number}), received_s - travel_s, received_s);
       // The library goes back from the tag by the pseudorange and the satellite clock.
-      const double pseudorange_m = m.range_m + kSpeedOfLight * (bias_s - m.satellite_clock_s);
+      const double pseudorange_m = m.range_m + kLightSpeed_m_s * (bias_s - m.satellite_clock_s);
       SatelliteState found;
       const SatelliteId id{static_cast<std::uint8_t>(kSystemTable[SystemSlot(m.system)].code), m.number};
       const AbsoluteTime tag{epoch->time.time, epoch->time.sec};
       EXPECT_TRUE(records.SatellitePosition(id, tag, pseudorange_m, found)) << m.system << m.number;
       Worst& w = worst[KindOf(m.system, m.number)];
       ++w.count;
-      w.clock_m = std::max(w.clock_m, kSpeedOfLight * std::fabs(found.Clock - made.clock_s));
+      w.clock_m = std::max(w.clock_m, kLightSpeed_m_s * std::fabs(found.Clock - made.clock_s));
       for (int axis = 0; axis < 3; ++axis) {
         w.position_m = std::max(w.position_m, std::fabs(found.Position[axis] - made.position_m[axis]));
       }

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <map>
 
-#include "host/simulator/orbits.h"
+#include "host/observation/physical_constants.h"
 #include "tests/simulator/made.h"
 
 namespace {
@@ -185,7 +185,7 @@ TEST(Receiver, AMillisecondJumpMovesEveryCodeAndPhaseAlike) {
     EXPECT_EQ(before.sats[i].signals[0].pseudorange, same.sats[i].signals[0].pseudorange);
     // The true time of reception moves by a millisecond, and the satellite with it, by under a metre.
     EXPECT_NEAR(after.sats[i].signals[0].pseudorange - jumped.sats[i].signals[0].pseudorange,
-                kSpeedOfLight * 1e-3, 1.0);
+                kLightSpeed_m_s * 1e-3, 1.0);
   }
 }
 

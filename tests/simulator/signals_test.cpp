@@ -6,7 +6,7 @@
 #include <set>
 
 #include "host/observation/carriers.h"
-#include "host/simulator/orbits.h"
+#include "host/observation/physical_constants.h"
 #include "host/simulator/surroundings.h"
 #include "tests/simulator/made.h"
 
@@ -65,7 +65,7 @@ TEST(Signals, WithoutErrorsTheCodeIsRangeAndClocks) {
   scenario.errors = Silent();
   for (const Seen& s : SeenIn(scenario)) {
     const double wanted =
-        s.moment.range_m + kSpeedOfLight * (BiasAt(scenario, s.seconds) - s.moment.satellite_clock_s);
+        s.moment.range_m + kLightSpeed_m_s * (BiasAt(scenario, s.seconds) - s.moment.satellite_clock_s);
     ASSERT_NEAR(s.signal.pseudorange, wanted, 0.000501);
   }
 }
@@ -83,11 +83,11 @@ TEST(Signals, TheRangeHoldsTheTurnOfTheEarthDuringTheTravel) {
     for (const SatelliteMoment& m : simulation.Moments()) {
       std::size_t index = 0;
       while (sky.Satellites()[index].number != m.number) ++index;
-      const SkyState state = sky.StateAt(index, received - m.range_m / kSpeedOfLight, received);
+      const SkyState state = sky.StateAt(index, received - m.range_m / kLightSpeed_m_s, received);
       const double* p = state.position_m;
       const auto& r = scenario.receiver.position_m;
       const double plain = std::hypot(p[0] - r[0], p[1] - r[1], p[2] - r[2]);
-      const double sagnac = kEarthRate / kSpeedOfLight * (p[0] * r[1] - p[1] * r[0]);
+      const double sagnac = kEarthRotation_rad_s / kLightSpeed_m_s * (p[0] * r[1] - p[1] * r[0]);
       EXPECT_NEAR(m.range_m, plain + sagnac, 0.001);
       largest = std::max(largest, std::fabs(sagnac));
     }
@@ -103,7 +103,7 @@ TEST(Signals, TheIonosphereDelaysTheCodeAndAdvancesThePhaseByTheSquareOfTheFrequ
   ASSERT_EQ(a.size(), b.size());
   for (std::size_t i = 0; i < a.size(); ++i) {
     const double wanted = 40.3e16 * a[i].moment.slant_tec / (a[i].frequency_hz * a[i].frequency_hz);
-    const double wavelength = kSpeedOfLight / a[i].frequency_hz;
+    const double wavelength = kLightSpeed_m_s / a[i].frequency_hz;
     ASSERT_GT(wanted, 0.3);
     ASSERT_NEAR(a[i].signal.pseudorange - b[i].signal.pseudorange, wanted, 0.0011);
     ASSERT_NEAR((a[i].signal.phase - b[i].signal.phase) * wavelength, -wanted, 0.0011 * wavelength);
@@ -119,7 +119,7 @@ TEST(Signals, TheTroposphereDelaysCodeAndPhaseAlike) {
   for (std::size_t i = 0; i < a.size(); ++i) {
     const double wanted = a[i].moment.troposphere_m;
     const double at_zenith = wanted * std::sin(a[i].moment.elevation_rad);
-    const double wavelength = kSpeedOfLight / a[i].frequency_hz;
+    const double wavelength = kLightSpeed_m_s / a[i].frequency_hz;
     ASSERT_TRUE(at_zenith > 2.2 && at_zenith < 2.7) << at_zenith;
     ASSERT_NEAR(a[i].signal.pseudorange - b[i].signal.pseudorange, wanted, 0.0011);
     ASSERT_NEAR((a[i].signal.phase - b[i].signal.phase) * wavelength, wanted, 0.0011 * wavelength);
@@ -131,7 +131,7 @@ TEST(Signals, AnAmbiguityIsAWholeNumberThatStaysThroughAnArc) {
   scenario.errors = Silent();
   std::map<std::string, double> known;
   for (const Seen& s : SeenIn(scenario)) {
-    const double wavelength = kSpeedOfLight / s.frequency_hz;
+    const double wavelength = kLightSpeed_m_s / s.frequency_hz;
     const double cycles = s.signal.phase - s.signal.pseudorange / wavelength;
     const double whole = std::round(cycles);
     ASSERT_NEAR(cycles, whole, 0.01);
@@ -163,7 +163,7 @@ TEST(Signals, CodeNoiseHasItsSizeAtEachElevation) {
   const std::vector<Seen> seen = SeenIn(scenario);
   const auto error = [&scenario](const Seen& s) {
     const double clean =
-        s.moment.range_m + kSpeedOfLight * (BiasAt(scenario, s.seconds) - s.moment.satellite_clock_s);
+        s.moment.range_m + kLightSpeed_m_s * (BiasAt(scenario, s.seconds) - s.moment.satellite_clock_s);
     const double cosine = std::cos(s.moment.elevation_rad);
     return (s.signal.pseudorange - clean) / (0.2 + 0.8 * cosine * cosine);
   };
@@ -176,8 +176,8 @@ TEST(Signals, PhaseNoiseHasItsSize) {
   scenario.errors = Silent();
   scenario.errors.phase_noise_m = {0.01, 0.01};  // far above the thousandths of a cycle of a file
   const auto error = [](const Seen& s) {
-    const double cycles = s.signal.phase - s.signal.pseudorange * s.frequency_hz / kSpeedOfLight;
-    return (cycles - std::round(cycles)) * kSpeedOfLight / s.frequency_hz;
+    const double cycles = s.signal.phase - s.signal.pseudorange * s.frequency_hz / kLightSpeed_m_s;
+    return (cycles - std::round(cycles)) * kLightSpeed_m_s / s.frequency_hz;
   };
   EXPECT_NEAR(Deviation(SeenIn(scenario), 5, 90, error), 0.01, 0.0005);
 }
@@ -191,7 +191,7 @@ TEST(Signals, MultipathIsASlowWaveOfItsPeriodAndAmplitude) {
   std::set<int> periods;
   for (const Seen& s : SeenIn(scenario)) {
     const double clean =
-        s.moment.range_m + kSpeedOfLight * (BiasAt(scenario, s.seconds) - s.moment.satellite_clock_s);
+        s.moment.range_m + kLightSpeed_m_s * (BiasAt(scenario, s.seconds) - s.moment.satellite_clock_s);
     const double wave = s.signal.pseudorange - clean;
     const std::string key = std::to_string(s.moment.number) + s.name;
     highest[key] = std::max(highest[key], std::fabs(wave));

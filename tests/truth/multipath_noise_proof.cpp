@@ -4,7 +4,7 @@
 #include <cmath>
 #include <set>
 
-#include "host/simulator/orbits.h"
+#include "host/observation/physical_constants.h"
 #include "tests/truth/observed_run.h"
 #include "tests/truth/proof.h"
 
@@ -47,8 +47,8 @@ double RoundingBound(const ObservedRun& run, int system, int prn, int code, cons
     const double fa = FrequencyOf(system, code, rule.Channel(system, prn));
     const double fb = FrequencyOf(system, partner, rule.Channel(system, prn));
     const MultipathWeights w = WeightsOf(fa, fb);
-    const double phases = std::fabs(w.of_code_phase) * orsolva_host::kSpeedOfLight / fa +
-                          std::fabs(w.of_partner_phase) * orsolva_host::kSpeedOfLight / fb;
+    const double phases = std::fabs(w.of_code_phase) * orsolva_host::kLightSpeed_m_s / fa +
+                          std::fabs(w.of_partner_phase) * orsolva_host::kLightSpeed_m_s / fb;
     most = std::max(most, 2 * kRounding * (1 + phases) + 1e-6);
   }
   return most;

@@ -2,8 +2,8 @@
 
 #include <cmath>
 
+#include "host/observation/physical_constants.h"
 #include "host/rinex/signal_codes.h"
-#include "host/simulator/orbits.h"
 #include "tests/truth/observed_run.h"
 #include "tests/truth/proof.h"
 
@@ -53,7 +53,7 @@ void AddEpoch(const PairEpochDetail& detail, PairNoise& pair) {
 
 /// Variance of a raw multipath value: both phases with their weights, and the rounding of the three cells.
 double DerivedVariance(const MultipathWeights& w, double f_code, double f_partner) {
-  const double light = orsolva_host::kSpeedOfLight;
+  const double light = orsolva_host::kLightSpeed_m_s;
   const double code_phase = kPhaseNoise_m * kPhaseNoise_m + kCellVariance * std::pow(light / f_code, 2);
   const double partner_phase = kPhaseNoise_m * kPhaseNoise_m + kCellVariance * std::pow(light / f_partner, 2);
   return w.of_code_phase * w.of_code_phase * code_phase +

@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/observation/physical_constants.h"
 #include "host/rinex/satellite_names.h"
 #include "host/rinex/signal_codes.h"
-#include "host/simulator/orbits.h"
 #include "tests/truth/faulty_scenarios.h"
 
 namespace orsolva_test {
@@ -139,7 +139,7 @@ std::map<std::string, Detections> RunSlipTrial(const Scenario& scenario, Proof& 
       const int system = SystemCodeOf(fault.satellite[0]), prn = std::stoi(fault.satellite.substr(1));
       const int code = orsolva_host::SignalNumber(system, fault.signal, 3.05);
       const double wavelength =
-          orsolva_host::kSpeedOfLight / FrequencyOf(system, code, satellites.Channel(system, prn));
+          orsolva_host::kLightSpeed_m_s / FrequencyOf(system, code, satellites.Channel(system, prn));
       const auto epoch = static_cast<std::size_t>(EpochNumber(scenario, fault.time));
       Detection& tally = bands[BandLabel(system, code)][k];
       ++tally.slips;

@@ -60,8 +60,16 @@ class SortedWindow {
   int next_ = 0;
 };
 
+/// Median of a sorted list, the mean of the middle two where their number is even; NaN where it is empty.
+template <int N>
+double Median(const SortedList<N>& list) {
+  if (list.Count() == 0) return std::numeric_limits<double>::quiet_NaN();
+  const int half = list.Count() / 2;
+  return list.Count() % 2 == 1 ? list[half] : list[half - 1] * 0.5 + list[half] * 0.5;
+}
+
 /// Two sorted lists as one: its quantile with linear interpolation between ranks (0 the least, 1 the greatest
-/// value).
+/// value). The work grows with the shorter list, which shall be b.
 /// @return NaN when both are empty
 template <int N, int M>
 double MergedQuantile(const SortedList<N>& a, const SortedList<M>& b, double part) {
@@ -69,10 +77,11 @@ double MergedQuantile(const SortedList<N>& a, const SortedList<M>& b, double par
   if (count == 0) return std::numeric_limits<double>::quiet_NaN();
   const double rank = (count - 1) * part;
   const int low = static_cast<int>(rank);
-  int i = 0;
-  int j = 0;
+  // The `low` least values are the first i of a and the first j of b.
+  int j = std::max(0, low - a.Count());
+  while (j < b.Count() && low > j && b[j] < a[low - j - 1]) ++j;
+  int i = low - j;
   const auto take = [&] { return j == b.Count() || (i < a.Count() && a[i] <= b[j]) ? a[i++] : b[j++]; };
-  for (int k = 0; k < low; ++k) take();
   const double lower = take();
   const double fraction = rank - low;
   return fraction > 0 && low + 1 < count ? lower * (1 - fraction) + take() * fraction : lower;

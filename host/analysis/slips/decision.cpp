@@ -61,8 +61,8 @@ void Decision::DecideNext(SatelliteTrack& track) {
       break;
     }
     track.budget = std::max(track.budget - 1, -kLargestBudget);
-    const std::int64_t target = state.gap ? step : MostTelling(track, step);
-    if (!Explain(track, target)) break;
+    const std::int64_t target = RankMostTelling(track, step);
+    if (!Explain()) break;
     FitRates(track, target);
     RefreshScales(track, step, interval_s_);
   }
@@ -72,36 +72,40 @@ void Decision::DecideNext(SatelliteTrack& track) {
 }
 
 /// Of the step and the two after it the one whose repair gains most: the neighbours of a slip can show more
-/// than itself.
-std::int64_t Decision::MostTelling(SatelliteTrack& track, std::int64_t step) {
-  std::int64_t best = step;
-  double gain = 0;
-  bool asked = false;
+/// than itself. It is the case at hand afterwards, ranked.
+std::int64_t Decision::RankMostTelling(SatelliteTrack& track, std::int64_t step) {
+  Rank(track, step);
+  if (track.At(step).gap) return step;
+  double gain = GainOfRepair() + kClearlyMore;
   for (const std::int64_t near : {step + 1, step + 2}) {
     if (near >= track.next || track.At(near).gap || track.At(near).broken || track.At(near).settled) continue;
     MakeTest(track, near, interval_s_, scratch_);
     if (scratch_.count == 0 || !(Chi2(scratch_) > ScreenOf(scratch_.count))) continue;
-    if (!asked) gain = GainOfRepair(track, step) + kClearlyMore;
-    asked = true;
-    const double other = GainOfRepair(track, near);
-    if (other > gain) best = near, gain = other;
+    std::swap(case_, other_case_);
+    Rank(track, near);
+    const double other = GainOfRepair();
+    if (other > gain) {
+      gain = other;
+    } else {
+      std::swap(case_, other_case_);
+    }
   }
-  return best;
+  return case_.step;
 }
 
-double Decision::GainOfRepair(SatelliteTrack& track, std::int64_t step) {
+void Decision::Rank(SatelliteTrack& track, std::int64_t step) {
   MakeCase(track, step);
   RankExplanations();
+}
+
+double Decision::GainOfRepair() const {
   const Explanation& best = case_.ranked.front();
   if (!best.any) return 0;
   return (case_.none.total - best.total) * (FitOf(best.cycles) < kFitChi2 ? 1.0 : 0.02);
 }
 
 /// @return whether something was repaired or settled, so that the step must be looked at again
-bool Decision::Explain(SatelliteTrack& track, std::int64_t step) {
-  MakeCase(track, step);
-  if (case_.test.count == 0) return false;
-  RankExplanations();
+bool Decision::Explain() {
   if (case_.gap || case_.test.returning != 0) return CloseGap();
   if (IsNoSlip()) return false;
   const Explanation& best = case_.ranked.front();

@@ -50,12 +50,14 @@ class Decision {
 
  private:
   bool IsCandidate(const SatelliteTrack& track, std::int64_t step, const StepTest& test, double chi2) const;
-  std::int64_t MostTelling(SatelliteTrack& track, std::int64_t step);
-  double GainOfRepair(SatelliteTrack& track, std::int64_t step);
-  bool Explain(SatelliteTrack& track, std::int64_t step);
+  std::int64_t RankMostTelling(SatelliteTrack& track, std::int64_t step);
+  double GainOfRepair() const;
+  bool Explain();
+  void Rank(SatelliteTrack& track, std::int64_t step);
   void MakeCase(SatelliteTrack& track, std::int64_t step);
   void MakeViews();
   void RankSlips();
+  Explanation Weighed(const Cycles& cycles);
   void RankExplanations();
   double WindowChi2(const SatelliteTrack& track, std::int64_t first, std::int64_t last);
   double RepairedWindow(const Cycles& cycles);
@@ -79,8 +81,12 @@ class Decision {
 
   double interval_s_;
   StepCase case_;
+  StepCase other_case_;
   StepTest scratch_;
   SlipCandidates candidates_;
+  std::size_t no_slip_ = 0;    ///< its place among the candidates
+  std::vector<double> costs_;  ///< of the candidates by the step alone, twice nats
+  CheapestFirst cheapest_;
   IntegerSearch search_;
 };
 

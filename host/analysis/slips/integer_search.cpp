@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace orsolva_host::analysis {
 namespace {
@@ -24,11 +25,24 @@ bool IsHalf(double cycles) {
 
 }  // namespace
 
-void SlipCandidates::Add(const Cycles& cycles, int count) {
-  for (const SlipCandidate& known : list_) {
-    if (std::equal(cycles.begin(), cycles.begin() + count, known.cycles.begin())) return;
+std::size_t SlipCandidates::Add(const Cycles& cycles, int count) {
+  std::size_t place = 0;
+  for (; place < list_.size(); ++place) {
+    if (std::equal(cycles.begin(), cycles.begin() + count, list_[place].cycles.begin())) return place;
   }
   list_.push_back({cycles, 0});
+  return place;
+}
+
+const std::vector<std::size_t>& CheapestFirst::Of(const std::vector<double>& costs, std::size_t most) {
+  order_.resize(costs.size());
+  std::iota(order_.begin(), order_.end(), std::size_t{0});
+  const auto end = order_.begin() + static_cast<std::ptrdiff_t>(std::min(most, order_.size()));
+  std::partial_sort(order_.begin(), end, order_.end(), [&costs](std::size_t a, std::size_t b) {
+    return costs[a] != costs[b] ? costs[a] < costs[b] : a < b;
+  });
+  order_.erase(end, order_.end());
+  return order_;
 }
 
 /// Whole offsets within each band, and the bands' means without them.
@@ -95,12 +109,15 @@ void IntegerSearch::Extend(const StepTest& test, std::size_t b, double step) {
       grown_.push_back(next);
     }
   }
-  if (grown_.size() > kBeam) {
-    std::stable_sort(grown_.begin(), grown_.end(),
-                     [](const Branch& x, const Branch& y) { return x.cost < y.cost; });
-    grown_.resize(kBeam);
-  }
-  beam_.swap(grown_);
+  KeepCheapestGrown();
+}
+
+void IntegerSearch::KeepCheapestGrown() {
+  if (grown_.size() <= kBeam) return beam_.swap(grown_);
+  costs_.clear();
+  for (const Branch& branch : grown_) costs_.push_back(branch.cost);
+  beam_.clear();
+  for (const std::size_t i : cheapest_.Of(costs_, kBeam)) beam_.push_back(grown_[i]);
 }
 
 void IntegerSearch::OfferSingles(const SatelliteTrack& track, const StepTest& test,
@@ -131,19 +148,20 @@ void IntegerSearch::Offer(const SatelliteTrack& track, const StepTest& test,
   diagonal_.clear();
   beam_.assign(1, Branch{{}, {}, 0});
   for (std::size_t b = 0; b < bands_.size(); ++b) Extend(test, b, step);
-  std::vector<SlipCandidate> best;
-  best.reserve(beam_.size());
+  const auto with_offsets = [&](const Branch& branch, Cycles& cycles) {
+    for (std::size_t i = 0; i < static_cast<std::size_t>(test.count); ++i)
+      cycles[i] = branch.cycles[static_cast<std::size_t>(band_of_[i])] + offset_[i];
+  };
+  Cycles cycles = {};
+  costs_.clear();
   for (const Branch& branch : beam_) {
-    SlipCandidate candidate;
-    for (std::size_t i = 0; i < static_cast<std::size_t>(test.count); ++i) {
-      candidate.cycles[i] = branch.cycles[static_cast<std::size_t>(band_of_[i])] + offset_[i];
-    }
-    candidate.cost = branch.cost + WideLaneMisfit(wide_lanes, candidate.cycles);
-    best.push_back(candidate);
+    with_offsets(branch, cycles);
+    costs_.push_back(branch.cost + WideLaneMisfit(wide_lanes, cycles));
   }
-  std::stable_sort(best.begin(), best.end(),
-                   [](const SlipCandidate& x, const SlipCandidate& y) { return x.cost < y.cost; });
-  for (std::size_t i = 0; i < std::min(best.size(), kKept); ++i) out.Add(best[i].cycles, test.count);
+  for (const std::size_t i : cheapest_.Of(costs_, kKept)) {
+    with_offsets(beam_[i], cycles);
+    out.Add(cycles, test.count);
+  }
   OfferSingles(track, test, r, out);
 }
 

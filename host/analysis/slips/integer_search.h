@@ -29,11 +29,22 @@ struct SlipCandidate {
 class SlipCandidates {
  public:
   void Clear() { list_.clear(); }
-  void Add(const Cycles& cycles, int count);
+  /// @return its place in the list
+  std::size_t Add(const Cycles& cycles, int count);
   std::vector<SlipCandidate>& List() { return list_; }
 
  private:
   std::vector<SlipCandidate> list_;
+};
+
+/// Places of the cheapest of some costs, cheapest first, the earlier of two alike.
+class CheapestFirst {
+ public:
+  /// @return at most `most` places, valid until the next call
+  const std::vector<std::size_t>& Of(const std::vector<double>& costs, std::size_t most);
+
+ private:
+  std::vector<std::size_t> order_;
 };
 
 class IntegerSearch {
@@ -61,6 +72,7 @@ class IntegerSearch {
   void TieBands(const SatelliteTrack& track, const StepTest& test, const std::array<double, kMostSignals>& r,
                 double step);
   void Extend(const StepTest& test, std::size_t band, double step);
+  void KeepCheapestGrown();
   void OfferSingles(const SatelliteTrack& track, const StepTest& test,
                     const std::array<double, kMostSignals>& r, SlipCandidates& out) const;
 
@@ -68,6 +80,8 @@ class IntegerSearch {
   std::array<int, kMostSignals> band_of_;
   Cycles offset_ = {};  ///< of signals against the first of their band
   std::vector<Branch> beam_, grown_;
+  std::vector<double> costs_;
+  CheapestFirst cheapest_;
   std::vector<std::array<double, kMostBands>> factor_;  ///< rows of L in the L D L' of the bands' covariance
   std::vector<double> diagonal_;
 };

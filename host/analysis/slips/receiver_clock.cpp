@@ -26,7 +26,7 @@ double Median(std::vector<double>& values) {
 }
 
 double OffsetOf(const ClockSample& sample) {
-  const double offset = MergedMedian(sample.offsets->Sorted(), SortedList<1>());
+  const double offset = Median(sample.offsets->Sorted());
   return std::isfinite(offset) ? offset : 0;
 }
 

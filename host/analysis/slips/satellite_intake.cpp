@@ -13,6 +13,7 @@ namespace {
 constexpr double kLeastRange_m = 1e7;
 constexpr double kGreatestRange_m = 6e7;
 constexpr double kUsualRange_m = 2.25e7;
+constexpr std::size_t kNoPlace = kMostSignals;
 constexpr double kGapFactor = 1.5;  // of the interval, beyond which epochs are missing
 
 bool IsRange(double metres) { return metres > kLeastRange_m && metres < kGreatestRange_m; }
@@ -97,6 +98,7 @@ void SatelliteIntake::Begin(const ObservationEpoch& epoch, const SatelliteObserv
   last_phase_change_m_ = number == number_ + 1 ? phase_change_m_ : kAbsent;
   number_ = number;
   time_ns_ = epoch.time_ns;
+  FindPlaces();
   MeasureChanges();
   travel_code_m_ = TravelCode();
   ModelRange(station);
@@ -111,9 +113,8 @@ void SatelliteIntake::MeasureChanges() {
   double first_mu = 0, last_mu = 0, first_change = 0, last_change = 0;
   for (std::size_t i = 0; i < satellite_->signal_count; ++i) {
     const SignalObservation& o = epoch_->signals[satellite_->first_signal + i];
-    const double frequency = Frequency(o.code);
-    if (!(frequency > 0) || !std::isfinite(o.phase_cycles)) continue;
-    const SignalTrack& s = track.signals[PlaceOf(o.code, frequency)];
+    if (!std::isfinite(o.phase_cycles) || places_[i] == kNoPlace) continue;
+    const SignalTrack& s = track.signals[places_[i]];
     const double phase_m = o.phase_cycles * s.wavelength_m;
     if (std::isnan(code_minus_phase_m_) && std::isfinite(o.pseudorange_m)) {
       code_minus_phase_m_ = o.pseudorange_m - phase_m;
@@ -164,13 +165,33 @@ std::optional<ClockSample> SatelliteIntake::SampleOfClock() {
   return sample;
 }
 
-/// Place of a signal in the track, which keeps signals by descending frequency.
-std::size_t SatelliteIntake::PlaceOf(SignalCode code, double frequency_hz) {
-  std::size_t place = 0;
-  for (; place < track.signals.size(); ++place) {
+/// Looks where the epoch's signals stand in the track; mostly where they did in the epoch before.
+void SatelliteIntake::FindPlaces() {
+  places_.resize(satellite_->signal_count, kNoPlace);
+  for (std::size_t k = 0; k < satellite_->signal_count; ++k) {
+    const SignalObservation& o = epoch_->signals[satellite_->first_signal + k];
+    std::size_t& place = places_[k];
+    if (!std::isfinite(o.phase_cycles)) continue;
+    if (place < track.signals.size() && track.signals[place].code == o.code) continue;
+    place = PlaceOf(o.code);
+    if (place != kNoPlace) continue;
+    const double frequency = Frequency(o.code);
+    if (!(frequency > 0) || track.signals.size() == kMostSignals) continue;
+    AddSignal(o.code, frequency);
+    k = static_cast<std::size_t>(-1);  // others may have moved
+  }
+}
+
+std::size_t SatelliteIntake::PlaceOf(SignalCode code) const {
+  for (std::size_t place = 0; place < track.signals.size(); ++place) {
     if (track.signals[place].code == code) return place;
   }
-  place = 0;
+  return kNoPlace;
+}
+
+/// The track keeps signals by descending frequency.
+void SatelliteIntake::AddSignal(SignalCode code, double frequency_hz) {
+  std::size_t place = 0;
   while (place < track.signals.size() && track.signals[place].frequency_hz >= frequency_hz) ++place;
   SignalTrack s;
   s.code = code;
@@ -180,7 +201,6 @@ std::size_t SatelliteIntake::PlaceOf(SignalCode code, double frequency_hz) {
   s.mu = ratio * ratio;
   s.unstable = std::find(track.distrusted.begin(), track.distrusted.end(), code) != track.distrusted.end();
   track.signals.insert(track.signals.begin() + static_cast<std::ptrdiff_t>(place), s);
-  return place;
 }
 
 void SatelliteIntake::StoreSignals(double code_shift_m) {
@@ -193,9 +213,8 @@ void SatelliteIntake::StoreSignals(double code_shift_m) {
   }
   for (std::size_t k = 0; k < satellite_->signal_count; ++k) {
     const SignalObservation& o = epoch_->signals[satellite_->first_signal + k];
-    const double frequency = Frequency(o.code);
-    if (!(frequency > 0) || !std::isfinite(o.phase_cycles)) continue;
-    SignalTrack& s = track.signals[PlaceOf(o.code, frequency)];
+    if (!std::isfinite(o.phase_cycles) || places_[k] == kNoPlace) continue;
+    SignalTrack& s = track.signals[places_[k]];
     const double phase_m = o.phase_cycles * s.wavelength_m;
     s.last_phase_m = phase_m;
     s.phase_m[RingSlot(i)] = phase_m - track.origin_m - track.model_sum_m - s.repaired_m;

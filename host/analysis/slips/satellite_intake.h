@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "host/analysis/geometry/broadcast_store.h"
 #include "host/analysis/geometry/range_model.h"
@@ -68,7 +69,9 @@ class SatelliteIntake {
   void ModelRange(const Station* station);
   double TravelCode() const;
   double Frequency(SignalCode code) const;
-  std::size_t PlaceOf(SignalCode code, double frequency_hz);
+  void FindPlaces();
+  std::size_t PlaceOf(SignalCode code) const;
+  void AddSignal(SignalCode code, double frequency_hz);
   void MeasureChanges();
   void StoreSignals(double code_shift_m);
 
@@ -76,6 +79,7 @@ class SatelliteIntake {
   std::optional<int> channel_;
   GlonassChannel learned_channel_;
   ClockOffsets clock_offsets_;
+  std::vector<std::size_t> places_;  ///< in the track, of the epoch's signals with phases
   const ObservationEpoch* epoch_ = nullptr;
   const SatelliteObservation* satellite_ = nullptr;
   std::int64_t number_ = -1, last_number_ = -1;

@@ -17,42 +17,30 @@ constexpr double kUsualIonosphere_m = 0.02;  // at 30 s
 constexpr double kNeighboursMustBeBetter = 0.8;
 constexpr double kPartOfNoise = 0.5;  // of the errors' variance that phase noise explains
 
-struct BothScales {
+/// Of the two predictors: sizes of an error, or scales.
+struct OfBoth {
   double by_median;
   double by_neighbours;
 };
 
-/// Prediction error of a step, m: by the median settled for it, or by its neighbours.
-double RangeError(const SatelliteTrack& track, std::int64_t i, bool by_neighbours) {
+/// Sizes of a step's prediction errors, m: by the median settled for it, and by its neighbours.
+OfBoth RangeErrors(const SatelliteTrack& track, std::int64_t i) {
   const StepState& s = track.At(i);
   if (!s.HasGeometry()) {
-    const double cubic = CubicRangeRate(track, i);
-    return (s.range_rate - cubic) * s.dt_s - s.common_m;
+    const double error = std::fabs((s.range_rate - CubicRangeRate(track, i)) * s.dt_s - s.common_m);
+    return {error, error};
   }
+  const double median = std::isfinite(s.range_median) ? s.range_median : 0;
   const double mean = MeanOfNeighbours(track.RangeRate(i - 1), track.RangeRate(i + 1));
-  const double rate = by_neighbours && std::isfinite(mean) ? mean : s.range_median;
-  return (s.range_rate - (std::isfinite(rate) ? rate : 0)) * s.dt_s;
+  return {std::fabs((s.range_rate - median) * s.dt_s),
+          std::fabs((s.range_rate - (std::isfinite(mean) ? mean : median)) * s.dt_s)};
 }
 
-double IonosphereError(const SatelliteTrack& track, std::int64_t i, bool by_neighbours) {
+OfBoth IonosphereErrors(const SatelliteTrack& track, std::int64_t i) {
   const StepState& s = track.At(i);
-  const double rate = by_neighbours
-                          ? MeanOfNeighbours(track.IonosphereRate(i - 1), track.IonosphereRate(i + 1))
-                          : s.ionosphere_median;
-  return (s.ionosphere_rate - rate) * s.dt_s;
-}
-
-using ErrorOf = double (*)(const SatelliteTrack&, std::int64_t, bool);
-
-/// The errors near the step that still change: k - 2 and those to come.
-SortedList<kLead> NearErrors(const SatelliteTrack& track, std::int64_t step, ErrorOf error,
-                             bool by_neighbours) {
-  SortedList<kLead> list;
-  for (const std::int64_t i : {step - 2, step + 2, step + 3, step + 4}) {
-    if (i > track.first && track.Has(i) && !track.At(i).lone_band)
-      list.Insert(std::fabs(error(track, i, by_neighbours)));
-  }
-  return list;
+  const double mean = MeanOfNeighbours(track.IonosphereRate(i - 1), track.IonosphereRate(i + 1));
+  return {std::fabs((s.ionosphere_rate - s.ionosphere_median) * s.dt_s),
+          std::fabs((s.ionosphere_rate - mean) * s.dt_s)};
 }
 
 double RobustScale(const SortedList<kTrail - 2>& past, const SortedList<kLead>& near) {
@@ -61,10 +49,19 @@ double RobustScale(const SortedList<kTrail - 2>& past, const SortedList<kLead>& 
                   kSigmaOfFourFifths * MergedQuantile(past, near, 0.8));
 }
 
-BothScales ScalesOf(const SatelliteTrack& track, std::int64_t step, const ErrorWindows& windows,
-                    ErrorOf error) {
-  return {RobustScale(windows.by_median.Sorted(), NearErrors(track, step, error, false)),
-          RobustScale(windows.by_neighbours.Sorted(), NearErrors(track, step, error, true))};
+/// Past errors together with those near the step that still change: of k - 2 and of the steps to come.
+template <typename Errors>
+OfBoth ScalesOf(const SatelliteTrack& track, std::int64_t step, const ErrorWindows& windows,
+                Errors errors_of) {
+  SortedList<kLead> by_median, by_neighbours;
+  for (const std::int64_t i : {step - 2, step + 2, step + 3, step + 4}) {
+    if (i <= track.first || !track.Has(i) || track.At(i).lone_band) continue;
+    const OfBoth errors = errors_of(track, i);
+    by_median.Insert(errors.by_median);
+    by_neighbours.Insert(errors.by_neighbours);
+  }
+  return {RobustScale(windows.by_median.Sorted(), by_median),
+          RobustScale(windows.by_neighbours.Sorted(), by_neighbours)};
 }
 
 double UsualRangeScale(char system) {
@@ -157,8 +154,8 @@ void SettleFrom(SatelliteTrack& track, std::int64_t step, int steps, double rang
 /// @param steps  how many get the scales, this one first
 void Settle(SatelliteTrack& track, std::int64_t step, int steps, double interval_s) {
   SettleMedians(track, step);
-  const BothScales range = ScalesOf(track, step, track.range_errors, RangeError);
-  const BothScales ionosphere = ScalesOf(track, step, track.ionosphere_errors, IonosphereError);
+  const OfBoth range = ScalesOf(track, step, track.range_errors, RangeErrors);
+  const OfBoth ionosphere = ScalesOf(track, step, track.ionosphere_errors, IonosphereErrors);
   StepState& own = track.At(step);
   own.range_by_neighbours = range.by_neighbours < kNeighboursMustBeBetter * range.by_median;
   own.ionosphere_by_neighbours = ionosphere.by_neighbours < ionosphere.by_median;
@@ -182,17 +179,18 @@ void Settle(SatelliteTrack& track, std::int64_t step, int steps, double interval
   SettleFrom(track, step, steps, range_m, ionosphere_m, interval_s);
 }
 
-void PushErrors(SatelliteTrack& track, std::int64_t step, ErrorWindows& windows, ErrorOf error) {
-  const bool known = step > track.first && track.Has(step) && !track.At(step).lone_band;
-  windows.by_median.Push(known ? std::fabs(error(track, step, false)) : kAbsent);
-  windows.by_neighbours.Push(known ? std::fabs(error(track, step, true)) : kAbsent);
+void PushErrors(ErrorWindows& windows, const OfBoth& errors) {
+  windows.by_median.Push(errors.by_median);
+  windows.by_neighbours.Push(errors.by_neighbours);
 }
 
 }  // namespace
 
 void SettleScales(SatelliteTrack& track, std::int64_t step, double interval_s) {
-  PushErrors(track, step - 3, track.range_errors, RangeError);
-  PushErrors(track, step - 3, track.ionosphere_errors, IonosphereError);
+  const std::int64_t past = step - 3;
+  const bool known = past > track.first && track.Has(past) && !track.At(past).lone_band;
+  PushErrors(track.range_errors, known ? RangeErrors(track, past) : OfBoth{kAbsent, kAbsent});
+  PushErrors(track.ionosphere_errors, known ? IonosphereErrors(track, past) : OfBoth{kAbsent, kAbsent});
   const bool before = step - 1 > track.first && !track.At(step - 1).lone_band;
   track.range_rates.Push(before && track.At(step - 1).HasGeometry() ? track.RangeRate(step - 1) : kAbsent);
   track.ionosphere_rates.Push(before ? track.IonosphereRate(step - 1) : kAbsent);

@@ -200,7 +200,7 @@ void SlipDetector::SolveReceiver(const ObservationEpoch& epoch) {
 }
 
 void SlipDetector::NoteClockReset(const ObservationEpoch& epoch, double change_m) {
-  const double usual = MergedMedian(clock_rates_.Sorted(), SortedList<1>());
+  const double usual = Median(clock_rates_.Sorted());
   const double jump_ms = (change_m - usual) / kLightSpeed_m_s / kMillisecond_s;
   if (std::fabs(jump_ms) > kResetPart) AddReceiverEvent(epoch, EventKind::kReceiverClockReset, jump_ms);
   clock_rates_.Push(change_m);

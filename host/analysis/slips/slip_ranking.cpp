@@ -145,42 +145,48 @@ void Decision::RankSlips() {
   for (const auto& view : case_.views) {
     search_.Offer(track, case_.test, view, case_.wide_lanes, half_flag || !case_.gap, candidates_);
   }
-  candidates_.Add(Cycles{}, case_.test.count);
-  for (SlipCandidate& candidate : candidates_.List()) {
-    std::array<double, kMostSignals> r = case_.test.r;
+  no_slip_ = candidates_.Add(Cycles{}, case_.test.count);
+  costs_.clear();
+  for (const SlipCandidate& candidate : candidates_.List()) {
+    std::array<double, kMostSignals> r;
     for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
-      r[i] -= track.signals[case_.test.signal[i]].wavelength_m * candidate.cycles[i];
+      r[i] = case_.test.r[i] - track.signals[case_.test.signal[i]].wavelength_m * candidate.cycles[i];
     }
-    candidate.cost = Chi2(case_.test, r) + WideLaneMisfit(case_.wide_lanes, candidate.cycles) +
-                     2 * PriorOf(candidate.cycles);
+    costs_.push_back(Chi2(case_.test, r) + WideLaneMisfit(case_.wide_lanes, candidate.cycles) +
+                     2 * PriorOf(candidate.cycles));
   }
-  std::stable_sort(candidates_.List().begin(), candidates_.List().end(),
-                   [](const SlipCandidate& a, const SlipCandidate& b) { return a.cost < b.cost; });
 }
 
+/// What a slip vector costs in full.
+Explanation Decision::Weighed(const Cycles& cycles) {
+  const StepState& step = case_.track->At(case_.step);
+  Explanation e;
+  e.cycles = cycles;
+  int slipped = 0;
+  for (int j = 0; j < case_.test.count; ++j)
+    slipped += std::fabs(cycles[static_cast<std::size_t>(j)]) > kNone_cycles;
+  e.any = slipped > 0;
+  e.window_chi2 = RepairedWindow(cycles);
+  e.total = 0.5 * (e.window_chi2 + WideLaneMisfit(case_.wide_lanes, cycles)) + PriorOf(cycles);
+  // Without a model of the range a slip on every band rests on the smoothness of the range alone.
+  const bool blind = !step.HasGeometry() && !case_.gap && step.dt_s >= kQuietInterval_s;
+  if (blind && slipped == case_.test.count) e.total += kBlindSlipPrior;
+  return e;
+}
+
+/// The cheapest candidates and "no slip", weighed in full.
 void Decision::RankExplanations() {
   RankSlips();
-  const SatelliteTrack& track = *case_.track;
-  const bool blind =
-      !track.At(case_.step).HasGeometry() && !case_.gap && track.At(case_.step).dt_s >= kQuietInterval_s;
   case_.ranked.clear();
   bool has_none = false;
-  for (std::size_t i = 0; i < candidates_.List().size(); ++i) {
-    const Cycles& cycles = candidates_.List()[i].cycles;
-    Explanation e;
-    e.cycles = cycles;
-    int slipped = 0;
-    for (int j = 0; j < case_.test.count; ++j)
-      slipped += std::fabs(cycles[static_cast<std::size_t>(j)]) > kNone_cycles;
-    e.any = slipped > 0;
-    if (i >= kTriedInFull && (e.any || has_none)) continue;
-    has_none = has_none || !e.any;
-    e.window_chi2 = RepairedWindow(cycles);
-    e.total = 0.5 * (e.window_chi2 + WideLaneMisfit(case_.wide_lanes, cycles)) + PriorOf(cycles);
-    // Without a model of the range a slip on every band rests on the smoothness of the range alone.
-    if (blind && slipped == case_.test.count) e.total += kBlindSlipPrior;
-    case_.ranked.push_back(e);
-    if (!e.any) case_.none = e;
+  for (const std::size_t i : cheapest_.Of(costs_, kTriedInFull)) {
+    case_.ranked.push_back(Weighed(candidates_.List()[i].cycles));
+    if (i == no_slip_) case_.none = case_.ranked.back();
+    has_none = has_none || i == no_slip_;
+  }
+  if (!has_none) {
+    case_.none = Weighed(candidates_.List()[no_slip_].cycles);
+    case_.ranked.push_back(case_.none);
   }
   std::stable_sort(case_.ranked.begin(), case_.ranked.end(),
                    [](const Explanation& a, const Explanation& b) { return a.total < b.total; });

@@ -45,7 +45,38 @@ TEST(SortedWindow, ValuesThatAreNotFiniteTakeAPlaceAndCountForNothing) {
   EXPECT_EQ(window.Count(), 2);
   window.Push(std::nan(""));
   EXPECT_EQ(window.Count(), 1);
-  EXPECT_EQ(MergedMedian(window.Sorted(), SortedList<1>()), 2);
+  EXPECT_EQ(Median(window.Sorted()), 2);
+}
+
+TEST(SortedWindow, QuantilesOfListsOfAllLengthsWithTiesEqualThoseOfSorting) {
+  for (int first = 0; first <= 6; ++first) {
+    for (int second = first == 0 ? 1 : 0; second <= 5; ++second) {
+      for (int variant = 0; variant < 20; ++variant) {
+        SortedList<6> a;
+        SortedList<5> b;
+        std::vector<double> all;
+        for (int i = 0; i < first + second; ++i) {
+          all.push_back(std::fmod((i + 3) * (variant + 5) * 7919.0, 7.0));
+          if (i < first) {
+            a.Insert(all.back());
+          } else {
+            b.Insert(all.back());
+          }
+        }
+        for (const double part : {0.0, 0.3, 0.5, 0.8, 1.0})
+          ASSERT_EQ(MergedQuantile(a, b, part), Expected(all, part)) << first << ' ' << second << ' ' << part;
+      }
+    }
+  }
+}
+
+TEST(SortedWindow, MedianIsTheMiddleOrTheMeanOfTheMiddleTwo) {
+  SortedWindow<4> window;
+  EXPECT_TRUE(std::isnan(Median(window.Sorted())));
+  for (const double value : {5.0, 1.0, 4.0}) window.Push(value);
+  EXPECT_EQ(Median(window.Sorted()), 4);
+  window.Push(3);
+  EXPECT_EQ(Median(window.Sorted()), 3.5);
 }
 
 TEST(SortedWindow, WithoutValuesThereIsNoQuantile) {

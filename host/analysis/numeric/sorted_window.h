@@ -20,9 +20,15 @@ class SortedList {
     for (; i > 0 && values_[i - 1] > value; --i) values_[i] = values_[i - 1];
     values_[i] = value;
   }
+  /// Puts a value in the place of another that is in the list. Neither may be NaN.
+  void Replace(double old, double value) {
+    int i = PlaceOf(old);
+    for (; i + 1 < count_ && values_[i + 1] < value; ++i) values_[i] = values_[i + 1];
+    for (; i > 0 && values_[i - 1] > value; --i) values_[i] = values_[i - 1];
+    values_[i] = value;
+  }
   void Remove(double value) {
-    int i = static_cast<int>(std::lower_bound(values_.begin(), values_.begin() + count_, value) -
-                             values_.begin());
+    int i = PlaceOf(value);
     for (--count_; i < count_; ++i) values_[i] = values_[i + 1];
   }
   void Clear() { count_ = 0; }
@@ -30,6 +36,13 @@ class SortedList {
   double operator[](int i) const { return values_[i]; }
 
  private:
+  /// How many values are less, which is where the first of its like is.
+  int PlaceOf(double value) const {
+    int place = 0;
+    for (int i = 0; i < count_; ++i) place += values_[i] < value;
+    return place;
+  }
+
   std::array<double, N> values_;
   int count_ = 0;
 };
@@ -46,9 +59,16 @@ class SortedWindow {
     next_ = 0;
   }
   void Push(double value) {
-    if (std::isfinite(history_[next_])) sorted_.Remove(history_[next_]);
-    history_[next_] = std::isfinite(value) ? value : std::numeric_limits<double>::quiet_NaN();
-    sorted_.Insert(value);
+    const double oldest = history_[next_];
+    const bool leaves = std::isfinite(oldest), comes = std::isfinite(value);
+    history_[next_] = comes ? value : std::numeric_limits<double>::quiet_NaN();
+    if (leaves && comes) {
+      sorted_.Replace(oldest, value);
+    } else if (leaves) {
+      sorted_.Remove(oldest);
+    } else {
+      sorted_.Insert(value);
+    }
     next_ = next_ + 1 == N ? 0 : next_ + 1;
   }
   const SortedList<N>& Sorted() const { return sorted_; }

@@ -1,5 +1,7 @@
 #include "results/complete_snr.h"
 
+#include <memory>
+
 #include "results/slot_tables.h"
 #include "toolkit/signals.h"
 
@@ -32,6 +34,19 @@ void BuildTemplate(const SatelliteId& satellite, const IList& codes, SatComplete
   }
 }
 
+/// Leaves the channels that hold a code as constructed; assigning empty ones would keep the memory of their
+/// lists.
+template <class SatLists>
+void ReleaseChannels(SatLists& sat) noexcept {
+  for (int slot = 0; slot < kBandSlots; ++slot) {
+    for (int i = 0; i < sat.CodeCount[slot]; ++i) {
+      std::destroy_at(&sat.Channels[slot][i]);
+      std::construct_at(&sat.Channels[slot][i]);
+    }
+    sat.CodeCount[slot] = 0;
+  }
+}
+
 }  // namespace
 
 void CompleteSnr::BuildTemplates(const IList* code_lists) {
@@ -57,19 +72,11 @@ void CompleteSnr::AddExpected(int number, std::uint64_t epochs) {
 }
 
 void CompleteSnr::Release() {
-  // Assigning an empty list keeps the memory of the old one, so the lists are freed by hand first.
   for (SatCompleteObsList& sat : CompleteSats) {
-    for (auto& slot : sat.Channels) {
-      for (ChannelCompleteObsList& channel : slot) channel.Flags.Release();
-    }
-    sat = SatCompleteObsList();
+    ReleaseChannels(sat);
+    sat.ExpectedEpochs = 0;
   }
-  for (SnrSatList& sat : SnrSats) {
-    for (auto& slot : sat.Channels) {
-      for (SnrChannelList& channel : slot) channel.Samples.Release();
-    }
-    sat = SnrSatList();
-  }
+  for (SnrSatList& sat : SnrSats) ReleaseChannels(sat);
   Ready = false;
 }
 

@@ -91,7 +91,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static const orsolva_test::SimulatedSky sky = SmallSky();
   static orsolva_test::Results results;
   orsolva_test::Mutator<InputWords> mutator(InputWords(data, size));
-  const orsolva_test::MutatedRunFacts facts = orsolva_test::MutatedRun(sky, mutator, results, 8);
+  const orsolva_test::MutatedRunFacts facts = orsolva_test::MutatedRun(sky, mutator, results, 16);
   orsolva_fuzz::Require(facts.Broken == nullptr, facts.Broken);
   return 0;
 }

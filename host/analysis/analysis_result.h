@@ -16,7 +16,8 @@ namespace orsolva_host::analysis {
 
 using Count = std::uint64_t;
 
-/// A hole between two epochs that are there.
+/// Nominal epochs in a row that are lost, between two epochs with observations. Where the stream begins or
+/// ends with epochs that hold nothing, its first or last epoch is that side of the gap.
 struct DataGap {
   std::int64_t last_before_ns = 0;
   std::int64_t first_after_ns = 0;
@@ -25,7 +26,7 @@ struct DataGap {
 
 /// Epochs of the whole stream.
 struct SpanFigures {
-  double interval_s = 0;  ///< of the data
+  double interval_s = 0;  ///< of the data; 0 where a single epoch gives none and no header states one
   std::int64_t first_ns = 0;
   std::int64_t last_ns = 0;
   std::optional<Count> expected_epochs;
@@ -34,6 +35,7 @@ struct SpanFigures {
   std::optional<Count> lost_epochs;     ///< expected and not present
   std::optional<Count> disordered_epochs;
   std::vector<DataGap> gaps;
+  Count further_gaps = 0;  ///< after the 10,000 listed
 };
 
 /// Observed against expected, from the horizon or the cut-off up.
@@ -121,6 +123,7 @@ struct SignalFigures {
   SignalCode code;
   std::optional<double> frequency_hz;                       ///< absent for the sums over GLONASS
   std::optional<Count> codes, phases, dopplers, strengths;  ///< values in the data
+  std::optional<Count> satellites;  ///< that it was observed on; of sums over a system
   CompletenessFigures horizon;
   CompletenessFigures cutoff;
   StrengthFigures strength;

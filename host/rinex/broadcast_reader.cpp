@@ -2,28 +2,15 @@
 
 #include <cmath>
 
-#include "host/rinex/civil_time.h"
-#include "toolkit/leap_seconds.h"
+#include "host/rinex/time_scales.h"
 
 namespace orsolva_host {
 namespace {
 
-constexpr double kBdsTimeBehindGps_s = 14;
 constexpr double kWeek_s = 604800;
-constexpr double kDay_s = 86400;
 constexpr double kMetresPerKilometre = 1000;
 constexpr int kInavSources = 1 | 4;
 constexpr int kFnavSource = 2;
-
-/// GPS time minus UTC at a time of UTC.
-double LeapSecondsAt(const Time_gbt& utc) {
-  for (const gnssqctoolkit::LeapSecondRow& row : gnssqctoolkit::kLeapSeconds) {
-    if (row.year == 0) break;
-    const double begins_s = static_cast<double>(DaysFromCivil(row.year, row.month, row.day)) * kDay_s;
-    if (static_cast<double>(utc.time) >= begins_s) return row.seconds;
-  }
-  return 0;
-}
 
 double SecondsOf(const Time_gbt& time) { return static_cast<double>(time.time) + time.sec; }
 

@@ -10,13 +10,13 @@
 #include "host/rinex/decimal.h"
 #include "host/rinex/header_labels.h"
 #include "host/rinex/signal_codes.h"
+#include "host/rinex/time_scales.h"
 #include "host/rinex/version2_codes.h"
 #include "orsolva/signals.h"
 
 namespace orsolva_host {
 namespace {
 
-constexpr std::int64_t kBdsTimeBehindGps_s = 14;
 constexpr float kStrengthStep_dbhz = 6;
 constexpr std::size_t kNoKind = static_cast<std::size_t>(-1);
 

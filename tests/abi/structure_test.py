@@ -35,6 +35,7 @@ HOST_BELOW = {
     "observation": set(),
     "output": {"platform"},
     "rinex": {"observation", "platform"},
+    "formats": {"observation", "rinex"},
     "analysis": {"observation"},
     "report": {"rinex", "output"},
     "simulator": {"observation", "rinex", "output"},

@@ -42,6 +42,7 @@ void SatelliteRecords::Add(const StateVectorRecord& record) {
 }
 
 std::optional<std::size_t> SatelliteRecords::Select(std::int64_t time_ns) const {
+  if (precise_ && precise_->Covers(time_ns)) return kPreciseOrbit;
   if (reference_s_.empty()) return std::nullopt;
   const double time_s = static_cast<double>(time_ns / kNanosecondsPerSecond);
   const auto after = std::lower_bound(reference_s_.begin(), reference_s_.end(), time_s);
@@ -58,10 +59,12 @@ std::optional<std::size_t> SatelliteRecords::Select(std::int64_t time_ns) const 
 }
 
 SatelliteState SatelliteRecords::StateAt(std::size_t record, const Instant& time) {
+  if (record == kPreciseOrbit) return precise_->StateAt(time);
   return kepler_.empty() ? vectors_[record]->orbit->At(time) : KeplerState(kepler_[record], time);
 }
 
 double SatelliteRecords::ClockAt(std::size_t record, const Instant& time) const {
+  if (record == kPreciseOrbit) return precise_->ClockAt(time);
   return kepler_.empty() ? vectors_[record]->orbit->Clock(time) : KeplerClock(kepler_[record], time);
 }
 
@@ -79,6 +82,10 @@ void BroadcastStore::Add(const BroadcastRecords& records) {
     }
   }
   for (const StateVectorRecord& record : records.state_vectors) satellites_[record.satellite].Add(record);
+}
+
+void BroadcastStore::Add(const PreciseOrbits& orbits) {
+  for (const auto& [satellite, points] : orbits.satellites) satellites_[satellite].SetPrecise(points);
 }
 
 SatelliteRecords* BroadcastStore::Find(SatelliteId satellite) {

@@ -1,4 +1,4 @@
-// Broadcast records by satellite, and the one to use at a time.
+// Broadcast records and precise orbits by satellite, and which to use at a time.
 #ifndef ORSOLVA_ANALYSIS_GEOMETRY_BROADCAST_STORE_H
 #define ORSOLVA_ANALYSIS_GEOMETRY_BROADCAST_STORE_H
 
@@ -8,19 +8,27 @@
 #include <optional>
 #include <vector>
 
+#include "host/analysis/geometry/precise_orbit.h"
 #include "host/analysis/geometry/satellite_orbit.h"
 #include "host/observation/broadcast_records.h"
+#include "host/observation/precise_orbits.h"
 
 namespace orsolva_host::analysis {
 
-/// The records of one satellite in the order of their reference times.
+/// What SatelliteRecords::Select returns for the precise orbit instead of a broadcast record.
+constexpr std::size_t kPreciseOrbit = static_cast<std::size_t>(-1);
+
+/// The records of one satellite in the order of their reference times, and its precise orbit.
 class SatelliteRecords {
  public:
   void Add(const KeplerRecord& record);
   void Add(const StateVectorRecord& record);
+  /// @param points  must outlive this
+  void SetPrecise(const std::vector<PrecisePoint>& points) { precise_.emplace(points); }
 
-  /// The record whose reference time is nearest, the earlier of two equally near; absent when none is near
-  /// enough: 7,500 s (GPS, QZSS, Galileo, BDS, NavIC), 2,000 s (GLONASS), 600 s (SBAS).
+  /// kPreciseOrbit where that has position and clock. Else the record whose reference time is nearest, the
+  /// earlier of two equally near; absent when none is near enough: 7,500 s (GPS, QZSS, Galileo, BDS, NavIC),
+  /// 2,000 s (GLONASS), 600 s (SBAS).
   std::optional<std::size_t> Select(std::int64_t time_ns) const;
 
   SatelliteState StateAt(std::size_t record, const Instant& time);
@@ -36,6 +44,7 @@ class SatelliteRecords {
   };
   bool HasNearFirstMessage(const KeplerRecord& record) const;
 
+  std::optional<PreciseOrbit> precise_;
   std::vector<double> reference_s_;
   std::vector<KeplerRecord> kepler_;
   std::vector<std::unique_ptr<VectorWithOrbit>> vectors_;
@@ -46,8 +55,10 @@ class BroadcastStore {
   /// Galileo F/NAV records within four hours of an I/NAV record of the satellite are left out: the two clocks
   /// differ by a group delay, and a change between them would be a jump.
   void Add(const BroadcastRecords& records);
+  /// @param orbits  to be used where they cover a time; must outlive this
+  void Add(const PreciseOrbits& orbits);
   bool Empty() const { return satellites_.empty(); }
-  /// Null for a satellite without records.
+  /// Null for a satellite without records and precise orbit.
   SatelliteRecords* Find(SatelliteId satellite);
 
  private:

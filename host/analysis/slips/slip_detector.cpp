@@ -66,6 +66,7 @@ SlipDetector::SlipDetector(const DetectorOptions& options, const BroadcastRecord
                            DetectorObserver* observer)
     : options_(options), observer_(observer) {
   records_.Add(records);
+  if (options_.precise_orbits) records_.Add(*options_.precise_orbits);
 }
 
 SlipDetector::~SlipDetector() = default;

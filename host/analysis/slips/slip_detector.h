@@ -32,6 +32,7 @@ struct DetectorOptions {
   double interval_s = 0;            ///< nominal; 0: the median step of the first epochs
   std::array<std::optional<int>, 100>
       glonass_channels;  ///< by slot; records and the data fill what is missing
+  std::shared_ptr<const PreciseOrbits> precise_orbits;  ///< used instead of records where they cover a time
 };
 
 /// What was tested so far, by satellite.

@@ -15,7 +15,7 @@ constexpr std::int64_t kSpacing_ns = 900 * kNanosecondsPerSecond;
 constexpr double kRadius_m = 2.66e7;
 constexpr double kTurn_rad_s = 2 * kPi / 43080;  // of the satellite
 
-/// A circle about a point 100 km beside the Earth's centre, seen from the turning Earth: r v is not zero.
+/// A circle about a point 100 km off the Earth's centre, seen from the turning Earth: r v is not zero.
 Vector3 PositionAt(double seconds) {
   const double u = kTurn_rad_s * seconds, w = kEarthRotation_rad_s * seconds;
   const double x = kRadius_m * std::cos(u) + 1e5, y = kRadius_m * std::sin(u) * 0.6,
@@ -70,7 +70,7 @@ TEST(PreciseOrbit, GivesItsPointsAtTheirTimes) {
   }
 }
 
-// The circle lies 1e5 m beside the centre along x: r v = -1e5 * kRadius_m * kTurn_rad_s * sin(u).
+// The circle lies 1e5 m off the centre along x: r v = -1e5 * kRadius_m * kTurn_rad_s * sin(u).
 TEST(PreciseOrbit, AddsTheRelativityOfAnEccentricOrbitToALinearClock) {
   const std::vector<PrecisePoint> points = Points(20);
   PreciseOrbit orbit(points);

@@ -1,7 +1,7 @@
 // Position and clock of a satellite between the points of a precise orbit.
 //
 // Positions: a polynomial of degree 9 through ten equally spaced points, five on each side where there are so
-// many, in the frame that stands still with respect to the stars at the point before (Schenewerk 2003, GPS
+// many, in the frame that is fixed to the stars at the point before (Schenewerk 2003, GPS
 // Solutions 7(2), recommends nine to eleven points). Half of the points of a day, 30 minutes apart, give the
 // others to 2 mm (Galileo), 20 mm (GLONASS) and 32 mm (GPS), medians with five points on each side
 // (PreciseOrbit.EveryOtherPointGivesTheOthers); at 15 minutes the error is a thousandth of that, and what is

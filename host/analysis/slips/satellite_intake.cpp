@@ -165,7 +165,7 @@ std::optional<ClockSample> SatelliteIntake::SampleOfClock() {
   return sample;
 }
 
-/// Looks where the epoch's signals stand in the track; mostly where they did in the epoch before.
+/// Finds the epoch's signals in the track; mostly where they did in the epoch before.
 void SatelliteIntake::FindPlaces() {
   places_.resize(satellite_->signal_count, kNoPlace);
   for (std::size_t k = 0; k < satellite_->signal_count; ++k) {

@@ -55,7 +55,7 @@ struct DecidedStep {
 class SlipDetector {
  public:
   /// @param records   broadcast orbits; may hold nothing
-  /// @param observer  is told of everything as it goes; may be null; must outlive this
+  /// @param observer  sees everything as it goes; may be null; must outlive this
   SlipDetector(const DetectorOptions& options, const BroadcastRecords& records,
                DetectorObserver* observer = nullptr);
   ~SlipDetector();

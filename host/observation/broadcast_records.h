@@ -32,6 +32,7 @@ struct KeplerRecord {
   double cuc = 0, cus = 0, cic = 0, cis = 0;
   double crc = 0, crs = 0;
   double toe_of_week_s = 0;  ///< in the system's own week
+  double group_delay_s = 0;  ///< BDS: TGD1, of B1I against B3I, to which the clock belongs
   bool unhealthy = false;
   bool second_message = false;  ///< Galileo F/NAV, whose clock differs from I/NAV's by a group delay
 };

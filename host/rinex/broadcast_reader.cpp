@@ -48,6 +48,7 @@ KeplerRecord KeplerOf(const NavigationRecord& r, std::string_view message) {
   k.i0 = r.v[15], k.crc = r.v[16], k.omega = r.v[17], k.omega_dot = r.v[18];
   k.idot = r.v[19];
   k.unhealthy = r.v[24] != 0;
+  if (r.letter == 'C' && std::isfinite(r.v[25])) k.group_delay_s = r.v[25];
   k.second_message = IsSecondMessage(r, message);
   return k;
 }

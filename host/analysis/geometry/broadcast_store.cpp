@@ -68,6 +68,15 @@ double SatelliteRecords::ClockAt(std::size_t record, const Instant& time) const 
   return kepler_.empty() ? vectors_[record]->orbit->Clock(time) : KeplerClock(kepler_[record], time);
 }
 
+bool SatelliteRecords::IsHealthy(std::size_t record) const {
+  if (record == kPreciseOrbit) return true;
+  return !(kepler_.empty() ? vectors_[record]->record.unhealthy : kepler_[record].unhealthy);
+}
+
+double SatelliteRecords::GroupDelay(std::size_t record) const {
+  return record == kPreciseOrbit || kepler_.empty() ? 0 : kepler_[record].group_delay_s;
+}
+
 std::optional<int> SatelliteRecords::Channel() const {
   for (const auto& entry : vectors_) {
     if (entry->record.channel) return entry->record.channel;

@@ -34,6 +34,10 @@ class SatelliteRecords {
   SatelliteState StateAt(std::size_t record, const Instant& time);
   /// Satellite clock without relativity, enough for the time of transmission. s
   double ClockAt(std::size_t record, const Instant& time) const;
+  /// What the satellite says of itself; true with the precise orbit.
+  bool IsHealthy(std::size_t record) const;
+  /// KeplerRecord::group_delay_s; 0 with the precise orbit.
+  double GroupDelay(std::size_t record) const;
   /// GLONASS frequency channel of the first record that has one.
   std::optional<int> Channel() const;
 

@@ -37,6 +37,9 @@ ModelledRange RangeAt(SatelliteRecords& records, std::size_t record, const Stati
   for (std::size_t i = 0; i < 3; ++i) out.sin_elevation += out.line_of_sight[i] * up[i];
   out.metres = range + station.TroposphereDelay(out.sin_elevation) - kLightSpeed_m_s * state.clock_s;
   out.valid = std::isfinite(out.metres);
+  out.precise = record == kPreciseOrbit;
+  out.healthy = records.IsHealthy(record);
+  out.group_delay_m = kLightSpeed_m_s * records.GroupDelay(record);
   return out;
 }
 

@@ -14,6 +14,9 @@ struct ModelledRange {
   double metres = 0;  ///< range + troposphere - c dts; without the receiver clock and the ionosphere
   double sin_elevation = 0;
   Vector3 line_of_sight = {};  ///< unit vector from the station to the satellite
+  bool precise = false;        ///< by the precise orbit
+  bool healthy = true;         ///< as the record says
+  double group_delay_m = 0;    ///< see KeplerRecord::group_delay_s
 };
 
 /// @param time_ns        tag of the epoch

@@ -20,6 +20,7 @@ struct ReceiverStep {
   const Station* station = nullptr;  ///< null without broadcast records
   bool clock_known = false;
   double clock_change_m = kAbsent;  ///< of the receiver clock over the step, from phases; resets included
+  bool clock_reset = false;         ///< the change holds a reset
   Vector3 shift_m = {};             ///< of the antenna over the step, where it moves
 };
 

@@ -178,7 +178,7 @@ void SlipDetector::SolveReceiver(const ObservationEpoch& epoch) {
   reset_s_ = 0;
   const std::optional<ClockChange> change = SolveClock(samples_);
   ReceiverStep& step = receiver_steps_[RingSlot(number_)];
-  step = {number_, station_ ? &*station_ : nullptr, change.has_value(), kAbsent, {}};
+  step = {number_, station_ ? &*station_ : nullptr, change.has_value(), kAbsent, false, {}};
   if (!change) {
     ++clock_.unknown;
     if (samples_.size() >= kLeastForCommon) {
@@ -191,7 +191,7 @@ void SlipDetector::SolveReceiver(const ObservationEpoch& epoch) {
   clock_.metres += change->metres;
   step.clock_change_m = change->metres;
   step.shift_m = change->shift_m;
-  NoteClockReset(epoch, change->metres);
+  step.clock_reset = NoteClockReset(epoch, change->metres);
   if (!change->moved) return;
   shift_m_ = change->shift_m;
   Vector3 position = station_->Position();
@@ -200,11 +200,14 @@ void SlipDetector::SolveReceiver(const ObservationEpoch& epoch) {
   for (auto& [id, intake] : satellites_) intake->ForgetRange();
 }
 
-void SlipDetector::NoteClockReset(const ObservationEpoch& epoch, double change_m) {
+/// @return whether the change holds a reset
+bool SlipDetector::NoteClockReset(const ObservationEpoch& epoch, double change_m) {
   const double usual = Median(clock_rates_.Sorted());
   const double jump_ms = (change_m - usual) / kLightSpeed_m_s / kMillisecond_s;
-  if (std::fabs(jump_ms) > kResetPart) AddReceiverEvent(epoch, EventKind::kReceiverClockReset, jump_ms);
+  const bool reset = std::fabs(jump_ms) > kResetPart;
+  if (reset) AddReceiverEvent(epoch, EventKind::kReceiverClockReset, jump_ms);
   clock_rates_.Push(change_m);
+  return reset;
 }
 
 /// Without a modelled range: whole milliseconds that all phases jump by.

@@ -82,7 +82,7 @@ class SlipDetector {
   void BeginSatellites(const ObservationEpoch& epoch);
   void ShowRanges(const ObservationEpoch& epoch);
   void SolveReceiver(const ObservationEpoch& epoch);
-  void NoteClockReset(const ObservationEpoch& epoch, double change_m);
+  bool NoteClockReset(const ObservationEpoch& epoch, double change_m);
   void FindUnmodelledReset(const ObservationEpoch& epoch);
   void FindCodeJump(const ObservationEpoch& epoch);
   void FindCommonPart();

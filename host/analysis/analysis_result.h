@@ -80,10 +80,12 @@ struct MultipathFigures {
   std::optional<double> code_noise_m;  ///< white part
 };
 
+/// Slips within continuous tracking, of a signal or, one a step, of a satellite; those found after a hole are
+/// interruptions that slipped.
 struct SlipFigures {
-  std::optional<Count> sure;
-  std::optional<Count> unsure;
-  std::optional<Count> half_cycles;
+  std::optional<Count> sure;          ///< whole cycles, size certain
+  std::optional<Count> unsure;        ///< whole cycles, another size nearly as likely
+  std::optional<Count> half_cycles;   ///< a half among the sizes
   std::optional<Count> unknown_size;  ///< jumps
   std::optional<Count> tested_steps;
   std::optional<Count> untested_steps;
@@ -91,9 +93,10 @@ struct SlipFigures {
   std::optional<Count> observations_without_slip;  ///< "more than n" where there is no slip
   std::optional<double> slips_per_1000;
   std::optional<Count> loss_of_lock_flags;
-  std::optional<Count> loss_of_lock_with_slip;
+  std::optional<Count> loss_of_lock_with_slip;  ///< or with a hole left open
 };
 
+/// Phases without a break, from the cut-off up.
 struct ArcFigures {
   std::optional<Count> arcs;
   std::optional<double> median_s;
@@ -130,8 +133,10 @@ struct SignalFigures {
   MultipathFigures multipath;
   PhaseNoiseFigures phase_noise;
   SlipFigures slips;
+  SlipFigures slips_below_cutoff;
   ArcFigures arcs;
   InterruptionFigures interruptions;
+  InterruptionFigures interruptions_below_cutoff;
 };
 
 /// Phases of two bands against their codes: the scatter of the wide lane within arcs, pooled.
@@ -152,8 +157,10 @@ struct SatelliteFigures {
   CompletenessFigures horizon;  ///< of the signals expected of it
   CompletenessFigures cutoff;
   SlipFigures slips;
+  SlipFigures slips_below_cutoff;
   ArcFigures arcs;
   InterruptionFigures interruptions;
+  InterruptionFigures interruptions_below_cutoff;
   std::optional<Count> satellite_clock_events;
 };
 
@@ -172,8 +179,10 @@ struct SystemFigures {
   CompletenessFigures horizon;
   CompletenessFigures cutoff;
   SlipFigures slips;
+  SlipFigures slips_below_cutoff;
   ArcFigures arcs;
   InterruptionFigures interruptions;
+  InterruptionFigures interruptions_below_cutoff;
   IonosphereFigures ionosphere;
 };
 

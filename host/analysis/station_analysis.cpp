@@ -1,6 +1,7 @@
 #include "host/analysis/station_analysis.h"
 
 #include "host/analysis/figures/observation_counts.h"
+#include "host/analysis/figures/phase_groups.h"
 #include "host/analysis/figures/signal_roster.h"
 #include "host/analysis/figures/span.h"
 #include "host/analysis/slips/detector_observer.h"
@@ -11,21 +12,30 @@ namespace orsolva_host::analysis {
 class StationAnalysis::Figures : public DetectorObserver {
  public:
   explicit Figures(const AnalysisOptions& options)
-      : cutoff_deg_(options.elevation_cutoff_deg), span_(options.detector.interval_s) {}
+      : cutoff_deg_(options.elevation_cutoff_deg), span_(options.detector.interval_s), phases_(cutoff_deg_) {}
 
-  void Started(double /*interval_s*/, const Station* station) override { with_orbits_ = station != nullptr; }
+  void Started(double interval_s, const Station* station) override {
+    with_orbits_ = station != nullptr;
+    phases_.Begin(interval_s);
+  }
 
-  void Taken(const ObservationEpoch& epoch, const ReceiverStep& /*receiver*/) override {
+  void Taken(const ObservationEpoch& epoch, const ReceiverStep& receiver) override {
     roster_.Take(epoch);
     span_.Add(epoch);
     counts_.Add(epoch, roster_);
+    phases_.AddEpoch(epoch, receiver.number);
   }
+
+  void Decided(const SatelliteTrack& track, std::int64_t step) override { phases_.AddStep(track, step); }
+
+  void Found(const Event& event) override { phases_.AddEvent(event); }
 
   void FillIn(AnalysisResult& result) const {
     result.with_orbits = with_orbits_;
     result.elevation_cutoff_deg = cutoff_deg_;
     span_.FillIn(result.span);
     counts_.FillIn(roster_, result);
+    phases_.FillIn(result);
   }
 
  private:
@@ -34,6 +44,7 @@ class StationAnalysis::Figures : public DetectorObserver {
   SignalRoster roster_;
   Span span_;
   ObservationCounts counts_;
+  PhaseGroups phases_;
 };
 
 StationAnalysis::StationAnalysis(const AnalysisOptions& options, const BroadcastRecords& records)

@@ -10,6 +10,7 @@ constexpr int kTrail = 20;        // steps before a step that its scales look ba
 constexpr int kMedianTrail = 16;  // steps before a step that its median rates look back on
 constexpr int kRing = 32;         // epochs kept, a power of two above kTrail + kLead + 2
 
+constexpr double kGapFactor = 1.5;     // of the interval, beyond which epochs are missing
 constexpr double kLongestGap_s = 600;  // a longer hole begins a new arc, untested
 constexpr double kUsualInterval_s =
     30;  // interval at which the figures below were found; others scale with its root
@@ -63,6 +64,12 @@ constexpr double kQuietIonosphere_m = 0.015;  // s_I over 30 s below which it ha
 constexpr double kIonosphere_m = 0.30;        // over 30 s, at 1575.42 MHz
 constexpr double kReportedChi2 = 30;          // a disturbance that is no slip is an event above this
 constexpr double kQuietInterval_s = 5;        // below, clocks do not move by decimetres within a step
+
+/// Carriers of SBAS are steered from the ground, each on its own: between epochs seconds apart they wander by
+/// cycles, and nothing separates that from a slip.
+constexpr bool IsTestable(char system, double interval_s) {
+  return system != 'S' || interval_s < kQuietInterval_s;
+}
 
 }  // namespace orsolva_host::analysis
 

@@ -14,7 +14,6 @@ constexpr double kLeastRange_m = 1e7;
 constexpr double kGreatestRange_m = 6e7;
 constexpr double kUsualRange_m = 2.25e7;
 constexpr std::size_t kNoPlace = kMostSignals;
-constexpr double kGapFactor = 1.5;  // of the interval, beyond which epochs are missing
 
 bool IsRange(double metres) { return metres > kLeastRange_m && metres < kGreatestRange_m; }
 

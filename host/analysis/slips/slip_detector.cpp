@@ -139,15 +139,13 @@ void SlipDetector::Process(const ObservationEpoch& epoch) {
   DecideUpTo(number_ - kLead);
 }
 
-// Carriers of SBAS are steered from the ground, each on its own: between epochs seconds apart they
-// wander by cycles, and nothing separates that from a slip.
 void SlipDetector::BeginSatellites(const ObservationEpoch& epoch) {
   present_.clear();
   samples_.clear();
   for (const SatelliteObservation& satellite : epoch.satellites) {
     SatelliteIntake& intake = IntakeOf(satellite.id);
     if (!intake.IsUsable(epoch, satellite)) continue;
-    if (satellite.id.system == 'S' && interval_s_ >= kQuietInterval_s) {
+    if (!IsTestable(satellite.id.system, interval_s_)) {
       ++counts_[satellite.id].observed_epochs;
       ++counts_[satellite.id].untested_steps;
       continue;

@@ -1,0 +1,205 @@
+#include "host/analysis/figures/tracking_sums.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <utility>
+
+#include "host/analysis/figures/result_rows.h"
+
+namespace orsolva_host::analysis {
+namespace {
+
+constexpr int kDecisionDelay = 2 * kLead;  // epochs for which an outage is kept beyond the longest hole
+
+bool HasPhase(const ObservationEpoch& epoch) {
+  return std::any_of(epoch.signals.begin(), epoch.signals.end(),
+                     [](const SignalObservation& o) { return std::isfinite(o.phase_cycles); });
+}
+
+Count& CountOf(Continuity continuity, InterruptionCounts& counts) {
+  if (continuity == Continuity::kContinuous) return counts.continuous;
+  return continuity == Continuity::kRepaired ? counts.slipped : counts.unresolved;
+}
+
+/// Of the ends of holes in one step the one that counts for the satellite.
+Continuity Worse(Continuity a, Continuity b) {
+  if (a == Continuity::kContinuous) return b;
+  return a == Continuity::kRepaired && b != Continuity::kContinuous ? b : a;
+}
+
+InterruptionFigures FiguresOf(const InterruptionCounts& counts) {
+  InterruptionFigures figures;
+  if (counts.phases == 0) return figures;
+  figures.by_signal = counts.by_signal;
+  figures.by_satellite = counts.by_satellite;
+  figures.by_receiver = counts.by_receiver;
+  figures.continuous = counts.continuous;
+  figures.slipped = counts.slipped;
+  figures.unresolved = counts.unresolved;
+  return figures;
+}
+
+/// Arcs and interruptions of several satellites or signals.
+struct Pool {
+  ArcLengths arcs;
+  std::array<InterruptionCounts, 2> interruptions;
+
+  void Add(const ArcLengths& more, const std::array<InterruptionCounts, 2>& counts) {
+    arcs.Add(more);
+    for (std::size_t up = 0; up < 2; ++up) interruptions[up].Add(counts[up]);
+  }
+};
+
+template <typename Row>
+void Fill(Row& row, const ArcLengths& arcs, const std::array<InterruptionCounts, 2>& interruptions) {
+  if (interruptions[1].phases > 0) row.arcs = arcs.Figures();
+  row.interruptions = FiguresOf(interruptions[1]);
+  row.interruptions_below_cutoff = FiguresOf(interruptions[0]);
+}
+
+}  // namespace
+
+void InterruptionCounts::Add(const InterruptionCounts& other) {
+  by_signal += other.by_signal;
+  by_satellite += other.by_satellite;
+  by_receiver += other.by_receiver;
+  continuous += other.continuous;
+  slipped += other.slipped;
+  unresolved += other.unresolved;
+  phases += other.phases;
+}
+
+void TrackingSums::Arcs::Add(bool up, bool goes_on, std::int64_t time_ns) {
+  if (!up || !goes_on) End();
+  if (!up) return;
+  if (!open) first_ns = time_ns;
+  open = true;
+  last_ns = time_ns;
+}
+
+void TrackingSums::Arcs::End() {
+  if (open) lengths.Add(SecondsBetween(last_ns, first_ns));
+  open = false;
+}
+
+ArcLengths TrackingSums::Arcs::WithOpen() const {
+  ArcLengths all = lengths;
+  if (open) all.Add(SecondsBetween(last_ns, first_ns));
+  return all;
+}
+
+void TrackingSums::AddEpoch(const ObservationEpoch& epoch, std::int64_t number) {
+  power_failed_ = power_failed_ || (epoch.events & kPowerFailure) != 0;
+  if (!HasPhase(epoch)) return;
+  const bool away = SecondsBetween(epoch.time_ns, last_ns_) > kGapFactor * interval_s_;
+  if (last_number_ >= 0 && (away || power_failed_)) outages_.push_back({last_number_, last_ns_});
+  const double kept_s = kLongestGap_s + kDecisionDelay * interval_s_;
+  while (!outages_.empty() && SecondsBetween(epoch.time_ns, outages_.front().last_ns) > kept_s)
+    outages_.pop_front();
+  power_failed_ = false;
+  last_number_ = number;
+  last_ns_ = epoch.time_ns;
+}
+
+/// Of a hole of the whole satellite that ends with the step.
+TrackingSums::Cause TrackingSums::CauseOfGap(const StepOutcome& outcome) const {
+  const std::int64_t last = outcome.track->At(outcome.step - 1).epoch;
+  const auto found =
+      std::lower_bound(outages_.begin(), outages_.end(), last,
+                       [](const Outage& o, std::int64_t number) { return o.last_number < number; });
+  return found != outages_.end() && found->last_number == last ? Cause::kReceiver : Cause::kSatellite;
+}
+
+/// The first epoch of an arc of the satellite, which no step leads to.
+void TrackingSums::BeginSatellite(const StepOutcome& outcome, Satellite& satellite) const {
+  const SatelliteTrack& track = *outcome.track;
+  const StepState& first = track.At(track.first);
+  const bool up = IsUp(ElevationDegrees(first), cutoff_deg_);
+  satellite.arcs.End();
+  for (Signal& signal : satellite.signals) {
+    signal.arcs.End();
+    signal.away = Cause::kNone;
+    signal.observed = false;
+  }
+  satellite.arcs.Add(up, false, first.time_ns);
+  for (std::size_t j = 0; j < track.signals.size(); ++j) {
+    if (!track.signals[j].IsReal(track.first) || track.signals[j].unstable) continue;
+    Signal& signal = StateOf(satellite.signals, track.signals[j].code, j);
+    signal.arcs.Add(up, false, first.time_ns);
+    ++signal.interruptions[up].phases;
+    signal.observed = true;
+    signal.last_ns = first.time_ns;
+  }
+}
+
+void TrackingSums::AddStep(const StepOutcome& outcome) {
+  const SatelliteTrack& track = *outcome.track;
+  const StepState& step = *outcome.state;
+  Satellite& satellite = satellites_[track.satellite];
+  if (outcome.begins_arc) BeginSatellite(outcome, satellite);
+  const Cause hole = step.gap ? CauseOfGap(outcome) : Cause::kSignal;
+  bool observed = false, goes_on = false, returned = false;
+  Continuity worst = Continuity::kContinuous;
+  for (std::size_t j = 0; j < track.signals.size() && j < kMostSignals; ++j) {
+    const SignalOutcome& o = outcome.signals[j];
+    Signal& signal = StateOf(satellite.signals, track.signals[j].code, j);
+    if (o.continuity == Continuity::kAway) {
+      if (signal.observed && signal.away == Cause::kNone) signal.away = hole;
+      continue;
+    }
+    if (CloseHole(o, outcome, hole, signal)) {
+      returned = true;
+      worst = Worse(worst, o.continuity);
+    }
+    const bool stable = o.continuity != Continuity::kUnstable;
+    signal.arcs.Add(outcome.up && stable, o.continuity == Continuity::kContinuous, step.time_ns);
+    observed = observed || stable;
+    goes_on = goes_on || o.continuity == Continuity::kContinuous;
+    ++signal.interruptions[outcome.up].phases;
+    signal.observed = true;
+    signal.last_ns = step.time_ns;
+  }
+  ++satellite.interruptions[outcome.up].phases;
+  satellite.arcs.Add(outcome.up && observed, goes_on, step.time_ns);
+  if (returned) Add(hole, worst, satellite.interruptions[outcome.up]);
+}
+
+/// @param hole  why signals are away that were there at the satellite's epoch before
+/// @return whether an interruption of the signal ended
+bool TrackingSums::CloseHole(const SignalOutcome& o, const StepOutcome& outcome, Cause hole, Signal& signal) {
+  Cause cause = signal.away;
+  if (cause == Cause::kNone && outcome.state->gap && signal.observed) cause = hole;
+  signal.away = Cause::kNone;
+  if (cause == Cause::kNone || o.continuity == Continuity::kUnstable) return false;
+  if (SecondsBetween(outcome.state->time_ns, signal.last_ns) > kLongestGap_s) return false;
+  Add(cause, o.continuity, signal.interruptions[outcome.up]);
+  return true;
+}
+
+void TrackingSums::Add(Cause cause, Continuity continuity, InterruptionCounts& counts) {
+  ++(cause == Cause::kSignal      ? counts.by_signal
+     : cause == Cause::kSatellite ? counts.by_satellite
+                                  : counts.by_receiver);
+  ++CountOf(continuity, counts);
+}
+
+void TrackingSums::FillIn(AnalysisResult& result) const {
+  std::map<char, Pool> systems;
+  std::map<std::pair<char, std::string>, Pool> signals;
+  satellites_.ForEach([&](SatelliteId id, const Satellite& satellite) {
+    const ArcLengths arcs = satellite.arcs.WithOpen();
+    Fill(SatelliteRow(result, id), arcs, satellite.interruptions);
+    systems[id.system].Add(arcs, satellite.interruptions);
+    for (const Signal& signal : satellite.signals) {
+      const ArcLengths own = signal.arcs.WithOpen();
+      Fill(SatelliteSignalRow(result, id, signal.code), own, signal.interruptions);
+      signals[{id.system, NameOf(signal.code)}].Add(own, signal.interruptions);
+    }
+  });
+  for (const auto& [system, pool] : systems) Fill(SystemRow(result, system), pool.arcs, pool.interruptions);
+  for (const auto& [key, pool] : signals)
+    Fill(SystemSignalRow(result, key.first, {key.second[0], key.second[1]}), pool.arcs, pool.interruptions);
+}
+
+}  // namespace orsolva_host::analysis

@@ -27,15 +27,36 @@ SystemConstants ConstantsOf(char system) {
 
 bool IsGeostationaryBds(SatelliteId id) { return id.system == 'C' && (id.number <= 5 || id.number >= 59); }
 
-double EccentricAnomaly(double mean, double eccentricity) {
-  double e = mean;
-  for (int i = 0; i < 12; ++i) {
-    const double next = mean + eccentricity * std::sin(e);
-    const bool settled = std::fabs(next - e) < 1e-13;
-    e = next;
-    if (settled) break;
+struct SineCosine {
+  double s = 0;
+  double c = 1;
+};
+
+SineCosine Of(double angle) { return {std::sin(angle), std::cos(angle)}; }
+
+/// By the power series where the angle is small, which corrections to an orbit are.
+SineCosine OfSmall(double angle) {
+  if (!(std::fabs(angle) < 1e-3)) return Of(angle);
+  const double x2 = angle * angle;
+  return {angle * (1 - x2 / 6 * (1 - x2 / 20)), 1 - x2 / 2 * (1 - x2 / 12)};
+}
+
+/// Of the sum of two angles.
+SineCosine Sum(const SineCosine& a, const SineCosine& b) {
+  return {a.s * b.c + a.c * b.s, a.c * b.c - a.s * b.s};
+}
+
+/// Eccentric anomaly by Newton's method, from a start that is right to the third order of the eccentricity.
+/// After a step d an error of some e d^2 / 2 is left.
+SineCosine EccentricAnomaly(double mean, double eccentricity) {
+  const SineCosine m = Of(mean);
+  double e = mean + eccentricity * m.s * (1 + eccentricity * m.c);
+  for (int i = 0;; ++i) {
+    const SineCosine at = Of(e);
+    const double step = (mean + eccentricity * at.s - e) / (1 - eccentricity * at.c);
+    if (i == 10 || eccentricity * step * step < 1e-15) return Sum(at, OfSmall(step));
+    e += step;
   }
-  return e;
 }
 
 /// From the frame of the record, turned by -5 degrees, to the Earth-fixed one.
@@ -97,24 +118,26 @@ SatelliteState KeplerState(const KeplerRecord& r, const Instant& time) {
   const double tk = std::remainder(SecondsSince(time, r.toe_s), kWeek_s);
   const double a = r.sqrt_a * r.sqrt_a;
   const double n = std::sqrt(constants.gravity) / (a * r.sqrt_a) + r.delta_n;
-  const double e = EccentricAnomaly(r.m0 + n * tk, r.eccentricity);
-  const double se = std::sin(e), ce = std::cos(e);
+  const SineCosine e = EccentricAnomaly(r.m0 + n * tk, r.eccentricity);
   const double ecc = r.eccentricity;
-  double u = std::atan2(std::sqrt(1 - ecc * ecc) * se, ce - ecc) + r.omega;
-  const double s2 = std::sin(2 * u), c2 = std::cos(2 * u);
-  const double radius = a * (1 - ecc * ce) + r.crc * c2 + r.crs * s2;
+  const double nearness = 1 - ecc * e.c;
+  const SineCosine true_anomaly = {std::sqrt(1 - ecc * ecc) * e.s / nearness, (e.c - ecc) / nearness};
+  SineCosine u = Sum(true_anomaly, Of(r.omega));
+  const double s2 = 2 * u.s * u.c, c2 = u.c * u.c - u.s * u.s;
+  const double radius = a * nearness + r.crc * c2 + r.crs * s2;
   const double i = r.i0 + r.idot * tk + r.cic * c2 + r.cis * s2;
-  u += r.cuc * c2 + r.cus * s2;
+  u = Sum(u, OfSmall(r.cuc * c2 + r.cus * s2));
   const bool geo = IsGeostationaryBds(r.satellite);
   const double om =
       r.omega0 + (r.omega_dot - (geo ? 0 : constants.rotation)) * tk - constants.rotation * r.toe_of_week_s;
-  const double x = radius * std::cos(u), y = radius * std::sin(u);
-  const double so = std::sin(om), co = std::cos(om), si = std::sin(i), ci = std::cos(i);
+  const double x = radius * u.c, y = radius * u.s;
+  const auto [so, co] = Of(om);
+  const auto [si, ci] = Of(i);
   SatelliteState state;
   state.position_m = {x * co - y * ci * so, x * so + y * ci * co, y * si};
   if (geo) state.position_m = TurnGeostationary(state.position_m, constants.rotation * tk);
   const double relativity =
-      -2 * std::sqrt(constants.gravity) * r.sqrt_a * ecc * se / (kLightSpeed_m_s * kLightSpeed_m_s);
+      -2 * std::sqrt(constants.gravity) * r.sqrt_a * ecc * e.s / (kLightSpeed_m_s * kLightSpeed_m_s);
   state.clock_s = KeplerClock(r, time) + relativity;
   return state;
 }

@@ -57,10 +57,11 @@ class Decision {
   void MakeCase(SatelliteTrack& track, std::int64_t step);
   void MakeViews();
   void RankSlips();
-  Explanation Weighed(const Cycles& cycles);
+  Explanation Weighed(const Cycles& cycles, double enough);
   void RankExplanations();
-  double WindowChi2(const SatelliteTrack& track, std::int64_t first, std::int64_t last);
-  double RepairedWindow(const Cycles& cycles);
+  double WindowChi2(const SatelliteTrack& track, std::int64_t first, std::int64_t last,
+                    double enough = 1e300);
+  double RepairedWindow(const Cycles& cycles, double enough);
   double PriorOf(const Cycles& cycles) const;
   double FitOf(const Cycles& cycles) const;
   bool CloseGap();

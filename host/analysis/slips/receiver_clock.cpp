@@ -25,21 +25,24 @@ double Median(std::vector<double>& values) {
          (upper + *std::max_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(half)));
 }
 
-double OffsetOf(const ClockSample& sample) {
-  const double offset = Median(sample.offsets->Sorted());
-  return std::isfinite(offset) ? offset : 0;
+/// Takes off each sample what its satellite's clock drifts by.
+void TakeOffsets(std::vector<ClockSample>& samples) {
+  for (ClockSample& s : samples) {
+    const double offset = Median(s.offsets->Sorted());
+    s.offset_m = std::isfinite(offset) ? offset : 0;
+  }
 }
 
 /// Residuals of the samples once a clock and their own offsets are taken off.
 void Residuals(const std::vector<ClockSample>& samples, double clock_m, std::vector<double>& out) {
   out.clear();
-  for (const ClockSample& s : samples) out.push_back(s.metres - clock_m - OffsetOf(s));
+  for (const ClockSample& s : samples) out.push_back(s.metres - clock_m - s.offset_m);
 }
 
-double Spread(const std::vector<double>& residuals) {
-  std::vector<double> sizes;
-  for (const double r : residuals) sizes.push_back(std::fabs(r));
-  return kSigmaOfMedian * Median(sizes);
+double Spread(const std::vector<double>& residuals, std::vector<double>& scratch) {
+  scratch.clear();
+  for (const double r : residuals) scratch.push_back(std::fabs(r));
+  return kSigmaOfMedian * Median(scratch);
 }
 
 double WeightedMeanOfGood(const std::vector<ClockSample>& samples, const std::vector<double>& residuals,
@@ -65,19 +68,20 @@ bool SolveShift(const std::vector<ClockSample>& samples, std::array<double, 4>& 
   std::vector<double> weights;
   for (const ClockSample& s : samples) weights.push_back(1 / (s.sigma * s.sigma));
   std::vector<double> robust = weights;
+  std::vector<double> scratch;
   for (int round = 0; round < 8; ++round) {
     NormalSystem<4> normal(4);
     for (std::size_t i = 0; i < samples.size(); ++i) {
       const Vector3& e = samples[i].line_of_sight;
-      normal.Add({-e[0], -e[1], -e[2], 1}, samples[i].metres - OffsetOf(samples[i]), robust[i]);
+      normal.Add({-e[0], -e[1], -e[2], 1}, samples[i].metres - samples[i].offset_m, robust[i]);
     }
     if (!normal.Solve(x)) return false;
     residuals.clear();
     for (const ClockSample& s : samples) {
       const Vector3& e = s.line_of_sight;
-      residuals.push_back(s.metres - OffsetOf(s) + e[0] * x[0] + e[1] * x[1] + e[2] * x[2] - x[3]);
+      residuals.push_back(s.metres - s.offset_m + e[0] * x[0] + e[1] * x[1] + e[2] * x[2] - x[3]);
     }
-    const double spread = std::max(Spread(residuals), 0.003);
+    const double spread = std::max(Spread(residuals, scratch), 0.003);
     for (std::size_t i = 0; i < samples.size(); ++i) {
       const double off = residuals[i] / (2 * spread);
       robust[i] = weights[i] / (1 + off * off);
@@ -88,9 +92,9 @@ bool SolveShift(const std::vector<ClockSample>& samples, std::array<double, 4>& 
 
 std::optional<ClockChange> SolveMoving(const std::vector<ClockSample>& samples, double spread_m) {
   std::array<double, 4> x = {};
-  std::vector<double> residuals;
+  std::vector<double> residuals, scratch;
   if (samples.size() < kLeastSatellitesMoving || !SolveShift(samples, x, residuals)) return std::nullopt;
-  const double left = std::max(Spread(residuals), 0.003);
+  const double left = std::max(Spread(residuals, scratch), 0.003);
   const std::size_t agree = CountWithin(residuals, std::max(4 * left, kMovingSpread_m));
   if (left >= spread_m / 3 || agree < std::max<std::size_t>(5, (samples.size() * 6 + 9) / 10))
     return std::nullopt;
@@ -101,17 +105,18 @@ std::optional<ClockChange> SolveMoving(const std::vector<ClockSample>& samples, 
 
 std::optional<ClockChange> SolveClock(std::vector<ClockSample>& samples) {
   if (samples.size() < kLeastSatellites) return std::nullopt;
-  std::vector<double> residuals;
+  TakeOffsets(samples);
+  std::vector<double> residuals, scratch;
   for (const ClockSample& s : samples) residuals.push_back(s.metres);
   ClockChange change;
   change.metres = Median(residuals);
   for (int round = 0; round < 2; ++round) {
     Residuals(samples, change.metres, residuals);
-    const double limit = kOutlierSpreads * std::max(Spread(residuals), kLeastSpread_m);
+    const double limit = kOutlierSpreads * std::max(Spread(residuals, scratch), kLeastSpread_m);
     change.metres += WeightedMeanOfGood(samples, residuals, limit);
   }
   Residuals(samples, change.metres, residuals);
-  const double spread = Spread(residuals);
+  const double spread = Spread(residuals, scratch);
   const std::size_t agree = CountWithin(residuals, kAgreement_m);
   const bool known = agree >= 3 && 2 * agree >= samples.size();
   if (spread > kMovingSpread_m) {

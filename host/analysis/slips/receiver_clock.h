@@ -19,6 +19,7 @@ struct ClockSample {
   double sigma = 1;   ///< relative; smaller counts more
   Vector3 line_of_sight = {};
   ClockOffsets* offsets = nullptr;
+  double offset_m = 0;  ///< their median, set by SolveClock
 };
 
 struct ClockChange {

@@ -53,15 +53,16 @@ double RobustScale(const SortedList<kTrail - 2>& past, const SortedList<kLead>& 
 template <typename Errors>
 OfBoth ScalesOf(const SatelliteTrack& track, std::int64_t step, const ErrorWindows& windows,
                 Errors errors_of) {
-  SortedList<kLead> by_median, by_neighbours;
+  std::array<double, kLead> by_median, by_neighbours;
+  std::size_t place = 0;
   for (const std::int64_t i : {step - 2, step + 2, step + 3, step + 4}) {
-    if (i <= track.first || !track.Has(i) || track.At(i).lone_band) continue;
-    const OfBoth errors = errors_of(track, i);
-    by_median.Insert(errors.by_median);
-    by_neighbours.Insert(errors.by_neighbours);
+    const bool known = i > track.first && track.Has(i) && !track.At(i).lone_band;
+    const OfBoth errors = known ? errors_of(track, i) : OfBoth{kAbsent, kAbsent};
+    by_median[place] = errors.by_median;
+    by_neighbours[place++] = errors.by_neighbours;
   }
-  return {RobustScale(windows.by_median.Sorted(), by_median),
-          RobustScale(windows.by_neighbours.Sorted(), by_neighbours)};
+  return {RobustScale(windows.by_median.Sorted(), SortedList<kLead>(by_median)),
+          RobustScale(windows.by_neighbours.Sorted(), SortedList<kLead>(by_neighbours))};
 }
 
 double UsualRangeScale(char system) {
@@ -121,14 +122,19 @@ void SetIonosphereScale(StepState& step, double scale, const NoiseShare& noise, 
 }
 
 void SettleMedians(SatelliteTrack& track, std::int64_t step) {
-  SortedList<kLead + 1> range, ionosphere;
+  std::array<double, kLead + 1> range, ionosphere;
+  range.fill(kAbsent);
+  ionosphere.fill(kAbsent);
   for (std::int64_t i = step; i < std::min(track.next, step + kLead + 1); ++i) {
-    if (track.At(i).lone_band) continue;
-    if (track.At(i).HasGeometry()) range.Insert(track.RangeRate(i));
-    ionosphere.Insert(track.IonosphereRate(i));
+    const StepState& s = track.At(i);
+    const auto place = static_cast<std::size_t>(i - step);
+    if (s.lone_band) continue;
+    if (s.HasGeometry()) range[place] = s.range_rate;
+    ionosphere[place] = s.ionosphere_rate;
   }
-  const double range_median = MergedMedian(track.range_rates.Sorted(), range);
-  const double ionosphere_median = MergedMedian(track.ionosphere_rates.Sorted(), ionosphere);
+  const double range_median = MergedMedian(track.range_rates.Sorted(), SortedList<kLead + 1>(range));
+  const double ionosphere_median =
+      MergedMedian(track.ionosphere_rates.Sorted(), SortedList<kLead + 1>(ionosphere));
   for (std::int64_t i = step; i < track.next; ++i) {
     track.At(i).range_median = range_median;
     track.At(i).ionosphere_median = ionosphere_median;

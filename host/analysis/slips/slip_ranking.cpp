@@ -9,6 +9,7 @@ namespace {
 
 constexpr std::size_t kTriedInFull = 5;
 constexpr double kNone_cycles = 0.01;
+constexpr double kFar_nats = 1e300;
 
 /// Epochs of a track from one on, kept while a repair is tried.
 class SavedEpochs {
@@ -102,18 +103,21 @@ double Decision::PriorOf(const Cycles& cycles) const {
 double Decision::FitOf(const Cycles& cycles) const {
   double least = 1e300;
   for (const auto& view : case_.views) {
-    std::array<double, kMostSignals> r = view;
+    std::array<double, kMostSignals> r;
     for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
-      r[i] -= case_.track->signals[case_.test.signal[i]].wavelength_m * cycles[i];
+      r[i] = view[i] - case_.track->signals[case_.test.signal[i]].wavelength_m * cycles[i];
     }
     least = std::min(least, Chi2(case_.test, r));
   }
   return least;
 }
 
-double Decision::WindowChi2(const SatelliteTrack& track, std::int64_t first, std::int64_t last) {
+/// @param enough  above which the sum is of no interest and need not be finished
+double Decision::WindowChi2(const SatelliteTrack& track, std::int64_t first, std::int64_t last,
+                            double enough) {
   double sum = 0;
-  for (std::int64_t i = std::max(first, track.first + 1); i <= std::min(last, track.next - 1); ++i) {
+  last = std::min(last, track.next - 1);
+  for (std::int64_t i = std::max(first, track.first + 1); i <= last && sum <= enough; ++i) {
     if (track.At(i).broken) continue;
     MakeTest(track, i, interval_s_, scratch_);
     sum += Chi2(scratch_);
@@ -121,7 +125,7 @@ double Decision::WindowChi2(const SatelliteTrack& track, std::int64_t first, std
   return sum;
 }
 
-double Decision::RepairedWindow(const Cycles& cycles) {
+double Decision::RepairedWindow(const Cycles& cycles, double enough) {
   SatelliteTrack& track = *case_.track;
   const SavedEpochs saved(track, case_.step, case_.test);
   for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
@@ -130,7 +134,7 @@ double Decision::RepairedWindow(const Cycles& cycles) {
     Repair(track, case_.step, signal, track.signals[signal].wavelength_m * cycles[i]);
   }
   FitRates(track, case_.step);
-  return WindowChi2(track, case_.step - 2, case_.step + 2);
+  return WindowChi2(track, case_.step - 2, case_.step + 2, enough);
 }
 
 /// Candidates of every view, cheapest by the step alone first.
@@ -157,8 +161,8 @@ void Decision::RankSlips() {
   }
 }
 
-/// What a slip vector costs in full.
-Explanation Decision::Weighed(const Cycles& cycles) {
+/// What a slip vector costs in full. @param enough  of its total, above which less than all will do
+Explanation Decision::Weighed(const Cycles& cycles, double enough) {
   const StepState& step = case_.track->At(case_.step);
   Explanation e;
   e.cycles = cycles;
@@ -166,26 +170,32 @@ Explanation Decision::Weighed(const Cycles& cycles) {
   for (int j = 0; j < case_.test.count; ++j)
     slipped += std::fabs(cycles[static_cast<std::size_t>(j)]) > kNone_cycles;
   e.any = slipped > 0;
-  e.window_chi2 = RepairedWindow(cycles);
-  e.total = 0.5 * (e.window_chi2 + WideLaneMisfit(case_.wide_lanes, cycles)) + PriorOf(cycles);
+  const double misfit = WideLaneMisfit(case_.wide_lanes, cycles);
+  const double prior = PriorOf(cycles);
+  e.window_chi2 = RepairedWindow(cycles, 2 * (enough - prior) - misfit);
+  e.total = 0.5 * (e.window_chi2 + misfit) + prior;
   // Without a model of the range a slip on every band rests on the smoothness of the range alone.
   const bool blind = !step.HasGeometry() && !case_.gap && step.dt_s >= kQuietInterval_s;
   if (blind && slipped == case_.test.count) e.total += kBlindSlipPrior;
   return e;
 }
 
-/// The cheapest candidates and "no slip", weighed in full.
+/// The cheapest candidates and "no slip", weighed in full as far as they may be the best or next best.
 void Decision::RankExplanations() {
   RankSlips();
   case_.ranked.clear();
   bool has_none = false;
+  double best = kFar_nats, next = kFar_nats;
   for (const std::size_t i : cheapest_.Of(costs_, kTriedInFull)) {
-    case_.ranked.push_back(Weighed(candidates_.List()[i].cycles));
-    if (i == no_slip_) case_.none = case_.ranked.back();
-    has_none = has_none || i == no_slip_;
+    const bool none = i == no_slip_;
+    case_.ranked.push_back(Weighed(candidates_.List()[i].cycles, none ? kFar_nats : next));
+    if (none) case_.none = case_.ranked.back();
+    has_none = has_none || none;
+    next = std::min(next, std::max(best, case_.ranked.back().total));
+    best = std::min(best, case_.ranked.back().total);
   }
   if (!has_none) {
-    case_.none = Weighed(candidates_.List()[no_slip_].cycles);
+    case_.none = Weighed(candidates_.List()[no_slip_].cycles, kFar_nats);
     case_.ranked.push_back(case_.none);
   }
   std::stable_sort(case_.ranked.begin(), case_.ranked.end(),

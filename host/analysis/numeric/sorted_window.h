@@ -13,23 +13,6 @@ namespace orsolva_host::analysis {
 template <int N>
 class SortedList {
  public:
-  SortedList() = default;
-  /// The finite ones of a few values, by an odd-even transposition network: few and without branches.
-  explicit SortedList(const std::array<double, N>& values) {
-    for (int i = 0; i < N; ++i) {
-      const bool finite = std::isfinite(values[i]);
-      values_[i] = finite ? values[i] : std::numeric_limits<double>::infinity();
-      count_ += finite;
-    }
-    for (int round = 0; round < N; ++round) {
-      for (int i = round % 2; i + 1 < N; i += 2) {
-        const double a = values_[i], b = values_[i + 1];
-        values_[i] = b < a ? b : a;
-        values_[i + 1] = b < a ? a : b;
-      }
-    }
-  }
-
   /// Values that are not finite are left out.
   void Insert(double value) {
     if (!std::isfinite(value) || count_ == N) return;

@@ -62,7 +62,7 @@ void Decision::DecideNext(SatelliteTrack& track) {
     }
     track.budget = std::max(track.budget - 1, -kLargestBudget);
     const std::int64_t target = RankMostTelling(track, step);
-    if (!Explain()) break;
+    if (!Explain(hole)) break;
     FitRates(track, target);
     RefreshScales(track, step, interval_s_);
   }
@@ -104,9 +104,10 @@ double Decision::GainOfRepair() const {
   return (case_.none.total - best.total) * (FitOf(best.cycles) < kFitChi2 ? 1.0 : 0.02);
 }
 
+/// @param hole  the step ends a hole that is still open
 /// @return whether something was repaired or settled, so that the step must be looked at again
-bool Decision::Explain() {
-  if (case_.gap || case_.test.returning != 0) return CloseGap();
+bool Decision::Explain(bool hole) {
+  if (hole && (case_.gap || case_.test.returning != 0)) return CloseGap();
   if (IsNoSlip()) return false;
   const Explanation& best = case_.ranked.front();
   if (!best.any) return FitOf(case_.none.cycles) > 1.5 * kFitChi2 && TakeOther(nullptr);

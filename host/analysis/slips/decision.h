@@ -52,7 +52,7 @@ class Decision {
   bool IsCandidate(const SatelliteTrack& track, std::int64_t step, const StepTest& test, double chi2) const;
   std::int64_t RankMostTelling(SatelliteTrack& track, std::int64_t step);
   double GainOfRepair() const;
-  bool Explain();
+  bool Explain(bool hole);
   void Rank(SatelliteTrack& track, std::int64_t step);
   void MakeCase(SatelliteTrack& track, std::int64_t step);
   void MakeViews();

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 
 namespace orsolva_host::analysis {
 namespace {
@@ -10,7 +11,9 @@ namespace {
 std::string Fixed(double value, int digits) {
   char text[64];
   std::snprintf(text, sizeof text, "%.*f", digits, value);
-  return text;
+  const bool zero =
+      std::all_of(text, text + std::strlen(text), [](char c) { return c == '-' || c == '0' || c == '.'; });
+  return text + (zero && text[0] == '-');
 }
 
 /// Cycles as they are spoken: "-12" or "0.5".

@@ -116,25 +116,28 @@ void IntegerSearch::KeepCheapestGrown() {
   if (grown_.size() <= kBeam) return beam_.swap(grown_);
   costs_.clear();
   for (const Branch& branch : grown_) costs_.push_back(branch.cost);
+  std::nth_element(costs_.begin(), costs_.begin() + kBeam, costs_.end());
   beam_.clear();
-  for (const std::size_t i : cheapest_.Of(costs_, kBeam)) beam_.push_back(grown_[i]);
+  for (const Branch& branch : grown_) {
+    if (branch.cost < costs_[kBeam]) beam_.push_back(branch);
+  }
 }
 
 void IntegerSearch::OfferSingles(const SatelliteTrack& track, const StepTest& test,
                                  const std::array<double, kMostSignals>& r, SlipCandidates& out) const {
-  for (std::size_t i = 0; i < static_cast<std::size_t>(test.count); ++i) {
+  const auto count = static_cast<std::size_t>(test.count);
+  for (std::size_t i = 0; i < count; ++i) {
+    const auto own = static_cast<std::size_t>(band_of_[i]);
     const double cycles = r[i] / track.signals[test.signal[i]].wavelength_m;
     const double nearest = std::nearbyint(cycles);
     for (const double z : {nearest, nearest - 1, nearest + 1}) {
       if (z == 0 || std::fabs(cycles - z) >= kSingleMustFit_cycles) continue;
-      Cycles one = {};
-      one[i] = z;
-      out.Add(one, test.count);
-      Cycles band = {};
-      for (std::size_t j = 0; j < static_cast<std::size_t>(test.count); ++j) {
-        if (band_of_[j] == band_of_[i]) band[j] = z;
-      }
-      out.Add(band, test.count);
+      Cycles slip = {};
+      slip[i] = z;
+      out.Add(slip, test.count);
+      if (bands_[own].signals == 1) continue;
+      for (std::size_t j = 0; j < count; ++j) slip[j] = band_of_[j] == band_of_[i] ? z : 0;
+      out.Add(slip, test.count);
     }
   }
 }

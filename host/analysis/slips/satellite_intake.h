@@ -21,6 +21,14 @@ struct ClockSums {
   std::int64_t unknown = 0;  ///< epochs whose change is not known
 };
 
+/// What was tested so far, by satellite.
+struct TestCounts {
+  std::int64_t observed_epochs = 0;  ///< with a phase
+  std::int64_t tested_steps = 0;
+  std::int64_t untested_steps = 0;
+  std::int64_t lost_lock_epochs = 0;
+};
+
 /// A satellite with its epoch at hand, from Begin to Append.
 class SatelliteIntake {
  public:
@@ -28,6 +36,7 @@ class SatelliteIntake {
   SatelliteIntake(SatelliteId id, SatelliteRecords* records, std::optional<int> channel);
 
   SatelliteTrack track;
+  TestCounts* counts = nullptr;  ///< kept by the detector
 
   /// Whether the epoch holds a phase of the satellite whose wavelength is known.
   bool IsUsable(const ObservationEpoch& epoch, const SatelliteObservation& satellite);

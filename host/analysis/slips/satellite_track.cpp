@@ -15,6 +15,7 @@ void BeginArc(SatelliteTrack& track) {
   track.decide = track.next + 1;
   track.model_sum_m = 0;
   track.two_band_step = track.next - kRing;
+  track.settled_step = kNeverSettled;
   track.range_rates.Clear();
   track.ionosphere_rates.Clear();
   track.range_errors = {};

@@ -21,6 +21,7 @@ namespace orsolva_host::analysis {
 
 /// Signals of one satellite that are tested together; RINEX names at most 31 for any system.
 constexpr int kMostSignals = 32;
+constexpr std::int64_t kNeverSettled = -kRing;
 
 inline std::uint32_t RingBit(std::int64_t i) { return std::uint32_t{1} << (i & (kRing - 1)); }
 inline std::size_t RingSlot(std::int64_t i) { return static_cast<std::size_t>(i & (kRing - 1)); }
@@ -98,7 +99,8 @@ struct SatelliteTrack {
   SortedWindow<kMedianTrail> ionosphere_rates;
   ErrorWindows range_errors;
   ErrorWindows ionosphere_errors;
-  double usual_range_scale_m = kAbsent;  ///< of errors seen last; outlives arcs
+  std::int64_t settled_step = kNeverSettled;  ///< whose medians and scales hold for the next ones too
+  double usual_range_scale_m = kAbsent;       ///< of errors seen last; outlives arcs
   double usual_ionosphere_scale_m = kAbsent;
   double budget = 0;                                   ///< searches that may still be made, see decision.h
   std::vector<std::pair<std::int64_t, Event>> events;  ///< found, not given out yet, by step

@@ -9,12 +9,14 @@ namespace orsolva_host::analysis {
 namespace {
 
 constexpr int kLeastErrors = 6;
+constexpr std::int64_t kSettledSteps = 3;  // that one settlement serves
 constexpr double kSigmaOfMedian =
     1.4826;  // standard deviation of normal errors over the median of their sizes
 constexpr double kSigmaOfFourFifths = 0.7803;  // and over their 80th percentile
 constexpr double kFewErrorsFactor = 1.5;
 constexpr double kUsualIonosphere_m = 0.02;  // at 30 s
 constexpr double kNeighboursMustBeBetter = 0.8;
+constexpr double kFar_m = 1e300;
 constexpr double kPartOfNoise = 0.5;  // of the errors' variance that phase noise explains
 
 /// Of the two predictors: sizes of an error, or scales.
@@ -43,26 +45,28 @@ OfBoth IonosphereErrors(const SatelliteTrack& track, std::int64_t i) {
           std::fabs((s.ionosphere_rate - mean) * s.dt_s)};
 }
 
-double RobustScale(const SortedList<kTrail - 2>& past, const SortedList<kLead>& near) {
+/// @param enough  above which a scale is of no interest and need not be exact
+double RobustScale(const SortedList<kTrail - 2>& past, const SortedList<kLead>& near, double enough) {
   if (past.Count() + near.Count() < kLeastErrors) return kAbsent;
-  return std::max(kSigmaOfMedian * MergedQuantile(past, near, 0.5),
-                  kSigmaOfFourFifths * MergedQuantile(past, near, 0.8));
+  const double by_half = kSigmaOfMedian * MergedQuantile(past, near, 0.5);
+  if (by_half > enough) return by_half;
+  return std::max(by_half, kSigmaOfFourFifths * MergedQuantile(past, near, 0.8));
 }
 
 /// Past errors together with those near the step that still change: of k - 2 and of the steps to come.
+/// The scale of the neighbours need not be exact above that of the median.
 template <typename Errors>
 OfBoth ScalesOf(const SatelliteTrack& track, std::int64_t step, const ErrorWindows& windows,
                 Errors errors_of) {
-  std::array<double, kLead> by_median, by_neighbours;
-  std::size_t place = 0;
+  SortedList<kLead> by_median, by_neighbours;
   for (const std::int64_t i : {step - 2, step + 2, step + 3, step + 4}) {
-    const bool known = i > track.first && track.Has(i) && !track.At(i).lone_band;
-    const OfBoth errors = known ? errors_of(track, i) : OfBoth{kAbsent, kAbsent};
-    by_median[place] = errors.by_median;
-    by_neighbours[place++] = errors.by_neighbours;
+    if (i <= track.first || !track.Has(i) || track.At(i).lone_band) continue;
+    const OfBoth errors = errors_of(track, i);
+    by_median.Insert(errors.by_median);
+    by_neighbours.Insert(errors.by_neighbours);
   }
-  return {RobustScale(windows.by_median.Sorted(), SortedList<kLead>(by_median)),
-          RobustScale(windows.by_neighbours.Sorted(), SortedList<kLead>(by_neighbours))};
+  const double scale = RobustScale(windows.by_median.Sorted(), by_median, kFar_m);
+  return {scale, RobustScale(windows.by_neighbours.Sorted(), by_neighbours, scale)};
 }
 
 double UsualRangeScale(char system) {
@@ -122,19 +126,15 @@ void SetIonosphereScale(StepState& step, double scale, const NoiseShare& noise, 
 }
 
 void SettleMedians(SatelliteTrack& track, std::int64_t step) {
-  std::array<double, kLead + 1> range, ionosphere;
-  range.fill(kAbsent);
-  ionosphere.fill(kAbsent);
+  SortedList<kLead + 1> range, ionosphere;
   for (std::int64_t i = step; i < std::min(track.next, step + kLead + 1); ++i) {
     const StepState& s = track.At(i);
-    const auto place = static_cast<std::size_t>(i - step);
     if (s.lone_band) continue;
-    if (s.HasGeometry()) range[place] = s.range_rate;
-    ionosphere[place] = s.ionosphere_rate;
+    if (s.HasGeometry()) range.Insert(s.range_rate);
+    ionosphere.Insert(s.ionosphere_rate);
   }
-  const double range_median = MergedMedian(track.range_rates.Sorted(), SortedList<kLead + 1>(range));
-  const double ionosphere_median =
-      MergedMedian(track.ionosphere_rates.Sorted(), SortedList<kLead + 1>(ionosphere));
+  const double range_median = MergedMedian(track.range_rates.Sorted(), range);
+  const double ionosphere_median = MergedMedian(track.ionosphere_rates.Sorted(), ionosphere);
   for (std::int64_t i = step; i < track.next; ++i) {
     track.At(i).range_median = range_median;
     track.At(i).ionosphere_median = ionosphere_median;
@@ -166,11 +166,13 @@ void Settle(SatelliteTrack& track, std::int64_t step, int steps, double interval
   own.range_by_neighbours = range.by_neighbours < kNeighboursMustBeBetter * range.by_median;
   own.ionosphere_by_neighbours = ionosphere.by_neighbours < ionosphere.by_median;
   const double root = std::sqrt(interval_s / kUsualInterval_s);
+  track.settled_step = step;
   double range_m = own.range_by_neighbours ? range.by_neighbours : range.by_median;
   double ionosphere_m = own.ionosphere_by_neighbours ? ionosphere.by_neighbours : ionosphere.by_median;
   if (std::isfinite(range_m)) {
     track.usual_range_scale_m = range_m;
   } else {
+    track.settled_step = kNeverSettled;
     const double usual = UsualRangeScale(track.satellite.system) * root;
     range_m =
         kFewErrorsFactor * (std::isfinite(track.usual_range_scale_m) ? track.usual_range_scale_m : usual);
@@ -178,11 +180,30 @@ void Settle(SatelliteTrack& track, std::int64_t step, int steps, double interval
   if (std::isfinite(ionosphere_m)) {
     track.usual_ionosphere_scale_m = ionosphere_m;
   } else {
+    track.settled_step = kNeverSettled;
     const double usual = kUsualIonosphere_m * root;
     ionosphere_m = kFewErrorsFactor *
                    (std::isfinite(track.usual_ionosphere_scale_m) ? track.usual_ionosphere_scale_m : usual);
   }
   SettleFrom(track, step, steps, range_m, ionosphere_m, interval_s);
+}
+
+/// Whether a step may take over what was settled a step or two before it.
+bool GoesOn(const SatelliteTrack& track, std::int64_t step) {
+  if (step - track.settled_step >= kSettledSteps || track.settled_step <= track.first) return false;
+  const StepState& own = track.At(step);
+  const StepState& before = track.At(track.settled_step);
+  return !own.gap && own.HasGeometry() == before.HasGeometry() && own.lone_band == before.lone_band;
+}
+
+void TakeOver(SatelliteTrack& track, std::int64_t step, double interval_s) {
+  const StepState& before = track.At(track.settled_step);
+  StepState& own = track.At(step);
+  own.range_median = before.range_median;
+  own.ionosphere_median = before.ionosphere_median;
+  own.range_by_neighbours = before.range_by_neighbours;
+  own.ionosphere_by_neighbours = before.ionosphere_by_neighbours;
+  SettleFrom(track, step, 1, track.usual_range_scale_m, track.usual_ionosphere_scale_m, interval_s);
 }
 
 void PushErrors(ErrorWindows& windows, const OfBoth& errors) {
@@ -200,7 +221,11 @@ void SettleScales(SatelliteTrack& track, std::int64_t step, double interval_s) {
   const bool before = step - 1 > track.first && !track.At(step - 1).lone_band;
   track.range_rates.Push(before && track.At(step - 1).HasGeometry() ? track.RangeRate(step - 1) : kAbsent);
   track.ionosphere_rates.Push(before ? track.IonosphereRate(step - 1) : kAbsent);
-  Settle(track, step, 1, interval_s);
+  if (GoesOn(track, step)) {
+    TakeOver(track, step, interval_s);
+  } else {
+    Settle(track, step, 1, interval_s);
+  }
 }
 
 void RefreshScales(SatelliteTrack& track, std::int64_t step, double interval_s) {

@@ -4,6 +4,9 @@
 // and its neighbours, because a slip there must not hide itself. Two predictors compete for range and for
 // ionosphere: the median rate (best in quiet times) and the mean of both neighbours (best in storms); a step
 // takes the one with the smaller scale.
+//
+// Medians and spreads of two dozen steps hardly move from one to the next: what is settled for a step serves
+// the two after it as well, unless one of them is a candidate, ends a hole or is of another kind.
 #ifndef ORSOLVA_ANALYSIS_SLIPS_SCALES_H
 #define ORSOLVA_ANALYSIS_SLIPS_SCALES_H
 
@@ -13,7 +16,7 @@
 
 namespace orsolva_host::analysis {
 
-/// Settles medians, predictor and scales of the step that is to be decided next. Must be called once per
+/// Gives medians, predictor and scales to the step that is to be decided next. Must be called once per
 /// step, in order: it moves the windows on.
 void SettleScales(SatelliteTrack& track, std::int64_t step, double interval_s);
 

@@ -146,8 +146,8 @@ void SlipDetector::BeginSatellites(const ObservationEpoch& epoch) {
     SatelliteIntake& intake = IntakeOf(satellite.id);
     if (!intake.IsUsable(epoch, satellite)) continue;
     if (!IsTestable(satellite.id.system, interval_s_)) {
-      ++counts_[satellite.id].observed_epochs;
-      ++counts_[satellite.id].untested_steps;
+      ++CountsOf(intake).observed_epochs;
+      ++CountsOf(intake).untested_steps;
       continue;
     }
     if (intake.SecondsSinceLast(epoch.time_ns) > kLongestGap_s) {
@@ -297,13 +297,18 @@ void SlipDetector::DecideUpTo(std::int64_t number) {
   fresh_.clear();
 }
 
+TestCounts& SlipDetector::CountsOf(SatelliteIntake& intake) {
+  if (intake.counts == nullptr) intake.counts = &counts_[intake.track.satellite];
+  return *intake.counts;
+}
+
 void SlipDetector::Decide(SatelliteIntake& intake) {
   SatelliteTrack& track = intake.track;
   const std::int64_t step = track.decide;
   decision_->DecideNext(track);
   if (observer_ != nullptr) observer_->Decided(track, step);
   const StepState& s = track.At(step);
-  TestCounts& counts = counts_[track.satellite];
+  TestCounts& counts = CountsOf(intake);
   ++counts.observed_epochs;
   ++(std::isfinite(s.chi2) ? counts.tested_steps : counts.untested_steps);
   bool lost = false;

@@ -35,14 +35,6 @@ struct DetectorOptions {
   std::shared_ptr<const PreciseOrbits> precise_orbits;  ///< used instead of records where they cover a time
 };
 
-/// What was tested so far, by satellite.
-struct TestCounts {
-  std::int64_t observed_epochs = 0;  ///< with a phase
-  std::int64_t tested_steps = 0;
-  std::int64_t untested_steps = 0;
-  std::int64_t lost_lock_epochs = 0;
-};
-
 /// One decided step, for those who look on (tests, injection of slips).
 struct DecidedStep {
   SatelliteId satellite;
@@ -87,6 +79,7 @@ class SlipDetector {
   void FindCodeJump(const ObservationEpoch& epoch);
   void FindCommonPart();
   void DecideUpTo(std::int64_t number);
+  TestCounts& CountsOf(SatelliteIntake& intake);
   void Decide(SatelliteIntake& intake);
   void CollectEvents(SatelliteIntake& intake);
   void AddReceiverEvent(const ObservationEpoch& epoch, EventKind kind, double size_ms);

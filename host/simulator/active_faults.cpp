@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/simulator/fault_kinds.h"
 #include "host/simulator/random_streams.h"
 
 namespace orsolva_host {
@@ -15,17 +16,13 @@ constexpr double kTicksPerSecond = 1e7;
 constexpr double kUpBefore_s = 600;
 constexpr int kMaxDraws = 50;
 
-bool IsMomentary(FaultKind kind) {
-  return kind == FaultKind::kSlip || kind == FaultKind::kMissingEpoch || kind == FaultKind::kDuplicate ||
-         kind == FaultKind::kLateTag || kind == FaultKind::kLateDelivery;
-}
-
 /// Draws time, satellite and signal. @return false when no satellite was up at any time drawn
 bool Draw(const EpochGrid& grid, const VisibleAt& visible, const RandomStream& stream, Fault& fault) {
   for (std::uint64_t draw = 0; draw < kMaxDraws; ++draw) {
     const double place = std::floor(stream.Uniform(2 * draw) * static_cast<double>(grid.epochs));
     fault.at_s = grid.Seconds(static_cast<std::int64_t>(place));
-    if (!MeetsSignals(fault.kind)) return true;
+    const FaultReach reach = RowOf(fault.kind).reach;
+    if (reach == FaultReach::kEverything) return true;
     const double before = std::max(0.0, fault.at_s - kUpBefore_s);
     std::vector<FaultTarget> up;
     for (const FaultTarget& one : visible(fault.target, fault.at_s, fault.random_above_deg)) {
@@ -34,6 +31,7 @@ bool Draw(const EpochGrid& grid, const VisibleAt& visible, const RandomStream& s
     }
     if (up.empty()) continue;
     fault.target = up[stream.Bits(2 * draw + 1) % up.size()];
+    if (reach == FaultReach::kSatellite) fault.target.signal.clear();
     return true;
   }
   return false;
@@ -44,46 +42,25 @@ ActiveFault OnGrid(const Fault& fault, const EpochGrid& grid) {
   active.fault = fault;
   active.first = grid.AtOrAfter(fault.at_s);
   active.end = grid.AtOrAfter(fault.at_s + fault.duration_s);
-  if (fault.duration_s <= 0) active.end = IsMomentary(fault.kind) ? active.first + 1 : grid.epochs;
+  if (fault.duration_s <= 0) active.end = RowOf(fault.kind).momentary ? active.first + 1 : grid.epochs;
   active.end = std::max(active.end, active.first + 1);
   return active;
 }
 
 }  // namespace
 
-bool MeetsSignals(FaultKind kind) {
-  return kind == FaultKind::kSlip || kind == FaultKind::kCodeJump || kind == FaultKind::kOutage ||
-         kind == FaultKind::kSnrDrop;
+bool HasFault(const std::vector<ActiveFault>& faults, FaultKind kind, std::int64_t epoch) {
+  return std::any_of(faults.begin(), faults.end(), [kind, epoch](const ActiveFault& active) {
+    return active.fault.kind == kind && active.At(epoch);
+  });
 }
 
-const char* FaultName(FaultKind kind) {
-  switch (kind) {
-    case FaultKind::kSlip:
-      return "slip";
-    case FaultKind::kCodeJump:
-      return "code_jump";
-    case FaultKind::kOutage:
-      return "outage";
-    case FaultKind::kSnrDrop:
-      return "snr_drop";
-    case FaultKind::kMissingEpoch:
-      return "missing_epoch";
-    case FaultKind::kDuplicate:
-      return "duplicate_epoch";
-    case FaultKind::kLateTag:
-      return "late_epoch";
-    case FaultKind::kLateDelivery:
-      return "late_delivery";
-    case FaultKind::kIonoStorm:
-      return "iono_storm";
-    case FaultKind::kUnhealthy:
-      return "unhealthy";
-    case FaultKind::kClockJump:
-      return "clock_jump";
-    case FaultKind::kHeaderOffset:
-      return "header_offset";
+double LateBy(const std::vector<ActiveFault>& faults, std::int64_t epoch) {
+  double late = 0;
+  for (const ActiveFault& active : faults) {
+    if (active.fault.kind == FaultKind::kLateTag && active.At(epoch)) late += active.fault.size;
   }
-  return "";
+  return late;
 }
 
 std::int64_t EpochGrid::AtOrAfter(double seconds) const {

@@ -13,12 +13,6 @@
 
 namespace orsolva_host {
 
-/// Name of a kind in scenario files and truth, such as "slip".
-const char* FaultName(FaultKind kind);
-
-/// Whether a fault changes the values of single signals: slips, code jumps, outages and SNR drops.
-bool MeetsSignals(FaultKind kind);
-
 struct ActiveFault {
   Fault fault;
   std::int64_t first = 0;  ///< number of the first epoch affected
@@ -34,6 +28,16 @@ struct ActiveFault {
     return fault.target.signal.empty() || fault.target.signal == signal;
   }
 };
+
+/// Records that a fault shows in the data.
+inline void MarkSeen(const ActiveFault& fault, std::vector<InjectedFault>& log) {
+  if (fault.record >= 0) log[static_cast<std::size_t>(fault.record)].seen = true;
+}
+
+/// Whether a fault of a kind is active at an epoch.
+bool HasFault(const std::vector<ActiveFault>& faults, FaultKind kind, std::int64_t epoch);
+/// Seconds by which an epoch is late.
+double LateBy(const std::vector<ActiveFault>& faults, std::int64_t epoch);
 
 /// Epoch numbers of a span.
 struct EpochGrid {

@@ -26,35 +26,41 @@ std::string CrinexLines::Preamble() {
          HeaderLine("ORSOLVA SIMULATE", "CRINEX PROG / DATE");
 }
 
-void CrinexLines::Append(const ObsEpoch_QC_gbt& epoch, std::string& out) {
+void CrinexLines::Append(const ObservationEpoch& epoch, std::string& out) {
   ++epoch_;
   AppendEpochLine(epoch, out);
   out += '\n';  // no receiver clock offset
-  for (std::uint32_t i = 0; i < epoch.sat_num; ++i) AppendSatellite(epoch.sats[i], out);
+  for (const SatelliteObservation& satellite : epoch.satellites) AppendSatellite(epoch, satellite, out);
 }
 
-void CrinexLines::AppendEpochLine(const ObsEpoch_QC_gbt& epoch, std::string& out) {
+void CrinexLines::AppendEpochLine(const ObservationEpoch& epoch, std::string& out) {
   constexpr std::size_t kSatelliteColumn = 41;
   std::string line = EpochLine(epoch);
   line.resize(kSatelliteColumn, ' ');
-  for (std::uint32_t i = 0; i < epoch.sat_num; ++i) {
-    const char letter = kSystemTable[SystemSlotOfCode(epoch.sats[i].sys)].letter;
-    line += SatelliteName(letter, epoch.sats[i].prn);
-  }
+  for (const SatelliteObservation& satellite : epoch.satellites) line += NameOf(satellite.id);
   out += last_line_.empty() ? line : Changes(last_line_, line);
   out += '\n';
   last_line_ = line;
 }
 
-void CrinexLines::AppendSatellite(const Satellite_gbt& satellite, std::string& out) {
-  SatelliteArcs& state = satellites_[{satellite.sys, satellite.prn}];
-  TakeCells(satellite, cells_);
-  if (state.epoch != epoch_ - 1) state.arcs.assign(cells_.size(), Arc());
-  state.epoch = epoch_;
-  for (std::size_t i = 0; i < cells_.size(); ++i) {
-    if (i > 0) out += ' ';
-    AppendCell(cells_[i], state.arcs[i], out);
+void CrinexLines::AppendSatellite(const ObservationEpoch& epoch, const SatelliteObservation& satellite,
+                                  std::string& out) {
+  SatelliteArcs& state = satellites_[satellite.id];
+  TakeCells(epoch, satellite, cells_);
+  if (state.epoch != epoch_ - 1) {
+    state.arcs.assign(cells_.size(), Arc());
+    state.flags.clear();
   }
+  state.epoch = epoch_;
+  std::string flags;
+  for (std::size_t i = 0; i < cells_.size(); ++i) {
+    AppendCell(cells_[i].value, state.arcs[i], out);
+    out += ' ';
+    flags += cells_[i].loss_of_lock;
+    flags += cells_[i].strength;
+  }
+  out += Changes(state.flags, flags);
+  state.flags = flags;
   out.erase(out.find_last_not_of(' ') + 1);
   out += '\n';
 }

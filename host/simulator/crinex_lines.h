@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <map>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "host/simulator/observation_writer.h"
@@ -20,7 +19,7 @@ class CrinexLines : public ObservationLines {
   using ObservationLines::ObservationLines;
   /// The two lines before the RINEX header.
   static std::string Preamble();
-  void Append(const ObsEpoch_QC_gbt& epoch, std::string& out) override;
+  void Append(const ObservationEpoch& epoch, std::string& out) override;
 
  private:
   static constexpr int kOrder = 3;
@@ -33,16 +32,18 @@ class CrinexLines : public ObservationLines {
   struct SatelliteArcs {
     std::int64_t epoch = -1;  ///< the last one in which it appeared
     std::vector<Arc> arcs;
+    std::string flags;  ///< two characters a cell
   };
 
-  void AppendEpochLine(const ObsEpoch_QC_gbt& epoch, std::string& out);
-  void AppendSatellite(const Satellite_gbt& satellite, std::string& out);
+  void AppendEpochLine(const ObservationEpoch& epoch, std::string& out);
+  void AppendSatellite(const ObservationEpoch& epoch, const SatelliteObservation& satellite,
+                       std::string& out);
   static void AppendCell(std::int64_t value, Arc& arc, std::string& out);
 
   std::string last_line_;
   std::int64_t epoch_ = 0;
-  std::map<std::pair<int, int>, SatelliteArcs> satellites_;
-  std::vector<std::int64_t> cells_;
+  std::map<SatelliteId, SatelliteArcs> satellites_;
+  std::vector<ObservationCell> cells_;
 };
 
 }  // namespace orsolva_host

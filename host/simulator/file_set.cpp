@@ -67,9 +67,10 @@ Truth WriteFileSet(const Scenario& scenario, const FileSetOptions& options,
             files);
   ObservationWriter writer(files.Begin(names.observations), scenario,
                            simulation.TruthSoFar().header_position_m, options.crinex);
-  const auto epoch = std::make_unique<ObsEpoch_QC_gbt>();
-  while (simulation.Next(*epoch)) {
-    writer.Write(*epoch);
+  const auto record = std::make_unique<ObsEpoch_QC_gbt>();
+  ObservationEpoch epoch;
+  while (simulation.Next(*record, epoch)) {
+    writer.Write(epoch);
     progress(simulation.NominalEpochsDone(), simulation.NominalEpochs());
   }
   writer.Close();

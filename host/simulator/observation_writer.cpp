@@ -3,9 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "host/rinex/civil_time.h"
-#include "host/rinex/signal_codes.h"
 #include "host/simulator/broadcast.h"
 #include "host/simulator/constellation.h"
 #include "host/simulator/crinex_lines.h"
@@ -15,7 +15,6 @@
 namespace orsolva_host {
 namespace {
 
-constexpr double kVersion = 3.05;
 constexpr std::size_t kBufferSize = 1 << 18;
 constexpr std::size_t kCellWidth = 16;
 constexpr int kValueWidth = 14;
@@ -31,6 +30,11 @@ std::vector<std::string> AllSignals(const Scenario& scenario, char letter) {
   return all;
 }
 
+Time_gbt TimeOf(const ObservationEpoch& epoch) {
+  return {epoch.time_ns / kNanosecondsPerSecond, static_cast<double>(epoch.time_ns % kNanosecondsPerSecond) /
+                                                     static_cast<double>(kNanosecondsPerSecond)};
+}
+
 std::string FirstObs(const Time_gbt& time) {
   const CivilTime c = ToCivil(time);
   return HeaderLine(fmt::format("{:6}{:6}{:6}{:6}{:6}{:13.7f}     GPS", c.year, c.month, c.day, c.hour,
@@ -40,26 +44,19 @@ std::string FirstObs(const Time_gbt& time) {
 
 }  // namespace
 
-ObservationLines::ObservationLines(const Scenario& scenario) : scenario_(scenario) {
+ObservationLines::ObservationLines(const Scenario& scenario)
+    : scenario_(scenario), kinds_(scenario.observables.doppler ? "CLDS" : "CLS") {
   for (std::size_t slot = 0; slot < kSystems; ++slot) {
-    const SystemRow& system = kSystemTable[slot];
-    if (scenario.systems.find(system.letter) == std::string::npos) continue;
-    for (const std::string& name : AllSignals(scenario, system.letter)) {
-      const int number = SignalNumber(system.code, name, kVersion);
-      numbers_[slot].push_back(number);
-      places_[slot][static_cast<std::size_t>(number)] = static_cast<std::uint8_t>(numbers_[slot].size());
-    }
+    const char letter = kSystemTable[slot].letter;
+    if (scenario.systems.find(letter) == std::string::npos) continue;
+    for (const std::string& name : AllSignals(scenario, letter)) signals_[slot].push_back({name[0], name[1]});
   }
-}
-
-std::size_t ObservationLines::SystemPlace(std::uint8_t system) {
-  return static_cast<std::size_t>(SystemSlotOfCode(system));
 }
 
 std::string ObservationLines::TypeLines(char letter) const {
   std::vector<std::string> types;
   for (const std::string& name : AllSignals(scenario_, letter)) {
-    for (const char kind : {'C', 'L', 'S'}) types.push_back(kind + name);
+    for (const char kind : kinds_) types.push_back(kind + name);
   }
   constexpr std::size_t kTypesOfLine = 13;
   std::string lines;
@@ -108,43 +105,63 @@ std::string ObservationLines::Header(const std::array<double, 3>& p, const Time_
   return h + HeaderLine("", "END OF HEADER");
 }
 
-std::string ObservationLines::EpochLine(const ObsEpoch_QC_gbt& epoch) {
-  const CivilTime c = ToCivil(epoch.time);
+std::string ObservationLines::EpochLine(const ObservationEpoch& epoch) {
+  const CivilTime c = ToCivil(TimeOf(epoch));
   const auto fraction = static_cast<int>(c.fraction * 1e7 + 0.5);
-  return fmt::format("> {:04} {:02} {:02} {:02} {:02} {:02}.{:07}  0{:3}", c.year, c.month, c.day, c.hour,
-                     c.minute, c.second, fraction, epoch.sat_num);
+  const int flag = (epoch.events & kPowerFailure) != 0 ? 1 : 0;
+  return fmt::format("> {:04} {:02} {:02} {:02} {:02} {:02}.{:07}  {}{:3}", c.year, c.month, c.day, c.hour,
+                     c.minute, c.second, fraction, flag, epoch.satellites.size());
 }
 
-void ObservationLines::TakeCells(const Satellite_gbt& satellite, std::vector<std::int64_t>& cells) const {
-  const std::size_t slot = SystemPlace(satellite.sys);
-  cells.assign(3 * numbers_[slot].size(), 0);
-  for (std::uint32_t i = 0; i < satellite.signal_num; ++i) {
-    const Signal_QC_gbt& signal = satellite.signals[i];
-    const std::size_t place = places_[slot][signal.code];
-    if (place == 0) continue;
-    std::int64_t* cell = &cells[3 * (place - 1)];
-    cell[0] = Thousandths(signal.pseudorange);
-    cell[1] = Thousandths(signal.phase);
-    cell[2] = Thousandths(static_cast<double>(signal.snr));
+/// The observation of a signal that belongs to a first letter.
+ObservationCell ObservationLines::CellOf(const SignalObservation& o, char kind) {
+  const double value = kind == 'C'   ? o.pseudorange_m
+                       : kind == 'L' ? o.phase_cycles
+                       : kind == 'D' ? o.doppler_hz
+                                     : o.snr_dbhz;
+  ObservationCell cell;
+  if (std::isnan(value)) return cell;
+  cell.value = Thousandths(value);
+  if (kind == 'L' && o.loss_of_lock != 0) cell.loss_of_lock = static_cast<char>('0' + o.loss_of_lock);
+  if ((kind == 'L' || kind == 'C') && o.strength_digit != 0) {
+    cell.strength = static_cast<char>('0' + o.strength_digit);
+  }
+  return cell;
+}
+
+void ObservationLines::TakeCells(const ObservationEpoch& epoch, const SatelliteObservation& satellite,
+                                 std::vector<ObservationCell>& cells) const {
+  const std::vector<SignalCode>& signals =
+      signals_[static_cast<std::size_t>(SystemSlot(satellite.id.system))];
+  cells.assign(kinds_.size() * signals.size(), {});
+  for (std::size_t i = 0; i < satellite.signal_count; ++i) {
+    const SignalObservation& o = epoch.signals[satellite.first_signal + i];
+    const auto place = std::find(signals.begin(), signals.end(), o.code);
+    if (place == signals.end()) continue;
+    ObservationCell* cell = &cells[kinds_.size() * static_cast<std::size_t>(place - signals.begin())];
+    for (const char kind : kinds_) *cell++ = CellOf(o, kind);
   }
 }
 
-void ObservationLines::Append(const ObsEpoch_QC_gbt& epoch, std::string& out) {
+void ObservationLines::Append(const ObservationEpoch& epoch, std::string& out) {
   out += EpochLine(epoch);
   out += '\n';
-  for (std::uint32_t i = 0; i < epoch.sat_num; ++i) {
-    const Satellite_gbt& satellite = epoch.sats[i];
-    TakeCells(satellite, cells_);
-    while (!cells_.empty() && cells_.back() == 0) cells_.pop_back();
+  for (const SatelliteObservation& satellite : epoch.satellites) {
+    TakeCells(epoch, satellite, cells_);
+    while (!cells_.empty() && cells_.back().value == 0) cells_.pop_back();
     const std::size_t begin = out.size();
     out.resize(begin + 3 + cells_.size() * kCellWidth, ' ');
-    out[begin] = kSystemTable[SystemPlace(satellite.sys)].letter;
-    out[begin + 1] = static_cast<char>('0' + satellite.prn / 10 % 10);
-    out[begin + 2] = static_cast<char>('0' + satellite.prn % 10);
+    out[begin] = satellite.id.system;
+    out[begin + 1] = static_cast<char>('0' + satellite.id.number / 10 % 10);
+    out[begin + 2] = static_cast<char>('0' + satellite.id.number % 10);
     for (std::size_t j = 0; j < cells_.size(); ++j) {
-      if (cells_[j] != 0) WriteThousandths(cells_[j], &out[begin + 3 + j * kCellWidth], kValueWidth);
+      if (cells_[j].value == 0) continue;
+      char* cell = &out[begin + 3 + j * kCellWidth];
+      WriteThousandths(cells_[j].value, cell, kValueWidth);
+      cell[kValueWidth] = cells_[j].loss_of_lock;
+      cell[kValueWidth + 1] = cells_[j].strength;
     }
-    if (!cells_.empty()) out.resize(out.size() - 2);  // the two flags of the last cell are blank
+    out.resize(out.find_last_not_of(' ') + 1);
     out += '\n';
   }
 }
@@ -162,8 +179,8 @@ ObservationWriter::ObservationWriter(std::unique_ptr<ByteSink> sink, const Scena
 
 ObservationWriter::~ObservationWriter() = default;
 
-void ObservationWriter::Write(const ObsEpoch_QC_gbt& epoch) {
-  if (!begun_) buffer_ += lines_->Header(header_position_m_, epoch.time);
+void ObservationWriter::Write(const ObservationEpoch& epoch) {
+  if (!begun_) buffer_ += lines_->Header(header_position_m_, TimeOf(epoch));
   begun_ = true;
   lines_->Append(epoch, buffer_);
   if (buffer_.size() >= kBufferSize) Flush();

@@ -8,12 +8,22 @@
 #include <string>
 #include <vector>
 
+#include "host/observation/observation_epoch.h"
 #include "host/output/byte_sink.h"
 #include "host/rinex/satellite_names.h"
 #include "host/simulator/scenario.h"
 #include "orsolva/records.h"
 
 namespace orsolva_host {
+
+/// One observation of a file: its value in thousandths, 0 where it is missing, and its two flags.
+struct ObservationCell {
+  std::int64_t value = 0;
+  char loss_of_lock = ' ';
+  char strength = ' ';
+
+  bool HasFlags() const { return loss_of_lock != ' ' || strength != ' '; }
+};
 
 /// Turns epochs into the lines of a file body.
 class ObservationLines {
@@ -24,25 +34,24 @@ class ObservationLines {
   /// The header, with the approximate position and the first epoch given.
   std::string Header(const std::array<double, 3>& position_m, const Time_gbt& first) const;
   /// Appends the lines of an epoch.
-  virtual void Append(const ObsEpoch_QC_gbt& epoch, std::string& out);
+  virtual void Append(const ObservationEpoch& epoch, std::string& out);
 
  protected:
   /// "> 2020 06 25 00 00 30.0000000  0 35"
-  static std::string EpochLine(const ObsEpoch_QC_gbt& epoch);
-  /// Signal code numbers of a system in file order; each has three types: code, phase and SNR.
-  const std::vector<int>& NumbersOf(std::uint8_t system) const { return numbers_[SystemPlace(system)]; }
-  /// The cells of a satellite in thousandths, in file order; 0 where a signal is missing.
-  void TakeCells(const Satellite_gbt& satellite, std::vector<std::int64_t>& cells) const;
+  static std::string EpochLine(const ObservationEpoch& epoch);
+  /// The cells of a satellite in file order.
+  void TakeCells(const ObservationEpoch& epoch, const SatelliteObservation& satellite,
+                 std::vector<ObservationCell>& cells) const;
 
  private:
-  static std::size_t SystemPlace(std::uint8_t system);
+  static ObservationCell CellOf(const SignalObservation& observation, char kind);
   std::string TypeLines(char letter) const;
   std::string GlonassLines() const;
 
   Scenario scenario_;
-  std::array<std::vector<int>, kSystems> numbers_;
-  std::array<std::array<std::uint8_t, 256>, kSystems> places_ = {};  ///< of a number in its list, 1-based
-  std::vector<std::int64_t> cells_;
+  std::string kinds_;                                      ///< first letters of the types of a signal
+  std::array<std::vector<SignalCode>, kSystems> signals_;  ///< in file order
+  std::vector<ObservationCell> cells_;
 };
 
 /// Streams a file: the header is written with the first epoch.
@@ -53,7 +62,7 @@ class ObservationWriter {
                     const std::array<double, 3>& header_position_m, bool crinex = false);
   ~ObservationWriter();
 
-  void Write(const ObsEpoch_QC_gbt& epoch);
+  void Write(const ObservationEpoch& epoch);
   /// @throws WriteError, as Write
   void Close();
 

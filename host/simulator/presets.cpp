@@ -56,6 +56,71 @@ const std::vector<Preset>& Presets() {
       {"galileo-bands", "Galileo with E5b and E5 in addition to E1, E5a and E6", R"({
         "name": "galileo-bands",
         "signals": {"E": ["1C", "5Q", "7Q", "8Q", "6C"]}})"},
+      {"scintillation", "a disturbed ionosphere: a TEC rate up to 5 TECU/min at 95 % and phase scintillation",
+       R"({
+        "name": "scintillation",
+        "faults": [{"kind": "tec_rate", "size": 1.7}, {"kind": "scintillation", "size": 0.12}]})"},
+      {"polar",
+       "a polar station: low satellites, bursts of scintillation, weak signals, flags right and wrong", R"({
+        "name": "polar",
+        "receiver": {
+          "position_m": [1202433.9, 252632.2, 6237772.5], "cutoff_deg": 3,
+          "lock_flags": {"at_slip": 0.9, "at_acquisition": 1, "without_slip": 0.001}
+        },
+        "observables": {"doppler": true, "strength": true},
+        "faults": [
+          {"kind": "tec_rate", "size": 0.3},
+          {"kind": "tec_rate", "size": 1.2, "at_s": 25200, "duration_s": 7200},
+          {"kind": "scintillation", "size": 0.2, "at_s": 25200, "duration_s": 7200},
+          {"kind": "tec_rate", "size": 1.7, "at_s": 68400, "duration_s": 10800},
+          {"kind": "scintillation", "size": 0.12, "at_s": 68400, "duration_s": 10800},
+          {"kind": "snr_drop", "satellite": "G", "signal": "2W", "size": 8, "duration_s": 1200, "random": 10},
+          {"kind": "slip", "size": 1, "random": 10}
+        ]})"},
+      {"kinematic", "two hours at 1 s on a circle of 200 m, driven after half an hour", R"({
+        "name": "kinematic", "hours": 2, "interval_s": 1,
+        "receiver": {"path": {"kind": "circle", "radius_m": 200, "speed_m_s": 15, "from_s": 1800}},
+        "observables": {"doppler": true, "strength": true},
+        "faults": [{"kind": "slip", "size": 1, "random": 10}]})"},
+      {"steered-clock", "a receiver clock steered to GPS time, with a random walk and two slews", R"({
+        "name": "steered-clock",
+        "receiver": {"clock_bias_s": 0, "clock_drift": 0, "clock_walk": 5e-11, "clock_steering_s": 600},
+        "faults": [
+          {"kind": "clock_slew", "size": 0.5, "at_s": 28800, "duration_s": 600},
+          {"kind": "clock_slew", "size": -0.5, "at_s": 57600, "duration_s": 600}
+        ]})"},
+      {"clock-jumps", "jumps of the receiver clock with and without the phases, and a power failure", R"({
+        "name": "clock-jumps",
+        "receiver": {"clock_walk": 5e-11},
+        "faults": [
+          {"kind": "clock_jump", "size": 1, "random": 5},
+          {"kind": "code_clock_jump", "size": 1, "at_s": 21600},
+          {"kind": "code_clock_jump", "size": -1, "at_s": 36000},
+          {"kind": "power_failure", "at_s": 64800, "duration_s": 90}
+        ]})"},
+      {"half-cycles", "half-cycle ambiguities resolved late, half-cycle slips, flags present and missing",
+       R"({
+        "name": "half-cycles",
+        "receiver": {"half_cycle_s": 120, "lock_flags": {"at_slip": 0.8, "at_acquisition": 1, "without_slip": 0.0005}},
+        "observables": {"strength": true},
+        "faults": [
+          {"kind": "outage", "duration_s": 60, "random": 20},
+          {"kind": "slip", "size": 0.5, "random": 20}, {"kind": "slip", "size": -1.5, "random": 20}
+        ]})"},
+      {"satellite-clocks", "glitches of satellite clocks by decimetres, for a step and for good", R"({
+        "name": "satellite-clocks",
+        "faults": [
+          {"kind": "satellite_clock", "size": 0.2, "duration_s": 1, "random": 10},
+          {"kind": "satellite_clock", "size": 0.15, "random": 10},
+          {"kind": "satellite_clock", "size": -0.5, "random": 10}
+        ]})"},
+      {"thermal", "noise by signal strength, and the multipath of the ground 2 m below the antenna", R"({
+        "name": "thermal",
+        "errors": {
+          "thermal_noise": {},
+          "multipath_by_elevation": [[0, 0.8], [10, 0.5], [30, 0.2], [90, 0.05]], "reflector_height_m": 2
+        },
+        "observables": {"strength": true}})"},
       {"high-rate", "an hour at ten epochs per second",
        R"({"name": "high-rate", "hours": 1, "interval_s": 0.1})"},
   };

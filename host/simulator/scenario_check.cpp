@@ -75,6 +75,12 @@ void CheckReceiver(const ReceiverModel& receiver) {
   InRange("receiver.start_up_s", receiver.start_up_s, 0, 86400);
   InRange("receiver.acquisition_s", receiver.acquisition_s, 0, 86400);
   InRange("receiver.reacquisition_s", receiver.reacquisition_s, 0, 86400);
+  InRange("receiver.clock_walk", receiver.clock_walk, 0, 1e-3);
+  InRange("receiver.clock_steering_s", receiver.clock_steering_s, 0, 1e6);
+  InRange("receiver.half_cycle_s", receiver.half_cycle_s, 0, 86400);
+  InRange("receiver.lock_flags.at_slip", receiver.lock_flags.at_slip, 0, 1);
+  InRange("receiver.lock_flags.at_acquisition", receiver.lock_flags.at_acquisition, 0, 1);
+  InRange("receiver.lock_flags.without_slip", receiver.lock_flags.without_slip, 0, 1);
   for (const auto& [signal, delay] : receiver.signal_delay_s) {
     const std::string key = "receiver.signal_delay_s." + signal;
     InRange(key, delay, 0, 86400);
@@ -86,15 +92,45 @@ void CheckReceiver(const ReceiverModel& receiver) {
   }
 }
 
+/// A line is straight in the horizontal plane of its beginning, so it must not be long.
+void CheckPath(const Scenario& scenario) {
+  const AntennaPath& path = scenario.receiver.path;
+  InRange("receiver.path.speed_m_s", path.speed_m_s, 0, 1000);
+  InRange("receiver.path.heading_deg", path.heading_deg, -360, 360);
+  InRange("receiver.path.radius_m", path.radius_m, 1, 1e5);
+  InRange("receiver.path.from_s", path.from_s, 0, 1e9);
+  InRange("receiver.path.to_s", path.to_s, path.from_s, 1e9);
+  if (path.kind != PathKind::kLine) return;
+  const double until_s = std::min(path.to_s, scenario.hours * 3600);
+  InRange("receiver.path (length of the line, m)", path.speed_m_s * std::max(0.0, until_s - path.from_s), 0,
+          1e5);
+}
+
 void CheckByElevation(const std::string& key, const ByElevation& figure, double high) {
   InRange(key + ".zenith", figure.zenith, 0, high);
   InRange(key + ".horizon", figure.horizon, 0, high);
+}
+
+void CheckThermalNoise(const ThermalNoise& noise) {
+  InRange("errors.thermal_noise.dll_bandwidth_hz", noise.dll_bandwidth_hz, 1e-4, 100);
+  InRange("errors.thermal_noise.pll_bandwidth_hz", noise.pll_bandwidth_hz, 1e-2, 1000);
+  InRange("errors.thermal_noise.integration_s", noise.integration_s, 1e-4, 10);
+  InRange("errors.thermal_noise.correlator_spacing_chips", noise.correlator_spacing_chips, 1e-3, 1);
 }
 
 void CheckErrors(const ErrorModel& errors) {
   CheckByElevation("errors.code_noise_m", errors.code_noise_m, 1000);
   CheckByElevation("errors.multipath_m", errors.multipath_m, 1000);
   CheckByElevation("errors.phase_noise_m", errors.phase_noise_m, 1);
+  for (std::size_t i = 0; i < errors.multipath_by_elevation.size(); ++i) {
+    const ElevationPoint& point = errors.multipath_by_elevation[i];
+    const double least = i == 0 ? 0 : errors.multipath_by_elevation[i - 1].elevation_deg + 0.01;
+    InRange("errors.multipath_by_elevation (degrees, ascending)", point.elevation_deg, least, 90);
+    InRange("errors.multipath_by_elevation (metres)", point.value, 0, 1000);
+  }
+  InRange("errors.reflector_height_m", errors.reflector_height_m, 0, 1000);
+  InRange("errors.doppler_noise_hz", errors.doppler_noise_hz, 0, 1000);
+  if (errors.thermal_noise) CheckThermalNoise(*errors.thermal_noise);
   InRange("errors.multipath_period_s", errors.multipath_period_s, 1, 1e6);
   InRange("errors.snr_zenith_dbhz", errors.snr_zenith_dbhz, 1, 99);
   InRange("errors.snr_horizon_dbhz", errors.snr_horizon_dbhz, 1, 99);
@@ -178,6 +214,10 @@ void CheckFault(const Scenario& scenario, std::size_t place) {
     InRange(key + "size", fault.size, 0, 60);
   } else if (fault.kind == FaultKind::kUnhealthy) {
     InRange(key + "size", fault.size, 0, 511);
+  } else if (fault.kind == FaultKind::kScintillation) {
+    InRange(key + "size", fault.size, 0, 10);
+  } else if (fault.kind == FaultKind::kTecRate) {
+    InRange(key + "size", fault.size, 0, 1000);
   } else {
     InRange(key + "size", fault.size, -1e6, 1e6);
   }
@@ -192,6 +232,7 @@ void CheckScenario(const Scenario& scenario) {
   CheckSpan(scenario);
   InRange("truth_cutoff_deg", scenario.truth_cutoff_deg, 0, 90);
   CheckReceiver(scenario.receiver);
+  CheckPath(scenario);
   CheckErrors(scenario.errors);
   CheckCadence(scenario.cadence);
   for (const auto& [group, names] : scenario.signals) CheckGroup(group, names);

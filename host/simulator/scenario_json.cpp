@@ -3,87 +3,20 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include <cmath>
-#include <functional>
 #include <nlohmann/json.hpp>
 #include <set>
-#include <utility>
 
 #include "host/rinex/civil_time.h"
 #include "host/rinex/diagnostics.h"
 #include "host/rinex/satellite_names.h"
 #include "host/rinex/text_file.h"
-#include "host/simulator/active_faults.h"
+#include "host/simulator/fault_kinds.h"
+#include "host/simulator/json_members.h"
 
 namespace orsolva_host {
 namespace {
 
 using Json = nlohmann::json;
-
-constexpr FaultKind kFaultKinds[] = {
-    FaultKind::kSlip,         FaultKind::kCodeJump,  FaultKind::kOutage,    FaultKind::kSnrDrop,
-    FaultKind::kMissingEpoch, FaultKind::kDuplicate, FaultKind::kLateTag,   FaultKind::kLateDelivery,
-    FaultKind::kIonoStorm,    FaultKind::kUnhealthy, FaultKind::kClockJump, FaultKind::kHeaderOffset,
-};
-
-[[noreturn]] void Wrong(const std::string& key, const Json& value, const std::string& expected) {
-  throw ScenarioError(fmt::format("{}: found {}, expected {}", key, value.dump(), expected));
-}
-
-/// The members of an object, each with the handler of its value. A key without a handler is an error.
-class Members {
- public:
-  using Taker = std::function<void(const std::string& key, const Json& value)>;
-
-  Members& On(const std::string& key, Taker take) {
-    takers_.emplace_back(key, std::move(take));
-    return *this;
-  }
-  Members& On(const std::string& key, double& target) {
-    return On(key, [&target](const std::string& name, const Json& value) {
-      if (!value.is_number()) Wrong(name, value, "a number");
-      target = value.get<double>();
-    });
-  }
-  Members& On(const std::string& key, bool& target) {
-    return On(key, [&target](const std::string& name, const Json& value) {
-      if (!value.is_boolean()) Wrong(name, value, "true or false");
-      target = value.get<bool>();
-    });
-  }
-  Members& On(const std::string& key, std::string& target) {
-    return On(key, [&target](const std::string& name, const Json& value) {
-      if (!value.is_string()) Wrong(name, value, "a text");
-      target = value.get<std::string>();
-    });
-  }
-  Members& On(const std::string& key, ByElevation& target) {
-    return On(key, [&target](const std::string& name, const Json& value) {
-      Members().On("zenith", target.zenith).On("horizon", target.horizon).Read(name, value);
-    });
-  }
-
-  void Read(const std::string& where, const Json& object) const {
-    if (!object.is_object()) Wrong(where.empty() ? "scenario" : where, object, "an object {...}");
-    for (const auto& [key, value] : object.items()) {
-      const std::string full = where.empty() ? key : where + "." + key;
-      Find(full, key)(full, value);
-    }
-  }
-
- private:
-  const Taker& Find(const std::string& full, const std::string& key) const {
-    std::vector<std::string> known;
-    for (const auto& [name, take] : takers_) {
-      if (name == key) return take;
-      known.push_back(name);
-    }
-    throw ScenarioError(
-        fmt::format("{}: found an unknown key, expected one of {}", full, fmt::join(known, ", ")));
-  }
-
-  std::vector<std::pair<std::string, Taker>> takers_;
-};
 
 void ReadPosition(const std::string& key, const Json& value, std::array<double, 3>& position) {
   bool good = value.is_array() && value.size() == 3;
@@ -92,6 +25,51 @@ void ReadPosition(const std::string& key, const Json& value, std::array<double, 
     if (good) position[i] = value[i].get<double>();
   }
   if (!good) Wrong(key, value, "three numbers, ECEF in metres");
+}
+
+void ReadFlags(const std::string& key, const Json& value, LockFlags& flags) {
+  Members()
+      .On("at_slip", flags.at_slip)
+      .On("at_acquisition", flags.at_acquisition)
+      .On("without_slip", flags.without_slip)
+      .Read(key, value);
+}
+
+void ReadPath(const std::string& key, const Json& value, AntennaPath& path) {
+  Members()
+      .On("kind",
+          [&path](const std::string& k, const Json& v) {
+            if (v != "static" && v != "line" && v != "circle") Wrong(k, v, "static, line or circle");
+            path.kind = v == "line" ? PathKind::kLine : v == "circle" ? PathKind::kCircle : PathKind::kStatic;
+          })
+      .On("speed_m_s", path.speed_m_s)
+      .On("heading_deg", path.heading_deg)
+      .On("radius_m", path.radius_m)
+      .On("from_s", path.from_s)
+      .On("to_s", path.to_s)
+      .Read(key, value);
+}
+
+void ReadThermalNoise(const std::string& key, const Json& value, ErrorModel& errors) {
+  ThermalNoise& noise = errors.thermal_noise.emplace();
+  Members()
+      .On("dll_bandwidth_hz", noise.dll_bandwidth_hz)
+      .On("pll_bandwidth_hz", noise.pll_bandwidth_hz)
+      .On("integration_s", noise.integration_s)
+      .On("correlator_spacing_chips", noise.correlator_spacing_chips)
+      .Read(key, value);
+}
+
+void ReadPoints(const std::string& key, const Json& value, std::vector<ElevationPoint>& points) {
+  const char* const expected = "a list of pairs of degrees and metres, such as [[5, 0.6], [90, 0.1]]";
+  if (!value.is_array()) Wrong(key, value, expected);
+  points.clear();
+  for (const Json& pair : value) {
+    if (!pair.is_array() || pair.size() != 2 || !pair[0].is_number() || !pair[1].is_number()) {
+      Wrong(key, value, expected);
+    }
+    points.push_back({pair[0].get<double>(), pair[1].get<double>()});
+  }
 }
 
 void ReadReceiver(const std::string& key, const Json& value, ReceiverModel& r) {
@@ -104,6 +82,11 @@ void ReadReceiver(const std::string& key, const Json& value, ReceiverModel& r) {
       .On("start_up_s", r.start_up_s)
       .On("acquisition_s", r.acquisition_s)
       .On("reacquisition_s", r.reacquisition_s)
+      .On("clock_walk", r.clock_walk)
+      .On("clock_steering_s", r.clock_steering_s)
+      .On("half_cycle_s", r.half_cycle_s)
+      .On("lock_flags", [&r](const std::string& k, const Json& v) { ReadFlags(k, v, r.lock_flags); })
+      .On("path", [&r](const std::string& k, const Json& v) { ReadPath(k, v, r.path); })
       .On("signal_delay_s",
           [&r](const std::string& k, const Json& v) {
             if (!v.is_object()) Wrong(k, v, "an object such as {\"G5Q\": 60}");
@@ -120,6 +103,11 @@ void ReadErrors(const std::string& key, const Json& value, ErrorModel& e) {
       .On("code_noise_m", e.code_noise_m)
       .On("multipath_m", e.multipath_m)
       .On("multipath_period_s", e.multipath_period_s)
+      .On("multipath_by_elevation",
+          [&e](const std::string& k, const Json& v) { ReadPoints(k, v, e.multipath_by_elevation); })
+      .On("reflector_height_m", e.reflector_height_m)
+      .On("thermal_noise", [&e](const std::string& k, const Json& v) { ReadThermalNoise(k, v, e); })
+      .On("doppler_noise_hz", e.doppler_noise_hz)
       .On("phase_noise_m", e.phase_noise_m)
       .On("snr_zenith_dbhz", e.snr_zenith_dbhz)
       .On("snr_horizon_dbhz", e.snr_horizon_dbhz)
@@ -156,10 +144,9 @@ void ReadSignals(const std::string& key, const Json& value, Scenario& scenario) 
 }
 
 FaultKind KindOf(const std::string& key, const Json& value) {
-  for (const FaultKind kind : kFaultKinds) {
-    if (value == FaultName(kind)) return kind;
-  }
-  Wrong(key, value, fmt::format("one of {}", fmt::join(FaultNames(), ", ")));
+  const FaultRow* row = value.is_string() ? FindFault(value.get<std::string>()) : nullptr;
+  if (row == nullptr) Wrong(key, value, fmt::format("one of {}", fmt::join(FaultNames(), ", ")));
+  return row->kind;
 }
 
 int ReadCount(const std::string& key, const Json& value) {
@@ -168,27 +155,6 @@ int ReadCount(const std::string& key, const Json& value) {
     Wrong(key, value, "an integer from 0 to 10000");
   }
   return value.get<int>();
-}
-
-/// Unit of the size of a fault; nullptr when the fault needs none.
-const char* SizeUnit(FaultKind kind) {
-  switch (kind) {
-    case FaultKind::kSlip:
-      return "cycles";
-    case FaultKind::kCodeJump:
-    case FaultKind::kHeaderOffset:
-      return "metres";
-    case FaultKind::kSnrDrop:
-      return "dB";
-    case FaultKind::kLateTag:
-      return "seconds";
-    case FaultKind::kIonoStorm:
-      return "TECU";
-    case FaultKind::kClockJump:
-      return "milliseconds";
-    default:
-      return nullptr;
-  }
 }
 
 Fault ReadFault(const std::string& key, const Json& value) {
@@ -225,9 +191,9 @@ Fault ReadFault(const std::string& key, const Json& value) {
     throw ScenarioError(
         fmt::format("{}.kind: found none, expected one of {}", key, fmt::join(FaultNames(), ", ")));
   }
-  if (!has_size && SizeUnit(fault.kind) != nullptr) {
+  if (!has_size && RowOf(fault.kind).unit != nullptr) {
     throw ScenarioError(
-        fmt::format("{}.size: found none, expected a number of {}", key, SizeUnit(fault.kind)));
+        fmt::format("{}.size: found none, expected a number of {}", key, RowOf(fault.kind).unit));
   }
   fault.target.signal = signal;
   return fault;
@@ -263,12 +229,6 @@ Json ParseOnceEach(const std::string& text) {
 }
 
 }  // namespace
-
-std::vector<std::string> FaultNames() {
-  std::vector<std::string> names;
-  for (const FaultKind kind : kFaultKinds) names.emplace_back(FaultName(kind));
-  return names;
-}
 
 std::string ParseTarget(const std::string& text, FaultTarget& target) {
   target = {};
@@ -317,6 +277,10 @@ void ReadScenario(const std::string& text, Scenario& s) {
       .On("interval_s", s.interval_s)
       .On("receiver", [&s](const std::string& k, const Json& v) { ReadReceiver(k, v, s.receiver); })
       .On("errors", [&s](const std::string& k, const Json& v) { ReadErrors(k, v, s.errors); })
+      .On("observables",
+          [&s](const std::string& k, const Json& v) {
+            Members().On("doppler", s.observables.doppler).On("strength", s.observables.strength).Read(k, v);
+          })
       .On("cadence", [&s](const std::string& k, const Json& v) { ReadCadence(k, v, s.cadence); })
       .On("signals", [&s](const std::string& k, const Json& v) { ReadSignals(k, v, s); })
       .On("faults", [&s](const std::string& k, const Json& v) { ReadFaults(k, v, s); })

@@ -23,9 +23,6 @@ std::string ParseStart(const std::string& text, Time_gbt& start);
 /// @return an empty text, or an error message
 std::string ParseTarget(const std::string& text, FaultTarget& target);
 
-/// Names of the fault kinds.
-std::vector<std::string> FaultNames();
-
 }  // namespace orsolva_host
 
 #endif  // ORSOLVA_SIMULATOR_SCENARIO_JSON_H

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/observation/observation_epoch.h"
 #include "host/simulator/active_faults.h"
 #include "host/simulator/random_streams.h"
 #include "host/simulator/scenario.h"
@@ -21,7 +22,10 @@ struct EpochGeometry {
   double elevation_rad = 0;
   double sine = 0;  ///< of the elevation
   double cosine_squared = 0;
-  double range_m = 0;  ///< with clocks and troposphere
+  double range_m = 0;         ///< with clocks and troposphere
+  double code_only_m = 0;     ///< part of it that the phases do not have
+  double range_rate_m_s = 0;  ///< with clocks and troposphere; when Doppler is observed
+  double tec_rate = 0;        ///< TECU/s; likewise
   double slant_tec = 0;
   bool trackable = false;     ///< above the receiver's cut-off
   bool above_cutoff = false;  ///< above the truth cut-off
@@ -42,6 +46,17 @@ class MovingMean {
   std::size_t count_ = 0, next_ = 0;
 };
 
+/// Standard deviations of one observation, m.
+struct NoiseDeviations {
+  double code_m = 0, phase_m = 0;
+};
+
+/// What was added to an observation.
+struct DrawnErrors {
+  double noise_m = 0, multipath_m = 0, jump_m = 0, phase_m = 0;
+  double snr_dbhz = 0;  ///< as observed
+};
+
 class SignalTrack {
  public:
   SignalTrack(const Scenario& scenario, char system, int satellite, int channel, const std::string& name,
@@ -51,7 +66,7 @@ class SignalTrack {
   int Number() const { return number_; }
 
   /// Advances the signal to an epoch. @return whether it is tracked then, with its values in `out`
-  bool Update(const EpochGeometry& geometry, Signal_QC_gbt& out, SignalTruth& truth,
+  bool Update(const EpochGeometry& geometry, SignalObservation& out, SignalTruth& truth,
               std::vector<InjectedFault>& log);
 
  private:
@@ -60,20 +75,30 @@ class SignalTrack {
   bool Track(const EpochGeometry& geometry, SignalTruth& truth, std::vector<InjectedFault>& log);
   bool Blocked(std::int64_t epoch, std::vector<InjectedFault>& log);
   double AcquiredFrom(double time_s) const;
-  void BeginArc(SignalTruth& truth);
-  void ApplySlips(std::int64_t epoch, bool held, std::vector<InjectedFault>& log);
+  void BeginArc(double time_s, SignalTruth& truth);
+  void ApplySlips(const EpochGeometry& geometry, bool held, std::vector<InjectedFault>& log);
+  void LogSlip(double size, bool seen, std::vector<InjectedFault>& log);
+  std::uint8_t Flags(const EpochGeometry& geometry, bool new_arc, SignalTruth& truth,
+                     std::vector<InjectedFault>& log);
   double SumOf(FaultKind kind, std::int64_t epoch, std::vector<InjectedFault>& log);
-  void Measure(const EpochGeometry& geometry, Signal_QC_gbt& out, SignalTruth& truth,
+  void Measure(const EpochGeometry& geometry, SignalObservation& out, SignalTruth& truth,
                std::vector<InjectedFault>& log);
+  double Snr(const EpochGeometry& geometry, double drop_db) const;
+  NoiseDeviations NoiseOf(const EpochGeometry& geometry, double snr_dbhz) const;
+  double Multipath(const EpochGeometry& geometry) const;
+  double Scintillation(const EpochGeometry& geometry, std::vector<InjectedFault>& log);
+  void CountErrors(const EpochGeometry& geometry, const DrawnErrors& errors, SignalTruth& truth);
 
   const Scenario* scenario_;
   std::string name_;
   int number_;
   double wavelength_m_;
+  double chip_m_;
   double metres_per_tecu_;
   double snr_offset_db_;
   double delay_s_ = 0;
-  RandomStream arcs_stream_, code_stream_, phase_stream_, snr_stream_;
+  RandomStream arcs_stream_, code_stream_, phase_stream_, snr_stream_, flag_stream_, doppler_stream_;
+  RandomStream carrier_stream_;  ///< of all signals of this carrier of the satellite
   double multipath_rate_, multipath_phase_;
 
   std::vector<ActiveFault*> faults_;
@@ -84,6 +109,10 @@ class SignalTrack {
   double outage_end_s_ = 0;
   double ambiguity_cycles_ = 0;
   double last_jump_m_ = 0;
+  double half_cycle_until_s_ = 0;
+  bool half_cycle_off_ = false;     ///< the phase is half a cycle too high until the ambiguity is resolved
+  std::size_t slips_from_ = 0;      ///< slips of this epoch in the log from here on
+  std::uint8_t waiting_flags_ = 0;  ///< raised in epochs that were not delivered
   MovingMean mean_;
 };
 

@@ -5,10 +5,13 @@
 #include <deque>
 
 #include "host/rinex/satellite_names.h"
+#include "host/rinex/signal_codes.h"
 #include "host/simulator/active_faults.h"
-#include "host/simulator/orbits.h"
+#include "host/simulator/antenna_path.h"
+#include "host/simulator/fault_kinds.h"
 #include "host/simulator/portable_math.h"
-#include "host/simulator/signal_track.h"
+#include "host/simulator/receiver_clock_bias.h"
+#include "host/simulator/satellite_work.h"
 #include "host/simulator/surroundings.h"
 #include "orsolva/run_facts.h"
 #include "orsolva/signals.h"
@@ -22,17 +25,14 @@ constexpr double kClockLogStep_s = 600;
 constexpr double kFarBelowHorizon_rad = -2 * kRadian;
 constexpr double kBelowHorizonWait_s = 60;
 constexpr double kTravelTolerance_s = 1e-9;
-constexpr double kFirstTravel_s = 0.075;
+/// Doppler is the change of the phase over this long, half before and half after the epoch.
+constexpr double kDopplerSpan_s = 0.1;
+constexpr double kTrackStep_s = 10;
 
-struct SatelliteWork {
-  std::vector<SignalTrack> signals;
-  std::vector<ActiveFault*> storms;
-  std::vector<std::int64_t> slips;  ///< epochs
-  double travel_s = kFirstTravel_s;
-  double travel_rate = 0;
-  double travel_time_s = -1e9;  ///< time of its computation
-  double next_evaluation_s = -1e9;
-  double storm_phase = 0;
+/// An epoch as a record of the library and with everything that a file holds.
+struct Delivery {
+  ObsEpoch_QC_gbt record;
+  ObservationEpoch epoch;
 };
 
 /// Geometry of a satellite at a true reception time.
@@ -47,13 +47,19 @@ struct LineOfSight {
 class Simulation::Work {
  public:
   explicit Work(const Scenario& given)
-      : scenario(given), grid(GridOf(given)), sky(scenario), site(MakeSite(given.receiver.position_m)) {
+      : scenario(given),
+        grid(GridOf(given)),
+        sky(scenario),
+        start(MakeSite(given.receiver.position_m)),
+        site(start),
+        clock_(scenario) {
     BeginTruth();
     BeginSatellites();
     BeginFaults();
   }
 
-  bool Next(ObsEpoch_QC_gbt& epoch);
+  /// The next epoch; valid until the next call. @return nullptr at the end of the span
+  const Delivery* Next();
   /// Upper bound of the epochs still to be delivered: each may come twice.
   std::size_t MostLeft() const {
     return 2 * (static_cast<std::size_t>(grid.epochs - done) + held_.size()) + waiting_.size();
@@ -62,7 +68,9 @@ class Simulation::Work {
   Scenario scenario;
   EpochGrid grid;
   Sky sky;
-  Site site;
+  Site start;  ///< at rest
+  Site site;   ///< at the epoch
+  ClockState clock;
   Truth truth;
   std::vector<SatelliteMoment> moments;
   std::int64_t done = 0;
@@ -73,25 +81,36 @@ class Simulation::Work {
   void BeginFaults();
   void LogOnce(ActiveFault& active);
   void LogEpochFaults();
-  bool Has(FaultKind kind, std::int64_t epoch) const;
-  double LateBy(std::int64_t epoch) const;
-  double ClockBias(std::int64_t epoch, double time_s) const;
+  bool Has(FaultKind kind, std::int64_t epoch) const { return HasFault(faults_, kind, epoch); }
+  bool Off(std::int64_t epoch) const;
+  std::uint32_t EventsBefore(std::int64_t epoch) const;
   void LogClock(const Time_gbt& time, double time_s, double bias_s);
-  void Make(ObsEpoch_QC_gbt& epoch);
-  void MakeSatellite(std::size_t index, double true_s, bool delivered, ObsEpoch_QC_gbt& epoch);
-  void Observe(std::size_t index, const EpochGeometry& geometry, ObsEpoch_QC_gbt& epoch);
-  double StormTec(const SatelliteWork& work, double time_s) const;
-  LineOfSight LineOfSightTo(std::size_t index, double true_s, double& travel_s) const;
-  bool Deliver(const ObsEpoch_QC_gbt& epoch);
+  void LogTrack(const Time_gbt& time, double time_s);
+  void Make(Delivery& out);
+  void SetTime(Delivery& out);
+  void FinishLog(std::size_t from, const Time_gbt& time);
+  void MakeSatellite(std::size_t index, double true_s, bool delivered, Delivery& out);
+  SatelliteMoment MomentOf(std::size_t index, const LineOfSight& los);
+  void AddRates(std::size_t index, double true_s, EpochGeometry& geometry) const;
+  void Observe(std::size_t index, const EpochGeometry& geometry, Delivery& out);
+  bool ObserveSignal(std::size_t index, std::size_t j, const EpochGeometry& geometry, Satellite_gbt& record,
+                     ObservationEpoch& epoch);
+  double Tec(const Direction& direction, double time_s) const;
+  LineOfSight LineOfSightTo(std::size_t index, double true_s, double& travel_s, const Site& from) const;
+  const Delivery* Deliver();
   std::vector<FaultTarget> Visible(const FaultTarget& target, double seconds, double above_deg) const;
 
   std::vector<SatelliteWork> work_;
   std::vector<ActiveFault> faults_;
-  std::deque<ObsEpoch_QC_gbt> waiting_;  ///< duplicate and held epochs, delivered next
-  std::deque<ObsEpoch_QC_gbt> held_;     ///< delivered after the next epoch
+  ReceiverClockBias clock_;
+  Delivery current_ = {};
+  std::deque<Delivery> waiting_;  ///< duplicate and held epochs, delivered next
+  std::deque<Delivery> held_;     ///< delivered after the next epoch
+  bool powerless_ = false;
   double tag_s_ = 0;
   double bias_s_ = 0;
   double last_clock_log_s_ = -1e9;
+  double last_track_log_s_ = -1e9;
   double day_start_s_ = 0;
 };
 
@@ -100,7 +119,7 @@ void Simulation::Work::BeginTruth() {
   truth.header_position_m = truth.position_m;
   for (const Fault& fault : scenario.faults) {
     if (fault.kind != FaultKind::kHeaderOffset) continue;
-    for (std::size_t i = 0; i < 3; ++i) truth.header_position_m[i] += fault.size * site.east[i];
+    for (std::size_t i = 0; i < 3; ++i) truth.header_position_m[i] += fault.size * start.east[i];
   }
   truth.cutoff_deg = scenario.truth_cutoff_deg;
   truth.interval_s = scenario.interval_s;
@@ -110,7 +129,7 @@ void Simulation::Work::BeginTruth() {
 
 void Simulation::Work::BeginSatellites() {
   for (const SkySatellite& satellite : sky.Satellites()) {
-    SatelliteWork work;
+    SatelliteWork work(scenario, satellite.system, satellite.number, work_.size());
     SatelliteTruth t;
     t.system = satellite.system;
     t.number = satellite.number;
@@ -122,7 +141,6 @@ void Simulation::Work::BeginSatellites() {
       t.signals.back().name = name;
       t.signals.back().number = work.signals.back().Number();
     }
-    work.storm_phase = 2 * kPi * RandomStream(scenario.seed).Of(303).Uniform(work_.size());
     work_.push_back(std::move(work));
     truth.satellites.push_back(std::move(t));
   }
@@ -136,8 +154,7 @@ void Simulation::Work::BeginFaults() {
   for (ActiveFault& active : faults_) {
     for (std::size_t i = 0; i < work_.size(); ++i) {
       if (!active.Meets(truth.satellites[i].system, truth.satellites[i].number)) continue;
-      if (active.fault.kind == FaultKind::kIonoStorm) work_[i].storms.push_back(&active);
-      if (active.fault.kind == FaultKind::kSlip) work_[i].slips.push_back(active.first);
+      work_[i].AddFault(&active);
       for (std::size_t j = 0; j < work_[i].signals.size(); ++j) {
         const bool meets =
             MeetsSignals(active.fault.kind) && active.Meets(truth.satellites[i].signals[j].name);
@@ -151,6 +168,7 @@ void Simulation::Work::BeginFaults() {
 std::vector<FaultTarget> Simulation::Work::Visible(const FaultTarget& target, double seconds,
                                                    double above_deg) const {
   std::vector<FaultTarget> all;
+  const Site from = SiteOnPath(start, scenario.receiver.path, seconds);
   for (std::size_t i = 0; i < work_.size(); ++i) {
     const SatelliteTruth& s = truth.satellites[i];
     if ((target.system != 0 && target.system != s.system) ||
@@ -158,7 +176,7 @@ std::vector<FaultTarget> Simulation::Work::Visible(const FaultTarget& target, do
       continue;
     }
     double travel = kFirstTravel_s;
-    if (LineOfSightTo(i, seconds, travel).direction.elevation_rad <= above_deg * kRadian) continue;
+    if (LineOfSightTo(i, seconds, travel, from).direction.elevation_rad <= above_deg * kRadian) continue;
     for (const SignalTruth& signal : s.signals) {
       if (!target.signal.empty() && target.signal != signal.name) continue;
       all.push_back({s.system, s.number, signal.name});
@@ -167,62 +185,52 @@ std::vector<FaultTarget> Simulation::Work::Visible(const FaultTarget& target, do
   return all;
 }
 
-bool Simulation::Work::Next(ObsEpoch_QC_gbt& epoch) {
+const Delivery* Simulation::Work::Next() {
   if (!waiting_.empty()) {
-    epoch = waiting_.front();
+    current_ = std::move(waiting_.front());
     waiting_.pop_front();
-    return Deliver(epoch);
+    return Deliver();
   }
   while (done < grid.epochs) {
     const std::int64_t number = done;
-    Make(epoch);
+    Make(current_);
     ++done;
-    if (Has(FaultKind::kMissingEpoch, number)) {
+    if (Off(number)) {
       ++truth.missing_epochs;
       continue;
     }
     if (Has(FaultKind::kLateDelivery, number) && done < grid.epochs) {
-      held_.push_back(epoch);
+      held_.push_back(current_);
       continue;
     }
-    if (Has(FaultKind::kDuplicate, number)) waiting_.push_back(epoch);
+    if (Has(FaultKind::kDuplicate, number)) waiting_.push_back(current_);
     waiting_.insert(waiting_.end(), held_.begin(), held_.end());
     held_.clear();
-    return Deliver(epoch);
+    return Deliver();
   }
-  if (held_.empty()) return false;
-  epoch = held_.front();
+  if (held_.empty()) return nullptr;
+  current_ = std::move(held_.front());
   held_.pop_front();
-  return Deliver(epoch);
+  return Deliver();
 }
 
-bool Simulation::Work::Deliver(const ObsEpoch_QC_gbt& epoch) {
-  if (truth.delivered_epochs++ == 0) truth.first = epoch.time;
-  truth.last = epoch.time;
-  return true;
+const Delivery* Simulation::Work::Deliver() {
+  if (truth.delivered_epochs++ == 0) truth.first = current_.record.time;
+  truth.last = current_.record.time;
+  return &current_;
 }
 
-bool Simulation::Work::Has(FaultKind kind, std::int64_t epoch) const {
-  for (const ActiveFault& active : faults_) {
-    if (active.fault.kind == kind && active.At(epoch)) return true;
-  }
-  return false;
+/// Whether an epoch is not delivered.
+bool Simulation::Work::Off(std::int64_t epoch) const {
+  return Has(FaultKind::kMissingEpoch, epoch) || Has(FaultKind::kPowerOutage, epoch);
 }
 
-double Simulation::Work::LateBy(std::int64_t epoch) const {
-  double late = 0;
-  for (const ActiveFault& active : faults_) {
-    if (active.fault.kind == FaultKind::kLateTag && active.At(epoch)) late += active.fault.size;
-  }
-  return late;
-}
-
-double Simulation::Work::ClockBias(std::int64_t epoch, double time_s) const {
-  double bias = scenario.receiver.clock_bias_s + scenario.receiver.clock_drift * time_s;
-  for (const ActiveFault& active : faults_) {
-    if (active.fault.kind == FaultKind::kClockJump && epoch >= active.first) bias += active.fault.size * 1e-3;
-  }
-  return bias;
+/// What an observation file says of the time before an epoch. A power failure shows at the first epoch after
+/// it.
+std::uint32_t Simulation::Work::EventsBefore(std::int64_t epoch) const {
+  std::int64_t before = epoch - 1;
+  while (before >= 0 && Has(FaultKind::kMissingEpoch, before)) --before;
+  return before >= 0 && Has(FaultKind::kPowerOutage, before) ? kPowerFailure : 0;
 }
 
 void Simulation::Work::LogClock(const Time_gbt& time, double time_s, double bias_s) {
@@ -231,6 +239,12 @@ void Simulation::Work::LogClock(const Time_gbt& time, double time_s, double bias
   if (!jumped && time_s < last_clock_log_s_ + kClockLogStep_s) return;
   truth.clock.push_back({time, bias_s});
   last_clock_log_s_ = time_s;
+}
+
+void Simulation::Work::LogTrack(const Time_gbt& time, double time_s) {
+  if (scenario.receiver.path.kind == PathKind::kStatic || time_s < last_track_log_s_ + kTrackStep_s) return;
+  truth.track.push_back({time, site.position_m});
+  last_track_log_s_ = time_s;
 }
 
 /// Records a fault in the truth at its first epoch. Slips are recorded by the signals that they affect.
@@ -244,8 +258,8 @@ void Simulation::Work::LogOnce(ActiveFault& active) {
   record.signal = fault.target.signal;
   record.duration_s = fault.duration_s;
   record.size = fault.size;
-  record.seen = fault.kind != FaultKind::kOutage && fault.kind != FaultKind::kCodeJump &&
-                fault.kind != FaultKind::kSnrDrop;
+  // Signals and satellites say so when they are tracked.
+  record.seen = RowOf(fault.kind).reach == FaultReach::kEverything;
   active.record = static_cast<int>(truth.faults.size());
   truth.faults.push_back(record);
 }
@@ -254,28 +268,42 @@ void Simulation::Work::LogEpochFaults() {
   for (ActiveFault& active : faults_) LogOnce(active);
 }
 
-void Simulation::Work::Make(ObsEpoch_QC_gbt& epoch) {
-  const std::int64_t late = std::llround(LateBy(done) * static_cast<double>(kTicksPerSecond));
+void Simulation::Work::SetTime(Delivery& out) {
+  const std::int64_t late = std::llround(LateBy(faults_, done) * static_cast<double>(kTicksPerSecond));
   const std::int64_t ticks = done * grid.interval_ticks + late;
   tag_s_ = static_cast<double>(ticks) / static_cast<double>(kTicksPerSecond);
-  epoch = {};
-  epoch.time.time = scenario.start.time + ticks / kTicksPerSecond;
-  epoch.time.sec = static_cast<double>(ticks % kTicksPerSecond) / static_cast<double>(kTicksPerSecond);
+  out.record = {};
+  out.record.time.time = scenario.start.time + ticks / kTicksPerSecond;
+  out.record.time.sec = static_cast<double>(ticks % kTicksPerSecond) / static_cast<double>(kTicksPerSecond);
+  out.epoch.Clear();
+  out.epoch.time_ns =
+      scenario.start.time * kNanosecondsPerSecond + ticks * (kNanosecondsPerSecond / kTicksPerSecond);
+  out.epoch.events = EventsBefore(done);
+}
 
-  double bias = ClockBias(done, tag_s_);
-  if (scenario.receiver.millisecond_jumps) bias -= 1e-3 * std::nearbyint(bias / 1e-3);
-  LogClock(epoch.time, tag_s_, bias);
-  bias_s_ = bias;
+void Simulation::Work::Make(Delivery& out) {
+  SetTime(out);
+  clock = clock_.At(done, tag_s_, faults_);
+  LogClock(out.record.time, tag_s_, clock.bias_s);
+  bias_s_ = clock.bias_s;
+  site = SiteOnPath(start, scenario.receiver.path, tag_s_ - bias_s_);
+  LogTrack(out.record.time, tag_s_);
 
   const std::size_t logged = truth.faults.size();
   LogEpochFaults();
-  const bool delivered = !Has(FaultKind::kMissingEpoch, done);
+  const bool delivered = !Off(done);
+  powerless_ = Has(FaultKind::kPowerOutage, done);
   ++truth.nominal_epochs;
   moments.clear();
-  for (std::size_t i = 0; i < work_.size(); ++i) MakeSatellite(i, tag_s_ - bias, delivered, epoch);
-  for (std::size_t i = logged; i < truth.faults.size(); ++i) {
+  for (std::size_t i = 0; i < work_.size(); ++i) MakeSatellite(i, tag_s_ - bias_s_, delivered, out);
+  FinishLog(logged, out.record.time);
+}
+
+/// Time and elevation of the faults of this epoch.
+void Simulation::Work::FinishLog(std::size_t from, const Time_gbt& time) {
+  for (std::size_t i = from; i < truth.faults.size(); ++i) {
     InjectedFault& record = truth.faults[i];
-    record.time = epoch.time;
+    record.time = time;
     for (const SatelliteMoment& m : moments) {
       if (record.satellite == SatelliteName(m.system, m.number))
         record.elevation_deg = m.elevation_rad / kRadian;
@@ -283,7 +311,8 @@ void Simulation::Work::Make(ObsEpoch_QC_gbt& epoch) {
   }
 }
 
-LineOfSight Simulation::Work::LineOfSightTo(std::size_t index, double true_s, double& travel_s) const {
+LineOfSight Simulation::Work::LineOfSightTo(std::size_t index, double true_s, double& travel_s,
+                                            const Site& from) const {
   LineOfSight los;
   double line[3];
   for (int round = 0; round < 10; ++round) {
@@ -291,40 +320,66 @@ LineOfSight Simulation::Work::LineOfSightTo(std::size_t index, double true_s, do
     const double turn = kEarthRotation_rad_s * travel_s;
     const auto [s, c] = SineCosineOf(turn);
     const double* p = los.state.position_m;
-    line[0] = c * p[0] + s * p[1] - site.position_m[0];
-    line[1] = -s * p[0] + c * p[1] - site.position_m[1];
-    line[2] = p[2] - site.position_m[2];
+    line[0] = c * p[0] + s * p[1] - from.position_m[0];
+    line[1] = -s * p[0] + c * p[1] - from.position_m[1];
+    line[2] = p[2] - from.position_m[2];
     los.range_m = std::sqrt(line[0] * line[0] + line[1] * line[1] + line[2] * line[2]);
     const double found = los.range_m / kLightSpeed_m_s;
     const bool settled = std::fabs(found - travel_s) < kTravelTolerance_s;
     travel_s = found;
     if (settled) break;
   }
-  los.direction = DirectionOf(site, line, los.range_m);
+  los.direction = DirectionOf(from, line, los.range_m);
   return los;
 }
 
-double Simulation::Work::StormTec(const SatelliteWork& work, double time_s) const {
-  double sum = 0;
-  for (const ActiveFault* storm : work.storms) {
-    if (!storm->At(done)) continue;
-    const Fault& f = storm->fault;
-    const double length = f.duration_s > 0 ? f.duration_s : grid.Seconds(grid.epochs) - f.at_s;
-    const double swell = Sine(kPi * (time_s - f.at_s) / length);
-    sum += f.size * swell * swell * Sine(2 * kPi * (time_s - f.at_s) / f.period_s + work.storm_phase);
-  }
-  return sum;
+double Simulation::Work::Tec(const Direction& direction, double time_s) const {
+  if (!scenario.errors.ionosphere) return 0;
+  return SlantTec(site, direction, day_start_s_ + time_s, scenario.errors.vertical_tec_night,
+                  scenario.errors.vertical_tec_day);
 }
 
-void Simulation::Work::MakeSatellite(std::size_t index, double true_s, bool delivered,
-                                     ObsEpoch_QC_gbt& epoch) {
+SatelliteMoment Simulation::Work::MomentOf(std::size_t index, const LineOfSight& los) {
+  SatelliteWork& work = work_[index];
+  SatelliteMoment m;
+  m.system = truth.satellites[index].system;
+  m.number = truth.satellites[index].number;
+  m.elevation_rad = los.direction.elevation_rad;
+  m.azimuth_rad = los.direction.azimuth_rad;
+  m.range_m = los.range_m;
+  m.satellite_clock_s = los.state.clock_s;
+  if (scenario.errors.troposphere) m.troposphere_m = TroposphereDelay(site, m.elevation_rad);
+  m.slant_tec = Tec(los.direction, tag_s_);
+  m.slant_tec += work.WaveTec(done, tag_s_, grid.Seconds(grid.epochs)) + work.RandomTec(done, tag_s_);
+  m.glitch_m = work.Glitch(done);
+  return m;
+}
+
+/// Rates of change over a short span around the epoch. That of a random TEC is not in it.
+void Simulation::Work::AddRates(std::size_t index, double true_s, EpochGeometry& g) const {
+  double range_m[2], tec[2];
+  for (const int side : {0, 1}) {
+    const double time_s = true_s + (side - 0.5) * kDopplerSpan_s;
+    double travel_s = work_[index].travel_s;
+    const Site from = SiteOnPath(start, scenario.receiver.path, time_s);
+    const LineOfSight los = LineOfSightTo(index, time_s, travel_s, from);
+    range_m[side] = los.range_m - kLightSpeed_m_s * los.state.clock_s;
+    if (scenario.errors.troposphere) range_m[side] += TroposphereDelay(from, los.direction.elevation_rad);
+    tec[side] = Tec(los.direction, time_s + bias_s_) +
+                work_[index].WaveTec(done, time_s + bias_s_, grid.Seconds(grid.epochs));
+  }
+  g.range_rate_m_s = (range_m[1] - range_m[0]) / kDopplerSpan_s + kLightSpeed_m_s * clock.rate;
+  g.tec_rate = (tec[1] - tec[0]) / kDopplerSpan_s;
+}
+
+void Simulation::Work::MakeSatellite(std::size_t index, double true_s, bool delivered, Delivery& out) {
   SatelliteWork& work = work_[index];
   // A slip is recorded even when the satellite is below the horizon.
   const bool slips = std::find(work.slips.begin(), work.slips.end(), done) != work.slips.end();
   if (true_s < work.next_evaluation_s && !slips) return;
   const double step = true_s - work.travel_time_s;
   double travel = work.travel_s + (std::fabs(step) < 120 ? work.travel_rate * step : 0.0);
-  const LineOfSight los = LineOfSightTo(index, true_s, travel);
+  const LineOfSight los = LineOfSightTo(index, true_s, travel, site);
   if (std::fabs(step) < 120 && step != 0) work.travel_rate = (travel - work.travel_s) / step;
   work.travel_s = travel;
   work.travel_time_s = true_s;
@@ -335,10 +390,10 @@ void Simulation::Work::MakeSatellite(std::size_t index, double true_s, bool deli
   g.time_s = tag_s_;
   g.elevation_rad = los.direction.elevation_rad;
   g.delivered = delivered;
-  g.trackable = g.elevation_rad >= std::max(scenario.receiver.cutoff_deg * kRadian, 0.0);
+  g.trackable = g.elevation_rad >= std::max(scenario.receiver.cutoff_deg * kRadian, 0.0) && !powerless_;
   if (g.elevation_rad <= 0) {
     if (g.elevation_rad < kFarBelowHorizon_rad) work.next_evaluation_s = true_s + kBelowHorizonWait_s;
-    return Observe(index, g, epoch);
+    return Observe(index, g, out);
   }
   g.above_cutoff = g.elevation_rad > scenario.truth_cutoff_deg * kRadian;
   g.above30 = g.elevation_rad > 30 * kRadian;
@@ -347,34 +402,37 @@ void Simulation::Work::MakeSatellite(std::size_t index, double true_s, bool deli
   g.sine = Sine(g.elevation_rad);
   g.cosine_squared = 1 - g.sine * g.sine;
 
-  SatelliteMoment m;
-  m.system = t.system;
-  m.number = t.number;
-  m.elevation_rad = g.elevation_rad;
-  m.azimuth_rad = los.direction.azimuth_rad;
-  m.range_m = los.range_m;
-  m.satellite_clock_s = los.state.clock_s;
-  if (scenario.errors.troposphere) m.troposphere_m = TroposphereDelay(site, g.elevation_rad);
-  if (scenario.errors.ionosphere) {
-    m.slant_tec = SlantTec(site, los.direction, day_start_s_ + tag_s_, scenario.errors.vertical_tec_night,
-                           scenario.errors.vertical_tec_day);
-  }
-  if (!work.storms.empty()) m.slant_tec += StormTec(work, tag_s_);
+  const SatelliteMoment m = MomentOf(index, los);
   g.slant_tec = m.slant_tec;
-  g.range_m = los.range_m + kLightSpeed_m_s * (bias_s_ - los.state.clock_s) + m.troposphere_m;
+  g.range_m = los.range_m + kLightSpeed_m_s * (bias_s_ - los.state.clock_s) + m.troposphere_m + m.glitch_m;
+  g.code_only_m = kLightSpeed_m_s * clock.code_only_s;
+  if (scenario.observables.doppler && g.trackable) AddRates(index, true_s, g);
   moments.push_back(m);
-  Observe(index, g, epoch);
+  Observe(index, g, out);
 }
 
-void Simulation::Work::Observe(std::size_t index, const EpochGeometry& geometry, ObsEpoch_QC_gbt& epoch) {
+/// @return whether the signal is tracked, and then added to the satellite in both forms
+bool Simulation::Work::ObserveSignal(std::size_t index, std::size_t j, const EpochGeometry& geometry,
+                                     Satellite_gbt& record, ObservationEpoch& epoch) {
+  SignalTrack& track = work_[index].signals[j];
+  SignalObservation o;
+  if (!track.Update(geometry, o, truth.satellites[index].signals[j], truth.faults)) return false;
+  epoch.signals.push_back(o);
+  Signal_QC_gbt& signal = record.signals[record.signal_num++];
+  signal.code = static_cast<std::uint8_t>(track.Number());
+  signal.pseudorange = o.pseudorange_m;
+  signal.phase = o.phase_cycles;
+  signal.snr = static_cast<float>(o.snr_dbhz);
+  if (scenario.observables.doppler) signal.doppler = static_cast<float>(o.doppler_hz);
+  return true;
+}
+
+void Simulation::Work::Observe(std::size_t index, const EpochGeometry& geometry, Delivery& out) {
   SatelliteTruth& t = truth.satellites[index];
   Satellite_gbt satellite = {};
-  const std::size_t logged = truth.faults.size();
+  const std::size_t logged = truth.faults.size(), first = out.epoch.signals.size();
   for (std::size_t j = 0; j < work_[index].signals.size(); ++j) {
-    Signal_QC_gbt signal = {};
-    if (work_[index].signals[j].Update(geometry, signal, t.signals[j], truth.faults)) {
-      satellite.signals[satellite.signal_num++] = signal;
-    }
+    ObserveSignal(index, j, geometry, satellite, out.epoch);
   }
   for (std::size_t i = logged; i < truth.faults.size(); ++i) {
     truth.faults[i].satellite = SatelliteName(t.system, t.number);
@@ -382,10 +440,14 @@ void Simulation::Work::Observe(std::size_t index, const EpochGeometry& geometry,
   const bool two = satellite.signal_num >= std::min<std::size_t>(2, work_[index].signals.size());
   if (two && satellite.signal_num > 0 && geometry.above_cutoff && geometry.delivered) ++t.two_signals;
   if (geometry.elevation_rad > 0) moments.back().tracked_signals = static_cast<int>(satellite.signal_num);
-  if (satellite.signal_num == 0 || epoch.sat_num >= ORSOLVA_MAX_SATELLITES) return;
+  if (satellite.signal_num == 0) return;
+  work_[index].MarkGlitchesSeen(done, truth.faults);
+  const SatelliteId id = {t.system, static_cast<std::uint8_t>(t.number)};
+  out.epoch.satellites.push_back({id, first, satellite.signal_num});
+  if (out.record.sat_num >= ORSOLVA_MAX_SATELLITES) return;
   satellite.sys = static_cast<std::uint8_t>(kSystemTable[SystemSlot(t.system)].code);
   satellite.prn = t.number;
-  epoch.sats[epoch.sat_num++] = satellite;
+  out.record.sats[out.record.sat_num++] = satellite;
 }
 
 Simulation::Simulation(const Scenario& scenario)
@@ -397,18 +459,32 @@ Simulation& Simulation::operator=(Simulation&&) noexcept = default;
 const Scenario& Simulation::Settings() const { return work_->scenario; }
 const NavigationSet& Simulation::Navigation() const { return work_->sky.Navigation(); }
 const Sky& Simulation::sky() const { return work_->sky; }
-bool Simulation::Next(ObsEpoch_QC_gbt& epoch) { return work_->Next(epoch); }
+bool Simulation::Next(ObsEpoch_QC_gbt& record) {
+  const Delivery* next = work_->Next();
+  if (next != nullptr) record = next->record;
+  return next != nullptr;
+}
+
+bool Simulation::Next(ObsEpoch_QC_gbt& record, ObservationEpoch& epoch) {
+  const Delivery* next = work_->Next();
+  if (next == nullptr) return false;
+  record = next->record;
+  epoch = next->epoch;
+  return true;
+}
 
 std::size_t Simulation::NextBatch(std::vector<ObsEpoch_QC_gbt>& batch, std::size_t most) {
   most = std::min(most, work_->MostLeft());
   batch.resize(most);
   std::size_t count = 0;
-  while (count < most && work_->Next(batch[count])) ++count;
+  while (count < most && Next(batch[count])) ++count;
   batch.resize(count);
   return count;
 }
 
 const std::vector<SatelliteMoment>& Simulation::Moments() const { return work_->moments; }
+double Simulation::ClockBias() const { return work_->clock.bias_s; }
+const std::array<double, 3>& Simulation::AntennaPosition() const { return work_->site.position_m; }
 const Truth& Simulation::TruthSoFar() const { return work_->truth; }
 std::uint64_t Simulation::NominalEpochs() const { return static_cast<std::uint64_t>(work_->grid.epochs); }
 std::uint64_t Simulation::NominalEpochsDone() const { return static_cast<std::uint64_t>(work_->done); }

@@ -12,11 +12,13 @@
 #ifndef ORSOLVA_SIMULATOR_SIMULATION_H
 #define ORSOLVA_SIMULATOR_SIMULATION_H
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <vector>
 
+#include "host/observation/observation_epoch.h"
 #include "host/rinex/navigation_set.h"
 #include "host/simulator/scenario.h"
 #include "host/simulator/sky.h"
@@ -35,6 +37,7 @@ struct SatelliteMoment {
   double satellite_clock_s = 0;  ///< with the relativistic term
   double troposphere_m = 0;
   double slant_tec = 0;  ///< TECU
+  double glitch_m = 0;   ///< of the satellite clock, lengthens codes and phases
   int tracked_signals = 0;
 };
 
@@ -52,11 +55,16 @@ class Simulation {
 
   /// Returns the next epoch. @return false at the end of the span
   bool Next(ObsEpoch_QC_gbt& epoch);
+  /// The same with everything that an observation file would hold.
+  bool Next(ObsEpoch_QC_gbt& record, ObservationEpoch& epoch);
   /// Fills the batch with up to `most` epochs. @return their number; 0 at the end of the span
   std::size_t NextBatch(std::vector<ObsEpoch_QC_gbt>& batch, std::size_t most);
 
   /// Satellites above the horizon at the last nominal epoch.
   const std::vector<SatelliteMoment>& Moments() const;
+  /// Receiver time less true time at the last nominal epoch, s, and the antenna's position.
+  double ClockBias() const;
+  const std::array<double, 3>& AntennaPosition() const;
   /// Truth of the epochs delivered so far; complete once the span has ended.
   const Truth& TruthSoFar() const;
   std::uint64_t NominalEpochs() const;

@@ -23,6 +23,15 @@ struct MeanOf {
   double Mean() const { return count ? sum / static_cast<double>(count) : 0.0; }
 };
 
+/// Five degrees of elevation, from 0; the last one ends at 90.
+inline constexpr int kTruthBin_deg = 5;
+inline constexpr std::size_t kTruthBins = 18;
+
+/// Errors and strength of a signal within a range of elevations.
+struct BinTruth {
+  MeanOf snr, noise_square, multipath_square, phase_noise_square;
+};
+
 struct SignalTruth {
   std::string name;                ///< such as "1C"
   int number = 0;                  ///< signal code number of the library
@@ -38,6 +47,13 @@ struct SignalTruth {
   MeanOf snr_above_cutoff;
   MeanOf snr_below30;  ///< at and below 30 degrees
   MeanOf snr_above30;
+  MeanOf phase_noise_square;  ///< m^2, above the cut-off; with scintillation
+  std::array<BinTruth, kTruthBins> by_elevation;
+  std::uint64_t flags_at_slips = 0;    ///< loss-of-lock flags in epochs with an injected slip
+  std::uint64_t slips_unflagged = 0;   ///< epochs with a slip and no flag
+  std::uint64_t flags_at_arcs = 0;     ///< in the first epoch of an arc
+  std::uint64_t flags_elsewhere = 0;   ///< with neither
+  std::uint64_t half_cycle_flags = 0;  ///< epochs with an unresolved half-cycle ambiguity
 };
 
 struct SatelliteTruth {
@@ -62,6 +78,7 @@ struct InjectedFault {
   double size = 0;
   double elevation_deg = 0;  ///< with a satellite
   bool seen = true;          ///< false when the signal was not tracked at the time, so nothing shows
+  bool flagged = false;      ///< a slip with a loss-of-lock flag
 };
 
 struct ClockMoment {
@@ -69,9 +86,16 @@ struct ClockMoment {
   double bias_s = 0;
 };
 
-struct Truth {
+/// Where the antenna was, Earth-fixed.
+struct TrackPoint {
+  Time_gbt time = {};
   std::array<double, 3> position_m = {};
+};
+
+struct Truth {
+  std::array<double, 3> position_m = {};  ///< at rest
   std::array<double, 3> header_position_m = {};
+  std::vector<TrackPoint> track;  ///< of a moving antenna, every ten seconds and more
   double cutoff_deg = 10;
   double interval_s = 30;
   /// Epochs of the moving mean subtracted from the code error; equal to the averaging window of the check.

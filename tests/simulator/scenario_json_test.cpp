@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "host/simulator/fault_kinds.h"
 #include "host/simulator/presets.h"
 #include "tests/simulator/made.h"
 
@@ -100,6 +101,44 @@ TEST(ScenarioJson, EveryKeyOfTheErrorsArrives) {
   EXPECT_EQ(e.vertical_tec_day, 7);
 }
 
+TEST(ScenarioJson, EveryKeyOfClocksFlagsPathsAndThermalNoiseArrives) {
+  Scenario s;
+  ReadScenario(R"({"observables": {"doppler": true, "strength": true},
+    "receiver": {"clock_walk": 1e-10, "clock_steering_s": 300, "half_cycle_s": 60,
+      "lock_flags": {"at_slip": 0.5, "at_acquisition": 0.25, "without_slip": 0.125},
+      "path": {"kind": "line", "speed_m_s": 3, "heading_deg": 45, "radius_m": 7, "from_s": 60, "to_s": 120}},
+    "errors": {"multipath_by_elevation": [[5, 0.5], [90, 0.1]], "reflector_height_m": 2, "doppler_noise_hz": 0.1,
+      "thermal_noise": {"dll_bandwidth_hz": 1, "pll_bandwidth_hz": 18, "integration_s": 0.01,
+        "correlator_spacing_chips": 0.5}}})",
+               s);
+  EXPECT_NO_THROW(CheckScenario(s));
+  EXPECT_TRUE(s.observables.doppler && s.observables.strength);
+  const ReceiverModel& r = s.receiver;
+  EXPECT_EQ(r.clock_walk, 1e-10);
+  EXPECT_EQ(r.clock_steering_s, 300);
+  EXPECT_EQ(r.half_cycle_s, 60);
+  EXPECT_EQ(r.lock_flags.at_slip, 0.5);
+  EXPECT_EQ(r.lock_flags.at_acquisition, 0.25);
+  EXPECT_EQ(r.lock_flags.without_slip, 0.125);
+  EXPECT_EQ(r.path.kind, PathKind::kLine);
+  EXPECT_EQ(r.path.speed_m_s, 3);
+  EXPECT_EQ(r.path.heading_deg, 45);
+  EXPECT_EQ(r.path.radius_m, 7);
+  EXPECT_EQ(r.path.from_s, 60);
+  EXPECT_EQ(r.path.to_s, 120);
+  const ErrorModel& e = s.errors;
+  ASSERT_EQ(e.multipath_by_elevation.size(), 2U);
+  EXPECT_EQ(e.multipath_by_elevation[1].elevation_deg, 90);
+  EXPECT_EQ(e.multipath_by_elevation[1].value, 0.1);
+  EXPECT_EQ(e.reflector_height_m, 2);
+  EXPECT_EQ(e.doppler_noise_hz, 0.1);
+  ASSERT_TRUE(e.thermal_noise.has_value());
+  EXPECT_EQ(e.thermal_noise->dll_bandwidth_hz, 1);
+  EXPECT_EQ(e.thermal_noise->pll_bandwidth_hz, 18);
+  EXPECT_EQ(e.thermal_noise->integration_s, 0.01);
+  EXPECT_EQ(e.thermal_noise->correlator_spacing_chips, 0.5);
+}
+
 TEST(ScenarioJson, EveryKindAndKeyOfAFaultArrives) {
   for (const std::string& kind : FaultNames()) {
     Scenario s;
@@ -156,6 +195,22 @@ TEST(ScenarioJson, MistakesNameTheKeyWhatWasFoundAndWhatIsExpected) {
       {R"({"receiver": {"millisecond_jumps": 1}})", "receiver.millisecond_jumps: ", "found 1",
        "true or false"},
       {R"({"receiver": {"signal_delay_s": {"G9Z": 1}}})", "receiver.signal_delay_s.G9Z: ", "found", "G5Q"},
+      {R"({"receiver": {"clock_walk": -1}})", "receiver.clock_walk: ", "found -1", "0 to 0.001"},
+      {R"({"receiver": {"lock_flags": {"at_slip": 2}}})", "receiver.lock_flags.at_slip: ", "found 2",
+       "0 to 1"},
+      {R"({"receiver": {"path": {"kind": "square"}}})", "receiver.path.kind: ", "found \"square\"", "circle"},
+      {R"({"receiver": {"path": {"kind": "line", "speed_m_s": 100}}})",
+       "receiver.path (length of the line, m): ", "found 8.64e+06", "0 to 100000"},
+      {R"({"receiver": {"path": {"from_s": 9, "to_s": 5}}})", "receiver.path.to_s: ", "found 5", "9 to"},
+      {R"({"errors": {"thermal_noise": {"integration_s": 0}}})",
+       "errors.thermal_noise.integration_s: ", "found 0", "0.0001 to 10"},
+      {R"({"errors": {"multipath_by_elevation": [[1]]}})", "errors.multipath_by_elevation: ", "found [[1]]",
+       "pairs of degrees and metres"},
+      {R"({"errors": {"multipath_by_elevation": [[9, 1], [5, 1]]}})",
+       "errors.multipath_by_elevation (degrees, ascending): ", "found 5", "9.01 to 90"},
+      {R"({"observables": {"doppler": 1}})", "observables.doppler: ", "found 1", "true or false"},
+      {R"({"faults": [{"kind": "scintillation", "size": -1}]})", "faults[0].size: ", "found -1", "0 to 10"},
+      {R"({"faults": [{"kind": "tec_rate"}]})", "faults[0].size: ", "found none", "TECU per minute"},
       {R"({"errors": {"code_noise_m": {"zenith": -1}}})", "errors.code_noise_m.zenith: ", "found -1", "0 to"},
       {R"({"errors": {"code_noise_m": 0.3}})", "errors.code_noise_m: ", "found 0.3", "an object"},
       {R"({"cadence": {"glonass_s": 900}})", "cadence.glonass_s: ", "found 900", "1800"},

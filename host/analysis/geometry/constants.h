@@ -1,4 +1,4 @@
-// Constants of the analysis beside those that the whole host shares. SI units.
+// Constants of the analysis on top of those that the whole host shares. SI units.
 #ifndef ORSOLVA_ANALYSIS_GEOMETRY_CONSTANTS_H
 #define ORSOLVA_ANALYSIS_GEOMETRY_CONSTANTS_H
 

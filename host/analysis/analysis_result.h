@@ -154,6 +154,7 @@ struct SatelliteFigures {
   std::optional<Count> observed_epochs;
   std::optional<std::int64_t> first_ns, last_ns;
   std::optional<double> highest_deg;
+  std::vector<SignalCode> lacking;  ///< it must transmit them, others were observed with them, it never was
   CompletenessFigures horizon;  ///< of the signals expected of it
   CompletenessFigures cutoff;
   SlipFigures slips;
@@ -176,6 +177,7 @@ struct SystemFigures {
   char letter = 'G';
   std::optional<Count> satellites_observed;
   std::optional<Count> satellites_without_record;
+  std::optional<Count> satellites_never_observed;  ///< healthy and above the cut-off in some epoch
   CompletenessFigures horizon;
   CompletenessFigures cutoff;
   SlipFigures slips;
@@ -221,6 +223,13 @@ struct MaskFigures {
   std::optional<double> lowest_deg;  ///< first percentile of the elevations observed
 };
 
+/// A satellite that stood above the cut-off and of which the data hold nothing.
+struct NeverObserved {
+  SatelliteId id;
+  Count healthy_epochs = 0;  ///< nominal epochs above the cut-off
+  Count unhealthy_epochs = 0;
+};
+
 struct AnalysisResult {
   bool with_orbits = false;  ///< elevations are known; without them what needs one is absent
   double elevation_cutoff_deg = 0;
@@ -235,6 +244,7 @@ struct AnalysisResult {
   ReceiverClockFigures receiver_clock;
   std::vector<Contradiction> contradictions;
   std::vector<SatelliteId> without_record;
+  std::vector<NeverObserved> never_observed;  ///< of the systems observed
 };
 
 }  // namespace orsolva_host::analysis

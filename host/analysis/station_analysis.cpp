@@ -1,9 +1,7 @@
 #include "host/analysis/station_analysis.h"
 
-#include "host/analysis/figures/observation_counts.h"
+#include "host/analysis/figures/epoch_groups.h"
 #include "host/analysis/figures/phase_groups.h"
-#include "host/analysis/figures/signal_roster.h"
-#include "host/analysis/figures/span.h"
 #include "host/analysis/slips/detector_observer.h"
 
 namespace orsolva_host::analysis {
@@ -12,17 +10,20 @@ namespace orsolva_host::analysis {
 class StationAnalysis::Figures : public DetectorObserver {
  public:
   explicit Figures(const AnalysisOptions& options)
-      : cutoff_deg_(options.elevation_cutoff_deg), span_(options.detector.interval_s), phases_(cutoff_deg_) {}
+      : cutoff_deg_(options.elevation_cutoff_deg),
+        epochs_(options.detector.interval_s, cutoff_deg_),
+        phases_(cutoff_deg_) {}
+
+  void UseOrbits(BroadcastStore& orbits) { epochs_.UseOrbits(orbits); }
 
   void Started(double interval_s, const Station* station) override {
     with_orbits_ = station != nullptr;
+    epochs_.Begin(interval_s);
     phases_.Begin(interval_s);
   }
 
   void Taken(const ObservationEpoch& epoch, const ReceiverStep& receiver) override {
-    roster_.Take(epoch);
-    span_.Add(epoch);
-    counts_.Add(epoch, roster_);
+    epochs_.AddEpoch(epoch, receiver.station);
     phases_.AddEpoch(epoch, receiver.number);
   }
 
@@ -33,22 +34,21 @@ class StationAnalysis::Figures : public DetectorObserver {
   void FillIn(AnalysisResult& result) const {
     result.with_orbits = with_orbits_;
     result.elevation_cutoff_deg = cutoff_deg_;
-    span_.FillIn(result.span);
-    counts_.FillIn(roster_, result);
+    epochs_.FillIn(result);
     phases_.FillIn(result);
   }
 
  private:
   double cutoff_deg_;
   bool with_orbits_ = false;
-  SignalRoster roster_;
-  Span span_;
-  ObservationCounts counts_;
+  EpochGroups epochs_;
   PhaseGroups phases_;
 };
 
 StationAnalysis::StationAnalysis(const AnalysisOptions& options, const BroadcastRecords& records)
-    : figures_(std::make_unique<Figures>(options)), detector_(options.detector, records, figures_.get()) {}
+    : figures_(std::make_unique<Figures>(options)), detector_(options.detector, records, figures_.get()) {
+  figures_->UseOrbits(detector_.Orbits());
+}
 
 StationAnalysis::~StationAnalysis() = default;
 

@@ -8,6 +8,7 @@ namespace orsolva_host::analysis {
 namespace {
 
 constexpr int kSatellitesOfUsable = 4;
+constexpr Count kFirstSteps = 16;
 constexpr std::int64_t kAlike = 50;  // steps that differ by a fiftieth make one run
 
 /// Whole intervals in a time, rounded to the nearest.
@@ -51,13 +52,28 @@ bool Span::GoesOn(const Run& run, std::int64_t step_ns, bool present) const {
   return run.present == present && std::abs(step_ns - run.step_ns) <= run.step_ns / kAlike;
 }
 
+void Span::Begin(double interval_s) {
+  first_interval_ns_ = static_cast<std::int64_t>(std::llround(interval_s * 1e9));
+}
+
+void Span::FindNominalStep(std::int64_t time_ns) {
+  const bool early = first_interval_ns_ > 0 && steps_seen_ < kFirstSteps;
+  const std::int64_t interval_ns = early ? first_interval_ns_ : interval_.Nanoseconds();
+  const bool changed = nominal_interval_ns_ > 0 && interval_ns != nominal_interval_ns_;
+  interval_change_ =
+      changed ? static_cast<double>(nominal_interval_ns_) / static_cast<double>(interval_ns) : 1;
+  nominal_interval_ns_ = interval_ns;
+  nominal_step_ = steps_.Add(time_ns, interval_ns);
+}
+
 void Span::Add(const ObservationEpoch& epoch) {
   const bool present = HasObservation(epoch);
   const bool usable = present && IsUsable(epoch);
   const std::int64_t step_ns = last_ns_ ? epoch.time_ns - *last_ns_ : 0;
   last_ns_ = epoch.time_ns;
+  if (step_ns > 0) ++steps_seen_;
   interval_.Add(step_ns);
-  nominal_step_ = steps_.Add(epoch.time_ns, interval_.Nanoseconds());
+  FindNominalStep(epoch.time_ns);
   const bool fresh = runs_.empty() || runs_.size() == 1 || !GoesOn(runs_.back(), step_ns, present);
   overflown_ = overflown_ || (fresh && runs_.size() == kMostRuns);
   if (overflown_) {

@@ -49,9 +49,13 @@ class Span {
   /// Takes the next epoch, later than the one before.
   void Add(const ObservationEpoch& epoch);
 
-  /// n of the epoch taken last.
+  /// The interval of the stream's first epochs, which counts for NominalStep until the stream shows its own.
+  void Begin(double interval_s);
+
+  /// n of the epoch taken last, with the interval known by then.
   std::int64_t NominalStep() const { return nominal_step_; }
-  std::int64_t Interval_ns() const { return interval_.Nanoseconds(); }
+  /// The interval before the epoch taken last over that since then: 1 unless another one was found.
+  double IntervalChange() const { return interval_change_; }
 
   void FillIn(SpanFigures& figures) const;
 
@@ -66,11 +70,16 @@ class Span {
     bool present = false;
   };
   class Counting;
+  void FindNominalStep(std::int64_t time_ns);
   bool GoesOn(const Run& run, std::int64_t step_ns, bool present) const;
 
   Interval interval_;
   NominalSteps steps_;
+  std::int64_t first_interval_ns_ = 0;
+  std::int64_t nominal_interval_ns_ = 0;
   std::int64_t nominal_step_ = 0;
+  double interval_change_ = 1;
+  Count steps_seen_ = 0;
   std::optional<std::int64_t> last_ns_;
   std::vector<Run> runs_;
   bool overflown_ = false;

@@ -7,6 +7,7 @@ namespace orsolva_host::analysis {
 namespace {
 
 constexpr double kFirstMessageReach_s = 4 * 3600;
+constexpr double kLastTime_s = 9e9;  // what nanoseconds since 1970 can count
 
 double LongestAge_s(bool kepler, char system) {
   if (kepler) return 7500;
@@ -43,6 +44,32 @@ void SatelliteRecords::Add(const StateVectorRecord& record) {
 
 std::optional<std::size_t> SatelliteRecords::Select(std::int64_t time_ns) const {
   if (precise_ && precise_->Covers(time_ns)) return kPreciseOrbit;
+  return Nearest(time_ns);
+}
+
+double SatelliteRecords::LongestAge() const {
+  return LongestAge_s(!kepler_.empty(), kepler_.empty() ? vectors_.front()->record.satellite.system : 'G');
+}
+
+bool SatelliteRecords::IsUnhealthy(std::int64_t time_ns) const {
+  const std::optional<std::size_t> record = Nearest(time_ns);
+  return record && !IsHealthy(*record);
+}
+
+std::optional<std::int64_t> SatelliteRecords::NextCovered(std::int64_t time_ns) const {
+  if (Select(time_ns)) return time_ns;
+  std::optional<std::int64_t> next;
+  const double time_s = static_cast<double>(time_ns / kNanosecondsPerSecond);
+  const auto after = std::upper_bound(reference_s_.begin(), reference_s_.end(), time_s);
+  if (after != reference_s_.end()) {
+    const double from_s = std::max(time_s, *after - LongestAge());
+    if (from_s < kLastTime_s) next = static_cast<std::int64_t>(from_s) * kNanosecondsPerSecond;
+  }
+  const auto precise = precise_ ? precise_->NextPoint(time_ns) : std::nullopt;
+  return precise && (!next || *precise < *next) ? precise : next;
+}
+
+std::optional<std::size_t> SatelliteRecords::Nearest(std::int64_t time_ns) const {
   if (reference_s_.empty()) return std::nullopt;
   const double time_s = static_cast<double>(time_ns / kNanosecondsPerSecond);
   const auto after = std::lower_bound(reference_s_.begin(), reference_s_.end(), time_s);
@@ -53,8 +80,7 @@ std::optional<std::size_t> SatelliteRecords::Select(std::int64_t time_ns) const 
   }
   // Of records with one reference time the first counts.
   best = std::lower_bound(reference_s_.begin(), reference_s_.end(), *best);
-  const char system = kepler_.empty() ? vectors_.front()->record.satellite.system : 'G';
-  if (std::fabs(time_s - *best) > LongestAge_s(!kepler_.empty(), system)) return std::nullopt;
+  if (std::fabs(time_s - *best) > LongestAge()) return std::nullopt;
   return static_cast<std::size_t>(best - reference_s_.begin());
 }
 
@@ -100,6 +126,13 @@ void BroadcastStore::Add(const PreciseOrbits& orbits) {
 SatelliteRecords* BroadcastStore::Find(SatelliteId satellite) {
   const auto found = satellites_.find(satellite);
   return found == satellites_.end() ? nullptr : &found->second;
+}
+
+std::vector<SatelliteId> BroadcastStore::Satellites() const {
+  std::vector<SatelliteId> ids;
+  ids.reserve(satellites_.size());
+  for (const auto& [id, records] : satellites_) ids.push_back(id);
+  return ids;
 }
 
 }  // namespace orsolva_host::analysis

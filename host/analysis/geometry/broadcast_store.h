@@ -38,6 +38,10 @@ class SatelliteRecords {
   bool IsHealthy(std::size_t record) const;
   /// KeplerRecord::group_delay_s; 0 with the precise orbit.
   double GroupDelay(std::size_t record) const;
+  /// Whether the broadcast record for a time calls the satellite unhealthy; false without such a record.
+  bool IsUnhealthy(std::int64_t time_ns) const;
+  /// The earliest time from a given one on that may have an orbit; absent after the last one.
+  std::optional<std::int64_t> NextCovered(std::int64_t time_ns) const;
   /// GLONASS frequency channel of the first record that has one.
   std::optional<int> Channel() const;
 
@@ -47,6 +51,8 @@ class SatelliteRecords {
     std::unique_ptr<StateVectorOrbit> orbit;
   };
   bool HasNearFirstMessage(const KeplerRecord& record) const;
+  std::optional<std::size_t> Nearest(std::int64_t time_ns) const;
+  double LongestAge() const;
 
   std::optional<PreciseOrbit> precise_;
   std::vector<double> reference_s_;
@@ -64,6 +70,8 @@ class BroadcastStore {
   bool Empty() const { return satellites_.empty(); }
   /// Null for a satellite without records and precise orbit.
   SatelliteRecords* Find(SatelliteId satellite);
+  /// Those with records or precise orbit, by system and number.
+  std::vector<SatelliteId> Satellites() const;
 
  private:
   std::map<SatelliteId, SatelliteRecords> satellites_;

@@ -71,6 +71,13 @@ PreciseOrbit::PreciseOrbit(const std::vector<PrecisePoint>& points) : points_(&p
   }
 }
 
+std::optional<std::int64_t> PreciseOrbit::NextPoint(std::int64_t time_ns) const {
+  const auto next = std::lower_bound(points_->begin(), points_->end(), time_ns,
+                                     [](const PrecisePoint& p, std::int64_t t) { return p.time_ns < t; });
+  if (next == points_->end()) return std::nullopt;
+  return next->time_ns;
+}
+
 /// The step within which a time lies, its last point included; kNoStep outside all points.
 std::size_t PreciseOrbit::StepOf(std::int64_t time_ns) const {
   const auto& points = *points_;

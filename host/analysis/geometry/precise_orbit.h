@@ -18,6 +18,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "host/analysis/geometry/satellite_orbit.h"
@@ -32,6 +33,8 @@ class PreciseOrbit {
 
   /// Whether a time has position and clock.
   bool Covers(std::int64_t time_ns) const;
+  /// The time of the first point not before a time.
+  std::optional<std::int64_t> NextPoint(std::int64_t time_ns) const;
   /// Position, and the clock with the relativistic part of eccentricity (-2 r v / c^2).
   /// @param time  whose whole part is covered; the offset may leave the points by a signal's travel
   SatelliteState StateAt(const Instant& time);

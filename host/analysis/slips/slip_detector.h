@@ -60,6 +60,8 @@ class SlipDetector {
   /// Events decided since the last call, by time and satellite.
   std::vector<Event> TakeEvents();
 
+  /// For those who need orbits of other satellites too.
+  BroadcastStore& Orbits() { return records_; }
   const std::map<SatelliteId, TestCounts>& Counts() const { return counts_; }
   std::int64_t DisorderedEpochs() const { return disordered_; }
   double Interval() const { return interval_s_; }

@@ -1,0 +1,56 @@
+// Observed against expected epochs of every signal, from the horizon (0 degrees) and from the cut-off up.
+//
+//   expected  nominal epochs at which the satellite stands at or above the elevation and is healthy, between
+//   the
+//             first and the last epoch of the stream, gaps included (expected_epochs.h)
+//   observed  those of them with both code and phase of the signal; its strength is not asked for
+//   ratio     observed / expected
+// Of a satellite those signals are expected that it was observed with at least once (code and phase), and
+// those that it must transmit because of them (transmitted_signals.h), if at most one in kTrackedOn
+// satellites that must transmit them was not observed with them: what a receiver does not track at all, or
+// only on the satellites that its firmware knows, is not missing. Either way SatelliteFigures::lacking lists
+// such signals. What this cannot see: a signal never observed on a satellite whose other signals do not imply
+// it. Satellites never observed at all are listed apart (sky.h) and not in these sums.
+//
+// Satellites, systems and the signals of systems are sums over the signals of satellites. Without orbits or a
+// position all are absent.
+#ifndef ORSOLVA_ANALYSIS_FIGURES_COMPLETENESS_H
+#define ORSOLVA_ANALYSIS_FIGURES_COMPLETENESS_H
+
+#include <array>
+#include <cstddef>
+#include <vector>
+
+#include "host/analysis/analysis_result.h"
+#include "host/analysis/figures/signal_roster.h"
+#include "host/analysis/figures/sky.h"
+#include "host/observation/observation_epoch.h"
+
+namespace orsolva_host::analysis {
+
+class Completeness {
+ public:
+  static constexpr std::size_t kTrackedOn = 10;
+
+  /// @param sky  has taken the epoch
+  void Add(const ObservationEpoch& epoch, const SignalRoster& roster, const Sky& sky);
+  /// Converts what has been counted to another interval: fewer epochs, never more.
+  void Rescale(double ratio);
+  void FillIn(const SignalRoster& roster, const Sky& sky, AnalysisResult& result) const;
+
+ private:
+  struct Signal {
+    bool seen = false;
+    std::array<Count, Visibility::kLevels> observed = {};
+  };
+  /// The signals that a satellite was observed with.
+  std::vector<std::vector<SignalCode>> SeenOfSatellites(const SignalRoster& roster) const;
+  static void FillInLacking(const SignalRoster& roster, const Sky& sky, const SharedSignal& shared,
+                            const std::vector<std::vector<SignalCode>>& seen, AnalysisResult& result);
+
+  std::vector<Signal> signals_;  ///< of the roster
+};
+
+}  // namespace orsolva_host::analysis
+
+#endif  // ORSOLVA_ANALYSIS_FIGURES_COMPLETENESS_H

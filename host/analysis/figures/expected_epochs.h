@@ -1,0 +1,52 @@
+// For each satellite with an orbit: the nominal epochs at which it stood above the horizon and above the
+// cut-off and was healthy, those inside gaps of the stream included, none before its first and after its last
+// epoch.
+#ifndef ORSOLVA_ANALYSIS_FIGURES_EXPECTED_EPOCHS_H
+#define ORSOLVA_ANALYSIS_FIGURES_EXPECTED_EPOCHS_H
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "host/analysis/analysis_result.h"
+#include "host/analysis/figures/visibility.h"
+
+namespace orsolva_host::analysis {
+
+class ExpectedEpochs {
+ public:
+  struct Counts {
+    std::array<Count, Visibility::kLevels> healthy = {};
+    std::array<Count, Visibility::kLevels> unhealthy = {};
+  };
+
+  /// Takes the next epoch of the stream; leaves the visibility there.
+  /// @param steps  nominal epochs from the one before to this one, itself included; the nominal epochs
+  /// between
+  ///               are spread evenly. With 0 nothing is counted.
+  void Add(std::int64_t time_ns, std::int64_t steps, const Station& station, Visibility& visibility);
+
+  /// Whether the satellite was counted as expected at the epoch taken last.
+  bool IsExpected(std::size_t satellite, Visibility::Level level) const {
+    return satellite < expected_now_.size() && (expected_now_[satellite] & (1U << level)) != 0;
+  }
+  /// By the numbers of the visibility.
+  const std::vector<Counts>& Satellites() const { return counts_; }
+
+  /// Converts what has been counted to another interval: n epochs become n times the ratio.
+  void Rescale(double ratio);
+
+ private:
+  void CountGap(std::int64_t time_ns, std::int64_t steps, std::int64_t step_ns, const Station& station,
+                Visibility& visibility);
+  void CountEpoch(std::int64_t time_ns, const Visibility& visibility);
+
+  std::vector<Counts> counts_;
+  std::vector<std::uint8_t> expected_now_;  ///< bits by level
+  std::int64_t last_ns_ = 0;                ///< last nominal epoch
+};
+
+}  // namespace orsolva_host::analysis
+
+#endif  // ORSOLVA_ANALYSIS_FIGURES_EXPECTED_EPOCHS_H

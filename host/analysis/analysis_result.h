@@ -192,6 +192,7 @@ struct PositionFigures {
   std::optional<std::array<double, 3>> mean_m;  ///< median of the solutions, Earth-centred, Earth-fixed
   std::optional<Count> solutions;
   std::optional<Count> failed;
+  std::optional<Count> one_band_solutions;  ///< of the solutions, with the ionosphere in them
   std::optional<double> residual_rms_m;
   std::optional<double> pdop_median;
   std::optional<double> pdop_p95;
@@ -208,7 +209,8 @@ struct ReceiverClockFigures {
   std::optional<Count> code_clock_jumps;  ///< of the codes alone
   std::optional<Count> restarts;          ///< steps whose clock cannot be known
   std::optional<bool> steered;
-  std::optional<double> allan_deviation;  ///< at the interval
+  std::optional<double> allan_deviation;     ///< at the interval
+  std::optional<double> allan_deviation_10;  ///< at ten times the interval
 };
 
 /// A statement of header or file name that the data contradict.

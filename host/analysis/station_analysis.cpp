@@ -2,6 +2,7 @@
 
 #include "host/analysis/figures/epoch_groups.h"
 #include "host/analysis/figures/phase_groups.h"
+#include "host/analysis/figures/receiver_groups.h"
 #include "host/analysis/slips/detector_observer.h"
 
 namespace orsolva_host::analysis {
@@ -20,22 +21,33 @@ class StationAnalysis::Figures : public DetectorObserver {
     with_orbits_ = station != nullptr;
     epochs_.Begin(interval_s);
     phases_.Begin(interval_s);
+    receiver_.Begin(interval_s);
+  }
+
+  void Modelled(const ObservationEpoch& epoch, const Station& station,
+                const std::vector<ModelledSatellite>& satellites) override {
+    receiver_.AddRanges(epoch, station, satellites);
   }
 
   void Taken(const ObservationEpoch& epoch, const ReceiverStep& receiver) override {
     epochs_.AddEpoch(epoch, receiver.station);
     phases_.AddEpoch(epoch, receiver.number);
+    receiver_.AddEpoch(epoch, receiver);
   }
 
   void Decided(const SatelliteTrack& track, std::int64_t step) override { phases_.AddStep(track, step); }
 
-  void Found(const Event& event) override { phases_.AddEvent(event); }
+  void Found(const Event& event) override {
+    phases_.AddEvent(event);
+    receiver_.AddEvent(event);
+  }
 
-  void FillIn(AnalysisResult& result) const {
+  void FillIn(const StationDescription& stated, AnalysisResult& result) const {
     result.with_orbits = with_orbits_;
     result.elevation_cutoff_deg = cutoff_deg_;
     epochs_.FillIn(result);
     phases_.FillIn(result);
+    receiver_.FillIn(stated, result);
   }
 
  private:
@@ -43,6 +55,7 @@ class StationAnalysis::Figures : public DetectorObserver {
   bool with_orbits_ = false;
   EpochGroups epochs_;
   PhaseGroups phases_;
+  ReceiverGroups receiver_;
 };
 
 StationAnalysis::StationAnalysis(const AnalysisOptions& options, const BroadcastRecords& records)
@@ -58,9 +71,9 @@ void StationAnalysis::Finish() { detector_.Finish(); }
 
 std::vector<Event> StationAnalysis::TakeEvents() { return detector_.TakeEvents(); }
 
-AnalysisResult StationAnalysis::Result() const {
+AnalysisResult StationAnalysis::Result(const StationDescription& stated) const {
   AnalysisResult result;
-  figures_->FillIn(result);
+  figures_->FillIn(stated, result);
   result.span.disordered_epochs = static_cast<Count>(detector_.DisorderedEpochs());
   return result;
 }

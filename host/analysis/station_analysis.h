@@ -10,6 +10,7 @@
 
 #include "host/analysis/analysis_result.h"
 #include "host/analysis/slips/slip_detector.h"
+#include "host/observation/station_description.h"
 
 namespace orsolva_host::analysis {
 
@@ -33,7 +34,8 @@ class StationAnalysis {
   std::vector<Event> TakeEvents();
 
   /// The figures of everything decided so far.
-  AnalysisResult Result() const;
+  /// @param stated  to hold the data against
+  AnalysisResult Result(const StationDescription& stated = {}) const;
 
  private:
   class Figures;

@@ -1,0 +1,39 @@
+// The groups of figures about the receiver as a whole, each told of what it needs.
+#ifndef ORSOLVA_ANALYSIS_FIGURES_RECEIVER_GROUPS_H
+#define ORSOLVA_ANALYSIS_FIGURES_RECEIVER_GROUPS_H
+
+#include <vector>
+
+#include "host/analysis/analysis_result.h"
+#include "host/analysis/figures/position.h"
+#include "host/analysis/figures/receiver_clock_figures.h"
+#include "host/observation/station_description.h"
+
+namespace orsolva_host::analysis {
+
+class ReceiverGroups {
+ public:
+  void Begin(double interval_s) { clock_.Start(interval_s); }
+  void AddRanges(const ObservationEpoch& epoch, const Station& station,
+                 const std::vector<ModelledSatellite>& satellites) {
+    clock_.AddOffset(epoch.time_ns, position_.AddRanges(epoch, station, satellites));
+  }
+  void AddEpoch(const ObservationEpoch& epoch, const ReceiverStep& step) {
+    position_.AddStep(step);
+    clock_.AddStep(epoch.time_ns, step);
+  }
+  void AddEvent(const Event& event) { clock_.AddEvent(event); }
+
+  void FillIn(const StationDescription& stated, AnalysisResult& result) const {
+    position_.FillIn(stated.position_m, stated.given_position_m, result.position);
+    clock_.FillIn(result.receiver_clock);
+  }
+
+ private:
+  Position position_;
+  ReceiverClockSums clock_;
+};
+
+}  // namespace orsolva_host::analysis
+
+#endif  // ORSOLVA_ANALYSIS_FIGURES_RECEIVER_GROUPS_H

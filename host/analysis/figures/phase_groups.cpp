@@ -3,11 +3,12 @@
 namespace orsolva_host::analysis {
 
 PhaseGroups::PhaseGroups(double cutoff_deg)
-    : cutoff_deg_(cutoff_deg), slips_(cutoff_deg), tracking_(cutoff_deg) {}
+    : cutoff_deg_(cutoff_deg), slips_(cutoff_deg), tracking_(cutoff_deg), multipath_(cutoff_deg) {}
 
 void PhaseGroups::Begin(double interval_s) {
   slips_.SetInterval(interval_s);
   tracking_.SetInterval(interval_s);
+  multipath_.SetInterval(interval_s);
 }
 
 void PhaseGroups::AddEpoch(const ObservationEpoch& epoch, std::int64_t number) {
@@ -19,6 +20,7 @@ void PhaseGroups::AddStep(const SatelliteTrack& track, std::int64_t step) {
   ReadOutcome(track, step, cutoff_deg_, outcome_);
   slips_.AddStep(outcome_);
   tracking_.AddStep(outcome_);
+  multipath_.AddStep(outcome_);
 }
 
 void PhaseGroups::AddEvent(const Event& event) { slips_.AddEvent(event); }
@@ -26,6 +28,7 @@ void PhaseGroups::AddEvent(const Event& event) { slips_.AddEvent(event); }
 void PhaseGroups::FillIn(AnalysisResult& result) const {
   slips_.FillIn(result);
   tracking_.FillIn(result);
+  multipath_.FillIn(result);
 }
 
 }  // namespace orsolva_host::analysis

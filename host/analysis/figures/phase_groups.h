@@ -3,6 +3,7 @@
 #define ORSOLVA_ANALYSIS_FIGURES_PHASE_GROUPS_H
 
 #include "host/analysis/analysis_result.h"
+#include "host/analysis/figures/code_multipath.h"
 #include "host/analysis/figures/slip_sums.h"
 #include "host/analysis/figures/step_outcome.h"
 #include "host/analysis/figures/tracking_sums.h"
@@ -28,6 +29,7 @@ class PhaseGroups {
   StepOutcome outcome_;  ///< of the step at hand
   SlipSums slips_;
   TrackingSums tracking_;
+  CodeMultipath multipath_;
 };
 
 }  // namespace orsolva_host::analysis

@@ -10,7 +10,7 @@
 namespace orsolva_host::analysis {
 namespace {
 
-/// Satellites that stand still over the equator: at the zenith (0 rad), at 25 degrees (0.95), at 4 degrees
+/// Geostationary satellites: at the zenith (0 rad), at 25 degrees (0.95), at 4 degrees
 /// (1.35) and below the horizon (2).
 class CompletenessTest : public testing::Test {
  protected:

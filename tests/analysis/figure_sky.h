@@ -1,4 +1,4 @@
-// Orbits for tests of figures: a station on the equator, a satellite of medium height and one that stands
+// Orbits for tests of figures: a station on the equator, a satellite of medium height and one that is fixed
 // still.
 #ifndef ORSOLVA_TESTS_ANALYSIS_FIGURE_SKY_H
 #define ORSOLVA_TESTS_ANALYSIS_FIGURE_SKY_H

@@ -1,6 +1,6 @@
 // Observed against expected epochs of every signal, from the horizon (0 degrees) and from the cut-off up.
 //
-//   expected  nominal epochs at which the satellite stands at or above the elevation and is healthy, between
+//   expected  nominal epochs at which the satellite is at or above the elevation and is healthy, between
 //   the
 //             first and the last epoch of the stream, gaps included (expected_epochs.h)
 //   observed  those of them with both code and phase of the signal; its strength is not asked for

@@ -2,7 +2,7 @@
 //
 // P_s - L_s - c (L_s - L_p) with c = 2 mu_s / (mu_p - mu_s) is free of range, clocks and first-order
 // ionosphere (Estey and Meertens 1999, GPS Solutions 3(1), eq. 4 and 5, for any two bands). Phase noise comes
-// in sqrt((1 + c)^2 + c^2) times: 5 for L1 with L2, 154 for B1C with B1I 14 MHz beside it. Partner bands are
+// in sqrt((1 + c)^2 + c^2) times: 5 for L1 with L2, 154 for B1C with B1I 14 MHz from it. Partner bands are
 // listed by system and band, first the one that every satellite with the band sends, so that one signal has
 // one partner on all satellites; none amplifies more than eight times.
 #ifndef ORSOLVA_ANALYSIS_FIGURES_PARTNER_SIGNAL_H

@@ -1,4 +1,4 @@
-// The groups of figures about the receiver as a whole, each told of what it needs.
+// The groups of figures about the receiver as a whole, each given what it needs.
 #ifndef ORSOLVA_ANALYSIS_FIGURES_RECEIVER_GROUPS_H
 #define ORSOLVA_ANALYSIS_FIGURES_RECEIVER_GROUPS_H
 

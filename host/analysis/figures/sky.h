@@ -1,4 +1,4 @@
-// What stands in the sky over the antenna while the stream goes on, observed or not.
+// What is in the sky over the antenna while the stream goes on, observed or not.
 //
 //   highest    of a satellite's elevations at epochs with a code or phase
 //   has_record a broadcast record or precise orbit was there for at least one epoch at which it was observed

@@ -1,4 +1,4 @@
-// Which satellites stand above the horizon and above the cut-off, observed or not.
+// Which satellites are above the horizon and above the cut-off, observed or not.
 //
 // Time is cut into segments of half an hour. A satellite's position in a segment is a cubic through positions
 // and velocities of its orbit at both ends; for satellites of medium height and above the elevation is then
@@ -30,7 +30,7 @@ class Visibility {
   /// Elevations from which a satellite counts.
   enum Level : std::size_t { kHorizon, kCutoff, kLevels };
 
-  /// A time during which a satellite stands above a level, end excluded.
+  /// A time during which a satellite is above a level, end excluded.
   struct Window {
     std::int64_t from_ns = 0;
     std::int64_t to_ns = 0;

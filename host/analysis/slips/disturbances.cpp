@@ -1,4 +1,4 @@
-// What a step can show beside a slip of continuous tracking: holes, satellite clocks, patches of ionosphere,
+// What a step can show besides a slip of continuous tracking: holes, satellite clocks, patches of ionosphere,
 // outliers, breaks of unknown size, and signals that slip all the time.
 #include <algorithm>
 #include <cmath>

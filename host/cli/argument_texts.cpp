@@ -102,11 +102,12 @@ std::string ParsePosition(const std::string& text, PositionChoice& position) {
 
 std::string ParseSystems(const std::string& text, std::string& systems) {
   for (std::size_t i = 0; i < text.size(); ++i) {
-    if (SystemSlot(text[i]) < 0 || text.find(text[i]) != i) {
-      return "'" + text + "' is not a list of systems: give letters from GREJC, each once";
+    if (kAllSystems.find(text[i]) == std::string_view::npos || text.find(text[i]) != i) {
+      return "'" + text + "' is not a list of systems: give letters from " + std::string(kAllSystems) +
+             ", each once";
     }
   }
-  if (text.empty()) return "no system given: give letters from GREJC";
+  if (text.empty()) return "no system given: give letters from " + std::string(kAllSystems);
   systems = text;
   return {};
 }

@@ -26,7 +26,7 @@ std::string ParseInterval(const std::string& text, std::optional<double>& interv
 std::string ParseFormats(const std::string& text, std::vector<Format>& formats);
 /// "X,Y,Z" in metres, "header" or "spp".
 std::string ParsePosition(const std::string& text, PositionChoice& position);
-/// Letters out of GREJC, each at most once.
+/// Letters out of kAllSystems, each at most once.
 std::string ParseSystems(const std::string& text, std::string& systems);
 /// A number of bytes, such as "500M" or "20G" (powers of 1,024).
 std::string ParseSize(const std::string& text, InputLimits& limits);

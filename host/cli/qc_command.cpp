@@ -42,7 +42,7 @@ void AddAnalysisOptions(QcRequest& request, std::vector<Option>& options) {
                   "X,Y,Z in metres, header, or spp: single point positioning"),
            {"spp", "header"}),
       Parsed("systems", "LETTERS", s.systems, ParseSystems, s.systems,
-             "Satellite systems: G GPS, R GLONASS, E Galileo, J QZSS, C BDS"),
+             "Satellite systems: G GPS, R GLONASS, E Galileo, J QZSS, C BDS, I NavIC, S SBAS"),
       Parsed("exclude", "SATELLITES", "", ParseExcluded, s.excluded,
              "Satellites to leave out, such as G04,R12"),
       Switch("snr-from-strength", s.snr_from_strength,
@@ -52,6 +52,10 @@ void AddAnalysisOptions(QcRequest& request, std::vector<Option>& options) {
       With(FileOption("profile", "NAME|FILE", request.profile,
                       "Grade the figures by limits: network, station, or a file of limits"),
            ProfileNames()),
+      Switch(
+          "strict", s.strict,
+          "Fail a file that cannot be judged in full, such as one without navigation, instead of reporting "
+          "what is there"),
   };
   for (Option row : rows) {
     row.group = "Analysis";
@@ -69,6 +73,9 @@ void AddOutputOptions(QcRequest& request, std::vector<Option>& options) {
       Switch("sats", request.settings.show_satellites, "Add a table per satellite"),
       FileOption("detail", "FILE", o.File(Format::kDetail),
                  "Write a CSV table of every epoch, satellite and signal (.gz: compressed)"),
+      FileOption("events", "FILE", o.File(Format::kEvents),
+                 "Write cycle slips, gaps and clock events one by one as CSV (.jsonl: JSON lines; .gz: "
+                 "compressed); - for standard output"),
       FileOption("html", "FILE", o.File(Format::kHtml),
                  "Write the report with plots as one page that needs no network; of several files, the index "
                  "of the pages in --output"),

@@ -21,21 +21,26 @@ void ValidateStandardStreams(const QcRequest& request, const RunInputs& inputs) 
         "standard input can be read once only: give - for one observation or navigation file, and name "
         "the other files");
   }
-  const auto on_output = std::count_if(
-      std::begin(kFormats), std::end(kFormats),
-      [&](const OutputFormat& row) { return row.stream && request.outputs.File(row.format) == "-"; });
+  const auto on_output =
+      std::count_if(std::begin(kFormats), std::end(kFormats), [&](const OutputFormat& row) {
+        const bool can = row.stream || row.format == Format::kEvents;
+        return can && request.outputs.File(row.format) == "-";
+      });
   if (on_output > 1) {
     throw ValidationError(
-        "only one of --text, --json, --csv and --sum can go to standard output; give the others files");
+        "only one of --text, --json, --csv, --sum and --events can go to standard output; give the others "
+        "files");
   }
 }
 
 /// Options that mean something else, or nothing, with many files.
 void ValidateMany(const QcRequest& request, const RunInputs& inputs) {
   const OutputSettings& outputs = request.outputs;
-  if (!outputs.File(Format::kDetail).empty()) {
-    throw ValidationError(
-        "--detail takes one observation file; for many use --output FOLDER --formats detail");
+  for (const Format table : {Format::kDetail, Format::kEvents}) {
+    if (outputs.File(table).empty()) continue;
+    const std::string name = FormatRow(table).name;
+    throw ValidationError("--" + name +
+                          " takes one observation file; for many use --output FOLDER --formats " + name);
   }
   const std::string& index = outputs.File(Format::kHtml);
   if (index.empty()) return;

@@ -58,7 +58,7 @@ class RinexSource : public EpochSource {
 
   const std::string& Name() const override { return path_; }
   const ObservationHeader& Header() const override { return reader_.Header(); }
-  bool Next(ObsEpoch_QC_gbt& epoch) override { return reader_.Next(epoch); }
+  bool Next(ObsEpoch_QC_gbt& epoch, ObservationEpoch& full) override { return reader_.Next(epoch, full); }
   const std::optional<FileError>& Failure() const override { return reader_.Failure(); }
 
  private:

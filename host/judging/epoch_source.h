@@ -9,6 +9,7 @@
 
 #include "host/judging/run_monitor.h"
 #include "host/judging/settings.h"
+#include "host/observation/observation_epoch.h"
 #include "host/rinex/diagnostics.h"
 #include "host/rinex/observation_header.h"
 #include "orsolva/records.h"
@@ -22,9 +23,10 @@ class EpochSource {
   virtual const std::string& Name() const = 0;
   /// Marker, receiver, antenna, position and interval, as far as they are known before the first epoch.
   virtual const ObservationHeader& Header() const = 0;
-  /// Fills the next epoch. @return false at the end of the data
+  /// Fills the next epoch twice: as the library's record, which has its limits, and with everything that is
+  /// there. @return false at the end of the data
   /// @throws FileError when nothing can be read before the first epoch
-  virtual bool Next(ObsEpoch_QC_gbt& epoch) = 0;
+  virtual bool Next(ObsEpoch_QC_gbt& epoch, ObservationEpoch& full) = 0;
   /// Why the data ended early; absent when they did not.
   virtual const std::optional<FileError>& Failure() const = 0;
 };

@@ -1,33 +1,24 @@
 #include "host/judging/judge_file.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdint>
-#include <iterator>
 #include <memory>
+#include <optional>
 #include <utility>
 
+#include "host/judging/analysis_run.h"
 #include "host/judging/epoch_batch.h"
+#include "host/judging/library_run.h"
 #include "host/judging/library_version.h"
 #include "host/judging/nominal_interval.h"
 #include "host/report/build_report.h"
-#include "host/report/detail_collector.h"
-#include "host/report/navigation_coverage.h"
 #include "host/report/profile.h"
-#include "host/report/run_events.h"
 #include "host/rinex/civil_time.h"
 #include "host/rinex/satellite_names.h"
-#include "orsolva/detail.h"
-#include "orsolva/run_facts.h"
-#include "orsolva/session.hpp"
 
 namespace orsolva_host {
 namespace {
-
-using orsolva::StatusCode;
 
 constexpr std::size_t kBatchEpochs = 2880;
 
@@ -38,40 +29,9 @@ void RequirePosition(const JudgingSettings& settings, const EpochSource& source)
   }
 }
 
-/// The configuration of the library. @param interval_s  the nominal interval
-config_qct Configuration(const JudgingSettings& settings, const EpochSource& source, double interval_s) {
-  config_qct config = {};
-  for (int slot = 0; slot < kSystems; ++slot) {
-    const bool on = settings.systems.find(kSystemTable[slot].letter) != std::string::npos;
-    config.enable_system[slot] = config.combination_system[slot] = on ? 1 : 0;
-  }
-  config.elevation = settings.elevation_cutoff_deg;
-  config.interval = interval_s;
-  config.auto_detect_freq = 1;
-  for (auto& row : config.include_satellite) std::fill(std::begin(row), std::end(row), 1);
-  for (auto& row : config.satellite_freq) std::fill(std::begin(row), std::end(row), 1);
-  for (const ExcludedSatellite& out : settings.excluded) {
-    config.include_satellite[out.system_slot][out.number - 1] = 0;
-  }
-  if (settings.position.source != PositionSource::kComputed) {
-    const bool header = settings.position.source == PositionSource::kHeader;
-    const std::array<double, 3>& xyz = header ? *source.Header().position : settings.position.xyz_m;
-    config.enable_position = 1;
-    std::copy(xyz.begin(), xyz.end(), config.position);
-  }
-  return config;
-}
-
 const char* NameOf(PositionSource source) {
   if (source == PositionSource::kHeader) return "header";
   return source == PositionSource::kOption ? "option" : "computed";
-}
-
-/// Of a batch that the library did not take.
-std::string NoticeOfBatch(StatusCode status) {
-  const char* why = status == StatusCode::kNoPosition ? "no position could be computed from it"
-                                                      : "it holds no usable epoch";
-  return std::string("a batch of epochs is not judged: ") + why;
 }
 
 /// One run from its epochs to its report.
@@ -82,155 +42,93 @@ class Run {
       : source_(source),
         settings_(settings),
         diagnostics_(diagnostics),
-        monitor_(observers.monitor),
-        batch_(MakeEpochBatch(kBatchEpochs)) {
-    sinks_.Add(&events_);
-    if (observers.detail != nullptr) sinks_.Add(observers.detail);
-  }
+        observers_(observers),
+        batch_(MakeEpochBatch(kBatchEpochs)),
+        library_(source, settings, diagnostics, observers.detail) {}
 
   Report Judged(SharedNavigation& named);
 
  private:
-  void FillBatch();
-  void TakeNavigation(SharedNavigation& named);
-  void Start();
-  void FeedBatch();
-  RunError NoBatchError() const;
+  void FillBatch(SharedNavigation& named);
+  void TakeNavigation(SharedNavigation& named, const Time_gbt& first);
+  void TakeEpoch(const Time_gbt& time);
   Report Finish();
   ReportRun Facts() const;
 
   EpochSource& source_;
   const JudgingSettings& settings_;
   Diagnostics& diagnostics_;
-  RunMonitor* monitor_;
-  DetailCollector events_{DetailCollector::Keep::kFindings};
-  DetailFanOut sinks_;
+  RunObservers observers_;
   EpochBatch batch_;
   std::size_t batch_size_ = 0;
+  ObservationEpoch full_;
   std::shared_ptr<const ReadNavigation> navigation_;
-  std::unique_ptr<CoverageCounter> coverage_;
+  LibraryRun library_;
+  std::unique_ptr<AnalysisRun> analysis_;
   NominalInterval interval_;
-  orsolva::Session session_;
+  std::optional<Time_gbt> first_, last_;
   std::uint64_t epochs_ = 0;
-  int batches_taken_ = 0;
-  StatusCode last_status_ = StatusCode::kOk;
 };
 
 Report Run::Judged(SharedNavigation& named) {
-  FillBatch();
+  FillBatch(named);
   if (batch_size_ == 0) throw RunError(source_.Name() + ": found no epoch. Check that the file is complete.");
-  TakeNavigation(named);
   interval_ = ChooseInterval(settings_, source_, batch_.get(), batch_size_, diagnostics_);
   RequirePosition(settings_, source_);
-  Start();
+  library_.Start(*navigation_, batch_[0].time, interval_.interval_s);
   while (batch_size_ > 0) {
-    FeedBatch();
-    FillBatch();
+    library_.Feed(batch_.get(), batch_size_);
+    FillBatch(named);
   }
-  if (batches_taken_ == 0) throw NoBatchError();
   return Finish();
 }
 
-void Run::FillBatch() {
+void Run::FillBatch(SharedNavigation& named) {
   batch_size_ = 0;
-  while (batch_size_ < kBatchEpochs && source_.Next(batch_[batch_size_])) {
+  while (batch_size_ < kBatchEpochs && source_.Next(batch_[batch_size_], full_)) {
+    const Time_gbt& time = batch_[batch_size_].time;
+    if (!analysis_) {
+      TakeNavigation(named, time);
+      analysis_ = std::make_unique<AnalysisRun>(settings_, source_.Header(), navigation_->broadcast,
+                                                observers_.events);
+    }
+    analysis_->Add(full_);
+    TakeEpoch(time);
     ++batch_size_;
-    ++epochs_;
-    if (monitor_ == nullptr) continue;
-    monitor_->epochs.fetch_add(1, std::memory_order_relaxed);
-    if (monitor_->stop.load(std::memory_order_relaxed)) throw Stopped();
   }
 }
 
-void Run::TakeNavigation(SharedNavigation& named) {
-  navigation_ =
-      named.Empty() ? ReadNavigationBeside(source_.Name(), batch_[0].time, settings_.limits) : named.Get();
-  if (navigation_->files.empty() && !navigation_->failure) {
-    throw RunError(
-        source_.Name() +
-        ": no navigation file named, and none of its day next to it. Elevations need satellite positions: "
-        "name the RINEX navigation files of the day after the observation file.");
-  }
+void Run::TakeEpoch(const Time_gbt& time) {
+  ++epochs_;
+  if (!first_ || Difference(time, *first_) < 0) first_ = time;
+  if (!last_ || Difference(time, *last_) > 0) last_ = time;
+  RunMonitor* const monitor = observers_.monitor;
+  if (monitor == nullptr) return;
+  monitor->epochs.fetch_add(1, std::memory_order_relaxed);
+  if (monitor->stop.load(std::memory_order_relaxed)) throw Stopped();
+}
+
+void Run::TakeNavigation(SharedNavigation& named, const Time_gbt& first) {
+  navigation_ = named.Empty() ? ReadNavigationBeside(source_.Name(), first, settings_.limits) : named.Get();
   diagnostics_.Append(navigation_->notices);
   if (navigation_->failure) throw FileError(*navigation_->failure);
-  if (navigation_->set.Size() == 0) {
-    throw RunError(
-        navigation_->files.front() +
-        ": found no navigation record that can be used. Name the broadcast navigation files of the "
-        "day.");
-  }
-  coverage_ = std::make_unique<CoverageCounter>(navigation_->set, settings_.systems);
-}
-
-void Run::Start() {
-  const config_qct config = Configuration(settings_, source_, interval_.interval_s);
-  const orsolva::Status status = session_.Start(config, navigation_->set.Body());
-  if (status.Code() == StatusCode::kNoMemory) throw RunError("there is not enough memory for a run.");
-  if (!status) {
-    throw RunError(
-        "the library refused the navigation records. Name the broadcast navigation files of the day.");
-  }
-  orsolva::SetDetailObserver(session_.Handle(), &sinks_);
-  sinks_.Begin(batch_[0].time, interval_.interval_s);
-}
-
-void Run::FeedBatch() {
-  for (std::size_t i = 0; i < batch_size_; ++i) coverage_->Add(batch_[i]);
-  last_status_ = session_.Feed({batch_.get(), batch_size_}).Code();
-  sinks_.EndBatch();
-  if (last_status_ == StatusCode::kOk) {
-    ++batches_taken_;
-    return;
-  }
-  if (last_status_ == StatusCode::kNoPosition || last_status_ == StatusCode::kNoData) {
-    diagnostics_.Add(source_.Name(), 0, NoticeOfBatch(last_status_), false);
-    return;
-  }
-  throw RunError(source_.Name() + ": internal error of the library in the epochs from " +
-                 TimeText(batch_[0].time) + " on. Please report it with the file.");
-}
-
-RunError Run::NoBatchError() const {
-  const char* error =
-      last_status_ == StatusCode::kNoPosition
-          ? "no position could be computed from the observations. Check that the navigation files cover the "
-            "epochs, or give the position with --position header or --position X,Y,Z."
-          : "found no epoch that can be judged. Check the systems and the interval.";
-  return RunError(source_.Name() + ": " + error, NoticeOfBatch(last_status_));
 }
 
 Report Run::Finish() {
-  const orsolva::Outcome<result_qct> result = session_.Result();
-  if (!result && result.status.Code() != StatusCode::kImplausible) {
-    throw RunError("there is not enough memory for a result.");
-  }
-  if (!result) {
-    std::string why = source_.Name() + ": the result is not plausible";
-    if (result->lost_epochs < 0) {
-      why += fmt::format(
-          ": there are {} more epochs than an interval of {:g} s allows. Give the interval of the "
-          "data with --interval, and check for duplicate epochs",
-          -static_cast<std::int64_t>(result->lost_epochs), interval_.interval_s);
-    }
-    throw RunError(why + ".");
-  }
-  const orsolva::Outcome<total_code_qc_result> codes = session_.CodeResult();
-  if (!codes) throw RunError("there is not enough memory for a result.");
-  sinks_.Finish(*codes);
-  Report report = BuildReport(Facts(), *result, *codes, orsolva::FactsOf(session_.Handle()));
-  if (const auto& header = source_.Header().position) {
-    const auto& xyz = report.run.position_m;
+  Report report = library_.Finish(Facts());
+  report.analysis = analysis_->Finish();
+  const auto& header = source_.Header().position;
+  if (const auto& xyz = report.run.position_m; xyz && header) {
     report.run.distance_from_header_m =
-        std::hypot(xyz[0] - (*header)[0], xyz[1] - (*header)[1], xyz[2] - (*header)[2]);
+        std::hypot((*xyz)[0] - (*header)[0], (*xyz)[1] - (*header)[1], (*xyz)[2] - (*header)[2]);
   }
-  report.run.navigation_coverage = coverage_->Rows();
   report.show_satellites = settings_.show_satellites;
   report.notices = NoticesOf(diagnostics_);
   report.further_notices = diagnostics_.Uncounted();
   if (diagnostics_.Incomplete()) report.read_error = diagnostics_.Incomplete()->what();
   if (source_.Failure()) report.read_error = source_.Failure()->what();
-  const RunEvents events = EventsOf(events_);
-  Conclude(report, &events);
+  const std::optional<RunEvents> events = library_.Events();
+  Conclude(report, events ? &*events : nullptr);
   if (settings_.profile) report.verdict = Judge(report, *settings_.profile);
   return report;
 }
@@ -254,6 +152,10 @@ ReportRun Run::Facts() const {
   run.interval_source = interval_.source;
   run.position_source = NameOf(settings_.position.source);
   run.epochs = epochs_;
+  // The library's own, where it judges, replace these.
+  run.first_epoch = first_;
+  run.last_epoch = last_;
+  run.duration_h = Difference(*last_, *first_) / 3600;
   return run;
 }
 

@@ -1,5 +1,6 @@
-// One observation file, or any other source of epochs, through the library to a report. This is the way in
-// for programs that are not the command: it reads no arguments and writes nothing.
+// One observation file, or any other source of epochs, through the library and the analysis to a report, in
+// one pass. This is the way in for programs that are not the command: it reads no arguments and writes
+// nothing.
 //
 //   SharedNavigation navigation({"brdc.rnx"}, settings.limits);
 //   Diagnostics diagnostics;
@@ -15,6 +16,7 @@
 #include "host/judging/settings.h"
 #include "host/judging/shared_navigation.h"
 #include "host/report/detail_sink.h"
+#include "host/report/event_sink.h"
 #include "host/report/report.h"
 #include "host/rinex/diagnostics.h"
 
@@ -24,10 +26,12 @@ namespace orsolva_host {
 struct RunObservers {
   DetailSink* detail = nullptr;   ///< notified of every epoch while the run goes on
   RunMonitor* monitor = nullptr;  ///< counts, and may cancel the run
+  EventSink* events = nullptr;    ///< gets every event of the analysis
 };
 
-/// Takes the epochs through the library in batches of 2,880; the first batch decides which signals are
-/// judged. With settings.profile the report has a verdict.
+/// Takes the epochs through the analysis one by one and through the library in batches of 2,880; the first
+/// batch decides which signals the library judges. Where the library refuses, as without navigation, the
+/// report says why and has the rest. With settings.profile the report has a verdict.
 /// @param navigation   the files named; with none, those next to the source are looked for
 /// @param diagnostics  those of the source; all notices of the run are added
 /// @throws FileError, RunError, Stopped, and what the sink throws

@@ -19,6 +19,7 @@
 #include "host/judging/settings.h"
 #include "host/judging/shared_navigation.h"
 #include "host/report/detail_sink.h"
+#include "host/report/event_sink.h"
 #include "host/report/report.h"
 
 namespace orsolva_host {
@@ -38,6 +39,8 @@ class FileHooks {
   virtual ~FileHooks() = default;
   /// Notified of every epoch while the run goes on; may be null.
   virtual DetailSink* Detail() { return nullptr; }
+  /// Gets every event of the analysis; may be null.
+  virtual EventSink* Events() { return nullptr; }
   /// Called with the finished report. What it throws becomes the file's error, and the report is dropped.
   virtual void Finish(const Report& /*report*/) {}
 };

@@ -23,6 +23,7 @@ const OutputFormat kFormats[kFormatCount] = {
     {Format::kSum, "sum", ".sum", true, true, SumFile},
     {Format::kHtml, "html", ".html", false, false, nullptr},
     {Format::kDetail, "detail", ".detail.csv", false, false, nullptr},
+    {Format::kEvents, "events", ".events.csv", false, false, nullptr},
 };
 
 const OutputFormat& FormatRow(Format format) { return kFormats[static_cast<int>(format)]; }

@@ -44,10 +44,10 @@ std::vector<std::string> OutputNames::PagesOf(std::size_t input) const {
   return pages;
 }
 
-std::vector<std::string> OutputNames::TablesOf(std::size_t input) const {
+std::vector<std::string> OutputNames::TablesOf(std::size_t input, Format table) const {
   std::vector<std::string> tables;
-  if (settings_.InFolder(Format::kDetail)) tables.push_back(InFolder(input, Format::kDetail));
-  const std::string& named = settings_.File(Format::kDetail);
+  if (settings_.InFolder(table)) tables.push_back(InFolder(input, table));
+  const std::string& named = settings_.File(table);
   if (!named.empty()) tables.push_back(named);
   return tables;
 }

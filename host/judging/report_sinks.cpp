@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "host/judging/detail_outputs.h"
+#include "host/judging/event_outputs.h"
 #include "host/output/byte_sink.h"
 #include "host/output/whole_file.h"
 
@@ -18,12 +19,15 @@ class InputFilesWriter : public FileHooks {
       : settings_(settings),
         names_(names),
         input_(input),
-        detail_(names.TablesOf(input), names.PagesOf(input)) {}
+        detail_(names.TablesOf(input, Format::kDetail), names.PagesOf(input)),
+        events_(names.TablesOf(input, Format::kEvents)) {}
 
   DetailSink* Detail() override { return detail_.Sink(); }
+  EventSink* Events() override { return events_.Empty() ? nullptr : &events_; }
 
   void Finish(const Report& report) override {
     detail_.Finish(report);
+    events_.Finish();
     for (const OutputFormat& row : kFormats) {
       if (row.write == nullptr || !settings_.InFolder(row.format)) continue;
       WriteWholeFile(names_.InFolder(input_, row.format), row.write(report, TextStyle()));
@@ -35,6 +39,7 @@ class InputFilesWriter : public FileHooks {
   const OutputNames& names_;
   std::size_t input_;
   DetailOutputs detail_;
+  EventOutputs events_;
 };
 
 }  // namespace
@@ -52,7 +57,8 @@ ReportSinks::ReportSinks(const OutputSettings& settings, std::vector<std::string
     const std::string& path = settings.File(row.format);
     if (row.stream && !path.empty()) open(row.format, path);
   }
-  const bool nothing_asked_for = streams_.empty() && settings.folder.empty();
+  const bool events_on_output = settings.File(Format::kEvents) == "-";
+  const bool nothing_asked_for = streams_.empty() && settings.folder.empty() && !events_on_output;
   if (nothing_asked_for && !settings.quiet) open(Format::kText, "-");
 }
 

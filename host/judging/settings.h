@@ -6,12 +6,16 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/report/profile.h"
 #include "host/rinex/byte_source.h"
 
 namespace orsolva_host {
+
+/// GPS, GLONASS, Galileo, QZSS, BDS, NavIC and SBAS; the library knows the first five.
+constexpr std::string_view kAllSystems = "GREJCIS";
 
 /// Where the position of the antenna comes from.
 enum class PositionSource {
@@ -34,12 +38,14 @@ struct JudgingSettings {
   double elevation_cutoff_deg = 10;         ///< from 0 to 90
   std::optional<double> interval_s;         ///< nominal interval; absent: the header's, else that of the data
   PositionChoice position;                  ///< of the antenna
-  std::string systems = "GREJC";            ///< letters of the systems, each at most once
+  std::string systems{kAllSystems};         ///< letters of the systems, each at most once
   std::vector<ExcludedSatellite> excluded;  ///< satellites that are left out
   bool snr_from_strength = false;           ///< see ObservationOptions::snr_from_strength
   InputLimits limits;                       ///< of each input file
   std::optional<Profile> profile;           ///< limits that the report is held against; absent: no verdict
   bool show_satellites = false;             ///< reports list every satellite
+  /// What the library cannot judge, as without navigation, is an error; else the report says what is missing.
+  bool strict = false;
 };
 
 }  // namespace orsolva_host

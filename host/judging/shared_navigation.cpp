@@ -4,6 +4,14 @@
 #include "host/rinex/navigation_reader.h"
 
 namespace orsolva_host {
+namespace {
+
+void TakeRecords(NavigationReader& reader, ReadNavigation& read) {
+  read.set = reader.Take();
+  read.broadcast = reader.TakeBroadcast();
+}
+
+}  // namespace
 
 std::shared_ptr<const ReadNavigation> ReadNavigationBeside(const std::string& observation_file,
                                                            const Time_gbt& first_epoch,
@@ -18,15 +26,11 @@ std::shared_ptr<const ReadNavigation> ReadNavigationBeside(const std::string& ob
     try {
       reader.Read(file);
     } catch (const FileError& error) {
-      // A file nobody named must not stop a run that others of its day serve.
-      if (read->files.size() == 1) {
-        read->failure = error;
-        return read;
-      }
-      read->notices.Add(file, error.Line(), "passed over: found " + error.Found(), false);
+      // A file nobody named must not stop a run.
+      read->notices.Add(file, error.Line(), "passed over: found " + error.Found() + ". " + error.Advice(), false);
     }
   }
-  read->set = reader.Take();
+  TakeRecords(reader, *read);
   return read;
 }
 
@@ -38,7 +42,7 @@ std::shared_ptr<const ReadNavigation> SharedNavigation::Get() {
     read->files = NavigationFilesOf(named_);
     NavigationReader reader(read->notices, {limits_});
     for (const std::string& file : read->files) reader.Read(file);
-    read->set = reader.Take();
+    TakeRecords(reader, *read);
   } catch (const FileError& error) {
     read->failure = error;
   }

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/observation/broadcast_records.h"
 #include "host/rinex/byte_source.h"
 #include "host/rinex/diagnostics.h"
 #include "host/rinex/navigation_set.h"
@@ -20,7 +21,8 @@ namespace orsolva_host {
 /// The records of some files, with the notices of their reader.
 struct ReadNavigation {
   std::vector<std::string> files;
-  NavigationSet set;
+  NavigationSet set;           ///< for the library
+  BroadcastRecords broadcast;  ///< the same and those of systems that the library does not know
   Diagnostics notices;
   std::optional<FileError> failure;  ///< what ended reading; the set is empty then
 };

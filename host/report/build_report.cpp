@@ -128,7 +128,7 @@ Report BuildReport(ReportRun run, const result_qct& result, const total_code_qc_
   report.run.lost_epochs = result.lost_epochs;
   report.run.averaging_window_epochs = facts.averaging_window_epochs;
   report.run.judged_epochs = facts.epochs;
-  for (int i = 0; i < 3; ++i) report.run.position_m[i] = result.station_xyz[i];
+  report.run.position_m = {result.station_xyz[0], result.station_xyz[1], result.station_xyz[2]};
   for (int slot = 0; slot < kSystems; ++slot) {
     AddSystem(slot, result, codes, facts, report);
     AddSatellites(slot, result, report);

@@ -65,9 +65,13 @@ class Finder {
 
   std::vector<Finding> All() {
     Damage();
-    NotJudged();
-    NothingJudged();
-    NoCompleteness();
+    if (report_.run.library_absence) {
+      NoLibraryFigures(*report_.run.library_absence);
+    } else {
+      NotJudged();
+      NothingJudged();
+      NoCompleteness();
+    }
     Position();
     LostEpochs();
     if (events_ != nullptr) {
@@ -101,6 +105,12 @@ class Finder {
     Add("damaged", "warning", "Damaged file", report_.read_error + " The report covers what precedes it.");
   }
 
+  void NoLibraryFigures(const LibraryAbsence& absence) {
+    const bool navigation = absence.id == "no-navigation";
+    Add(absence.id.c_str(), "warning", navigation ? "No broadcast records" : "Not judged by the library",
+        absence.text);
+  }
+
   void NotJudged();
   void NothingJudged();
 
@@ -123,7 +133,7 @@ class Finder {
   }
 
   void LostEpochs() {
-    const std::int64_t lost = report_.run.lost_epochs;
+    const std::int64_t lost = report_.run.lost_epochs.value_or(0);
     if (lost <= 0) return;
     std::vector<std::string> times;
     if (events_ != nullptr) {

@@ -74,7 +74,9 @@ void AddEvents(const RunEvents& events, Headline& headline) {
 
 std::string StateOf(const Report& report, const NavigationCoverage& satellite) {
   const auto known = report.states.find(satellite.satellite);
-  return known == report.states.end() ? "no_position" : known->second;
+  if (known != report.states.end()) return known->second;
+  if (satellite.records > 0) return "no_position";
+  return satellite.unhealthy_records > 0 ? "unhealthy" : "no_record";
 }
 
 Headline HeadlineOf(const Report& report, const RunEvents* events) {

@@ -26,6 +26,13 @@ Json TimeOf(const std::optional<Time_gbt>& time) { return time ? Json(TimeText(*
 
 Json TextOf(const std::string& text) { return text.empty() ? Json(nullptr) : Json(text); }
 
+Json PositionOf(const std::optional<std::array<double, 3>>& position) {
+  if (!position) return nullptr;
+  Json j = Json::array();
+  for (const double x : *position) j.push_back(NumberOf(x));
+  return j;
+}
+
 /// A number as its figure is written: what counts something as a whole number.
 Json FigureJson(const std::optional<double>& value, bool count) {
   if (!value) return nullptr;
@@ -103,8 +110,7 @@ Json Parts::Run() const {
   j["first_epoch_gpst"] = TimeOf(run.first_epoch);
   j["last_epoch_gpst"] = TimeOf(run.last_epoch);
   j["interval_source"] = run.interval_source;
-  j["position_ecef_m"] = Json::array();
-  for (const double x : run.position_m) j["position_ecef_m"].push_back(NumberOf(x));
+  j["position_ecef_m"] = PositionOf(run.position_m);
   j["position_source"] = run.position_source;
   j["systems"] = run.systems;
   j["excluded_satellites"] = run.excluded;
@@ -196,6 +202,14 @@ Json VerdictJson(const Verdict& verdict) {
   return j;
 }
 
+Json AbsenceJson(const std::optional<LibraryAbsence>& absence) {
+  if (!absence) return nullptr;
+  Json j;
+  j["id"] = absence->id;
+  j["text"] = absence->text;
+  return j;
+}
+
 Json NoteJson(const ReportNote& note) {
   Json j;
   j["id"] = note.id;
@@ -226,6 +240,7 @@ std::string WriteJson(const Report& report, const FigureTables& tables) {
   j["verdict"] = report.verdict ? VerdictJson(*report.verdict) : Json(nullptr);
   j["findings"] = Json::array();
   for (const Finding& finding : report.findings) j["findings"].push_back(FindingJson(finding));
+  j["library_absence"] = AbsenceJson(report.run.library_absence);
   j["headline"] = parts.Headline();
   j["run"] = parts.Run();
   j["systems"] = parts.Systems();

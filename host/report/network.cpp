@@ -131,10 +131,11 @@ std::string NetworkText(const std::vector<NetworkRow>& rows, const TextStyle& st
     const std::optional<double>& ratio = row.headline.completeness;
     const std::string percent = ratio ? fmt::format("{:.2f}", *ratio * 100) : "-";
     const std::string name = std::filesystem::path(row.file).filename().string();
-    table.AddRow({Printable(name.empty() ? row.file : name), StateOf(row), percent,
-                  row.judged ? fmt::format("{}", row.lost_epochs) : "-", Fixed(row.headline.mp1_m, 3, "-"),
-                  Fixed(row.headline.mp2_m, 3, "-"), Fixed(row.headline.obs_per_restart, 0, "-")},
-                 ToneOfRow(row));
+    table.AddRow(
+        {Printable(name.empty() ? row.file : name), StateOf(row), percent,
+         row.lost_epochs ? fmt::format("{}", *row.lost_epochs) : "-", Fixed(row.headline.mp1_m, 3, "-"),
+         Fixed(row.headline.mp2_m, 3, "-"), Fixed(row.headline.obs_per_restart, 0, "-")},
+        ToneOfRow(row));
     if (!row.error.empty()) table.AddBelow(Wrapped(Printable(ErrorOf(row)), "    ", "    ", style.width));
   }
   return text + table.Text(style);
@@ -151,7 +152,7 @@ std::string NetworkCsv(const std::vector<NetworkRow>& rows, const FigureTables& 
     };
     text += fmt::format("{},{},{},{},{},{},{},{},{}", CsvField(row.file), CsvField(row.marker), StateOf(row),
                         TimeOf(row.first_epoch), TimeOf(row.last_epoch), if_judged(row.duration_h),
-                        if_judged(row.interval_s), if_judged(row.epochs), if_judged(row.lost_epochs));
+                        if_judged(row.interval_s), if_judged(row.epochs), Exact(row.lost_epochs));
     for (const auto& figure : tables.headline) text += "," + Exact(figure.get(row.headline));
     text += fmt::format(",{},{}\n", if_judged(row.notices), CsvField(ErrorOf(row)));
   }

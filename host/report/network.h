@@ -24,7 +24,7 @@ struct NetworkRow {
   double duration_h = 0;
   double interval_s = 0;
   Count epochs = 0;
-  std::int64_t lost_epochs = 0;
+  std::optional<std::int64_t> lost_epochs;
   Headline headline;
   long notices = 0;
 };

@@ -28,7 +28,7 @@ Json RowJson(const NetworkRow& row, const std::string& path, const FigureTables&
   j["error"] = TextOf(ErrorOf(row));
   j["first_epoch_gpst"] = row.first_epoch ? Json(TimeText(*row.first_epoch)) : Json(nullptr);
   j["duration_h"] = row.judged ? Json(row.duration_h) : Json(nullptr);
-  j["lost_epochs"] = row.judged ? Json(row.lost_epochs) : Json(nullptr);
+  j["lost_epochs"] = row.lost_epochs ? Json(*row.lost_epochs) : Json(nullptr);
   for (const auto& figure : tables.headline) j[figure.key] = ValueOf(figure.get(row.headline));
   j["notices"] = row.judged ? Json(row.notices) : Json(nullptr);
   return j;

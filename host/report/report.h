@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "host/analysis/analysis_result.h"
+#include "host/analysis/slips/event.h"
 #include "orsolva/records.h"
 
 namespace orsolva_host {
@@ -55,6 +57,13 @@ struct NavigationCoverage {
   double covered_ratio = 0;  ///< part of the observed epochs with a healthy record young enough
 };
 
+/// Why a report has no figures of the library.
+struct LibraryAbsence {
+  std::string
+      id;  ///< stable name: "no-navigation", "no-position", "no-epochs", "no-systems" or "implausible"
+  std::string text;  ///< what was missing and what the user can do
+};
+
 /// What was read and with which settings it was judged.
 struct ReportRun {
   std::string library_version;
@@ -69,19 +78,20 @@ struct ReportRun {
   std::vector<std::string> excluded;  ///< satellites left out
   double elevation_cutoff_deg = 0;
   double interval_s = 0;
-  std::string interval_source;      ///< "header", "data" or "option"
-  std::string position_source;      ///< "computed", "header" or "option"
-  int averaging_window_epochs = 0;  ///< of the multipath mean
+  std::string interval_source;                 ///< "header", "data" or "option"
+  std::string position_source;                 ///< "computed", "header" or "option"
+  std::optional<int> averaging_window_epochs;  ///< of the multipath mean
   std::vector<NavigationCoverage> navigation_coverage;
 
   std::optional<Time_gbt> first_epoch;
   std::optional<Time_gbt> last_epoch;
   double duration_h = 0;
-  Count epochs = 0;         ///< read
-  Count judged_epochs = 0;  ///< those at the interval's distance; others are passed over
-  std::int64_t lost_epochs = 0;
-  std::array<double, 3> position_m = {};
-  std::optional<double> distance_from_header_m;  ///< of the position to the header's approximate one
+  Count epochs = 0;                    ///< read
+  std::optional<Count> judged_epochs;  ///< those at the interval's distance; others are passed over
+  std::optional<std::int64_t> lost_epochs;
+  std::optional<std::array<double, 3>> position_m;
+  std::optional<double> distance_from_header_m;   ///< of the position to the header's approximate one
+  std::optional<LibraryAbsence> library_absence;  ///< absent when the library judged
 };
 
 /// Figures of one band slot.
@@ -204,8 +214,16 @@ struct Finding {
   std::string signal;                   ///< the one concerned, such as "G 1C", or empty
 };
 
+/// The analysis of every signal; unlike the library's figures it needs no navigation for most of them.
+struct AnalysisReport {
+  analysis::AnalysisResult figures;
+  std::vector<analysis::Event> events;  ///< in order of time; the first ones where there are very many
+  Count further_events = 0;
+};
+
 struct Report {
   ReportRun run;
+  AnalysisReport analysis;
   std::optional<Verdict> verdict;
   Headline headline;
   std::vector<Finding> findings;  ///< in order of harm

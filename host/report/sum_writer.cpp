@@ -17,7 +17,10 @@ std::string Fixed(const std::optional<double>& value, int decimals) {
   return value ? fmt::format("{:.{}f}", *value, decimals) : "-";
 }
 
-std::string Whole(const std::optional<Count>& count) { return count ? fmt::format("{}", *count) : "-"; }
+template <typename Number>
+std::string Whole(const std::optional<Number>& count) {
+  return count ? fmt::format("{}", *count) : "-";
+}
 
 std::string Percent(const std::optional<double>& ratio) {
   return ratio ? fmt::format("{:.2f}", *ratio * 100) : "-";
@@ -101,9 +104,11 @@ std::string WriteSum(const Report& report, const FigureTables& tables) {
   text += "=HEADLINE";
   WriteFields(out, tables.headline, &head);
   end_line();
-  fmt::format_to(out, "=RUN {} {} {} {:.4f} {:.4f} {:.4f} {} {:g}", run.epochs, run.judged_epochs,
-                 run.lost_epochs, run.position_m[0], run.position_m[1], run.position_m[2],
-                 run.position_source, run.elevation_cutoff_deg);
+  fmt::format_to(out, "=RUN {} {} {}", run.epochs, Whole(run.judged_epochs), Whole(run.lost_epochs));
+  for (std::size_t axis = 0; axis < 3; ++axis) {
+    fmt::format_to(out, " {}", run.position_m ? fmt::format("{:.4f}", (*run.position_m)[axis]) : "-");
+  }
+  fmt::format_to(out, " {} {:g}", run.position_source, run.elevation_cutoff_deg);
   end_line();
   WriteFigures(out, "=ALL -", tables.total, tables.slot, report.library_total);
   end_line();

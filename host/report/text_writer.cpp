@@ -21,6 +21,11 @@ std::string Fixed(const std::optional<double>& value, int decimals) {
   return value ? fmt::format("{:.{}f}", *value, decimals) : "-";
 }
 
+template <typename Number>
+std::string Whole(const std::optional<Number>& count) {
+  return count ? fmt::format("{}", *count) : "-";
+}
+
 /// A figure as people read it: ratios in percent.
 std::string Shown(const std::optional<double>& value, FigureKind kind, int decimals) {
   return Fixed(kind == FigureKind::kRatio && value ? std::optional<double>(*value * 100) : value, decimals);
@@ -84,11 +89,13 @@ class Writer {
     Findings();
     Headline();
     Run();
-    Systems();
-    Bands();
-    Signals();
-    if (report_.show_satellites) Satellites();
-    LibraryTotal();
+    if (!report_.run.library_absence) {
+      Systems();
+      Bands();
+      Signals();
+      if (report_.show_satellites) Satellites();
+      LibraryTotal();
+    }
     Notes();
     Notices();
     return std::move(text_);
@@ -189,6 +196,7 @@ void Writer::Run() {
   const ReportRun& run = report_.run;
   FileRow("Observations", run.observation_file);
   for (const std::string& file : run.navigation_files) FileRow("Navigation", file);
+  if (run.navigation_files.empty()) Row("Navigation", "none");
   FileRow("Marker", run.marker);
   FileRow("Receiver", run.receiver);
   FileRow("Antenna", run.antenna);
@@ -196,10 +204,13 @@ void Writer::Run() {
   Row("Last epoch", TimeOf(run.last_epoch));
   Row("Duration", fmt::format("{:.4f} h", run.duration_h));
   Row("Interval", fmt::format("{:g} s, {}", run.interval_s, SourceText(run.interval_source)));
-  Row("Epochs", fmt::format("{} read, {} judged, {} lost", run.epochs, run.judged_epochs, run.lost_epochs));
+  Row("Epochs", fmt::format("{} read, {} judged, {} lost", run.epochs, Whole(run.judged_epochs),
+                            Whole(run.lost_epochs)));
   Position();
   Row("Elevation cut-off", fmt::format("{:g} degrees", run.elevation_cutoff_deg));
-  Row("Multipath mean", fmt::format("over {} epochs", run.averaging_window_epochs));
+  if (run.averaging_window_epochs) {
+    Row("Multipath mean", fmt::format("over {} epochs", *run.averaging_window_epochs));
+  }
   Row("Systems judged", run.systems);
   if (!run.excluded.empty()) Row("Excluded", Joined(run.excluded, " "));
   if (!run.navigation_coverage.empty()) Row("Broadcast records", CoverageText(run.navigation_coverage));
@@ -207,8 +218,9 @@ void Writer::Run() {
 
 void Writer::Position() {
   const ReportRun& run = report_.run;
-  Row("Position X Y Z",
-      fmt::format("{:.4f} {:.4f} {:.4f} m", run.position_m[0], run.position_m[1], run.position_m[2]));
+  if (!run.position_m) return Row("Position X Y Z", "-");
+  const auto& [x, y, z] = *run.position_m;
+  Row("Position X Y Z", fmt::format("{:.4f} {:.4f} {:.4f} m", x, y, z));
   std::string source = SourceText(run.position_source);
   if (run.distance_from_header_m) {
     source += fmt::format(", {:.3f} m from the header's position", *run.distance_from_header_m);

@@ -71,6 +71,12 @@ bool ParseCivil(std::string_view year, std::string_view month, std::string_view 
          ParseRange(minute, 0, 60, c.minute) && ParseRange(seconds.substr(0, point), 0, 60, c.second);
 }
 
+Time_gbt TimeOfNanoseconds(std::int64_t time_ns) {
+  constexpr std::int64_t kSecond = 1'000'000'000;
+  const std::int64_t seconds = FloorDivide(time_ns, kSecond);
+  return {seconds, static_cast<double>(time_ns - seconds * kSecond) / static_cast<double>(kSecond)};
+}
+
 double Difference(const Time_gbt& a, const Time_gbt& b) {
   return static_cast<double>(a.time - b.time) + (a.sec - b.sec);
 }

@@ -35,6 +35,9 @@ bool ParseCivil(std::string_view year, std::string_view month, std::string_view 
 /// a - b in seconds.
 double Difference(const Time_gbt& a, const Time_gbt& b);
 
+/// Of whole nanoseconds since 1970-01-01.
+Time_gbt TimeOfNanoseconds(std::int64_t time_ns);
+
 /// "2020-06-25 00:00:30.000"
 std::string TimeText(const Time_gbt& time);
 

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "host/observation/broadcast_records.h"
@@ -48,6 +49,7 @@ class NavigationReader {
   /// The same records as plain data, including those of systems and satellites that the library does not
   /// know.
   const BroadcastRecords& Broadcast() const { return broadcast_; }
+  BroadcastRecords TakeBroadcast() { return std::move(broadcast_); }
 
  private:
   struct SameSatellite {

@@ -37,9 +37,9 @@ HOST_BELOW = {
     "rinex": {"observation", "platform"},
     "formats": {"observation", "rinex"},
     "analysis": {"observation"},
-    "report": {"rinex", "output"},
+    "report": {"analysis", "observation", "rinex", "output"},
     "simulator": {"observation", "rinex", "output"},
-    "judging": {"platform", "output", "rinex", "report"},
+    "judging": {"platform", "output", "observation", "rinex", "analysis", "report"},
     "terminal": {"platform"},
     "cli": {"platform", "output", "rinex", "report", "simulator", "judging", "terminal"},
 }

@@ -57,7 +57,7 @@ def numbers(owner, skip=()):
 
 
 NAMES = ("rinex_version", "marker", "receiver", "antenna", "first_epoch_gpst", "last_epoch_gpst", "slot", "band",
-         "first_reference", "last_reference")
+         "first_reference", "last_reference", "position_ecef_m")
 
 
 def figures_of(report):
@@ -230,7 +230,8 @@ def check_text(name, text, report):
     left_out = [i for i, note in enumerate(report["notes"], 1) if note["id"] == "galileo-not-counted"]
     mark = re.search(r"Completeness \S+ %\[(\d+)\]", said)
     assert (mark and [int(mark.group(1))]) == (left_out or None) or head["completeness_ratio"] is None, (name, said)
-    assert f"{run['epochs']} read, {run['judged_epochs']} judged, {run['lost_epochs']} lost" in text, name
+    judged, lost = ("-" if run[key] is None else run[key] for key in ("judged_epochs", "lost_epochs"))
+    assert f"{run['epochs']} read, {judged} judged, {lost} lost" in text, name
     rows = part(text, "SYSTEMS")[1:]
     assert len(rows) == len(report["systems"]), (name, rows)
     for row, system in zip(rows, report["systems"]):
@@ -271,7 +272,8 @@ def check_findings(name, report, figures):
             same((name, finding["id"], key), value, figures[letter, signal, key])
 
 
-with tempfile.TemporaryDirectory() as folder:
+def check_files(files, folder):
+    """Judges the files in one run with every format. @return the reports by name"""
     out = pathlib.Path(folder) / "out"
     run = subprocess.run([program, "qc", "--no-config", "--quiet", "--sats", "--output", str(out), "--formats",
                           "text,json,csv,sum,html", *map(str, files)], stderr=subprocess.PIPE, check=False)
@@ -279,24 +281,19 @@ with tempfile.TemporaryDirectory() as folder:
     table = (out / "network.txt").read_text(encoding="utf-8")
     index = script((out / "index.html").read_text(encoding="utf-8"), "network-data")
     assert len(network) == len(files) and len(index["rows"]) == len(files)
-    assert run.returncode == (1 if any(row["state"] == "ERROR" for row in network) else 0), run
+    assert run.returncode == 0, run
     # Errors are indented below their rows.
     text_rows = [line for line in table.splitlines()[2:] if not line.startswith(" ")]
     assert len(text_rows) == len(files), table
-    judged = 0
+    reports = {}
     for row, line, text_row in zip(network, index["rows"], text_rows):
         assert row["file"] == line["file"] and row["state"] == line["state"]
         assert text_row.split()[:2] == [elided(pathlib.Path(row["file"]).name), row["state"]], (row["file"], text_row)
-        if row["state"] == "ERROR" and not row["epochs"]:
-            for key, value in line.items():
-                assert value is None or key in ("file", "state", "error"), (row["file"], key, value)
-            assert text_row.split()[2:] == 5 * ["-"], (row["file"], text_row)
-            continue
-        judged += 1
         name = pathlib.Path(row["file"]).name
         path = next(p for p in out.glob("*.json") if json.loads(p.read_text("utf-8"))["run"]["observation_file"] ==
                     row["file"])
         report = json.loads(path.read_text(encoding="utf-8"))
+        reports[name] = report
         figures = figures_of(report)
         beside = lambda ending: path.with_suffix(ending).read_text(encoding="utf-8")  # noqa: E731
         check_csv(name, beside(".csv"), figures)
@@ -321,8 +318,28 @@ with tempfile.TemporaryDirectory() as folder:
                                                       "observations_per_restart"]):
             written((name, "network.txt", key), key, field, figures["", "", key])
     ratios = sorted(float(r["completeness_ratio"]) for r in network if r["completeness_ratio"])
-    same("index least", index["summary"]["least_completeness_ratio"], ratios[0])
+    same("index least", index["summary"]["least_completeness_ratio"], ratios[0] if ratios else None)
     same("index median", index["summary"]["median_completeness_ratio"],
-         (ratios[(len(ratios) - 1) // 2] + ratios[len(ratios) // 2]) / 2)
-assert judged >= 3, (judged, run.stderr.decode())
-print(f"1 passed, 0 failed ({judged} of {len(files)} files judged, {checks} values held)")
+         (ratios[(len(ratios) - 1) // 2] + ratios[len(ratios) // 2]) / 2 if ratios else None)
+    return reports
+
+
+with tempfile.TemporaryDirectory() as folder:
+    with_navigation = check_files(files, folder)
+
+# The same files where no navigation lies next to them: everyone has a report all the same.
+with tempfile.TemporaryDirectory() as folder:
+    alone = pathlib.Path(folder) / "observations"
+    alone.mkdir()
+    for file in files:
+        (alone / file.name).symlink_to(file.resolve())
+    without = check_files(sorted(alone.iterdir()), folder)
+
+assert len(files) >= 12, files
+assert set(with_navigation) == set(without) == {file.name for file in files}
+judged = [name for name, report in with_navigation.items() if report["library_absence"] is None]
+assert len(judged) >= 3, judged
+for name, report in without.items():
+    assert report["library_absence"]["id"] == "no-navigation", name
+    assert report["findings"][0]["id"] == "no-navigation" and "BRDC00IGS_R_" in report["findings"][0]["text"], name
+print(f"1 passed, 0 failed ({len(judged)} of {len(files)} files judged by the library, {checks} values held)")

@@ -2,6 +2,8 @@
 #ifndef ORSOLVA_TESTS_HOST_SAMPLE_REPORT_H
 #define ORSOLVA_TESTS_HOST_SAMPLE_REPORT_H
 
+#include <array>
+
 #include "host/report/report.h"
 
 namespace orsolva_test {
@@ -33,7 +35,10 @@ inline orsolva_host::Report SampleReport() {
   r.run.interval_s = 30;
   r.run.elevation_cutoff_deg = 10;
   r.run.averaging_window_epochs = 10;
-  r.run.epochs = r.run.judged_epochs = 2880;
+  r.run.epochs = 2880;
+  r.run.judged_epochs = 2880;
+  r.run.lost_epochs = 0;
+  r.run.position_m = std::array<double, 3>{};
   r.run.navigation_coverage.push_back(
       {"G04", 900, 11, 1, Time_gbt{1593043200, 0}, Time_gbt{1593129600, 0}, 0.5});
   r.systems.push_back({'G', "GPS", {"1C", "2W"}, {"1C", "2W"}, SampleFigures()});

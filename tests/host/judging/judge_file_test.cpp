@@ -3,10 +3,17 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <filesystem>
+#include <fstream>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "host/report/json_writer.h"
+#include "host/rinex/satellite_names.h"
+#include "host/rinex/signal_codes.h"
 #include "host/simulator/simulation.h"
 #include "tests/host/judging/simulated_files.h"
 
@@ -48,6 +55,31 @@ TEST(JudgeFile, HoldsTheReportAgainstAProfile) {
   EXPECT_FALSE(report.verdict->passed);
 }
 
+/// The value as a file holds it, with three decimals; 0 is absent.
+double AsInAFile(double value) { return value == 0 ? kAbsent : std::round(value * 1000) / 1000; }
+
+void FillFull(const ObsEpoch_QC_gbt& epoch, ObservationEpoch& full) {
+  full.Clear();
+  full.time_ns = epoch.time.time * kNanosecondsPerSecond + std::llround(epoch.time.sec * 1e9);
+  for (std::uint32_t i = 0; i < epoch.sat_num; ++i) {
+    const Satellite_gbt& satellite = epoch.sats[i];
+    const char letter = kSystemTable[SystemSlotOfCode(satellite.sys)].letter;
+    full.satellites.push_back(
+        {{letter, static_cast<std::uint8_t>(satellite.prn)}, full.signals.size(), satellite.signal_num});
+    for (std::uint32_t k = 0; k < satellite.signal_num; ++k) {
+      const Signal_QC_gbt& from = satellite.signals[k];
+      const std::string_view name = SignalName(satellite.sys, from.code);
+      SignalObservation signal;
+      signal.code = {name[0], name[1]};
+      signal.pseudorange_m = AsInAFile(from.pseudorange);
+      signal.phase_cycles = AsInAFile(from.phase);
+      signal.doppler_hz = AsInAFile(from.doppler);
+      signal.snr_dbhz = AsInAFile(from.snr);
+      full.signals.push_back(signal);
+    }
+  }
+}
+
 /// Epochs straight from the simulator, with the header that its file has.
 class SimulatedSource : public EpochSource {
  public:
@@ -57,7 +89,11 @@ class SimulatedSource : public EpochSource {
   }
   const std::string& Name() const override { return name_; }
   const ObservationHeader& Header() const override { return header_; }
-  bool Next(ObsEpoch_QC_gbt& epoch) override { return simulation_.Next(epoch); }
+  bool Next(ObsEpoch_QC_gbt& epoch, ObservationEpoch& full) override {
+    if (!simulation_.Next(epoch)) return false;
+    FillFull(epoch, full);
+    return true;
+  }
   const std::optional<FileError>& Failure() const override { return failure_; }
 
  private:
@@ -84,13 +120,68 @@ TEST(JudgeEpochs, GivesTheFiguresOfTheFileForTheSameEpochsFromAnotherSource) {
   EXPECT_EQ(WriteJson(report), WriteJson(from_file));
 }
 
-TEST(JudgeFile, RefusesARunWithoutNavigation) {
+/// The simulated file in a folder without navigation.
+Report JudgedAlone(const JudgingSettings& settings) {
   const SimulatedFiles files;
   const orsolva_test::Folder alone;
   std::filesystem::copy_file(files.Path("a.rnx"), alone / "a.rnx");
   SharedNavigation none({}, {});
   Diagnostics diagnostics;
-  EXPECT_THROW(JudgeFile(alone / "a.rnx", SettingsOfSimulatedHour(), none, diagnostics), RunError);
+  return JudgeFile(alone / "a.rnx", settings, none, diagnostics);
+}
+
+TEST(JudgeFile, ReportsWithoutNavigationAndNamesTheFileThatIsMissing) {
+  const Report report = JudgedAlone(SettingsOfSimulatedHour());
+  ASSERT_TRUE(report.run.library_absence.has_value());
+  EXPECT_EQ(report.run.library_absence->id, "no-navigation");
+  EXPECT_NE(report.run.library_absence->text.find("records of 2020-06-25: name a file such as "
+                                                  "BRDC00IGS_R_20201770000_01D_MN.rnx.gz"),
+            std::string::npos)
+      << report.run.library_absence->text;
+  EXPECT_EQ(report.run.epochs, 120);
+  EXPECT_TRUE(report.systems.empty());
+  EXPECT_FALSE(report.run.position_m.has_value());
+  EXPECT_FALSE(report.analysis.figures.with_orbits);
+  ASSERT_EQ(report.findings.size(), 1U);
+  EXPECT_EQ(report.findings[0].id, "no-navigation");
+  EXPECT_EQ(report.headline.satellites_without_record, report.headline.satellites_observed);
+}
+
+TEST(JudgeFile, RefusesARunWithoutNavigationWhenStrict) {
+  JudgingSettings settings = SettingsOfSimulatedHour();
+  settings.strict = true;
+  EXPECT_THROW(JudgedAlone(settings), RunError);
+}
+
+/// Keeps what it gets.
+class KeptEvents : public EventSink {
+ public:
+  void Add(const analysis::Event& event) override { events.push_back(event); }
+  std::vector<analysis::Event> events;
+};
+
+TEST(JudgeFile, RunsTheAnalysisOverTheSameEpochsAndPassesItsEventsOn) {
+  // Ten epochs are taken out: every satellite has a gap of 330 s and nothing else.
+  const SimulatedFiles files;
+  std::ifstream whole(files.Path("a.rnx"));
+  std::ofstream holed(files.Path("holed.rnx"));
+  int epochs = 0;
+  for (std::string line; std::getline(whole, line);) {
+    if (line[0] == '>') ++epochs;
+    const bool skipped = epochs > 60 && epochs <= 70;
+    if (!skipped || line[0] == ' ') holed << line << '\n';
+  }
+  holed.close();
+  SharedNavigation navigation({files.Path("nav.rnx")}, {});
+  Diagnostics diagnostics;
+  KeptEvents kept;
+  const Report report = JudgeFile(files.Path("holed.rnx"), SettingsOfSimulatedHour(), navigation, diagnostics,
+                                  {nullptr, nullptr, &kept});
+  EXPECT_TRUE(report.analysis.figures.with_orbits);
+  EXPECT_EQ(report.analysis.figures.span.interval_s, 30);
+  ASSERT_FALSE(kept.events.empty());
+  EXPECT_EQ(kept.events.size(), report.analysis.events.size());
+  for (const analysis::Event& event : kept.events) EXPECT_EQ(event.gap_s, 330) << event.evidence;
 }
 
 TEST(JudgeFile, ACancelledRunEndsWithStopped) {

@@ -70,11 +70,12 @@ TEST(JudgingPool, AnErrorIsNotFollowedByTheNoticeThatSaysTheSame) {
   one.close();
   JudgingSettings settings = SettingsOfSimulatedHour();
   settings.position.source = PositionSource::kComputed;
+  settings.strict = true;
   JudgingPool pool({files.Path("a.rnx")}, settings, {files.Path("one.rnx")});
   EXPECT_EQ(
       pool.Take(0).error,
       files.Path("a.rnx") +
-          ": no position could be computed from the observations. Check that the navigation files cover "
+          ": No position could be computed from the observations. Check that the navigation files cover "
           "the epochs, or give the position with --position header or --position X,Y,Z.");
 }
 

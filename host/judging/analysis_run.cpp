@@ -1,0 +1,66 @@
+#include "host/judging/analysis_run.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "host/rinex/satellite_names.h"
+
+namespace orsolva_host {
+namespace {
+
+analysis::AnalysisOptions OptionsOf(const JudgingSettings& settings, const ObservationHeader& header) {
+  analysis::AnalysisOptions options;
+  options.elevation_cutoff_deg = settings.elevation_cutoff_deg;
+  options.detector.position = header.position;
+  if (settings.position.source == PositionSource::kOption)
+    options.detector.position = settings.position.xyz_m;
+  options.detector.interval_s = settings.interval_s.value_or(0);
+  options.detector.glonass_channels = header.glonass_channels;
+  return options;
+}
+
+std::size_t PlaceOf(char letter) { return static_cast<std::size_t>(letter - 'A'); }
+
+}  // namespace
+
+AnalysisRun::AnalysisRun(const JudgingSettings& settings, const ObservationHeader& header,
+                         const BroadcastRecords& records, EventSink* sink)
+    : analysis_(OptionsOf(settings, header), records), sink_(sink) {
+  for (const char letter : settings.systems) chosen_[PlaceOf(letter)].set();
+  for (const ExcludedSatellite& out : settings.excluded) {
+    chosen_[PlaceOf(kSystemTable[out.system_slot].letter)].reset(static_cast<std::size_t>(out.number));
+  }
+  all_chosen_ = settings.systems.size() == kAllSystems.size() && settings.excluded.empty();
+}
+
+void AnalysisRun::Add(ObservationEpoch& epoch) {
+  if (!all_chosen_) {
+    auto& satellites = epoch.satellites;
+    const auto out = [this](const SatelliteObservation& s) {
+      return !chosen_[PlaceOf(s.id.system)][s.id.number];
+    };
+    satellites.erase(std::remove_if(satellites.begin(), satellites.end(), out), satellites.end());
+  }
+  analysis_.Add(epoch);
+  PassEvents();
+}
+
+AnalysisReport AnalysisRun::Finish() {
+  analysis_.Finish();
+  PassEvents();
+  report_.figures = analysis_.Result();
+  return std::move(report_);
+}
+
+void AnalysisRun::PassEvents() {
+  for (analysis::Event& event : analysis_.TakeEvents()) {
+    if (sink_ != nullptr) sink_->Add(event);
+    if (report_.events.size() < kMostEventsKept) {
+      report_.events.push_back(std::move(event));
+    } else {
+      ++report_.further_events;
+    }
+  }
+}
+
+}  // namespace orsolva_host

@@ -1,0 +1,17 @@
+// Takes the events of an analysis as they are decided.
+#ifndef ORSOLVA_REPORT_EVENT_SINK_H
+#define ORSOLVA_REPORT_EVENT_SINK_H
+
+#include "host/analysis/slips/event.h"
+
+namespace orsolva_host {
+
+class EventSink {
+ public:
+  virtual ~EventSink() = default;
+  virtual void Add(const analysis::Event& event) = 0;
+};
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_REPORT_EVENT_SINK_H

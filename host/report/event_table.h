@@ -1,0 +1,39 @@
+// The events of an analysis as a table: CSV, or one JSON object per line. docs/user/events.md describes the
+// columns.
+#ifndef ORSOLVA_REPORT_EVENT_TABLE_H
+#define ORSOLVA_REPORT_EVENT_TABLE_H
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "host/report/event_sink.h"
+
+namespace orsolva_host {
+
+enum class EventForm { kCsv, kJsonLines };
+
+/// By the ending of a file: .jsonl, or .jsonl.gz, is JSON lines; any other is CSV.
+EventForm EventFormOf(std::string_view path);
+
+/// The first line of the table as CSV, with its line feed.
+extern const char* const kEventCsvHeading;
+
+/// One event as a line. Absent values are empty in CSV and null in JSON.
+std::string EventLine(const analysis::Event& event, EventForm form);
+
+class EventTable : public EventSink {
+ public:
+  /// @param write  takes pieces of the table in order
+  EventTable(EventForm form, std::function<void(std::string_view)> write);
+
+  void Add(const analysis::Event& event) override { write_(EventLine(event, form_)); }
+
+ private:
+  EventForm form_;
+  std::function<void(std::string_view)> write_;
+};
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_REPORT_EVENT_TABLE_H

@@ -21,7 +21,7 @@ struct FileNameStatement {
 
 /// A header line among the observations that changes what the header said.
 struct DescriptionChange {
-  std::string what;  ///< "antenna", "receiver", "marker" or "position"
+  std::string what;  ///< "antenna", "receiver" or "marker"
   std::string before;
   std::string after;
 };

@@ -2,8 +2,10 @@
 
 #include <cmath>
 
+#include "host/rinex/civil_time.h"
 #include "host/rinex/decimal.h"
 #include "host/rinex/header_labels.h"
+#include "host/rinex/time_scales.h"
 
 namespace orsolva_host {
 namespace {
@@ -20,6 +22,15 @@ std::string Text(std::string_view line, std::size_t column, std::size_t width) {
   return Printable(Trimmed(Field(line, column, width)));
 }
 
+/// "  2020     6    25     0     0    0.0000000"; absent when it cannot be read.
+std::optional<Time_gbt> StatedTime(std::string_view line) {
+  CivilTime civil;
+  const bool read = ParseCivil(Field(line, 0, 6), Field(line, 6, 6), Field(line, 12, 6), Field(line, 18, 6),
+                               Field(line, 24, 6), Field(line, 30, 13), civil);
+  if (!read) return std::nullopt;
+  return ToTime(civil);
+}
+
 bool IsLetter(char c) { return c >= 'A' && c <= 'Z'; }
 
 void AddScaledTypes(std::string_view line, ScaleFactor& scale) {
@@ -30,6 +41,16 @@ void AddScaledTypes(std::string_view line, ScaleFactor& scale) {
 }
 
 }  // namespace
+
+bool IsInGlonassTime(const ObservationHeader& header) {
+  return header.time_system == "GLO" || (header.time_system.empty() && header.system == 'R');
+}
+
+std::int64_t SecondsToGpsTime(const ObservationHeader& header) {
+  if (header.time_system == "BDT" || (header.time_system.empty() && header.system == 'C'))
+    return kBdsTimeBehindGps_s;
+  return IsInGlonassTime(header) ? header.leap_seconds.value_or(0) : 0;
+}
 
 void HeaderParser::ReadVersion(LineReader& lines) {
   std::string_view line;
@@ -144,6 +165,9 @@ void HeaderParser::Take(std::string_view line, long number) {
     header_.antenna = Text(line, 20, 20);
   } else if (label == "TIME OF FIRST OBS") {
     header_.time_system = Text(line, 48, 3);
+    header_.first_epoch = StatedTime(line);
+  } else if (label == "TIME OF LAST OBS") {
+    header_.last_epoch = StatedTime(line);
   } else if (label == "GLONASS SLOT / FRQ #") {
     TakeChannels(line);
   } else if (label == "LEAP SECONDS") {

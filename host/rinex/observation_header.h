@@ -10,6 +10,7 @@
 
 #include "host/rinex/diagnostics.h"
 #include "host/rinex/line_reader.h"
+#include "orsolva/records.h"
 
 namespace orsolva_host {
 
@@ -33,7 +34,8 @@ struct ObservationHeader {
   std::string receiver;
   std::string antenna;
   std::string time_system;  ///< of TIME OF FIRST OBS, such as "GPS"; empty when not given
-  std::optional<std::array<double, 3>> position;  ///< approximate, ECEF, m; absent when zero or not given
+  std::optional<Time_gbt> first_epoch, last_epoch;  ///< stated, in the time system of the file
+  std::optional<std::array<double, 3>> position;    ///< approximate, ECEF, m; absent when zero or not given
   std::optional<double> interval_s;
   std::optional<int> leap_seconds;
   std::array<std::optional<int>, 100> glonass_channels;  ///< by slot number
@@ -42,6 +44,11 @@ struct ObservationHeader {
 
   const std::vector<std::string>& TypesOf(char letter) const { return types[letter - 'A']; }
 };
+
+/// Seconds to be added to the calendar of the file for GPS time: 14 for BDS time, the leap seconds of the
+/// header (0 without any) for GLONASS time, which is UTC.
+std::int64_t SecondsToGpsTime(const ObservationHeader& header);
+bool IsInGlonassTime(const ObservationHeader& header);
 
 /// Parses header lines one by one, including those after an event in the body.
 class HeaderParser {

@@ -10,7 +10,6 @@
 #include "host/rinex/decimal.h"
 #include "host/rinex/header_labels.h"
 #include "host/rinex/signal_codes.h"
-#include "host/rinex/time_scales.h"
 #include "host/rinex/version2_codes.h"
 #include "orsolva/signals.h"
 
@@ -18,6 +17,7 @@ namespace orsolva_host {
 namespace {
 
 constexpr float kStrengthStep_dbhz = 6;
+constexpr std::size_t kMostChanges = 100;
 constexpr std::size_t kNoKind = static_cast<std::size_t>(-1);
 
 /// Index of a number in the list; a new number is appended.
@@ -73,14 +73,10 @@ ObservationReader::ObservationReader(std::unique_ptr<ByteSource> source, std::st
 }
 
 void ObservationReader::PlanTimeScale() {
-  if (header_.time_system == "BDT" || (header_.time_system.empty() && header_.system == 'C')) {
-    time_shift_s_ = kBdsTimeBehindGps_s;
-  } else if (header_.time_system == "GLO" || (header_.time_system.empty() && header_.system == 'R')) {
-    time_shift_s_ = header_.leap_seconds.value_or(0);
-    if (!header_.leap_seconds) {
-      diagnostics_.Add(name_, 0,
-                       "epochs in GLONASS time but no LEAP SECONDS in the header; taken as GPS time", false);
-    }
+  time_shift_s_ = SecondsToGpsTime(header_);
+  if (IsInGlonassTime(header_) && !header_.leap_seconds) {
+    diagnostics_.Add(name_, 0, "epochs in GLONASS time but no LEAP SECONDS in the header; taken as GPS time",
+                     false);
   }
 }
 
@@ -269,6 +265,7 @@ void ObservationReader::TakeEvent(const EpochBlock& block) {
   parser_.BeginBlock();
   const ObservationTypes types = header_.types;
   const std::size_t scales = header_.scale_factors.size();
+  const std::array<std::string, 3> before = {header_.antenna, header_.receiver, header_.marker};
   for (std::size_t i = 0; i < block.records.size(); ++i) {
     const std::string& line = block.records[i];
     const long number = block.first_record_line + static_cast<long>(i);
@@ -281,9 +278,20 @@ void ObservationReader::TakeEvent(const EpochBlock& block) {
     }
     parser_.Take(line, number);
   }
+  NoteChanges(before);
   if (header_.types == types && header_.scale_factors.size() == scales) return;
   diagnostics_.Add(name_, block.line, "observation types or scale factors change within the file");
   MakePlans();
+}
+
+/// @param before  antenna, receiver and marker
+void ObservationReader::NoteChanges(const std::array<std::string, 3>& before) {
+  const std::array<const std::string*, 3> after = {&header_.antenna, &header_.receiver, &header_.marker};
+  const std::array<const char*, 3> names = {"antenna", "receiver", "marker"};
+  for (std::size_t i = 0; i < before.size(); ++i) {
+    if (before[i] == *after[i] || changes_.size() == kMostChanges) continue;
+    changes_.push_back({names[i], before[i], *after[i]});
+  }
 }
 
 void ObservationReader::CheckOrder(const Time_gbt& time) {

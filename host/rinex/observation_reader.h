@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "host/observation/station_description.h"
 #include "host/rinex/byte_source.h"
 #include "host/rinex/diagnostics.h"
 #include "host/rinex/full_epoch.h"
@@ -81,6 +82,10 @@ class ObservationReader {
   /// Why reading ended before the end of the file; absent when it did not.
   const std::optional<FileError>& Failure() const { return failure_; }
 
+  /// Header lines read so far among the observations that change antenna, receiver or marker; the first
+  /// hundred.
+  const std::vector<DescriptionChange>& Changes() const { return changes_; }
+
   /// False once the whole file is known to hold no signal strength at all.
   bool HasSignalStrength() const { return has_strength_; }
 
@@ -94,6 +99,7 @@ class ObservationReader {
   void PlanTimeScale();
   void SettleChoices();
   void AssignChoices();
+  void NoteChanges(const std::array<std::string, 3>& before);
   void CheckOrder(const Time_gbt& time);
   void TakeEvent(const EpochBlock& block);
   void NameEvent(const EpochBlock& block);
@@ -117,6 +123,7 @@ class ObservationReader {
   std::size_t empty_satellite_;              ///< kind of notice
   std::optional<Time_gbt> last_time_;
   std::optional<FileError> failure_;
+  std::vector<DescriptionChange> changes_;
   std::array<std::uint64_t, kSystems> seen_ = {};  ///< satellites of the epoch, one bit per number
   std::int64_t time_shift_s_ = 0;
   bool has_strength_ = false;

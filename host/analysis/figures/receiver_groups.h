@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "host/analysis/analysis_result.h"
+#include "host/analysis/figures/description_check.h"
 #include "host/analysis/figures/position.h"
 #include "host/analysis/figures/receiver_clock_figures.h"
 #include "host/observation/station_description.h"
@@ -21,17 +22,21 @@ class ReceiverGroups {
   void AddEpoch(const ObservationEpoch& epoch, const ReceiverStep& step) {
     position_.AddStep(step);
     clock_.AddStep(epoch.time_ns, step);
+    description_.AddEpoch(epoch);
   }
   void AddEvent(const Event& event) { clock_.AddEvent(event); }
 
+  /// @param result  with the figures of its span
   void FillIn(const StationDescription& stated, AnalysisResult& result) const {
     position_.FillIn(stated.position_m, stated.given_position_m, result.position);
     clock_.FillIn(result.receiver_clock);
+    description_.FillIn(stated, result);
   }
 
  private:
   Position position_;
   ReceiverClockSums clock_;
+  DescriptionCheck description_;
 };
 
 }  // namespace orsolva_host::analysis

@@ -9,7 +9,6 @@ namespace {
 
 constexpr double kBase_hz = 1602e6;
 constexpr double kStep_hz = 0.5625e6;
-constexpr double kEnoughRange_m = 2e5;
 constexpr double kLargestFraction = 0.2;
 constexpr double kBreak_m =
     30;  // of code minus phase from epoch to epoch, beyond what a wrong wavelength makes
@@ -30,7 +29,7 @@ void GlonassChannel::Add(double pseudorange_m, double phase_cycles) {
   last_range_m_ = pseudorange_m;
   last_phase_ = phase_cycles;
   const double range = pseudorange_m - first_range_m_;
-  if (std::fabs(range) < kEnoughRange_m) return;
+  if (std::fabs(range) < enough_range_m_) return;
   const double frequency = kLightSpeed_m_s * (phase_cycles - first_phase_) / range;
   const double channel = (frequency - kBase_hz) / kStep_hz;
   const double whole = std::nearbyint(channel);

@@ -3,7 +3,9 @@
 #define ORSOLVA_ANALYSIS_FIGURES_PHASE_GROUPS_H
 
 #include "host/analysis/analysis_result.h"
+#include "host/analysis/figures/carrier_noise.h"
 #include "host/analysis/figures/code_multipath.h"
+#include "host/analysis/figures/ionosphere_rate.h"
 #include "host/analysis/figures/slip_sums.h"
 #include "host/analysis/figures/step_outcome.h"
 #include "host/analysis/figures/tracking_sums.h"
@@ -30,6 +32,8 @@ class PhaseGroups {
   SlipSums slips_;
   TrackingSums tracking_;
   CodeMultipath multipath_;
+  CarrierNoise noise_;
+  IonosphereRate ionosphere_;
 };
 
 }  // namespace orsolva_host::analysis

@@ -1,0 +1,201 @@
+#include "host/analysis/figures/carrier_noise.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <string>
+#include <utility>
+
+#include "host/analysis/figures/result_rows.h"
+
+namespace orsolva_host::analysis {
+namespace {
+
+constexpr double kSigmaOfMedian = 1.4826;
+constexpr double kRootOfTwenty = 4.47213595499958;
+constexpr double kFastInterval_s =
+    1.05;                           // at and below, what differences leave of ionosphere and range is noise
+constexpr double kEvenStep = 0.02;  // of the interval by which steps of a third difference may differ from it
+constexpr int kSteps = 3;
+constexpr const char* kMethodNames[] = {"", "three bands", "within the band", "third difference"};
+
+bool Has(std::uint32_t bits, std::size_t place) { return (bits >> place & 1) != 0; }
+
+/// Whether one signal is a part of the other, as E5a and E5b are of E5: their phases err together.
+bool Overlap(char band, char other) {
+  const auto part_of_8 = [](char b) { return b == '5' || b == '7'; };
+  return (band == '8' && part_of_8(other)) || (other == '8' && part_of_8(band));
+}
+
+}  // namespace
+
+void CarrierNoise::SetInterval(double interval_s) {
+  interval_s_ = interval_s;
+  fast_ = interval_s <= kFastInterval_s;
+}
+
+/// One method per signal: a better one starts again.
+void CarrierNoise::Signal::Add(Method by, double size_m) {
+  if (by < method) return;
+  if (by > method) sizes = Sizes();
+  method = by;
+  sizes.Add(size_m);
+}
+
+void CarrierNoise::AddStep(const StepOutcome& outcome) {
+  const SatelliteTrack& track = *outcome.track;
+  Satellite& satellite = satellites_[track.satellite];
+  std::array<double, kMostSignals> differences;
+  const std::uint32_t ready = TakeDifferences(outcome, interval_s_, satellite, differences);
+  if (ready == 0) return;
+  if (fast_) return Wait(outcome, ready, differences, satellite);
+  if (!outcome.up) return;
+  if (ready != satellite.ready || track.signals.size() != satellite.tracked) {
+    satellite.ready = ready;
+    satellite.tracked = track.signals.size();
+    Combine(track, satellite);
+  }
+  for (std::size_t j = 0; j < satellite.tracked && j < kMostSignals; ++j) {
+    const Combination& c = satellite.combinations[j];
+    if (c.method == kNone) continue;
+    double sum = 0;
+    for (std::size_t k = 0; k < c.place.size(); ++k) sum += c.weight[k] * differences[c.place[k]];
+    StateOf(satellite.signals, track.signals[j].code, j).Add(c.method, std::fabs(sum) / kRootOfTwenty);
+  }
+}
+
+/// @return the signals that have a third difference, bits by place; the others' are 0
+std::uint32_t CarrierNoise::TakeDifferences(const StepOutcome& outcome, double interval_s,
+                                            Satellite& satellite,
+                                            std::array<double, kMostSignals>& differences) {
+  const SatelliteTrack& track = *outcome.track;
+  const std::int64_t i = outcome.step;
+  const bool even = std::fabs(outcome.state->dt_s - interval_s) <= kEvenStep * interval_s;
+  if (outcome.begins_arc) {
+    satellite.tracked = 0;
+    for (Signal& signal : satellite.signals) signal.steps = 0;
+  }
+  std::uint32_t ready = 0;
+  for (std::size_t j = 0; j < track.signals.size() && j < kMostSignals; ++j) {
+    const SignalTrack& s = track.signals[j];
+    const SignalOutcome& o = outcome.signals[j];
+    Signal& signal = StateOf(satellite.signals, s.code, j);
+    signal.steps = even && o.GoesOn() && !o.returns ? std::min(signal.steps + 1, kSteps) : 0;
+    differences[j] = 0;
+    if (signal.steps < kSteps) continue;
+    differences[j] = s.X(i) - s.X(i - 3) - 3 * (s.X(i - 1) - s.X(i - 2));
+    ready |= std::uint32_t{1} << j;
+  }
+  return ready;
+}
+
+/// What each signal's noise is read off, from the signals that are ready.
+void CarrierNoise::Combine(const SatelliteTrack& track, Satellite& satellite) {
+  for (std::size_t j = 0; j < satellite.tracked && j < kMostSignals; ++j) {
+    Combination& c = satellite.combinations[j];
+    c = Combination();
+    if (!Has(satellite.ready, j)) continue;
+    c = WithinBand(track, j, satellite.ready);
+    if (c.method == kNone) c = OfThreeBands(track, j, satellite.ready);
+  }
+}
+
+CarrierNoise::Combination CarrierNoise::WithinBand(const SatelliteTrack& track, std::size_t place,
+                                                   std::uint32_t ready) {
+  for (std::size_t j = 0; j < track.signals.size() && j < kMostSignals; ++j) {
+    if (j == place || !Has(ready, j) || track.signals[j].code.band != track.signals[place].code.band)
+      continue;
+    const double weight = std::sqrt(0.5);
+    return {kWithinBand, {place, j, j}, {weight, -weight, 0}};
+  }
+  return {};
+}
+
+/// The two other bands that give the signal the greatest share of the variance.
+CarrierNoise::Combination CarrierNoise::OfThreeBands(const SatelliteTrack& track, std::size_t place,
+                                                     std::uint32_t ready) {
+  Combination best;
+  double best_share = kLeastShare;
+  const double mu = track.signals[place].mu;
+  for (std::size_t p = 0; p < track.signals.size() && p < kMostSignals; ++p) {
+    for (std::size_t q = p + 1; q < track.signals.size() && q < kMostSignals; ++q) {
+      if (p == place || q == place || !Has(ready, p) || !Has(ready, q)) continue;
+      const char own = track.signals[place].code.band;
+      const char band_p = track.signals[p].code.band, band_q = track.signals[q].code.band;
+      if (Overlap(own, band_p) || Overlap(own, band_q) || Overlap(band_p, band_q)) continue;
+      const double mu_p = track.signals[p].mu, mu_q = track.signals[q].mu;
+      const double a = mu_p - mu_q, b = mu_q - mu, c = mu - mu_p;
+      const double norm = std::sqrt(a * a + b * b + c * c);
+      // A second signal on one of the bands would leave no third band.
+      if (a == 0 || b == 0 || c == 0 || a * a / (norm * norm) < best_share) continue;
+      best_share = a * a / (norm * norm);
+      best = {kThreeBands, {place, p, q}, {a / norm, b / norm, c / norm}};
+    }
+  }
+  return best;
+}
+
+void CarrierNoise::Wait(const StepOutcome& outcome, std::uint32_t ready,
+                        const std::array<double, kMostSignals>& differences, Satellite& satellite) {
+  if (outcome.state->epoch != epoch_) TakeOffCommonPart();
+  epoch_ = outcome.state->epoch;
+  const SatelliteTrack& track = *outcome.track;
+  double first = kAbsent;
+  for (std::size_t j = 0; j < track.signals.size() && j < kMostSignals; ++j) {
+    if (!Has(ready, j)) continue;
+    if (std::isnan(first)) first_signals_.push_back(first = differences[j]);
+    waiting_.push_back({&satellite, track.signals[j].code, differences[j], first, outcome.up});
+  }
+}
+
+/// Of the satellites of one epoch, whose steps are decided one after the other.
+void CarrierNoise::TakeOffCommonPart() {
+  if (first_signals_.size() >= kLeastSatellites) {
+    std::sort(first_signals_.begin(), first_signals_.end());
+    for (const Waiting& w : waiting_) {
+      if (!w.up) continue;
+      const double size = std::fabs(w.metres - MedianWithout(w.first_metres)) / kRootOfTwenty;
+      StateOf(w.satellite->signals, w.code, 0).Add(kThirdDifference, size);
+    }
+  }
+  waiting_.clear();
+  first_signals_.clear();
+}
+
+/// Median of the sorted first signals but one.
+double CarrierNoise::MedianWithout(double value) const {
+  const std::size_t rest = first_signals_.size() - 1;
+  const auto at = [&](std::size_t rank) {
+    const double here = first_signals_[rank];
+    return here < value ? here : first_signals_[rank + 1];
+  };
+  return 0.5 * (at((rest - 1) / 2) + at(rest / 2));
+}
+
+void CarrierNoise::FillIn(AnalysisResult& result) const {
+  std::map<std::pair<char, std::string>, std::array<Sizes, kMethods>> systems;
+  const auto figures_of = [](Method method, const Sizes& sizes) {
+    PhaseNoiseFigures figures;
+    const auto median = sizes.Quantile(0.5);
+    if (sizes.Count() < kLeastValues || !median) return figures;
+    figures.noise_mm = 1e3 * kSigmaOfMedian * *median;
+    figures.method = kMethodNames[method];
+    figures.values = sizes.Count();
+    return figures;
+  };
+  satellites_.ForEach([&](SatelliteId id, const Satellite& satellite) {
+    for (const Signal& signal : satellite.signals) {
+      SatelliteSignalRow(result, id, signal.code).phase_noise = figures_of(signal.method, signal.sizes);
+      systems[{id.system, NameOf(signal.code)}][signal.method].Add(signal.sizes);
+    }
+  });
+  for (const auto& [key, by_method] : systems) {
+    const auto most = std::max_element(by_method.begin(), by_method.end(),
+                                       [](const Sizes& a, const Sizes& b) { return a.Count() < b.Count(); });
+    const auto method = static_cast<Method>(most - by_method.begin());
+    SystemSignalRow(result, key.first, {key.second[0], key.second[1]}).phase_noise =
+        figures_of(method, *most);
+  }
+}
+
+}  // namespace orsolva_host::analysis

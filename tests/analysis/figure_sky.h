@@ -1,5 +1,5 @@
-// Orbits for tests of figures: a station on the equator, a satellite of medium height and one that is fixed
-// still.
+// Orbits for tests of figures: a station on the equator, a satellite of medium height and a geostationary
+// one.
 #ifndef ORSOLVA_TESTS_ANALYSIS_FIGURE_SKY_H
 #define ORSOLVA_TESTS_ANALYSIS_FIGURE_SKY_H
 

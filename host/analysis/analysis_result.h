@@ -53,13 +53,13 @@ struct ElevationBin {
   Count values = 0;
 };
 
-/// A signal that for a while was weaker than it usually is at the elevations it was at.
+/// A time during which a signal was weaker than it usually is at the elevations it was at.
 struct StrengthDrop {
   std::int64_t from_ns = 0;
   std::int64_t to_ns = 0;
   double mean_drop_db = 0;
   double largest_drop_db = 0;
-  bool all_bands = false;  ///< the satellite's (or system's) other bands dropped with it
+  std::optional<bool> other_bands;  ///< dropped with it; absent where there was no other band
 };
 
 struct StrengthFigures {
@@ -155,7 +155,7 @@ struct SatelliteFigures {
   std::optional<std::int64_t> first_ns, last_ns;
   std::optional<double> highest_deg;
   std::vector<SignalCode> lacking;  ///< it must transmit them, others were observed with them, it never was
-  CompletenessFigures horizon;  ///< of the signals expected of it
+  CompletenessFigures horizon;      ///< of the signals expected of it
   CompletenessFigures cutoff;
   SlipFigures slips;
   SlipFigures slips_below_cutoff;

@@ -36,7 +36,9 @@ bool Contains(const std::vector<SignalCode>& codes, SignalCode code) {
 
 }  // namespace
 
-void Completeness::Add(const ObservationEpoch& epoch, const SignalRoster& roster, const Sky& sky) {
+void Completeness::Add(const ObservationEpoch& epoch, const SignalRoster& roster, const Sky& sky,
+                       std::int64_t steps) {
+  if (steps == 0) return;
   signals_.resize(roster.Signals().size());
   for (std::size_t i = 0; i < epoch.satellites.size(); ++i) {
     const SatelliteObservation& satellite = epoch.satellites[i];
@@ -49,15 +51,19 @@ void Completeness::Add(const ObservationEpoch& epoch, const SignalRoster& roster
       signal.seen = true;
       signal.observed[Visibility::kHorizon] += above_horizon;
       signal.observed[Visibility::kCutoff] += above_cutoff;
+      if (above_horizon) signal.steps[Visibility::kHorizon] += static_cast<Count>(steps);
+      if (above_cutoff) signal.steps[Visibility::kCutoff] += static_cast<Count>(steps);
     }
   }
 }
 
 void Completeness::Rescale(double ratio) {
-  if (ratio >= 1) return;
   for (Signal& signal : signals_) {
-    for (Count& count : signal.observed)
-      count = static_cast<Count>(std::llround(static_cast<double>(count) * ratio));
+    for (std::size_t level = 0; level < Visibility::kLevels; ++level) {
+      Count& steps = signal.steps[level];
+      steps = static_cast<Count>(std::llround(static_cast<double>(steps) * ratio));
+      signal.observed[level] = std::min(signal.observed[level], steps);
+    }
   }
 }
 
@@ -74,8 +80,11 @@ void Completeness::FillIn(const SignalRoster& roster, const Sky& sky, AnalysisRe
     const ListedSignal& signal = roster.Signals()[i];
     const ExpectedEpochs::Counts* expected = sky.CountsOf(signal.satellite);
     if (!signals_[i].seen || expected == nullptr) continue;
-    AddToRows(result, roster.Satellites()[signal.satellite], signal.code, expected->healthy,
-              signals_[i].observed);
+    LevelCounts observed = signals_[i].observed;
+    // Rescaling rounds the two apart from each other.
+    for (std::size_t k = 0; k < observed.size(); ++k)
+      observed[k] = std::min(observed[k], expected->healthy[k]);
+    AddToRows(result, roster.Satellites()[signal.satellite], signal.code, expected->healthy, observed);
   }
   const std::vector<std::vector<SignalCode>> seen = SeenOfSatellites(roster);
   for (const SharedSignal& shared : roster.SharedSignals()) FillInLacking(roster, sky, shared, seen, result);

@@ -19,6 +19,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "host/analysis/analysis_result.h"
@@ -32,9 +33,12 @@ class Completeness {
  public:
   static constexpr std::size_t kTrackedOn = 10;
 
-  /// @param sky  has taken the epoch
-  void Add(const ObservationEpoch& epoch, const SignalRoster& roster, const Sky& sky);
-  /// Converts what has been counted to another interval: fewer epochs, never more.
+  /// @param sky    has taken the epoch
+  /// @param steps  nominal epochs since the one before, see ExpectedEpochs; with 0 nothing is counted
+  void Add(const ObservationEpoch& epoch, const SignalRoster& roster, const Sky& sky, std::int64_t steps);
+  /// Converts what has been counted to another interval. With a longer one only every so many-th of the
+  /// epochs that were dense counts, and each of those that were as far apart as that; with a shorter one all
+  /// do.
   void Rescale(double ratio);
   void FillIn(const SignalRoster& roster, const Sky& sky, AnalysisResult& result) const;
 
@@ -42,6 +46,7 @@ class Completeness {
   struct Signal {
     bool seen = false;
     std::array<Count, Visibility::kLevels> observed = {};
+    std::array<Count, Visibility::kLevels> steps = {};  ///< nominal epochs that the observed ones stand for
   };
   /// The signals that a satellite was observed with.
   std::vector<std::vector<SignalCode>> SeenOfSatellites(const SignalRoster& roster) const;

@@ -11,7 +11,8 @@ void EpochGroups::AddEpoch(const ObservationEpoch& epoch, const Station* station
     completeness_.Rescale(span_.IntervalChange());
   }
   sky_->Add(epoch, roster_, station, span_.NominalStep());
-  if (span_.NominalStep() > 0) completeness_.Add(epoch, roster_, *sky_);
+  completeness_.Add(epoch, roster_, *sky_, span_.NominalStep());
+  strength_.Add(epoch, roster_, *sky_);
   for (std::size_t i = 0; i < epoch.satellites.size(); ++i) mask_.Add(sky_->ElevationDegrees(i));
 }
 
@@ -21,6 +22,7 @@ void EpochGroups::FillIn(AnalysisResult& result) const {
   sky_->FillIn(roster_, result);
   completeness_.FillIn(roster_, *sky_, result);
   mask_.FillIn(result.mask);
+  strength_.FillIn(roster_, result);
 }
 
 }  // namespace orsolva_host::analysis

@@ -11,6 +11,7 @@
 #include "host/analysis/figures/signal_roster.h"
 #include "host/analysis/figures/sky.h"
 #include "host/analysis/figures/span.h"
+#include "host/analysis/figures/strength.h"
 
 namespace orsolva_host::analysis {
 
@@ -38,6 +39,7 @@ class EpochGroups {
   std::optional<Sky> sky_;
   Completeness completeness_;
   ReceiverMask mask_;
+  Strength strength_;
 };
 
 }  // namespace orsolva_host::analysis

@@ -109,7 +109,7 @@ TEST(StrengthDrops, AFailingAntennaHitsAllBands) {
     EXPECT_LE(std::abs(drops[0].to_ns - Start(270)), kStrengthWindow_ns);
     EXPECT_EQ(drops[0].other_bands, true);
   }
-  EXPECT_EQ(passes.OfAllSatellites(), 0U) << "what hits the system is not told of each satellite again";
+  EXPECT_EQ(passes.OfAllSatellites(), 0U) << "what hits the system is not reported for each satellite again";
 }
 
 TEST(StrengthDrops, AnObstructionHitsAllBandsOfASatellite) {

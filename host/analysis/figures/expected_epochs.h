@@ -1,4 +1,4 @@
-// For each satellite with an orbit: the nominal epochs at which it stood above the horizon and above the
+// For each satellite with an orbit: the nominal epochs at which it was above the horizon and above the
 // cut-off and was healthy, those inside gaps of the stream included, none before its first and after its last
 // epoch.
 #ifndef ORSOLVA_ANALYSIS_FIGURES_EXPECTED_EPOCHS_H

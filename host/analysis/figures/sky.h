@@ -2,7 +2,7 @@
 //
 //   highest    of a satellite's elevations at epochs with a code or phase
 //   has_record a broadcast record or precise orbit was there for at least one epoch at which it was observed
-//   never observed  satellites with an orbit that stood above the cut-off in at least one nominal epoch and
+//   never observed  satellites with an orbit that were above the cut-off in at least one nominal epoch and
 //   of
 //              which the stream holds nothing; unhealthy ones are marked. Systems that the stream holds
 //              nothing of are left out.

@@ -12,7 +12,7 @@
 // ones counted.
 //
 // The interval is that of the whole stream (interval.h), known at the end: the steps are kept as runs of
-// equal steps, two per gap, and counted when a result is asked for. After kMostRuns the rest is counted as it
+// equal steps, two per gap, and counted when a result is read. After kMostRuns the rest is counted as it
 // comes, with the interval known by then.
 #ifndef ORSOLVA_ANALYSIS_FIGURES_SPAN_H
 #define ORSOLVA_ANALYSIS_FIGURES_SPAN_H

@@ -80,10 +80,7 @@ class MadeTrack {
   }
 
   /// The newest step as decided.
-  const StepOutcome& Outcome(double cutoff_deg = 10) {
-    ReadOutcome(track_, Newest(), cutoff_deg, outcome_);
-    return outcome_;
-  }
+  const StepOutcome& Outcome() { return reader_.Read(track_, Newest()); }
 
   SatelliteTrack& Track() { return track_; }
   std::int64_t Newest() const { return track_.next - 1; }
@@ -95,7 +92,7 @@ class MadeTrack {
   }
 
   SatelliteTrack track_;
-  StepOutcome outcome_;
+  OutcomeReader reader_{10};  ///< cut-off of the tests
   double interval_s_;
   std::int64_t time_ns_ = 0;
   std::int64_t number_ = -1;

@@ -24,10 +24,10 @@ ScatterByElevation SeriesOf(int values, double interval_s, const std::function<d
   ScatterByElevation sums;
   for (int k = 0; k < values; ++k) {
     const double t = k * interval_s;
-    moving.Add(kMadeStart_ns + static_cast<std::int64_t>(t * 1e9), value_at(t), elevation_deg, kCutoff_deg,
-               sums);
+    moving.Add(kMadeStart_ns + static_cast<std::int64_t>(t * 1e9), value_at(t), elevation_deg,
+               IsUp(elevation_deg, kCutoff_deg), sums);
   }
-  moving.End(kCutoff_deg, sums);
+  moving.End(sums);
   return sums;
 }
 
@@ -35,7 +35,7 @@ ScatterByElevation SeriesOf(int values, double interval_s, const std::function<d
 TEST(MovingScatter, OfWhiteNoiseIsItsDeviationAtAnyInterval) {
   for (const double interval : {1.0, 15.0, 30.0, 60.0}) {
     NormalNoise noise(17);
-    const auto sums = SeriesOf(30000, interval, [&](double) { return 12345.6 + 0.25 * noise(); });
+    const auto sums = SeriesOf(30000, interval, [&](double) { return 12.6 + 0.25 * noise(); });
     EXPECT_NEAR(*sums.Rms(1), 0.25, 0.25 * 0.015) << interval;
     EXPECT_EQ(sums.Values(), 30000U);
   }
@@ -77,9 +77,9 @@ TEST(MovingScatter, HolesAreTime) {
   ScatterByElevation sums;
   for (int k = 0; k < 4000; ++k) {
     if (k % 100 < 15) continue;
-    moving.Add(kMadeStart_ns + k * MovingScatter::kBlock_ns, noise(), 45, kCutoff_deg, sums);
+    moving.Add(kMadeStart_ns + k * MovingScatter::kBlock_ns, noise(), 45, true, sums);
   }
-  EXPECT_TRUE(moving.End(kCutoff_deg, sums));
+  EXPECT_TRUE(moving.End(sums));
   EXPECT_NEAR(*sums.Rms(1), 1, 0.05);
 }
 

@@ -16,10 +16,11 @@ constexpr double kRootOfTwenty = 4.47213595499958;
 constexpr double kFastInterval_s =
     1.05;                           // at and below, what differences leave of ionosphere and range is noise
 constexpr double kEvenStep = 0.02;  // of the interval by which steps of a third difference may differ from it
-constexpr int kSteps = 3;
 constexpr const char* kMethodNames[] = {"", "three bands", "within the band", "third difference"};
 
-bool Has(std::uint32_t bits, std::size_t place) { return (bits >> place & 1) != 0; }
+double ThirdDifference(const SignalTrack& s, std::int64_t i) {
+  return s.X(i) - s.X(i - 3) - 3 * (s.X(i - 1) - s.X(i - 2));
+}
 
 /// Whether one signal is a part of the other, as E5a and E5b are of E5: their phases err together.
 bool Overlap(char band, char other) {
@@ -43,65 +44,66 @@ void CarrierNoise::Signal::Add(Method by, double size_m) {
 }
 
 void CarrierNoise::AddStep(const StepOutcome& outcome) {
-  const SatelliteTrack& track = *outcome.track;
-  Satellite& satellite = satellites_[track.satellite];
-  std::array<double, kMostSignals> differences;
-  const std::uint32_t ready = TakeDifferences(outcome, interval_s_, satellite, differences);
+  // Before signals are rearranged: those that wait are pointed at.
+  if (outcome.state->epoch != epoch_) TakeOffCommonPart();
+  epoch_ = outcome.state->epoch;
+  Satellite& satellite = satellites_[outcome.track->satellite];
+  if (outcome.rearranged) {
+    Arrange(satellite.signals, outcome);
+    satellite.smooth = {};
+    satellite.ready = 0;
+  }
+  const SignalMask ready = Ready(outcome, satellite);
   if (ready == 0) return;
-  if (fast_) return Wait(outcome, ready, differences, satellite);
-  if (!outcome.up) return;
-  if (ready != satellite.ready || track.signals.size() != satellite.tracked) {
+  if (fast_) {
+    Wait(outcome, ready, satellite);
+  } else if (outcome.up &&
+             outcome.step % 2 == 0) {  // neighbours have three values in common and tell little more
+    AddCombinations(outcome, ready, satellite);
+  }
+}
+
+/// Signals with a third difference that ends with the step.
+SignalMask CarrierNoise::Ready(const StepOutcome& outcome, Satellite& satellite) const {
+  const bool even = std::fabs(outcome.state->dt_s - interval_s_) <= kEvenStep * interval_s_;
+  const SignalMask smooth = even ? outcome.GoesOn() & ~outcome.returns : 0;
+  satellite.smooth = {smooth, satellite.smooth[0], satellite.smooth[1]};
+  return smooth & satellite.smooth[1] & satellite.smooth[2];
+}
+
+void CarrierNoise::AddCombinations(const StepOutcome& outcome, SignalMask ready, Satellite& satellite) {
+  const SatelliteTrack& track = *outcome.track;
+  if (ready != satellite.ready) {
     satellite.ready = ready;
-    satellite.tracked = track.signals.size();
     Combine(track, satellite);
   }
-  for (std::size_t j = 0; j < satellite.tracked && j < kMostSignals; ++j) {
+  std::array<double, kMostSignals> differences;
+  for (SignalMask left = ready; left != 0;) {
+    const std::size_t j = TakeFirst(left);
+    differences[j] = ThirdDifference(track.signals[j], outcome.step);
+  }
+  for (SignalMask left = ready; left != 0;) {
+    const std::size_t j = TakeFirst(left);
     const Combination& c = satellite.combinations[j];
     if (c.method == kNone) continue;
     double sum = 0;
     for (std::size_t k = 0; k < c.place.size(); ++k) sum += c.weight[k] * differences[c.place[k]];
-    StateOf(satellite.signals, track.signals[j].code, j).Add(c.method, std::fabs(sum) / kRootOfTwenty);
+    satellite.signals[outcome.number[j]].Add(c.method, std::fabs(sum) * (1 / kRootOfTwenty));
   }
-}
-
-/// @return the signals that have a third difference, bits by place; the others' are 0
-std::uint32_t CarrierNoise::TakeDifferences(const StepOutcome& outcome, double interval_s,
-                                            Satellite& satellite,
-                                            std::array<double, kMostSignals>& differences) {
-  const SatelliteTrack& track = *outcome.track;
-  const std::int64_t i = outcome.step;
-  const bool even = std::fabs(outcome.state->dt_s - interval_s) <= kEvenStep * interval_s;
-  if (outcome.begins_arc) {
-    satellite.tracked = 0;
-    for (Signal& signal : satellite.signals) signal.steps = 0;
-  }
-  std::uint32_t ready = 0;
-  for (std::size_t j = 0; j < track.signals.size() && j < kMostSignals; ++j) {
-    const SignalTrack& s = track.signals[j];
-    const SignalOutcome& o = outcome.signals[j];
-    Signal& signal = StateOf(satellite.signals, s.code, j);
-    signal.steps = even && o.GoesOn() && !o.returns ? std::min(signal.steps + 1, kSteps) : 0;
-    differences[j] = 0;
-    if (signal.steps < kSteps) continue;
-    differences[j] = s.X(i) - s.X(i - 3) - 3 * (s.X(i - 1) - s.X(i - 2));
-    ready |= std::uint32_t{1} << j;
-  }
-  return ready;
 }
 
 /// What each signal's noise is read off, from the signals that are ready.
 void CarrierNoise::Combine(const SatelliteTrack& track, Satellite& satellite) {
-  for (std::size_t j = 0; j < satellite.tracked && j < kMostSignals; ++j) {
+  for (SignalMask left = satellite.ready; left != 0;) {
+    const std::size_t j = TakeFirst(left);
     Combination& c = satellite.combinations[j];
-    c = Combination();
-    if (!Has(satellite.ready, j)) continue;
     c = WithinBand(track, j, satellite.ready);
     if (c.method == kNone) c = OfThreeBands(track, j, satellite.ready);
   }
 }
 
 CarrierNoise::Combination CarrierNoise::WithinBand(const SatelliteTrack& track, std::size_t place,
-                                                   std::uint32_t ready) {
+                                                   SignalMask ready) {
   for (std::size_t j = 0; j < track.signals.size() && j < kMostSignals; ++j) {
     if (j == place || !Has(ready, j) || track.signals[j].code.band != track.signals[place].code.band)
       continue;
@@ -113,7 +115,7 @@ CarrierNoise::Combination CarrierNoise::WithinBand(const SatelliteTrack& track, 
 
 /// The two other bands that give the signal the greatest share of the variance.
 CarrierNoise::Combination CarrierNoise::OfThreeBands(const SatelliteTrack& track, std::size_t place,
-                                                     std::uint32_t ready) {
+                                                     SignalMask ready) {
   Combination best;
   double best_share = kLeastShare;
   const double mu = track.signals[place].mu;
@@ -135,16 +137,13 @@ CarrierNoise::Combination CarrierNoise::OfThreeBands(const SatelliteTrack& track
   return best;
 }
 
-void CarrierNoise::Wait(const StepOutcome& outcome, std::uint32_t ready,
-                        const std::array<double, kMostSignals>& differences, Satellite& satellite) {
-  if (outcome.state->epoch != epoch_) TakeOffCommonPart();
-  epoch_ = outcome.state->epoch;
-  const SatelliteTrack& track = *outcome.track;
+void CarrierNoise::Wait(const StepOutcome& outcome, SignalMask ready, Satellite& satellite) {
   double first = kAbsent;
-  for (std::size_t j = 0; j < track.signals.size() && j < kMostSignals; ++j) {
-    if (!Has(ready, j)) continue;
-    if (std::isnan(first)) first_signals_.push_back(first = differences[j]);
-    waiting_.push_back({&satellite, track.signals[j].code, differences[j], first, outcome.up});
+  for (SignalMask left = ready; left != 0;) {
+    const std::size_t j = TakeFirst(left);
+    const double difference = ThirdDifference(outcome.track->signals[j], outcome.step);
+    if (std::isnan(first)) first_signals_.push_back(first = difference);
+    waiting_.push_back({&satellite.signals[outcome.number[j]], difference, first, outcome.up});
   }
 }
 
@@ -155,7 +154,7 @@ void CarrierNoise::TakeOffCommonPart() {
     for (const Waiting& w : waiting_) {
       if (!w.up) continue;
       const double size = std::fabs(w.metres - MedianWithout(w.first_metres)) / kRootOfTwenty;
-      StateOf(w.satellite->signals, w.code, 0).Add(kThirdDifference, size);
+      w.signal->Add(kThirdDifference, size);
     }
   }
   waiting_.clear();

@@ -52,7 +52,6 @@ class CarrierNoise {
 
   struct Signal {
     SignalCode code;
-    int steps = 0;  ///< unbroken ones up to the step at hand, up to three
     Method method = kNone;
     Sizes sizes;
 
@@ -65,27 +64,26 @@ class CarrierNoise {
     std::array<double, 3> weight = {};
   };
   struct Satellite {
-    std::vector<Signal> signals;
-    std::uint32_t ready = 0;  ///< signals with a third difference, for which the combinations were made
-    std::size_t tracked = 0;
+    std::vector<Signal> signals;  ///< by number
+    std::array<SignalMask, 3> smooth =
+        {};                ///< signals that went on over the last three even steps, newest first
+    SignalMask ready = 0;  ///< signals with a third difference that the combinations are made of
     std::array<Combination, kMostSignals> combinations;
   };
   /// A third difference that waits for those of other satellites.
   struct Waiting {
-    Satellite* satellite;
-    SignalCode code;
+    Signal* signal;
     double metres;
     double first_metres;  ///< of its satellite's first signal
     bool up;
   };
 
-  static std::uint32_t TakeDifferences(const StepOutcome& outcome, double interval_s, Satellite& satellite,
-                                       std::array<double, kMostSignals>& differences);
+  SignalMask Ready(const StepOutcome& outcome, Satellite& satellite) const;
+  static void AddCombinations(const StepOutcome& outcome, SignalMask ready, Satellite& satellite);
   static void Combine(const SatelliteTrack& track, Satellite& satellite);
-  static Combination WithinBand(const SatelliteTrack& track, std::size_t place, std::uint32_t ready);
-  static Combination OfThreeBands(const SatelliteTrack& track, std::size_t place, std::uint32_t ready);
-  void Wait(const StepOutcome& outcome, std::uint32_t ready,
-            const std::array<double, kMostSignals>& differences, Satellite& satellite);
+  static Combination WithinBand(const SatelliteTrack& track, std::size_t place, SignalMask ready);
+  static Combination OfThreeBands(const SatelliteTrack& track, std::size_t place, SignalMask ready);
+  void Wait(const StepOutcome& outcome, SignalMask ready, Satellite& satellite);
   void TakeOffCommonPart();
   double MedianWithout(double value) const;
 

@@ -15,8 +15,9 @@ namespace orsolva_host::analysis {
 namespace {
 
 constexpr double kSigmaOfMedian = 1.4826;  // of normal values over the median of their sizes
-constexpr double kRootOfTwo = 1.4142135623730951;
-constexpr double kRootOfSix = 2.449489742783178;
+constexpr double kOverRootOfTwo = 0.7071067811865476;
+constexpr double kOverRootOfSix = 0.4082482904638631;
+constexpr std::int64_t kLongestHole_ns = static_cast<std::int64_t>(kLongestGap_s * 1e9);
 
 using SumsBySignal = std::map<std::pair<char, std::string>, MultipathSums>;
 
@@ -97,79 +98,70 @@ MultipathFigures MultipathSums::Figures() const {
   return figures;
 }
 
+void CodeMultipath::SetInterval(double interval_s) {
+  longest_step_ns_ = static_cast<std::int64_t>(kGapFactor * interval_s * 1e9);
+}
+
 void CodeMultipath::AddStep(const StepOutcome& outcome) {
   const SatelliteTrack& track = *outcome.track;
   Satellite& satellite = satellites_[track.satellite];
+  if (outcome.rearranged) {
+    Arrange(satellite.signals, outcome);
+    FindPartners(track, satellite);
+  }
   if (outcome.begins_arc) {
     for (Signal& signal : satellite.signals) End(signal);
     const StepState& first = track.At(track.first);
     const double elevation = ElevationDegrees(first);
-    const Place at{track, track.first, first.time_ns, elevation, IsUp(elevation, cutoff_deg_)};
-    for (std::size_t j = 0; j < track.signals.size() && j < kMostSignals; ++j) AddPhase(at, j, satellite);
+    AddPhases({outcome, track.first, first.time_ns, elevation, IsUp(elevation, cutoff_deg_)}, satellite);
   }
-  for (std::size_t j = 0; j < track.signals.size() && j < kMostSignals; ++j) {
-    Signal& signal = StateOf(satellite.signals, track.signals[j].code, j);
-    if (!signal.run.open) continue;
-    const SignalTrack* partner = PartnerOf(track, signal.run);
-    const bool partner_breaks = partner != nullptr && outcome.signals[signal.run.partner_place].Breaks();
-    if (outcome.signals[j].Breaks() || partner_breaks) End(signal);
-  }
-  const Place at{track, outcome.step, outcome.state->time_ns, outcome.elevation_deg, outcome.up};
-  for (std::size_t j = 0; j < track.signals.size() && j < kMostSignals; ++j) AddPhase(at, j, satellite);
+  if (outcome.Breaks() != 0) EndBroken(outcome, satellite);
+  AddPhases({outcome, outcome.step, outcome.state->time_ns, outcome.elevation_deg, outcome.up}, satellite);
 }
 
-/// The partner of a run, wherever it is in the track now; null where it is not.
-const SignalTrack* CodeMultipath::PartnerOf(const SatelliteTrack& track, Run& run) {
-  if (run.lone) return nullptr;
-  if (run.partner_place >= track.signals.size() || track.signals[run.partner_place].code != run.partner) {
-    const auto found = std::find_if(track.signals.begin(), track.signals.end(),
-                                    [&](const SignalTrack& s) { return s.code == run.partner; });
-    if (found == track.signals.end()) return nullptr;
-    run.partner_place = static_cast<std::size_t>(found - track.signals.begin());
+/// Ends runs whose own or partner's phase does not go on.
+void CodeMultipath::EndBroken(const StepOutcome& outcome, Satellite& satellite) {
+  const std::size_t tracked = std::min<std::size_t>(outcome.track->signals.size(), kMostSignals);
+  for (std::size_t j = 0; j < tracked; ++j) {
+    Signal& signal = satellite.signals[outcome.number[j]];
+    const Run& run = signal.run;
+    if (!run.open) continue;
+    if (Has(outcome.Breaks(), j) || (!run.lone && Has(outcome.Breaks(), run.partner_place))) End(signal);
   }
-  return &track.signals[run.partner_place];
 }
 
+/// Where the partners of open runs are now. A track that has lost one begins an arc, which ends every run.
+void CodeMultipath::FindPartners(const SatelliteTrack& track, Satellite& satellite) {
+  for (Signal& signal : satellite.signals) {
+    for (std::size_t j = 0; j < track.signals.size() && j < kMostSignals; ++j) {
+      if (track.signals[j].code == signal.run.partner) signal.run.partner_place = j;
+    }
+  }
+}
+
+void CodeMultipath::AddPhases(const Place& at, Satellite& satellite) const {
+  const std::size_t tracked = std::min<std::size_t>(at.outcome.track->signals.size(), kMostSignals);
+  for (std::size_t j = 0; j < tracked; ++j) {
+    if (HasValue(at.Signal(j), at.epoch)) AddPhase(at, j, satellite);
+  }
+}
+
+/// Adds the value of a signal, where its partner has a phase.
 void CodeMultipath::AddPhase(const Place& at, std::size_t place, Satellite& satellite) const {
-  const SignalTrack& s = at.track.signals[place];
-  if (!HasValue(s, at.epoch)) return;
-  Signal& signal = StateOf(satellite.signals, s.code, place);
+  const SignalTrack& s = at.Signal(place);
+  Signal& signal = satellite.signals[at.outcome.number[place]];
   Run& run = signal.run;
-  if (run.open && SecondsBetween(at.time_ns, run.last_ns) > kLongestGap_s) End(signal);
+  if (run.open && at.time_ns - run.last_ns > kLongestHole_ns) End(signal);
   if (run.open && (run.lone || (run.rank > 0 && !run.moving.Full()))) {
-    const auto better = FindPartner(at.track, place, at.epoch);
+    const auto better = FindPartner(*at.outcome.track, place, at.epoch);
     if (better && (run.lone || better->rank < run.rank)) End(signal);
   }
   if (!run.open) Begin(at, place, run);
-  Continue(at, place, satellite, signal);
-}
-
-void CodeMultipath::Begin(const Place& at, std::size_t place, Run& run) {
-  const SignalTrack& s = at.track.signals[place];
-  run = Run();
-  run.open = true;
-  run.last_ns = at.time_ns;
-  const auto partner = FindPartner(at.track, place, at.epoch);
-  run.lone = !partner;
-  if (run.lone) return;
-  const SignalTrack& p = at.track.signals[partner->place];
-  run.partner = p.code;
-  run.partner_place = partner->place;
-  run.rank = partner->rank;
-  run.coefficient = PartnerCoefficient(s.mu, p.mu);
-  run.wide_lane_m = kLightSpeed_m_s / std::fabs(s.frequency_hz - p.frequency_hz);
-}
-
-/// The value of an epoch, where the partner has one.
-void CodeMultipath::Continue(const Place& at, std::size_t place, const Satellite& satellite,
-                             Signal& signal) const {
-  const SignalTrack& s = at.track.signals[place];
-  Run& run = signal.run;
   double value = s.code_m[RingSlot(at.epoch)] - s.X(at.epoch);
   if (!run.lone) {
-    const SignalTrack* p = PartnerOf(at.track, run);
-    if (p == nullptr || p->unstable || !p->IsReal(at.epoch)) return;
-    value -= run.coefficient * (s.X(at.epoch) - p->X(at.epoch));
+    const SignalTrack& p = at.Signal(run.partner_place);
+    if (p.unstable || !p.IsReal(at.epoch)) return;
+    value -= run.coefficient * (s.X(at.epoch) - p.X(at.epoch));
   }
   if (std::isnan(run.last_m)) run.origin_m = value;
   value -= run.origin_m;
@@ -177,58 +169,74 @@ void CodeMultipath::Continue(const Place& at, std::size_t place, const Satellite
   run.last_ns = at.time_ns;
   run.last_m = value;
   if (run.lone) return;
-  run.moving.Add(at.time_ns, value, at.elevation_deg, cutoff_deg_, signal.sums.moving);
+  run.moving.Add(at.time_ns, value, at.elevation_deg, at.up, signal.sums.moving);
   if (!at.up) return;
   run.arc.Add(value);
-  const SignalTrack& p = at.track.signals[run.partner_place];
-  if (s.frequency_hz > p.frequency_hz || !IsCounted(p, s.code, satellite)) AddWideLane(at, place, run);
+  if (CountsWideLane(at, place, satellite)) AddWideLane(at, place, run);
 }
 
-/// Whether the higher of two signals, which comes first in an epoch, counts their wide lane already.
-bool CodeMultipath::IsCounted(const SignalTrack& higher, SignalCode lower, const Satellite& satellite) {
-  return std::any_of(satellite.signals.begin(), satellite.signals.end(), [&](const Signal& other) {
-    return other.code == higher.code && other.run.open && !other.run.lone && other.run.partner == lower;
-  });
+void CodeMultipath::Begin(const Place& at, std::size_t place, Run& run) {
+  const SignalTrack& s = at.Signal(place);
+  run = Run();
+  run.open = true;
+  run.last_ns = at.time_ns;
+  const auto partner = FindPartner(*at.outcome.track, place, at.epoch);
+  run.lone = !partner;
+  if (run.lone) return;
+  const SignalTrack& p = at.Signal(partner->place);
+  run.partner = p.code;
+  run.partner_place = partner->place;
+  run.rank = partner->rank;
+  run.coefficient = PartnerCoefficient(s.mu, p.mu);
+  const double difference = s.frequency_hz - p.frequency_hz, sum = s.frequency_hz + p.frequency_hz;
+  run.wide_lane_m = kLightSpeed_m_s / std::fabs(difference);
+  run.wide_lane_terms = {s.frequency_hz / difference, -p.frequency_hz / difference, -s.frequency_hz / sum,
+                         -p.frequency_hz / sum};
+  for (double& term : run.wide_lane_terms) term /= run.wide_lane_m;
+}
+
+/// Where two signals are each other's partners their wide lane is counted once, by the higher one, which
+/// comes first in an epoch.
+bool CodeMultipath::CountsWideLane(const Place& at, std::size_t place, const Satellite& satellite) {
+  const SignalTrack& s = at.Signal(place);
+  const std::size_t partner = satellite.signals[at.outcome.number[place]].run.partner_place;
+  if (s.mu < at.Signal(partner).mu) return true;
+  const Run& other = satellite.signals[at.outcome.number[partner]].run;
+  return !other.open || other.lone || other.partner != s.code;
 }
 
 /// Before the value is remembered as the last one.
 void CodeMultipath::AddNoise(const Place& at, double value, Signal& signal) const {
   Run& run = signal.run;
-  const bool next = SecondsBetween(at.time_ns, run.last_ns) <= kGapFactor * interval_s_;
+  const bool next = at.time_ns - run.last_ns <= longest_step_ns_;
   const double change = next ? value - run.last_m : kAbsent;
   const double bend = change - run.last_change_m;
   run.last_change_m = change;
   if (!at.up) return;
-  const double noise = run.lone ? std::fabs(bend) / kRootOfSix : std::fabs(change) / kRootOfTwo;
+  const double noise = run.lone ? std::fabs(bend) * kOverRootOfSix : std::fabs(change) * kOverRootOfTwo;
   if (std::isfinite(noise)) signal.sums.noise.Add(noise);
 }
 
 void CodeMultipath::AddWideLane(const Place& at, std::size_t place, Run& run) {
-  const SignalTrack& s = at.track.signals[place];
-  const SignalTrack& p = at.track.signals[run.partner_place];
+  const SignalTrack& s = at.Signal(place);
+  const SignalTrack& p = at.Signal(run.partner_place);
   const std::size_t slot = RingSlot(at.epoch);
-  const double phase = (s.frequency_hz * s.phase_m[slot] - p.frequency_hz * p.phase_m[slot]) /
-                       (s.frequency_hz - p.frequency_hz);
-  const double code =
-      (s.frequency_hz * s.code_m[slot] + p.frequency_hz * p.code_m[slot]) / (s.frequency_hz + p.frequency_hz);
-  const double cycles = (phase - code) / run.wide_lane_m;
-  if (std::isnan(cycles)) return;
-  if (run.wide_lane.count == 0) run.wide_lane_origin = cycles;
-  run.wide_lane.Add(cycles - run.wide_lane_origin);
+  const double cycles = run.wide_lane_terms[0] * s.phase_m[slot] + run.wide_lane_terms[1] * p.phase_m[slot] +
+                        run.wide_lane_terms[2] * s.code_m[slot] + run.wide_lane_terms[3] * p.code_m[slot];
+  if (std::isfinite(cycles)) run.wide_lane.Add(cycles);
 }
 
-void CodeMultipath::End(Signal& signal) const {
+void CodeMultipath::End(Signal& signal) {
   Run& run = signal.run;
   const bool open = run.open && !run.lone;
   run.open = false;
-  if (!open) return;
-  if (!run.moving.End(cutoff_deg_, signal.sums.moving)) return;
+  if (!open || !run.moving.End(signal.sums.moving)) return;
   signal.sums.arcs.Add(run.arc);
   MultipathSums::ByPartner& with = signal.sums.With(run.partner);
   with.values += run.arc.count;
   with.wide_lane.Add(run.wide_lane);
   if (run.wide_lane.count > 1)
-    with.wide_lane_squares += run.wide_lane.squares * run.wide_lane_m * run.wide_lane_m;
+    with.wide_lane_squares += run.wide_lane.AboutMean() * run.wide_lane_m * run.wide_lane_m;
 }
 
 void CodeMultipath::FillIn(AnalysisResult& result) const {

@@ -25,6 +25,7 @@
 #ifndef ORSOLVA_ANALYSIS_FIGURES_CODE_MULTIPATH_H
 #define ORSOLVA_ANALYSIS_FIGURES_CODE_MULTIPATH_H
 
+#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -68,7 +69,7 @@ class CodeMultipath {
  public:
   explicit CodeMultipath(double cutoff_deg) : cutoff_deg_(cutoff_deg) {}
 
-  void SetInterval(double interval_s) { interval_s_ = interval_s; }
+  void SetInterval(double interval_s);
   void AddStep(const StepOutcome& outcome);
 
   void FillIn(AnalysisResult& result) const;
@@ -79,12 +80,12 @@ class CodeMultipath {
     bool open = false;
     bool lone = false;  ///< without a partner
     SignalCode partner;
-    std::size_t partner_place = 0;  ///< in the track, when it was looked up last
+    std::size_t partner_place = 0;  ///< in the track
     int rank = 0;
     double coefficient = 0;
-    double wide_lane_m = 0;  ///< wavelength
-    double origin_m = 0;     ///< first value, taken off all
-    double wide_lane_origin = 0;
+    double wide_lane_m = 0;                      ///< wavelength
+    std::array<double, 4> wide_lane_terms = {};  ///< of own and partner's phase, own and partner's code, 1/m
+    double origin_m = 0;                         ///< first value, taken off all
     std::int64_t last_ns = 0;
     double last_m = kAbsent;
     double last_change_m = kAbsent;
@@ -98,28 +99,31 @@ class CodeMultipath {
     MultipathSums sums;
   };
   struct Satellite {
-    std::vector<Signal> signals;
+    std::vector<Signal> signals;  ///< by number
   };
-  /// An epoch of a satellite with where and when it was.
+  /// An epoch of a satellite.
   struct Place {
-    const SatelliteTrack& track;
+    const StepOutcome& outcome;  ///< of the step that ends here, or of the one that begins here
     std::int64_t epoch;
     std::int64_t time_ns;
     double elevation_deg;
     bool up;
+
+    const SignalTrack& Signal(std::size_t place) const { return outcome.track->signals[place]; }
   };
 
+  static void EndBroken(const StepOutcome& outcome, Satellite& satellite);
+  static void FindPartners(const SatelliteTrack& track, Satellite& satellite);
+  void AddPhases(const Place& at, Satellite& satellite) const;
   void AddPhase(const Place& at, std::size_t place, Satellite& satellite) const;
-  void Continue(const Place& at, std::size_t place, const Satellite& satellite, Signal& signal) const;
   static void Begin(const Place& at, std::size_t place, Run& run);
   void AddNoise(const Place& at, double value, Signal& signal) const;
+  static bool CountsWideLane(const Place& at, std::size_t place, const Satellite& satellite);
   static void AddWideLane(const Place& at, std::size_t place, Run& run);
-  void End(Signal& signal) const;
-  static bool IsCounted(const SignalTrack& higher, SignalCode lower, const Satellite& satellite);
-  static const SignalTrack* PartnerOf(const SatelliteTrack& track, Run& run);
+  static void End(Signal& signal);
 
   double cutoff_deg_;
-  double interval_s_ = 0;
+  std::int64_t longest_step_ns_ = 0;  ///< between consecutive epochs
   PerSatellite<Satellite> satellites_;
 };
 

@@ -1,6 +1,7 @@
 #include "host/analysis/figures/ionosphere_rate.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 #include "host/analysis/figures/result_rows.h"
@@ -22,18 +23,15 @@ constexpr double kMetresPerTecu = 40.3e16 / (kReferenceCarrier_hz * kReferenceCa
 
 /// Change of the slant TEC over a step, TECU; NaN without two bands.
 double TecChange(const StepOutcome& outcome) {
-  const SatelliteTrack& track = *outcome.track;
-  const SignalTrack* high = nullptr;
-  const SignalTrack* low = nullptr;
-  for (std::size_t j = 0; j < track.signals.size() && j < kMostSignals; ++j) {
-    if (!outcome.signals[j].GoesOn() || outcome.signals[j].returns) continue;
-    if (high == nullptr) high = &track.signals[j];
-    low = &track.signals[j];
-  }
-  if (high == nullptr || low->mu - high->mu < kLeastSeparation) return kAbsent;
+  const SignalMask usable = outcome.GoesOn() & ~outcome.returns;
+  if (usable == 0) return kAbsent;
+  const std::vector<SignalTrack>& signals = outcome.track->signals;
+  const SignalTrack& high = signals[static_cast<std::size_t>(std::countr_zero(usable))];
+  const SignalTrack& low = signals[static_cast<std::size_t>(31 - std::countl_zero(usable))];
+  if (low.mu - high.mu < kLeastSeparation) return kAbsent;
   const std::int64_t i = outcome.step;
-  const double change = (high->X(i) - high->X(i - 1)) - (low->X(i) - low->X(i - 1));
-  return change / (low->mu - high->mu) / kMetresPerTecu;
+  const double change = (high.X(i) - high.X(i - 1)) - (low.X(i) - low.X(i - 1));
+  return change / ((low.mu - high.mu) * kMetresPerTecu);
 }
 
 }  // namespace
@@ -47,9 +45,9 @@ void IonosphereRate::AddEpoch(std::int64_t time_ns) {
 }
 
 void IonosphereRate::CloseWindows(std::int64_t before) {
-  for (auto& [id, satellite] : satellites_) {
+  satellites_.ForEach([&](SatelliteId id, Satellite& satellite) {
     if (satellite.window < before) CloseWindow(satellite, systems_[id.system]);
-  }
+  });
   for (auto& [letter, system] : systems_) system.Close(before);
 }
 
@@ -79,7 +77,7 @@ void IonosphereRate::CloseWindow(Satellite& satellite, System& system) const {
   satellite.rates = Scatter();
   const double expected = kWindow_s / std::max(kRateStep_s, interval_s_);
   if (rates.count < 2 || static_cast<double>(rates.count) < 0.5 * expected) return;
-  const double roti = std::sqrt(rates.squares / static_cast<double>(rates.count - 1));
+  const double roti = std::sqrt(rates.AboutMean() / static_cast<double>(rates.count - 1));
   system.roti.Add(roti);
   Window& window = system.open[satellite.window];
   ++window.satellites;
@@ -101,9 +99,13 @@ void IonosphereRate::AddEvent(const Event& event) {
 }
 
 void IonosphereRate::FillIn(AnalysisResult& result) const {
-  IonosphereRate closed = *this;
-  closed.CloseWindows(window_ + 1);
-  for (const auto& [letter, system] : closed.systems_) {
+  std::map<char, System> systems = systems_;
+  satellites_.ForEach([&](SatelliteId id, const Satellite& satellite) {
+    Satellite closed = satellite;
+    CloseWindow(closed, systems[id.system]);
+  });
+  for (auto& [letter, system] : systems) {
+    system.Close(window_ + 1);
     IonosphereFigures& figures = SystemRow(result, letter).ionosphere;
     figures.events = system.events;
     if (system.roti.Count() == 0) continue;

@@ -68,7 +68,7 @@ class IonosphereRate {
   double interval_s_ = 0;
   std::int64_t window_ = 0;  ///< of the newest epoch
   std::map<char, System> systems_;
-  std::map<SatelliteId, Satellite> satellites_;
+  PerSatellite<Satellite> satellites_;
 };
 
 }  // namespace orsolva_host::analysis

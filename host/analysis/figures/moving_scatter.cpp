@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/analysis/figures/step_outcome.h"
-
 namespace orsolva_host::analysis {
 namespace {
 
@@ -12,24 +10,15 @@ constexpr int kLeastInWindow = 5;  // values of a mean that others are held agai
 
 }  // namespace
 
-void ScatterByElevation::Sum::Add(double more, Count count) {
-  squares += more;
-  values += count;
-}
-
 std::optional<double> ScatterByElevation::Sum::Rms(Count least) const {
   if (values == 0 || values < least) return std::nullopt;
   return std::sqrt(squares / static_cast<double>(values));
 }
 
-void ScatterByElevation::Add(double squares, int values, double elevation_deg, double cutoff_deg) {
-  const auto count = static_cast<Count>(values);
-  if (IsUp(elevation_deg, cutoff_deg)) up_.Add(squares, count);
-  for (std::size_t k = 0; k < bins_.size(); ++k) {
-    const bool last = k + 1 == bins_.size();
-    if (elevation_deg >= kEdges_deg[k] && (last || elevation_deg < kEdges_deg[k + 1]))
-      bins_[k].Add(squares, count);
-  }
+int ScatterByElevation::BinOf(double elevation_deg) {
+  constexpr std::array<std::int8_t, 9> kBinOfTen = {0, 1, 2, 3, 3, 3, 4, 4, 4};
+  if (!(elevation_deg >= 0)) return -1;
+  return kBinOfTen[std::min<std::size_t>(static_cast<std::size_t>(elevation_deg / 10), kBinOfTen.size() - 1)];
 }
 
 void ScatterByElevation::Add(const ScatterByElevation& other) {
@@ -46,57 +35,56 @@ std::vector<ElevationBin> ScatterByElevation::Bins(Count least) const {
   return bins;
 }
 
-void MovingScatter::Add(std::int64_t time_ns, double value, double elevation_deg, double cutoff_deg,
+void MovingScatter::Add(std::int64_t time_ns, double value, double elevation_deg, bool up,
                         ScatterByElevation& sums) {
   const std::int64_t number = time_ns / kBlock_ns;
   if (open_.values == 0 && closed_ == 0) number_ = number;
   // Blocks without values count as time, too; more of them than the window holds change nothing.
-  for (std::int64_t k = std::min<std::int64_t>(number - number_, kBlocks + 1); k > 0; --k)
-    Close(cutoff_deg, sums);
+  for (std::int64_t k = std::min<std::int64_t>(number - number_, kBlocks + 1); k > 0; --k) Close(sums);
   number_ = number;
   ++open_.values;
-  const double off = value - open_.mean;
-  open_.mean += off / open_.values;
-  open_.squares += off * (value - open_.mean);
-  open_.elevation_deg = static_cast<float>(elevation_deg);
+  open_.sum += value;
+  open_.squares += value * value;
+  open_.bin = static_cast<std::int8_t>(ScatterByElevation::BinOf(elevation_deg));
+  open_.up = up;
 }
 
-bool MovingScatter::End(double cutoff_deg, ScatterByElevation& sums) {
-  if (open_.values > 0) Close(cutoff_deg, sums);
+bool MovingScatter::End(ScatterByElevation& sums) {
+  if (open_.values > 0) Close(sums);
   const bool full = Full();
-  for (int k = kHalf + 1; full && k < kBlocks; ++k) Judge(k, cutoff_deg, sums);
+  for (int k = kHalf + 1; full && k < kBlocks; ++k) Judge(k, sums);
   *this = MovingScatter();
   return full;
 }
 
 /// Ends the open block. With it the one in the middle of the window, and all before it while it is the first,
 /// can be judged.
-void MovingScatter::Close(double cutoff_deg, ScatterByElevation& sums) {
+void MovingScatter::Close(ScatterByElevation& sums) {
   const bool was_full = Full();
   if (was_full) {
     const Block& gone = blocks_[static_cast<std::size_t>(oldest_)];
     values_ -= gone.values;
-    sum_ -= gone.values * gone.mean;
-    oldest_ = (oldest_ + 1) % kBlocks;
+    sum_ -= gone.sum;
+    oldest_ = Wrapped(oldest_ + 1);
     --closed_;
   }
-  blocks_[static_cast<std::size_t>((oldest_ + closed_) % kBlocks)] = open_;
+  blocks_[static_cast<std::size_t>(Wrapped(oldest_ + closed_))] = open_;
   values_ += open_.values;
-  sum_ += open_.values * open_.mean;
+  sum_ += open_.sum;
   ++closed_;
   open_ = Block();
   if (!Full()) return;
-  for (int k = was_full ? kHalf : 0; k <= kHalf; ++k) Judge(k, cutoff_deg, sums);
+  for (int k = was_full ? kHalf : 0; k <= kHalf; ++k) Judge(k, sums);
 }
 
 /// @param place  in the window, the oldest block 0
-void MovingScatter::Judge(int place, double cutoff_deg, ScatterByElevation& sums) const {
-  const Block& block = blocks_[static_cast<std::size_t>((oldest_ + place) % kBlocks)];
+void MovingScatter::Judge(int place, ScatterByElevation& sums) const {
+  const Block& block = blocks_[static_cast<std::size_t>(Wrapped(oldest_ + place))];
   if (block.values == 0 || values_ < kLeastInWindow) return;
-  const double off = block.mean - sum_ / values_;
-  const double squares = block.squares + block.values * off * off;
+  const double mean = sum_ / values_;
+  const double squares = block.squares - mean * (2 * block.sum - block.values * mean);
   const double unbiased = static_cast<double>(values_) / (values_ - 1);
-  sums.Add(squares * unbiased, block.values, static_cast<double>(block.elevation_deg), cutoff_deg);
+  sums.Add(std::max(squares, 0.0) * unbiased, block.values, block.bin, block.up);
 }
 
 }  // namespace orsolva_host::analysis

@@ -21,8 +21,14 @@ namespace orsolva_host::analysis {
 /// Squares of deviations by elevation.
 class ScatterByElevation {
  public:
-  void Add(double squares, int values, double elevation_deg, double cutoff_deg);
+  /// @param bin  of BinOf
+  void Add(double squares, int values, int bin, bool up) {
+    if (up) up_.Add(squares, static_cast<Count>(values));
+    if (bin >= 0) bins_[static_cast<std::size_t>(bin)].Add(squares, static_cast<Count>(values));
+  }
   void Add(const ScatterByElevation& other);
+  /// -1 below the horizon and where the elevation is not known.
+  static int BinOf(double elevation_deg);
 
   Count Values() const { return up_.values; }
   /// RMS from the cut-off up and by elevation; absent below a number of values.
@@ -34,7 +40,10 @@ class ScatterByElevation {
     double squares = 0;
     Count values = 0;
 
-    void Add(double more, Count count);
+    void Add(double more, Count count) {
+      squares += more;
+      values += count;
+    }
     std::optional<double> Rms(Count least) const;
   };
   static constexpr std::array<int, 6> kEdges_deg = {0, 10, 20, 30, 60, 90};
@@ -50,24 +59,26 @@ class MovingScatter {
   static constexpr int kBlocks = 2 * kHalf + 1;
 
   /// The next value. What can be judged by now is added to the sums.
-  void Add(std::int64_t time_ns, double value, double elevation_deg, double cutoff_deg,
-           ScatterByElevation& sums);
+  /// @param value  less some value near all, which keeps its square small
+  void Add(std::int64_t time_ns, double value, double elevation_deg, bool up, ScatterByElevation& sums);
   /// The series ends: judges what is left and forgets everything.
   /// @return whether it was as long as the window
-  bool End(double cutoff_deg, ScatterByElevation& sums);
+  bool End(ScatterByElevation& sums);
   /// Whether the series is as long as the window.
   bool Full() const { return closed_ == kBlocks; }
 
  private:
   struct Block {
     int values = 0;
-    float elevation_deg = 0;
-    double mean = 0;
+    std::int8_t bin = -1;  ///< of the last value's elevation
+    bool up = false;
+    double sum = 0;
     double squares = 0;
   };
 
-  void Close(double cutoff_deg, ScatterByElevation& sums);
-  void Judge(int place, double cutoff_deg, ScatterByElevation& sums) const;
+  void Close(ScatterByElevation& sums);
+  void Judge(int place, ScatterByElevation& sums) const;
+  static int Wrapped(int place) { return place < kBlocks ? place : place - kBlocks; }
 
   std::array<Block, kBlocks> blocks_;  ///< a ring
   int oldest_ = 0;

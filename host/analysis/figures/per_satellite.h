@@ -61,18 +61,6 @@ class PerSatellite {
   std::vector<std::pair<SatelliteId, std::unique_ptr<T>>> states_;
 };
 
-/// State of a signal in a list of few. @param hint  where it was last
-template <typename T>
-T& StateOf(std::vector<T>& states, SignalCode code, std::size_t hint) {
-  if (hint < states.size() && states[hint].code == code) return states[hint];
-  for (T& state : states) {
-    if (state.code == code) return state;
-  }
-  states.emplace_back();
-  states.back().code = code;
-  return states.back();
-}
-
 }  // namespace orsolva_host::analysis
 
 #endif  // ORSOLVA_ANALYSIS_FIGURES_PER_SATELLITE_H

@@ -3,7 +3,7 @@
 namespace orsolva_host::analysis {
 
 PhaseGroups::PhaseGroups(double cutoff_deg)
-    : cutoff_deg_(cutoff_deg),
+    : outcomes_(cutoff_deg),
       slips_(cutoff_deg),
       tracking_(cutoff_deg),
       multipath_(cutoff_deg),
@@ -24,12 +24,12 @@ void PhaseGroups::AddEpoch(const ObservationEpoch& epoch, std::int64_t number) {
 }
 
 void PhaseGroups::AddStep(const SatelliteTrack& track, std::int64_t step) {
-  ReadOutcome(track, step, cutoff_deg_, outcome_);
-  slips_.AddStep(outcome_);
-  tracking_.AddStep(outcome_);
-  multipath_.AddStep(outcome_);
-  noise_.AddStep(outcome_);
-  ionosphere_.AddStep(outcome_);
+  const StepOutcome& outcome = outcomes_.Read(track, step);
+  slips_.AddStep(outcome);
+  tracking_.AddStep(outcome);
+  multipath_.AddStep(outcome);
+  noise_.AddStep(outcome);
+  ionosphere_.AddStep(outcome);
 }
 
 void PhaseGroups::AddEvent(const Event& event) {

@@ -27,8 +27,7 @@ class PhaseGroups {
   void FillIn(AnalysisResult& result) const;
 
  private:
-  double cutoff_deg_;
-  StepOutcome outcome_;  ///< of the step at hand
+  OutcomeReader outcomes_;
   SlipSums slips_;
   TrackingSums tracking_;
   CodeMultipath multipath_;

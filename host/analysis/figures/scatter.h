@@ -2,23 +2,30 @@
 #ifndef ORSOLVA_ANALYSIS_FIGURES_SCATTER_H
 #define ORSOLVA_ANALYSIS_FIGURES_SCATTER_H
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <optional>
 
 namespace orsolva_host::analysis {
 
-/// Mean and sum of squares about it (Welford 1962, Technometrics 4(3):419).
+/// Sums of values less the first one, which keeps them small: the scatter about their mean without a division
+/// per value.
 struct Scatter {
   std::int64_t count = 0;
-  double mean = 0;
+  double origin = 0;
+  double sum = 0;
   double squares = 0;
 
   void Add(double value) {
-    ++count;
-    const double off = value - mean;
-    mean += off / static_cast<double>(count);
-    squares += off * (value - mean);
+    if (count++ == 0) origin = value;
+    const double off = value - origin;
+    sum += off;
+    squares += off * off;
+  }
+  /// Sum of squares about the mean.
+  double AboutMean() const {
+    return count > 0 ? std::max(squares - sum * sum / static_cast<double>(count), 0.0) : 0;
   }
 };
 
@@ -30,7 +37,7 @@ struct PooledScatter {
 
   void Add(const Scatter& s) {
     if (s.count < 2) return;
-    squares += s.squares;
+    squares += s.AboutMean();
     freedom += s.count - 1;
     values += s.count;
   }

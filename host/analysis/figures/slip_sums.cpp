@@ -76,34 +76,51 @@ void SlipSums::AddEpoch(const ObservationEpoch& epoch) {
     for (std::size_t k = 0; k < satellite.signal_count; ++k) {
       const SignalObservation& o = epoch.signals[satellite.first_signal + k];
       if (std::isnan(o.phase_cycles)) continue;
-      ++StateOf(state.signals, o.code, k).counts[1].untested;
+      ++state.SignalOf(o.code).counts[1].untested;
       any = true;
     }
     state.counts[1].untested += any;
   }
 }
 
+/// Adds the steps of a run, in which every phase was tested.
+void SlipSums::Satellite::EndRun() {
+  quiet.running = false;
+  if (quiet.steps == 0) return;
+  for (SignalMask left = quiet.present; left != 0;)
+    signals[quiet.number[TakeFirst(left)]].counts[quiet.up].tested += quiet.steps;
+  counts[quiet.up].tested += quiet.steps;
+}
+
 void SlipSums::AddStep(const StepOutcome& outcome) {
-  const SatelliteTrack& track = *outcome.track;
-  Satellite& satellite = satellites_[track.satellite];
-  bool step = false, flag = false, slip = false;
-  for (std::size_t j = 0; j < track.signals.size() && j < kMostSignals; ++j) {
-    const SignalOutcome& o = outcome.signals[j];
-    if (o.continuity == Continuity::kAway || o.continuity == Continuity::kBegins) continue;
-    SlipCounts& counts = StateOf(satellite.signals, track.signals[j].code, j).counts[outcome.up];
-    ++(o.tested ? counts.tested : counts.untested);
-    const bool slipped = o.continuity == Continuity::kRepaired || o.continuity == Continuity::kBroken;
-    counts.flags += o.flagged;
-    counts.flags_with_slip += o.flagged && slipped;
-    step = true;
-    flag = flag || o.flagged;
-    slip = slip || (o.flagged && slipped);
+  Satellite& satellite = satellites_[outcome.track->satellite];
+  if (satellite.quiet.Extends(outcome)) return;
+  satellite.EndRun();
+  if (outcome.rearranged) Arrange(satellite.signals, outcome);
+  const SignalMask slipped = outcome.flagged & (outcome.repaired | outcome.broken);
+  const SignalMask steps = outcome.Present() & ~outcome.begins;
+  for (SignalMask left = steps; left != 0;) {
+    const std::size_t j = TakeFirst(left);
+    SlipCounts& counts = satellite.signals[outcome.number[j]].counts[outcome.up];
+    ++(Has(outcome.tested, j) ? counts.tested : counts.untested);
+    counts.flags += Has(outcome.flagged, j);
+    counts.flags_with_slip += Has(slipped, j);
   }
-  if (!step) return;
+  satellite.quiet.Begin(outcome);
+  if (steps == 0) return;
   SlipCounts& counts = satellite.counts[outcome.up];
-  ++(outcome.tested ? counts.tested : counts.untested);
-  counts.flags += flag;
-  counts.flags_with_slip += slip;
+  ++(outcome.tested != 0 ? counts.tested : counts.untested);
+  counts.flags += (outcome.flagged & steps) != 0;
+  counts.flags_with_slip += slipped != 0;
+}
+
+SlipSums::Signal& SlipSums::Satellite::SignalOf(SignalCode code) {
+  for (Signal& signal : signals) {
+    if (signal.code == code) return signal;
+  }
+  signals.emplace_back();
+  signals.back().code = code;
+  return signals.back();
 }
 
 void SlipSums::AddEvent(const Event& event) {
@@ -116,27 +133,27 @@ void SlipSums::AddEvent(const Event& event) {
   for (std::size_t k = 0; k < event.signals.size(); ++k) {
     const bool half_here = k < event.sizes.size() && IsHalf(event.sizes[k]);
     half = half || half_here;
-    AddSlip(event.kind, half_here, event.sure, StateOf(satellite.signals, event.signals[k], k).counts[up]);
+    AddSlip(event.kind, half_here, event.sure, satellite.SignalOf(event.signals[k]).counts[up]);
   }
   AddSlip(event.kind, half, event.sure, satellite.counts[up]);
 }
 
 void SlipSums::FillIn(AnalysisResult& result) const {
   std::map<char, std::array<SlipCounts, 2>> systems;
-  satellites_.ForEach([&](SatelliteId id, const Satellite& satellite) {
+  std::map<std::pair<char, std::string>, std::array<SlipCounts, 2>> signals;
+  satellites_.ForEach([&](SatelliteId id, const Satellite& live) {
+    Satellite satellite = live;
+    satellite.EndRun();
     SatelliteFigures& row = SatelliteRow(result, id);
     Fill(row, satellite.counts);
     if (satellite.counts[1].tested > 0) row.satellite_clock_events = satellite.clock_events;
     AddBoth(satellite.counts, systems[id.system]);
-    for (const Signal& signal : satellite.signals)
+    for (const Signal& signal : satellite.signals) {
       Fill(SatelliteSignalRow(result, id, signal.code), signal.counts);
+      AddBoth(signal.counts, signals[{id.system, NameOf(signal.code)}]);
+    }
   });
   for (const auto& [system, counts] : systems) Fill(SystemRow(result, system), counts);
-  std::map<std::pair<char, std::string>, std::array<SlipCounts, 2>> signals;
-  satellites_.ForEach([&](SatelliteId id, const Satellite& satellite) {
-    for (const Signal& signal : satellite.signals)
-      AddBoth(signal.counts, signals[{id.system, NameOf(signal.code)}]);
-  });
   for (const auto& [key, counts] : signals)
     Fill(SystemSignalRow(result, key.first, {key.second[0], key.second[1]}), counts);
 }

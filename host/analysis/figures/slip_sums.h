@@ -54,7 +54,12 @@ class SlipSums {
   struct Satellite {
     std::array<SlipCounts, 2> counts;
     Count clock_events = 0;
-    std::vector<Signal> signals;
+    std::vector<Signal> signals;  ///< by number
+    QuietRun quiet;
+
+    void EndRun();
+    /// Made for a satellite that is never tested; any other has its signals from its steps.
+    Signal& SignalOf(SignalCode code);
   };
 
   double cutoff_deg_;

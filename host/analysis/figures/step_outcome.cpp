@@ -10,12 +10,11 @@ namespace {
 
 /// What the events of a step say together.
 struct StepEvents {
-  bool any = false;
   bool sized = false;
   bool sure = true;
-  bool closes_hole = false;     ///< some event says how tracking went on after a hole
-  std::uint32_t left_open = 0;  ///< signals whose hole could not be closed, bits by place
-  std::uint32_t jumped = 0;
+  bool closes_hole = false;  ///< some event says how tracking went on after a hole
+  SignalMask left_open = 0;  ///< signals whose hole could not be closed
+  SignalMask jumped = 0;
   std::array<double, kMostSignals> cycles;  ///< valid when sized
 };
 
@@ -25,13 +24,13 @@ std::size_t PlaceOf(const SatelliteTrack& track, SignalCode code) {
   return static_cast<std::size_t>(found - track.signals.begin());
 }
 
-std::uint32_t BitsOf(const SatelliteTrack& track, const Event& event) {
-  std::uint32_t bits = 0;
+SignalMask MaskOf(const SatelliteTrack& track, const Event& event) {
+  SignalMask mask = 0;
   for (const SignalCode code : event.signals) {
     const std::size_t place = PlaceOf(track, code);
-    if (place < kMostSignals) bits |= std::uint32_t{1} << place;
+    if (place < kMostSignals) mask |= SignalMask{1} << place;
   }
-  return bits;
+  return mask;
 }
 
 void AddSizes(const SatelliteTrack& track, const Event& event, StepEvents& events) {
@@ -45,14 +44,13 @@ void AddSizes(const SatelliteTrack& track, const Event& event, StepEvents& event
 }
 
 void Apply(const SatelliteTrack& track, const Event& event, StepEvents& events) {
-  events.any = true;
   switch (event.kind) {
     case EventKind::kGapUnresolved:
     case EventKind::kSignalGapUnresolved:
-      events.left_open |= BitsOf(track, event);
+      events.left_open |= MaskOf(track, event);
       break;
     case EventKind::kJump:
-      events.jumped |= BitsOf(track, event);
+      events.jumped |= MaskOf(track, event);
       break;
     case EventKind::kGapContinuous:
     case EventKind::kSignalGapContinuous:
@@ -72,58 +70,95 @@ void Apply(const SatelliteTrack& track, const Event& event, StepEvents& events) 
   }
 }
 
-SignalOutcome OutcomeOf(const SatelliteTrack& track, std::size_t place, std::int64_t i,
-                        const StepEvents& events) {
-  const SignalTrack& s = track.signals[place];
-  const StepState& state = track.At(i);
-  SignalOutcome outcome;
-  if (!s.IsReal(i)) return outcome;
-  const std::uint32_t bit = std::uint32_t{1} << place;
-  const bool known = s.IsKnown(i - 1);
-  outcome.flagged = (s.lost_lock & RingBit(i)) != 0;
-  outcome.returns = known && (!s.IsReal(i - 1) || state.gap);
-  const bool open = (events.left_open & bit) != 0 || (outcome.returns && !events.closes_hole);
-  if (s.unstable) {
-    outcome.continuity = Continuity::kUnstable;
-  } else if (!known) {
-    outcome.continuity = Continuity::kBegins;
-  } else if (state.broken || open || (events.jumped & bit) != 0) {
-    outcome.continuity = Continuity::kBroken;
-  } else if (events.sized && events.cycles[place] != 0) {
-    outcome.continuity = events.sure ? Continuity::kRepaired : Continuity::kBroken;
-  } else {
-    outcome.continuity = Continuity::kContinuous;
+StepEvents EventsOf(const SatelliteTrack& track, std::int64_t step) {
+  StepEvents events;
+  for (const auto& [of_step, event] : track.events) {
+    if (of_step == step) Apply(track, event, events);
   }
-  outcome.tested = known && !s.unstable && !open && std::isfinite(state.chi2);
-  return outcome;
+  return events;
+}
+
+/// Sorts the signals by the bits of the track.
+/// @return those that went on from a known phase
+SignalMask ReadBits(const SatelliteTrack& track, std::int64_t i, bool gap, StepOutcome& outcome) {
+  const std::uint32_t now = RingBit(i), before = RingBit(i - 1);
+  SignalMask known = 0;
+  for (std::size_t j = 0; j < track.signals.size() && j < kMostSignals; ++j) {
+    const SignalTrack& s = track.signals[j];
+    if ((s.real & now) == 0) continue;
+    const SignalMask bit = SignalMask{1} << j;
+    const bool was_known = (s.known & before) != 0;
+    if ((s.lost_lock & now) != 0) outcome.flagged |= bit;
+    if (was_known && (gap || (s.real & before) == 0)) outcome.returns |= bit;
+    if (s.unstable) {
+      outcome.unstable |= bit;
+    } else if (!was_known) {
+      outcome.begins |= bit;
+    } else {
+      known |= bit;
+    }
+  }
+  return known;
+}
+
+SignalMask SlippedOf(SignalMask known, const StepEvents& events) {
+  SignalMask slipped = 0;
+  for (SignalMask left = events.sized ? known : 0; left != 0;) {
+    const std::size_t place = TakeFirst(left);
+    if (events.cycles[place] != 0) slipped |= SignalMask{1} << place;
+  }
+  return slipped;
+}
+
+/// A single phase whose range nothing predicts agrees with anything.
+bool IsBlind(SignalMask tested, const StepState& state) {
+  return (tested & (tested - 1)) == 0 && !state.HasGeometry() && std::isnan(state.common_m);
 }
 
 }  // namespace
 
 double ElevationDegrees(const StepState& step) { return step.elevation_rad * 180 / kPi; }
 
-void ReadOutcome(const SatelliteTrack& track, std::int64_t step, double cutoff_deg, StepOutcome& outcome) {
+void OutcomeReader::Numbers::Take(const SatelliteTrack& track) {
+  tracked = track.signals.size();
+  for (std::size_t j = 0; j < tracked && j < kMostSignals; ++j) {
+    const SignalCode code = track.signals[j].code;
+    std::size_t k = 0;
+    while (k < codes.size() && codes[k] != code) ++k;
+    if (k == codes.size()) codes.push_back(code);
+    number[j] = static_cast<std::uint8_t>(k);
+  }
+}
+
+const StepOutcome& OutcomeReader::Read(const SatelliteTrack& track, std::int64_t step) {
   const StepState& state = track.At(step);
-  outcome.track = &track;
-  outcome.step = step;
-  outcome.state = &state;
-  outcome.begins_arc = step == track.first + 1;
-  outcome.elevation_deg = ElevationDegrees(state);
-  outcome.up = IsUp(outcome.elevation_deg, cutoff_deg);
+  Numbers& numbers = numbers_[track.satellite];
+  StepOutcome& o = outcome_;
+  o.begins = o.continuous = o.repaired = o.broken = o.unstable = o.returns = o.tested = o.flagged = 0;
+  o.track = &track;
+  o.step = step;
+  o.state = &state;
+  o.elevation_deg = ElevationDegrees(state);
+  o.up = IsUp(o.elevation_deg, cutoff_deg_);
+  o.begins_arc = step == track.first + 1;
+  // A track gets signals within an arc and loses them between arcs.
+  o.rearranged = o.begins_arc || numbers.tracked != track.signals.size();
+  if (o.rearranged) numbers.Take(track);
+  o.number = numbers.number;
+
+  const SignalMask known = ReadBits(track, step, state.gap, o);
   StepEvents events;
-  for (const auto& [of_step, event] : track.events) {
-    if (of_step == step) Apply(track, event, events);
-  }
-  int tested = 0;
-  for (std::size_t j = 0; j < track.signals.size() && j < kMostSignals; ++j) {
-    outcome.signals[j] = OutcomeOf(track, j, step, events);
-    tested += outcome.signals[j].tested;
-  }
-  // A single phase whose range nothing predicts agrees with anything.
-  const bool blind = tested == 1 && !state.HasGeometry() && std::isnan(state.common_m);
-  for (std::size_t j = 0; blind && j < track.signals.size() && j < kMostSignals; ++j)
-    outcome.signals[j].tested = false;
-  outcome.tested = tested > 0 && !blind;
+  if (!track.events.empty()) events = EventsOf(track, step);
+  const SignalMask open = events.left_open | (events.closes_hole ? 0 : o.returns);
+  const SignalMask slipped = SlippedOf(known, events);
+  o.broken = known & (open | events.jumped | (state.broken ? known : 0) | (events.sure ? 0 : slipped));
+  o.repaired = slipped & ~o.broken;
+  o.continuous = known & ~(o.broken | o.repaired);
+  o.tested = std::isfinite(state.chi2) ? known & ~open : 0;
+  if (IsBlind(o.tested, state)) o.tested = 0;
+  o.quiet = o.continuous == o.Present() && o.tested == o.continuous && o.flagged == 0 && o.returns == 0 &&
+            !o.begins_arc;
+  return outcome_;
 }
 
 }  // namespace orsolva_host::analysis

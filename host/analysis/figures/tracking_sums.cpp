@@ -17,15 +17,10 @@ bool HasPhase(const ObservationEpoch& epoch) {
                      [](const SignalObservation& o) { return std::isfinite(o.phase_cycles); });
 }
 
-Count& CountOf(Continuity continuity, InterruptionCounts& counts) {
-  if (continuity == Continuity::kContinuous) return counts.continuous;
-  return continuity == Continuity::kRepaired ? counts.slipped : counts.unresolved;
-}
-
-/// Of the ends of holes in one step the one that counts for the satellite.
-Continuity Worse(Continuity a, Continuity b) {
-  if (a == Continuity::kContinuous) return b;
-  return a == Continuity::kRepaired && b != Continuity::kContinuous ? b : a;
+InterruptionCounts::End EndOf(const StepOutcome& outcome, std::size_t place) {
+  if (Has(outcome.continuous, place)) return InterruptionCounts::End::kContinuous;
+  return Has(outcome.repaired, place) ? InterruptionCounts::End::kSlipped
+                                      : InterruptionCounts::End::kUnresolved;
 }
 
 InterruptionFigures FiguresOf(const InterruptionCounts& counts) {
@@ -59,6 +54,15 @@ void Fill(Row& row, const ArcLengths& arcs, const std::array<InterruptionCounts,
 }
 
 }  // namespace
+
+void InterruptionCounts::Add(Cause cause, End end) {
+  by_signal += cause == Cause::kSignal;
+  by_satellite += cause == Cause::kSatellite;
+  by_receiver += cause == Cause::kReceiver;
+  continuous += end == End::kContinuous;
+  slipped += end == End::kSlipped;
+  unresolved += end == End::kUnresolved;
+}
 
 void InterruptionCounts::Add(const InterruptionCounts& other) {
   by_signal += other.by_signal;
@@ -116,78 +120,106 @@ void TrackingSums::BeginSatellite(const StepOutcome& outcome, Satellite& satelli
   const SatelliteTrack& track = *outcome.track;
   const StepState& first = track.At(track.first);
   const bool up = IsUp(ElevationDegrees(first), cutoff_deg_);
-  satellite.arcs.End();
   for (Signal& signal : satellite.signals) {
     signal.arcs.End();
     signal.away = Cause::kNone;
     signal.observed = false;
   }
-  satellite.arcs.Add(up, false, first.time_ns);
-  for (std::size_t j = 0; j < track.signals.size(); ++j) {
+  bool any = false;
+  for (std::size_t j = 0; j < track.signals.size() && j < kMostSignals; ++j) {
     if (!track.signals[j].IsReal(track.first) || track.signals[j].unstable) continue;
-    Signal& signal = StateOf(satellite.signals, track.signals[j].code, j);
+    Signal& signal = satellite.signals[outcome.number[j]];
     signal.arcs.Add(up, false, first.time_ns);
     ++signal.interruptions[up].phases;
-    signal.observed = true;
+    signal.observed = any = true;
     signal.last_ns = first.time_ns;
   }
+  satellite.arcs.Add(up && any, false, first.time_ns);
+}
+
+/// Adds the steps of a run, in which every phase went on.
+void TrackingSums::Satellite::EndRun() {
+  quiet.running = false;
+  if (quiet.steps == 0) return;
+  for (SignalMask left = quiet.present; left != 0;) {
+    Signal& signal = signals[quiet.number[TakeFirst(left)]];
+    if (quiet.up) signal.arcs.last_ns = quiet.last_ns;
+    signal.interruptions[quiet.up].phases += quiet.steps;
+    signal.last_ns = quiet.last_ns;
+  }
+  if (quiet.up) arcs.last_ns = quiet.last_ns;
+  interruptions[quiet.up].phases += quiet.steps;
 }
 
 void TrackingSums::AddStep(const StepOutcome& outcome) {
-  const SatelliteTrack& track = *outcome.track;
-  const StepState& step = *outcome.state;
-  Satellite& satellite = satellites_[track.satellite];
+  Satellite& satellite = satellites_[outcome.track->satellite];
+  if (satellite.quiet.Extends(outcome)) return;
+  satellite.EndRun();
+  if (outcome.rearranged) Arrange(satellite.signals, outcome);
   if (outcome.begins_arc) BeginSatellite(outcome, satellite);
-  const Cause hole = step.gap ? CauseOfGap(outcome) : Cause::kSignal;
-  bool observed = false, goes_on = false, returned = false;
-  Continuity worst = Continuity::kContinuous;
-  for (std::size_t j = 0; j < track.signals.size() && j < kMostSignals; ++j) {
-    const SignalOutcome& o = outcome.signals[j];
-    Signal& signal = StateOf(satellite.signals, track.signals[j].code, j);
-    if (o.continuity == Continuity::kAway) {
-      if (signal.observed && signal.away == Cause::kNone) signal.away = hole;
-      continue;
-    }
-    if (CloseHole(o, outcome, hole, signal)) {
-      returned = true;
-      worst = Worse(worst, o.continuity);
-    }
-    const bool stable = o.continuity != Continuity::kUnstable;
-    signal.arcs.Add(outcome.up && stable, o.continuity == Continuity::kContinuous, step.time_ns);
-    observed = observed || stable;
-    goes_on = goes_on || o.continuity == Continuity::kContinuous;
-    ++signal.interruptions[outcome.up].phases;
-    signal.observed = true;
-    signal.last_ns = step.time_ns;
+  const Cause hole = outcome.state->gap ? CauseOfGap(outcome) : Cause::kSignal;
+  const auto end = CloseHoles(outcome, hole, satellite);
+  if (end) satellite.interruptions[outcome.up].Add(hole, *end);
+  NoteAbsent(outcome, hole, satellite);
+  AddPhases(outcome, satellite);
+  satellite.quiet.Begin(outcome);
+}
+
+/// Counts the holes of signals that end with the step. @return the worst end of them; nothing where none
+/// ended
+std::optional<InterruptionCounts::End> TrackingSums::CloseHoles(const StepOutcome& outcome, Cause hole,
+                                                                Satellite& satellite) {
+  std::optional<End> worst;
+  for (SignalMask left = outcome.Present(); left != 0;) {
+    const std::size_t j = TakeFirst(left);
+    if (!CloseHole(outcome, j, hole, satellite.signals[outcome.number[j]])) continue;
+    const End end = EndOf(outcome, j);
+    worst = worst ? std::max(*worst, end) : end;
   }
-  ++satellite.interruptions[outcome.up].phases;
-  satellite.arcs.Add(outcome.up && observed, goes_on, step.time_ns);
-  if (returned) Add(hole, worst, satellite.interruptions[outcome.up]);
+  return worst;
 }
 
 /// @param hole  why signals are away that were there at the satellite's epoch before
 /// @return whether an interruption of the signal ended
-bool TrackingSums::CloseHole(const SignalOutcome& o, const StepOutcome& outcome, Cause hole, Signal& signal) {
+bool TrackingSums::CloseHole(const StepOutcome& outcome, std::size_t place, Cause hole, Signal& signal) {
   Cause cause = signal.away;
   if (cause == Cause::kNone && outcome.state->gap && signal.observed) cause = hole;
   signal.away = Cause::kNone;
-  if (cause == Cause::kNone || o.continuity == Continuity::kUnstable) return false;
+  if (cause == Cause::kNone || Has(outcome.unstable, place)) return false;
   if (SecondsBetween(outcome.state->time_ns, signal.last_ns) > kLongestGap_s) return false;
-  Add(cause, o.continuity, signal.interruptions[outcome.up]);
+  signal.interruptions[outcome.up].Add(cause, EndOf(outcome, place));
   return true;
 }
 
-void TrackingSums::Add(Cause cause, Continuity continuity, InterruptionCounts& counts) {
-  ++(cause == Cause::kSignal      ? counts.by_signal
-     : cause == Cause::kSatellite ? counts.by_satellite
-                                  : counts.by_receiver);
-  ++CountOf(continuity, counts);
+void TrackingSums::NoteAbsent(const StepOutcome& outcome, Cause hole, Satellite& satellite) {
+  const std::size_t tracked = std::min<std::size_t>(outcome.track->signals.size(), kMostSignals);
+  for (std::size_t j = 0; j < tracked; ++j) {
+    Signal& signal = satellite.signals[outcome.number[j]];
+    if (!Has(outcome.Present(), j) && signal.observed && signal.away == Cause::kNone) signal.away = hole;
+  }
+}
+
+void TrackingSums::AddPhases(const StepOutcome& outcome, Satellite& satellite) {
+  const std::int64_t time_ns = outcome.state->time_ns;
+  for (SignalMask left = outcome.Present(); left != 0;) {
+    const std::size_t j = TakeFirst(left);
+    Signal& signal = satellite.signals[outcome.number[j]];
+    signal.arcs.Add(outcome.up && !Has(outcome.unstable, j), Has(outcome.continuous, j), time_ns);
+    ++signal.interruptions[outcome.up].phases;
+    signal.observed = true;
+    signal.last_ns = time_ns;
+  }
+  const bool stable = (outcome.Present() & ~outcome.unstable) != 0;
+  satellite.arcs.Add(outcome.up && stable, outcome.continuous != 0, time_ns);
+  ++satellite.interruptions[outcome.up].phases;
 }
 
 void TrackingSums::FillIn(AnalysisResult& result) const {
   std::map<char, Pool> systems;
   std::map<std::pair<char, std::string>, Pool> signals;
-  satellites_.ForEach([&](SatelliteId id, const Satellite& satellite) {
+  satellites_.ForEach([&](SatelliteId id, const Satellite& live) {
+    Satellite satellite = live;
+    satellite.EndRun();
     const ArcLengths arcs = satellite.arcs.WithOpen();
     Fill(SatelliteRow(result, id), arcs, satellite.interruptions);
     systems[id.system].Add(arcs, satellite.interruptions);

@@ -19,7 +19,9 @@
 #define ORSOLVA_ANALYSIS_FIGURES_TRACKING_SUMS_H
 
 #include <array>
+#include <cstdint>
 #include <deque>
+#include <optional>
 #include <vector>
 
 #include "host/analysis/analysis_result.h"
@@ -30,10 +32,15 @@
 namespace orsolva_host::analysis {
 
 struct InterruptionCounts {
+  /// Who was away, and how its phases went on.
+  enum class Cause : std::uint8_t { kNone, kSignal, kSatellite, kReceiver };
+  enum class End : std::uint8_t { kContinuous, kSlipped, kUnresolved };
+
   Count by_signal = 0, by_satellite = 0, by_receiver = 0;
   Count continuous = 0, slipped = 0, unresolved = 0;
   Count phases = 0;  ///< observed, interrupted or not
 
+  void Add(Cause cause, End end);
   void Add(const InterruptionCounts& other);
 };
 
@@ -49,7 +56,8 @@ class TrackingSums {
   void FillIn(AnalysisResult& result) const;
 
  private:
-  enum class Cause : std::uint8_t { kNone, kSignal, kSatellite, kReceiver };
+  using Cause = InterruptionCounts::Cause;
+  using End = InterruptionCounts::End;
 
   /// An arc that is being observed and the lengths of those before.
   struct Arcs {
@@ -74,7 +82,10 @@ class TrackingSums {
   struct Satellite {
     Arcs arcs;
     std::array<InterruptionCounts, 2> interruptions;
-    std::vector<Signal> signals;
+    std::vector<Signal> signals;  ///< by number
+    QuietRun quiet;
+
+    void EndRun();
   };
   /// Where phases of all satellites ended together.
   struct Outage {
@@ -83,8 +94,10 @@ class TrackingSums {
   };
 
   void BeginSatellite(const StepOutcome& outcome, Satellite& satellite) const;
-  static bool CloseHole(const SignalOutcome& o, const StepOutcome& outcome, Cause hole, Signal& signal);
-  static void Add(Cause cause, Continuity continuity, InterruptionCounts& counts);
+  static std::optional<End> CloseHoles(const StepOutcome& outcome, Cause hole, Satellite& satellite);
+  static bool CloseHole(const StepOutcome& outcome, std::size_t place, Cause hole, Signal& signal);
+  static void NoteAbsent(const StepOutcome& outcome, Cause hole, Satellite& satellite);
+  static void AddPhases(const StepOutcome& outcome, Satellite& satellite);
   Cause CauseOfGap(const StepOutcome& outcome) const;
 
   double cutoff_deg_;

@@ -40,9 +40,10 @@ inline void AddMediumOrbit(BroadcastRecords& records, SatelliteId id) {
 }
 
 /// One that stays above a longitude on the equator, for a station there at the zenith.
-inline void AddStillOrbit(BroadcastRecords& records, SatelliteId id, double longitude_rad) {
+inline void AddStillOrbit(BroadcastRecords& records, SatelliteId id, double longitude_rad,
+                          double hours = 24) {
   const double a = std::cbrt(kGravityGps_m3_s2 / (kEarthRotation_rad_s * kEarthRotation_rad_s));
-  AddOrbit(records, id, std::sqrt(a), 0, longitude_rad, 0);
+  AddOrbit(records, id, std::sqrt(a), 0, longitude_rad, 0, hours);
 }
 
 }  // namespace orsolva_host::analysis

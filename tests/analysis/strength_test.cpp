@@ -11,8 +11,8 @@ namespace {
 class StrengthTest : public testing::Test {
  protected:
   StrengthTest() {
-    AddStillOrbit(records_, {'J', 1}, 0);
-    AddStillOrbit(records_, {'J', 2}, 0.95);
+    AddStillOrbit(records_, {'J', 1}, 0, 48);
+    AddStillOrbit(records_, {'J', 2}, 0.95, 48);
     orbits_.Add(records_);
     sky_.emplace(orbits_, 10);
   }
@@ -114,6 +114,20 @@ TEST_F(StrengthTest, ADropOfSixDecibelsOverAnHourAndAHalfIsFoundInTheStream) {
   EXPECT_EQ(drops[0].other_bands, false);
   EXPECT_TRUE(result.satellite_signals[1].strength.drops.empty());
   EXPECT_TRUE(result.signals[0].strength.drops.empty()) << "one satellite is no system";
+}
+
+TEST_F(StrengthTest, DropsAreThoseOfTheLast26Hours) {
+  const auto add = [&](int i) {
+    ObservationEpoch epoch;
+    epoch.time_ns = At(30.0 * i);
+    AddSatellite(epoch, {'J', 1}, {"1C"}, i >= 1200 && i < 1380 ? 39 : 45);
+    Add(epoch);
+  };
+  for (int i = 0; i < 2880; ++i) add(i);
+  ASSERT_EQ(Result().satellite_signals[0].strength.drops.size(), 1U);
+  for (int i = 2880; i < 4600; ++i) add(i);
+  EXPECT_TRUE(Result().satellite_signals[0].strength.drops.empty());
+  EXPECT_EQ(Result().satellite_signals[0].strength.values, 4600U);
 }
 
 TEST(StrengthHistogram, QuantilesAreRanksOfValues) {

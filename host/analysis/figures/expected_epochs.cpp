@@ -15,7 +15,7 @@ void ExpectedEpochs::Add(std::int64_t time_ns, std::int64_t steps, const Station
                          Visibility& visibility) {
   counts_.resize(visibility.Satellites());
   expected_now_.assign(visibility.Satellites(), 0);
-  if (steps > 1) CountGap(time_ns, steps, (time_ns - last_ns_) / steps, station, visibility);
+  if (last_ns_ && steps > 1) CountGap(time_ns, steps, (time_ns - *last_ns_) / steps, station, visibility);
   visibility.MoveTo(time_ns, station);
   if (steps == 0) return;
   CountEpoch(time_ns, visibility);

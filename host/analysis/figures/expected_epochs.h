@@ -7,6 +7,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "host/analysis/analysis_result.h"
@@ -44,7 +45,7 @@ class ExpectedEpochs {
 
   std::vector<Counts> counts_;
   std::vector<std::uint8_t> expected_now_;  ///< bits by level
-  std::int64_t last_ns_ = 0;                ///< last nominal epoch
+  std::optional<std::int64_t> last_ns_;     ///< last nominal epoch
 };
 
 }  // namespace orsolva_host::analysis

@@ -134,14 +134,23 @@ std::vector<StrengthCurves> Strength::Curves(const SignalRoster& roster) const {
   return curves;
 }
 
+/// Those of each signal up to the end of the stream, the open ones included.
+std::vector<std::vector<StrengthWindow>> Strength::KeptWindows() const {
+  std::int32_t last = 0;
+  for (const Signal& signal : signals_) last = std::max(last, signal.open.number);
+  std::vector<std::vector<StrengthWindow>> windows(signals_.size());
+  for (std::size_t i = 0; i < signals_.size(); ++i) {
+    for (const StrengthWindow& window : signals_[i].windows) {
+      if (window.number > last - kKeptWindows) windows[i].push_back(window);
+    }
+    if (signals_[i].open.number > last - kKeptWindows) Close(signals_[i].open, windows[i]);
+  }
+  return windows;
+}
+
 void Strength::FillInDrops(const SignalRoster& roster, AnalysisResult& result) const {
   const std::vector<StrengthCurves> curves = Curves(roster);
-  std::vector<std::vector<StrengthWindow>> windows;
-  for (const Signal& signal : signals_) {
-    windows.push_back(signal.windows);
-    Close(signal.open, windows.back());
-  }
-  const StrengthDrops drops(roster, curves, windows);
+  const StrengthDrops drops(roster, curves, KeptWindows());
   for (std::size_t i = 0; i < shared_.size(); ++i) {
     std::vector<StrengthDrop> found = drops.OfSystem(i);
     const SharedSignal& shared = roster.SharedSignals()[i];

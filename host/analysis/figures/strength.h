@@ -63,6 +63,7 @@ class Strength {
                      StrengthFigures& figures);
   void FillInSums(const SignalRoster& roster, AnalysisResult& result) const;
   std::vector<StrengthCurves> Curves(const SignalRoster& roster) const;
+  std::vector<std::vector<StrengthWindow>> KeptWindows() const;
   void FillInDrops(const SignalRoster& roster, AnalysisResult& result) const;
 
   std::vector<Signal> signals_;              ///< of the roster

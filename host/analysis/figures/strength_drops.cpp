@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <map>
+#include <utility>
 
 namespace orsolva_host::analysis {
 namespace {
@@ -12,6 +12,17 @@ double QuantileOf(std::vector<double>& values, std::size_t part, std::size_t of)
   const auto place = values.begin() + static_cast<std::ptrdiff_t>((values.size() - 1) * part / of);
   std::nth_element(values.begin(), place, values.end());
   return *place;
+}
+
+/// The first and the last number of all windows; the last is one less where there are none.
+std::pair<std::int32_t, std::int32_t> NumbersOf(const std::vector<std::vector<StrengthWindow>>& windows) {
+  std::int32_t first = 0, last = -1;
+  for (const std::vector<StrengthWindow>& own : windows) {
+    if (own.empty()) continue;
+    first = last < first ? own.front().number : std::min(first, own.front().number);
+    last = std::max(last, own.back().number);
+  }
+  return {first, last};
 }
 
 /// Windows in a row as a drop.
@@ -79,14 +90,17 @@ StrengthDrops::Residuals StrengthDrops::ResidualsOf(const StrengthCurve& curve,
 
 void StrengthDrops::FindCommon(std::size_t shared, const StrengthCurve& medians,
                                const std::vector<std::vector<StrengthWindow>>& windows) {
-  std::map<std::int32_t, std::vector<double>> by_window;
+  const auto [first, last] = NumbersOf(windows);
+  std::vector<std::vector<double>> by_window(static_cast<std::size_t>(last - first + 1));
   for (std::size_t i = 0; i < windows.size(); ++i) {
     if (roster_->Signals()[i].shared != shared) continue;
     for (const Residual& residual : ResidualsOf(medians, windows[i]))
-      by_window[residual.number].push_back(residual.db);
+      by_window[static_cast<std::size_t>(residual.number - first)].push_back(residual.db);
   }
-  for (auto& [number, values] : by_window) {
+  for (std::size_t i = 0; i < by_window.size(); ++i) {
+    std::vector<double>& values = by_window[i];
     if (values.size() < kLeastSatellites) continue;
+    const std::int32_t number = first + static_cast<std::int32_t>(i);
     const auto low = std::count_if(values.begin(), values.end(), [](double db) { return db <= -kSlight_db; });
     const double median = QuantileOf(values, 1, 2);
     common_[shared].push_back({number, median, kAbsent});

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 
 #include "host/analysis/geometry/broadcast_store.h"
 #include "host/analysis/geometry/constants.h"
@@ -185,6 +186,19 @@ TEST(GlonassChannel, ASlipOfManyCyclesBeginsAgain) {
   for (int i = 0; i < 10; ++i) learned.Add(2.1e7 + 15000.0 * i, (2.1e7 + 15000.0 * i) / wavelength);
   for (int i = 10; i < 20; ++i) learned.Add(2.1e7 + 15000.0 * i, (2.1e7 + 15000.0 * i) / wavelength + 9000);
   EXPECT_FALSE(learned.Known().has_value());
+}
+
+TEST(BroadcastStore, LeavesOutARecordWhoseClockIsOfNoTimeNearIts) {
+  for (const double toc_s : {-std::numeric_limits<double>::infinity(), kAbsent, 1e300, kToe_s + 604801}) {
+    KeplerRecord record = Elliptic('G', 1);
+    record.toc_s = toc_s;
+    BroadcastStore store;
+    store.Add({{record, Elliptic('G', 2)}, {}});
+    ASSERT_NE(store.Find({'G', 1}), nullptr);
+    const auto time_ns = static_cast<std::int64_t>(kToe_s) * kNanosecondsPerSecond;
+    EXPECT_FALSE(store.Find({'G', 1})->Select(time_ns)) << toc_s;
+    EXPECT_TRUE(store.Find({'G', 2})->Select(time_ns));
+  }
 }
 
 }  // namespace

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 #include "host/analysis/geometry/constants.h"
 
@@ -72,6 +74,15 @@ TEST_F(IntegerSearchTest, OffersEachVectorOnce) {
   const std::size_t once = found.List().size();
   search.Offer(track_, test_, test_.r, WideLaneEvidence(), true, found);
   EXPECT_EQ(found.List().size(), once);
+}
+
+TEST_F(IntegerSearchTest, EndsWherePhasesJumpBeyondEveryNumberOfCycles) {
+  for (const double jump_m : {1e14, -1e300, std::numeric_limits<double>::infinity()}) {
+    test_.r = {jump_m, 0, 0, jump_m};
+    SlipCandidates found;
+    IntegerSearch().Offer(track_, test_, test_.r, WideLaneEvidence(), true, found);
+    for (const SlipCandidate& one : found.List()) EXPECT_TRUE(std::isfinite(one.cycles[0]));
+  }
 }
 
 }  // namespace

@@ -7,6 +7,7 @@ namespace orsolva_host::analysis {
 namespace {
 
 constexpr double kFirstMessageReach_s = 4 * 3600;
+constexpr double kClockReach_s = 604800;
 constexpr double kLastTime_s = 9e9;  // what nanoseconds since 1970 can count
 
 double LongestAge_s(bool kepler, char system) {
@@ -23,7 +24,9 @@ bool SatelliteRecords::HasNearFirstMessage(const KeplerRecord& record) const {
 }
 
 void SatelliteRecords::Add(const KeplerRecord& record) {
-  if (!std::isfinite(record.toe_s) || !vectors_.empty()) return;
+  // A clock of another week, or of no time at all, is no clock of this orbit.
+  const bool has_clock = std::fabs(record.toc_s - record.toe_s) <= kClockReach_s;
+  if (!std::isfinite(record.toe_s) || !has_clock || !vectors_.empty()) return;
   if (record.second_message && HasNearFirstMessage(record)) return;
   const auto place =
       std::upper_bound(reference_s_.begin(), reference_s_.end(), record.toe_s) - reference_s_.begin();

@@ -12,6 +12,8 @@ constexpr std::size_t kKept = 12;
 constexpr double kWidth_sigma = 4;
 constexpr double kLeastWidth_cycles = 1;
 constexpr double kGreatestWidth_cycles = 60;
+constexpr double kLargest_cycles =
+    1e12;  // beyond, nothing is a slip, and steps of one would be lost in rounding
 constexpr double kHalfMustFit_cycles = 0.12;
 constexpr double kSingleMustFit_cycles = 1.2;
 constexpr double kOneFrequency_hz = 1e3;
@@ -100,6 +102,7 @@ void IntegerSearch::Extend(const StepTest& test, std::size_t b, double step) {
     double mean = band.mean_m;
     for (std::size_t j = 0; j < b; ++j) mean -= row[j] * branch.innovation[j];
     const double center = mean / band.wavelength_m;
+    if (!(std::fabs(center) < kLargest_cycles)) continue;
     const double last = std::floor((center + width) / step) * step;
     for (double z = std::ceil((center - width) / step) * step; z <= last + 0.1 * step; z += step) {
       Branch next = branch;
@@ -131,7 +134,7 @@ void IntegerSearch::OfferSingles(const SatelliteTrack& track, const StepTest& te
     const double cycles = r[i] / track.signals[test.signal[i]].wavelength_m;
     const double nearest = std::nearbyint(cycles);
     for (const double z : {nearest, nearest - 1, nearest + 1}) {
-      if (z == 0 || std::fabs(cycles - z) >= kSingleMustFit_cycles) continue;
+      if (z == 0 || !(std::fabs(cycles - z) < kSingleMustFit_cycles)) continue;
       Cycles slip = {};
       slip[i] = z;
       out.Add(slip, test.count);

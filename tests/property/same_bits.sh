@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Compares the result digests of optimised builds with unoptimised ones made here by the same compilers.
+# Compares the digests of the library's results and of the analysis' events and figures of optimised builds with
+# those of unoptimised ones made here by the same compilers.
 #
 # usage: tests/property/same_bits.sh BUILD...
 set -euo pipefail
@@ -8,9 +9,9 @@ scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 
 expected=""
-compare() {  # NAME DIGEST_PROGRAM
+compare() {  # NAME FOLDER_OF_PROGRAMS
   local got
-  got=$("$2")
+  got=$("$2/result_digest" && "$2/analysis_digest")
   echo "$1"
   echo "$got"
   if [ -z "$expected" ]; then expected=$got; fi
@@ -21,12 +22,12 @@ compare() {  # NAME DIGEST_PROGRAM
 }
 
 for build in "$@"; do
-  compare "$build" "$build/bin/result_digest"
+  compare "$build" "$build/bin"
   compiler=$(sed -n 's/^CMAKE_CXX_COMPILER:[^=]*=//p' "$build/CMakeCache.txt")
   unoptimised=$scratch/$(basename "$build")
   cmake -S . -B "$unoptimised" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0 \
-    -DCMAKE_CXX_COMPILER="$compiler" -DORSOLVA_BUILD_HOST=OFF >/dev/null
-  cmake --build "$unoptimised" --target result_digest >/dev/null
-  compare "$build -O0" "$unoptimised/bin/result_digest"
+    -DCMAKE_CXX_COMPILER="$compiler" >/dev/null
+  cmake --build "$unoptimised" --target result_digest analysis_digest >/dev/null
+  compare "$build -O0" "$unoptimised/bin"
 done
 echo "same bits in all builds"

@@ -1,0 +1,87 @@
+// The analysis gives the same events and figures however its epochs come: one, seven or all of them between
+// two looks at what it has found.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+#include <vector>
+
+#include "tests/support/analysis_sky.h"
+#include "tests/support/value_digest.h"
+
+namespace orsolva_test {
+namespace {
+
+using orsolva_host::analysis::AnalysisResult;
+using orsolva_host::analysis::Event;
+using orsolva_host::analysis::EventKind;
+using orsolva_host::analysis::StationAnalysis;
+
+struct Outcome {
+  std::vector<Event> Events;
+  AnalysisResult Figures;
+};
+
+/// @param share  epochs between two requests for events and figures
+Outcome Analysed(const AnalysisSky& sky, bool with_records, std::size_t share) {
+  StationAnalysis analysis(sky.Options, with_records ? sky.Records : orsolva_host::BroadcastRecords());
+  Outcome outcome;
+  const auto look = [&] {
+    for (Event& event : analysis.TakeEvents()) outcome.Events.push_back(std::move(event));
+    outcome.Figures = analysis.Result();
+  };
+  for (std::size_t k = 0; k < sky.Epochs.size(); ++k) {
+    analysis.Add(sky.Epochs[k]);
+    if ((k + 1) % share == 0) look();
+  }
+  analysis.Finish();
+  look();
+  return outcome;
+}
+
+/// A sky in which everything goes wrong.
+AnalysisSky TroubledDay(double interval_s, int epochs) {
+  SkyOptions options;
+  options.Interval = interval_s;
+  options.Epochs = epochs;
+  options.MissingShare = 0.02;
+  options.LowestElevation = 0.2;
+  AnalysisSky sky{SimulatedSky(options)};
+  AddTroubles(sky, 5);
+  return sky;
+}
+
+void HoldsInEverySplit(const AnalysisSky& sky, bool with_records) {
+  const Outcome whole = Analysed(sky, with_records, sky.Epochs.size());
+  std::set<EventKind> kinds;
+  for (const Event& event : whole.Events) kinds.insert(event.kind);
+  EXPECT_GT(whole.Events.size(), 50U);
+  EXPECT_GT(kinds.size(), 5U);
+  for (const std::size_t share : {std::size_t{1}, std::size_t{7}}) {
+    const Outcome split = Analysed(sky, with_records, share);
+    EXPECT_EQ(DigestOf(split.Events), DigestOf(whole.Events)) << share << " epochs per call";
+    EXPECT_EQ(DigestOf(split.Figures), DigestOf(whole.Figures)) << share << " epochs per call";
+  }
+}
+
+TEST(AnalysisSplit, ADayGivesTheSameBitsInAnySplit) { HoldsInEverySplit(TroubledDay(120, 720), true); }
+
+TEST(AnalysisSplit, SoDoesADayWithoutNavigation) { HoldsInEverySplit(TroubledDay(120, 720), false); }
+
+TEST(AnalysisSplit, SoDoOneSecondEpochs) { HoldsInEverySplit(TroubledDay(1, 600), true); }
+
+TEST(AnalysisSplit, ADigestTakesInEveryMember) {
+  AnalysisResult figures;
+  const std::uint64_t empty = DigestOf(figures);
+  figures.position.scatter_enu_m = {0, 0, 0};
+  EXPECT_NE(DigestOf(figures), empty);
+  figures = AnalysisResult();
+  figures.without_record.push_back({'G', 1});
+  EXPECT_NE(DigestOf(figures), empty);
+  Event a, b;
+  b.evidence = "2W";
+  EXPECT_NE(DigestOf(a), DigestOf(b));
+}
+
+}  // namespace
+}  // namespace orsolva_test

@@ -5,31 +5,13 @@
 #include <map>
 #include <utility>
 
+#include "fuzz/input_words.h"
 #include "fuzz/require.h"
 #include "tests/support/mutator.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 namespace {
-
-/// Little-endian words of the input; zeros after its end.
-class InputWords {
- public:
-  InputWords(const std::uint8_t* data, std::size_t size) : data_(data), size_(size) {}
-
-  std::uint32_t operator()() {
-    std::uint32_t word = 0;
-    for (int shift = 0; shift < 32 && position_ < size_; shift += 8) {
-      word |= std::uint32_t{data_[position_++]} << shift;
-    }
-    return word;
-  }
-
- private:
-  const std::uint8_t* data_;
-  std::size_t size_;
-  std::size_t position_ = 0;
-};
 
 constexpr int kSatellitesPerSystem = 3;
 constexpr int kRecordsPerSatellite = 2;
@@ -90,7 +72,7 @@ orsolva_test::SimulatedSky SmallSky() {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const orsolva_test::SimulatedSky sky = SmallSky();
   static orsolva_test::Results results;
-  orsolva_test::Mutator<InputWords> mutator(InputWords(data, size));
+  orsolva_test::Mutator<orsolva_fuzz::InputWords> mutator(orsolva_fuzz::InputWords(data, size));
   const orsolva_test::MutatedRunFacts facts = orsolva_test::MutatedRun(sky, mutator, results, 16);
   orsolva_fuzz::Require(facts.Broken == nullptr, facts.Broken);
   return 0;

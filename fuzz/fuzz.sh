@@ -9,7 +9,7 @@ seconds=${1:-12}
 shift || true
 targets=("$@")
 [ ${#targets[@]} -gt 0 ] ||
-  targets=(boundary_records observation_reader crinex_decoder navigation_reader compressed_input
+  targets=(boundary_records analysis observation_reader crinex_decoder navigation_reader compressed_input
     config_file profile scenario)
 build=${ORSOLVA_FUZZ_BUILD:-build-fuzz}
 
@@ -33,7 +33,7 @@ fuzz() {
   [ ! -d "fuzz/regressions/$target" ] || folders+=("fuzz/regressions/$target")
   # Weighing rare features takes a sixth of the time where a run is as short as here; no run uses more bytes.
   local options=(-max_len=20000)
-  [ "$target" != boundary_records ] || options=(-max_len=4096 -entropic=0)
+  case $target in boundary_records | analysis) options=(-max_len=4096 -entropic=0) ;; esac
   "$build/bin/fuzz_$target" "${options[@]}" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 \
     -dict="fuzz/$(dictionary_of "$target")" -print_final_stats=1 -artifact_prefix="$build/findings/$target/" \
     "${folders[@]}" 2>"$build/findings/$target.log"

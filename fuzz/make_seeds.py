@@ -88,6 +88,8 @@ def main(data_folder, out_folder):
     choice = random.Random(1)
     for k in range(16):
         write(out, "boundary_records", f"random{k}", choice.randbytes(4 * (20 + 60 * k)))
+    for k in range(16):
+        write(out, "analysis", f"random{k}", choice.randbytes(4 * (20 + 30 * k)))
 
 
 if __name__ == "__main__":

@@ -4,6 +4,9 @@
 #include <cstdio>
 #include <string>
 
+#ifdef ORSOLVA_HAS_ANALYSIS
+#include "tests/support/analysis_sky.h"
+#endif
 #include "tests/support/run.h"
 #include "tests/support/simulated_sky.h"
 
@@ -31,6 +34,10 @@ constexpr Case kCases[] = {
     {"two-days-120s", 120.0, 1440, 30, true},
 };
 
+// The analysis takes epochs one at a time.
+constexpr const char* kAnalysisCase = "analysis-hour-30s";
+constexpr const char* kAnalysisWithoutRecords = "analysis-no-navigation";
+
 orsolva_test::SkyOptions Options(const Case& chosen) {
   orsolva_test::SkyOptions options;
   options.Interval = chosen.Interval;
@@ -53,10 +60,41 @@ extern "C" __attribute__((noinline)) void CountedRun(const SimulatedSky& sky, co
   std::printf("%u epochs observed\n", static_cast<unsigned>(results.Whole->sys[0].observed_epochs));
 }
 
+#ifdef ORSOLVA_HAS_ANALYSIS
+/// Counted as CountedRun is: the script names both by how they begin.
+extern "C" __attribute__((noinline)) void CountedRunOfAnalysis(const orsolva_test::AnalysisSky& sky,
+                                                               bool with_records) {
+  orsolva_host::analysis::StationAnalysis analysis(
+      sky.Options, with_records ? sky.Records : orsolva_host::BroadcastRecords());
+  for (const orsolva_host::ObservationEpoch& epoch : sky.Epochs) analysis.Add(epoch);
+  analysis.Finish();
+  std::printf("%zu events\n", analysis.TakeEvents().size());
+  std::printf("%zu signals\n", analysis.Result().signals.size());
+}
+
+/// An hour from 11 degrees up, where the sky's troposphere and that of the analysis agree.
+void RunAnalysis(bool with_records) {
+  orsolva_test::SkyOptions options;
+  options.LowestElevation = 0.2;
+  options.MissingShare = 0.02;
+  const orsolva_test::AnalysisSky sky{SimulatedSky(options)};
+  std::size_t satellite_epochs = 0;
+  for (const orsolva_host::ObservationEpoch& epoch : sky.Epochs) satellite_epochs += epoch.satellites.size();
+  std::printf("%zu satellite-epochs\n", satellite_epochs);
+  CountedRunOfAnalysis(sky, with_records);
+}
+#endif
+
 }  // namespace
 
 int main(int count, char** arguments) {
   const std::string name = count > 1 ? arguments[1] : "";
+#ifdef ORSOLVA_HAS_ANALYSIS
+  if (name == kAnalysisCase || name == kAnalysisWithoutRecords) {
+    RunAnalysis(name == kAnalysisCase);
+    return 0;
+  }
+#endif
   for (const Case& chosen : kCases) {
     if (name != chosen.Name) continue;
     const SimulatedSky sky(Options(chosen));
@@ -70,6 +108,6 @@ int main(int count, char** arguments) {
   }
   std::fprintf(stderr, "usage: instruction_case NAME; names:");
   for (const Case& one : kCases) std::fprintf(stderr, " %s", one.Name);
-  std::fprintf(stderr, "\n");
+  std::fprintf(stderr, " %s %s\n", kAnalysisCase, kAnalysisWithoutRecords);
   return 2;
 }

@@ -38,12 +38,11 @@ using Drop = std::function<double(int satellite, int window, int band)>;
 /// GPS 1C and 2L of all satellites, with truth taken off.
 class Passes {
  public:
-  explicit Passes(const Drop& drop) {
+  explicit Passes(const Drop& drop, double spread_db = 1.5) {
     ObservationEpoch epoch;
     for (int s = 0; s < kSatellites; ++s)
       AddSatellite(epoch, {'G', static_cast<std::uint8_t>(s + 1)}, {"1C", "2L"});
     roster_.Take(epoch);
-    std::array<StrengthHistogram, kElevationBins> bins;
     windows_.resize(roster_.Signals().size());
     for (int s = 0; s < kSatellites; ++s) {
       for (int w = 0; w < kDay; ++w) {
@@ -59,8 +58,11 @@ class Passes {
     StrengthCurve::Bins usual;
     for (std::size_t i = 0; i < kElevationBins; ++i) usual[i] = Usual(1, 5.0 * static_cast<double>(i) + 2.5);
     const StrengthCurve curve(usual);
+    StrengthCurve::Bins spread;
+    spread.fill(spread_db);
     drops_ = std::make_unique<StrengthDrops>(
-        roster_, std::vector<StrengthCurves>(2, StrengthCurves{curve, curve}), windows_);
+        roster_, std::vector<StrengthCurves>(2, StrengthCurves{curve, curve, StrengthCurve(spread)}),
+        windows_);
   }
 
   std::vector<StrengthDrop> System(std::size_t band) const { return drops_->OfSystem(band); }
@@ -98,6 +100,11 @@ TEST(StrengthDrops, InterferenceOfTenMinutesHitsOneBandOfAllSatellites) {
   EXPECT_EQ(drops[0].other_bands, false);
   EXPECT_TRUE(passes.System(1).empty());
   EXPECT_EQ(passes.OfAllSatellites(), 0U);
+}
+
+TEST(StrengthDrops, InterferenceIsNotFoundWithinTheSpreadOfASignal) {
+  const Passes passes([](int, int w, int) { return w == 100 || w == 101 ? 8.0 : 0.0; }, 6);
+  EXPECT_TRUE(passes.System(0).empty());
 }
 
 TEST(StrengthDrops, AFailingAntennaHitsAllBands) {

@@ -9,6 +9,7 @@ namespace orsolva_host::analysis {
 namespace {
 
 constexpr double kP5 = 0.05;
+constexpr double kLowPart = 0.16;  // one sigma below the median of a normal distribution
 
 ElevationBin BinAt(std::size_t i, double value, Count values) {
   const int from_deg = static_cast<int>(i) * kElevationBin_deg;
@@ -123,13 +124,15 @@ std::vector<StrengthCurves> Strength::Curves(const SignalRoster& roster) const {
   }
   std::vector<StrengthCurves> curves;
   for (std::size_t i = 0; i < shared_.size(); ++i) {
-    StrengthCurve::Bins medians, means;
+    StrengthCurve::Bins medians, means, spreads;
     for (std::size_t k = 0; k < kElevationBins; ++k) {
       medians[k] = shared_[i][k].Quantile(0.5, kLeastOfCurve).value_or(kAbsent);
+      const double low = shared_[i][k].Quantile(kLowPart, kLeastOfCurve).value_or(kAbsent);
+      spreads[k] = std::isnan(low) ? kAbsent : std::max(medians[k] - low, StrengthHistogram::kBin_db);
       const Sum& sum = sums[i][k];
       means[k] = sum.values < kLeastOfCurve ? kAbsent : sum.dbhz / static_cast<double>(sum.values);
     }
-    curves.push_back({StrengthCurve(medians), StrengthCurve(means)});
+    curves.push_back({StrengthCurve(medians), StrengthCurve(means), StrengthCurve(spreads)});
   }
   return curves;
 }

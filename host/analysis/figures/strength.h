@@ -29,7 +29,7 @@ namespace orsolva_host::analysis {
 class Strength {
  public:
   static constexpr Count kLeastValues = 20;
-  static constexpr Count kLeastOfCurve = 50;  ///< values of a bin of elevation
+  static constexpr Count kLeastOfCurve = 100;  ///< values of a bin of elevation
   static constexpr std::int32_t kKeptWindows = 312;
 
   /// @param sky  has taken the epoch

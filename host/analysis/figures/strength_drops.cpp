@@ -70,8 +70,7 @@ double StrengthCurve::At(double elevation_deg) const {
 StrengthDrops::StrengthDrops(const SignalRoster& roster, const std::vector<StrengthCurves>& curves,
                              const std::vector<std::vector<StrengthWindow>>& windows)
     : roster_(&roster), residuals_(windows.size()), common_(curves.size()), is_common_(curves.size()) {
-  for (std::size_t shared = 0; shared < curves.size(); ++shared)
-    FindCommon(shared, curves[shared].medians, windows);
+  for (std::size_t shared = 0; shared < curves.size(); ++shared) FindCommon(shared, curves[shared], windows);
   for (std::size_t i = 0; i < windows.size(); ++i)
     FindOwn(i, curves[roster.Signals()[i].shared].means, windows[i]);
 }
@@ -88,14 +87,19 @@ StrengthDrops::Residuals StrengthDrops::ResidualsOf(const StrengthCurve& curve,
   return residuals;
 }
 
-void StrengthDrops::FindCommon(std::size_t shared, const StrengthCurve& medians,
+void StrengthDrops::FindCommon(std::size_t shared, const StrengthCurves& curves,
                                const std::vector<std::vector<StrengthWindow>>& windows) {
   const auto [first, last] = NumbersOf(windows);
   std::vector<std::vector<double>> by_window(static_cast<std::size_t>(last - first + 1));
+  std::vector<std::vector<double>> in_spreads(by_window.size());
   for (std::size_t i = 0; i < windows.size(); ++i) {
     if (roster_->Signals()[i].shared != shared) continue;
-    for (const Residual& residual : ResidualsOf(medians, windows[i]))
-      by_window[static_cast<std::size_t>(residual.number - first)].push_back(residual.db);
+    for (const Residual& residual : ResidualsOf(curves.medians, windows[i])) {
+      if (residual.elevation_deg < kLeastOfSystem_deg) continue;
+      const auto place = static_cast<std::size_t>(residual.number - first);
+      by_window[place].push_back(residual.db);
+      in_spreads[place].push_back(residual.db / curves.spreads.At(residual.elevation_deg));
+    }
   }
   for (std::size_t i = 0; i < by_window.size(); ++i) {
     std::vector<double>& values = by_window[i];
@@ -104,7 +108,7 @@ void StrengthDrops::FindCommon(std::size_t shared, const StrengthCurve& medians,
     const auto low = std::count_if(values.begin(), values.end(), [](double db) { return db <= -kSlight_db; });
     const double median = QuantileOf(values, 1, 2);
     common_[shared].push_back({number, median, kAbsent});
-    is_common_[shared].push_back(median <= -kDrop_db &&
+    is_common_[shared].push_back(median <= -kDrop_db && QuantileOf(in_spreads[i], 1, 2) <= -kDrop_spreads &&
                                  5 * low >= 4 * static_cast<std::ptrdiff_t>(values.size()));
   }
 }

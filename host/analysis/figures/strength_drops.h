@@ -5,9 +5,11 @@
 // bins. For systems it is the median of the bin, which a drop does not move; for single satellites the mean,
 // whose slope is smooth also where satellites of different power make two heaps.
 //
-// A drop of a system's signal: the median of the residuals of at least kLeastSatellites satellites is at or
-// below -kDrop_db and four fifths of them are at or below -kSlight_db. One window is enough: interference or
-// a failing antenna hits all satellites at once.
+// A drop of a system's signal: the median of the residuals of at least kLeastSatellites satellites from
+// kLeastOfSystem_deg up is at or below -kDrop_db and at or below -kDrop_spreads times the spread of the
+// signal there (median less 16th percentile: large where satellites of different power make two heaps, as in
+// codeless tracking), and four fifths of them are at or below -kSlight_db. One window is enough: interference
+// or a failing antenna hits all satellites at once.
 //
 // A drop of one satellite's signal: against its own curve, which is the upper quartile of its residuals
 // within kNear_deg of elevation (at least kLeastNear windows; satellites differ in power, and codeless
@@ -66,6 +68,7 @@ class StrengthCurve {
 struct StrengthCurves {
   StrengthCurve medians;
   StrengthCurve means;
+  StrengthCurve spreads;  ///< median less 16th percentile, dB, above zero
 };
 
 /// Finds the drops of all signals of a roster.
@@ -74,6 +77,8 @@ class StrengthDrops {
   static constexpr double kDrop_db = 4;
   static constexpr double kSlight_db = 2;
   static constexpr std::size_t kLeastSatellites = 4;
+  static constexpr double kLeastOfSystem_deg = 10;
+  static constexpr double kDrop_spreads = 2;
   static constexpr std::int32_t kLeastWindows = 12;  // an hour
   static constexpr double kNear_deg = 5;
   static constexpr std::size_t kLeastNear = 6;
@@ -96,7 +101,7 @@ class StrengthDrops {
   using Residuals = std::vector<Residual>;
 
   static Residuals ResidualsOf(const StrengthCurve& curve, const std::vector<StrengthWindow>& windows);
-  void FindCommon(std::size_t shared, const StrengthCurve& medians,
+  void FindCommon(std::size_t shared, const StrengthCurves& curves,
                   const std::vector<std::vector<StrengthWindow>>& windows);
   void FindOwn(std::size_t signal, const StrengthCurve& means, const std::vector<StrengthWindow>& windows);
   bool IsCommon(std::size_t shared, std::int32_t number) const;

@@ -211,6 +211,7 @@ TEST(PartnerSignal, B1CPairsWithB2aAndNotWithTheCarrierBesideIt) {
   EXPECT_EQ(std::string(PartnerBands('C', '1')).find('2'), std::string::npos);
   EXPECT_EQ(std::string(PartnerBands('C', '2')).find('1'), std::string::npos);
   EXPECT_EQ(std::string(PartnerBands('G', '4')), "");
+  EXPECT_EQ(std::string(PartnerBands('S', '1')), "");
 }
 
 }  // namespace

@@ -116,6 +116,20 @@ TEST(IonosphereRate, ThereIsNoneAtMoreThanAMinuteNorBelowTheCutOff) {
   EXPECT_FALSE(Of(figures).windows);
 }
 
+TEST(IonosphereRate, ThereIsNoneOfSbas) {
+  IonosphereRate figures(10);
+  figures.SetInterval(30);
+  MadeTrack track({'S', 20}, 30, {k1C, {'5', 'I'}});
+  for (int k = 0; k < 100; ++k) {
+    track.Epoch({{10.0 * (k % 2), 0}, {0, 0}}, 45);
+    figures.AddEpoch(track.Track().At(track.Newest()).time_ns);
+    if (k > 0) figures.AddStep(track.Outcome());
+  }
+  AnalysisResult result;
+  figures.FillIn(result);
+  EXPECT_FALSE(SystemRow(result, 'S').ionosphere.windows);
+}
+
 TEST(IonosphereRate, CountsPatchesThatTheDetectorNamed) {
   IonosphereRate figures(10);
   TecTrack satellite(5, 30);

@@ -52,7 +52,7 @@ void IonosphereRate::CloseWindows(std::int64_t before) {
 }
 
 void IonosphereRate::AddStep(const StepOutcome& outcome) {
-  if (interval_s_ > kLongestStep_s) return;
+  if (interval_s_ > kLongestStep_s || outcome.track->satellite.system == 'S') return;
   Satellite& satellite = satellites_[outcome.track->satellite];
   const double change = outcome.up && !outcome.state->gap ? TecChange(outcome) : kAbsent;
   if (std::isnan(change)) {

@@ -10,7 +10,7 @@
 // when at least a quarter of the system's satellites in it, at least one, have a ROTI above 0.5 TECU/min; it
 // counts five minutes.
 //
-// Population: from the cut-off up.
+// Population: from the cut-off up, without SBAS, whose carriers are steered from the ground, each on its own.
 #ifndef ORSOLVA_ANALYSIS_FIGURES_IONOSPHERE_RATE_H
 #define ORSOLVA_ANALYSIS_FIGURES_IONOSPHERE_RATE_H
 

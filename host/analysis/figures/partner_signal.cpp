@@ -39,8 +39,6 @@ constexpr Row kRows[] = {
     {'I', '1', "59"},    // L1: L5, S
     {'I', '5', "91"},    //
     {'I', '9', "51"},    //
-    {'S', '1', "5"},     //
-    {'S', '5', "1"},     //
 };
 
 /// Of several signals of a partner band the one that most satellites send.

@@ -5,6 +5,7 @@
 // in sqrt((1 + c)^2 + c^2) times: 5 for L1 with L2, 154 for B1C with B1I 14 MHz from it. Partner bands are
 // listed by system and band, first the one that every satellite with the band sends, so that one signal has
 // one partner on all satellites; none amplifies more than eight times.
+// SBAS has none: its two carriers are steered from the ground, each on its own.
 #ifndef ORSOLVA_ANALYSIS_FIGURES_PARTNER_SIGNAL_H
 #define ORSOLVA_ANALYSIS_FIGURES_PARTNER_SIGNAL_H
 

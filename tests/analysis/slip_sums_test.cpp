@@ -78,6 +78,17 @@ TEST_F(SlipSumsTest, EachSizeIsCountedForItsSignalAndOnceForTheSatellite) {
   EXPECT_FALSE(satellite.observations_without_slip);
 }
 
+TEST_F(SlipSumsTest, FewTestedStepsGiveNoRatio) {
+  Quiet(50);
+  Epoch(kBoth), Decide(EventKind::kSlip, {k1C}, {1});
+  Quiet(49);
+  sums.FillIn(result);
+  EXPECT_EQ(Of(k1C).tested_steps, 99U);
+  EXPECT_FALSE(Of(k1C).observations_per_slip);
+  EXPECT_FALSE(Of(k1C).slips_per_1000);
+  EXPECT_EQ(Of(k2W).observations_without_slip, 99U);
+}
+
 TEST_F(SlipSumsTest, BelowTheCutOffCountsApart) {
   Quiet(20, 9.99);
   Epoch(kBoth, 9.99), Decide(EventKind::kSlip, {k1C}, {1});

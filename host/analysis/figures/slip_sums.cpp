@@ -33,15 +33,12 @@ SlipFigures FiguresOf(const SlipCounts& counts) {
   figures.untested_steps = counts.untested;
   figures.loss_of_lock_flags = counts.flags;
   figures.loss_of_lock_with_slip = counts.flags_with_slip;
-  if (counts.tested == 0) return figures;
   const Count slips = counts.sure + counts.unsure + counts.half_cycles + counts.unknown_size;
   const auto tested = static_cast<double>(counts.tested);
+  if (slips == 0 && counts.tested > 0) figures.observations_without_slip = counts.tested;
+  if (counts.tested < SlipSums::kLeastTested) return figures;
   figures.slips_per_1000 = 1000 * static_cast<double>(slips) / tested;
-  if (slips == 0) {
-    figures.observations_without_slip = counts.tested;
-  } else {
-    figures.observations_per_slip = tested / static_cast<double>(slips);
-  }
+  if (slips > 0) figures.observations_per_slip = tested / static_cast<double>(slips);
   return figures;
 }
 

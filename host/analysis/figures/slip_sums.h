@@ -10,7 +10,9 @@
 // the satellite or a predicted range. Everything else observed is untested, but for the first phase of an
 // arc, which ends no step. Carriers of SBAS at 5 s and longer are untested throughout (detector_constants.h).
 //
-// Observations per slip: tested steps over slips of every size (sure, unsure, half cycles, unknown).
+// Observations per slip: tested steps over slips of every size (sure, unsure, half cycles, unknown). It and
+// slips per 1,000 are absent with fewer than kLeastTested tested steps: a signal that is soon left out as
+// unstable has slips and hardly a tested step.
 //
 // Population: from the cut-off up, and below it apart. Observations without an elevation count as up.
 #ifndef ORSOLVA_ANALYSIS_FIGURES_SLIP_SUMS_H
@@ -36,6 +38,8 @@ struct SlipCounts {
 
 class SlipSums {
  public:
+  static constexpr Count kLeastTested = 100;
+
   explicit SlipSums(double cutoff_deg) : cutoff_deg_(cutoff_deg) {}
 
   void SetInterval(double interval_s) { interval_s_ = interval_s; }

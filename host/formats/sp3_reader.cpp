@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <exception>
+#include <filesystem>
 #include <optional>
+#include <system_error>
 #include <utility>
 
 #include "host/rinex/civil_time.h"
@@ -232,6 +235,19 @@ bool IsSp3Line(std::string_view line) {
   const auto digit = [](char c) { return c >= '0' && c <= '9'; };
   return line.size() > 6 && line[0] == '#' && line[1] >= 'a' && line[1] <= 'z' &&
          (line[2] == 'P' || line[2] == 'V') && std::all_of(line.begin() + 3, line.begin() + 7, digit);
+}
+
+bool IsSp3File(const std::string& path) {
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(path, ignored)) return false;  // a pipe can be read once only
+  try {
+    Diagnostics unused;
+    LineReader lines(OpenBytes(path, unused));
+    std::string_view line;
+    return lines.Next(line) && IsSp3Line(line);
+  } catch (const std::exception&) {
+    return false;
+  }
 }
 
 void ReadPreciseOrbits(std::unique_ptr<ByteSource> source, const std::string& name, Diagnostics& diagnostics,

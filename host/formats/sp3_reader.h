@@ -16,6 +16,9 @@ namespace orsolva_host {
 /// Whether a file that begins with this line is an SP3 file of any version.
 bool IsSp3Line(std::string_view line);
 
+/// Whether a regular file, compressed or not, begins as an SP3 file does.
+bool IsSp3File(const std::string& path);
+
 /// Adds the positions and clocks of an SP3 file, compressed or not, to those there.
 ///
 /// Times of GPS, Galileo, QZSS, NavIC, BDS, GLONASS, UTC and TAI become GPS time. A clock of 999999 us is

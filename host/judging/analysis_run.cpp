@@ -4,11 +4,13 @@
 #include <utility>
 
 #include "host/rinex/satellite_names.h"
+#include "host/rinex/station_statements.h"
 
 namespace orsolva_host {
 namespace {
 
-analysis::AnalysisOptions OptionsOf(const JudgingSettings& settings, const ObservationHeader& header) {
+analysis::AnalysisOptions OptionsOf(const JudgingSettings& settings, const ObservationHeader& header,
+                                    std::shared_ptr<const PreciseOrbits> precise) {
   analysis::AnalysisOptions options;
   options.elevation_cutoff_deg = settings.elevation_cutoff_deg;
   options.detector.position = header.position;
@@ -16,16 +18,27 @@ analysis::AnalysisOptions OptionsOf(const JudgingSettings& settings, const Obser
     options.detector.position = settings.position.xyz_m;
   options.detector.interval_s = settings.interval_s.value_or(0);
   options.detector.glonass_channels = header.glonass_channels;
+  options.detector.precise_orbits = std::move(precise);
   return options;
+}
+
+StationDescription Described(const JudgingSettings& settings, const EpochSource& source) {
+  StationDescription description = DescriptionOf(source.Header(), source.Name());
+  if (settings.position.source == PositionSource::kOption)
+    description.given_position_m = settings.position.xyz_m;
+  return description;
 }
 
 std::size_t PlaceOf(char letter) { return static_cast<std::size_t>(letter - 'A'); }
 
 }  // namespace
 
-AnalysisRun::AnalysisRun(const JudgingSettings& settings, const ObservationHeader& header,
-                         const BroadcastRecords& records, EventSink* sink)
-    : analysis_(OptionsOf(settings, header), records), sink_(sink) {
+AnalysisRun::AnalysisRun(const JudgingSettings& settings, const EpochSource& source,
+                         const BroadcastRecords& records, std::shared_ptr<const PreciseOrbits> precise,
+                         EventSink* sink)
+    : description_(Described(settings, source)),
+      analysis_(OptionsOf(settings, source.Header(), std::move(precise)), records),
+      sink_(sink) {
   for (const char letter : settings.systems) chosen_[PlaceOf(letter)].set();
   for (const ExcludedSatellite& out : settings.excluded) {
     chosen_[PlaceOf(kSystemTable[out.system_slot].letter)].reset(static_cast<std::size_t>(out.number));
@@ -45,10 +58,11 @@ void AnalysisRun::Add(ObservationEpoch& epoch) {
   PassEvents();
 }
 
-AnalysisReport AnalysisRun::Finish() {
+AnalysisReport AnalysisRun::Finish(std::vector<DescriptionChange> changes) {
   analysis_.Finish();
   PassEvents();
-  report_.figures = analysis_.Result();
+  description_.changes = std::move(changes);
+  report_.figures = analysis_.Result(description_);
   return std::move(report_);
 }
 

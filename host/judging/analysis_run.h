@@ -4,32 +4,40 @@
 
 #include <array>
 #include <bitset>
+#include <memory>
+#include <vector>
 
 #include "host/analysis/station_analysis.h"
+#include "host/judging/epoch_source.h"
 #include "host/judging/settings.h"
 #include "host/observation/broadcast_records.h"
 #include "host/observation/observation_epoch.h"
+#include "host/observation/precise_orbits.h"
+#include "host/observation/station_description.h"
 #include "host/report/event_sink.h"
 #include "host/report/report.h"
-#include "host/rinex/observation_header.h"
 
 namespace orsolva_host {
 
 class AnalysisRun {
  public:
+  /// @param source   for its header and name
   /// @param records  may hold nothing
+  /// @param precise  used where they cover a time; may be null
   /// @param sink     gets every event as soon as it is decided; may be null
-  AnalysisRun(const JudgingSettings& settings, const ObservationHeader& header,
-              const BroadcastRecords& records, EventSink* sink);
+  AnalysisRun(const JudgingSettings& settings, const EpochSource& source, const BroadcastRecords& records,
+              std::shared_ptr<const PreciseOrbits> precise, EventSink* sink);
 
   /// Takes the next epoch. @param epoch  satellites that are not chosen are taken out of its list
   void Add(ObservationEpoch& epoch);
   /// Decides what is still open. @return the figures, with the first kMostEventsKept events
-  AnalysisReport Finish();
+  /// @param changes  of antenna, receiver and marker within the data
+  AnalysisReport Finish(std::vector<DescriptionChange> changes);
 
  private:
   void PassEvents();
 
+  StationDescription description_;
   analysis::StationAnalysis analysis_;
   EventSink* sink_;
   std::array<std::bitset<100>, 26> chosen_;  ///< by letter and number

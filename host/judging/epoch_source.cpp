@@ -60,6 +60,7 @@ class RinexSource : public EpochSource {
   const ObservationHeader& Header() const override { return reader_.Header(); }
   bool Next(ObsEpoch_QC_gbt& epoch, ObservationEpoch& full) override { return reader_.Next(epoch, full); }
   const std::optional<FileError>& Failure() const override { return reader_.Failure(); }
+  std::vector<DescriptionChange> Changes() const override { return reader_.Changes(); }
 
  private:
   std::string path_;

@@ -6,10 +6,12 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "host/judging/run_monitor.h"
 #include "host/judging/settings.h"
 #include "host/observation/observation_epoch.h"
+#include "host/observation/station_description.h"
 #include "host/rinex/diagnostics.h"
 #include "host/rinex/observation_header.h"
 #include "orsolva/records.h"
@@ -29,6 +31,8 @@ class EpochSource {
   virtual bool Next(ObsEpoch_QC_gbt& epoch, ObservationEpoch& full) = 0;
   /// Why the data ended early; absent when they did not.
   virtual const std::optional<FileError>& Failure() const = 0;
+  /// What header lines among the epochs so far changed.
+  virtual std::vector<DescriptionChange> Changes() const { return {}; }
 };
 
 /// A RINEX observation file, compressed or not; "-" is standard input.

@@ -3,6 +3,7 @@
 #include <cctype>
 #include <filesystem>
 
+#include "host/formats/sp3_reader.h"
 #include "host/platform/platform.h"
 #include "host/rinex/file_names.h"
 #include "host/rinex/input_files.h"
@@ -55,7 +56,7 @@ void AddFolder(const std::string& path, bool for_navigation, RunInputs& inputs) 
 void AddFile(const std::string& path, RunInputs& inputs) {
   std::error_code ignored;
   const bool there = path == "-" || std::filesystem::exists(path, ignored);
-  bool navigation = path != "-" && KindOfFile(path) == FileKind::kNavigation;
+  bool navigation = path != "-" && (KindOfFile(path) == FileKind::kNavigation || IsSp3File(path));
   // A mistyped name of a navigation file must not let other navigation files take its place.
   if (!there && !inputs.observations.empty() && !LooksLikeObservations(path)) navigation = true;
   (navigation ? inputs.navigation : inputs.observations).push_back(path);

@@ -13,7 +13,7 @@ struct RunInputs {
   std::vector<std::string> navigation;
 };
 
-/// Sorts paths into observations and navigation by what the files hold, in any order.
+/// Sorts paths into observations and navigation (also precise orbits) by what the files hold, in any order.
 ///
 /// Patterns with * ? [ that name no file themselves are replaced by the files they match. A folder is
 /// replaced by the observation files in it; by its navigation files when it holds no observations, or follows

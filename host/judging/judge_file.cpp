@@ -62,7 +62,8 @@ class Run {
   EpochBatch batch_;
   std::size_t batch_size_ = 0;
   ObservationEpoch full_;
-  std::shared_ptr<const ReadNavigation> navigation_;
+  std::shared_ptr<const ReadNavigation> named_;       ///< null when no file is named
+  std::shared_ptr<const ReadNavigation> navigation_;  ///< named, or where no records are, those found
   LibraryRun library_;
   std::unique_ptr<AnalysisRun> analysis_;
   NominalInterval interval_;
@@ -89,8 +90,8 @@ void Run::FillBatch(SharedNavigation& named) {
     const Time_gbt& time = batch_[batch_size_].time;
     if (!analysis_) {
       TakeNavigation(named, time);
-      analysis_ = std::make_unique<AnalysisRun>(settings_, source_.Header(), navigation_->broadcast,
-                                                observers_.events);
+      analysis_ = std::make_unique<AnalysisRun>(settings_, source_, navigation_->broadcast,
+                                                named_ ? named_->precise : nullptr, observers_.events);
     }
     analysis_->Add(full_);
     TakeEpoch(time);
@@ -109,14 +110,20 @@ void Run::TakeEpoch(const Time_gbt& time) {
 }
 
 void Run::TakeNavigation(SharedNavigation& named, const Time_gbt& first) {
-  navigation_ = named.Empty() ? ReadNavigationBeside(source_.Name(), first, settings_.limits) : named.Get();
+  if (!named.Empty()) {
+    named_ = named.Get();
+    diagnostics_.Append(named_->notices);
+    if (named_->failure) throw FileError(*named_->failure);
+  }
+  navigation_ = named_;
+  if (named_ && named_->has_record_files) return;
+  navigation_ = ReadNavigationBeside(source_.Name(), first, settings_.limits);
   diagnostics_.Append(navigation_->notices);
-  if (navigation_->failure) throw FileError(*navigation_->failure);
 }
 
 Report Run::Finish() {
   Report report = library_.Finish(Facts());
-  report.analysis = analysis_->Finish();
+  report.analysis = analysis_->Finish(source_.Changes());
   const auto& header = source_.Header().position;
   if (const auto& xyz = report.run.position_m; xyz && header) {
     report.run.distance_from_header_m =
@@ -139,6 +146,9 @@ ReportRun Run::Facts() const {
   run.library_version = kLibraryVersion;
   run.observation_file = source_.Name();
   run.navigation_files = navigation_->files;
+  if (named_ && named_ != navigation_) {
+    run.navigation_files.insert(run.navigation_files.end(), named_->files.begin(), named_->files.end());
+  }
   run.marker = header.marker;
   run.receiver = header.receiver;
   run.antenna = header.antenna;

@@ -1,5 +1,6 @@
 #include "host/judging/shared_navigation.h"
 
+#include "host/formats/sp3_reader.h"
 #include "host/rinex/input_files.h"
 #include "host/rinex/navigation_reader.h"
 
@@ -18,6 +19,7 @@ std::shared_ptr<const ReadNavigation> ReadNavigationBeside(const std::string& ob
                                                            const InputLimits& limits) {
   auto read = std::make_shared<ReadNavigation>();
   read->files = NavigationBeside(observation_file, first_epoch);
+  read->has_record_files = !read->files.empty();
   for (const std::string& file : read->files) {
     read->notices.Add(file, 0, "no navigation file is named; the one next to the observation file is used");
   }
@@ -27,7 +29,8 @@ std::shared_ptr<const ReadNavigation> ReadNavigationBeside(const std::string& ob
       reader.Read(file);
     } catch (const FileError& error) {
       // A file nobody named must not stop a run.
-      read->notices.Add(file, error.Line(), "passed over: found " + error.Found() + ". " + error.Advice(), false);
+      read->notices.Add(file, error.Line(), "passed over: found " + error.Found() + ". " + error.Advice(),
+                        false);
     }
   }
   TakeRecords(reader, *read);
@@ -41,8 +44,17 @@ std::shared_ptr<const ReadNavigation> SharedNavigation::Get() {
   try {
     read->files = NavigationFilesOf(named_);
     NavigationReader reader(read->notices, {limits_});
-    for (const std::string& file : read->files) reader.Read(file);
+    const auto precise = std::make_shared<PreciseOrbits>();
+    for (const std::string& file : read->files) {
+      if (IsSp3File(file)) {
+        ReadPreciseOrbits(file, read->notices, limits_, *precise);
+      } else {
+        reader.Read(file);
+        read->has_record_files = true;
+      }
+    }
     TakeRecords(reader, *read);
+    if (!precise->satellites.empty()) read->precise = precise;
   } catch (const FileError& error) {
     read->failure = error;
   }

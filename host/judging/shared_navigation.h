@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "host/observation/broadcast_records.h"
+#include "host/observation/precise_orbits.h"
 #include "host/rinex/byte_source.h"
 #include "host/rinex/diagnostics.h"
 #include "host/rinex/navigation_set.h"
@@ -18,11 +19,13 @@
 
 namespace orsolva_host {
 
-/// The records of some files, with the notices of their reader.
+/// The records and precise orbits of some files, with the notices of their readers.
 struct ReadNavigation {
   std::vector<std::string> files;
-  NavigationSet set;           ///< for the library
-  BroadcastRecords broadcast;  ///< the same and those of systems that the library does not know
+  bool has_record_files = false;  ///< not only files of precise orbits
+  NavigationSet set;              ///< for the library
+  BroadcastRecords broadcast;     ///< the same and those of systems that the library does not know
+  std::shared_ptr<const PreciseOrbits> precise;  ///< null without a file of them
   Diagnostics notices;
   std::optional<FileError> failure;  ///< what ended reading; the set is empty then
 };
@@ -36,7 +39,8 @@ std::shared_ptr<const ReadNavigation> ReadNavigationBeside(const std::string& ob
 
 class SharedNavigation {
  public:
-  /// @param named  files, and folders that stand for the navigation files in them
+  /// @param named  files of records or precise orbits (SP3), and folders that stand for the navigation files
+  /// in them
   SharedNavigation(std::vector<std::string> named, const InputLimits& limits)
       : named_(std::move(named)), limits_(limits) {}
 

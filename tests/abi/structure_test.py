@@ -39,7 +39,7 @@ HOST_BELOW = {
     "analysis": {"observation"},
     "report": {"analysis", "observation", "rinex", "output"},
     "simulator": {"observation", "rinex", "output"},
-    "judging": {"platform", "output", "observation", "rinex", "analysis", "report"},
+    "judging": {"platform", "output", "observation", "rinex", "formats", "analysis", "report"},
     "terminal": {"platform"},
     "cli": {"platform", "output", "rinex", "report", "simulator", "judging", "terminal"},
 }

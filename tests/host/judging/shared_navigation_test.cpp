@@ -6,12 +6,15 @@
 #include <thread>
 #include <vector>
 
+#include "host/judging/inputs.h"
 #include "tests/host/shared_data.h"
 
 namespace {
 
 using orsolva_host::Diagnostics;
+using orsolva_host::InputsOf;
 using orsolva_host::ReadNavigation;
+using orsolva_host::RunInputs;
 using orsolva_host::SharedNavigation;
 
 TEST(SharedNavigation, IsReadOnceAndIsTheSameForAllThreads) {
@@ -36,6 +39,25 @@ TEST(SharedNavigation, KeepsTheErrorThatEndedReading) {
     EXPECT_EQ(read->failure->File(), "/no/such.nav");
     EXPECT_EQ(read->set.Size(), 0U);
   }
+}
+
+TEST(SharedNavigation, PreciseOrbitsAreRecognisedAmongTheFilesNamed) {
+  const std::string records = orsolva_test::DataFile("ESBC00DNK_R_20201770000_01D_MN.rnx.gz");
+  const std::string precise = orsolva_test::DataFile("GRG0MGXFIN_20201770000_01D_15M_ORB.SP3.gz");
+  ORSOLVA_NEED_FILE(records);
+  ORSOLVA_NEED_FILE(precise);
+  SharedNavigation both({precise, records}, {});
+  ASSERT_TRUE(both.Get()->precise);
+  EXPECT_EQ(both.Get()->precise->satellites.size(), 75U);
+  EXPECT_TRUE(both.Get()->has_record_files);
+  EXPECT_GT(both.Get()->set.Size(), 0U);
+  EXPECT_EQ(both.Get()->files, (std::vector<std::string>{precise, records}));
+  SharedNavigation alone({precise}, {});
+  EXPECT_FALSE(alone.Get()->has_record_files);
+  EXPECT_FALSE(SharedNavigation({records}, {}).Get()->precise);
+  const RunInputs inputs = InputsOf({precise, "a.rnx"}, {});
+  EXPECT_EQ(inputs.navigation, std::vector<std::string>{precise});
+  EXPECT_EQ(inputs.observations, std::vector<std::string>{"a.rnx"});
 }
 
 /// Everything that is told, in one text.

@@ -58,7 +58,7 @@ void CarrierNoise::AddStep(const StepOutcome& outcome) {
   if (fast_) {
     Wait(outcome, ready, satellite);
   } else if (outcome.up &&
-             outcome.step % 2 == 0) {  // neighbours have three values in common and tell little more
+             outcome.step % 2 == 0) {  // neighbours have three values in common and add little
     AddCombinations(outcome, ready, satellite);
   }
 }

@@ -6,7 +6,6 @@
 
 #include "host/analysis/geometry/constants.h"
 #include "host/analysis/slips/evidence.h"
-#include "host/analysis/slips/scales.h"
 
 namespace orsolva_host::analysis {
 namespace {
@@ -42,18 +41,16 @@ bool Decision::IsCandidate(const SatelliteTrack& track, std::int64_t step, const
 void Decision::DecideNext(SatelliteTrack& track) {
   const std::int64_t step = track.decide;
   StepState& state = track.At(step);
-  SettleScales(track, step, interval_s_);
+  SettleScales(track, step, around_);
   track.budget = std::min(track.budget + kBudgetPerStep, kLargestBudget);
-  bool returned = false;  // a hole is decided once
   for (int tries = 0; tries < kMostTries && !state.broken && !state.settled; ++tries) {
     MakeTest(track, step, interval_s_, scratch_);
     if (scratch_.count == 0) break;
     const double chi2 = Chi2(scratch_);
     if (tries == 0) state.chi2 = chi2;
-    const bool hole = (state.gap || scratch_.returning != 0) && !returned;
+    const bool hole = state.gap || scratch_.returning != 0;
     if (!hole && !IsCandidate(track, step, scratch_, chi2)) break;
-    if (tries == 0) RefreshScales(track, step, interval_s_);
-    returned = true;
+    if (tries == 0) RefreshScales(track, step, around_);
     if (hole && track.budget < 1) {
       MakeCase(track, step);
       AddEvent(HoleKind(), nullptr, 0, 0, false);
@@ -62,9 +59,10 @@ void Decision::DecideNext(SatelliteTrack& track) {
     }
     track.budget = std::max(track.budget - 1, -kLargestBudget);
     const std::int64_t target = RankMostTelling(track, step);
-    if (!Explain(hole)) break;
+    if (!Explain()) break;
     FitRates(track, target);
-    RefreshScales(track, step, interval_s_);
+    RefreshScales(track, step, around_);
+    if (hole) break;  // a hole is closed once
   }
   Carry(track, step);
   Readmit(track, step);
@@ -104,10 +102,9 @@ double Decision::GainOfRepair() const {
   return (case_.none.total - best.total) * (FitOf(best.cycles) < kFitChi2 ? 1.0 : 0.02);
 }
 
-/// @param hole  the step ends a hole that is still open
 /// @return whether something was repaired or settled, so that the step must be looked at again
-bool Decision::Explain(bool hole) {
-  if (hole && (case_.gap || case_.test.returning != 0)) return CloseGap();
+bool Decision::Explain() {
+  if (case_.gap || case_.test.returning != 0) return CloseGap();
   if (IsNoSlip()) return false;
   const Explanation& best = case_.ranked.front();
   if (!best.any) return FitOf(case_.none.cycles) > 1.5 * kFitChi2 && TakeOther(nullptr);

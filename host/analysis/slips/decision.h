@@ -11,6 +11,7 @@
 #include "host/analysis/slips/integer_search.h"
 #include "host/analysis/slips/prediction.h"
 #include "host/analysis/slips/satellite_track.h"
+#include "host/analysis/slips/scales.h"
 #include "host/analysis/slips/wide_lane.h"
 
 namespace orsolva_host::analysis {
@@ -41,7 +42,10 @@ struct StepCase {
 
 class Decision {
  public:
-  explicit Decision(double interval_s) : interval_s_(interval_s) {}
+  explicit Decision(double interval_s) : interval_s_(interval_s), around_{interval_s} {}
+
+  /// @param metres  see Surroundings
+  void SetIonosphere(double metres) { around_.ionosphere_m = metres; }
 
   /// Decides the oldest open step, which needs as many later epochs as are to come or kLead of them; found
   /// events are added to the track. Files full of holes would need a search at every step: a satellite earns
@@ -52,7 +56,7 @@ class Decision {
   bool IsCandidate(const SatelliteTrack& track, std::int64_t step, const StepTest& test, double chi2) const;
   std::int64_t RankMostTelling(SatelliteTrack& track, std::int64_t step);
   double GainOfRepair() const;
-  bool Explain(bool hole);
+  bool Explain();
   void Rank(SatelliteTrack& track, std::int64_t step);
   void MakeCase(SatelliteTrack& track, std::int64_t step);
   void MakeViews();
@@ -65,6 +69,7 @@ class Decision {
   double PriorOf(const Cycles& cycles) const;
   double FitOf(const Cycles& cycles) const;
   bool CloseGap();
+  bool IsBlind() const;
   bool IsNoSlip();
   bool TakeSlip();
   bool TakeOther(const Explanation* integer);
@@ -81,6 +86,7 @@ class Decision {
   void Carry(SatelliteTrack& track, std::int64_t step) const;
 
   double interval_s_;
+  Surroundings around_;
   StepCase case_;
   StepCase other_case_;
   StepTest scratch_;

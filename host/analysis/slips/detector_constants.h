@@ -11,6 +11,8 @@ constexpr int kMedianTrail = 16;  // steps before a step that its median rates l
 constexpr int kRing = 32;         // epochs kept, a power of two above kTrail + kLead + 2
 
 constexpr double kGapFactor = 1.5;     // of the interval, beyond which epochs are missing
+constexpr int kSkySamples = 64;   // changes of the ionosphere of all satellites that are kept
+
 constexpr double kLongestGap_s = 600;  // a longer hole begins a new arc, untested
 constexpr double kUsualInterval_s =
     30;  // interval at which the figures below were found; others scale with its root
@@ -35,7 +37,7 @@ constexpr double kIonosphereFloor_m = 0.002;
 constexpr double kTroposphereDoubt = 0.02;  // of the change of a standard troposphere over the step
 constexpr double kZenithTroposphere_m = 2.4;
 constexpr double kWithoutModelFactor =
-    1.6;  // on the range scale where the range is predicted from neighbours
+    1.1;  // on the range scale where the range is predicted from neighbours
 constexpr double kWithoutModelFloor_m = 0.008;
 
 // Decision, in nats (natural units of log-likelihood) unless they say chi2.
@@ -48,7 +50,7 @@ constexpr double kGapSlipPrior = 1.5;
 constexpr double kFurtherBandPrior = 1;
 constexpr double kHalfCyclePrior = 5;
 constexpr double kSizePrior = 0.25;    // times the mean of ln|cycles|
-constexpr double kBlindSlipPrior = 8;  // a slip on all bands where the range is not modelled
+constexpr double kBlindSlipPrior = 4;  // a slip on all bands where the range is not modelled
 constexpr double kLeastGain = 1.5;     // over "no slip"
 constexpr double kSureMargin = 3;
 constexpr double kSureGapMargin = 5;

@@ -40,6 +40,12 @@ bool HasTwoBands(const std::array<char, kMostSignals>& band, int count) {
 
 }  // namespace
 
+/// Whether a slip on every band rests on the smoothness of the range alone.
+bool Decision::IsBlind() const {
+  const StepState& step = case_.track->At(case_.step);
+  return !step.HasGeometry() && !case_.gap && step.dt_s >= kQuietInterval_s;
+}
+
 /// Metres that are the same on all signals, or in the ratio of the ionosphere: they compete with the whole
 /// numbers.
 bool Decision::IsNoSlip() {
@@ -51,22 +57,23 @@ bool Decision::IsNoSlip() {
   const bool quiet =
       interval_s_ < kQuietInterval_s || step.ionosphere_scale_m < kQuietIonosphere_m * root_of_interval;
   const double ionosphere_prior = quiet ? kQuietIonospherePrior : kIonospherePrior;
+  const bool two_bands = HasTwoBands(case_.band, case_.test.count);
+  const double clock_prior = kSatelliteClockPrior + (IsBlind() && !two_bands ? kBlindSlipPrior : 0);
   const NoSlip kinds[] = {
-      {EventKind::kSatelliteClock, clock_m * clock_m, 0, kSatelliteClockPrior, false},
+      {EventKind::kSatelliteClock, clock_m * clock_m, 0, clock_prior, false},
       {EventKind::kSatelliteClock, kLargeClock_m * kLargeClock_m, 0, kLargeClockPrior, true},
       {EventKind::kIonosphere, 0, ionosphere_m * ionosphere_m, ionosphere_prior, true},
   };
   const Explanation& best = case_.ranked.front();
   const double fit = FitOf(best.cycles);
   const double misfit = WideLaneMisfit(case_.wide_lanes, case_.none.cycles);
-  const bool two_bands = HasTwoBands(case_.band, case_.test.count);
   double clock_chi2 = 0;
   for (const NoSlip& kind : kinds) {
     // Within a second or so no clock moves by a wavelength, but a slip on every band can look like it.
     if (kind.prior == kLargeClockPrior && interval_s_ < kQuietInterval_s) continue;
     if (kind.needs_two_bands && !two_bands) continue;
     const double chi2 = Chi2(case_.test, case_.test.r, kind.range_m2, kind.ionosphere_m2);
-    if (kind.prior == kSatelliteClockPrior) clock_chi2 = chi2;
+    if (kind.prior == clock_prior) clock_chi2 = chi2;
     const double total = 0.5 * (case_.none.window_chi2 - (case_.chi2 - chi2) + misfit) + kind.prior;
     const bool cheapest = total < best.total;
     const bool fits_better =

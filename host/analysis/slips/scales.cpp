@@ -125,6 +125,18 @@ void SetIonosphereScale(StepState& step, double scale, const NoiseShare& noise, 
   step.ionosphere_scale_m = noise.one_band && !step.lone_band ? kIonosphereFloor_m : std::sqrt(variance);
 }
 
+/// Steps of one band: what the ionosphere does is in the range, or taken from two-band steps ever longer ago.
+void WidenOneBand(const SatelliteTrack& track, std::int64_t i, StepState& step, const Surroundings& around) {
+  const double sky = std::isfinite(around.ionosphere_m) ? around.ionosphere_m : 0;
+  if (step.lone_band) {
+    const auto age = static_cast<double>(std::max<std::int64_t>(i - track.two_band_step, 0));
+    step.ionosphere_scale_m = std::max(step.ionosphere_scale_m, sky) * std::sqrt(1 + age);
+  } else {
+    const double mu = track.signals.empty() ? 1 : track.signals.back().mu;
+    step.range_scale_m = std::max(step.range_scale_m, mu * sky);
+  }
+}
+
 void SettleMedians(SatelliteTrack& track, std::int64_t step) {
   SortedList<kLead + 1> range, ionosphere;
   for (std::int64_t i = step; i < std::min(track.next, step + kLead + 1); ++i) {
@@ -143,8 +155,8 @@ void SettleMedians(SatelliteTrack& track, std::int64_t step) {
 
 /// Scales of the step, also given to some after it, which have their own elevation and kind.
 void SettleFrom(SatelliteTrack& track, std::int64_t step, int steps, double range, double ionosphere,
-                double interval_s) {
-  const double root = std::sqrt(interval_s / kUsualInterval_s);
+                const Surroundings& around) {
+  const double root = std::sqrt(around.interval_s / kUsualInterval_s);
   const StepState& own = track.At(step);
   for (std::int64_t i = step; i < std::min(track.next, step + steps); ++i) {
     StepState& s = track.At(i);
@@ -153,19 +165,20 @@ void SettleFrom(SatelliteTrack& track, std::int64_t step, int steps, double rang
     const NoiseShare noise = NoiseOf(track, i);
     SetRangeScale(s, range, noise, root);
     SetIonosphereScale(s, ionosphere, noise, root);
+    if (noise.one_band) WidenOneBand(track, i, s, around);
   }
 }
 
 /// Medians, predictors and scales as the steps are now.
 /// @param steps  how many get the scales, this one first
-void Settle(SatelliteTrack& track, std::int64_t step, int steps, double interval_s) {
+void Settle(SatelliteTrack& track, std::int64_t step, int steps, const Surroundings& around) {
   SettleMedians(track, step);
   const OfBoth range = ScalesOf(track, step, track.range_errors, RangeErrors);
   const OfBoth ionosphere = ScalesOf(track, step, track.ionosphere_errors, IonosphereErrors);
   StepState& own = track.At(step);
   own.range_by_neighbours = range.by_neighbours < kNeighboursMustBeBetter * range.by_median;
   own.ionosphere_by_neighbours = ionosphere.by_neighbours < ionosphere.by_median;
-  const double root = std::sqrt(interval_s / kUsualInterval_s);
+  const double root = std::sqrt(around.interval_s / kUsualInterval_s);
   track.settled_step = step;
   double range_m = own.range_by_neighbours ? range.by_neighbours : range.by_median;
   double ionosphere_m = own.ionosphere_by_neighbours ? ionosphere.by_neighbours : ionosphere.by_median;
@@ -184,8 +197,9 @@ void Settle(SatelliteTrack& track, std::int64_t step, int steps, double interval
     const double usual = kUsualIonosphere_m * root;
     ionosphere_m = kFewErrorsFactor *
                    (std::isfinite(track.usual_ionosphere_scale_m) ? track.usual_ionosphere_scale_m : usual);
+    if (around.ionosphere_m > ionosphere_m) ionosphere_m = around.ionosphere_m;
   }
-  SettleFrom(track, step, steps, range_m, ionosphere_m, interval_s);
+  SettleFrom(track, step, steps, range_m, ionosphere_m, around);
 }
 
 /// Whether a step may take over what was settled a step or two before it.
@@ -193,17 +207,17 @@ bool GoesOn(const SatelliteTrack& track, std::int64_t step) {
   if (step - track.settled_step >= kSettledSteps || track.settled_step <= track.first) return false;
   const StepState& own = track.At(step);
   const StepState& before = track.At(track.settled_step);
-  return !own.gap && own.HasGeometry() == before.HasGeometry() && own.lone_band == before.lone_band;
+  const bool quiet = !before.range_by_neighbours && !before.ionosphere_by_neighbours;
+  return quiet && !own.gap && own.HasGeometry() == before.HasGeometry() && own.lone_band == before.lone_band;
 }
 
-void TakeOver(SatelliteTrack& track, std::int64_t step, double interval_s) {
+void TakeOver(SatelliteTrack& track, std::int64_t step, const Surroundings& around) {
   const StepState& before = track.At(track.settled_step);
   StepState& own = track.At(step);
-  own.range_median = before.range_median;
-  own.ionosphere_median = before.ionosphere_median;
+  SettleMedians(track, step);
   own.range_by_neighbours = before.range_by_neighbours;
   own.ionosphere_by_neighbours = before.ionosphere_by_neighbours;
-  SettleFrom(track, step, 1, track.usual_range_scale_m, track.usual_ionosphere_scale_m, interval_s);
+  SettleFrom(track, step, 1, track.usual_range_scale_m, track.usual_ionosphere_scale_m, around);
 }
 
 void PushErrors(ErrorWindows& windows, const OfBoth& errors) {
@@ -213,7 +227,7 @@ void PushErrors(ErrorWindows& windows, const OfBoth& errors) {
 
 }  // namespace
 
-void SettleScales(SatelliteTrack& track, std::int64_t step, double interval_s) {
+void SettleScales(SatelliteTrack& track, std::int64_t step, const Surroundings& around) {
   const std::int64_t past = step - 3;
   const bool known = past > track.first && track.Has(past) && !track.At(past).lone_band;
   PushErrors(track.range_errors, known ? RangeErrors(track, past) : OfBoth{kAbsent, kAbsent});
@@ -222,14 +236,14 @@ void SettleScales(SatelliteTrack& track, std::int64_t step, double interval_s) {
   track.range_rates.Push(before && track.At(step - 1).HasGeometry() ? track.RangeRate(step - 1) : kAbsent);
   track.ionosphere_rates.Push(before ? track.IonosphereRate(step - 1) : kAbsent);
   if (GoesOn(track, step)) {
-    TakeOver(track, step, interval_s);
+    TakeOver(track, step, around);
   } else {
-    Settle(track, step, 1, interval_s);
+    Settle(track, step, 1, around);
   }
 }
 
-void RefreshScales(SatelliteTrack& track, std::int64_t step, double interval_s) {
-  Settle(track, step, 3, interval_s);
+void RefreshScales(SatelliteTrack& track, std::int64_t step, const Surroundings& around) {
+  Settle(track, step, 3, around);
 }
 
 }  // namespace orsolva_host::analysis

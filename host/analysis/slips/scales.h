@@ -16,13 +16,21 @@
 
 namespace orsolva_host::analysis {
 
+/// What is the same for all satellites.
+struct Surroundings {
+  double interval_s = kUsualInterval_s;  ///< nominal
+  /// What the ionosphere of a satellite of two bands changes by from step to step now, one sigma, m at
+  /// 1575.42 MHz; NaN where nobody knows. Satellites that cannot measure their own take this.
+  double ionosphere_m = kAbsent;
+};
+
 /// Gives medians, predictor and scales to the step that is to be decided next. Must be called once per
 /// step, in order: it moves the windows on.
-void SettleScales(SatelliteTrack& track, std::int64_t step, double interval_s);
+void SettleScales(SatelliteTrack& track, std::int64_t step, const Surroundings& around);
 
 /// The same from the steps as they are now, without moving the windows, and provisionally for the two steps
 /// after it: before a candidate is looked at together with those, and after a repair among them.
-void RefreshScales(SatelliteTrack& track, std::int64_t step, double interval_s);
+void RefreshScales(SatelliteTrack& track, std::int64_t step, const Surroundings& around);
 
 }  // namespace orsolva_host::analysis
 

@@ -17,6 +17,8 @@ constexpr double kResetTolerance = 0.02;  // of a millisecond
 constexpr double kCodeJump_m = 30;
 constexpr double kCommonAgreement_m = 0.06;
 constexpr std::size_t kLeastForCommon = 4;
+constexpr int kLeastSkySamples = 8;
+constexpr double kSigmaOfMedian = 1.4826;
 
 double Median(std::vector<double>& values) {
   const auto half = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
@@ -136,6 +138,7 @@ void SlipDetector::Process(const ObservationEpoch& epoch) {
     if (!open) active_.push_back(intake);
   }
   FindCommonPart();
+  WatchIonosphere();
   DecideUpTo(number_ - kLead);
 }
 
@@ -271,6 +274,23 @@ void SlipDetector::FindCommonPart() {
   for (StepState* step : steps) step->common_m = common;
 }
 
+/// What the ionosphere does now, over all satellites that can tell: its change from step to step, known at
+/// once, and its departure from the median rate.
+void SlipDetector::WatchIonosphere() {
+  for (const SatelliteIntake* intake : present_) {
+    const SatelliteTrack& track = intake->track;
+    const std::int64_t newest = track.next - 1;
+    if (track.two_band_step != newest || !track.Has(newest - 1)) continue;
+    const double change = track.IonosphereRate(newest) - track.IonosphereRate(newest - 1);
+    if (std::isfinite(change)) ionosphere_changes_m_.Push(std::fabs(change * track.At(newest).dt_s));
+  }
+  double size_m = kAbsent;
+  for (const auto* sizes : {&ionosphere_changes_m_, &ionosphere_departures_m_}) {
+    if (sizes->Count() >= kLeastSkySamples) size_m = std::fmax(size_m, Median(sizes->Sorted()));
+  }
+  decision_->SetIonosphere(kSigmaOfMedian * size_m);
+}
+
 void SlipDetector::DecideUpTo(std::int64_t number) {
   std::size_t kept = 0;
   for (SatelliteIntake* intake : active_) {
@@ -308,6 +328,8 @@ void SlipDetector::Decide(SatelliteIntake& intake) {
   decision_->DecideNext(track);
   if (observer_ != nullptr) observer_->Decided(track, step);
   const StepState& s = track.At(step);
+  if (track.two_band_step >= step && !s.lone_band)
+    ionosphere_departures_m_.Push(std::fabs((s.ionosphere_rate - s.ionosphere_median) * s.dt_s));
   TestCounts& counts = CountsOf(intake);
   ++counts.observed_epochs;
   ++(std::isfinite(s.chi2) ? counts.tested_steps : counts.untested_steps);

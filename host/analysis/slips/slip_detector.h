@@ -80,6 +80,7 @@ class SlipDetector {
   void FindUnmodelledReset(const ObservationEpoch& epoch);
   void FindCodeJump(const ObservationEpoch& epoch);
   void FindCommonPart();
+  void WatchIonosphere();
   void DecideUpTo(std::int64_t number);
   TestCounts& CountsOf(SatelliteIntake& intake);
   void Decide(SatelliteIntake& intake);
@@ -104,6 +105,8 @@ class SlipDetector {
   std::int64_t disordered_ = 0;
   ClockSums clock_;
   SortedWindow<9> clock_rates_;
+  SortedWindow<kSkySamples> ionosphere_changes_m_;     ///< sizes, of two-band satellites from step to step
+  SortedWindow<kSkySamples> ionosphere_departures_m_;  ///< sizes, from their medians
   Vector3 shift_m_ = {};
   double reset_s_ = 0;
   bool was_reset_ = false;

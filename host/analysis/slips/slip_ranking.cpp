@@ -163,7 +163,6 @@ void Decision::RankSlips() {
 
 /// What a slip vector costs in full. @param enough  of its total, above which less than all will do
 Explanation Decision::Weighed(const Cycles& cycles, double enough) {
-  const StepState& step = case_.track->At(case_.step);
   Explanation e;
   e.cycles = cycles;
   int slipped = 0;
@@ -174,9 +173,7 @@ Explanation Decision::Weighed(const Cycles& cycles, double enough) {
   const double prior = PriorOf(cycles);
   e.window_chi2 = RepairedWindow(cycles, 2 * (enough - prior) - misfit);
   e.total = 0.5 * (e.window_chi2 + misfit) + prior;
-  // Without a model of the range a slip on every band rests on the smoothness of the range alone.
-  const bool blind = !step.HasGeometry() && !case_.gap && step.dt_s >= kQuietInterval_s;
-  if (blind && slipped == case_.test.count) e.total += kBlindSlipPrior;
+  if (IsBlind() && slipped == case_.test.count) e.total += kBlindSlipPrior;
   return e;
 }
 

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <functional>
+#include <regex>
 #include <vector>
 
 #include "host/analysis/geometry/constants.h"
@@ -183,7 +184,7 @@ TEST(SlipDetector, ASignalFullOfHolesIsNotSearchedForEver) {
   const auto events = EventsOf(Day(400, [](int t, ObservationEpoch& epoch) {
     if (t % 2 == 1) epoch.signals[epoch.satellites[2].first_signal + 1].phase_cycles = kAbsent;
   }));
-  // 20 searches to begin with and one per four steps; every hole is an event, with or without a search.
+  // 50 searches to begin with and one per twenty steps; every hole is an event, with or without a search.
   int searched = 0, left = 0;
   for (const Event& event : events) {
     EXPECT_TRUE(event.kind == EventKind::kSignalGapContinuous ||
@@ -191,8 +192,75 @@ TEST(SlipDetector, ASignalFullOfHolesIsNotSearchedForEver) {
     (event.kind == EventKind::kSignalGapContinuous ? searched : left) += 1;
   }
   EXPECT_EQ(searched + left, 199);
-  EXPECT_LE(searched, 20 + 400 / 4);
-  EXPECT_GE(left, 199 - 20 - 400 / 4);
+  EXPECT_LE(searched, 50 + 400 / 20);
+  EXPECT_GE(searched, 50);
+}
+
+/// Adds cycles to a satellite's signals in one epoch.
+Change Spike(int satellite, int at, double first, double second, std::uint8_t flags = 0) {
+  return [=](int t, ObservationEpoch& epoch) {
+    if (t == at) Slip(satellite, at, first, second)(t, epoch);
+    if (t != at && t != at + 1) return;
+    const std::size_t place = epoch.satellites[static_cast<std::size_t>(satellite - 1)].first_signal;
+    for (const std::size_t i : {place, place + 1}) epoch.signals[i].loss_of_lock = flags;
+  };
+}
+
+TEST(SlipDetector, OneEpochOffIsAnOutlier) {
+  const struct {
+    double first, second;
+  } spikes[] = {{0.31, 0}, {0, 0.37}, {0.29, 0.71}, {0.5, 0}, {0, -0.5}, {0.5, 0.5}, {-1.5, 0}};
+  for (const auto& spike : spikes) {
+    const auto events = EventsOf(Day(200, Spike(3, 100, spike.first, spike.second)));
+    ASSERT_EQ(events.size(), 1U) << spike.first << ' ' << spike.second;
+    EXPECT_EQ(events[0].kind, EventKind::kOutlier) << spike.first << ' ' << spike.second;
+    EXPECT_EQ(events[0].time_ns, kStart_ns + 100 * kNanosecondsPerSecond);
+    EXPECT_EQ(NameOf(events[0].satellite), "G03");
+  }
+}
+
+TEST(SlipDetector, HalfCyclesThatAreGoneAgainAreTwoSlipsWhereTheReceiverSaysThatItLostLock) {
+  const auto events = EventsOf(Day(200, Spike(3, 100, 0.5, 0, kLossOfLock)));
+  ASSERT_EQ(events.size(), 2U);
+  for (int i : {0, 1}) {
+    const Event& event = events[static_cast<std::size_t>(i)];
+    EXPECT_EQ(event.kind, EventKind::kHalfCycle);
+    EXPECT_EQ(event.time_ns, kStart_ns + (100 + i) * kNanosecondsPerSecond);
+    EXPECT_EQ(event.sizes, std::vector<double>{i == 0 ? 0.5 : -0.5});
+    EXPECT_TRUE(event.loss_of_lock);
+  }
+}
+
+TEST(SlipDetector, EvidenceSaysWhatSlippedAndWhatDidNot) {
+  const struct {
+    double first, second;
+    const char* text;
+  } slips[] = {
+      {0, -12,
+       "2W slipped by -12 cycles; the other signal within 0\\.0[0-9] cycle; wide lane 1[12]\\.[0-9] \\+- "
+       "0\\.[0-9]"},
+      {9, 7,
+       "1C slipped by 9 cycles and 2W by 7 cycles; no other signal; wide lane [12]\\.[0-9] \\+- 0\\.[0-9]"},
+      {1, 1, "1C 2W slipped by 1 cycle; no other signal; wide lane -?0\\.[0-9] \\+- 0\\.[0-9]"}};
+  for (const auto& slip : slips) {
+    const auto events = EventsOf(Day(200, Slip(3, 100, slip.first, slip.second)));
+    ASSERT_EQ(events.size(), 1U);
+    EXPECT_TRUE(std::regex_match(events[0].evidence, std::regex(slip.text))) << events[0].evidence;
+  }
+}
+
+/// A number that tells of the work of a bad satellite: how often it may be searched for.
+TEST(SlipDetector, ASatelliteThatNeverFitsIsNotSearchedForEver) {
+  const auto events = EventsOf(Day(3000, [](int t, ObservationEpoch& epoch) {
+    Slip(3, 0, 1000 * Noise(3, t, 7), 1000 * Noise(3, t, 8))(t, epoch);
+  }));
+  int searched = 0, not_searched = 0;
+  for (const Event& event : events) {
+    if (NameOf(event.satellite) != "G03") continue;
+    (event.evidence.rfind("not searched", 0) == 0 ? not_searched : searched) += 1;
+  }
+  EXPECT_GT(not_searched, 1000);
+  EXPECT_LE(searched, 2 * (150 + 3000 / 20));
 }
 
 TEST(SlipDetector, TimesThatDoNotGoOnAreCountedAndLeftOut) {

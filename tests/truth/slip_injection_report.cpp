@@ -85,6 +85,20 @@ std::string Target(const InjectedSlip& slip) {
          (low ? ", 5-10 deg" : ", from 10 deg");
 }
 
+/// Ends of the 95 % interval of a rate (Wilson 1927, JASA 22:209), per cent.
+struct Interval {
+  double from, to;
+};
+
+Interval Wilson(int right, int all) {
+  constexpr double z = 1.959964, z2 = z * z;
+  const double n = all, p = right / n;
+  const double middle = p + z2 / (2 * n), half = z * std::sqrt(p * (1 - p) / n + z2 / (4 * n * n));
+  const double scale = 100 / (1 + z2 / n);
+  return {std::max(scale * (middle - half), 0.0), std::min(scale * (middle + half), 100.0)};
+}
+
+/// One row of a table in Markdown, "right" with signals and sizes, and its interval.
 void Table(const char* title, const std::vector<InjectedSlip>& slips,
            const std::function<std::string(const InjectedSlip&)>& key) {
   struct Row {
@@ -97,10 +111,13 @@ void Table(const char* title, const std::vector<InjectedSlip>& slips,
     row.found += slip.found;
     row.right += slip.size_right;
   }
-  std::printf("\n%-52s %7s %7s %9s %9s\n", title, "slips", "missed", "found %", "right %");
+  std::printf("\n| %s | injected | missed | found %% | right %% | 95 %% interval of right |\n", title);
+  std::printf("|---|---|---|---|---|---|\n");
   for (const auto& [name, row] : rows) {
-    std::printf("%-52s %7d %7d %9.2f %9.2f\n", name.c_str(), row.slips, row.slips - row.found,
-                100.0 * row.found / row.slips, 100.0 * row.right / row.slips);
+    const Interval interval = Wilson(row.right, row.slips);
+    std::printf("| %s | %d | %d | %.2f | %.2f | %.2f-%.2f |\n", name.c_str(), row.slips,
+                row.slips - row.found, 100.0 * row.found / row.slips, 100.0 * row.right / row.slips,
+                interval.from, interval.to);
   }
 }
 
@@ -141,6 +158,15 @@ void PrintMisses(const std::vector<InjectedSlip>& slips, int most) {
   }
 }
 
+/// Those of unknown elevation too.
+std::vector<InjectedSlip> FromTenDegrees(const std::vector<InjectedSlip>& slips) {
+  std::vector<InjectedSlip> kept;
+  for (const InjectedSlip& slip : slips) {
+    if (!(slip.elevation_deg < 10)) kept.push_back(slip);
+  }
+  return kept;
+}
+
 int Run(const std::string& folder, const std::string& set, const Request& request) {
   std::vector<std::string> files = Split(FilesOf(set));
   for (std::string& file : files) file = folder + "/" + file;
@@ -155,23 +181,27 @@ int Run(const std::string& folder, const std::string& set, const Request& reques
   }
   std::vector<InjectedSlip> slips;
   std::vector<orsolva_host::analysis::Event> fresh;
+  std::int64_t tested = 0, of_the_file = 0;
   for (int run = 0; run < request.runs; ++run) {
     InjectionPlan plan = request.plan;
     plan.seed += static_cast<std::uint64_t>(run);
     const InjectionResult result = Inject(data, plan);
     slips.insert(slips.end(), result.slips.begin(), result.slips.end());
     fresh.insert(fresh.end(), result.fresh.begin(), result.fresh.end());
-    const auto missed =
-        std::count_if(result.slips.begin(), result.slips.end(), [](const auto& s) { return !s.found; });
-    std::printf(
-        "%s seed %llu: tested steps %lld, slips injected %zu, missed %ld, new false alarms %zu, slips of the "
-        "file %lld\n",
-        set.c_str(), static_cast<unsigned long long>(plan.seed), static_cast<long long>(result.tested_steps),
-        result.slips.size(), static_cast<long>(missed), result.fresh.size(),
-        static_cast<long long>(result.base_slips));
+    tested += result.tested_steps;
+    of_the_file = result.base_slips;
   }
+  const auto missed = std::count_if(slips.begin(), slips.end(), [](const auto& s) { return !s.found; });
+  std::printf(
+      "Seeds %llu to %llu: %lld tested steps, %zu slips injected, %lld missed, %zu new false alarms; the "
+      "file "
+      "itself has %lld slips.\n",
+      static_cast<unsigned long long>(request.plan.seed),
+      static_cast<unsigned long long>(request.plan.seed) + static_cast<unsigned long long>(request.runs) - 1,
+      static_cast<long long>(tested), slips.size(), static_cast<long long>(missed), fresh.size(),
+      static_cast<long long>(of_the_file));
   Table("target", slips, Target);
-  Table("kind (one-band satellites apart)", slips,
+  Table("kind, from 10 degrees", FromTenDegrees(slips),
         [](const InjectedSlip& s) { return s.kind + (s.bands == 1 ? " (one-band satellite)" : ""); });
   Table("system", slips, [](const InjectedSlip& s) { return std::string(1, s.satellite.system); });
   Table("elevation", slips, ElevationBin);

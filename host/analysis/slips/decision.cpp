@@ -12,8 +12,9 @@ namespace {
 
 constexpr int kMostTries = 4;
 constexpr double kClearlyMore = 1.0;  // nats by which a neighbour's repair must gain more
-constexpr double kBudgetPerStep = 0.25;
-constexpr double kLargestBudget = 50;
+constexpr double kBudgetPerStep = 0.05;
+constexpr double kLargestBudget = 100;
+constexpr double kLeastBudget = -100;  // below, breaks are not searched either
 constexpr double kCarriedPart = 0.25;  // of the variance of the fitted rates that a hole adds per step
 constexpr double kLeastCarried_m2 = 1e-7;
 constexpr double kFreeRange_m = 0.02;  // priors of the rates that carry a phase over a step
@@ -51,13 +52,11 @@ void Decision::DecideNext(SatelliteTrack& track) {
     const bool hole = state.gap || scratch_.returning != 0;
     if (!hole && !IsCandidate(track, step, scratch_, chi2)) break;
     if (tries == 0) RefreshScales(track, step, around_);
-    if (hole && track.budget < 1) {
-      MakeCase(track, step);
-      AddEvent(HoleKind(), nullptr, 0, 0, false);
-      LeaveUnresolved(track, step);
+    if (track.budget < (hole ? 1 : kLeastBudget)) {
+      GiveUp(track, step, hole);
       break;
     }
-    track.budget = std::max(track.budget - 1, -kLargestBudget);
+    track.budget -= 1;
     const std::int64_t target = RankMostTelling(track, step);
     if (!Explain()) break;
     FitRates(track, target);
@@ -67,6 +66,21 @@ void Decision::DecideNext(SatelliteTrack& track) {
   Carry(track, step);
   Readmit(track, step);
   ++track.decide;
+}
+
+/// A step for which no search is left: a hole stays open, and what fits nothing is a break.
+void Decision::GiveUp(SatelliteTrack& track, std::int64_t step, bool hole) {
+  if (!hole && !(Chi2(scratch_) > kFitChi2)) return;
+  case_.track = &track;
+  case_.step = step;
+  case_.test = scratch_;
+  case_.gap = track.At(step).gap;
+  case_.lost_lock = AnyFlag(track, scratch_, step, &SignalTrack::lost_lock);
+  case_.chi2 = Chi2(scratch_);
+  AddEventWithoutEvidence(hole ? HoleKind() : EventKind::kJump, nullptr, 0, 0, false);
+  track.events.back().second.evidence = "not searched: too many holes and breaks of this satellite";
+  if (hole) return LeaveUnresolved(track, step);
+  track.At(step).broken = true;
 }
 
 /// Of the step and the two after it the one whose repair gains most: the neighbours of a slip can show more
@@ -129,6 +143,18 @@ void Decision::MakeCase(SatelliteTrack& track, std::int64_t step) {
 }
 
 void Decision::AddEvent(EventKind kind, const Cycles* sizes, double score, double margin, bool sure) {
+  AddEventWithoutEvidence(kind, sizes, score, margin, sure);
+  Event& event = case_.track->events.back().second;
+  if (!event.sizes.empty()) {
+    const char* const verb = kind == EventKind::kOutlier ? "off for one epoch by" : "slipped by";
+    event.evidence = SlippedText(event.signals, event.sizes, verb) + "; ";
+  }
+  event.evidence +=
+      EvidenceText(*case_.track, case_.step, case_.test, case_.wide_lanes, sizes ? *sizes : Cycles{});
+}
+
+void Decision::AddEventWithoutEvidence(EventKind kind, const Cycles* sizes, double score, double margin,
+                                       bool sure) {
   SatelliteTrack& track = *case_.track;
   const StepState& step = track.At(case_.step);
   Event event;
@@ -151,7 +177,6 @@ void Decision::AddEvent(EventKind kind, const Cycles* sizes, double score, doubl
     event.signals.push_back(s.code);
     if (sizes) event.sizes.push_back((*sizes)[i]);
   }
-  event.evidence = EvidenceText(track, case_.step, case_.test, case_.wide_lanes, sizes ? *sizes : Cycles{});
   track.events.emplace_back(case_.step, std::move(event));
 }
 

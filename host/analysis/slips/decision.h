@@ -49,7 +49,8 @@ class Decision {
 
   /// Decides the oldest open step, which needs as many later epochs as are to come or kLead of them; found
   /// events are added to the track. Files full of holes would need a search at every step: a satellite earns
-  /// a quarter of a search per step and keeps at most 50; without one, holes are left unresolved.
+  /// a twentieth of a search per step and keeps at most 100; without one, holes are left unresolved, and a
+  /// hundred further on breaks are no longer searched.
   void DecideNext(SatelliteTrack& track);
 
  private:
@@ -74,6 +75,7 @@ class Decision {
   bool TakeSlip();
   bool TakeOther(const Explanation* integer);
   bool TakeOutlier(std::int64_t epoch);
+  bool TakeHalfSpike();
   void LeaveUnresolved(SatelliteTrack& track, std::int64_t step);
   bool TakeUnstable(const Cycles& cycles);
   int BrokenSteps(std::size_t signal) const;
@@ -83,6 +85,8 @@ class Decision {
   static bool IsOff(const SatelliteTrack& track, std::size_t signal, std::int64_t step);
   static void Readmit(SatelliteTrack& track, std::int64_t step);
   void AddEvent(EventKind kind, const Cycles* sizes, double score, double margin, bool sure);
+  void AddEventWithoutEvidence(EventKind kind, const Cycles* sizes, double score, double margin, bool sure);
+  void GiveUp(SatelliteTrack& track, std::int64_t step, bool hole);
   void Carry(SatelliteTrack& track, std::int64_t step) const;
 
   double interval_s_;

@@ -2,6 +2,7 @@
 // outliers, breaks of unknown size, and signals that slip all the time.
 #include <algorithm>
 #include <cmath>
+#include <string>
 
 #include "host/analysis/slips/decision.h"
 
@@ -26,12 +27,14 @@ struct NoSlip {
   bool needs_two_bands;
 };
 
+bool IsSameOnAll(const Cycles& cycles, int count) {
+  return std::all_of(cycles.begin(), cycles.begin() + count, [&](double z) { return z == cycles[0]; });
+}
+
+bool IsHalf(double cycles) { return cycles != std::nearbyint(cycles); }
+
 bool IsHalfOnAll(const Explanation& e, int count) {
-  const double first = e.cycles[0];
-  for (int i = 0; i < count; ++i) {
-    if (e.cycles[static_cast<std::size_t>(i)] != first) return false;
-  }
-  return e.any && std::fabs(std::fabs(first) - std::floor(std::fabs(first)) - 0.5) < 0.01;
+  return e.any && IsSameOnAll(e.cycles, count) && IsHalf(e.cycles[0]);
 }
 
 bool HasTwoBands(const std::array<char, kMostSignals>& band, int count) {
@@ -95,9 +98,12 @@ bool Decision::IsNoSlip() {
 
 bool Decision::TakeSlip() {
   const Explanation& best = case_.ranked.front();
-  if (TakeUnstable(best.cycles)) return true;
+  if (TakeUnstable(best.cycles) || TakeHalfSpike()) return true;
   const double margin = case_.ranked.size() > 1 ? case_.ranked[1].total - best.total : 99;
-  const bool sure = margin > kSureMargin && FitOf(best.cycles) < kFitChi2;
+  // Where neighbours predict better than the median, an equal slip on all bands rests on a few centimetres.
+  const bool stormy = case_.track->At(case_.step).ionosphere_by_neighbours && interval_s_ >= kQuietInterval_s;
+  const bool sure = margin > kSureMargin && FitOf(best.cycles) < kFitChi2 &&
+                    !(stormy && IsSameOnAll(best.cycles, case_.test.count));
   bool half = false;
   for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
     if (best.cycles[i] == 0) continue;
@@ -161,7 +167,10 @@ bool Decision::TakeUnstable(const Cycles& cycles) {
   }
   if (!any || !others) return false;
   AddEvent(EventKind::kUnstableSignal, &bad, 0, 0, true);
-  track.events.back().second.sizes.clear();
+  Event& event = track.events.back().second;
+  event.sizes.clear();
+  event.evidence = "slips against the other signals in at least " + std::to_string(kUnstableSteps) +
+                   " of the steps around";
   for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
     if (bad[i] == 0) continue;
     track.signals[case_.test.signal[i]].unstable = true;
@@ -254,6 +263,36 @@ bool Decision::TakeOther(const Explanation* integer) {
   if (integer && TakeUnstable(integer->cycles)) return true;
   AddEvent(EventKind::kJump, nullptr, 0.5 * case_.none.window_chi2, 0, false);
   case_.track->At(case_.step).broken = true;
+  return true;
+}
+
+/// Half cycles that are gone an epoch later are an outlier, unless the receiver flags them.
+bool Decision::TakeHalfSpike() {
+  SatelliteTrack& track = *case_.track;
+  const Explanation best = case_.ranked.front();
+  const std::int64_t k = case_.step;
+  const int count = case_.test.count;
+  if (k + 1 >= track.next || track.At(k + 1).gap || track.At(k + 1).broken || case_.lost_lock) return false;
+  if (std::none_of(best.cycles.begin(), best.cycles.begin() + count, IsHalf)) return false;
+  const auto take_off = [&](double sign) {
+    for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
+      SignalTrack& s = track.signals[case_.test.signal[i]];
+      s.phase_m[RingSlot(k)] -= sign * s.wavelength_m * best.cycles[i];
+    }
+    FitRates(track, k);
+    FitRates(track, k + 1);
+  };
+  for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
+    const SignalTrack& s = track.signals[case_.test.signal[i]];
+    if ((s.lost_lock & RingBit(k + 1)) != 0 || !s.IsReal(k + 1)) return false;
+  }
+  take_off(1);
+  const double chi2 = WindowChi2(track, k - 2, k + 2);
+  if (best.window_chi2 - chi2 < kOutlierGain) {
+    take_off(-1);
+    return false;
+  }
+  AddEvent(EventKind::kOutlier, &best.cycles, 0.5 * (case_.none.window_chi2 - chi2), 0, true);
   return true;
 }
 

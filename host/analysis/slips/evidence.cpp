@@ -16,39 +16,36 @@ std::string Fixed(double value, int digits) {
   return text + (zero && text[0] == '-');
 }
 
-/// Cycles as they are spoken: "-12" or "0.5".
-std::string Plain(double cycles) {
+/// "1 cycle", "-0.5 cycle", "12 cycles"
+std::string Cycles1(double cycles) {
   char text[64];
-  std::snprintf(text, sizeof text, "%g", cycles);
+  std::snprintf(text, sizeof text, "%g %s", cycles, std::fabs(cycles) > 1 ? "cycles" : "cycle");
   return text;
+}
+
+std::string InWords(int count) {
+  static const char* const kWords[] = {"no", "one", "two", "three", "four", "five", "six", "seven"};
+  return count < 8 ? kWords[count] : std::to_string(count);
 }
 
 const SignalTrack& SignalAt(const SatelliteTrack& track, const StepTest& test, int place) {
   return track.signals[test.signal[static_cast<std::size_t>(place)]];
 }
 
-std::string SlippedSignals(const SatelliteTrack& track, const StepTest& test, const Cycles& slip) {
-  std::string text;
-  for (int i = 0; i < test.count; ++i) {
-    const double cycles = slip[static_cast<std::size_t>(i)];
-    if (cycles == 0) continue;
-    text += (text.empty() ? "" : ", ") + NameOf(SignalAt(track, test, i).code) + " by " + Plain(cycles);
-  }
-  return text.empty() ? text : text + " cycles; ";
-}
+bool Slips(const Cycles& slip, int place) { return slip[static_cast<std::size_t>(place)] != 0; }
 
 std::string OtherSignals(const SatelliteTrack& track, const StepTest& test, const Cycles& slip) {
   int count = 0;
   double largest = 0;
   for (int i = 0; i < test.count; ++i) {
-    const auto place = static_cast<std::size_t>(i);
-    if (slip[place] != 0) continue;
+    if (Slips(slip, i)) continue;
     ++count;
-    largest = std::max(largest, std::fabs(test.r[place]) / SignalAt(track, test, i).wavelength_m);
+    largest = std::max(
+        largest, std::fabs(test.r[static_cast<std::size_t>(i)]) / SignalAt(track, test, i).wavelength_m);
   }
-  if (count == 0) return "no other signal; ";
-  if (count == test.count) return {};
-  return (count == 1 ? "the other signal within " : "the others within ") + Fixed(largest, 2) + " cycles; ";
+  if (count == 0) return "no other signal";
+  const std::string others = count == 1 ? "the other signal" : "the other " + InWords(count) + " signals";
+  return others + " within " + Fixed(largest, 2) + (largest > 1 ? " cycles" : " cycle");
 }
 
 std::string TestVector(const SatelliteTrack& track, const StepTest& test) {
@@ -57,28 +54,50 @@ std::string TestVector(const SatelliteTrack& track, const StepTest& test) {
     const SignalTrack& s = SignalAt(track, test, i);
     text += " " + NameOf(s.code) + " " + Fixed(test.r[static_cast<std::size_t>(i)] / s.wavelength_m, 2);
   }
-  return text + " cycles; ";
+  return text + " cycles";
 }
 
-std::string WideLanes(const SatelliteTrack& track, const StepTest& test, const WideLaneEvidence& wide_lanes) {
-  std::string text;
+/// The wide lane that the slip changes and that is known best; without such a one the best known.
+std::string WideLane(const WideLaneEvidence& wide_lanes, const Cycles& slip) {
+  const WideLaneJump* best = nullptr;
+  bool best_changes = false;
   for (int i = 0; i < wide_lanes.count; ++i) {
     const WideLaneJump& jump = wide_lanes.jumps[static_cast<std::size_t>(i)];
-    text += (i == 0 ? "wide lane " : ", ") + NameOf(SignalAt(track, test, jump.first).code) + "-" +
-            NameOf(SignalAt(track, test, jump.second).code) + " " + Fixed(jump.cycles, 1) + " +- " +
-            Fixed(jump.sigma, 1);
+    const bool changes =
+        slip[static_cast<std::size_t>(jump.first)] != slip[static_cast<std::size_t>(jump.second)];
+    if (best != nullptr && (best_changes > changes || (best_changes == changes && jump.sigma >= best->sigma)))
+      continue;
+    best = &jump;
+    best_changes = changes;
   }
-  return text.empty() ? text : text + "; ";
+  if (best == nullptr) return {};
+  return "; wide lane " + Fixed(best->cycles, 1) + " +- " + Fixed(best->sigma, 1);
 }
 
 }  // namespace
 
+std::string SlippedText(const std::vector<SignalCode>& signals, const std::vector<double>& cycles,
+                        const char* verb) {
+  std::string text;
+  for (std::size_t i = 0; i < signals.size(); ++i) {
+    if (i > 0) text += cycles[i] == cycles[i - 1] ? " " : " and ";
+    text += NameOf(signals[i]);
+    if (i + 1 < signals.size() && cycles[i + 1] == cycles[i]) continue;
+    const bool first = std::all_of(cycles.begin(), cycles.begin() + static_cast<std::ptrdiff_t>(i),
+                                   [&](double c) { return c == cycles[i]; });
+    text += std::string(" ") + (first ? verb : "by") + " " + Cycles1(cycles[i]);
+  }
+  return text;
+}
+
 std::string EvidenceText(const SatelliteTrack& track, std::int64_t step, const StepTest& test,
                          const WideLaneEvidence& wide_lanes, const Cycles& slip) {
+  bool slips = false;
+  for (int i = 0; i < test.count; ++i) slips = slips || Slips(slip, i);
+  if (slips) return OtherSignals(track, test, slip) + WideLane(wide_lanes, slip);
   const StepState& s = track.At(step);
-  return SlippedSignals(track, test, slip) + OtherSignals(track, test, slip) + TestVector(track, test) +
-         WideLanes(track, test, wide_lanes) + "range +- " + Fixed(s.range_scale_m, 3) + " m, ionosphere +- " +
-         Fixed(s.ionosphere_scale_m, 3) + " m";
+  return TestVector(track, test) + WideLane(wide_lanes, slip) + "; range +- " + Fixed(s.range_scale_m, 3) +
+         " m, ionosphere +- " + Fixed(s.ionosphere_scale_m, 3) + " m";
 }
 
 }  // namespace orsolva_host::analysis

@@ -3,6 +3,7 @@
 #define ORSOLVA_ANALYSIS_SLIPS_EVIDENCE_H
 
 #include <string>
+#include <vector>
 
 #include "host/analysis/slips/integer_search.h"
 #include "host/analysis/slips/prediction.h"
@@ -11,10 +12,13 @@
 
 namespace orsolva_host::analysis {
 
-/// "2W by -12 cycles; the other 3 signals within 0.13 cycles; wide lane 1C-2W 11.9 +- 0.4; range +-0.021 m,
-/// ionosphere
-/// +-0.008 m". The parts on signals are residuals after the slip; without one the test vector of the step
-/// itself.
+/// "2W slipped by -12 cycles", "1C 1P slipped by 1 cycle and 2W by -0.5 cycle".
+std::string SlippedText(const std::vector<SignalCode>& signals, const std::vector<double>& cycles,
+                        const char* verb = "slipped by");
+
+/// What speaks for an event: the residuals of the other signals once a slip is taken off, or without a slip
+/// the whole test vector, and the wide lane that tells most. "the other three signals within 0.13 cycle; wide
+/// lane 11.9 +- 0.4".
 std::string EvidenceText(const SatelliteTrack& track, std::int64_t step, const StepTest& test,
                          const WideLaneEvidence& wide_lanes, const Cycles& slip);
 

@@ -43,7 +43,7 @@ SatelliteIntake::SatelliteIntake(SatelliteId id, SatelliteRecords* records, std:
     : records_(records), channel_(channel) {
   track.satellite = id;
   if (!channel_ && records_) channel_ = records_->Channel();
-  track.budget = 20;
+  track.budget = 50;
 }
 
 double SatelliteIntake::Frequency(SignalCode code) const {

@@ -5,6 +5,7 @@
 
 #include "host/analysis/geometry/constants.h"
 #include "host/analysis/geometry/station_position.h"
+#include "host/analysis/slips/evidence.h"
 #include "host/analysis/slips/prediction.h"
 
 namespace orsolva_host::analysis {
@@ -54,6 +55,8 @@ void Merge(Event& into, const Event& more) {
     into.signals.erase(into.signals.begin() + static_cast<std::ptrdiff_t>(i));
     into.sizes.erase(into.sizes.begin() + static_cast<std::ptrdiff_t>(i));
   }
+  into.evidence = SlippedText(into.signals, into.sizes) +
+                  into.evidence.substr(std::min(into.evidence.find(';'), into.evidence.size()));
   into.margin = std::min(into.margin, more.margin);
   into.sure = into.sure && more.sure;
   if (into.kind != EventKind::kSlip && into.kind != EventKind::kHalfCycle) return;

@@ -119,6 +119,8 @@ double Decision::GainOfRepair() const {
 /// @return whether something was repaired or settled, so that the step must be looked at again
 bool Decision::Explain() {
   if (case_.gap || case_.test.returning != 0) return CloseGap();
+  if (TakeOutlier(case_.step) || TakeOutlier(case_.step + 1)) return true;
+  if (case_.step > case_.track->decide && TakeOutlier(case_.step - 1)) return true;
   if (IsNoSlip()) return false;
   const Explanation& best = case_.ranked.front();
   if (!best.any) return FitOf(case_.none.cycles) > 1.5 * kFitChi2 && TakeOther(nullptr);
@@ -145,10 +147,7 @@ void Decision::MakeCase(SatelliteTrack& track, std::int64_t step) {
 void Decision::AddEvent(EventKind kind, const Cycles* sizes, double score, double margin, bool sure) {
   AddEventWithoutEvidence(kind, sizes, score, margin, sure);
   Event& event = case_.track->events.back().second;
-  if (!event.sizes.empty()) {
-    const char* const verb = kind == EventKind::kOutlier ? "off for one epoch by" : "slipped by";
-    event.evidence = SlippedText(event.signals, event.sizes, verb) + "; ";
-  }
+  if (!event.sizes.empty()) event.evidence = SlippedText(event.signals, event.sizes) + "; ";
   event.evidence +=
       EvidenceText(*case_.track, case_.step, case_.test, case_.wide_lanes, sizes ? *sizes : Cycles{});
 }

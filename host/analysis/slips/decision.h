@@ -75,7 +75,9 @@ class Decision {
   bool TakeSlip();
   bool TakeOther(const Explanation* integer);
   bool TakeOutlier(std::int64_t epoch);
-  bool TakeHalfSpike();
+  static double Interpolated(const SatelliteTrack& track, const SignalTrack& signal, std::int64_t epoch);
+  static Cycles Departures(const SatelliteTrack& track, std::int64_t epoch);
+  void AddOutlier(std::int64_t epoch, const Cycles& off, double score);
   void LeaveUnresolved(SatelliteTrack& track, std::int64_t step);
   bool TakeUnstable(const Cycles& cycles);
   int BrokenSteps(std::size_t signal) const;

@@ -10,8 +10,8 @@ constexpr int kTrail = 20;        // steps before a step that its scales look ba
 constexpr int kMedianTrail = 16;  // steps before a step that its median rates look back on
 constexpr int kRing = 32;         // epochs kept, a power of two above kTrail + kLead + 2
 
-constexpr double kGapFactor = 1.5;     // of the interval, beyond which epochs are missing
-constexpr int kSkySamples = 64;   // changes of the ionosphere of all satellites that are kept
+constexpr double kGapFactor = 1.5;  // of the interval, beyond which epochs are missing
+constexpr int kSkySamples = 64;     // changes of the ionosphere of all satellites that are kept
 
 constexpr double kLongestGap_s = 600;  // a longer hole begins a new arc, untested
 constexpr double kUsualInterval_s =

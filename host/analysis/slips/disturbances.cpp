@@ -5,6 +5,7 @@
 #include <string>
 
 #include "host/analysis/slips/decision.h"
+#include "host/analysis/slips/evidence.h"
 
 namespace orsolva_host::analysis {
 namespace {
@@ -12,8 +13,10 @@ namespace {
 constexpr double kOutlierGain = 40;  // chi2 that leaving an epoch out must gain
 constexpr double kIntegerExplainsMost =
     0.35;                             // part of chi2 that a whole number may leave to be taken nevertheless
-constexpr double kClearlyBetter = 2;  // nats
-constexpr int kUnstableSteps = 5;     // broken steps among kUnstableWindow and those to come
+constexpr double kOutlierPrior = 12;  // nats
+constexpr double kNoOutlier_cycles = 0.1;  // nearer to its neighbours, or to whole cycles from them
+constexpr double kClearlyBetter = 2;       // nats
+constexpr int kUnstableSteps = 5;          // broken steps among kUnstableWindow and those to come
 constexpr int kUnstableWindow = 12;
 constexpr int kSteadySteps = 20;
 constexpr double kSlopeVariance =
@@ -98,7 +101,7 @@ bool Decision::IsNoSlip() {
 
 bool Decision::TakeSlip() {
   const Explanation& best = case_.ranked.front();
-  if (TakeUnstable(best.cycles) || TakeHalfSpike()) return true;
+  if (TakeUnstable(best.cycles)) return true;
   const double margin = case_.ranked.size() > 1 ? case_.ranked[1].total - best.total : 99;
   // Where neighbours predict better than the median, an equal slip on all bands rests on a few centimetres.
   const bool stormy = case_.track->At(case_.step).ionosphere_by_neighbours && interval_s_ >= kQuietInterval_s;
@@ -266,62 +269,76 @@ bool Decision::TakeOther(const Explanation* integer) {
   return true;
 }
 
-/// Half cycles that are gone an epoch later are an outlier, unless the receiver flags them.
-bool Decision::TakeHalfSpike() {
-  SatelliteTrack& track = *case_.track;
-  const Explanation best = case_.ranked.front();
-  const std::int64_t k = case_.step;
-  const int count = case_.test.count;
-  if (k + 1 >= track.next || track.At(k + 1).gap || track.At(k + 1).broken || case_.lost_lock) return false;
-  if (std::none_of(best.cycles.begin(), best.cycles.begin() + count, IsHalf)) return false;
-  const auto take_off = [&](double sign) {
-    for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
-      SignalTrack& s = track.signals[case_.test.signal[i]];
-      s.phase_m[RingSlot(k)] -= sign * s.wavelength_m * best.cycles[i];
-    }
-    FitRates(track, k);
-    FitRates(track, k + 1);
-  };
-  for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
-    const SignalTrack& s = track.signals[case_.test.signal[i]];
-    if ((s.lost_lock & RingBit(k + 1)) != 0 || !s.IsReal(k + 1)) return false;
-  }
-  take_off(1);
-  const double chi2 = WindowChi2(track, k - 2, k + 2);
-  if (best.window_chi2 - chi2 < kOutlierGain) {
-    take_off(-1);
-    return false;
-  }
-  AddEvent(EventKind::kOutlier, &best.cycles, 0.5 * (case_.none.window_chi2 - chi2), 0, true);
-  return true;
+/// Phases of an epoch as its neighbours make them: the mean, or where the range is not modelled the cubic
+/// through two on both sides.
+double Decision::Interpolated(const SatelliteTrack& track, const SignalTrack& s, std::int64_t i) {
+  const auto known = [&](std::int64_t k) { return k >= track.first && k < track.next && s.IsKnown(k); };
+  if (!known(i - 1) || !known(i + 1)) return kAbsent;
+  const double mean = 0.5 * (s.X(i - 1) + s.X(i + 1));
+  if (track.At(i).HasGeometry()) return mean;
+  return known(i - 2) && known(i + 2) ? (8 * mean - s.X(i - 2) - s.X(i + 2)) / 6 : kAbsent;
 }
 
-/// Whether all is well once the phases of an epoch are replaced by the mean of their neighbours'.
+/// By how many cycles the signals of an epoch are off their neighbours, by place in the track.
+Cycles Decision::Departures(const SatelliteTrack& track, std::int64_t epoch) {
+  Cycles off = {};
+  for (std::size_t j = 0; j < std::min<std::size_t>(track.signals.size(), kMostSignals); ++j) {
+    const SignalTrack& s = track.signals[j];
+    if (s.unstable || !s.IsReal(epoch) || !s.IsReal(epoch + 1)) continue;
+    const double expected = Interpolated(track, s, epoch);
+    if (std::isfinite(expected)) off[j] = (s.X(epoch) - expected) / s.wavelength_m;
+  }
+  return off;
+}
+
+/// Whether all is well once the phases of an epoch are replaced by what their neighbours make of them. Two
+/// slips of whole cycles that cancel stay slips, and so does everything that the receiver flags.
 bool Decision::TakeOutlier(std::int64_t epoch) {
   SatelliteTrack& track = *case_.track;
   if (epoch <= track.first + 1 || epoch + 1 >= track.next) return false;
   const StepState& to = track.At(epoch);
   const StepState& from = track.At(epoch + 1);
   if (to.gap || from.gap || to.broken || from.broken) return false;
-  const double before = WindowChi2(track, case_.step - 3, case_.step + 4);
-  const std::vector<SignalTrack> kept = track.signals;
-  for (SignalTrack& s : track.signals) {
-    if (!s.IsReal(epoch) || !s.IsKnown(epoch - 1) || !s.IsReal(epoch + 1)) continue;
-    s.phase_m[RingSlot(epoch)] = 0.5 * (s.X(epoch - 1) + s.X(epoch + 1));
+  const Cycles off = Departures(track, epoch);
+  bool whole = true, flagged = false;
+  for (std::size_t j = 0; j < std::min<std::size_t>(track.signals.size(), kMostSignals); ++j) {
+    whole = whole && std::fabs(off[j] - std::nearbyint(off[j])) < kNoOutlier_cycles;
+    flagged = flagged || (track.signals[j].lost_lock & (RingBit(epoch) | RingBit(epoch + 1))) != 0;
   }
-  FitRates(track, epoch);
-  FitRates(track, epoch + 1);
-  const double after = WindowChi2(track, case_.step - 3, case_.step + 4);
-  if (after < kFitChi2 && before - after > kOutlierGain) {
-    AddEvent(EventKind::kOutlier, nullptr, 0.5 * (before - after), 0, true);
-    track.events.back().first = std::max(epoch, track.decide);
-    track.events.back().second.time_ns = track.At(epoch).time_ns;
-    return true;
+  if (whole || flagged) return false;
+  const double before = WindowChi2(track, case_.step - 3, case_.step + 2);
+  const auto move = [&](double sign) {
+    for (std::size_t j = 0; j < std::min<std::size_t>(track.signals.size(), kMostSignals); ++j) {
+      track.signals[j].phase_m[RingSlot(epoch)] -= sign * off[j] * track.signals[j].wavelength_m;
+    }
+    FitRates(track, epoch);
+    FitRates(track, epoch + 1);
+  };
+  move(1);
+  const double after = WindowChi2(track, case_.step - 3, case_.step + 2);
+  // A slip half of which is moved to the epoch after must not pass for an outlier.
+  const bool beats_slips = 0.5 * after + kOutlierPrior < case_.ranked.front().total;
+  if (!(after < kFitChi2 && before - after > kOutlierGain && beats_slips)) {
+    move(-1);
+    return false;
   }
-  track.signals = kept;
-  FitRates(track, epoch);
-  FitRates(track, epoch + 1);
-  return false;
+  AddOutlier(epoch, off, 0.5 * (before - after));
+  return true;
+}
+
+void Decision::AddOutlier(std::int64_t epoch, const Cycles& off, double score) {
+  SatelliteTrack& track = *case_.track;
+  AddEventWithoutEvidence(EventKind::kOutlier, nullptr, score, 0, true);
+  auto& [step, event] = track.events.back();
+  step = std::max(epoch, track.decide);
+  event.time_ns = track.At(epoch).time_ns;
+  event.signals.clear();
+  for (std::size_t j = 0; j < std::min<std::size_t>(track.signals.size(), kMostSignals); ++j) {
+    if (std::fabs(off[j]) < kNoOutlier_cycles) continue;
+    event.signals.push_back(track.signals[j].code);
+    event.sizes.push_back(0.01 * std::nearbyint(100 * off[j]));
+  }
+  event.evidence = SlippedText(event.signals, event.sizes, "off by") + " for one epoch";
 }
 
 }  // namespace orsolva_host::analysis

@@ -77,6 +77,7 @@ class Decision {
   bool TakeOutlier(std::int64_t epoch);
   static double Interpolated(const SatelliteTrack& track, const SignalTrack& signal, std::int64_t epoch);
   static Cycles Departures(const SatelliteTrack& track, std::int64_t epoch);
+  static bool IsSameMetres(const SatelliteTrack& track, const Cycles& off);
   void AddOutlier(std::int64_t epoch, const Cycles& off, double score);
   void LeaveUnresolved(SatelliteTrack& track, std::int64_t step);
   bool TakeUnstable(const Cycles& cycles);

@@ -13,6 +13,7 @@ namespace {
 constexpr double kOutlierGain = 40;  // chi2 that leaving an epoch out must gain
 constexpr double kIntegerExplainsMost =
     0.35;                             // part of chi2 that a whole number may leave to be taken nevertheless
+constexpr double kSameMetres = 0.05;  // relative
 constexpr double kOutlierPrior = 12;  // nats
 constexpr double kNoOutlier_cycles = 0.1;  // nearer to its neighbours, or to whole cycles from them
 constexpr double kClearlyBetter = 2;       // nats
@@ -291,6 +292,19 @@ Cycles Decision::Departures(const SatelliteTrack& track, std::int64_t epoch) {
   return off;
 }
 
+/// The same metres on signals of several bands are a clock's.
+bool Decision::IsSameMetres(const SatelliteTrack& track, const Cycles& off) {
+  double least = 1e300, greatest = -1e300, least_mu = 1e300, greatest_mu = 0;
+  for (std::size_t j = 0; j < std::min<std::size_t>(track.signals.size(), kMostSignals); ++j) {
+    if (off[j] == 0) continue;
+    const double metres = off[j] * track.signals[j].wavelength_m;
+    least = std::min(least, metres), greatest = std::max(greatest, metres);
+    least_mu = std::min(least_mu, track.signals[j].mu),
+    greatest_mu = std::max(greatest_mu, track.signals[j].mu);
+  }
+  return greatest_mu > least_mu && greatest - least < kSameMetres * std::fabs(greatest + least);
+}
+
 /// Whether all is well once the phases of an epoch are replaced by what their neighbours make of them. Two
 /// slips of whole cycles that cancel stay slips, and so does everything that the receiver flags.
 bool Decision::TakeOutlier(std::int64_t epoch) {
@@ -305,7 +319,7 @@ bool Decision::TakeOutlier(std::int64_t epoch) {
     whole = whole && std::fabs(off[j] - std::nearbyint(off[j])) < kNoOutlier_cycles;
     flagged = flagged || (track.signals[j].lost_lock & (RingBit(epoch) | RingBit(epoch + 1))) != 0;
   }
-  if (whole || flagged) return false;
+  if (whole || flagged || IsSameMetres(track, off)) return false;
   const double before = WindowChi2(track, case_.step - 3, case_.step + 2);
   const auto move = [&](double sign) {
     for (std::size_t j = 0; j < std::min<std::size_t>(track.signals.size(), kMostSignals); ++j) {

@@ -129,7 +129,7 @@ Report Run::Finish() {
     report.run.distance_from_header_m =
         std::hypot((*xyz)[0] - (*header)[0], (*xyz)[1] - (*header)[1], (*xyz)[2] - (*header)[2]);
   }
-  report.show_satellites = settings_.show_satellites;
+  report.show_satellites = report.show_satellite_signals = settings_.show_satellites;
   report.notices = NoticesOf(diagnostics_);
   report.further_notices = diagnostics_.Uncounted();
   if (diagnostics_.Incomplete()) report.read_error = diagnostics_.Incomplete()->what();

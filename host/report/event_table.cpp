@@ -106,6 +106,15 @@ std::string EventLine(const Event& event, EventForm form) {
   return form == EventForm::kCsv ? CsvLine(event) : JsonLine(event);
 }
 
+std::string EventsJson(const AnalysisReport& report) {
+  std::string text = fmt::format("{{\"further\":{},\"events\":[", report.further_events);
+  for (const Event& event : report.events) {
+    if (text.back() != '[') text += ',';
+    text += JsonLine(event);
+  }
+  return text + "]}\n";
+}
+
 EventTable::EventTable(EventForm form, std::function<void(std::string_view)> write)
     : form_(form), write_(std::move(write)) {
   if (form_ == EventForm::kCsv) write_(kEventCsvHeading);

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "host/report/event_sink.h"
+#include "host/report/report.h"
 
 namespace orsolva_host {
 
@@ -21,6 +22,9 @@ extern const char* const kEventCsvHeading;
 
 /// One event as a line. Absent values are empty in CSV and null in JSON.
 std::string EventLine(const analysis::Event& event, EventForm form);
+
+/// The events of a report as one JSON object, "events" in their order and "further" how many are left out.
+std::string EventsJson(const AnalysisReport& report);
 
 class EventTable : public EventSink {
  public:

@@ -29,9 +29,45 @@ class Lister {
     }
   }
 
+  /// @param each  whether every signal of every satellite is listed as well
+  void AddAnalysis(const analysis::AnalysisResult& result, bool each) {
+    Add(FigureScope::kRun, "", "", tables_.analysis, result);
+    for (const analysis::SystemFigures& system : result.systems) {
+      Add(FigureScope::kSystem, std::string(1, system.letter), "", tables_.analysis_system, system);
+    }
+    for (const analysis::SignalFigures& signal : result.signals) {
+      AddSignal(FigureScope::kSignal, std::string(1, signal.system), signal);
+    }
+    for (const analysis::WideLaneFigures& pair : result.wide_lanes) {
+      Add(FigureScope::kSignal, std::string(1, pair.system), NameOf(pair.first) + "-" + NameOf(pair.second),
+          tables_.wide_lane, pair);
+    }
+    for (const analysis::SatelliteFigures& satellite : result.satellites) {
+      Add(FigureScope::kSatellite, NameOf(satellite.id), "", tables_.analysis_satellite, satellite);
+    }
+    if (!each) return;
+    for (const analysis::SignalFigures& signal : result.satellite_signals) {
+      AddSignal(FigureScope::kSatellite, NameOf(signal.satellite), signal);
+    }
+  }
+
   std::vector<FigureValue> Take() { return std::move(out_); }
 
  private:
+  void AddSignal(FigureScope scope, const std::string& subject, const analysis::SignalFigures& signal) {
+    Add(scope, subject, NameOf(signal.code), tables_.analysis_signal, signal);
+    const auto bins = [&](const char* key, FigureKind kind,
+                          const std::vector<analysis::ElevationBin>& by_elevation) {
+      for (const analysis::ElevationBin& bin : by_elevation) {
+        const std::string place = fmt::format("{}@{}-{}", NameOf(signal.code), bin.from_deg, bin.to_deg);
+        out_.push_back({scope, subject, place, key, UnitOf(kind), bin.value});
+      }
+    };
+    bins("strength_mean_dbhz", FigureKind::kDbHz, signal.strength.mean_by_elevation);
+    bins("strength_p5_dbhz", FigureKind::kDbHz, signal.strength.p5_by_elevation);
+    bins("multipath_moving_rms_m", FigureKind::kMetres, signal.multipath.by_elevation);
+  }
+
   const FigureTables& tables_;
   std::vector<FigureValue> out_;
 };
@@ -42,6 +78,7 @@ std::vector<FigureValue> ListFigures(const Report& report, const FigureTables& t
   Lister list(tables);
   list.Add(FigureScope::kRun, "", "", tables.run, report.run);
   list.Add(FigureScope::kHeadline, "", "", tables.headline, report.headline);
+  list.AddAnalysis(report.analysis.figures, report.show_satellite_signals);
   list.AddTotal(report.library_total);
   for (const SystemReport& system : report.systems) {
     list.AddWhole(FigureScope::kSystem, std::string(1, system.letter), system.figures);

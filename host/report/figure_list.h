@@ -17,14 +17,15 @@ enum class FigureScope { kRun, kHeadline, kLibraryTotal, kSystem, kSatellite, kS
 struct FigureValue {
   FigureScope scope = FigureScope::kRun;
   std::string subject;    ///< "" the run and its headline, "all" the library total, "G" or "G04"
-  std::string signal;     ///< "1C"; the band of a band figure ("L1", "slot1"); or empty
+  std::string signal;     ///< "1C"; "1C@10-15" in a range of elevations; the band of a band figure ("L1",
+                          ///< "slot1"); "1C-2W" of two signals; or empty
   std::string key;        ///< of figures.h
   std::string_view unit;  ///< of the figure
   std::optional<double> value;
 };
 
-/// The figures of the run and its headline, then library total, systems, signals and satellites, absent ones
-/// included.
+/// The figures of the run and its headline, those of the analysis, then library total, systems, signals and
+/// satellites, absent ones included.
 std::vector<FigureValue> ListFigures(const Report& report, const FigureTables& tables = AllFigures());
 
 }  // namespace orsolva_host

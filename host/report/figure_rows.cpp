@@ -16,6 +16,8 @@ const char* UnitOf(FigureKind kind) {
     case FigureKind::kEvents:
       return "events";
     case FigureKind::kRatio:
+    case FigureKind::kNumber:
+    case FigureKind::kYesNo:
       return "1";
     case FigureKind::kMetres:
       return "m";
@@ -26,7 +28,20 @@ const char* UnitOf(FigureKind kind) {
     case FigureKind::kHours:
       return "h";
     case FigureKind::kSeconds:
+    case FigureKind::kClockOffset:
       return "s";
+    case FigureKind::kClockRate:
+      return "s/s";
+    case FigureKind::kSteps:
+      return "steps";
+    case FigureKind::kMillimetres:
+      return "mm";
+    case FigureKind::kMinutes:
+      return "min";
+    case FigureKind::kHertz:
+      return "Hz";
+    case FigureKind::kTecuPerMinute:
+      return "TECU/min";
     case FigureKind::kDegrees:
       return "deg";
   }
@@ -35,7 +50,7 @@ const char* UnitOf(FigureKind kind) {
 
 bool IsCount(FigureKind kind) {
   return kind == FigureKind::kEpochs || kind == FigureKind::kValues || kind == FigureKind::kRecords ||
-         kind == FigureKind::kSatellites || kind == FigureKind::kEvents;
+         kind == FigureKind::kSatellites || kind == FigureKind::kEvents || kind == FigureKind::kSteps;
 }
 
 }  // namespace orsolva_host

@@ -30,6 +30,15 @@ enum class FigureKind {
   kHours,
   kSeconds,
   kDegrees,
+  kSteps,
+  kMillimetres,
+  kMinutes,
+  kHertz,
+  kTecuPerMinute,
+  kNumber,       ///< without a unit, and no ratio
+  kClockOffset,  ///< seconds of either sign
+  kClockRate,
+  kYesNo,  ///< 1 or 0; true or false in JSON
 };
 
 /// The unit of CSV and texts: "epochs", "m", "1" for a ratio.

@@ -1,5 +1,6 @@
 #include "host/report/figure_tables.h"
 
+#include "host/report/analysis_figures.h"
 #include "host/report/headline.h"
 #include "host/report/library_figures.h"
 #include "host/report/run_figures.h"
@@ -7,8 +8,11 @@
 namespace orsolva_host {
 
 const FigureTables& AllFigures() {
-  static const FigureTables tables{RunRows(),   HeadlineRows(), WholeRows(),  BandRows(),
-                                   TotalRows(), SlotRows(),     SignalRows(), CoverageRows()};
+  static const FigureTables tables{
+      RunRows(),      HeadlineRows(),       WholeRows(),          BandRows(),
+      TotalRows(),    SlotRows(),           SignalRows(),         CoverageRows(),
+      AnalysisRows(), AnalysisSystemRows(), AnalysisSignalRows(), AnalysisSatelliteRows(),
+      WideLaneRows()};
   return tables;
 }
 

@@ -18,6 +18,12 @@ struct FigureTables {
   std::vector<FigureRow<BandFigures>> slot;  ///< of a band slot of the library total
   std::vector<FigureRow<SignalReport>> signal;
   std::vector<FigureRow<NavigationCoverage>> coverage;  ///< of an observed satellite
+  // Of the analysis.
+  std::vector<FigureRow<analysis::AnalysisResult>> analysis;
+  std::vector<FigureRow<analysis::SystemFigures>> analysis_system;
+  std::vector<FigureRow<analysis::SignalFigures>> analysis_signal;  ///< of a system or of a satellite
+  std::vector<FigureRow<analysis::SatelliteFigures>> analysis_satellite;
+  std::vector<FigureRow<analysis::WideLaneFigures>> wide_lane;
 };
 
 /// The rows of the program.
@@ -37,6 +43,11 @@ void ForEachRow(const FigureTables& tables, Visit&& visit) {
   all(tables.slot);
   all(tables.signal);
   all(tables.coverage);
+  all(tables.analysis);
+  all(tables.analysis_system);
+  all(tables.analysis_signal);
+  all(tables.analysis_satellite);
+  all(tables.wide_lane);
 }
 
 }  // namespace orsolva_host

@@ -13,7 +13,9 @@ using Json = nlohmann::ordered_json;
 /// The definition of the schema that values of a kind have.
 const char* SchemaTypeOf(FigureKind kind) {
   if (IsCount(kind)) return "#/$defs/count";
-  if (kind == FigureKind::kDbHz) return "#/$defs/number";
+  if (kind == FigureKind::kYesNo) return "#/$defs/flag";
+  if (kind == FigureKind::kDbHz || kind == FigureKind::kClockOffset || kind == FigureKind::kClockRate)
+    return "#/$defs/number";
   return kind == FigureKind::kRatio ? "#/$defs/ratio" : "#/$defs/positive";
 }
 
@@ -33,7 +35,10 @@ Json Definition(const std::vector<FigureRow<Owner>>& rows) {
 template <typename Owner>
 std::string Interface(const char* name, const std::vector<FigureRow<Owner>>& rows) {
   std::string text = fmt::format("\nexport interface {} {{\n", name);
-  for (const auto& row : rows) text += fmt::format("  {}: number | null;\n", row.key);
+  for (const auto& row : rows) {
+    const char* type = row.kind == FigureKind::kYesNo ? "boolean" : "number";
+    text += fmt::format("  {}: {} | null;\n", row.key, type);
+  }
   return text + "}\n";
 }
 
@@ -73,6 +78,11 @@ std::string SchemaWithFigures(const std::string& schema, const FigureTables& tab
   defs["slot_figures"] = Definition(tables.slot);
   defs["signal_figures"] = Definition(tables.signal);
   defs["coverage_figures"] = Definition(tables.coverage);
+  defs["analysis_figures"] = Definition(tables.analysis);
+  defs["analysis_system_figures"] = Definition(tables.analysis_system);
+  defs["analysis_signal_figures"] = Definition(tables.analysis_signal);
+  defs["analysis_satellite_figures"] = Definition(tables.analysis_satellite);
+  defs["wide_lane_figures"] = Definition(tables.wide_lane);
   return j.dump(2) + "\n";
 }
 
@@ -90,10 +100,18 @@ std::string PageTypes(const FigureTables& tables, const std::vector<Figure>& tex
   text += Interface("SlotFigures", tables.slot);
   text += Interface("SignalFigures", tables.signal);
   text += Interface("CoverageFigures", tables.coverage);
+  text += Interface("AnalysisFigures", tables.analysis);
+  text += Interface("AnalysisSystemFigures", tables.analysis_system);
+  text += Interface("AnalysisSignalFigures", tables.analysis_signal);
+  text += Interface("AnalysisSatelliteFigures", tables.analysis_satellite);
+  text += Interface("WideLaneFigures", tables.wide_lane);
   text += Columns("RUN", tables.run, texts);
   text += Columns("HEADLINE", tables.headline, texts);
   text += Columns("WHOLE", tables.whole, texts);
   text += Columns("SIGNAL", tables.signal, texts);
+  text += Columns("ANALYSIS", tables.analysis, texts);
+  text += Columns("ANALYSIS_SYSTEM", tables.analysis_system, texts);
+  text += Columns("ANALYSIS_SIGNAL", tables.analysis_signal, texts);
   return text;
 }
 

@@ -86,6 +86,7 @@ std::string FieldOf(const toml::table& all, const toml::table& figure, const cha
 }
 
 const char* TextOf(FigureSource source) {
+  if (source == FigureSource::kAnalysis) return "the analysis of this program";
   return source == FigureSource::kFile ? "this program, from the files" : "the library";
 }
 

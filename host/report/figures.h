@@ -24,7 +24,8 @@ struct Figure {
   std::string cutoff;
   std::string denominator;
   std::string source;
-  std::string computed_by;  ///< "the library" or "this program, from the files"
+  std::string
+      computed_by;  ///< "the library", "the analysis of this program" or "this program, from the files"
 };
 
 /// The figures of a text like figures.toml, in its order.

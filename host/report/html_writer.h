@@ -12,7 +12,8 @@ namespace orsolva_host {
 
 constexpr std::size_t kMostPageBytes = 5'800'000;
 
-/// The report's page. The data are the JSON report with its satellites, and the collected detail, compressed.
+/// The report's page. The data are the JSON report with its satellites (without the analysis of their single
+/// signals), the events of the analysis and the collected detail, compressed.
 /// The detail is thinned until the page has no more than `most_bytes`, or few points are left.
 std::string WriteHtml(const Report& report, DetailCollector& detail, std::size_t most_bytes = kMostPageBytes);
 

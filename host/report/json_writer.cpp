@@ -1,47 +1,20 @@
 #include "host/report/json_writer.h"
 
-#include <cmath>
-#include <cstdint>
-#include <nlohmann/json.hpp>
+#include <optional>
 
+#include "host/report/analysis_json.h"
+#include "host/report/figure_json.h"
 #include "host/report/figures.h"
 #include "host/report/headline.h"
-#include "host/rinex/civil_time.h"
 
 namespace orsolva_host {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 constexpr int kJsonFormat = 2;
 
 template <typename T>
 Json ValueOf(const std::optional<T>& value) {
   return value ? Json(*value) : Json(nullptr);
-}
-
-Json NumberOf(double value) { return std::isfinite(value) ? Json(value) : Json(nullptr); }
-
-Json TimeOf(const std::optional<Time_gbt>& time) { return time ? Json(TimeText(*time)) : Json(nullptr); }
-
-Json TextOf(const std::string& text) { return text.empty() ? Json(nullptr) : Json(text); }
-
-Json PositionOf(const std::optional<std::array<double, 3>>& position) {
-  if (!position) return nullptr;
-  Json j = Json::array();
-  for (const double x : *position) j.push_back(NumberOf(x));
-  return j;
-}
-
-/// A number as its figure is written: what counts something as a whole number.
-Json FigureJson(const std::optional<double>& value, bool count) {
-  if (!value) return nullptr;
-  return count ? Json(static_cast<std::int64_t>(*value)) : Json(*value);
-}
-
-template <typename Owner>
-void AddFigures(const std::vector<FigureRow<Owner>>& rows, const Owner& owner, Json& j) {
-  for (const FigureRow<Owner>& row : rows) j[row.key] = FigureJson(row.get(owner), IsCount(row.kind));
 }
 
 void AddBands(const char* name, const std::vector<FigureRow<BandFigures>>& rows, const Figures& figures,
@@ -92,8 +65,8 @@ Json Parts::Coverage(const NavigationCoverage& row) const {
   Json j;
   j["satellite"] = row.satellite;
   j["state"] = StateOf(report_, row);
-  j["first_reference"] = TimeOf(row.first_reference);
-  j["last_reference"] = TimeOf(row.last_reference);
+  j["first_reference"] = TimeJson(row.first_reference);
+  j["last_reference"] = TimeJson(row.last_reference);
   AddFigures(tables_.coverage, row, j);
   return j;
 }
@@ -103,14 +76,14 @@ Json Parts::Run() const {
   Json j;
   j["observation_file"] = run.observation_file;
   j["navigation_files"] = run.navigation_files;
-  j["rinex_version"] = NumberOf(run.rinex_version);
-  j["marker"] = TextOf(run.marker);
-  j["receiver"] = TextOf(run.receiver);
-  j["antenna"] = TextOf(run.antenna);
-  j["first_epoch_gpst"] = TimeOf(run.first_epoch);
-  j["last_epoch_gpst"] = TimeOf(run.last_epoch);
+  j["rinex_version"] = NumberJson(run.rinex_version);
+  j["marker"] = TextJson(run.marker);
+  j["receiver"] = TextJson(run.receiver);
+  j["antenna"] = TextJson(run.antenna);
+  j["first_epoch_gpst"] = TimeJson(run.first_epoch);
+  j["last_epoch_gpst"] = TimeJson(run.last_epoch);
   j["interval_source"] = run.interval_source;
-  j["position_ecef_m"] = PositionOf(run.position_m);
+  j["position_ecef_m"] = PositionJson(run.position_m);
   j["position_source"] = run.position_source;
   j["systems"] = run.systems;
   j["excluded_satellites"] = run.excluded;
@@ -142,7 +115,7 @@ Json Parts::Signals() const {
     j["letter"] = std::string(1, s.letter);
     j["name"] = s.name;
     j["signal"] = s.signal;
-    j["band"] = TextOf(s.band);
+    j["band"] = TextJson(s.band);
     AddFigures(tables_.signal, s, j);
     all.push_back(j);
   }
@@ -168,9 +141,10 @@ Json FindingJson(const Finding& finding) {
   j["title"] = finding.title;
   j["text"] = finding.text;
   j["figures"] = Json::object();
-  for (const FindingFigure& f : finding.figures) j["figures"][f.key] = FigureJson(f.value, IsCount(f.key));
+  for (const FindingFigure& f : finding.figures)
+    j["figures"][f.key] = IsCount(f.key) ? Json(static_cast<std::int64_t>(f.value)) : Json(f.value);
   j["satellites"] = finding.satellites;
-  j["signal"] = TextOf(finding.signal);
+  j["signal"] = TextJson(finding.signal);
   return j;
 }
 
@@ -179,11 +153,11 @@ Json OutcomeJson(const CriterionOutcome& outcome) {
   j["criterion"] = outcome.criterion;
   j["figure"] = outcome.figure;
   j["unit"] = outcome.unit;
-  j["subject"] = TextOf(outcome.subject);
-  j["signal"] = TextOf(outcome.signal);
+  j["subject"] = TextJson(outcome.subject);
+  j["signal"] = TextJson(outcome.signal);
   j["direction"] = outcome.at_least ? "at_least" : "at_most";
-  j["good_limit"] = NumberOf(outcome.good_limit);
-  j["fair_limit"] = NumberOf(outcome.fair_limit);
+  j["good_limit"] = NumberJson(outcome.good_limit);
+  j["fair_limit"] = NumberJson(outcome.fair_limit);
   j["value"] = ValueOf(outcome.value);
   j["grade"] = outcome.grade;
   j["missed_by"] = ValueOf(outcome.missed_by);
@@ -215,7 +189,7 @@ Json NoteJson(const ReportNote& note) {
   j["id"] = note.id;
   j["text"] = note.text;
   j["figures"] = note.figures;
-  j["system"] = TextOf(note.system);
+  j["system"] = TextJson(note.system);
   j["bands"] = note.bands;
   return j;
 }
@@ -243,6 +217,7 @@ std::string WriteJson(const Report& report, const FigureTables& tables) {
   j["library_absence"] = AbsenceJson(report.run.library_absence);
   j["headline"] = parts.Headline();
   j["run"] = parts.Run();
+  j["analysis"] = AnalysisJson(report, tables);
   j["systems"] = parts.Systems();
   j["library_total"] = parts.LibraryTotal();
   j["signals"] = parts.Signals();

@@ -21,7 +21,7 @@ namespace orsolva_host {
 using Count = std::uint64_t;
 
 /// What computed a figure.
-enum class FigureSource { kLibrary, kFile };
+enum class FigureSource { kLibrary, kAnalysis, kFile };
 
 /// The value, absent when it is not finite.
 inline std::optional<double> Finite(double value) {
@@ -233,6 +233,7 @@ struct Report {
   std::vector<SatelliteReport> satellites;    ///< those with figures
   std::map<std::string, std::string> states;  ///< what the run did with a satellite; see headline.h
   bool show_satellites = false;
+  bool show_satellite_signals = false;  ///< and of each its signals, by the analysis
   std::vector<ReportNote> notes;
   std::vector<ReportNotice> notices;
   long further_notices = 0;

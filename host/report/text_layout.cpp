@@ -101,6 +101,11 @@ std::string Wrapped(const std::string& text, const std::string& first, const std
   return out + line + "\n";
 }
 
+std::string NamedRow(std::string name, const std::string& value, std::size_t width) {
+  name.resize(kRowNameWidth, ' ');
+  return Wrapped(value, name, std::string(kRowNameWidth, ' '), width);
+}
+
 void TextTable::AddColumn(std::string heading, int width) {
   columns_.push_back({std::move(heading), static_cast<std::size_t>(width < 0 ? -width : width), width < 0});
 }

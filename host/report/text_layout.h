@@ -30,6 +30,12 @@ std::string Fitted(const std::string& text, std::size_t room);
 std::string Wrapped(const std::string& text, const std::string& first, const std::string& indent,
                     std::size_t width);
 
+/// The width of the names before values.
+constexpr std::size_t kRowNameWidth = 18;
+
+/// A name, and its value broken into lines beside it.
+std::string NamedRow(std::string name, const std::string& value, std::size_t width);
+
 /// Columns with a heading each. Numbers are never cut: their columns widen, and when the table is then wider
 /// than the style allows, every row becomes lines of "heading value".
 class TextTable {

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <utility>
 
+#include "host/report/analysis_text.h"
+#include "host/report/figure_text.h"
 #include "host/report/notes.h"
 #include "host/report/verdict_text.h"
 #include "host/rinex/civil_time.h"
@@ -15,30 +17,6 @@ namespace orsolva_host {
 namespace {
 
 constexpr std::size_t kLeastWidth = 40;
-constexpr std::size_t kNameWidth = 18;
-
-std::string Fixed(const std::optional<double>& value, int decimals) {
-  return value ? fmt::format("{:.{}f}", *value, decimals) : "-";
-}
-
-template <typename Number>
-std::string Whole(const std::optional<Number>& count) {
-  return count ? fmt::format("{}", *count) : "-";
-}
-
-/// A figure as people read it: ratios in percent.
-std::string Shown(const std::optional<double>& value, FigureKind kind, int decimals) {
-  return Fixed(kind == FigureKind::kRatio && value ? std::optional<double>(*value * 100) : value, decimals);
-}
-
-/// The cells of an owner's figures that have a column.
-template <typename Owner>
-void AddCells(const std::vector<FigureRow<Owner>>& rows, const Owner& owner,
-              std::vector<std::string>& cells) {
-  for (const FigureRow<Owner>& row : rows) {
-    if (row.text.heading != nullptr) cells.push_back(Shown(row.get(owner), row.kind, row.text.decimals));
-  }
-}
 
 std::string Joined(const std::vector<std::string>& parts, std::string_view between) {
   std::string text;
@@ -87,6 +65,8 @@ class Writer {
       text_ += VerdictText(*report_.verdict, style_);
     }
     Findings();
+    Heading("ANALYSIS (every signal of the file; orsolva explain has each figure)");
+    text_ += AnalysisText(report_, style_, tables_);
     Headline();
     Run();
     if (!report_.run.library_absence) {
@@ -110,13 +90,12 @@ class Writer {
   }
 
   void Row(std::string name, const std::string& value) {
-    name.resize(kNameWidth, ' ');
-    text_ += Wrapped(value.empty() ? "-" : value, name, std::string(kNameWidth, ' '), style_.width);
+    text_ += NamedRow(std::move(name), value.empty() ? "-" : value, style_.width);
   }
 
   void FileRow(std::string name, const std::string& file) {
-    name.resize(kNameWidth, ' ');
-    text_ += name + Fitted(file.empty() ? "-" : Printable(file), style_.width - kNameWidth) + "\n";
+    name.resize(kRowNameWidth, ' ');
+    text_ += name + Fitted(file.empty() ? "-" : Printable(file), style_.width - kRowNameWidth) + "\n";
   }
 
   void Findings();
@@ -163,7 +142,7 @@ void Writer::Findings() {
 
 /// A line for the figures of one group, "119 observed, 96 judged", and a dash where it has none.
 void Writer::Headline() {
-  Heading("HEADLINE");
+  Heading("LIBRARY HEADLINE");
   std::string group, line;
   bool any = false;
   const auto end_line = [&] {
@@ -229,7 +208,7 @@ void Writer::Position() {
 }
 
 void Writer::Systems() {
-  Heading("SYSTEMS (optimal combination of signals)");
+  Heading("LIBRARY SYSTEMS (optimal combination of signals)");
   TextTable table;
   table.AddColumn("System", -12);
   table.AddColumn("Combination", -15);
@@ -245,7 +224,7 @@ void Writer::Systems() {
 }
 
 void Writer::Bands() {
-  Heading("BANDS (multipath RMS in m, mean SNR in dB-Hz, iono RMS in cycles)");
+  Heading("LIBRARY BANDS (multipath RMS in m, mean SNR in dB-Hz, iono RMS in cycles)");
   const bool any = std::any_of(report_.systems.begin(), report_.systems.end(),
                                [](const SystemReport& system) { return !system.figures.bands.empty(); });
   if (!any) {
@@ -268,7 +247,7 @@ void Writer::Bands() {
 }
 
 void Writer::Signals() {
-  Heading("SIGNALS (every code by itself)");
+  Heading("LIBRARY SIGNALS (every code by itself)");
   if (report_.signals.empty()) {
     text_ += "no data\n";
     return;
@@ -319,7 +298,7 @@ std::string BandList(const char* name, const Figures& figures, std::optional<dou
 }
 
 void Writer::Satellites() {
-  Heading("SATELLITES (MP in m, SNR in dB-Hz, by band)");
+  Heading("LIBRARY SATELLITES (MP in m, SNR in dB-Hz, by band)");
   if (report_.satellites.empty()) {
     text_ += "no data\n";
     return;

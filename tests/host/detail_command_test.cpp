@@ -144,7 +144,10 @@ TEST(HtmlReport, HoldsTheReportOfTheRunAndChangesNothingOfIt) {
   const std::size_t from = page.find(start);
   ASSERT_NE(from, std::string::npos);
   const std::size_t to = page.find("</script>", from);
-  EXPECT_EQ(json::parse(page.substr(from + start.size(), to - from - start.size())), json::parse(with.out));
+  // The page has all but the single signals of satellites.
+  json whole = json::parse(with.out);
+  whole["analysis"].erase("satellite_signals");
+  EXPECT_EQ(json::parse(page.substr(from + start.size(), to - from - start.size())), whole);
 }
 
 }  // namespace

@@ -53,11 +53,37 @@ def written(name, key, found, value):
 
 def numbers(owner, skip=()):
     return {k: v for k, v in owner.items()
-            if k not in skip and (v is None or isinstance(v, (int, float))) and not isinstance(v, bool)}
+            if k not in skip and (v is None or isinstance(v, (int, float)))}
 
 
 NAMES = ("rinex_version", "marker", "receiver", "antenna", "first_epoch_gpst", "last_epoch_gpst", "slot", "band",
-         "first_reference", "last_reference", "position_ecef_m")
+         "first_reference", "last_reference", "position_ecef_m", "solution_ecef_m", "with_orbits", "multipath_partner",
+         "phase_noise_method")
+
+
+BINS = {"strength_mean_by_elevation": "strength_mean_dbhz", "strength_p5_by_elevation": "strength_p5_dbhz",
+        "multipath_by_elevation": "multipath_moving_rms_m"}
+
+
+def add_analysis(add, analysis):
+    def add_signal(subject, signal):
+        add(subject, signal["signal"], signal)
+        for name, key in BINS.items():
+            for part_of in signal[name]:
+                place = f"{signal['signal']}@{part_of['from_deg']}-{part_of['to_deg']}"
+                add(subject, place, {key: part_of["value"]})
+
+    add("", "", analysis)
+    for system in analysis["systems"]:
+        add(system["letter"], "", system)
+    for signal in analysis["signals"]:
+        add_signal(signal["letter"], signal)
+    for pair in analysis["wide_lanes"]:
+        add(pair["letter"], "-".join(pair["signals"]), pair)
+    for satellite in analysis["satellites"]:
+        add(satellite["satellite"], "", satellite)
+    for signal in analysis["satellite_signals"]:
+        add_signal(signal["satellite"], signal)
 
 
 def figures_of(report):
@@ -71,6 +97,7 @@ def figures_of(report):
 
     add("", "", report["run"])
     add("", "", report["headline"])
+    add_analysis(add, report["analysis"])
     add("all", "", report["library_total"])
     for slot in report["library_total"]["slots"]:
         add("all", f"slot{slot['slot']}", slot)
@@ -208,7 +235,7 @@ GROUPS = {"Completeness": ("completeness_", "expected_", "observed_"), "Multipat
 
 def check_text(name, text, report):
     head, run = report["headline"], report["run"]
-    said = " ".join(" ".join(part(text, "HEADLINE")).split())
+    said = " ".join(" ".join(part(text, "LIBRARY HEADLINE")).split())
     for pattern, key in [(r"Completeness (\S+)(?: %(?:\[\d+\])?)?,", "completeness_ratio"),
                          (r"(\S+) epochs expected", "expected_epochs"), (r"expected, (\S+) observed", "observed_epochs"),
                          (r"(\S+)(?: m)? MP1", "mp1_rms_m"), (r"(\S+)(?: m)? MP2", "mp2_rms_m"),
@@ -232,25 +259,25 @@ def check_text(name, text, report):
     assert (mark and [int(mark.group(1))]) == (left_out or None) or head["completeness_ratio"] is None, (name, said)
     judged, lost = ("-" if run[key] is None else run[key] for key in ("judged_epochs", "lost_epochs"))
     assert f"{run['epochs']} read, {judged} judged, {lost} lost" in text, name
-    rows = part(text, "SYSTEMS")[1:]
+    rows = part(text, "LIBRARY SYSTEMS")[1:]
     assert len(rows) == len(report["systems"]), (name, rows)
     for row, system in zip(rows, report["systems"]):
         for field, key in zip(row.split()[-6:], WHOLE):
             written((name, "text", system["letter"], key), key, field, system[key])
     bands = [(s["letter"], b) for s in report["systems"] for b in s["bands"]]
-    rows = part(text, "BANDS")[1:]
+    rows = part(text, "LIBRARY BANDS")[1:]
     assert len(rows) == len(bands), (name, rows)
     for row, (letter, band) in zip(rows, bands):
         for field, key in zip(row.split()[-5:], BAND + ["iono_rms_cycles"]):
             written((name, "text", letter, band["band"], key), key, field, band[key])
-    rows = part(text, "SIGNALS")[1:]
+    rows = part(text, "LIBRARY SIGNALS")[1:]
     assert len(rows) == len(report["signals"]), (name, rows)
     for row, signal in zip(rows, report["signals"]):
         assert row.startswith(f"{signal['letter']} {signal['signal']} "), (name, row)
         for field, key in zip(row.split()[-10:], SIGNAL):
             written((name, "text", signal["letter"], signal["signal"], key), key, field, signal[key])
     check_total(name, text, report["library_total"])
-    check_satellites(name, part(text, "SATELLITES"), report["satellites"])
+    check_satellites(name, part(text, "LIBRARY SATELLITES"), report["satellites"])
     # The findings lead, each with its title.
     found = " ".join(" ".join(part(text, "WHAT TO LOOK AT FIRST")).split())
     at = -1
@@ -307,6 +334,8 @@ def check_files(files, folder):
              report["headline"]["satellites_judged"])
         same((name, "satellites observed"), len(report["run"]["navigation_coverage"]),
              sum(v for k, v in report["headline"].items() if k.startswith("satellites_") and k != "satellites_observed"))
+        # The page leaves out the single signals of satellites.
+        report["analysis"].pop("satellite_signals")
         assert script(beside(".html"), "report-data") == report, name
         for key, value in report["headline"].items():
             same((name, "network.csv", key), row[key], value)

@@ -43,6 +43,9 @@ whole = report(day, "--sats", "--profile", "network")
 check("station-day", whole)
 check("quarter of an hour with a failed verdict",
       report(quarter, "--interval", "5", "--exclude", "G04", "--profile", "network", code=0))
+alone = report(data / "GRAS00FRA_R_20223151700_15M_01S_MO.crx.gz", "--sats")
+check("without navigation", alone)
+assert alone["library_absence"]["id"] == "no-navigation" and alone["run"]["position_ecef_m"] is None
 check("several files, one of them missing", report(quarter, "/no/such/file.rnx", "--jobs", "2", code=1))
 
 # The note ids that readers of JSON rely on.

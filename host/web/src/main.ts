@@ -1,4 +1,5 @@
 // The page: reads the data inside this file and lays out verdict, plots and tables.
+import { analysisEvents, analysisTables, type EventData } from './analysis';
 import { completenessFigure, multipathBars } from './charts/bars';
 import { multipathFigure, snrFigure } from './charts/elevation';
 import { rateFigure } from './charts/rate';
@@ -74,7 +75,7 @@ function findingList(findings: Finding[], detail: Detail, selection: Selection):
       () => {
         const drawn = finding.satellites.length === 1 && detail.satellites.some((s) => s.name === finding.satellites[0]);
         selection.set(finding.signal ?? '*', drawn ? finding.satellites[0] : '*');
-        const place = document.getElementById(PLOTS[finding.id] ?? 'timeline')!;
+        const place = document.getElementById(PLOTS[finding.id] ?? 'timeline') ?? document.getElementById('analysis')!;
         place.scrollIntoView({ block: 'start' });
         place.querySelector<HTMLElement>('button, select')?.focus({ preventScroll: true });
       },
@@ -145,29 +146,40 @@ async function start(): Promise<void> {
     return;
   }
   const detail = decode(await unpack(dataOf('detail-data')));
+  const events = JSON.parse(new TextDecoder().decode(await unpack(dataOf('event-data')))) as EventData;
   const selection = new Selection(detail);
-  const figures = [
-    skyFigure(detail, selection),
-    snrFigure(detail, selection),
-    timelineFigure(detail, selection),
-    multipathFigure(detail, selection),
-    multipathBars(report),
-    completenessFigure(report),
-    rateFigure(detail, selection),
-  ];
-  document.getElementById('report')!.append(
+  // Without the library's record there are no points to plot.
+  const judged = report.library_absence === null;
+  const figures = judged
+    ? [
+        skyFigure(detail, selection),
+        snrFigure(detail, selection),
+        timelineFigure(detail, selection),
+        multipathFigure(detail, selection),
+        multipathBars(report),
+        completenessFigure(report),
+        rateFigure(detail, selection),
+      ]
+    : [];
+  const page = document.getElementById('report')!;
+  page.append(
     section('look-first', 'What to look at first', verdictPanel(report), tiles(report), findingList(report.findings, detail, selection)),
-    section(
-      'plots',
-      'Plots',
-      selectionBar(detail, selection),
-      el('p', { class: 'help' }, 'Ctrl and the wheel, a pinch, or + and \u2212 zoom; dragging moves; points show their values under the pointer.'),
-      el('div', { class: 'figures' }, ...figures.map((f) => f.element)),
-    ),
-    section('slips', 'Slips and restarts, with their reasons', eventTable(detail)),
-    section('tables', 'Tables', systemTable(report), signalTable(report), satelliteTable(report, detail), notJudged(report)),
-    section('notes', 'Notes', notes(report), noticeTable(report)),
+    section('analysis', 'Analysis of every signal', analysisTables(report), analysisEvents(events)),
   );
+  if (judged) {
+    page.append(
+      section(
+        'plots',
+        'Plots',
+        selectionBar(detail, selection),
+        el('p', { class: 'help' }, 'Ctrl and the wheel, a pinch, or + and \u2212 zoom; dragging moves; points show their values under the pointer.'),
+        el('div', { class: 'figures' }, ...figures.map((f) => f.element)),
+      ),
+      section('slips', 'Slips and restarts of the library, with their reasons', eventTable(detail)),
+      section('tables', 'Tables of the library', systemTable(report), signalTable(report), satelliteTable(report, detail), notJudged(report)),
+    );
+  }
+  page.append(section('notes', 'Notes', notes(report), noticeTable(report)));
   document.getElementById('foot')!.append(
     el('p', {}, `Orsolva ${report.library_version}. This file holds all of its data and needs no network. Times are GPS time.`),
   );

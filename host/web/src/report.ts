@@ -1,6 +1,6 @@
 // The report as the JSON writer gives it; null means no data.
 
-import type { BandFigures, CoverageFigures, HeadlineFigures, RunFigures, SignalFigures, SlotFigures, TotalFigures, WholeFigures } from './figures';
+import type { AnalysisFigures, AnalysisSignalFigures, AnalysisSystemFigures, BandFigures, CoverageFigures, HeadlineFigures, RunFigures, SignalFigures, SlotFigures, TotalFigures, WholeFigures } from './figures';
 
 export interface Band extends BandFigures {
   slot: number;
@@ -66,7 +66,7 @@ export interface Run extends RunFigures {
   first_epoch_gpst: string | null;
   last_epoch_gpst: string | null;
   interval_source: string;
-  position_ecef_m: (number | null)[];
+  position_ecef_m: (number | null)[] | null;
   position_source: string;
   navigation_coverage: Coverage[];
 }
@@ -91,8 +91,35 @@ export interface Verdict {
   outcomes: Outcome[];
 }
 
+/** Figures of our own over every signal; null or empty without data. */
+export interface Analysis extends AnalysisFigures {
+  with_orbits: boolean;
+  gaps: { last_before_gpst: string; first_after_gpst: string; missing_epochs: number }[];
+  contradiction_list: { id: string; stated: string; found: string }[];
+  without_orbit: string[];
+  systems: (AnalysisSystemFigures & { letter: string })[];
+  signals: (AnalysisSignalFigures & { letter: string; signal: string; multipath_partner: string | null })[];
+}
+
+/** An event of the analysis; docs/user/events.md has the meaning of each member. */
+export interface AnalysisEvent {
+  time_gpst: string;
+  satellite: string | null;
+  elevation_deg: number | null;
+  kind: string;
+  signals: string | null;
+  size_cycles: number[] | null;
+  sure: boolean;
+  margin: number | null;
+  gap_s: number;
+  loss_of_lock: boolean;
+  evidence: string | null;
+}
+
 export interface Report {
   library_version: string;
+  library_absence: { id: string; text: string } | null;
+  analysis: Analysis;
   verdict?: Verdict | null;
   findings: Finding[];
   headline: HeadlineFigures;

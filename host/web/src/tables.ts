@@ -8,7 +8,7 @@ import type { Report } from './report';
 import { type Cell, type Column, count, digits, hundred, number, SortTable, text } from './table';
 
 /** The columns of the figures that have one, and how to read their cells. */
-function figureColumns(figures: FigureColumn[]): { columns: Column[]; cells: (owner: object) => Cell[] } {
+export function figureColumns(figures: FigureColumn[]): { columns: Column[]; cells: (owner: object) => Cell[] } {
   const shown = figures.filter((f) => f.column !== '');
   return {
     columns: shown.map((f) => number(f.column, f.unit === '1' || f.digits > 0 ? digits(f.unit === '1' ? 2 : f.digits) : count, f.title)),

@@ -51,7 +51,7 @@ Json DropsOf(const std::vector<analysis::StrengthDrop>& drops) {
                     {"to_gpst", TimeOf(drop.to_ns)},
                     {"mean_drop_db", NumberJson(drop.mean_drop_db)},
                     {"largest_drop_db", NumberJson(drop.largest_drop_db)},
-                    {"all_bands", drop.all_bands}});
+                    {"other_bands_dropped", drop.other_bands ? Json(*drop.other_bands) : Json(nullptr)}});
   }
   return list;
 }

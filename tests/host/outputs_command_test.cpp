@@ -1,6 +1,7 @@
 // Where the outputs of orsolva qc go.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -93,6 +94,40 @@ TEST(Outputs, AStreamMayLieInTheFolderThatTheRunMakes) {
       Orsolva("qc --no-config --quiet " + Quarter() + " --output " + out + " --sum=" + out + "/all.sum");
   EXPECT_EQ(a.code, 0) << a.err;
   EXPECT_FALSE(ReadText(out + "/all.sum").empty());
+}
+
+/// The hour at 30 s has events below the cut-off.
+std::string Hour() { return DataFile("KMS300DNK_R_20221591000_01H_30S_MO.crx"); }
+
+std::size_t LinesOf(const std::string& text) {
+  return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+TEST(Events, AreTheSameInEveryForm) {
+  ORSOLVA_NEED_FILE(Hour());
+  const Folder folder;
+  const std::string run = "qc --no-config --quiet " + Hour() + " --events ";
+  const std::string csv = folder / "e.csv", lines = folder / "e.jsonl";
+  ASSERT_EQ(Orsolva(run + csv).code, 0);
+  ASSERT_EQ(Orsolva(run + lines).code, 0);
+  const std::string table = ReadText(csv);
+  EXPECT_EQ(table.substr(0, table.find('\n')),
+            "time_gpst,satellite,elevation_deg,kind,signals,size_cycles,sure,score,margin,gap_s,loss_of_lock,"
+            "evidence");
+  EXPECT_GT(LinesOf(table), 1U);
+  EXPECT_EQ(LinesOf(ReadText(lines)) + 1, LinesOf(table));
+  EXPECT_EQ(Orsolva(run + "-").out, table);
+  const std::string out = folder / "out";
+  ASSERT_EQ(Orsolva("qc --no-config --quiet " + Hour() + " --output " + out + " --formats events").code, 0);
+  EXPECT_EQ(ReadText(out + "/KMS300DNK_R_20221591000_01H_30S_MO.events.csv"), table);
+}
+
+TEST(Events, OfSeveralFilesNeedAFolder) {
+  const Answer a = Orsolva("qc --no-config a.rnx b.rnx --events e.csv");
+  EXPECT_EQ(a.code, 2);
+  EXPECT_NE(a.err.find("--output FOLDER --formats events"), std::string::npos) << a.err;
+  const Answer both = Orsolva("qc --no-config a.rnx --events - --json");
+  EXPECT_EQ(both.code, 2);
 }
 
 TEST(Outputs, StemsOfManyFilesLeaveTheNamesOfTheTablesFree) {

@@ -1,7 +1,7 @@
 // The figures of a report as rows: one row per figure and scope, from which every writer, the schema, the
 // page's types and `orsolva explain` follow.
 //
-// To add a figure: a row in the file of its scope (beside the rule that computes it), the member of report.h
+// To add a figure: a row in the file of its scope (next to the rule that computes it), the member of report.h
 // that the row points to (none when the row computes its value from others), and its section in figures.toml.
 // Then ORSOLVA_UPDATE=1 build/bin/host_readers --gtest_filter='GeneratedFiles.*' rewrites what is made from
 // them.

@@ -33,7 +33,7 @@ std::string Wrapped(const std::string& text, const std::string& first, const std
 /// The width of the names before values.
 constexpr std::size_t kRowNameWidth = 18;
 
-/// A name, and its value broken into lines beside it.
+/// A name, and its value broken into lines next to it.
 std::string NamedRow(std::string name, const std::string& value, std::size_t width);
 
 /// Columns with a heading each. Numbers are never cut: their columns widen, and when the table is then wider

@@ -15,7 +15,7 @@ WORDS = {
     "told": ("detected, notified, given", r"told", 1),
     "tells": ("says, shows, reports", r"tells?", 2),
     "stands": ("is, appears, is listed in", r"stands?(?! (?:for|alone)\b)", 2),
-    "beside": ("next to, besides, with", r"beside", 7),
+    "beside": ("next to, besides, with", r"beside", 6),
     "anew": ("again, restarted", r"anew", 0),
     "met": ("found, seen", r"(?<!\| )met", 1),
     "lays": ("compares with", r"lays", 3),

@@ -64,15 +64,17 @@ const std::vector<Preset>& Presets() {
        "a polar station: low satellites, bursts of scintillation, weak signals, flags right and wrong", R"({
         "name": "polar",
         "receiver": {
-          "position_m": [1202433.9, 252632.2, 6237772.5], "cutoff_deg": 3,
+          "position_m": [1202433.9, 252632.2, 6237772.5],
           "lock_flags": {"at_slip": 0.9, "at_acquisition": 1, "without_slip": 0.001}
         },
         "observables": {"doppler": true, "strength": true},
         "faults": [
           {"kind": "tec_rate", "size": 0.3},
-          {"kind": "tec_rate", "size": 1.2, "at_s": 25200, "duration_s": 7200},
+          {"kind": "tec_rate", "size": 0.4, "at_s": 23400, "duration_s": 10800},
+          {"kind": "tec_rate", "size": 0.8, "at_s": 25200, "duration_s": 7200},
           {"kind": "scintillation", "size": 0.2, "at_s": 25200, "duration_s": 7200},
-          {"kind": "tec_rate", "size": 1.7, "at_s": 68400, "duration_s": 10800},
+          {"kind": "tec_rate", "size": 0.5, "at_s": 66600, "duration_s": 14400},
+          {"kind": "tec_rate", "size": 0.9, "at_s": 68400, "duration_s": 10800},
           {"kind": "scintillation", "size": 0.12, "at_s": 68400, "duration_s": 10800},
           {"kind": "snr_drop", "satellite": "G", "signal": "2W", "size": 8, "duration_s": 1200, "random": 10},
           {"kind": "slip", "size": 1, "random": 10}

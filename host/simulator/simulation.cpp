@@ -79,6 +79,7 @@ class Simulation::Work {
   void BeginTruth();
   void BeginSatellites();
   void BeginFaults();
+  void Assign(ActiveFault& active);
   void LogOnce(ActiveFault& active);
   void LogEpochFaults();
   bool Has(FaultKind kind, std::int64_t epoch) const { return HasFault(faults_, kind, epoch); }
@@ -101,7 +102,8 @@ class Simulation::Work {
   std::vector<FaultTarget> Visible(const FaultTarget& target, double seconds, double above_deg) const;
 
   std::vector<SatelliteWork> work_;
-  std::vector<ActiveFault> faults_;
+  std::vector<ActiveFault> faults_;  ///< but for slips, which only their signals need to know
+  std::vector<ActiveFault> slips_;
   ReceiverClockBias clock_;
   Delivery current_ = {};
   std::deque<Delivery> waiting_;  ///< duplicate and held epochs, delivered next
@@ -151,15 +153,23 @@ void Simulation::Work::BeginFaults() {
       ResolveFaults(scenario, grid, [this](const FaultTarget& target, double seconds, double above_deg) {
         return Visible(target, seconds, above_deg);
       });
-  for (ActiveFault& active : faults_) {
-    for (std::size_t i = 0; i < work_.size(); ++i) {
-      if (!active.Meets(truth.satellites[i].system, truth.satellites[i].number)) continue;
-      work_[i].AddFault(&active);
-      for (std::size_t j = 0; j < work_[i].signals.size(); ++j) {
-        const bool meets =
-            MeetsSignals(active.fault.kind) && active.Meets(truth.satellites[i].signals[j].name);
-        if (meets) work_[i].signals[j].AddFault(&active);
-      }
+  const auto slips = std::stable_partition(faults_.begin(), faults_.end(), [](const ActiveFault& active) {
+    return active.fault.kind != FaultKind::kSlip;
+  });
+  slips_.assign(slips, faults_.end());
+  faults_.erase(slips, faults_.end());
+  for (ActiveFault& active : faults_) Assign(active);
+  for (ActiveFault& active : slips_) Assign(active);
+}
+
+/// Hands a fault to the satellites and signals that it affects.
+void Simulation::Work::Assign(ActiveFault& active) {
+  for (std::size_t i = 0; i < work_.size(); ++i) {
+    if (!active.Meets(truth.satellites[i].system, truth.satellites[i].number)) continue;
+    work_[i].AddFault(&active);
+    for (std::size_t j = 0; j < work_[i].signals.size(); ++j) {
+      const bool meets = MeetsSignals(active.fault.kind) && active.Meets(truth.satellites[i].signals[j].name);
+      if (meets) work_[i].signals[j].AddFault(&active);
     }
   }
 }
@@ -249,7 +259,7 @@ void Simulation::Work::LogTrack(const Time_gbt& time, double time_s) {
 
 /// Records a fault in the truth at its first epoch. Slips are recorded by the signals that they affect.
 void Simulation::Work::LogOnce(ActiveFault& active) {
-  if (active.record >= 0 || active.first != done || active.fault.kind == FaultKind::kSlip) return;
+  if (active.record >= 0 || active.first != done) return;
   const Fault& fault = active.fault;
   InjectedFault record;
   record.kind = FaultName(fault.kind);

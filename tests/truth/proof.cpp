@@ -85,6 +85,8 @@ const std::vector<ProofEntry>& AllProofs() {
       {"position", ProvePosition},
       {"results", ProveResults},
       {"laws", ProveLaws},
+      {"detected-slips", ProveDetectedSlips},
+      {"detected-clocks", ProveDetectedClocks},
   };
   // clang-format on
   return kProofs;

@@ -1,5 +1,5 @@
-// A proof: what is injected into a simulated sky, what the library is expected to report, and what it
-// reported.
+// A proof: what is injected into a simulated sky, what the library or the analysis is expected to report, and
+// what it reported.
 //
 // A proof runs in a short form (the tests of every build) and in a long one, and its tables are the figures
 // of docs/internals/validation.md.
@@ -74,6 +74,8 @@ void ProveSlips(bool long_form, Proof& proof);
 void ProvePosition(bool long_form, Proof& proof);
 void ProveResults(bool long_form, Proof& proof);
 void ProveLaws(bool long_form, Proof& proof);
+void ProveDetectedSlips(bool long_form, Proof& proof);
+void ProveDetectedClocks(bool long_form, Proof& proof);
 
 }  // namespace orsolva_test
 

@@ -38,6 +38,8 @@ TEST(Truth, SlipTestsReportWhatTheirRulesSay) { Hold("slips", 1000000); }
 TEST(Truth, PositionsAreNearTheTruthAndExclusionsMeetTheFaultySatellite) { Hold("position", 500); }
 TEST(Truth, BestCombinationsAndMergedResultsFollowFromTheSatellites) { Hold("results", 20000); }
 TEST(Truth, LawsHoldOnTroubledSkies) { Hold("laws", 800); }
+TEST(Truth, DetectorFindsInjectedSlipsAndNoOthers) { Hold("detected-slips", 30); }
+TEST(Truth, DetectorNamesClocksGlitchesAndFlagsAndNoSlips) { Hold("detected-clocks", 20); }
 
 TEST(ValidationPage, ShowsEveryProofInItsLongFormWithTheCommand) {
   const std::string page = CommittedPage();

@@ -67,6 +67,7 @@ const std::vector<Preset>& Presets() {
           "position_m": [1202433.9, 252632.2, 6237772.5],
           "lock_flags": {"at_slip": 0.9, "at_acquisition": 1, "without_slip": 0.001}
         },
+        "errors": {"vertical_tec_night": 10, "vertical_tec_day": 0},
         "observables": {"doppler": true, "strength": true},
         "faults": [
           {"kind": "tec_rate", "size": 0.3},

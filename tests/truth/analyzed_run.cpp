@@ -6,6 +6,7 @@
 #include <cmath>
 #include <memory>
 
+#include "host/observation/station_description.h"
 #include "host/rinex/byte_source.h"
 #include "host/rinex/diagnostics.h"
 #include "host/rinex/navigation_reader.h"
@@ -105,7 +106,9 @@ AnalyzedRun Analyze(const Scenario& scenario, const RunOptions& options, const E
   analysis.Finish();
   take();
   run.truth = simulation.TruthSoFar();
-  run.result = analysis.Result();
+  StationDescription stated;
+  stated.position_m = run.truth.header_position_m;
+  run.result = analysis.Result(stated);
   for (const analysis::SystemFigures& system : run.result.systems) {
     run.tested_steps += system.slips.tested_steps.value_or(0);
   }

@@ -54,9 +54,9 @@ std::map<SlipKey, SlipSet> InjectedSlips(const orsolva_host::Truth& truth);
 struct SlipScore {
   std::uint64_t tested_steps = 0;
   std::uint64_t injected = 0;
-  std::uint64_t found = 0;   ///< an event in exactly that epoch says slip, half cycle or jump
-  std::uint64_t right = 0;   ///< with exactly these signals and sizes
-  std::uint64_t alarms = 0;  ///< slips, half cycles and jumps where nothing was injected
+  std::uint64_t found = 0;       ///< an event in exactly that epoch says slip, half cycle or jump
+  std::uint64_t right = 0;       ///< with exactly these signals and sizes
+  std::uint64_t alarms = 0;      ///< slips, half cycles and jumps where nothing was injected
   std::uint64_t near_slips = 0;  ///< alarms within three epochs of a slip of the same satellite
   std::vector<std::string> missed, false_alarms;  ///< for a look, at most ten each
 

@@ -87,6 +87,10 @@ const std::vector<ProofEntry>& AllProofs() {
       {"laws", ProveLaws},
       {"detected-slips", ProveDetectedSlips},
       {"detected-clocks", ProveDetectedClocks},
+      {"counted-epochs", ProveCountedEpochs},
+      {"code-figures", ProveCodeFigures},
+      {"receiver-figures", ProveReceiverFigures},
+      {"signal-figures", ProveSignalFigures},
   };
   // clang-format on
   return kProofs;

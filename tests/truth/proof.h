@@ -76,6 +76,10 @@ void ProveResults(bool long_form, Proof& proof);
 void ProveLaws(bool long_form, Proof& proof);
 void ProveDetectedSlips(bool long_form, Proof& proof);
 void ProveDetectedClocks(bool long_form, Proof& proof);
+void ProveCountedEpochs(bool long_form, Proof& proof);
+void ProveCodeFigures(bool long_form, Proof& proof);
+void ProveReceiverFigures(bool long_form, Proof& proof);
+void ProveSignalFigures(bool long_form, Proof& proof);
 
 }  // namespace orsolva_test
 

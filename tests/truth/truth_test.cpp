@@ -40,6 +40,10 @@ TEST(Truth, BestCombinationsAndMergedResultsFollowFromTheSatellites) { Hold("res
 TEST(Truth, LawsHoldOnTroubledSkies) { Hold("laws", 800); }
 TEST(Truth, DetectorFindsInjectedSlipsAndNoOthers) { Hold("detected-slips", 30); }
 TEST(Truth, DetectorNamesClocksGlitchesAndFlagsAndNoSlips) { Hold("detected-clocks", 20); }
+TEST(Truth, AnalysisCountsEpochsGapsAndCompletenessExactly) { Hold("counted-epochs", 1500); }
+TEST(Truth, CodeFiguresAreTheInjectedNoiseAndMultipath) { Hold("code-figures", 150); }
+TEST(Truth, PositionAndReceiverClockAreTheInjectedOnes) { Hold("receiver-figures", 45); }
+TEST(Truth, StrengthPhaseNoiseAndIonosphericRateAreTheInjectedOnes) { Hold("signal-figures", 150); }
 
 TEST(ValidationPage, ShowsEveryProofInItsLongFormWithTheCommand) {
   const std::string page = CommittedPage();

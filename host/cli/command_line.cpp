@@ -85,6 +85,21 @@ std::string WrongUsage(const CLI::App& parser, const CLI::ParseError& error) {
   return extras.empty() ? what : "'" + extras.front() + "' is one argument too many";
 }
 
+/// Refuses an option where a value belongs; the parser takes any word there. A file of such a name is given
+/// as
+/// ./--name or --option=--name.
+void RefuseOptionsAsValues(const Command& command, const std::vector<std::string>& arguments) {
+  const auto find = [&command](const std::string& word) {
+    return std::find_if(command.options.begin(), command.options.end(),
+                        [&word](const Option& row) { return !row.positional && word == "--" + row.name; });
+  };
+  for (std::size_t i = 1; i < arguments.size(); ++i) {
+    const auto before = find(arguments[i - 1]);
+    if (before == command.options.end() || !before->TakesValue()) continue;
+    if (find(arguments[i]) != command.options.end()) throw UsageError("--" + before->name + " needs a value");
+  }
+}
+
 bool EndsIn(const std::string& text, const std::string& ending) {
   return text.size() > ending.size() && text.compare(text.size() - ending.size(), ending.size(), ending) == 0;
 }
@@ -109,6 +124,7 @@ CommandLine ParseCommandLine(const std::vector<Command>& commands,
   const std::string name = parser.get_subcommands().front()->get_name();
   const auto chosen = std::find_if(commands.begin(), commands.end(),
                                    [&name](const Command& command) { return command.name == name; });
+  RefuseOptionsAsValues(*chosen, arguments);
   line.command = &*chosen;
   for (const Option& row : chosen->options) {
     if (!row.set) continue;

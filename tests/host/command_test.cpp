@@ -60,6 +60,8 @@ TEST(Command, WrongUsageIsNamedInTheWordsOfTheProgram) {
   EXPECT_EQ(said("--bogus"), "orsolva: there is no option '--bogus'" + more);
   EXPECT_EQ(said("qc a.rnx --elevation"), "orsolva: --elevation needs a value" + more);
   EXPECT_EQ(said("qc a.rnx --nav"), "orsolva: --nav needs a value" + more);
+  EXPECT_EQ(said("qc a.rnx --elevation --sats"), "orsolva: --elevation needs a value" + more);
+  EXPECT_EQ(said("qc a.rnx --html --sats"), "orsolva: --html needs a value" + more);
   EXPECT_EQ(said("version now"), "orsolva: 'now' is one argument too many" + more);
   EXPECT_EQ(said("qc a.rnx --elevation 91"),
             "orsolva: --elevation: '91' is not a number from 0 to 90" + more);

@@ -15,10 +15,24 @@ import re
 import subprocess
 import sys
 import tempfile
+import zlib
 
 program, data = sys.argv[1], pathlib.Path(sys.argv[2])
 OBSERVATIONS = re.compile(r"(_[MGRECJ]O\.(crx|rnx)|\.\d\d[oOdD])(\.gz)?$")
-files = sorted(p for p in data.glob("*") if OBSERVATIONS.search(p.name)) if data.is_dir() else []
+
+
+def is_observation_file(path):
+    """By its name and its first line; a folder or another file of such a name is none."""
+    if not OBSERVATIONS.search(path.name) or not path.is_file():
+        return False
+    begins = path.read_bytes()
+    if begins[:2] == b"\x1f\x8b":
+        begins = zlib.decompressobj(31).decompress(begins, 200)
+    first = begins.partition(b"\n")[0]
+    return b"OBSERVATION" in first or b"CRINEX" in first or b"COMPACT RINEX" in first
+
+
+files = sorted(p for p in data.glob("*") if is_observation_file(p)) if data.is_dir() else []
 if not files:
     print("no observation files in", data)
     sys.exit(1 if os.environ.get("ORSOLVA_NO_SKIPS") else 77)

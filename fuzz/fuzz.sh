@@ -30,11 +30,14 @@ fuzz() {
   local target=$1
   mkdir -p "$build/corpus/$target" "$build/seeds/$target" "$build/findings/$target"
   local folders=("$build/corpus/$target" "$build/seeds/$target" "fuzz/seeds/$target")
-  [ ! -d "fuzz/regressions/$target" ] || folders+=("fuzz/regressions/$target")
+  local more
+  for more in "fuzz/regressions/$target" "$build/fuzz/corpora/$target"; do
+    [ ! -d "$more" ] || folders+=("$more")
+  done
   # Weighing rare features takes a sixth of the time where a run is as short as here; no run uses more bytes.
   local options=(-max_len=20000)
   case $target in boundary_records | analysis) options=(-max_len=4096 -entropic=0) ;; esac
-  "$build/bin/fuzz_$target" "${options[@]}" -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 \
+  "$build/bin/fuzz_$target" "${options[@]}" -max_total_time="$seconds" -timeout=60 -rss_limit_mb=2048 \
     -dict="fuzz/$(dictionary_of "$target")" -print_final_stats=1 -artifact_prefix="$build/findings/$target/" \
     "${folders[@]}" 2>"$build/findings/$target.log"
 }

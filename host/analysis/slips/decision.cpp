@@ -14,6 +14,7 @@ constexpr int kMostTries = 4;
 constexpr double kClearlyMore = 1.0;  // nats by which a neighbour's repair must gain more
 constexpr double kBudgetPerStep = 0.05;
 constexpr double kLargestBudget = 100;
+constexpr double kHopelessMargin = 1;  // nats, of kSureGapMargin; the rest is what priors and noise may add
 constexpr double kLeastBudget = -100;  // below, breaks are not searched either
 constexpr double kCarriedPart = 0.25;  // of the variance of the fitted rates that a hole adds per step
 constexpr double kLeastCarried_m2 = 1e-7;
@@ -52,8 +53,12 @@ void Decision::DecideNext(SatelliteTrack& track) {
     const bool hole = state.gap || scratch_.returning != 0;
     if (!hole && !IsCandidate(track, step, scratch_, chi2)) break;
     if (tries == 0) RefreshScales(track, step, around_);
+    if (state.gap && IsHopeless(track, scratch_)) {
+      GiveUp(track, step, hole, "one cycle would be lost in what the hole leaves open");
+      break;
+    }
     if (track.budget < (hole ? 1 : kLeastBudget)) {
-      GiveUp(track, step, hole);
+      GiveUp(track, step, hole, "not searched: too many holes and breaks of this satellite");
       break;
     }
     track.budget -= 1;
@@ -68,8 +73,17 @@ void Decision::DecideNext(SatelliteTrack& track) {
   ++track.decide;
 }
 
+/// Whether a slip of one cycle on all signals, which no wide lane shows, is so small against what a hole of
+/// the satellite leaves open that no search can be sure.
+bool Decision::IsHopeless(const SatelliteTrack& track, const StepTest& test) {
+  std::array<double, kMostSignals> cycle;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(test.count); ++i)
+    cycle[i] = track.signals[test.signal[i]].wavelength_m;
+  return 0.5 * Chi2(test, cycle) < kHopelessMargin;
+}
+
 /// A step for which no search is left: a hole stays open, and what fits nothing is a break.
-void Decision::GiveUp(SatelliteTrack& track, std::int64_t step, bool hole) {
+void Decision::GiveUp(SatelliteTrack& track, std::int64_t step, bool hole, const char* why) {
   if (!hole && !(Chi2(scratch_) > kFitChi2)) return;
   case_.track = &track;
   case_.step = step;
@@ -78,7 +92,7 @@ void Decision::GiveUp(SatelliteTrack& track, std::int64_t step, bool hole) {
   case_.lost_lock = AnyFlag(track, scratch_, step, &SignalTrack::lost_lock);
   case_.chi2 = Chi2(scratch_);
   AddEventWithoutEvidence(hole ? HoleKind() : EventKind::kJump, nullptr, 0, 0, false);
-  track.events.back().second.evidence = "not searched: too many holes and breaks of this satellite";
+  track.events.back().second.evidence = why;
   if (hole) return LeaveUnresolved(track, step);
   track.At(step).broken = true;
 }

@@ -89,7 +89,8 @@ class Decision {
   static void Readmit(SatelliteTrack& track, std::int64_t step);
   void AddEvent(EventKind kind, const Cycles* sizes, double score, double margin, bool sure);
   void AddEventWithoutEvidence(EventKind kind, const Cycles* sizes, double score, double margin, bool sure);
-  void GiveUp(SatelliteTrack& track, std::int64_t step, bool hole);
+  static bool IsHopeless(const SatelliteTrack& track, const StepTest& test);
+  void GiveUp(SatelliteTrack& track, std::int64_t step, bool hole, const char* why);
   void Carry(SatelliteTrack& track, std::int64_t step) const;
 
   double interval_s_;

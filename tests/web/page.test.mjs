@@ -80,6 +80,15 @@ describe('page', () => {
     for (const caption of ['Systems', 'Signals', 'Satellites', 'Slips and restarts']) {
       assert.equal(await page.locator('caption', { hasText: new RegExp(`^${caption}$`) }).count(), 1, caption);
     }
+    for (const [caption, rows] of [
+      ['Systems of the analysis', json.analysis.systems],
+      ['Signals of the analysis', json.analysis.signals],
+    ]) {
+      const table = page.locator('table', { has: page.locator('caption', { hasText: new RegExp(`^${caption}$`) }) });
+      assert.equal(await table.locator('tbody tr').count(), rows.length, caption);
+    }
+    const events = page.locator('table', { has: page.locator('caption', { hasText: /^Events of the analysis$/ }) });
+    assert.ok((await events.locator('tbody tr').count()) > 0);
     await context.close();
   });
 });

@@ -11,14 +11,14 @@ const SLIPS = new Set(['slip', 'half_cycle', 'jump', 'gap_slip', 'signal_gap_sli
 function systemTable(report: Report): HTMLElement {
   const figures = figureColumns(ANALYSIS_SYSTEM);
   const rows = report.analysis.systems.map((s): Cell[] => [NAMES[s.letter] ?? s.letter, ...figures.cells(s)]);
-  return new SortTable('Systems', [text('System'), ...figures.columns], rows).element;
+  return new SortTable('Systems of the analysis', [text('System'), ...figures.columns], rows).element;
 }
 
 function signalTable(report: Report): HTMLElement {
   const figures = figureColumns(ANALYSIS_SIGNAL);
   const columns = [text('Signal'), text('Partner', 'The signal whose phase takes the ionosphere off the multipath'), ...figures.columns];
   const rows = report.analysis.signals.map((s): Cell[] => [`${s.letter} ${s.signal}`, s.multipath_partner, ...figures.cells(s)]);
-  return new SortTable('Signals', columns, rows).element;
+  return new SortTable('Signals of the analysis', columns, rows).element;
 }
 
 /** What no table shows: gaps, contradictions, satellites without an orbit. */

@@ -17,7 +17,7 @@ std::string SlippedText(const std::vector<SignalCode>& signals, const std::vecto
                         const char* verb = "slipped by");
 
 /// What speaks for an event: the residuals of the other signals once a slip is taken off, or without a slip
-/// the whole test vector, and the wide lane that tells most. "the other three signals within 0.13 cycle; wide
+/// the whole test vector, and the wide lane known best. "the other three signals within 0.13 cycle; wide
 /// lane 11.9 +- 0.4".
 std::string EvidenceText(const SatelliteTrack& track, std::int64_t step, const StepTest& test,
                          const WideLaneEvidence& wide_lanes, const Cycles& slip);

@@ -277,7 +277,7 @@ void SlipDetector::FindCommonPart() {
   for (StepState* step : steps) step->common_m = common;
 }
 
-/// What the ionosphere does now, over all satellites that can tell: its change from step to step, known at
+/// What the ionosphere does now, over all satellites with two bands: its change from step to step, known at
 /// once, and its departure from the median rate.
 void SlipDetector::WatchIonosphere() {
   for (const SatelliteIntake* intake : present_) {

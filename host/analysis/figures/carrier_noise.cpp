@@ -57,8 +57,7 @@ void CarrierNoise::AddStep(const StepOutcome& outcome) {
   if (ready == 0) return;
   if (fast_) {
     Wait(outcome, ready, satellite);
-  } else if (outcome.up &&
-             outcome.step % 2 == 0) {  // neighbours have three values in common and add little
+  } else if (outcome.up && outcome.step % 2 == 0) {  // neighbours have three values in common and add little
     AddCombinations(outcome, ready, satellite);
   }
 }

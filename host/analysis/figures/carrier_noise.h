@@ -4,19 +4,19 @@
 // remove what is smooth and turn white noise s into sqrt(20) s; s = 1.4826 median |D| / sqrt(20). What x is
 // depends on the data, and so does what the figure holds:
 //
-//   third difference  at 1 s and faster: the phase less what the phases of the epoch have in common, the
-//                     median of D over the first signals of the other satellites, at least kLeastSatellites
-//                     - 1. Holds tracking noise, the satellite's own clock and what the median adds: 7 % with
-//                     twelve satellites, 2 % with forty.
-//   within the band   the difference of two phases of the satellite on one carrier, over sqrt 2. Holds
-//   tracking noise and quick
-//                     multipath, as the mean of both signals; signals whose phases are copies of each other
-//                     have no figure.
-//   three bands       the combination of three phases free of geometry and ionosphere, over its own gain,
-//   given for
-//                     signals that make at least kLeastShare of its variance if all are equally good. Holds
-//                     tracking noise and quick multipath, as a mean of the three. At longer intervals than 1
-//                     s it is taken where the band has no second signal.
+//   third difference
+//     At 1 s and faster: the phase less what the phases of the epoch have in common, the median of D over the
+//     first signals of the other satellites, at least kLeastSatellites - 1. Holds tracking noise, the
+//     satellite's own clock and what the median adds: 7 % with twelve satellites, 2 % with forty.
+//   within the band
+//     The difference of two phases of the satellite on one carrier, over sqrt 2. Holds tracking noise and
+//     quick multipath, as the mean of both signals; signals whose phases are copies of each other have no
+//     figure.
+//   three bands
+//     The combination of three phases free of geometry and ionosphere, over its own gain, given for signals
+//     that make at least kLeastShare of its variance if all are equally good. Holds tracking noise and quick
+//     multipath, as a mean of the three. At longer intervals than 1 s it is taken where the band has no
+//     second signal.
 //
 // A signal that none of them reaches has no figure: one or two bands at 30 s leave the ionosphere in.
 // Population: from the cut-off up. Figures of fewer than kLeastValues values are absent.
@@ -64,9 +64,8 @@ class CarrierNoise {
     std::array<double, 3> weight = {};
   };
   struct Satellite {
-    std::vector<Signal> signals;  ///< by number
-    std::array<SignalMask, 3> smooth =
-        {};                ///< signals that went on over the last three even steps, newest first
+    std::vector<Signal> signals;            ///< by number
+    std::array<SignalMask, 3> smooth = {};  ///< signals that went on over the last even steps, newest first
     SignalMask ready = 0;  ///< signals with a third difference that the combinations are made of
     std::array<Combination, kMostSignals> combinations;
   };

@@ -2,16 +2,16 @@
 //
 // Notation: P code, L phase (m), mu = (1575.42 MHz / f)^2; s the signal, p its partner (partner_signal.h).
 //
-//   multipath   M = P_s - L_s - c (L_s - L_p), c = 2 mu_s / (mu_p - mu_s): multipath and noise of the code
-//   plus
-//               a constant (Estey and Meertens 1999, GPS Solutions 3(1)). Its RMS is given about the mean of
-//               a window of 630 s (moving_scatter.h) and about the mean of each arc, pooled over arcs.
-//   code noise  1.4826 median |M_k - M_(k-1)| / sqrt 2 over consecutive epochs: the part that changes at the
-//               interval of the data; at 30 s that holds quick multipath, too.
-//   wide lane   (f_s L_s - f_p L_p) / (f_s - f_p) - (f_s P_s + f_p P_p) / (f_s + f_p) (Melbourne 1985,
-//   Wuebbena
-//               1985), pooled scatter about the mean of each arc, in wide-lane cycles and m: mostly code
-//               noise.
+//   multipath
+//     M = P_s - L_s - c (L_s - L_p), c = 2 mu_s / (mu_p - mu_s): multipath and noise of the code plus a
+//     constant (Estey and Meertens 1999, GPS Solutions 3(1)). Its RMS is given about the mean of a window of
+//     630 s (moving_scatter.h) and about the mean of each arc, pooled over arcs.
+//   code noise
+//     1.4826 median |M_k - M_(k-1)| / sqrt 2 over consecutive epochs: the part that changes at the interval
+//     of the data; at 30 s that holds quick multipath, too.
+//   wide lane
+//     (f_s L_s - f_p L_p) / (f_s - f_p) - (f_s P_s + f_p P_p) / (f_s + f_p) (Melbourne 1985, Wuebbena 1985),
+//     pooled scatter about the mean of each arc, in wide-lane cycles and m: mostly code noise.
 //
 // Phases are the detector's: slips that are certain are taken off and the arc goes on. It ends with a slip of
 // either phase that is not certain, a jump, a hole left open, a hole of more than 600 s, and where a better

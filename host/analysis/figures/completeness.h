@@ -1,10 +1,10 @@
 // Observed against expected epochs of every signal, from the horizon (0 degrees) and from the cut-off up.
 //
-//   expected  nominal epochs at which the satellite is at or above the elevation and is healthy, between
-//   the
-//             first and the last epoch of the stream, gaps included (expected_epochs.h)
+//   expected  nominal epochs at which the satellite is at or above the elevation and is healthy, from the
+//             first to the last epoch of the stream, gaps included (expected_epochs.h)
 //   observed  those of them with both code and phase of the signal; its strength is not required
 //   ratio     observed / expected
+//
 // Of a satellite those signals are expected that it was observed with at least once (code and phase), and
 // those that it must transmit because of them (transmitted_signals.h), if at most one in kTrackedOn
 // satellites that must transmit them was not observed with them: what a receiver does not track at all, or

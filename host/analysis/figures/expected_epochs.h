@@ -23,9 +23,8 @@ class ExpectedEpochs {
   };
 
   /// Takes the next epoch of the stream; leaves the visibility there.
-  /// @param steps  nominal epochs from the one before to this one, itself included; the nominal epochs
-  /// between
-  ///               are spread evenly. With 0 nothing is counted.
+  /// @param steps  nominal epochs from the one before to this one, itself included; those between are spread
+  /// evenly. With 0 nothing is counted.
   void Add(std::int64_t time_ns, std::int64_t steps, const Station& station, Visibility& visibility);
 
   /// Whether the satellite was counted as expected at the epoch taken last.

@@ -10,14 +10,15 @@
 //   pdop             of those satellites, each system with a clock of its own
 //   scatter_enu_m    half the distance between the quantiles 15.87 % and 84.13 %: one sigma of a normal
 //                    distribution
-//   moving           one of these, with d = max(10 m, 8 sigma, 4 RMS PDOP), sigma being the noise of a
-//   solution as
-//                    successive ones differ (median of horizontal differences / (1.1774 sqrt 2), where
-//                    1.1774 = sqrt(2 ln 2) is the median of a Rayleigh distribution):
+//   moving           one of these:
 //                    - phases show a shift of the antenna in at least a fifth of the steps;
 //                    - ten epochs lie farther than 10 m from the first one by the shifts of the phases, and
 //                      by their codes;
-//                    - the quantiles 10 % and 90 % of east or north lie farther apart than d
+//                    - the quantiles 10 % and 90 % of east or north lie farther apart than
+//                      max(10 m, 8 sigma, 4 RMS PDOP), sigma being the noise of a solution as successive
+//                      ones differ: median of horizontal differences / (1.1774 sqrt 2), where 1.1774 =
+//                      sqrt(2 ln 2) is the median of a Rayleigh distribution
+//
 // Median, scatter and distances are those of an antenna at rest and absent for a moving one. Solutions are
 // binned to 2 cm within 100 m of the first position; everything needs at least ten of them.
 #ifndef ORSOLVA_ANALYSIS_FIGURES_POSITION_H
@@ -45,7 +46,8 @@ class Position {
   /// Takes the step that leads to an epoch.
   void AddStep(const ReceiverStep& step);
 
-  /// @param header  position of the header, absent where it states none @param given  by the user
+  /// @param header  position of the header
+  /// @param given   by the user
   void FillIn(const std::optional<Vector3>& header, const std::optional<Vector3>& given,
               PositionFigures& figures) const;
 

@@ -49,8 +49,8 @@ class SignalRoster {
   std::vector<std::vector<std::size_t>> signals_of_;  ///< of each satellite
   std::vector<ListedSignal> signals_;
   std::vector<SharedSignal> shared_;
-  std::array<std::vector<std::size_t>, 128>
-      by_letter_;  ///< satellite numbers, one more, by system and number
+  /// Places in satellites_, one more, by letter and number; 0 where the satellite is not listed.
+  std::array<std::vector<std::size_t>, 128> by_letter_;
   std::vector<std::size_t> satellite_at_;
   std::vector<std::size_t> signal_at_;
 };

@@ -1,11 +1,11 @@
 // What is in the sky over the antenna while the stream goes on, observed or not.
 //
-//   highest    of a satellite's elevations at epochs with a code or phase
-//   has_record a broadcast record or precise orbit was there for at least one epoch at which it was observed
-//   never observed  satellites with an orbit that were above the cut-off in at least one nominal epoch and
-//   of
-//              which the stream holds nothing; unhealthy ones are marked. Systems that the stream holds
-//              nothing of are left out.
+//   highest         of a satellite's elevations at epochs with a code or phase
+//   has_record      a broadcast record or precise orbit was there for at least one epoch at which it was
+//                   observed
+//   never observed  satellites with an orbit that were above the cut-off in at least one nominal epoch and of
+//                   which the stream holds nothing; unhealthy ones are marked. Systems that the stream holds
+//                   nothing of are left out.
 #ifndef ORSOLVA_ANALYSIS_FIGURES_SKY_H
 #define ORSOLVA_ANALYSIS_FIGURES_SKY_H
 

@@ -1,13 +1,14 @@
 // Signal strength (C/N0, dB-Hz) of every signal, of satellites and over systems.
 //
-//   mean    arithmetic mean of all values above zero (files write 0 for an unknown strength)
-//   p5      5th percentile of all values, to 0.25 dB (strength_histogram.h); absent with fewer than
-//   kLeastValues by elevation  the same over the values of each 5-degree bin [a, b), the last one with its
-//   end; without an
-//           orbit and below the horizon a value is in no bin. The percentiles of bins are given over systems
-//           only.
-//   drops   strength_drops.h, of the last kKeptWindows windows of five minutes (26 hours); without orbits
-//   none
+//   mean          arithmetic mean of all values above zero (files write 0 for an unknown strength)
+//   p5            5th percentile of all values, to 0.25 dB (strength_histogram.h); absent with fewer than
+//                 kLeastValues
+//   by elevation  the same over the values of each 5-degree bin [a, b), the last one with its end; without an
+//                 orbit and below the horizon a value is in no bin. The percentiles of bins are given over
+//                 systems only.
+//   drops         strength_drops.h, of the last kKeptWindows windows of five minutes (26 hours); without
+//                 orbits none
+//
 // Memory: 1.5 kB and at most 3.7 kB of windows per signal of a satellite, 18 kB per signal of a system.
 #ifndef ORSOLVA_ANALYSIS_FIGURES_STRENGTH_H
 #define ORSOLVA_ANALYSIS_FIGURES_STRENGTH_H

@@ -21,8 +21,8 @@ struct ModelledRange {
 
 /// @param time_ns        tag of the epoch
 /// @param pseudorange_m  any valid code of the satellite; it gives the time of transmission whatever the
-/// receiver clock
-///                       is, up to a millisecond and beyond (1 ms of clock is up to 0.8 m of range)
+/// receiver clock is, up to a millisecond and beyond (1 ms of clock is up to 0.8 m of range)
+///
 /// The Earth's turn while the signal travels is taken off (Sagnac). Invalid where the record gives no
 /// position.
 ModelledRange RangeAt(SatelliteRecords& records, std::size_t record, const Station& station,

@@ -1,8 +1,8 @@
 // Fields of RTCM 3 messages as JSON, and random messages, for the comparison with independent decoders
 // (oracles.py).
 //
-// usage: rtcm_fields dump FILE               a line of JSON per frame: [DF number, integer, value or null]
-// each
+// usage: rtcm_fields dump FILE               a line of JSON per frame: [DF number, integer, value] of each
+// field
 //        rtcm_fields random COUNT SEED FILE  frames of every decoded type with random fields
 //        rtcm_fields epochs FILE SECONDS     decoded epochs; SECONDS: GPS time near the recording, or 0
 #include <cinttypes>

@@ -2,7 +2,7 @@
 //
 // The epoch line is kept as text and each later one contains only the changed characters, '&' for a blank.
 // Every value is an integer number of thousandths and is stored as the difference of order k to the previous
-// epochs, the order growing by one per epoch up to the order of the arc: "3&23818653240" begins an arc of
+// epochs, the order growing by one per epoch up to the order of the arc: "3&23104857160" begins an arc of
 // order 3. The flags of a satellite's values follow the values, again as changed characters. The two versions
 // differ in the epoch line: the column of the satellites and the character that begins a full line.
 // Source: Hatanaka 2008, Bulletin of the Geospatial Information Authority of Japan 55.

@@ -6,7 +6,6 @@
 // no-navigation        warning   there is no broadcast record that can be used: the text says which file is missing
 // no-position          warning   no position could be computed, so that the library gives no figures
 // no-epochs            warning   the library took no epoch
-// no-systems           warning   the library knows none of the systems chosen
 // implausible          warning   the library refuses its own result, as with more epochs than the interval allows
 // not-judged           warning   a satellite was observed, and is unhealthy or has no broadcast record or no position
 // nothing-judged       warning   no satellite was judged: there are no figures, and no "good" finding is said

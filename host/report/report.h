@@ -60,7 +60,7 @@ struct NavigationCoverage {
 /// Why a report has no figures of the library.
 struct LibraryAbsence {
   std::string
-      id;  ///< stable name: "no-navigation", "no-position", "no-epochs", "no-systems" or "implausible"
+      id;  ///< stable name, that of a finding: "no-navigation", "no-position", "no-epochs" or "implausible"
   std::string text;  ///< what was missing and what the user can do
 };
 

@@ -8,7 +8,7 @@
 //                     interval long, hold a reset or are not known break the chain. At ten intervals: the
 //                     same of means over ten steps in a row. Below a few 1e-12 at 30 s (1e-10 at 1 s) it is
 //                     the noise of phases and satellite clocks. At least ten pairs.
-//   resets            events receiver_clock_reset; code_clock_jumps, restarts: events of those names
+//   resets            events clock_reset_ms; code_clock_jumps and restarts: code_clock_jump, receiver_restart
 //   steered           no reset or jump, and at least 99 % of the offsets within 1 us of the first (steered,
 //                     or run by an atomic standard); over at least five minutes and ten offsets
 #ifndef ORSOLVA_ANALYSIS_FIGURES_RECEIVER_CLOCK_FIGURES_H

@@ -84,7 +84,9 @@ LibraryRun::LibraryRun(const EpochSource& source, const JudgingSettings& setting
                        DetailSink* detail)
     : source_(source), settings_(settings), diagnostics_(diagnostics) {
   sinks_.Add(&events_);
-  if (detail != nullptr) sinks_.Add(detail);
+  if (detail == nullptr) return;
+  sinks_.Add(detail);
+  observer_ = &sinks_;
 }
 
 void LibraryRun::Refuse(std::string id, std::string text) {
@@ -111,7 +113,7 @@ void LibraryRun::Start(const ReadNavigation& navigation, const Time_gbt& first, 
   const orsolva::Status status = session_.Start(config, navigation.set.Body());
   if (status.Code() == StatusCode::kNoMemory) throw RunError("there is not enough memory for a run.");
   if (!status) return RefuseNavigation(kNoRecords);
-  orsolva::SetDetailObserver(session_.Handle(), &sinks_);
+  orsolva::SetDetailObserver(session_.Handle(), observer_);
 }
 
 void LibraryRun::Feed(const ObsEpoch_QC_gbt* epochs, std::size_t count) {

@@ -52,6 +52,7 @@ class LibraryRun {
   Diagnostics& diagnostics_;
   DetailCollector events_{DetailCollector::Keep::kFindings};
   DetailFanOut sinks_;
+  orsolva::QcDetailObserver* observer_ = &events_;  ///< of the library; sinks_ where there are several
   std::unique_ptr<CoverageCounter> coverage_;
   orsolva::Session session_;
   Time_gbt first_ = {};

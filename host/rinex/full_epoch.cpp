@@ -130,25 +130,27 @@ void FullEpoch::Fill(const EpochBlock& block, const Time_gbt& time, ObservationE
 
 void FullEpoch::FillSatellite(const SystemCells& system, const EpochBlock& block, const SatelliteRow& row,
                               ObservationEpoch& epoch) {
-  signals_.assign(system.codes.size(), SignalObservation{});
+  SatelliteObservation satellite;
+  satellite.id = {row.letter, static_cast<std::uint8_t>(row.number)};
+  satellite.first_signal = epoch.signals.size();
+  epoch.signals.resize(satellite.first_signal + system.codes.size());
+  SignalObservation* const signals = epoch.signals.data() + satellite.first_signal;
   const std::size_t cells = std::min(row.cells, system.cells.size());
   for (std::size_t i = 0; i < cells; ++i) {
     const CellMeaning& meaning = system.cells[i];
     const Cell& cell = block.cells[row.first_cell + i];
     if (meaning.signal < 0 || !cell.present || cell.value == 0) continue;
-    SignalObservation& signal = signals_[static_cast<std::size_t>(meaning.signal)];
-    Store(meaning.kind, cell.value / meaning.scale, signal);
+    SignalObservation& signal = signals[meaning.signal];
+    Store(meaning.kind, meaning.scale == 1 ? cell.value : cell.value / meaning.scale, signal);
     if (meaning.kind == 'L') StoreMarks(cell, signal);
   }
-  SatelliteObservation satellite;
-  satellite.id = {row.letter, static_cast<std::uint8_t>(row.number)};
-  satellite.first_signal = epoch.signals.size();
-  for (std::size_t i = 0; i < signals_.size(); ++i) {
-    if (!HasValue(signals_[i])) continue;
-    signals_[i].code = system.codes[i];
-    epoch.signals.push_back(signals_[i]);
+  for (std::size_t i = 0; i < system.codes.size(); ++i) {
+    if (!HasValue(signals[i])) continue;
+    SignalObservation& kept = signals[satellite.signal_count++];
+    if (&kept != &signals[i]) kept = signals[i];
+    kept.code = system.codes[i];
   }
-  satellite.signal_count = epoch.signals.size() - satellite.first_signal;
+  epoch.signals.resize(satellite.first_signal + satellite.signal_count);
   if (satellite.signal_count > 0) epoch.satellites.push_back(satellite);
 }
 

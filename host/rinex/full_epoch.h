@@ -47,8 +47,7 @@ class FullEpoch {
                      ObservationEpoch& epoch);
 
   std::array<SystemCells, 26> systems_;
-  std::vector<SignalObservation> signals_;  ///< of the satellite at hand
-  std::bitset<26 * 100> seen_;              ///< satellites of the epoch at hand
+  std::bitset<26 * 100> seen_;  ///< satellites of the epoch at hand
   std::uint32_t events_ = 0;
 };
 

@@ -371,7 +371,7 @@ void ObservationReader::FillSignals(const SystemPlan& plan, const SatelliteRow& 
     const Cell& cell = block_.cells[row.first_cell + i];
     if (plan_of.signal < 0 || !cell.present) continue;
     Signal_QC_gbt& signal = signals_[static_cast<std::size_t>(plan_of.signal)];
-    Store(plan_of.kind, cell.value / plan_of.scale, signal);
+    Store(plan_of.kind, plan_of.scale == 1 ? cell.value : cell.value / plan_of.scale, signal);
     if (plan_of.strength_digit && cell.strength >= '1' && cell.strength <= '9') {
       signal.snr = kStrengthStep_dbhz * static_cast<float>(cell.strength - '0');
     }

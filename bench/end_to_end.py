@@ -4,24 +4,28 @@
 usage: bench/end_to_end.py BUILD OBS NAV [--rounds N] [--jobs-files N]
 
 The reports are asked for alone and both in one run. Rounds of the commands alternate, so that what else the
-machine does meets all alike; processor time (user and system) of the fastest round counts.
+machine does meets all alike; of wall time and of processor time (user and system, all threads) the fastest
+round counts.
 With --jobs-files N, as many copies of the day are processed by one process after the other and by
 two at a time, and the rates are compared by the clock on the wall.
 """
 import argparse
-import os
 import pathlib
+import resource
 import subprocess
 import tempfile
 import time
 
 
-def processor_seconds(command):
-    before = os.times()
-    with open(os.devnull, "wb") as sink:
-        subprocess.run([str(part) for part in command], stdout=sink, stderr=sink, check=True)
-    after = os.times()
-    return after.children_user - before.children_user + after.children_system - before.children_system
+def seconds(command, repeats):
+    """Wall time and processor time of a command."""
+    words = [str(part) for part in command]
+    before, started = resource.getrusage(resource.RUSAGE_CHILDREN), time.monotonic()
+    for _ in range(repeats):
+        subprocess.run(words, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, check=True)
+    wall, after = time.monotonic() - started, resource.getrusage(resource.RUSAGE_CHILDREN)
+    processor = after.ru_utime - before.ru_utime + after.ru_stime - before.ru_stime
+    return wall / repeats, processor / repeats
 
 
 def ratios(tool, obs, nav, rounds, folder):
@@ -31,15 +35,16 @@ def ratios(tool, obs, nav, rounds, folder):
         "JSON report": [tool, "qc", "--no-config", "--json", obs, nav],
         "both reports": [tool, "qc", "--no-config", f"--text={folder}/report.txt", f"--json={folder}/report.json", obs, nav],
     }
-    best = {name: float("inf") for name in commands}
+    best = {name: (float("inf"), float("inf")) for name in commands}
     for _ in range(rounds):
         for name, command in commands.items():
             # Short commands are below the resolution of the processor clock when run alone.
-            repeats = 20 if name == "gzip -dc" else 3
-            spent = sum(processor_seconds(command) for _ in range(repeats)) / repeats
-            best[name] = min(best[name], spent)
-    for name, seconds in best.items():
-        print(f"{name:12} {seconds * 1e3:8.1f} ms {seconds / best['gzip -dc']:6.2f} times gzip -dc")
+            spent = seconds(command, repeats=20 if name == "gzip -dc" else 3)
+            best[name] = tuple(map(min, best[name], spent))
+    unit_wall, unit_processor = best["gzip -dc"]
+    for name, (wall, processor) in best.items():
+        print(f"{name:12} wall {wall * 1e3:8.1f} ms {wall / unit_wall:6.2f} times gzip -dc,"
+              f" processor {processor * 1e3:8.1f} ms {processor / unit_processor:6.2f} times")
 
 
 def wall_seconds(command, files, at_once):

@@ -1,4 +1,4 @@
-// The analysis over the epochs of a source.
+// The analysis over the epochs of a source, for one thread.
 #ifndef ORSOLVA_JUDGING_ANALYSIS_RUN_H
 #define ORSOLVA_JUDGING_ANALYSIS_RUN_H
 

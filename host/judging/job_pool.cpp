@@ -69,10 +69,12 @@ std::size_t JobPool::Done() {
   return count_;
 }
 
+unsigned MostThreads(unsigned asked) {
+  return asked > 0 ? asked : std::max(1U, std::thread::hardware_concurrency());
+}
+
 unsigned ThreadsFor(unsigned asked, std::size_t jobs) {
-  const unsigned cores = std::max(1U, std::thread::hardware_concurrency());
-  const std::size_t wanted = asked > 0 ? asked : cores;
-  return static_cast<unsigned>(std::clamp<std::size_t>(jobs, 1, wanted));
+  return static_cast<unsigned>(std::clamp<std::size_t>(jobs, 1, MostThreads(asked)));
 }
 
 }  // namespace orsolva_host

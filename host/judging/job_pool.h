@@ -51,6 +51,9 @@ class JobPool {
   std::vector<std::thread> threads_;
 };
 
+/// As many threads as asked for, or one per core.
+unsigned MostThreads(unsigned asked);
+
 /// Threads of a run over so many jobs: as many as asked for, or one per core; never more than jobs, at least
 /// one.
 unsigned ThreadsFor(unsigned asked, std::size_t jobs);

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "host/judging/analysis_run.h"
+#include "host/judging/analysis_thread.h"
 #include "host/judging/epoch_batch.h"
 #include "host/judging/library_run.h"
 #include "host/judging/library_version.h"
@@ -50,6 +51,8 @@ class Run {
 
  private:
   void FillBatch(SharedNavigation& named);
+  bool ReadEpoch(SharedNavigation& named);
+  void StartAnalysis(SharedNavigation& named, const Time_gbt& first);
   void TakeNavigation(SharedNavigation& named, const Time_gbt& first);
   void TakeEpoch(const Time_gbt& time);
   Report Finish();
@@ -65,10 +68,11 @@ class Run {
   std::shared_ptr<const ReadNavigation> named_;       ///< null when no file is named
   std::shared_ptr<const ReadNavigation> navigation_;  ///< named, or where no records are, those found
   LibraryRun library_;
-  std::unique_ptr<AnalysisRun> analysis_;
   NominalInterval interval_;
   std::optional<Time_gbt> first_, last_;
   std::uint64_t epochs_ = 0;
+  bool ended_ = false;                        ///< the source
+  std::unique_ptr<AnalysisThread> analysis_;  ///< last: it uses what is above
 };
 
 Report Run::Judged(SharedNavigation& named) {
@@ -86,17 +90,31 @@ Report Run::Judged(SharedNavigation& named) {
 
 void Run::FillBatch(SharedNavigation& named) {
   batch_size_ = 0;
-  while (batch_size_ < kBatchEpochs && source_.Next(batch_[batch_size_], full_)) {
-    const Time_gbt& time = batch_[batch_size_].time;
-    if (!analysis_) {
-      TakeNavigation(named, time);
-      analysis_ = std::make_unique<AnalysisRun>(settings_, source_, navigation_->broadcast,
-                                                named_ ? named_->precise : nullptr, observers_.events);
+  while (batch_size_ < kBatchEpochs && !ended_) {
+    if (ReadEpoch(named)) {
+      ++batch_size_;
+      continue;
     }
-    analysis_->Add(full_);
-    TakeEpoch(time);
-    ++batch_size_;
+    ended_ = true;
+    if (analysis_) analysis_->End(source_.Changes());
   }
+}
+
+/// Reads the next epoch into the batch and hands it to the analysis. @return false at the end of the data
+bool Run::ReadEpoch(SharedNavigation& named) {
+  if (!source_.Next(batch_[batch_size_], full_)) return false;
+  const Time_gbt& time = batch_[batch_size_].time;
+  if (!analysis_) StartAnalysis(named, time);
+  analysis_->Add(full_);
+  TakeEpoch(time);
+  return true;
+}
+
+void Run::StartAnalysis(SharedNavigation& named, const Time_gbt& first) {
+  TakeNavigation(named, first);
+  auto run = std::make_unique<AnalysisRun>(settings_, source_, navigation_->broadcast,
+                                           named_ ? named_->precise : nullptr, observers_.events);
+  analysis_ = std::make_unique<AnalysisThread>(std::move(run), settings_.analysis_on_own_thread);
 }
 
 void Run::TakeEpoch(const Time_gbt& time) {
@@ -123,7 +141,7 @@ void Run::TakeNavigation(SharedNavigation& named, const Time_gbt& first) {
 
 Report Run::Finish() {
   Report report = library_.Finish(Facts());
-  report.analysis = analysis_->Finish(source_.Changes());
+  report.analysis = analysis_->Result();
   const auto& header = source_.Header().position;
   if (const auto& xyz = report.run.position_m; xyz && header) {
     report.run.distance_from_header_m =

@@ -26,12 +26,14 @@ namespace orsolva_host {
 struct RunObservers {
   DetailSink* detail = nullptr;   ///< notified of every epoch while the run goes on
   RunMonitor* monitor = nullptr;  ///< counts, and may cancel the run
-  EventSink* events = nullptr;    ///< gets every event of the analysis
+  /// Gets every event of the analysis. With JudgingSettings::analysis_on_own_thread it is called by that
+  /// thread, beside the caller and `detail`, and no more once the run has ended.
+  EventSink* events = nullptr;
 };
 
-/// Takes the epochs through the analysis one by one and through the library in batches of 2,880; the first
-/// batch decides which signals the library judges. Where the library refuses, as without navigation, the
-/// report says why and has the rest. With settings.profile the report has a verdict.
+/// Takes the epochs through the analysis one by one and, beside it, through the library in batches of 2,880;
+/// the first batch decides which signals the library judges. Where the library refuses, as without
+/// navigation, the report says why and has the rest. With settings.profile the report has a verdict.
 /// @param navigation   the files named; with none, those next to the source are looked for
 /// @param diagnostics  those of the source; all notices of the run are added
 /// @throws FileError, RunError, Stopped, and what the sink throws

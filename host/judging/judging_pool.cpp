@@ -21,12 +21,20 @@ std::string WithUnrepaired(const std::exception& error, const Diagnostics& diagn
   return text;
 }
 
+/// Settings of a file among so many.
+JudgingSettings SettingsFor(JudgingSettings settings, std::size_t files, unsigned threads) {
+  const std::size_t at_once = ThreadsFor(threads, files);
+  const bool to_spare = 2 * at_once <= MostThreads(threads);
+  settings.analysis_on_own_thread = settings.analysis_on_own_thread && to_spare;
+  return settings;
+}
+
 }  // namespace
 
 JudgingPool::JudgingPool(std::vector<std::string> files, JudgingSettings settings,
                          std::vector<std::string> navigation, PoolOptions options)
     : files_(std::move(files)),
-      settings_(std::move(settings)),
+      settings_(SettingsFor(std::move(settings), files_.size(), options.threads)),
       navigation_(std::move(navigation), settings_.limits),
       options_(std::move(options)),
       monitor_{.count_bytes = options_.count_bytes},

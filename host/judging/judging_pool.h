@@ -39,14 +39,17 @@ class FileHooks {
   virtual ~FileHooks() = default;
   /// Notified of every epoch while the run goes on; may be null.
   virtual DetailSink* Detail() { return nullptr; }
-  /// Gets every event of the analysis; may be null.
+  /// Gets every event of the analysis, perhaps on a thread beside that of the run, before Finish; may be
+  /// null.
   virtual EventSink* Events() { return nullptr; }
   /// Called with the finished report. What it throws becomes the file's error, and the report is dropped.
   virtual void Finish(const Report& /*report*/) {}
 };
 
 struct PoolOptions {
-  unsigned threads = 0;      ///< files at the same time; 0: one per core
+  /// Files at the same time; 0: one per core. Where half as many files use them all, the analysis of each has
+  /// a thread of its own (JudgingSettings::analysis_on_own_thread).
+  unsigned threads = 0;
   bool count_bytes = false;  ///< for PoolProgress::bytes
   /// Makes the hooks of a file; may be empty. Called on several threads; what it throws is the file's error.
   std::function<std::unique_ptr<FileHooks>(std::size_t file)> hooks;

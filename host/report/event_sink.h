@@ -1,4 +1,5 @@
-// Takes the events of an analysis as they are decided.
+// Takes the events of an analysis as they are decided, by one thread at a time, which need not be that of the
+// run's caller; none follows once the run has ended.
 #ifndef ORSOLVA_REPORT_EVENT_SINK_H
 #define ORSOLVA_REPORT_EVENT_SINK_H
 

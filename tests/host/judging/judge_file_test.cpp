@@ -5,7 +5,6 @@
 
 #include <cmath>
 #include <filesystem>
-#include <fstream>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -161,21 +160,11 @@ class KeptEvents : public EventSink {
 };
 
 TEST(JudgeFile, RunsTheAnalysisOverTheSameEpochsAndPassesItsEventsOn) {
-  // Ten epochs are taken out: every satellite has a gap of 330 s and nothing else.
   const SimulatedFiles files;
-  std::ifstream whole(files.Path("a.rnx"));
-  std::ofstream holed(files.Path("holed.rnx"));
-  int epochs = 0;
-  for (std::string line; std::getline(whole, line);) {
-    if (line[0] == '>') ++epochs;
-    const bool skipped = epochs > 60 && epochs <= 70;
-    if (!skipped || line[0] == ' ') holed << line << '\n';
-  }
-  holed.close();
   SharedNavigation navigation({files.Path("nav.rnx")}, {});
   Diagnostics diagnostics;
   KeptEvents kept;
-  const Report report = JudgeFile(files.Path("holed.rnx"), SettingsOfSimulatedHour(), navigation, diagnostics,
+  const Report report = JudgeFile(files.WithAHole(), SettingsOfSimulatedHour(), navigation, diagnostics,
                                   {nullptr, nullptr, &kept});
   EXPECT_TRUE(report.analysis.figures.with_orbits);
   EXPECT_EQ(report.analysis.figures.span.interval_s, 30);

@@ -44,6 +44,18 @@ class SimulatedFiles {
     std::ofstream(Path("broken.rnx")) << "nothing of RINEX\n";
   }
   std::string Path(const std::string& name) const { return folder_ / name; }
+  /// The hour of "a.rnx" without ten epochs in the middle: every satellite has a gap of 330 s.
+  std::string WithAHole() const {
+    std::ifstream whole(Path("a.rnx"));
+    std::ofstream holed(Path("holed.rnx"));
+    int epochs = 0;
+    for (std::string line; std::getline(whole, line);) {
+      if (line[0] == '>') ++epochs;
+      const bool skipped = epochs > 60 && epochs <= 70;
+      if (!skipped || line[0] == ' ') holed << line << '\n';
+    }
+    return Path("holed.rnx");
+  }
 
  private:
   Folder folder_;

@@ -1,0 +1,66 @@
+#include "host/judging/analysis_thread.h"
+
+#include <cstddef>
+#include <system_error>
+#include <utility>
+
+namespace orsolva_host {
+namespace {
+
+// Reading is faster than the analysis, which works on while the library measures a batch of 2,880 epochs: in
+// less room the reader would wait, and the library with it. An epoch of five systems takes 8 KB.
+constexpr std::size_t kMostBlocks = 16;
+
+}  // namespace
+
+AnalysisThread::AnalysisThread(std::unique_ptr<AnalysisRun> run, bool own_thread)
+    : run_(std::move(run)), queue_(kMostBlocks) {
+  if (!own_thread) return;
+  try {
+    thread_ = std::thread([this] { Work(); });
+  } catch (const std::system_error&) {
+    // The calls do the work.
+  }
+}
+
+AnalysisThread::~AnalysisThread() {
+  queue_.Abandon();
+  if (thread_.joinable()) thread_.join();
+}
+
+void AnalysisThread::Work() noexcept {
+  try {
+    ObservationEpoch epoch;
+    while (queue_.Take(epoch)) run_->Add(epoch);
+    if (!queue_.Abandoned()) report_ = run_->Finish(std::move(changes_));
+  } catch (...) {
+    thrown_ = std::current_exception();
+    queue_.Abandon();
+  }
+}
+
+/// Waits for the end of the thread. @throws what it threw
+void AnalysisThread::Join() {
+  thread_.join();
+  if (thrown_) std::rethrow_exception(std::exchange(thrown_, nullptr));
+}
+
+void AnalysisThread::Add(ObservationEpoch& epoch) {
+  if (!thread_.joinable()) return run_->Add(epoch);
+  if (!queue_.Put(epoch)) Join();
+}
+
+void AnalysisThread::End(std::vector<DescriptionChange> changes) {
+  changes_ = std::move(changes);
+  queue_.Close();
+}
+
+AnalysisReport AnalysisThread::Result() {
+  if (thread_.joinable()) {
+    Join();
+    return std::move(report_);
+  }
+  return run_->Finish(std::move(changes_));
+}
+
+}  // namespace orsolva_host

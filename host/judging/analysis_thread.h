@@ -1,0 +1,54 @@
+// The analysis of a run beside its reader and the library, on a thread of its own. Epochs, events and figures
+// are the same as on one thread, and in the same order.
+#ifndef ORSOLVA_JUDGING_ANALYSIS_THREAD_H
+#define ORSOLVA_JUDGING_ANALYSIS_THREAD_H
+
+#include <exception>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include "host/judging/analysis_run.h"
+#include "host/judging/epoch_queue.h"
+#include "host/observation/observation_epoch.h"
+#include "host/observation/station_description.h"
+#include "host/report/report.h"
+
+namespace orsolva_host {
+
+class AnalysisThread {
+ public:
+  /// @param run         its sink is used by the thread, from now until Result returns or this is destroyed
+  /// @param own_thread  else, and where the system gives no thread, the calls below do the work
+  AnalysisThread(std::unique_ptr<AnalysisRun> run, bool own_thread);
+  /// Drops the epochs that still wait.
+  ~AnalysisThread();
+  AnalysisThread(const AnalysisThread&) = delete;
+  AnalysisThread& operator=(const AnalysisThread&) = delete;
+
+  /// @param epoch  the next one; satellites that are not chosen may be taken out of its list
+  /// @throws what the analysis of an epoch before, or the sink, threw
+  void Add(ObservationEpoch& epoch);
+  /// No epoch follows: the figures are computed while the caller goes on.
+  /// @param changes  of antenna, receiver and marker within the data
+  void End(std::vector<DescriptionChange> changes);
+  /// After End: waits for the figures.
+  /// @throws what the analysis or the sink threw
+  AnalysisReport Result();
+
+ private:
+  void Work() noexcept;
+  void Join();
+
+  std::unique_ptr<AnalysisRun> run_;
+  EpochQueue queue_;
+  // Of the thread until it is joined; changes_ is complete before the queue is closed.
+  std::vector<DescriptionChange> changes_;
+  AnalysisReport report_;
+  std::exception_ptr thrown_;
+  std::thread thread_;  ///< last: it uses what is above
+};
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_JUDGING_ANALYSIS_THREAD_H

@@ -1,4 +1,4 @@
-// The analysis of a run beside its reader and the library, on a thread of its own. Epochs, events and figures
+// The analysis of a run on a thread of its own, while reader and library go on. Epochs, events and figures
 // are the same as on one thread, and in the same order.
 #ifndef ORSOLVA_JUDGING_ANALYSIS_THREAD_H
 #define ORSOLVA_JUDGING_ANALYSIS_THREAD_H

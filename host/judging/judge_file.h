@@ -27,11 +27,11 @@ struct RunObservers {
   DetailSink* detail = nullptr;   ///< notified of every epoch while the run goes on
   RunMonitor* monitor = nullptr;  ///< counts, and may cancel the run
   /// Gets every event of the analysis. With JudgingSettings::analysis_on_own_thread it is called by that
-  /// thread, beside the caller and `detail`, and no more once the run has ended.
+  /// thread while the caller and `detail` go on, and no more once the run has ended.
   EventSink* events = nullptr;
 };
 
-/// Takes the epochs through the analysis one by one and, beside it, through the library in batches of 2,880;
+/// Takes the epochs through the analysis one by one and, meanwhile, through the library in batches of 2,880;
 /// the first batch decides which signals the library judges. Where the library refuses, as without
 /// navigation, the report says why and has the rest. With settings.profile the report has a verdict.
 /// @param navigation   the files named; with none, those next to the source are looked for

@@ -39,7 +39,7 @@ class FileHooks {
   virtual ~FileHooks() = default;
   /// Notified of every epoch while the run goes on; may be null.
   virtual DetailSink* Detail() { return nullptr; }
-  /// Gets every event of the analysis, perhaps on a thread beside that of the run, before Finish; may be
+  /// Gets every event of the analysis, perhaps on another thread than that of the run, before Finish; may be
   /// null.
   virtual EventSink* Events() { return nullptr; }
   /// Called with the finished report. What it throws becomes the file's error, and the report is dropped.

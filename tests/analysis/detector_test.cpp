@@ -88,6 +88,25 @@ void Nothing(int, ObservationEpoch&) {}
 
 TEST(SlipDetector, FindsNothingWhereNothingSlips) { EXPECT_TRUE(EventsOf(Day(300, Nothing)).empty()); }
 
+TEST(SlipDetector, TakesTheIntervalOfTheDataWhereTheStatedOneIsAbsurd) {
+  for (const double stated : {0.0, -1.0, 1e15, std::nan("")}) {
+    DetectorOptions options;
+    options.interval_s = stated;
+    SlipDetector detector(options, {});
+    for (const ObservationEpoch& epoch : Day(20, Nothing)) detector.Add(epoch);
+    EXPECT_EQ(detector.Interval(), 1) << stated;
+  }
+}
+
+TEST(SlipDetector, CutsTheIntervalOfEpochsYearsApart) {
+  SlipDetector detector({}, {});
+  std::vector<ObservationEpoch> epochs = Day(20, Nothing);
+  for (std::size_t i = 0; i < epochs.size(); ++i)
+    epochs[i].time_ns = static_cast<std::int64_t>(i) * 400'000'000 * kNanosecondsPerSecond;
+  for (const ObservationEpoch& epoch : epochs) detector.Add(epoch);
+  EXPECT_EQ(detector.Interval(), 1e6);
+}
+
 TEST(SlipDetector, NamesEpochSatelliteSignalsAndSizes) {
   const struct {
     double first, second;

@@ -17,6 +17,9 @@ constexpr double kLongestGap_s = 600;  // a longer hole begins a new arc, untest
 constexpr double kUsualInterval_s =
     30;  // interval at which the figures below were found; others scale with its root
 
+// An interval above this is none, or is cut: nanoseconds of a multiple of it must fit a whole number.
+constexpr double kMaxInterval_s = 1e6;
+
 // Phase noise with multipath: sqrt(a^2 + (b / sin e)^2), m.
 constexpr double kPhaseNoiseA_m = 0.0020;
 constexpr double kPhaseNoiseB_m = 0.0010;

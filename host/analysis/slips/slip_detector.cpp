@@ -90,14 +90,14 @@ void SlipDetector::Add(const ObservationEpoch& epoch) {
 /// Interval and position from the first epochs, which are then taken as any other.
 void SlipDetector::Start() {
   started_ = true;
-  interval_s_ = options_.interval_s;
+  interval_s_ = options_.interval_s <= kMaxInterval_s ? options_.interval_s : 0;
   if (!(interval_s_ > 0) && start_.size() > 1) {
     std::vector<double> steps;
     for (std::size_t i = 1; i < start_.size(); ++i) {
       steps.push_back(SecondsBetween(start_[i].time_ns, start_[i - 1].time_ns));
     }
     std::sort(steps.begin(), steps.end());
-    interval_s_ = steps[steps.size() / 2];
+    interval_s_ = std::min(steps[steps.size() / 2], kMaxInterval_s);
   }
   if (!(interval_s_ > 0)) interval_s_ = kUsualInterval_s;
   if (!records_.Empty()) {

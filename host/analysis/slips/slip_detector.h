@@ -29,7 +29,7 @@ namespace orsolva_host::analysis {
 
 struct DetectorOptions {
   std::optional<Vector3> position;  ///< of the header; checked against codes where there are records
-  double interval_s = 0;            ///< nominal; 0: the median step of the first epochs
+  double interval_s = 0;            ///< nominal; 0 or absurd: the median step of the first epochs
   std::array<std::optional<int>, 100>
       glonass_channels;  ///< by slot; records and the data fill what is missing
   std::shared_ptr<const PreciseOrbits> precise_orbits;  ///< used instead of records where they cover a time

@@ -232,6 +232,7 @@ struct NeverObserved {
   Count unhealthy_epochs = 0;
 };
 
+/// Lists by system have GPS, GLONASS, Galileo, BDS, QZSS, NavIC and SBAS in this order.
 struct AnalysisResult {
   bool with_orbits = false;  ///< elevations are known; without them what needs one is absent
   double elevation_cutoff_deg = 0;

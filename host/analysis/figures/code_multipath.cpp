@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "host/analysis/figures/result_rows.h"
+#include "host/analysis/figures/system_order.h"
 #include "host/analysis/geometry/constants.h"
 #include "host/observation/carriers.h"
 
@@ -51,6 +52,10 @@ void FillInWideLanes(const SumsBySignal& signals, AnalysisResult& result) {
     row.values = static_cast<Count>(sum.cycles.values);
     result.wide_lanes.push_back(row);
   }
+  std::stable_sort(result.wide_lanes.begin(), result.wide_lanes.end(),
+                   [](const WideLaneFigures& a, const WideLaneFigures& b) {
+                     return SystemPlace(a.system) < SystemPlace(b.system);
+                   });
 }
 
 bool HasValue(const SignalTrack& s, std::int64_t epoch) {

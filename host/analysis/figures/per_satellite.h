@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/analysis/figures/system_order.h"
 #include "host/observation/observation_epoch.h"
 
 namespace orsolva_host::analysis {
@@ -30,26 +31,6 @@ class PerSatellite {
   }
 
  private:
-  // Letters of one place would share states; RINEX has these seven.
-  static std::size_t SystemPlace(char system) {
-    switch (system) {
-      case 'G':
-        return 0;
-      case 'R':
-        return 1;
-      case 'E':
-        return 2;
-      case 'C':
-        return 3;
-      case 'J':
-        return 4;
-      case 'I':
-        return 5;
-      default:
-        return 6;
-    }
-  }
-
   T* Insert(SatelliteId id) {
     const auto place =
         std::lower_bound(states_.begin(), states_.end(), id,
@@ -57,7 +38,7 @@ class PerSatellite {
     return states_.insert(place, {id, std::make_unique<T>()})->second.get();
   }
 
-  std::array<std::array<T*, 256>, 7> places_ = {};
+  std::array<std::array<T*, 256>, kSystemPlaces> places_ = {};
   std::vector<std::pair<SatelliteId, std::unique_ptr<T>>> states_;
 };
 

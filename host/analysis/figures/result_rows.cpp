@@ -2,6 +2,9 @@
 
 #include <algorithm>
 #include <tuple>
+#include <utility>
+
+#include "host/analysis/figures/system_order.h"
 
 namespace orsolva_host::analysis {
 namespace {
@@ -21,7 +24,8 @@ SignalFigures& SignalRow(std::vector<SignalFigures>& rows, char system, Satellit
   wanted.satellite = id;
   wanted.code = code;
   return FindOrInsert(rows, wanted, [](const SignalFigures& row) {
-    return std::make_tuple(row.system, row.satellite.number, row.code.band, row.code.attribute);
+    return std::make_tuple(SystemPlace(row.system), row.system, row.satellite.number, row.code.band,
+                           row.code.attribute);
   });
 }
 
@@ -30,13 +34,17 @@ SignalFigures& SignalRow(std::vector<SignalFigures>& rows, char system, Satellit
 SystemFigures& SystemRow(AnalysisResult& result, char letter) {
   SystemFigures wanted;
   wanted.letter = letter;
-  return FindOrInsert(result.systems, wanted, [](const SystemFigures& row) { return row.letter; });
+  return FindOrInsert(result.systems, wanted, [](const SystemFigures& row) {
+    return std::make_pair(SystemPlace(row.letter), row.letter);
+  });
 }
 
 SatelliteFigures& SatelliteRow(AnalysisResult& result, SatelliteId id) {
   SatelliteFigures wanted;
   wanted.id = id;
-  return FindOrInsert(result.satellites, wanted, [](const SatelliteFigures& row) { return row.id; });
+  return FindOrInsert(result.satellites, wanted, [](const SatelliteFigures& row) {
+    return std::make_tuple(SystemPlace(row.id.system), row.id.system, row.id.number);
+  });
 }
 
 SignalFigures& SystemSignalRow(AnalysisResult& result, char system, SignalCode code) {

@@ -7,9 +7,9 @@
 
 namespace orsolva_host::analysis {
 
-// A reference holds until the next row of the same list is inserted.
+// A reference holds until the next row of the same list is inserted. Systems are in the order of SystemPlace.
 
-/// By letter.
+/// By system.
 SystemFigures& SystemRow(AnalysisResult& result, char letter);
 
 /// By system and number.

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "host/analysis/figures/result_rows.h"
+#include "host/analysis/figures/system_order.h"
 #include "host/analysis/geometry/constants.h"
 
 namespace orsolva_host::analysis {
@@ -65,7 +66,7 @@ void Sky::FillIn(const SignalRoster& roster, AnalysisResult& result) const {
     without = without.value_or(0) + (satellite.covered ? 0 : 1);
     if (!satellite.covered) result.without_record.push_back(id);
   }
-  std::sort(result.without_record.begin(), result.without_record.end());
+  std::sort(result.without_record.begin(), result.without_record.end(), IsListedBefore);
   FillInNeverObserved(roster, result);
 }
 
@@ -85,6 +86,8 @@ void Sky::FillInNeverObserved(const SignalRoster& roster, AnalysisResult& result
     result.never_observed.push_back({id, healthy, unhealthy});
     if (healthy > 0) ++*never;
   }
+  std::sort(result.never_observed.begin(), result.never_observed.end(),
+            [](const NeverObserved& a, const NeverObserved& b) { return IsListedBefore(a.id, b.id); });
 }
 
 }  // namespace orsolva_host::analysis

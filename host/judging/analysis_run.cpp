@@ -46,12 +46,15 @@ AnalysisRun::AnalysisRun(const JudgingSettings& settings, const EpochSource& sou
   all_chosen_ = settings.systems.size() == kAllSystems.size() && settings.excluded.empty();
 }
 
+bool AnalysisRun::IsChosen(SatelliteId satellite) const {
+  const std::size_t place = PlaceOf(satellite.system);
+  return place < chosen_.size() && chosen_[place][satellite.number];
+}
+
 void AnalysisRun::Add(ObservationEpoch& epoch) {
   if (!all_chosen_) {
     auto& satellites = epoch.satellites;
-    const auto out = [this](const SatelliteObservation& s) {
-      return !chosen_[PlaceOf(s.id.system)][s.id.number];
-    };
+    const auto out = [this](const SatelliteObservation& s) { return !IsChosen(s.id); };
     satellites.erase(std::remove_if(satellites.begin(), satellites.end(), out), satellites.end());
   }
   analysis_.Add(epoch);

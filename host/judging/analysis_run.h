@@ -35,12 +35,13 @@ class AnalysisRun {
   AnalysisReport Finish(std::vector<DescriptionChange> changes);
 
  private:
+  bool IsChosen(SatelliteId satellite) const;
   void PassEvents();
 
   StationDescription description_;
   analysis::StationAnalysis analysis_;
   EventSink* sink_;
-  std::array<std::bitset<100>, 26> chosen_;  ///< by letter and number
+  std::array<std::bitset<256>, 26> chosen_;  ///< by letter and number, whatever a byte holds
   bool all_chosen_ = false;
   AnalysisReport report_;
 };

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/judging/analysis_run.h"
 #include "host/report/json_writer.h"
 #include "host/rinex/satellite_names.h"
 #include "host/rinex/signal_codes.h"
@@ -117,6 +118,25 @@ TEST(JudgeEpochs, GivesTheFiguresOfTheFileForTheSameEpochsFromAnotherSource) {
   report.run.antenna = from_file.run.antenna;
   report.run.rinex_version = from_file.run.rinex_version;
   EXPECT_EQ(WriteJson(report), WriteJson(from_file));
+}
+
+TEST(AnalysisRun, TakesTheSatellitesThatAreChosenWhateverTheirNumber) {
+  JudgingSettings settings = SettingsOfSimulatedHour();
+  settings.systems = "G";
+  settings.excluded = {{SystemSlot('G'), 5}};
+  const SimulatedSource source("a.rnx");
+  AnalysisRun run(settings, source, {}, nullptr, nullptr);
+  ObservationEpoch epoch;
+  const std::vector<SatelliteId> observed = {{'G', 1}, {'G', 5}, {'G', 250}, {'E', 1}, {'~', 1}};
+  for (const SatelliteId id : observed) {
+    epoch.satellites.push_back({id, epoch.signals.size(), 1});
+    epoch.signals.push_back({{'1', 'C'}, 0, 0, 2.2e7, 1.1e8, kAbsent, kAbsent});
+  }
+  run.Add(epoch);
+  const AnalysisReport report = run.Finish({});
+  ASSERT_EQ(report.figures.satellites.size(), 2U);
+  EXPECT_TRUE((report.figures.satellites[0].id == SatelliteId{'G', 1}));
+  EXPECT_TRUE((report.figures.satellites[1].id == SatelliteId{'G', 250}));
 }
 
 /// The simulated file in a folder without navigation.

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <string_view>
 #include <vector>
 
@@ -47,6 +48,20 @@ std::string Listed(std::vector<std::string> names) {
   return further > 0 ? text + fmt::format(" and {} more", further) : text;
 }
 
+/// "1 satellite", "3 satellites"
+std::string Counted(std::size_t count, std::string_view what) {
+  return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
+}
+
+/// A short time in the unit that leaves the fewest digits: "480.9 us", "-1.25 ms".
+std::string ShortTime(double seconds) {
+  const double size = std::fabs(seconds);
+  if (size >= 1) return fmt::format("{:.4g} s", seconds);
+  if (size >= 1e-3) return fmt::format("{:.4g} ms", seconds * 1e3);
+  if (size >= 1e-6) return fmt::format("{:.4g} us", seconds * 1e6);
+  return fmt::format("{:.4g} ns", seconds * 1e9);
+}
+
 std::string EpochsText(const analysis::SpanFigures& span) {
   if (!span.expected_epochs) return {};
   return fmt::format("{} nominal every {:g} s, {} present, {} usable, {} missing", *span.expected_epochs,
@@ -59,8 +74,8 @@ std::string GapsText(const analysis::SpanFigures& span) {
   std::string text;
   for (std::size_t i = 0; i < std::min(span.gaps.size(), kMostGapsShown); ++i) {
     const analysis::DataGap& gap = span.gaps[i];
-    AddPart(text, fmt::format("{} to {} ({} epochs)", TimeOf(gap.last_before_ns), TimeOf(gap.first_after_ns),
-                              gap.missing_epochs));
+    AddPart(text, fmt::format("{} to {} ({})", TimeOf(gap.last_before_ns), TimeOf(gap.first_after_ns),
+                              Counted(gap.missing_epochs, "epoch")));
   }
   const std::size_t further =
       span.gaps.size() + span.further_gaps - std::min(span.gaps.size(), kMostGapsShown);
@@ -99,7 +114,7 @@ std::string SlipsText(const AnalysisResult& result) {
 
 std::string PositionText(const analysis::PositionFigures& position) {
   if (!position.solutions || *position.solutions == 0) return {};
-  std::string text = fmt::format("{} solutions", *position.solutions);
+  std::string text = Counted(*position.solutions, "solution");
   if (position.moving.value_or(false)) AddPart(text, "the antenna moves");
   if (position.residual_rms_m) AddPart(text, fmt::format("residuals {:.2f} m", *position.residual_rms_m));
   if (position.scatter_enu_m) {
@@ -118,16 +133,16 @@ std::string PositionText(const analysis::PositionFigures& position) {
 
 std::string ClockText(const analysis::ReceiverClockFigures& clock) {
   std::string text;
-  if (clock.mean_offset_s) text = fmt::format("offset {:.3e} s", *clock.mean_offset_s);
+  if (clock.mean_offset_s) text = "offset " + ShortTime(*clock.mean_offset_s);
   if (clock.drift_s_per_s) AddPart(text, fmt::format("drift {:.2e} s/s", *clock.drift_s_per_s));
   if (clock.allan_deviation) AddPart(text, fmt::format("Allan deviation {:.1e}", *clock.allan_deviation));
   if (clock.steered.value_or(false)) AddPart(text, "steered");
   const auto count = [&text](const std::optional<Count>& n, std::string_view what) {
-    if (n.value_or(0) > 0) AddPart(text, fmt::format("{} {}", *n, what));
+    if (n.value_or(0) > 0) AddPart(text, Counted(*n, what));
   };
-  count(clock.resets, "resets");
-  count(clock.code_clock_jumps, "jumps of the codes");
-  count(clock.restarts, "steps unknown");
+  count(clock.resets, "reset");
+  count(clock.code_clock_jumps, "code clock jump");
+  count(clock.restarts, "restart");
   return text;
 }
 
@@ -167,7 +182,7 @@ class Writer {
     for (const SatelliteId id : result_.without_record) names.push_back(NameOf(id));
     if (names.empty()) return;
     const std::size_t count = names.size();
-    Row("Without orbit", fmt::format("{} satellites: {}", count, Listed(std::move(names))));
+    Row("Without orbit", Counted(count, "satellite") + ": " + Listed(std::move(names)));
   }
 
   void NeverObserved() {
@@ -177,7 +192,7 @@ class Writer {
     }
     if (names.empty()) return;
     const std::size_t count = names.size();
-    Row("Never observed", fmt::format("{} satellites in view: {}", count, Listed(std::move(names))));
+    Row("Never observed", Counted(count, "satellite") + " in view: " + Listed(std::move(names)));
   }
 
   void Systems() {

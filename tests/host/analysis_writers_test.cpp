@@ -58,8 +58,21 @@ TEST(AnalysisText, SaysWhatTheAnalysisFound) {
         "Gaps              2020-06-25 00:00:00 to 2020-06-25 00:02:00 (3 epochs)\n",
         "Completeness      GPS 99.50 %, from 10 degrees up\n",
         "Cycle slips       GPS 3 (1 unsure) in 990 tested steps\n",
-        "Contradiction     interval: stated 15 s, found 30 s\n", "Without orbit     1 satellites: R11\n"}) {
+        "Contradiction     interval: stated 15 s, found 30 s\n", "Without orbit     1 satellite: R11\n"}) {
     EXPECT_TRUE(Holds(text, line)) << line << text;
+  }
+}
+
+TEST(AnalysisText, GivesTheOffsetOfTheClockInAUnitThatSuitsIt) {
+  const std::pair<double, const char*> offsets[] = {
+      {4.8094e-4, "480.9 us"}, {-1.25e-3, "-1.25 ms"}, {3.5e-8, "35 ns"}, {12.5, "12.5 s"}};
+  for (const auto& [seconds, text] : offsets) {
+    Report report = WithAnalysis();
+    report.analysis.figures.receiver_clock.mean_offset_s = seconds;
+    report.analysis.figures.receiver_clock.resets = 1;
+    EXPECT_TRUE(Holds(AnalysisText(report, {80, false}, AllFigures()),
+                      std::string("Receiver clock    offset ") + text + ", 1 reset\n"))
+        << text;
   }
 }
 

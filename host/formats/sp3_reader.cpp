@@ -20,9 +20,9 @@ namespace {
 constexpr double kMetresPerKilometre = 1000;
 constexpr double kMicrosecond_s = 1e-6;
 constexpr double kAbsentClock_us = 999999;
-constexpr double kLeastRadius_m = 6.4e6;  // the ground
-constexpr double kGreatestRadius_m = 1e8;
-constexpr double kGreatestClock_s = 0.1;
+constexpr double kMinRadius_m = 6.4e6;  // the ground
+constexpr double kMaxRadius_m = 1e8;
+constexpr double kMaxClock_s = 0.1;
 constexpr std::string_view kLetters = "GRECJIS";
 constexpr std::string_view kAdvice = "Name an SP3-c or SP3-d file.";
 
@@ -159,7 +159,7 @@ bool Sp3File::ReadPosition(std::string_view line, PrecisePoint& point) const {
   }
   if (squares == 0) return true;
   const double radius = std::sqrt(squares);
-  if (!(radius > kLeastRadius_m && radius < kGreatestRadius_m)) return false;
+  if (!(radius > kMinRadius_m && radius < kMaxRadius_m)) return false;
   point.position_m = read;
   return true;
 }
@@ -169,7 +169,7 @@ bool Sp3File::ReadClock(std::string_view line, PrecisePoint& point) const {
   const FieldState state = ParseDecimal(Field(line, 46, 14), clock_us);
   if (state == FieldState::kBad) return false;
   if (state == FieldState::kBlank || clock_us >= kAbsentClock_us) return true;
-  if (!(std::fabs(clock_us * kMicrosecond_s) < kGreatestClock_s)) return false;
+  if (!(std::fabs(clock_us * kMicrosecond_s) < kMaxClock_s)) return false;
   point.clock_s = clock_us * kMicrosecond_s;
   return true;
 }

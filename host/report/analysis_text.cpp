@@ -20,8 +20,8 @@ using analysis::SignalFigures;
 using analysis::SlipFigures;
 using analysis::SystemFigures;
 
-constexpr std::size_t kMostGapsShown = 3;
-constexpr std::size_t kMostNamesShown = 12;
+constexpr std::size_t kMaxGapsShown = 3;
+constexpr std::size_t kMaxNamesShown = 12;
 
 std::string SystemName(char letter) {
   const int slot = SystemSlot(letter);
@@ -41,7 +41,7 @@ void AddPart(std::string& text, const std::string& part) {
 }
 
 std::string Listed(std::vector<std::string> names) {
-  const std::size_t further = names.size() > kMostNamesShown ? names.size() - kMostNamesShown : 0;
+  const std::size_t further = names.size() > kMaxNamesShown ? names.size() - kMaxNamesShown : 0;
   names.resize(names.size() - further);
   std::string text;
   for (const std::string& name : names) AddPart(text, name);
@@ -72,13 +72,13 @@ std::string EpochsText(const analysis::SpanFigures& span) {
 std::string GapsText(const analysis::SpanFigures& span) {
   if (span.gaps.empty()) return span.expected_epochs ? "none" : "";
   std::string text;
-  for (std::size_t i = 0; i < std::min(span.gaps.size(), kMostGapsShown); ++i) {
+  for (std::size_t i = 0; i < std::min(span.gaps.size(), kMaxGapsShown); ++i) {
     const analysis::DataGap& gap = span.gaps[i];
     AddPart(text, fmt::format("{} to {} ({})", TimeOf(gap.last_before_ns), TimeOf(gap.first_after_ns),
                               Counted(gap.missing_epochs, "epoch")));
   }
   const std::size_t further =
-      span.gaps.size() + span.further_gaps - std::min(span.gaps.size(), kMostGapsShown);
+      span.gaps.size() + span.further_gaps - std::min(span.gaps.size(), kMaxGapsShown);
   return further > 0 ? text + fmt::format(" and {} more", further) : text;
 }
 

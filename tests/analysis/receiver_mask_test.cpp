@@ -27,7 +27,7 @@ TEST(ReceiverMask, AFewReflectionsDoNotMoveIt) {
 
 TEST(ReceiverMask, IsAbsentWithFewValues) {
   ReceiverMask mask;
-  for (Count i = 1; i < ReceiverMask::kLeastValues; ++i) mask.Add(20);
+  for (Count i = 1; i < ReceiverMask::kMinValues; ++i) mask.Add(20);
   MaskFigures figures;
   mask.FillIn(figures);
   EXPECT_FALSE(figures.lowest_deg);

@@ -132,12 +132,12 @@ TEST(Span, WithoutEpochsNothingIsCounted) {
 
 TEST(Span, CountsGapsBeyondTheList) {
   std::vector<ObservationEpoch> epochs;
-  const int gaps = static_cast<int>(Span::kMostGaps) * 5 / 2;
+  const int gaps = static_cast<int>(Span::kMaxGaps) * 5 / 2;
   for (int i = 0; i < 4 * gaps; ++i) {
     if (i % 4 != 3) epochs.push_back(EpochOf(i, 1));
   }
   const SpanFigures figures = Of(epochs);
-  EXPECT_EQ(figures.gaps.size(), Span::kMostGaps);
+  EXPECT_EQ(figures.gaps.size(), Span::kMaxGaps);
   EXPECT_EQ(figures.gaps.size() + figures.further_gaps, static_cast<std::size_t>(gaps) - 1);
   EXPECT_EQ(figures.lost_epochs, static_cast<std::size_t>(gaps) - 1);
   EXPECT_EQ(figures.expected_epochs, 4U * static_cast<std::size_t>(gaps) - 1);

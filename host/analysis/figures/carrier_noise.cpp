@@ -76,7 +76,7 @@ void CarrierNoise::AddCombinations(const StepOutcome& outcome, SignalMask ready,
     satellite.ready = ready;
     Combine(track, satellite);
   }
-  std::array<double, kMostSignals> differences;
+  std::array<double, kMaxSignals> differences;
   for (SignalMask left = ready; left != 0;) {
     const std::size_t j = TakeFirst(left);
     differences[j] = ThirdDifference(track.signals[j], outcome.step);
@@ -103,7 +103,7 @@ void CarrierNoise::Combine(const SatelliteTrack& track, Satellite& satellite) {
 
 CarrierNoise::Combination CarrierNoise::WithinBand(const SatelliteTrack& track, std::size_t place,
                                                    SignalMask ready) {
-  for (std::size_t j = 0; j < track.signals.size() && j < kMostSignals; ++j) {
+  for (std::size_t j = 0; j < track.signals.size() && j < kMaxSignals; ++j) {
     if (j == place || !Has(ready, j) || track.signals[j].code.band != track.signals[place].code.band)
       continue;
     const double weight = std::sqrt(0.5);
@@ -116,10 +116,10 @@ CarrierNoise::Combination CarrierNoise::WithinBand(const SatelliteTrack& track, 
 CarrierNoise::Combination CarrierNoise::OfThreeBands(const SatelliteTrack& track, std::size_t place,
                                                      SignalMask ready) {
   Combination best;
-  double best_share = kLeastShare;
+  double best_share = kMinShare;
   const double mu = track.signals[place].mu;
-  for (std::size_t p = 0; p < track.signals.size() && p < kMostSignals; ++p) {
-    for (std::size_t q = p + 1; q < track.signals.size() && q < kMostSignals; ++q) {
+  for (std::size_t p = 0; p < track.signals.size() && p < kMaxSignals; ++p) {
+    for (std::size_t q = p + 1; q < track.signals.size() && q < kMaxSignals; ++q) {
       if (p == place || q == place || !Has(ready, p) || !Has(ready, q)) continue;
       const char own = track.signals[place].code.band;
       const char band_p = track.signals[p].code.band, band_q = track.signals[q].code.band;
@@ -148,7 +148,7 @@ void CarrierNoise::Wait(const StepOutcome& outcome, SignalMask ready, Satellite&
 
 /// Of the satellites of one epoch, whose steps are decided one after the other.
 void CarrierNoise::TakeOffCommonPart() {
-  if (first_signals_.size() >= kLeastSatellites) {
+  if (first_signals_.size() >= kMinSatellites) {
     std::sort(first_signals_.begin(), first_signals_.end());
     for (const Waiting& w : waiting_) {
       if (!w.up) continue;
@@ -175,7 +175,7 @@ void CarrierNoise::FillIn(AnalysisResult& result) const {
   const auto figures_of = [](Method method, const Sizes& sizes) {
     PhaseNoiseFigures figures;
     const auto median = sizes.Quantile(0.5);
-    if (sizes.Count() < kLeastValues || !median) return figures;
+    if (sizes.Count() < kMinValues || !median) return figures;
     figures.noise_mm = 1e3 * kSigmaOfMedian * *median;
     figures.method = kMethodNames[method];
     figures.values = sizes.Count();

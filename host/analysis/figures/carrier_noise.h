@@ -6,7 +6,7 @@
 //
 //   third difference
 //     At 1 s and faster: the phase less what the phases of the epoch have in common, the median of D over the
-//     first signals of the other satellites, at least kLeastSatellites - 1. Holds tracking noise, the
+//     first signals of the other satellites, at least kMinSatellites - 1. Holds tracking noise, the
 //     satellite's own clock and what the median adds: 7 % with twelve satellites, 2 % with forty.
 //   within the band
 //     The difference of two phases of the satellite on one carrier, over sqrt 2. Holds tracking noise and
@@ -14,12 +14,12 @@
 //     figure.
 //   three bands
 //     The combination of three phases free of geometry and ionosphere, over its own gain, given for signals
-//     that make at least kLeastShare of its variance if all are equally good. Holds tracking noise and quick
+//     that make at least kMinShare of its variance if all are equally good. Holds tracking noise and quick
 //     multipath, as a mean of the three. At longer intervals than 1 s it is taken where the band has no
 //     second signal.
 //
 // A signal that none of them reaches has no figure: one or two bands at 30 s leave the ionosphere in.
-// Population: from the cut-off up. Figures of fewer than kLeastValues values are absent.
+// Population: from the cut-off up. Figures of fewer than kMinValues values are absent.
 #ifndef ORSOLVA_ANALYSIS_FIGURES_CARRIER_NOISE_H
 #define ORSOLVA_ANALYSIS_FIGURES_CARRIER_NOISE_H
 
@@ -36,9 +36,9 @@ namespace orsolva_host::analysis {
 
 class CarrierNoise {
  public:
-  static constexpr Count kLeastValues = 100;
-  static constexpr std::size_t kLeastSatellites = 8;
-  static constexpr double kLeastShare = 0.2;
+  static constexpr Count kMinValues = 100;
+  static constexpr std::size_t kMinSatellites = 8;
+  static constexpr double kMinShare = 0.2;
 
   void SetInterval(double interval_s);
   void AddStep(const StepOutcome& outcome);
@@ -67,7 +67,7 @@ class CarrierNoise {
     std::vector<Signal> signals;            ///< by number
     std::array<SignalMask, 3> smooth = {};  ///< signals that went on over the last even steps, newest first
     SignalMask ready = 0;  ///< signals with a third difference that the combinations are made of
-    std::array<Combination, kMostSignals> combinations;
+    std::array<Combination, kMaxSignals> combinations;
   };
   /// A third difference that waits for those of other satellites.
   struct Waiting {

@@ -41,7 +41,7 @@ void FillInWideLanes(const SumsBySignal& signals, AnalysisResult& result) {
   }
   for (const auto& [key, sum] : pairs) {
     const auto& [system, first, second] = key;
-    const auto spread = sum.cycles.Deviation(MultipathSums::kLeastValues);
+    const auto spread = sum.cycles.Deviation(MultipathSums::kMinValues);
     if (!spread) continue;
     WideLaneFigures row;
     row.system = system;
@@ -87,15 +87,15 @@ MultipathSums::ByPartner& MultipathSums::With(SignalCode partner) {
 
 MultipathFigures MultipathSums::Figures() const {
   MultipathFigures figures;
-  if (noise.Count() >= kLeastValues) {
+  if (noise.Count() >= kMinValues) {
     const auto median = noise.Quantile(0.5);
     if (median) figures.code_noise_m = kSigmaOfMedian * *median;
   }
   if (partners_.empty()) return figures;
-  figures.moving_m = moving.Rms(kLeastValues);
-  figures.whole_arc_m = arcs.Deviation(kLeastValues);
+  figures.moving_m = moving.Rms(kMinValues);
+  figures.whole_arc_m = arcs.Deviation(kMinValues);
   if (moving.Values() > 0) figures.values = moving.Values();
-  figures.by_elevation = moving.Bins(kLeastValues);
+  figures.by_elevation = moving.Bins(kMinValues);
   const auto most =
       std::max_element(partners_.begin(), partners_.end(),
                        [](const ByPartner& a, const ByPartner& b) { return a.values < b.values; });
@@ -126,7 +126,7 @@ void CodeMultipath::AddStep(const StepOutcome& outcome) {
 
 /// Ends runs whose own or partner's phase does not go on.
 void CodeMultipath::EndBroken(const StepOutcome& outcome, Satellite& satellite) {
-  const std::size_t tracked = std::min<std::size_t>(outcome.track->signals.size(), kMostSignals);
+  const std::size_t tracked = std::min<std::size_t>(outcome.track->signals.size(), kMaxSignals);
   for (std::size_t j = 0; j < tracked; ++j) {
     Signal& signal = satellite.signals[outcome.number[j]];
     const Run& run = signal.run;
@@ -138,14 +138,14 @@ void CodeMultipath::EndBroken(const StepOutcome& outcome, Satellite& satellite) 
 /// Where the partners of open runs are now. A track that has lost one begins an arc, which ends every run.
 void CodeMultipath::FindPartners(const SatelliteTrack& track, Satellite& satellite) {
   for (Signal& signal : satellite.signals) {
-    for (std::size_t j = 0; j < track.signals.size() && j < kMostSignals; ++j) {
+    for (std::size_t j = 0; j < track.signals.size() && j < kMaxSignals; ++j) {
       if (track.signals[j].code == signal.run.partner) signal.run.partner_place = j;
     }
   }
 }
 
 void CodeMultipath::AddPhases(const Place& at, Satellite& satellite) const {
-  const std::size_t tracked = std::min<std::size_t>(at.outcome.track->signals.size(), kMostSignals);
+  const std::size_t tracked = std::min<std::size_t>(at.outcome.track->signals.size(), kMaxSignals);
   for (std::size_t j = 0; j < tracked; ++j) {
     if (HasValue(at.Signal(j), at.epoch)) AddPhase(at, j, satellite);
   }

@@ -20,7 +20,7 @@
 // A satellite whose signals have one band has no such partner. P - L then holds twice the ionosphere: code
 // noise alone is given, from second differences, 1.4826 median |D2| / sqrt 6, and no multipath.
 //
-// Population: from the cut-off up, by elevation over all. Figures of fewer than kLeastValues values are
+// Population: from the cut-off up, by elevation over all. Figures of fewer than kMinValues values are
 // absent.
 #ifndef ORSOLVA_ANALYSIS_FIGURES_CODE_MULTIPATH_H
 #define ORSOLVA_ANALYSIS_FIGURES_CODE_MULTIPATH_H
@@ -42,7 +42,7 @@ namespace orsolva_host::analysis {
 /// Sums of one signal, or of several pooled.
 class MultipathSums {
  public:
-  static constexpr Count kLeastValues = 50;
+  static constexpr Count kMinValues = 50;
 
   /// What one partner was used for.
   struct ByPartner {

@@ -8,8 +8,8 @@
 namespace orsolva_host::analysis {
 namespace {
 
-constexpr double kLeastRange_m = 1e7;
-constexpr double kGreatestRange_m = 6e7;
+constexpr double kMinRange_m = 1e7;
+constexpr double kMaxRange_m = 6e7;
 
 enum class Clock { kAny, kBroadcast, kPrecise };
 
@@ -42,8 +42,7 @@ double CodeOf(const ObservationEpoch& epoch, const SatelliteObservation& satelli
   double code_m = 0;
   for (std::size_t i = 0; i < satellite.signal_count; ++i) {
     const SignalObservation& o = epoch.signals[satellite.first_signal + i];
-    if (o.code.band != band || !(o.pseudorange_m > kLeastRange_m && o.pseudorange_m < kGreatestRange_m))
-      continue;
+    if (o.code.band != band || !(o.pseudorange_m > kMinRange_m && o.pseudorange_m < kMaxRange_m)) continue;
     const std::size_t rank = attributes.find(o.code.attribute);
     if (rank < best) best = rank, code_m = o.pseudorange_m;
   }

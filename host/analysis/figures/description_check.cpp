@@ -11,11 +11,11 @@ namespace orsolva_host::analysis {
 namespace {
 
 constexpr double kSameInterval = 0.01;
-constexpr double kLeastTolerance_s = 0.1;
+constexpr double kMinTolerance_s = 0.1;
 constexpr double kNameTolerance_s = 60;
 constexpr double kFarPosition_m = 50;
 constexpr double kFarOneBandPosition_m = 100;
-constexpr Count kLeastEpochs = 3;
+constexpr Count kMinEpochs = 3;
 constexpr std::size_t kMarkerCharacters = 4;
 
 std::string Decimal(double value, int decimals) {
@@ -65,7 +65,7 @@ void CheckInterval(const char* id, const std::optional<double>& stated_s, double
 void CheckTime(const char* id, const std::optional<std::int64_t>& stated_ns, std::int64_t found_ns,
                double interval_s, std::vector<Contradiction>& found) {
   if (!stated_ns) return;
-  const double tolerance_s = std::max(interval_s / 2, kLeastTolerance_s);
+  const double tolerance_s = std::max(interval_s / 2, kMinTolerance_s);
   if (std::fabs(SecondsBetween(*stated_ns, found_ns)) <= tolerance_s) return;
   found.push_back({id, TimeText(*stated_ns), TimeText(found_ns)});
 }
@@ -142,7 +142,7 @@ void DescriptionCheck::CheckChannels(const StationDescription& stated,
 void DescriptionCheck::FillIn(const StationDescription& stated, AnalysisResult& result) const {
   std::vector<Contradiction>& found = result.contradictions;
   const SpanFigures& span = result.span;
-  if (span.present_epochs.value_or(0) >= kLeastEpochs) {
+  if (span.present_epochs.value_or(0) >= kMinEpochs) {
     CheckInterval("interval", stated.interval_s, span.interval_s, found);
     CheckInterval("file_name_interval", stated.name.interval_s, span.interval_s, found);
     CheckTime("first_epoch", stated.first_ns, span.first_ns, span.interval_s, found);

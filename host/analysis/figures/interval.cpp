@@ -26,7 +26,7 @@ void Interval::Add(std::int64_t step_ns) {
         std::find_if(kinds_.begin(), kinds_.end(),
                      [&](const Step& kind) { return IsAlike(step_ns, kind.first_ns); }) -
         kinds_.begin());
-    if (last_ == kMostSteps) {
+    if (last_ == kMaxStepKinds) {
       // The rarest kind makes room; what stays may be counted too low, never too high.
       last_ = static_cast<std::size_t>(
           std::min_element(kinds_.begin(), kinds_.end(),

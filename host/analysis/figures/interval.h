@@ -12,10 +12,10 @@ namespace orsolva_host::analysis {
 /// one, and their mean is rounded to a millisecond (to a nanosecond below 10 ms), so that the time tags of a
 /// receiver whose clock wanders give the nominal interval. Of two equally frequent steps the shorter one
 /// counts. Where no step makes up a quarter of all (a file of holes), the hint counts if a quarter of the
-/// steps are its whole multiples. The kMostSteps most frequent kinds of steps are remembered.
+/// steps are its whole multiples. The kMaxStepKinds most frequent kinds of steps are remembered.
 class Interval {
  public:
-  static constexpr std::size_t kMostSteps = 32;
+  static constexpr std::size_t kMaxStepKinds = 32;
 
   /// @param hint_s  such as a header states; 0: none
   explicit Interval(double hint_s);

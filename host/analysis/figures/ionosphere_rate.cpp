@@ -14,10 +14,10 @@ constexpr std::int64_t kWindow_ns = 300 * kNanosecondsPerSecond;
 constexpr double kWindow_s = 300;
 constexpr double kRateStep_s = 30;
 constexpr double kLongestStep_s = 60;
-constexpr double kTimeTolerance = 0.99;   // of the step that a rate needs, for time tags that wander
-constexpr double kDisturbed = 0.5;        // TECU/min
-constexpr int kDisturbedPart = 4;         // one satellite in so many
-constexpr double kLeastSeparation = 0.3;  // of (1575.42 MHz / f)^2; less only shows phase noise
+constexpr double kTimeTolerance = 0.99;  // of the step that a rate needs, for time tags that wander
+constexpr double kDisturbed = 0.5;       // TECU/min
+constexpr int kDisturbedPart = 4;        // one satellite in so many
+constexpr double kMinSeparation = 0.3;   // of (1575.42 MHz / f)^2; less only shows phase noise
 /// Metres of delay at 1575.42 MHz per TECU: 40.3e16 / f^2.
 constexpr double kMetresPerTecu = 40.3e16 / (kReferenceCarrier_hz * kReferenceCarrier_hz);
 
@@ -28,7 +28,7 @@ double TecChange(const StepOutcome& outcome) {
   const std::vector<SignalTrack>& signals = outcome.track->signals;
   const SignalTrack& high = signals[static_cast<std::size_t>(std::countr_zero(usable))];
   const SignalTrack& low = signals[static_cast<std::size_t>(31 - std::countl_zero(usable))];
-  if (low.mu - high.mu < kLeastSeparation) return kAbsent;
+  if (low.mu - high.mu < kMinSeparation) return kAbsent;
   const std::int64_t i = outcome.step;
   const double change = (high.X(i) - high.X(i - 1)) - (low.X(i) - low.X(i - 1));
   return change / ((low.mu - high.mu) * kMetresPerTecu);

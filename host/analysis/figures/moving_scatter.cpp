@@ -6,7 +6,7 @@
 namespace orsolva_host::analysis {
 namespace {
 
-constexpr int kLeastInWindow = 5;  // values of a mean that others are held against
+constexpr int kMinInWindow = 5;  // values of a mean that others are held against
 
 }  // namespace
 
@@ -80,7 +80,7 @@ void MovingScatter::Close(ScatterByElevation& sums) {
 /// @param place  in the window, the oldest block 0
 void MovingScatter::Judge(int place, ScatterByElevation& sums) const {
   const Block& block = blocks_[static_cast<std::size_t>(Wrapped(oldest_ + place))];
-  if (block.values == 0 || values_ < kLeastInWindow) return;
+  if (block.values == 0 || values_ < kMinInWindow) return;
   const double mean = sum_ / values_;
   const double squares = block.squares - mean * (2 * block.sum - block.values * mean);
   const double unbiased = static_cast<double>(values_) / (values_ - 1);

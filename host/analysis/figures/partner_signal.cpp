@@ -58,7 +58,7 @@ const char* PartnerBands(char system, char band) {
 std::optional<Partner> FindPartner(const SatelliteTrack& track, std::size_t place, std::int64_t epoch) {
   const char* bands = PartnerBands(track.satellite.system, track.signals[place].code.band);
   std::optional<Partner> best;
-  for (std::size_t j = 0; j < track.signals.size() && j < kMostSignals; ++j) {
+  for (std::size_t j = 0; j < track.signals.size() && j < kMaxSignals; ++j) {
     const SignalTrack& s = track.signals[j];
     const char* band = std::strchr(bands, s.code.band);
     if (band == nullptr || s.unstable || !s.IsReal(epoch)) continue;

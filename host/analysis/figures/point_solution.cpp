@@ -8,11 +8,11 @@ namespace orsolva_host::analysis {
 namespace {
 
 constexpr int kRounds = 3;
-constexpr double kLeastLimit_m = 5;
+constexpr double kMinLimit_m = 5;
 constexpr double kLimitMedians = 2;
 constexpr double kGlonassWeight = 0.25;
-constexpr double kGreatestPdop = 30;
-constexpr int kLeastRedundant = 4;  // three unknowns, and one more to see an error by
+constexpr double kMaxPdop = 30;
+constexpr int kMinRedundant = 4;  // three unknowns, and one more to see an error by
 
 double Dot(const Vector3& a, const Vector3& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
 
@@ -83,13 +83,13 @@ class Solver {
         if (samples_[i].clock == clock) residuals_[i] = samples_[i].code_less_range_m - median;
       }
     }
-    return redundant >= kLeastRedundant;
+    return redundant >= kMinRedundant;
   }
 
   void WeighByResiduals() {
     scratch_.clear();
     for (const double r : residuals_) scratch_.push_back(std::fabs(r));
-    limit_m_ = std::max(kLeastLimit_m, kLimitMedians * Middle(scratch_));
+    limit_m_ = std::max(kMinLimit_m, kLimitMedians * Middle(scratch_));
     for (std::size_t i = 0; i < samples_.size(); ++i) {
       const CodeSample& s = samples_[i];
       const double system = s.clock == ClockPlace('R') ? kGlonassWeight : 1;
@@ -176,7 +176,7 @@ class Solver {
     const double determinant = normal.Determinant(adjugate);
     if (!(determinant > 0) || 2 * solution.used < samples_.size()) return std::nullopt;
     solution.pdop = std::sqrt(adjugate.Trace() / determinant);
-    if (!(solution.pdop < kGreatestPdop)) return std::nullopt;
+    if (!(solution.pdop < kMaxPdop)) return std::nullopt;
     return solution;
   }
 

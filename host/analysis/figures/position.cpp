@@ -8,19 +8,19 @@
 namespace orsolva_host::analysis {
 namespace {
 
-constexpr double kLeastSine = 0.17364817766693033;  // 10 degrees
+constexpr double kMinSine = 0.17364817766693033;  // 10 degrees
 constexpr double kReach_m = 100;
 constexpr std::size_t kBins = 10000;
-constexpr double kGreatestPdop = 50;
-constexpr Count kLeastSolutions = 10;
+constexpr double kMaxPdop = 50;
+constexpr Count kMinSolutions = 10;
 constexpr double kLowQuantile = 0.1587, kHighQuantile = 0.8413;
 constexpr double kLowExtent = 0.1, kHighExtent = 0.9;
-constexpr double kLeastMotion_m = 10;
+constexpr double kMinMotion_m = 10;
 constexpr double kMotionSigmas = 8;
 constexpr double kMotionErrors = 4;  // of the size that residuals and PDOP give to an error of position
 constexpr double kRayleighMedian = 1.1774;
 constexpr Count kStepsPerShift = 5;
-constexpr Count kLeastFar = 10;
+constexpr Count kMinFarEpochs = 10;
 
 double Dot(const Vector3& a, const Vector3& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
 
@@ -40,9 +40,7 @@ QuantileHistogram Offsets() { return {-kReach_m, kReach_m, kBins}; }
 }  // namespace
 
 Position::Position()
-    : offsets_{Offsets(), Offsets(), Offsets()},
-      changes_(0, kReach_m, kBins),
-      pdops_(0, kGreatestPdop, kBins) {}
+    : offsets_{Offsets(), Offsets(), Offsets()}, changes_(0, kReach_m, kBins), pdops_(0, kMaxPdop, kBins) {}
 
 /// @return whether there may be enough for a solution
 bool Position::GatherSamples(const ObservationEpoch& epoch, const std::vector<ModelledSatellite>& satellites,
@@ -52,7 +50,7 @@ bool Position::GatherSamples(const ObservationEpoch& epoch, const std::vector<Mo
     const ModelledRange& range = modelled.range;
     const SatelliteObservation& satellite = epoch.satellites[modelled.place];
     const std::size_t clock = ClockPlace(satellite.id.system);
-    if (!range.healthy || range.sin_elevation < kLeastSine || clock == kClockSystems) continue;
+    if (!range.healthy || range.sin_elevation < kMinSine || clock == kClockSystems) continue;
     const CodeRange codes = CodeRangeOf(epoch, satellite, range);
     const double code_m = two_bands ? codes.two_bands_m : codes.one_band_m;
     if (std::isnan(code_m)) continue;
@@ -96,7 +94,7 @@ void Position::AddSolution(const PointSolution& solution, const Station& station
     local[k] = Dot(axes_[k], offset);
     offsets_[k].Add(local[k]);
   }
-  if (by_phases_m > kLeastMotion_m && std::hypot(local[0], local[1]) > kLeastMotion_m) ++far_;
+  if (by_phases_m > kMinMotion_m && std::hypot(local[0], local[1]) > kMinMotion_m) ++far_;
   if (last_) changes_.Add(std::hypot(local[0] - (*last_)[0], local[1] - (*last_)[1]));
   last_ = local;
 }
@@ -108,10 +106,10 @@ void Position::AddStep(const ReceiverStep& step) {
 }
 
 bool Position::IsMoving() const {
-  if ((kStepsPerShift * shifts_ >= steps_ && shifts_ > 0) || far_ >= kLeastFar) return true;
+  if ((kStepsPerShift * shifts_ >= steps_ && shifts_ > 0) || far_ >= kMinFarEpochs) return true;
   const double noise_m = changes_.Quantile(0.5) / (kRayleighMedian * std::sqrt(2.0));
   const double error_m = std::sqrt(squares_m2_ / static_cast<double>(residuals_)) * pdops_.Quantile(0.5);
-  const double limit_m = std::max({kLeastMotion_m, kMotionSigmas * noise_m, kMotionErrors * error_m});
+  const double limit_m = std::max({kMinMotion_m, kMotionSigmas * noise_m, kMotionErrors * error_m});
   const auto extent = [](const QuantileHistogram& h) {
     return h.Quantile(kHighExtent) - h.Quantile(kLowExtent);
   };
@@ -123,7 +121,7 @@ void Position::FillIn(const std::optional<Vector3>& header, const std::optional<
   if (solutions_ + failed_ == 0) return;
   figures.solutions = solutions_;
   figures.failed = failed_;
-  if (solutions_ < kLeastSolutions) return;
+  if (solutions_ < kMinSolutions) return;
   figures.one_band_solutions = one_band_;
   figures.residual_rms_m = std::sqrt(squares_m2_ / static_cast<double>(residuals_));
   figures.pdop_median = pdops_.Quantile(0.5);

@@ -7,11 +7,11 @@
 namespace orsolva_host::analysis {
 namespace {
 
-constexpr Count kLeastPairs = 10;
-constexpr Count kLeastOffsets = 10;
+constexpr Count kMinPairs = 10;
+constexpr Count kMinOffsets = 10;
 constexpr Count kPartsAway = 100;  // one offset in so many may be far
 constexpr double kSteered_s = 1e-6;
-constexpr double kLeastSpan_s = 300;  // in which an oscillator of a receiver that is left alone goes farther
+constexpr double kMinSpan_s = 300;  // in which an oscillator of a receiver that is left alone goes farther
 constexpr double kSameInterval = 0.01;
 
 }  // namespace
@@ -36,7 +36,7 @@ void AllanSum::Break() {
 }
 
 std::optional<double> AllanSum::Deviation() const {
-  if (pairs_ < kLeastPairs) return std::nullopt;
+  if (pairs_ < kMinPairs) return std::nullopt;
   return std::sqrt(squares_ / static_cast<double>(pairs_) / 2);
 }
 
@@ -89,9 +89,9 @@ void ReceiverClockSums::FillIn(ReceiverClockFigures& figures) const {
   if (time_sum_s_ > 0) figures.drift_s_per_s = change_sum_s_ / time_sum_s_;
   figures.allan_deviation = at_interval_.Deviation();
   figures.allan_deviation_10 = at_ten_.Deviation();
-  if (offsets_ < kLeastOffsets) return;
+  if (offsets_ < kMinOffsets) return;
   figures.mean_offset_s = offset_sum_s_ / static_cast<double>(offsets_);
-  if (SecondsBetween(last_offset_ns_, first_offset_ns_) < kLeastSpan_s) return;
+  if (SecondsBetween(last_offset_ns_, first_offset_ns_) < kMinSpan_s) return;
   figures.steered = resets_ + code_jumps_ == 0 && kPartsAway * (offsets_ - near_offsets_) <= offsets_;
 }
 

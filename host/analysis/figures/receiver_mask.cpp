@@ -13,7 +13,7 @@ void ReceiverMask::Add(double elevation_deg) {
 }
 
 void ReceiverMask::FillIn(MaskFigures& figures) const {
-  if (values_ < kLeastValues) return;
+  if (values_ < kMinValues) return;
   Count below = 0;
   std::size_t bin = 0;
   while (100 * (below + bins_[bin]) < values_) below += bins_[bin++];

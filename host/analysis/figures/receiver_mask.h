@@ -1,7 +1,7 @@
 // The elevation mask of the receiver as the data show it: the first percentile of the elevations at which
 // satellites were observed (code or phase), over all satellites with an orbit, to 0.1 degree. A percentile is
 // not moved by a few reflections or diffracted signals from below the mask. Absent with fewer than
-// kLeastValues.
+// kMinValues.
 #ifndef ORSOLVA_ANALYSIS_FIGURES_RECEIVER_MASK_H
 #define ORSOLVA_ANALYSIS_FIGURES_RECEIVER_MASK_H
 
@@ -14,7 +14,7 @@ namespace orsolva_host::analysis {
 
 class ReceiverMask {
  public:
-  static constexpr Count kLeastValues = 1000;
+  static constexpr Count kMinValues = 1000;
 
   /// @param elevation_deg  NaN where it is not known
   void Add(double elevation_deg);

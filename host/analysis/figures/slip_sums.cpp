@@ -36,7 +36,7 @@ SlipFigures FiguresOf(const SlipCounts& counts) {
   const Count slips = counts.sure + counts.unsure + counts.half_cycles + counts.unknown_size;
   const auto tested = static_cast<double>(counts.tested);
   if (slips == 0 && counts.tested > 0) figures.observations_without_slip = counts.tested;
-  if (counts.tested < SlipSums::kLeastTested) return figures;
+  if (counts.tested < SlipSums::kMinTestedSteps) return figures;
   figures.slips_per_1000 = 1000 * static_cast<double>(slips) / tested;
   if (slips > 0) figures.observations_per_slip = tested / static_cast<double>(slips);
   return figures;

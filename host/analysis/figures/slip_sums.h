@@ -11,7 +11,7 @@
 // arc, which ends no step. Carriers of SBAS at 5 s and longer are untested throughout (detector_constants.h).
 //
 // Observations per slip: tested steps over slips of every size (sure, unsure, half cycles, unknown). It and
-// slips per 1,000 are absent with fewer than kLeastTested tested steps: a signal that is soon left out as
+// slips per 1,000 are absent with fewer than kMinTestedSteps tested steps: a signal that is soon left out as
 // unstable has slips and hardly a tested step.
 //
 // Population: from the cut-off up, and below it apart. Observations without an elevation count as up.
@@ -38,7 +38,7 @@ struct SlipCounts {
 
 class SlipSums {
  public:
-  static constexpr Count kLeastTested = 100;
+  static constexpr Count kMinTestedSteps = 100;
 
   explicit SlipSums(double cutoff_deg) : cutoff_deg_(cutoff_deg) {}
 

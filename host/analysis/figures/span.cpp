@@ -75,7 +75,7 @@ void Span::Add(const ObservationEpoch& epoch) {
   interval_.Add(step_ns);
   FindNominalStep(epoch.time_ns);
   const bool fresh = runs_.empty() || runs_.size() == 1 || !GoesOn(runs_.back(), step_ns, present);
-  overflown_ = overflown_ || (fresh && runs_.size() == kMostRuns);
+  overflown_ = overflown_ || (fresh && runs_.size() == kMaxRuns);
   if (overflown_) {
     later_nominal_ += static_cast<Count>(nominal_step_);
     later_present_ += nominal_step_ > 0 && present;
@@ -161,7 +161,7 @@ class Span::Counting {
 
   void List(std::int64_t last_before_ns, std::int64_t first_after_ns, Count missing) {
     if (missing == 0) return;
-    if (figures_.gaps.size() < kMostGaps) {
+    if (figures_.gaps.size() < kMaxGaps) {
       figures_.gaps.push_back({last_before_ns, first_after_ns, missing});
     } else {
       ++figures_.further_gaps;

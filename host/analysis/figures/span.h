@@ -8,11 +8,11 @@
 //   present  = those with at least one observation; an epoch without any is lost
 //   usable   = those with at least four satellites with code and phase on two bands
 //   lost     = expected - present
-// A gap is one or more nominal epochs in a row that are lost. The first kMostGaps of them are listed, further
+// A gap is one or more nominal epochs in a row that are lost. The first kMaxGaps of them are listed, further
 // ones counted.
 //
 // The interval is that of the whole stream (interval.h), known at the end: the steps are kept as runs of
-// equal steps, two per gap, and counted when a result is read. After kMostRuns the rest is counted as it
+// equal steps, two per gap, and counted when a result is read. After kMaxRuns the rest is counted as it
 // comes, with the interval known by then.
 #ifndef ORSOLVA_ANALYSIS_FIGURES_SPAN_H
 #define ORSOLVA_ANALYSIS_FIGURES_SPAN_H
@@ -40,8 +40,8 @@ class NominalSteps {
 
 class Span {
  public:
-  static constexpr std::size_t kMostGaps = 10'000;
-  static constexpr std::size_t kMostRuns = 4 * kMostGaps;
+  static constexpr std::size_t kMaxGaps = 10'000;
+  static constexpr std::size_t kMaxRuns = 4 * kMaxGaps;
 
   /// @param hint_s  interval that a header states; 0: none
   explicit Span(double hint_s) : interval_(hint_s) {}
@@ -83,7 +83,7 @@ class Span {
   std::optional<std::int64_t> last_ns_;
   std::vector<Run> runs_;
   bool overflown_ = false;
-  Count later_nominal_ = 0, later_present_ = 0, later_usable_ = 0, later_gaps_ = 0;  ///< after kMostRuns
+  Count later_nominal_ = 0, later_present_ = 0, later_usable_ = 0, later_gaps_ = 0;  ///< after kMaxRuns
   bool last_was_present_ = false;
 };
 

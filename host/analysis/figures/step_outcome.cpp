@@ -15,7 +15,7 @@ struct StepEvents {
   bool closes_hole = false;  ///< some event says how tracking went on after a hole
   SignalMask left_open = 0;  ///< signals whose hole could not be closed
   SignalMask jumped = 0;
-  std::array<double, kMostSignals> cycles;  ///< valid when sized
+  std::array<double, kMaxSignals> cycles;  ///< valid when sized
 };
 
 std::size_t PlaceOf(const SatelliteTrack& track, SignalCode code) {
@@ -28,7 +28,7 @@ SignalMask MaskOf(const SatelliteTrack& track, const Event& event) {
   SignalMask mask = 0;
   for (const SignalCode code : event.signals) {
     const std::size_t place = PlaceOf(track, code);
-    if (place < kMostSignals) mask |= SignalMask{1} << place;
+    if (place < kMaxSignals) mask |= SignalMask{1} << place;
   }
   return mask;
 }
@@ -39,7 +39,7 @@ void AddSizes(const SatelliteTrack& track, const Event& event, StepEvents& event
   events.sure = events.sure && event.sure;
   for (std::size_t k = 0; k < event.sizes.size(); ++k) {
     const std::size_t place = PlaceOf(track, event.signals[k]);
-    if (place < kMostSignals) events.cycles[place] += event.sizes[k];
+    if (place < kMaxSignals) events.cycles[place] += event.sizes[k];
   }
 }
 
@@ -83,7 +83,7 @@ StepEvents EventsOf(const SatelliteTrack& track, std::int64_t step) {
 SignalMask ReadBits(const SatelliteTrack& track, std::int64_t i, bool gap, StepOutcome& outcome) {
   const std::uint32_t now = RingBit(i), before = RingBit(i - 1);
   SignalMask known = 0;
-  for (std::size_t j = 0; j < track.signals.size() && j < kMostSignals; ++j) {
+  for (std::size_t j = 0; j < track.signals.size() && j < kMaxSignals; ++j) {
     const SignalTrack& s = track.signals[j];
     if ((s.real & now) == 0) continue;
     const SignalMask bit = SignalMask{1} << j;
@@ -121,7 +121,7 @@ double ElevationDegrees(const StepState& step) { return step.elevation_rad * 180
 
 void OutcomeReader::Numbers::Take(const SatelliteTrack& track) {
   tracked = track.signals.size();
-  for (std::size_t j = 0; j < tracked && j < kMostSignals; ++j) {
+  for (std::size_t j = 0; j < tracked && j < kMaxSignals; ++j) {
     const SignalCode code = track.signals[j].code;
     std::size_t k = 0;
     while (k < codes.size() && codes[k] != code) ++k;

@@ -15,7 +15,7 @@ namespace orsolva_host::analysis {
 
 /// Signals of a satellite, bits by place in its track.
 using SignalMask = std::uint32_t;
-static_assert(kMostSignals <= 32, "a mask has a bit for each signal");
+static_assert(kMaxSignals <= 32, "a mask has a bit for each signal");
 
 constexpr bool Has(SignalMask mask, std::size_t place) { return (mask >> place & 1) != 0; }
 
@@ -46,7 +46,7 @@ struct StepOutcome {
   bool begins_arc = false;         ///< the epoch before the step is the first of the satellite's arc
   bool rearranged = false;         ///< places in the track are not those of the satellite's step before
   bool quiet = false;  ///< all phases continuous, tested and without a flag, and there at both ends
-  std::array<std::uint8_t, kMostSignals> number = {};  ///< of each signal, by place; a satellite's stay
+  std::array<std::uint8_t, kMaxSignals> number = {};  ///< of each signal, by place; a satellite's stay
 
   SignalMask Present() const { return begins | continuous | repaired | broken | unstable; }
   SignalMask GoesOn() const { return continuous | repaired; }
@@ -72,7 +72,7 @@ class OutcomeReader {
   struct Numbers {
     std::vector<SignalCode> codes;
     std::size_t tracked = 0;
-    std::array<std::uint8_t, kMostSignals> number = {};
+    std::array<std::uint8_t, kMaxSignals> number = {};
 
     void Take(const SatelliteTrack& track);
   };
@@ -89,7 +89,7 @@ struct QuietRun {
   bool running = false;
   std::uint32_t steps = 0;
   std::int64_t last_ns = 0;
-  std::array<std::uint8_t, kMostSignals> number = {};
+  std::array<std::uint8_t, kMaxSignals> number = {};
 
   /// Whether the step is one more of the run, which then holds it.
   bool Extends(const StepOutcome& outcome) {
@@ -113,7 +113,7 @@ struct QuietRun {
 template <typename T>
 void Arrange(std::vector<T>& states, const StepOutcome& outcome) {
   const std::vector<SignalTrack>& signals = outcome.track->signals;
-  for (std::size_t j = 0; j < signals.size() && j < kMostSignals; ++j) {
+  for (std::size_t j = 0; j < signals.size() && j < kMaxSignals; ++j) {
     const std::size_t number = outcome.number[j];
     if (number >= states.size()) states.resize(number + 1);
     states[number].code = signals[j].code;

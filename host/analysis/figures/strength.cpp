@@ -71,7 +71,7 @@ void Strength::FillIn(const Sum& sum, const StrengthHistogram& values, const Ele
   if (sum.values == 0) return;
   figures.values = sum.values;
   figures.mean_dbhz = sum.dbhz / static_cast<double>(sum.values);
-  figures.p5_dbhz = values.Quantile(kP5, kLeastValues);
+  figures.p5_dbhz = values.Quantile(kP5, kMinValues);
   for (std::size_t i = 0; i < kElevationBins; ++i) {
     const Sum& bin = by_elevation[i];
     if (bin.values > 0)
@@ -107,7 +107,7 @@ void Strength::FillInSums(const SignalRoster& roster, AnalysisResult& result) co
     StrengthFigures& figures = SystemSignalRow(result, shared.system, shared.code).strength;
     FillIn(sums[i].sum, sums[i].values, sums[i].by_elevation, figures);
     for (std::size_t k = 0; k < kElevationBins; ++k) {
-      if (const auto p5 = shared_[i][k].Quantile(kP5, kLeastValues))
+      if (const auto p5 = shared_[i][k].Quantile(kP5, kMinValues))
         figures.p5_by_elevation.push_back(BinAt(k, *p5, shared_[i][k].Count()));
     }
   }
@@ -126,11 +126,11 @@ std::vector<StrengthCurves> Strength::Curves(const SignalRoster& roster) const {
   for (std::size_t i = 0; i < shared_.size(); ++i) {
     StrengthCurve::Bins medians, means, spreads;
     for (std::size_t k = 0; k < kElevationBins; ++k) {
-      medians[k] = shared_[i][k].Quantile(0.5, kLeastOfCurve).value_or(kAbsent);
-      const double low = shared_[i][k].Quantile(kLowPart, kLeastOfCurve).value_or(kAbsent);
+      medians[k] = shared_[i][k].Quantile(0.5, kMinCurveValues).value_or(kAbsent);
+      const double low = shared_[i][k].Quantile(kLowPart, kMinCurveValues).value_or(kAbsent);
       spreads[k] = std::isnan(low) ? kAbsent : std::max(medians[k] - low, StrengthHistogram::kBin_db);
       const Sum& sum = sums[i][k];
-      means[k] = sum.values < kLeastOfCurve ? kAbsent : sum.dbhz / static_cast<double>(sum.values);
+      means[k] = sum.values < kMinCurveValues ? kAbsent : sum.dbhz / static_cast<double>(sum.values);
     }
     curves.push_back({StrengthCurve(medians), StrengthCurve(means), StrengthCurve(spreads)});
   }

@@ -2,7 +2,7 @@
 //
 //   mean          arithmetic mean of all values above zero (files write 0 for an unknown strength)
 //   p5            5th percentile of all values, to 0.25 dB (strength_histogram.h); absent with fewer than
-//                 kLeastValues
+//                 kMinValues
 //   by elevation  the same over the values of each 5-degree bin [a, b), the last one with its end; without an
 //                 orbit and below the horizon a value is in no bin. The percentiles of bins are given over
 //                 systems only.
@@ -29,8 +29,8 @@ namespace orsolva_host::analysis {
 
 class Strength {
  public:
-  static constexpr Count kLeastValues = 20;
-  static constexpr Count kLeastOfCurve = 100;  ///< values of a bin of elevation
+  static constexpr Count kMinValues = 20;
+  static constexpr Count kMinCurveValues = 100;  ///< values of a bin of elevation
   static constexpr std::int32_t kKeptWindows = 312;
 
   /// @param sky  has taken the epoch

@@ -95,7 +95,7 @@ void StrengthDrops::FindCommon(std::size_t shared, const StrengthCurves& curves,
   for (std::size_t i = 0; i < windows.size(); ++i) {
     if (roster_->Signals()[i].shared != shared) continue;
     for (const Residual& residual : ResidualsOf(curves.medians, windows[i])) {
-      if (residual.elevation_deg < kLeastOfSystem_deg) continue;
+      if (residual.elevation_deg < kMinSystemElevation_deg) continue;
       const auto place = static_cast<std::size_t>(residual.number - first);
       by_window[place].push_back(residual.db);
       in_spreads[place].push_back(residual.db / curves.spreads.At(residual.elevation_deg));
@@ -103,7 +103,7 @@ void StrengthDrops::FindCommon(std::size_t shared, const StrengthCurves& curves,
   }
   for (std::size_t i = 0; i < by_window.size(); ++i) {
     std::vector<double>& values = by_window[i];
-    if (values.size() < kLeastSatellites) continue;
+    if (values.size() < kMinSatellites) continue;
     const std::int32_t number = first + static_cast<std::int32_t>(i);
     const auto low = std::count_if(values.begin(), values.end(), [](double db) { return db <= -kSlight_db; });
     const double median = QuantileOf(values, 1, 2);
@@ -142,7 +142,7 @@ StrengthDrops::Residuals StrengthDrops::AgainstOwnCurve(Residuals residuals) {
     while (residuals[first].elevation_deg < residual.elevation_deg - kNear_deg) ++first;
     while (end < residuals.size() && residuals[end].elevation_deg <= residual.elevation_deg + kNear_deg)
       ++end;
-    if (end - first < kLeastNear) continue;
+    if (end - first < kMinNearWindows) continue;
     near_db.clear();
     for (std::size_t i = first; i < end; ++i) near_db.push_back(residuals[i].db);
     own.push_back({residual.number, residual.db - QuantileOf(near_db, 3, 4), residual.elevation_deg});
@@ -193,7 +193,7 @@ std::vector<StrengthDrop> StrengthDrops::OfSatellite(std::size_t signal) const {
   std::vector<StrengthDrop> drops;
   const ListedSignal& own = roster_->Signals()[signal];
   const auto finish = [&](Run& run) {
-    if (run.Length() >= kLeastWindows && run.Mean() <= -kDrop_db) {
+    if (run.Length() >= kMinWindows && run.Mean() <= -kDrop_db) {
       drops.push_back(run.AsDrop());
       for (std::size_t i = 0; i < residuals_.size(); ++i) {
         const ListedSignal& other = roster_->Signals()[i];

@@ -5,15 +5,15 @@
 // bins. For systems it is the median of the bin, which a drop does not move; for single satellites the mean,
 // whose slope is smooth also where satellites of different power make two heaps.
 //
-// A drop of a system's signal: the median of the residuals of at least kLeastSatellites satellites from
-// kLeastOfSystem_deg up is at or below -kDrop_db and at or below -kDrop_spreads times the spread of the
+// A drop of a system's signal: the median of the residuals of at least kMinSatellites satellites from
+// kMinSystemElevation_deg up is at or below -kDrop_db and at or below -kDrop_spreads times the spread of the
 // signal there (median less 16th percentile: large where satellites of different power make two heaps, as in
 // codeless tracking), and four fifths of them are at or below -kSlight_db. One window is enough: interference
 // or a failing antenna hits all satellites at once.
 //
 // A drop of one satellite's signal: against its own curve, which is the upper quartile of its residuals
-// within kNear_deg of elevation (at least kLeastNear windows; satellites differ in power, and codeless
-// tracking in slope), it stays at or below -kSlight_db for kLeastWindows windows with a mean at or below
+// within kNear_deg of elevation (at least kMinNearWindows windows; satellites differ in power, and codeless
+// tracking in slope), it stays at or below -kSlight_db for kMinWindows windows with a mean at or below
 // -kDrop_db; single windows above that do not end it. Windows in which the system drops are left out. An
 // obstruction does this, or a satellite that changes its power, as GPS satellites do to their P(Y) codes
 // (flex power).
@@ -76,12 +76,12 @@ class StrengthDrops {
  public:
   static constexpr double kDrop_db = 4;
   static constexpr double kSlight_db = 2;
-  static constexpr std::size_t kLeastSatellites = 4;
-  static constexpr double kLeastOfSystem_deg = 10;
+  static constexpr std::size_t kMinSatellites = 4;
+  static constexpr double kMinSystemElevation_deg = 10;
   static constexpr double kDrop_spreads = 2;
-  static constexpr std::int32_t kLeastWindows = 12;  // an hour
+  static constexpr std::int32_t kMinWindows = 12;  // an hour
   static constexpr double kNear_deg = 5;
-  static constexpr std::size_t kLeastNear = 6;
+  static constexpr std::size_t kMinNearWindows = 6;
 
   /// @param curves   of each shared signal
   /// @param windows  of each signal, by time

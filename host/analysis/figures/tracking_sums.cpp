@@ -126,7 +126,7 @@ void TrackingSums::BeginSatellite(const StepOutcome& outcome, Satellite& satelli
     signal.observed = false;
   }
   bool any = false;
-  for (std::size_t j = 0; j < track.signals.size() && j < kMostSignals; ++j) {
+  for (std::size_t j = 0; j < track.signals.size() && j < kMaxSignals; ++j) {
     if (!track.signals[j].IsReal(track.first) || track.signals[j].unstable) continue;
     Signal& signal = satellite.signals[outcome.number[j]];
     signal.arcs.Add(up, false, first.time_ns);
@@ -192,7 +192,7 @@ bool TrackingSums::CloseHole(const StepOutcome& outcome, std::size_t place, Caus
 }
 
 void TrackingSums::NoteAbsent(const StepOutcome& outcome, Cause hole, Satellite& satellite) {
-  const std::size_t tracked = std::min<std::size_t>(outcome.track->signals.size(), kMostSignals);
+  const std::size_t tracked = std::min<std::size_t>(outcome.track->signals.size(), kMaxSignals);
   for (std::size_t j = 0; j < tracked; ++j) {
     Signal& signal = satellite.signals[outcome.number[j]];
     if (!Has(outcome.Present(), j) && signal.observed && signal.away == Cause::kNone) signal.away = hole;

@@ -13,18 +13,18 @@
 namespace orsolva_host::analysis {
 namespace {
 
-constexpr double kLeastRange_m = 1e7;
-constexpr double kGreatestRange_m = 6e7;
+constexpr double kMinRange_m = 1e7;
+constexpr double kMaxRange_m = 6e7;
 constexpr int kIterations = 10;
 constexpr int kIterationsForAll = 4;  // until then satellites of every elevation take part
-constexpr double kLeastSine = 0.17;   // 10 degrees
+constexpr double kMinSine = 0.17;     // 10 degrees
 constexpr double kOutlier_m = 5;
 constexpr double kEarth_m = 6.37e6;
 constexpr double kNearGround_m = 1e5;
 constexpr double kHeaderIsGood_m = 6;
-constexpr std::size_t kLeastEpochs = 3;
-constexpr std::size_t kLeastSatellites = 6;
-constexpr std::size_t kMostClocks = 7;
+constexpr std::size_t kMinEpochs = 3;
+constexpr std::size_t kMinSatellites = 6;
+constexpr std::size_t kMaxClocks = 7;
 const std::string kClockSystems = "GREJCIS";
 
 struct Code {
@@ -47,8 +47,7 @@ std::optional<Code> CodeOf(const ObservationEpoch& epoch, const SatelliteObserva
   for (std::size_t i = 0; i < satellite.signal_count; ++i) {
     const SignalObservation& o = epoch.signals[satellite.first_signal + i];
     const double frequency = CarrierFrequency(satellite.id.system, o.code.band, 0);
-    if (!(frequency > 0) || !(o.pseudorange_m > kLeastRange_m && o.pseudorange_m < kGreatestRange_m))
-      continue;
+    if (!(frequency > 0) || !(o.pseudorange_m > kMinRange_m && o.pseudorange_m < kMaxRange_m)) continue;
     if (frequency > high) high = frequency, high_m = o.pseudorange_m;
     if (frequency < low) low = frequency, low_m = o.pseudorange_m;
   }
@@ -61,13 +60,13 @@ std::optional<Code> CodeOf(const ObservationEpoch& epoch, const SatelliteObserva
   return code;
 }
 
-using Unknowns = std::array<double, 3 + kMostClocks>;
+using Unknowns = std::array<double, 3 + kMaxClocks>;
 
 double Norm(const Unknowns& x) { return std::sqrt(x[0] * x[0] + x[1] * x[1] + x[2] * x[2]); }
 
 /// Gives each system that is there a clock of its own among the unknowns. @return number of unknowns
 std::size_t NumberClocks(std::vector<Code>& codes) {
-  std::array<std::size_t, kMostClocks> place = {};
+  std::array<std::size_t, kMaxClocks> place = {};
   std::size_t unknowns = 3;
   for (Code& code : codes) {
     if (place[code.clock] == 0) place[code.clock] = unknowns++;
@@ -81,11 +80,11 @@ bool Improve(const std::vector<Code>& codes, std::size_t unknowns, std::int64_t 
              Unknowns& x) {
   const Station station({x[0], x[1], x[2]});
   const bool on_ground = std::fabs(Norm(x) - kEarth_m) < kNearGround_m;
-  NormalSystem<3 + kMostClocks> normal(unknowns);
+  NormalSystem<3 + kMaxClocks> normal(unknowns);
   std::size_t used = 0;
   for (const Code& code : codes) {
     const ModelledRange range = RangeAt(*code.records, code.record, station, time_ns, code.raw_m);
-    if (!range.valid || (iteration > kIterationsForAll && range.sin_elevation < kLeastSine)) continue;
+    if (!range.valid || (iteration > kIterationsForAll && range.sin_elevation < kMinSine)) continue;
     double expected = range.metres + x[code.clock];
     if (!on_ground) expected -= station.TroposphereDelay(range.sin_elevation);
     const double off = code.corrected_m - expected;
@@ -120,7 +119,7 @@ std::optional<Vector3> PointPosition(const ObservationEpoch& epoch, BroadcastSto
   for (const SatelliteObservation& satellite : epoch.satellites) {
     if (const auto code = CodeOf(epoch, satellite, records)) codes.push_back(*code);
   }
-  if (codes.size() < kLeastSatellites) return std::nullopt;
+  if (codes.size() < kMinSatellites) return std::nullopt;
   const std::size_t unknowns = NumberClocks(codes);
   Unknowns x = {guess[0], guess[1], guess[2]};
   for (int iteration = 0; iteration < kIterations; ++iteration) {
@@ -140,7 +139,7 @@ std::optional<Vector3> StationPosition(const std::vector<ObservationEpoch>& epoc
     guess = *position;
     for (std::size_t i = 0; i < 3; ++i) found[i].push_back((*position)[i]);
   }
-  if (found[0].size() < kLeastEpochs) return header;
+  if (found[0].size() < kMinEpochs) return header;
   const Vector3 median = {Median(found[0]), Median(found[1]), Median(found[2])};
   return header && Distance(*header, median) < kHeaderIsGood_m ? header : median;
 }

@@ -10,14 +10,14 @@
 namespace orsolva_host::analysis {
 namespace {
 
-constexpr int kMostTries = 4;
+constexpr int kMaxTries = 4;
 constexpr double kClearlyMore = 1.0;  // nats by which a neighbour's repair must gain more
 constexpr double kBudgetPerStep = 0.05;
 constexpr double kLargestBudget = 100;
 constexpr double kHopelessMargin = 1;  // nats, of kSureGapMargin; the rest is what priors and noise may add
-constexpr double kLeastBudget = -100;  // below, breaks are not searched either
+constexpr double kMinBudget = -100;    // below, breaks are not searched either
 constexpr double kCarriedPart = 0.25;  // of the variance of the fitted rates that a hole adds per step
-constexpr double kLeastCarried_m2 = 1e-7;
+constexpr double kMinCarried_m2 = 1e-7;
 constexpr double kFreeRange_m = 0.02;  // priors of the rates that carry a phase over a step
 constexpr double kFreeIonosphere_m = 0.2;
 
@@ -45,7 +45,7 @@ void Decision::DecideNext(SatelliteTrack& track) {
   StepState& state = track.At(step);
   SettleScales(track, step, around_);
   track.budget = std::min(track.budget + kBudgetPerStep, kLargestBudget);
-  for (int tries = 0; tries < kMostTries && !state.broken && !state.settled; ++tries) {
+  for (int tries = 0; tries < kMaxTries && !state.broken && !state.settled; ++tries) {
     MakeTest(track, step, interval_s_, scratch_);
     if (scratch_.count == 0) break;
     const double chi2 = Chi2(scratch_);
@@ -57,7 +57,7 @@ void Decision::DecideNext(SatelliteTrack& track) {
       GiveUp(track, step, hole, "one cycle would be lost in what the hole leaves open");
       break;
     }
-    if (track.budget < (hole ? 1 : kLeastBudget)) {
+    if (track.budget < (hole ? 1 : kMinBudget)) {
       GiveUp(track, step, hole, "not searched: too many holes and breaks of this satellite");
       break;
     }
@@ -76,7 +76,7 @@ void Decision::DecideNext(SatelliteTrack& track) {
 /// Whether a slip of one cycle on all signals, which no wide lane shows, is so small against what a hole of
 /// the satellite leaves open that no search can be sure.
 bool Decision::IsHopeless(const SatelliteTrack& track, const StepTest& test) {
-  std::array<double, kMostSignals> cycle;
+  std::array<double, kMaxSignals> cycle;
   for (std::size_t i = 0; i < static_cast<std::size_t>(test.count); ++i)
     cycle[i] = track.signals[test.signal[i]].wavelength_m;
   return 0.5 * Chi2(test, cycle) < kHopelessMargin;
@@ -139,7 +139,7 @@ bool Decision::Explain() {
   const Explanation& best = case_.ranked.front();
   if (!best.any) return FitOf(case_.none.cycles) > 1.5 * kFitChi2 && TakeOther(nullptr);
   if (FitOf(best.cycles) > kFitChi2 && TakeOther(&best)) return true;
-  return case_.none.total - best.total >= kLeastGain && TakeSlip();
+  return case_.none.total - best.total >= kMinGain && TakeSlip();
 }
 
 void Decision::MakeCase(SatelliteTrack& track, std::int64_t step) {
@@ -218,7 +218,7 @@ void Decision::Carry(SatelliteTrack& track, std::int64_t i) const {
     s.phase_m[RingSlot(i)] = s.X(i - 1) + (step.range_rate - s.mu * step.ionosphere_rate) * step.dt_s;
     s.known |= RingBit(i);
     const double variance = (a11 + 2 * s.mu * mu + s.mu * s.mu * a00) / determinant;
-    s.carried_variance_m2 += std::max(kCarriedPart * variance, kLeastCarried_m2);
+    s.carried_variance_m2 += std::max(kCarriedPart * variance, kMinCarried_m2);
   }
 }
 

@@ -30,8 +30,8 @@ struct StepCase {
   std::int64_t step = 0;
   StepTest test;
   WideLaneEvidence wide_lanes;
-  std::vector<std::array<double, kMostSignals>> views;  ///< test vectors by central and one-sided predictions
-  std::array<char, kMostSignals> band;
+  std::vector<std::array<double, kMaxSignals>> views;  ///< test vectors by central and one-sided predictions
+  std::array<char, kMaxSignals> band;
   double slip_prior = kSlipPrior;
   double chi2 = 0;
   bool gap = false;

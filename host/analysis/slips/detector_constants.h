@@ -24,7 +24,7 @@ constexpr double kMaxInterval_s = 1e6;
 constexpr double kPhaseNoiseA_m = 0.0020;
 constexpr double kPhaseNoiseB_m = 0.0010;
 constexpr double kUnknownSinElevation = 0.42261826174069944;  // 25 degrees
-constexpr double kLeastSinElevation = 0.08;
+constexpr double kMinSinElevation = 0.08;
 
 // Noise gain of the predictors: variance of a test element in units of the phase variance.
 constexpr double kGainOfMedian = 2.3;
@@ -54,7 +54,7 @@ constexpr double kFurtherBandPrior = 1;
 constexpr double kHalfCyclePrior = 5;
 constexpr double kSizePrior = 0.25;    // times the mean of ln|cycles|
 constexpr double kBlindSlipPrior = 4;  // a slip on all bands where the range is not modelled
-constexpr double kLeastGain = 1.5;     // over "no slip"
+constexpr double kMinGain = 1.5;       // over "no slip"
 constexpr double kSureMargin = 3;
 constexpr double kSureGapMargin = 5;
 

@@ -41,7 +41,7 @@ bool IsHalfOnAll(const Explanation& e, int count) {
   return e.any && IsSameOnAll(e.cycles, count) && IsHalf(e.cycles[0]);
 }
 
-bool HasTwoBands(const std::array<char, kMostSignals>& band, int count) {
+bool HasTwoBands(const std::array<char, kMaxSignals>& band, int count) {
   return std::any_of(band.begin(), band.begin() + count, [&](char b) { return b != band[0]; });
 }
 
@@ -283,7 +283,7 @@ double Decision::Interpolated(const SatelliteTrack& track, const SignalTrack& s,
 /// By how many cycles the signals of an epoch are off their neighbours, by place in the track.
 Cycles Decision::Departures(const SatelliteTrack& track, std::int64_t epoch) {
   Cycles off = {};
-  for (std::size_t j = 0; j < std::min<std::size_t>(track.signals.size(), kMostSignals); ++j) {
+  for (std::size_t j = 0; j < std::min<std::size_t>(track.signals.size(), kMaxSignals); ++j) {
     const SignalTrack& s = track.signals[j];
     if (s.unstable || !s.IsReal(epoch) || !s.IsReal(epoch + 1)) continue;
     const double expected = Interpolated(track, s, epoch);
@@ -295,7 +295,7 @@ Cycles Decision::Departures(const SatelliteTrack& track, std::int64_t epoch) {
 /// The same metres on signals of several bands are a clock's.
 bool Decision::IsSameMetres(const SatelliteTrack& track, const Cycles& off) {
   double least = 1e300, greatest = -1e300, least_mu = 1e300, greatest_mu = 0;
-  for (std::size_t j = 0; j < std::min<std::size_t>(track.signals.size(), kMostSignals); ++j) {
+  for (std::size_t j = 0; j < std::min<std::size_t>(track.signals.size(), kMaxSignals); ++j) {
     if (off[j] == 0) continue;
     const double metres = off[j] * track.signals[j].wavelength_m;
     least = std::min(least, metres), greatest = std::max(greatest, metres);
@@ -315,14 +315,14 @@ bool Decision::TakeOutlier(std::int64_t epoch) {
   if (to.gap || from.gap || to.broken || from.broken) return false;
   const Cycles off = Departures(track, epoch);
   bool whole = true, flagged = false;
-  for (std::size_t j = 0; j < std::min<std::size_t>(track.signals.size(), kMostSignals); ++j) {
+  for (std::size_t j = 0; j < std::min<std::size_t>(track.signals.size(), kMaxSignals); ++j) {
     whole = whole && std::fabs(off[j] - std::nearbyint(off[j])) < kNoOutlier_cycles;
     flagged = flagged || (track.signals[j].lost_lock & (RingBit(epoch) | RingBit(epoch + 1))) != 0;
   }
   if (whole || flagged || IsSameMetres(track, off)) return false;
   const double before = WindowChi2(track, case_.step - 3, case_.step + 2);
   const auto move = [&](double sign) {
-    for (std::size_t j = 0; j < std::min<std::size_t>(track.signals.size(), kMostSignals); ++j) {
+    for (std::size_t j = 0; j < std::min<std::size_t>(track.signals.size(), kMaxSignals); ++j) {
       track.signals[j].phase_m[RingSlot(epoch)] -= sign * off[j] * track.signals[j].wavelength_m;
     }
     FitRates(track, epoch);
@@ -347,7 +347,7 @@ void Decision::AddOutlier(std::int64_t epoch, const Cycles& off, double score) {
   step = std::max(epoch, track.decide);
   event.time_ns = track.At(epoch).time_ns;
   event.signals.clear();
-  for (std::size_t j = 0; j < std::min<std::size_t>(track.signals.size(), kMostSignals); ++j) {
+  for (std::size_t j = 0; j < std::min<std::size_t>(track.signals.size(), kMaxSignals); ++j) {
     if (std::fabs(off[j]) < kNoOutlier_cycles) continue;
     event.signals.push_back(track.signals[j].code);
     event.sizes.push_back(0.01 * std::nearbyint(100 * off[j]));

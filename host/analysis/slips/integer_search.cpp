@@ -10,8 +10,8 @@ namespace {
 constexpr std::size_t kBeam = 400;
 constexpr std::size_t kKept = 12;
 constexpr double kWidth_sigma = 4;
-constexpr double kLeastWidth_cycles = 1;
-constexpr double kGreatestWidth_cycles = 60;
+constexpr double kMinWidth_cycles = 1;
+constexpr double kMaxWidth_cycles = 60;
 constexpr double kLargest_cycles =
     1e12;  // beyond, nothing is a slip, and steps of one would be lost in rounding
 constexpr double kHalfMustFit_cycles = 0.12;
@@ -49,9 +49,9 @@ const std::vector<std::size_t>& CheapestFirst::Of(const std::vector<double>& cos
 
 /// Whole offsets within each band, and the bands' means without them.
 void IntegerSearch::TieBands(const SatelliteTrack& track, const StepTest& test,
-                             const std::array<double, kMostSignals>& r, double step) {
+                             const std::array<double, kMaxSignals>& r, double step) {
   bands_.clear();
-  std::array<std::size_t, kMostSignals> reference = {};
+  std::array<std::size_t, kMaxSignals> reference = {};
   for (std::size_t i = 0; i < static_cast<std::size_t>(test.count); ++i) {
     const SignalTrack& s = track.signals[test.signal[i]];
     std::size_t b = 0;
@@ -59,7 +59,7 @@ void IntegerSearch::TieBands(const SatelliteTrack& track, const StepTest& test,
                                           s.frequency_hz) > kOneFrequency_hz)
       ++b;
     offset_[i] = 0;
-    b = std::min(b, kMostBands - 1);
+    b = std::min(b, kMaxBands - 1);
     if (b == bands_.size()) {
       reference[b] = i;
       bands_.push_back({s.wavelength_m, s.mu, 0, 0, 0});
@@ -84,7 +84,7 @@ void IntegerSearch::TieBands(const SatelliteTrack& track, const StepTest& test,
 /// conditional mean.
 void IntegerSearch::Extend(const StepTest& test, std::size_t b, double step) {
   const Band& band = bands_[b];
-  std::array<double, kMostBands> row = {};
+  std::array<double, kMaxBands> row = {};
   double variance = test.range_m2 + test.ionosphere_m2 * band.mu * band.mu + band.noise_m2;
   for (std::size_t j = 0; j < b; ++j) {
     double covariance = test.range_m2 + test.ionosphere_m2 * band.mu * bands_[j].mu;
@@ -95,8 +95,8 @@ void IntegerSearch::Extend(const StepTest& test, std::size_t b, double step) {
   variance = std::max(variance, 1e-9);
   factor_.push_back(row);
   diagonal_.push_back(variance);
-  const double width = std::clamp(kWidth_sigma * std::sqrt(variance) / band.wavelength_m, kLeastWidth_cycles,
-                                  kGreatestWidth_cycles);
+  const double width =
+      std::clamp(kWidth_sigma * std::sqrt(variance) / band.wavelength_m, kMinWidth_cycles, kMaxWidth_cycles);
   grown_.clear();
   for (const Branch& branch : beam_) {
     double mean = band.mean_m;
@@ -127,7 +127,7 @@ void IntegerSearch::KeepCheapestGrown() {
 }
 
 void IntegerSearch::OfferSingles(const SatelliteTrack& track, const StepTest& test,
-                                 const std::array<double, kMostSignals>& r, SlipCandidates& out) const {
+                                 const std::array<double, kMaxSignals>& r, SlipCandidates& out) const {
   const auto count = static_cast<std::size_t>(test.count);
   for (std::size_t i = 0; i < count; ++i) {
     const auto own = static_cast<std::size_t>(band_of_[i]);
@@ -146,7 +146,7 @@ void IntegerSearch::OfferSingles(const SatelliteTrack& track, const StepTest& te
 }
 
 void IntegerSearch::Offer(const SatelliteTrack& track, const StepTest& test,
-                          const std::array<double, kMostSignals>& r, const WideLaneEvidence& wide_lanes,
+                          const std::array<double, kMaxSignals>& r, const WideLaneEvidence& wide_lanes,
                           bool halves, SlipCandidates& out) {
   const double step = halves ? 0.5 : 1;
   TieBands(track, test, r, step);

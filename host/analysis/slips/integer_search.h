@@ -16,9 +16,9 @@
 namespace orsolva_host::analysis {
 
 /// Carriers of one system are at most six (BDS).
-constexpr std::size_t kMostBands = 8;
+constexpr std::size_t kMaxBands = 8;
 
-using Cycles = std::array<double, kMostSignals>;  ///< by place in the StepTest
+using Cycles = std::array<double, kMaxSignals>;  ///< by place in the StepTest
 
 struct SlipCandidate {
   Cycles cycles = {};
@@ -52,7 +52,7 @@ class IntegerSearch {
   /// Adds the best vectors for r to the list; also single signals and single bands by rounding.
   /// @param r      test vector, m; test.r or one of another prediction
   /// @param halves steps of half a cycle are allowed
-  void Offer(const SatelliteTrack& track, const StepTest& test, const std::array<double, kMostSignals>& r,
+  void Offer(const SatelliteTrack& track, const StepTest& test, const std::array<double, kMaxSignals>& r,
              const WideLaneEvidence& wide_lanes, bool halves, SlipCandidates& out);
 
  private:
@@ -64,25 +64,25 @@ class IntegerSearch {
     int signals;
   };
   struct Branch {
-    std::array<double, kMostBands> cycles;
-    std::array<double, kMostBands> innovation;
+    std::array<double, kMaxBands> cycles;
+    std::array<double, kMaxBands> innovation;
     double cost;
   };
 
-  void TieBands(const SatelliteTrack& track, const StepTest& test, const std::array<double, kMostSignals>& r,
+  void TieBands(const SatelliteTrack& track, const StepTest& test, const std::array<double, kMaxSignals>& r,
                 double step);
   void Extend(const StepTest& test, std::size_t band, double step);
   void KeepCheapestGrown();
   void OfferSingles(const SatelliteTrack& track, const StepTest& test,
-                    const std::array<double, kMostSignals>& r, SlipCandidates& out) const;
+                    const std::array<double, kMaxSignals>& r, SlipCandidates& out) const;
 
   std::vector<Band> bands_;
-  std::array<int, kMostSignals> band_of_;
+  std::array<int, kMaxSignals> band_of_;
   Cycles offset_ = {};  ///< of signals against the first of their band
   std::vector<Branch> beam_, grown_;
   std::vector<double> costs_;
   CheapestFirst cheapest_;
-  std::vector<std::array<double, kMostBands>> factor_;  ///< rows of L in the L D L' of the bands' covariance
+  std::vector<std::array<double, kMaxBands>> factor_;  ///< rows of L in the L D L' of the bands' covariance
   std::vector<double> diagonal_;
 };
 

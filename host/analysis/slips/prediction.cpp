@@ -205,7 +205,7 @@ void MakeTest(const SatelliteTrack& track, std::int64_t i, double interval_s, St
   test.count = 0;
   test.returning = 0;
   const double noise = PhaseNoise(step);
-  for (std::size_t j = 0; j < track.signals.size() && test.count < kMostSignals; ++j) {
+  for (std::size_t j = 0; j < track.signals.size() && test.count < kMaxSignals; ++j) {
     const SignalTrack& s = track.signals[j];
     if (s.unstable || !s.IsReal(i) || !s.IsKnown(i - 1)) continue;
     const auto place = static_cast<std::size_t>(test.count);
@@ -219,7 +219,7 @@ void MakeTest(const SatelliteTrack& track, std::int64_t i, double interval_s, St
   }
 }
 
-double Chi2(const StepTest& test, const std::array<double, kMostSignals>& r, double more_range_m2,
+double Chi2(const StepTest& test, const std::array<double, kMaxSignals>& r, double more_range_m2,
             double more_ionosphere_m2) {
   if (test.count == 0) return 0;
   const double range_m2 = test.range_m2 + more_range_m2;

@@ -35,13 +35,13 @@ double MeanOfNeighbours(double before, double after);
 /// r and C of a step over the signals that can be tested.
 struct StepTest {
   int count = 0;
-  std::array<std::uint8_t, kMostSignals> signal;  ///< place in the track
-  std::array<double, kMostSignals> r;
-  std::array<double, kMostSignals> mu;
-  std::array<double, kMostSignals> noise_m2;  ///< diagonal of C
-  double range_m2 = 0;                        ///< s_rho^2
-  double ionosphere_m2 = 0;                   ///< s_I^2
-  std::uint32_t returning = 0;                ///< bits by place in this test: carried until the epoch before
+  std::array<std::uint8_t, kMaxSignals> signal;  ///< place in the track
+  std::array<double, kMaxSignals> r;
+  std::array<double, kMaxSignals> mu;
+  std::array<double, kMaxSignals> noise_m2;  ///< diagonal of C
+  double range_m2 = 0;                       ///< s_rho^2
+  double ionosphere_m2 = 0;                  ///< s_I^2
+  std::uint32_t returning = 0;               ///< bits by place in this test: carried until the epoch before
 };
 
 /// @param interval_s  nominal interval of the stream
@@ -50,7 +50,7 @@ void MakeTest(const SatelliteTrack& track, std::int64_t step, double interval_s,
 /// r' C^-1 r by Woodbury's identity of rank two; 0 for no signal.
 /// @param r  instead of the test's own
 /// @param more_range_m2, more_ionosphere_m2  added to the variances of range and ionosphere
-double Chi2(const StepTest& test, const std::array<double, kMostSignals>& r, double more_range_m2 = 0,
+double Chi2(const StepTest& test, const std::array<double, kMaxSignals>& r, double more_range_m2 = 0,
             double more_ionosphere_m2 = 0);
 inline double Chi2(const StepTest& test) { return Chi2(test, test.r); }
 

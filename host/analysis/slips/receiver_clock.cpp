@@ -9,10 +9,10 @@ namespace orsolva_host::analysis {
 namespace {
 
 constexpr double kSigmaOfMedian = 1.4826;
-constexpr double kLeastSpread_m = 0.004;
+constexpr double kMinSpread_m = 0.004;
 constexpr double kAgreement_m = 0.06;
-constexpr std::size_t kLeastSatellites = 4;
-constexpr std::size_t kLeastSatellitesMoving = 6;
+constexpr std::size_t kMinSatellites = 4;
+constexpr std::size_t kMinSatellitesMoving = 6;
 constexpr double kMovingSpread_m = 0.03;
 constexpr double kOutlierSpreads = 3;
 
@@ -93,7 +93,7 @@ bool SolveShift(const std::vector<ClockSample>& samples, std::array<double, 4>& 
 std::optional<ClockChange> SolveMoving(const std::vector<ClockSample>& samples, double spread_m) {
   std::array<double, 4> x = {};
   std::vector<double> residuals, scratch;
-  if (samples.size() < kLeastSatellitesMoving || !SolveShift(samples, x, residuals)) return std::nullopt;
+  if (samples.size() < kMinSatellitesMoving || !SolveShift(samples, x, residuals)) return std::nullopt;
   const double left = std::max(Spread(residuals, scratch), 0.003);
   const std::size_t agree = CountWithin(residuals, std::max(4 * left, kMovingSpread_m));
   if (left >= spread_m / 3 || agree < std::max<std::size_t>(5, (samples.size() * 6 + 9) / 10))
@@ -104,7 +104,7 @@ std::optional<ClockChange> SolveMoving(const std::vector<ClockSample>& samples, 
 }  // namespace
 
 std::optional<ClockChange> SolveClock(std::vector<ClockSample>& samples) {
-  if (samples.size() < kLeastSatellites) return std::nullopt;
+  if (samples.size() < kMinSatellites) return std::nullopt;
   TakeOffsets(samples);
   std::vector<double> residuals, scratch;
   for (const ClockSample& s : samples) residuals.push_back(s.metres);
@@ -112,7 +112,7 @@ std::optional<ClockChange> SolveClock(std::vector<ClockSample>& samples) {
   change.metres = Median(residuals);
   for (int round = 0; round < 2; ++round) {
     Residuals(samples, change.metres, residuals);
-    const double limit = kOutlierSpreads * std::max(Spread(residuals, scratch), kLeastSpread_m);
+    const double limit = kOutlierSpreads * std::max(Spread(residuals, scratch), kMinSpread_m);
     change.metres += WeightedMeanOfGood(samples, residuals, limit);
   }
   Residuals(samples, change.metres, residuals);

@@ -10,12 +10,12 @@
 namespace orsolva_host::analysis {
 namespace {
 
-constexpr double kLeastRange_m = 1e7;
-constexpr double kGreatestRange_m = 6e7;
+constexpr double kMinRange_m = 1e7;
+constexpr double kMaxRange_m = 6e7;
 constexpr double kUsualRange_m = 2.25e7;
-constexpr std::size_t kNoPlace = kMostSignals;
+constexpr std::size_t kNoPlace = kMaxSignals;
 
-bool IsRange(double metres) { return metres > kLeastRange_m && metres < kGreatestRange_m; }
+bool IsRange(double metres) { return metres > kMinRange_m && metres < kMaxRange_m; }
 
 /// How the clock of a satellite of a system wanders, relative to GPS: it sets the weight of its phase change.
 double WanderOf(char system) {
@@ -175,7 +175,7 @@ void SatelliteIntake::FindPlaces() {
     place = PlaceOf(o.code);
     if (place != kNoPlace) continue;
     const double frequency = Frequency(o.code);
-    if (!(frequency > 0) || track.signals.size() == kMostSignals) continue;
+    if (!(frequency > 0) || track.signals.size() == kMaxSignals) continue;
     AddSignal(o.code, frequency);
     k = static_cast<std::size_t>(-1);  // others may have moved
   }
@@ -231,7 +231,7 @@ void SatelliteIntake::Append(const ClockSums& clock, const Vector3& shift_m, dou
   step.time_ns = time_ns_;
   step.epoch = number_;
   if (range_.valid) {
-    step.sin_elevation = std::max(range_.sin_elevation, kLeastSinElevation);
+    step.sin_elevation = std::max(range_.sin_elevation, kMinSinElevation);
     step.elevation_rad = std::asin(std::clamp(range_.sin_elevation, -1.0, 1.0));
   }
   const double mapping = range_.valid ? RoughMapping(range_.sin_elevation) : kAbsent;

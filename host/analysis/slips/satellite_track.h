@@ -20,7 +20,7 @@
 namespace orsolva_host::analysis {
 
 /// Signals of one satellite that are tested together; RINEX names at most 31 for any system.
-constexpr int kMostSignals = 32;
+constexpr int kMaxSignals = 32;
 constexpr std::int64_t kNeverSettled = -kRing;
 
 inline std::uint32_t RingBit(std::int64_t i) { return std::uint32_t{1} << (i & (kRing - 1)); }
@@ -54,7 +54,7 @@ struct StepState {
   std::int64_t time_ns = 0;
   std::int64_t epoch = 0;  ///< number in the stream
   double dt_s = 0;
-  double sin_elevation = kUnknownSinElevation;  ///< not below kLeastSinElevation
+  double sin_elevation = kUnknownSinElevation;  ///< not below kMinSinElevation
   double elevation_rad = kAbsent;
   bool modelled = false;     ///< the range of both ends is known
   bool clock_known = false;  ///< the receiver clock of the step is known

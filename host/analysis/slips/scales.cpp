@@ -8,7 +8,7 @@
 namespace orsolva_host::analysis {
 namespace {
 
-constexpr int kLeastErrors = 6;
+constexpr int kMinErrors = 6;
 constexpr std::int64_t kSettledSteps = 3;  // that one settlement serves
 constexpr double kSigmaOfMedian =
     1.4826;  // standard deviation of normal errors over the median of their sizes
@@ -47,7 +47,7 @@ OfBoth IonosphereErrors(const SatelliteTrack& track, std::int64_t i) {
 
 /// @param enough  above which a scale is of no interest and need not be exact
 double RobustScale(const SortedList<kTrail - 2>& past, const SortedList<kLead>& near, double enough) {
-  if (past.Count() + near.Count() < kLeastErrors) return kAbsent;
+  if (past.Count() + near.Count() < kMinErrors) return kAbsent;
   const double by_half = kSigmaOfMedian * MergedQuantile(past, near, 0.5);
   if (by_half > enough) return by_half;
   return std::max(by_half, kSigmaOfFourFifths * MergedQuantile(past, near, 0.8));

@@ -17,8 +17,8 @@ constexpr double kResetPart = 0.3;        // of a millisecond, from which a cloc
 constexpr double kResetTolerance = 0.02;  // of a millisecond
 constexpr double kCodeJump_m = 30;
 constexpr double kCommonAgreement_m = 0.06;
-constexpr std::size_t kLeastForCommon = 4;
-constexpr int kLeastSkySamples = 8;
+constexpr std::size_t kMinForCommon = 4;
+constexpr int kMinSkySamples = 8;
 constexpr double kSigmaOfMedian = 1.4826;
 
 double Median(std::vector<double>& values) {
@@ -185,7 +185,7 @@ void SlipDetector::SolveReceiver(const ObservationEpoch& epoch) {
   step = {number_, station_ ? &*station_ : nullptr, change.has_value(), kAbsent, false, {}};
   if (!change) {
     ++clock_.unknown;
-    if (samples_.size() >= kLeastForCommon) {
+    if (samples_.size() >= kMinForCommon) {
       AddReceiverEvent(epoch, EventKind::kReceiverRestart, kAbsent);
     } else {
       FindUnmodelledReset(epoch);
@@ -223,7 +223,7 @@ void SlipDetector::FindUnmodelledReset(const ObservationEpoch& epoch) {
   }
   const bool was_reset = was_reset_;
   was_reset_ = false;
-  if (scratch_.size() < kLeastForCommon) return;
+  if (scratch_.size() < kMinForCommon) return;
   const double milliseconds = Median(scratch_) / kLightSpeed_m_s / kMillisecond_s;
   const double whole = std::nearbyint(milliseconds);
   if (whole == 0 || std::fabs(milliseconds - whole) > kResetTolerance || was_reset) return;
@@ -270,7 +270,7 @@ void SlipDetector::FindCommonPart() {
   }
   double common = 0;
   if (!solved) {
-    if (scratch_.size() < kLeastForCommon) return;
+    if (scratch_.size() < kMinForCommon) return;
     common = Median(scratch_);
     if (2 * CountNear(scratch_, common, kCommonAgreement_m) < scratch_.size()) return;
   }
@@ -289,7 +289,7 @@ void SlipDetector::WatchIonosphere() {
   }
   double size_m = kAbsent;
   for (const auto* sizes : {&ionosphere_changes_m_, &ionosphere_departures_m_}) {
-    if (sizes->Count() >= kLeastSkySamples) size_m = std::fmax(size_m, Median(sizes->Sorted()));
+    if (sizes->Count() >= kMinSkySamples) size_m = std::fmax(size_m, Median(sizes->Sorted()));
   }
   decision_->SetIonosphere(kSigmaOfMedian * size_m);
 }

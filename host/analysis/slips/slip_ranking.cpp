@@ -49,8 +49,8 @@ class SavedEpochs {
   const StepTest& test_;
   double range_rate_;
   double ionosphere_rate_;
-  std::array<double, kMostSignals> repaired_;
-  std::array<std::array<double, kLead + 2>, kMostSignals> phases_;
+  std::array<double, kMaxSignals> repaired_;
+  std::array<std::array<double, kLead + 2>, kMaxSignals> phases_;
 };
 
 }  // namespace
@@ -68,7 +68,7 @@ void Decision::MakeViews() {
   const double mean_u = MeanOfNeighbours(track.RangeRate(case_.step - 1), track.RangeRate(case_.step + 1));
   const bool range_too = !(s.modelled && !s.range_by_neighbours);
   for (const std::int64_t j : {case_.step - 1, case_.step + 1}) {
-    std::array<double, kMostSignals> r = case_.test.r;
+    std::array<double, kMaxSignals> r = case_.test.r;
     const double dv = (track.IonosphereRate(j) - mean_v) * s.dt_s;
     const double du = range_too ? (track.RangeRate(j) - mean_u) * s.dt_s : 0;
     for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i)
@@ -103,7 +103,7 @@ double Decision::PriorOf(const Cycles& cycles) const {
 double Decision::FitOf(const Cycles& cycles) const {
   double least = 1e300;
   for (const auto& view : case_.views) {
-    std::array<double, kMostSignals> r;
+    std::array<double, kMaxSignals> r;
     for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
       r[i] = view[i] - case_.track->signals[case_.test.signal[i]].wavelength_m * cycles[i];
     }
@@ -152,7 +152,7 @@ void Decision::RankSlips() {
   no_slip_ = candidates_.Add(Cycles{}, case_.test.count);
   costs_.clear();
   for (const SlipCandidate& candidate : candidates_.List()) {
-    std::array<double, kMostSignals> r;
+    std::array<double, kMaxSignals> r;
     for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
       r[i] = case_.test.r[i] - track.signals[case_.test.signal[i]].wavelength_m * candidate.cycles[i];
     }

@@ -9,7 +9,7 @@ namespace orsolva_host::analysis {
 namespace {
 
 constexpr int kLookBack = 20;
-constexpr int kLeastForSpread = 5;
+constexpr int kMinForSpread = 5;
 constexpr double kUnknownSpread = 0.4;  // cycles
 constexpr double kModelSigma = 0.05;    // cycles
 constexpr double kLargestSigma = 5;
@@ -94,7 +94,7 @@ WideLaneEvidence WideLaneJumps(const SatelliteTrack& track, std::int64_t step, c
     const Sample before = WideLane(signal(first), signal(j), span.begin, step);
     const Sample after = WideLane(signal(first), signal(j), step, span.end);
     if (before.count < 1 || after.count < 1) continue;
-    const double spread = std::max(before.count >= kLeastForSpread ? before.spread : kUnknownSpread,
+    const double spread = std::max(before.count >= kMinForSpread ? before.spread : kUnknownSpread,
                                    0.08 + 0.04 / track.At(step).sin_elevation);
     const double variance =
         spread * spread * (gain / before.count + gain / after.count) + kModelSigma * kModelSigma;
@@ -104,7 +104,7 @@ WideLaneEvidence WideLaneJumps(const SatelliteTrack& track, std::int64_t step, c
   return evidence;
 }
 
-double WideLaneMisfit(const WideLaneEvidence& evidence, const std::array<double, kMostSignals>& cycles) {
+double WideLaneMisfit(const WideLaneEvidence& evidence, const std::array<double, kMaxSignals>& cycles) {
   double sum = 0;
   for (int i = 0; i < evidence.count; ++i) {
     const WideLaneJump& jump = evidence.jumps[static_cast<std::size_t>(i)];

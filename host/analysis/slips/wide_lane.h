@@ -22,7 +22,7 @@ struct WideLaneJump {
 
 struct WideLaneEvidence {
   int count = 0;
-  std::array<WideLaneJump, kMostSignals> jumps;
+  std::array<WideLaneJump, kMaxSignals> jumps;
 };
 
 /// Jumps between the first signal with codes and the signals of every other band.
@@ -30,7 +30,7 @@ WideLaneEvidence WideLaneJumps(const SatelliteTrack& track, std::int64_t step, c
                                double interval_s);
 
 /// Twice the misfit in nats of a slip vector, each pair by at most 25, because codes have outliers.
-double WideLaneMisfit(const WideLaneEvidence& evidence, const std::array<double, kMostSignals>& cycles);
+double WideLaneMisfit(const WideLaneEvidence& evidence, const std::array<double, kMaxSignals>& cycles);
 
 }  // namespace orsolva_host::analysis
 

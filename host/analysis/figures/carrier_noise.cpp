@@ -7,11 +7,11 @@
 #include <utility>
 
 #include "host/analysis/figures/result_rows.h"
+#include "host/analysis/numeric/robust.h"
 
 namespace orsolva_host::analysis {
 namespace {
 
-constexpr double kSigmaOfMedian = 1.4826;
 constexpr double kRootOfTwenty = 4.47213595499958;
 constexpr double kFastInterval_s =
     1.05;                           // at and below, what differences leave of ionosphere and range is noise

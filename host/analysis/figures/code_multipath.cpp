@@ -10,12 +10,12 @@
 #include "host/analysis/figures/result_rows.h"
 #include "host/analysis/figures/system_order.h"
 #include "host/analysis/geometry/constants.h"
+#include "host/analysis/numeric/robust.h"
 #include "host/observation/carriers.h"
 
 namespace orsolva_host::analysis {
 namespace {
 
-constexpr double kSigmaOfMedian = 1.4826;  // of normal values over the median of their sizes
 constexpr double kOverRootOfTwo = 0.7071067811865476;
 constexpr double kOverRootOfSix = 0.4082482904638631;
 constexpr std::int64_t kLongestHole_ns = static_cast<std::int64_t>(kLongestGap_s * 1e9);

@@ -3,13 +3,11 @@
 #include <cmath>
 #include <string_view>
 
+#include "host/analysis/geometry/constants.h"
 #include "host/observation/carriers.h"
 
 namespace orsolva_host::analysis {
 namespace {
-
-constexpr double kMinRange_m = 1e7;
-constexpr double kMaxRange_m = 6e7;
 
 enum class Clock { kAny, kBroadcast, kPrecise };
 
@@ -42,7 +40,7 @@ double CodeOf(const ObservationEpoch& epoch, const SatelliteObservation& satelli
   double code_m = 0;
   for (std::size_t i = 0; i < satellite.signal_count; ++i) {
     const SignalObservation& o = epoch.signals[satellite.first_signal + i];
-    if (o.code.band != band || !(o.pseudorange_m > kMinRange_m && o.pseudorange_m < kMaxRange_m)) continue;
+    if (o.code.band != band || !IsRange(o.pseudorange_m)) continue;
     const std::size_t rank = attributes.find(o.code.attribute);
     if (rank < best) best = rank, code_m = o.pseudorange_m;
   }

@@ -16,6 +16,12 @@ using orsolva_host::kPi;
 
 constexpr double kJ2Glonass = 1.08262575e-3;  // GLONASS ICD 5.1, PZ-90.11
 constexpr double kEarthRadiusGlonass_m = 6378136.0;
+/// Codes outside are no codes: satellites are 19,000 to 43,000 km away, and a receiver clock may be off by
+/// tens of milliseconds (3,000 km each ten).
+constexpr double kMinRange_m = 1e7;
+constexpr double kMaxRange_m = 6e7;
+constexpr bool IsRange(double metres) { return metres > kMinRange_m && metres < kMaxRange_m; }
+
 constexpr double kReferenceCarrier_hz = 1575.42e6;  // ionosphere is counted in metres of delay there
 
 }  // namespace orsolva_host::analysis

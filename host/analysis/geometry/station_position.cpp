@@ -5,6 +5,7 @@
 #include <cmath>
 #include <string>
 
+#include "host/analysis/geometry/constants.h"
 #include "host/analysis/geometry/range_model.h"
 #include "host/analysis/geometry/station.h"
 #include "host/analysis/numeric/linear_solve.h"
@@ -13,8 +14,6 @@
 namespace orsolva_host::analysis {
 namespace {
 
-constexpr double kMinRange_m = 1e7;
-constexpr double kMaxRange_m = 6e7;
 constexpr int kIterations = 10;
 constexpr int kIterationsForAll = 4;  // until then satellites of every elevation take part
 constexpr double kMinSine = 0.17;     // 10 degrees
@@ -47,7 +46,7 @@ std::optional<Code> CodeOf(const ObservationEpoch& epoch, const SatelliteObserva
   for (std::size_t i = 0; i < satellite.signal_count; ++i) {
     const SignalObservation& o = epoch.signals[satellite.first_signal + i];
     const double frequency = CarrierFrequency(satellite.id.system, o.code.band, 0);
-    if (!(frequency > 0) || !(o.pseudorange_m > kMinRange_m && o.pseudorange_m < kMaxRange_m)) continue;
+    if (!(frequency > 0) || !IsRange(o.pseudorange_m)) continue;
     if (frequency > high) high = frequency, high_m = o.pseudorange_m;
     if (frequency < low) low = frequency, low_m = o.pseudorange_m;
   }

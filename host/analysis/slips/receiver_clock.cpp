@@ -4,11 +4,11 @@
 #include <cmath>
 
 #include "host/analysis/numeric/linear_solve.h"
+#include "host/analysis/numeric/robust.h"
 
 namespace orsolva_host::analysis {
 namespace {
 
-constexpr double kSigmaOfMedian = 1.4826;
 constexpr double kMinSpread_m = 0.004;
 constexpr double kAgreement_m = 0.06;
 constexpr std::size_t kMinSatellites = 4;

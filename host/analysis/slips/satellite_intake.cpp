@@ -10,12 +10,8 @@
 namespace orsolva_host::analysis {
 namespace {
 
-constexpr double kMinRange_m = 1e7;
-constexpr double kMaxRange_m = 6e7;
 constexpr double kUsualRange_m = 2.25e7;
 constexpr std::size_t kNoPlace = kMaxSignals;
-
-bool IsRange(double metres) { return metres > kMinRange_m && metres < kMaxRange_m; }
 
 /// How the clock of a satellite of a system wanders, relative to GPS: it sets the weight of its phase change.
 double WanderOf(char system) {

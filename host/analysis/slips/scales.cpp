@@ -3,16 +3,15 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/analysis/numeric/robust.h"
 #include "host/analysis/slips/prediction.h"
 
 namespace orsolva_host::analysis {
 namespace {
 
 constexpr int kMinErrors = 6;
-constexpr std::int64_t kSettledSteps = 3;  // that one settlement serves
-constexpr double kSigmaOfMedian =
-    1.4826;  // standard deviation of normal errors over the median of their sizes
-constexpr double kSigmaOfFourFifths = 0.7803;  // and over their 80th percentile
+constexpr std::int64_t kSettledSteps = 3;      // that one settlement serves
+constexpr double kSigmaOfFourFifths = 0.7803;  // of normal errors over the 80th percentile of their sizes
 constexpr double kFewErrorsFactor = 1.5;
 constexpr double kUsualIonosphere_m = 0.02;  // at 30 s
 constexpr double kNeighboursMustBeBetter = 0.8;

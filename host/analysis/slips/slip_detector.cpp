@@ -5,6 +5,7 @@
 
 #include "host/analysis/geometry/constants.h"
 #include "host/analysis/geometry/station_position.h"
+#include "host/analysis/numeric/robust.h"
 #include "host/analysis/slips/evidence.h"
 #include "host/analysis/slips/prediction.h"
 
@@ -19,7 +20,6 @@ constexpr double kCodeJump_m = 30;
 constexpr double kCommonAgreement_m = 0.06;
 constexpr std::size_t kMinForCommon = 4;
 constexpr int kMinSkySamples = 8;
-constexpr double kSigmaOfMedian = 1.4826;
 
 double Median(std::vector<double>& values) {
   const auto half = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);

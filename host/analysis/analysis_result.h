@@ -232,13 +232,12 @@ struct NeverObserved {
   Count unhealthy_epochs = 0;
 };
 
-/// Lists by system have GPS, GLONASS, Galileo, BDS, QZSS, NavIC and SBAS in this order.
 struct AnalysisResult {
   bool with_orbits = false;  ///< elevations are known; without them what needs one is absent
   double elevation_cutoff_deg = 0;
   SpanFigures span;
   MaskFigures mask;
-  std::vector<SystemFigures> systems;
+  std::vector<SystemFigures> systems;            ///< G R E C J I S; so are the lists below
   std::vector<SignalFigures> signals;            ///< sums over systems, by system and code
   std::vector<SatelliteFigures> satellites;      ///< everything observed, by system and number
   std::vector<SignalFigures> satellite_signals;  ///< by satellite and code

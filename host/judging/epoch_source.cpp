@@ -16,10 +16,11 @@ struct CloseFile {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-/// Counts the bytes that are read from disk.
+/// A regular file, of which the bytes that are read are counted.
 class CountedFile : public ByteSource {
  public:
-  CountedFile(std::string path, std::FILE* file, RunMonitor& monitor)
+  /// @param monitor  may be null
+  CountedFile(std::string path, std::FILE* file, RunMonitor* monitor)
       : path_(std::move(path)), file_(file), monitor_(monitor) {}
 
   std::size_t Read(char* out, std::size_t size) override {
@@ -27,25 +28,26 @@ class CountedFile : public ByteSource {
     if (count == 0 && std::ferror(file_.get()) != 0) {
       throw FileError(path_, 0, std::strerror(errno), "readable data", "Check the path and the disk.");
     }
-    monitor_.bytes.fetch_add(count, std::memory_order_relaxed);
+    if (monitor_ != nullptr) monitor_->bytes.fetch_add(count, std::memory_order_relaxed);
     return count;
   }
 
  private:
   std::string path_;
   std::unique_ptr<std::FILE, CloseFile> file_;
-  RunMonitor& monitor_;
+  RunMonitor* monitor_;
 };
 
-std::unique_ptr<ByteSource> OpenCounted(const std::string& path, Diagnostics& diagnostics,
-                                        const InputLimits& limits, RunMonitor* monitor) {
+std::unique_ptr<ByteSource> OpenRegular(const std::string& path, const JudgingSettings& settings,
+                                        Diagnostics& diagnostics, RunMonitor* monitor) {
   std::error_code ignored;
-  const bool counted =
-      monitor != nullptr && monitor->count_bytes && std::filesystem::is_regular_file(path, ignored);
-  std::FILE* file = counted ? std::fopen(path.c_str(), "rb") : nullptr;
-  // What cannot be opened gets its message from the plain way.
-  if (file == nullptr) return OpenBytes(path, diagnostics, limits);
-  return DecompressedBytes(std::make_unique<CountedFile>(path, file, *monitor), path, diagnostics, limits);
+  std::FILE* file =
+      std::filesystem::is_regular_file(path, ignored) ? std::fopen(path.c_str(), "rb") : nullptr;
+  // What cannot be opened gets its message from the plain way, and what may block is not read ahead.
+  if (file == nullptr) return OpenBytes(path, diagnostics, settings.limits);
+  const bool counted = monitor != nullptr && monitor->count_bytes;
+  return DecompressedBytes(std::make_unique<CountedFile>(path, file, counted ? monitor : nullptr), path,
+                           diagnostics, settings.limits, settings.analysis_on_own_thread);
 }
 
 class RinexSource : public EpochSource {
@@ -53,7 +55,7 @@ class RinexSource : public EpochSource {
   RinexSource(const std::string& path, const JudgingSettings& settings, Diagnostics& diagnostics,
               RunMonitor* monitor)
       : path_(path),
-        reader_(OpenCounted(path, diagnostics, settings.limits, monitor), path, diagnostics,
+        reader_(OpenRegular(path, settings, diagnostics, monitor), path, diagnostics,
                 {settings.snr_from_strength, settings.limits}) {}
 
   const std::string& Name() const override { return path_; }

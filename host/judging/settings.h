@@ -46,7 +46,8 @@ struct JudgingSettings {
   bool show_satellites = false;             ///< reports list every satellite
   /// What the library cannot judge, as without navigation, is an error; else the report says what is missing.
   bool strict = false;
-  /// The analysis of a file runs on a second thread, next to reader and library. Reports are the same;
+  /// The analysis of a file runs on a second thread, next to reader and library, and a compressed file is
+  /// decompressed on a third. Reports are the same;
   /// a JudgingPool that has no threads left for it switches it off.
   bool analysis_on_own_thread = true;
 };

@@ -120,7 +120,8 @@ std::unique_ptr<ByteSource> TextBytes(std::string text) {
 }
 
 std::unique_ptr<ByteSource> DecompressedBytes(std::unique_ptr<ByteSource> source, const std::string& name,
-                                              Diagnostics& diagnostics, const InputLimits& limits) {
+                                              Diagnostics& diagnostics, const InputLimits& limits,
+                                              bool ahead) {
   // A compressed file inside an archive is common; deeper nesting is no accident.
   constexpr int kMaxCompressionLayers = 3;
   for (int depth = 0; depth < kMaxCompressionLayers; ++depth) {
@@ -128,6 +129,7 @@ std::unique_ptr<ByteSource> DecompressedBytes(std::unique_ptr<ByteSource> source
     const Compression compression = CompressionOf(magic);
     source = std::make_unique<PrefixedBytes>(std::move(magic), std::move(source));
     if (compression == Compression::kNone) break;
+    if (ahead) return DecompressedAhead(std::move(source), name, diagnostics, limits);
     source = compression == Compression::kGzip
                  ? GunzipBytes(std::move(source), name, diagnostics)
                  : ArchiveBytes(std::move(source), compression, name, diagnostics);

@@ -34,8 +34,17 @@ class ByteSource {
 std::unique_ptr<ByteSource> OpenBytes(const std::string& path, Diagnostics& diagnostics,
                                       const InputLimits& limits = {});
 
-/// Decompresses a source as OpenBytes does. @param name  file name in notices
+/// Decompresses a source as OpenBytes does.
+/// @param name   file name in notices
+/// @param ahead  compressed data are decompressed by DecompressedAhead
 std::unique_ptr<ByteSource> DecompressedBytes(std::unique_ptr<ByteSource> source, const std::string& name,
+                                              Diagnostics& diagnostics, const InputLimits& limits = {},
+                                              bool ahead = false);
+
+/// Decompresses a source on a thread of its own, ahead of the reader; where the system gives no thread, when
+/// it is read. Bytes and errors are the same. Notices about the compression come when the data end.
+/// Destruction waits for the source's Read, which must not block.
+std::unique_ptr<ByteSource> DecompressedAhead(std::unique_ptr<ByteSource> compressed, const std::string& name,
                                               Diagnostics& diagnostics, const InputLimits& limits = {});
 
 /// The bytes of a text.

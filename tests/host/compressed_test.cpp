@@ -17,8 +17,8 @@ struct Decompressed {
   Diagnostics notices;
   std::string text;
 
-  explicit Decompressed(const std::string& compressed, const InputLimits& limits = {}) {
-    const auto source = DecompressedBytes(TextBytes(compressed), "x", notices, limits);
+  explicit Decompressed(const std::string& compressed, const InputLimits& limits = {}, bool ahead = false) {
+    const auto source = DecompressedBytes(TextBytes(compressed), "x", notices, limits, ahead);
     char buffer[1000];
     for (std::size_t n = 0; (n = source->Read(buffer, sizeof buffer)) > 0;) text.append(buffer, n);
   }
@@ -43,6 +43,30 @@ TEST(Compressed, EveryFilterIsDetectedFromTheContentAndDecompressed) {
     EXPECT_EQ(file.text, text);
     EXPECT_EQ(file.notices.Total(), 0);
   }
+}
+
+TEST(Compressed, DecompressedAheadGivesTheSameBytesAndErrors) {
+  const std::string text = Numbers() + Numbers() + Numbers() + Numbers();
+  const std::string compressed = Filtered(archive_write_add_filter_gzip, text);
+  EXPECT_EQ(Decompressed(compressed, {}, true).text, text);
+  EXPECT_EQ(Decompressed(text, {}, true).text, text);
+  const std::string half = compressed.substr(0, compressed.size() / 2);
+  const Decompressed here(half), ahead(half, {}, true);
+  EXPECT_EQ(ahead.text, here.text);
+  ASSERT_TRUE(ahead.notices.Incomplete());
+  EXPECT_STREQ(ahead.notices.Incomplete()->what(), here.notices.Incomplete()->what());
+  InputLimits limits;
+  limits.max_decompressed_bytes = text.size() - 1;
+  EXPECT_THROW(Decompressed(compressed, limits, true), FileError);
+}
+
+TEST(Compressed, AReaderMayLeaveBeforeWhatIsDecompressedAheadIsRead) {
+  const std::string compressed = Filtered(archive_write_add_filter_gzip, Numbers() + Numbers() + Numbers());
+  Diagnostics notices;
+  const auto source = DecompressedAhead(TextBytes(compressed), "x", notices);
+  char first = 0;
+  EXPECT_EQ(source->Read(&first, 1), 1U);
+  EXPECT_EQ(first, '0');
 }
 
 TEST(Compressed, OfAZipArchiveTheFirstFileIsReadAndFurtherOnesAreNamed) {

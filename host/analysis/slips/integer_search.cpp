@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numeric>
 
 namespace orsolva_host::analysis {
@@ -98,32 +99,60 @@ void IntegerSearch::Extend(const StepTest& test, std::size_t b, double step) {
   const double width =
       std::clamp(kWidth_sigma * std::sqrt(variance) / band.wavelength_m, kMinWidth_cycles, kMaxWidth_cycles);
   grown_.clear();
-  for (const Branch& branch : beam_) {
+  costs_.clear();
+  too_expensive_ = std::numeric_limits<double>::infinity();
+  for (std::size_t parent = 0; parent < beam_.size(); ++parent) {
+    const Branch& branch = beam_[parent];
     double mean = band.mean_m;
     for (std::size_t j = 0; j < b; ++j) mean -= row[j] * branch.innovation[j];
     const double center = mean / band.wavelength_m;
     if (!(std::fabs(center) < kLargest_cycles)) continue;
-    const double last = std::floor((center + width) / step) * step;
-    for (double z = std::ceil((center - width) / step) * step; z <= last + 0.1 * step; z += step) {
-      Branch next = branch;
-      next.cycles[b] = z;
-      next.innovation[b] = mean - band.wavelength_m * z;
-      next.cost += next.innovation[b] * next.innovation[b] / variance;
-      grown_.push_back(next);
+    const double reach =
+        std::min(width, Reach_m(branch.cost, variance) / band.wavelength_m + step);  // a step for rounding
+    const double last = std::floor((center + reach) / step) * step;
+    for (double z = std::ceil((center - reach) / step) * step; z <= last + 0.1 * step; z += step) {
+      const double innovation = mean - band.wavelength_m * z;
+      const double cost = branch.cost + innovation * innovation / variance;
+      if (MayStay(cost)) grown_.push_back({parent, z, innovation, cost});
     }
   }
-  KeepCheapestGrown();
+  KeepCheapestGrown(b);
 }
 
-void IntegerSearch::KeepCheapestGrown() {
-  if (grown_.size() <= kBeam) return beam_.swap(grown_);
-  costs_.clear();
-  for (const Branch& branch : grown_) costs_.push_back(branch.cost);
+/// Innovations beyond this make a branch too expensive for the beam; 0 where it is already.
+double IntegerSearch::Reach_m(double cost, double variance) const {
+  return std::sqrt(std::max(0.0, too_expensive_ - cost) * variance);
+}
+
+/// Whether a branch of this cost may stay in the beam. Hundreds of branches grow from each of the beam where
+/// nothing limits the cycles; nearly all are left out here, before they take memory.
+bool IntegerSearch::MayStay(double cost) {
+  if (!(cost < too_expensive_)) return false;
+  costs_.push_back(cost);
+  if (costs_.size() >= 2 * kBeam) FindTooExpensive();
+  return true;
+}
+
+/// The beam is full with the branches that are cheaper than the first one beyond it.
+void IntegerSearch::FindTooExpensive() {
+  if (costs_.size() <= kBeam) return;
   std::nth_element(costs_.begin(), costs_.begin() + kBeam, costs_.end());
-  beam_.clear();
-  for (const Branch& branch : grown_) {
-    if (branch.cost < costs_[kBeam]) beam_.push_back(branch);
+  too_expensive_ = costs_[kBeam];
+  costs_.resize(kBeam + 1);
+}
+
+void IntegerSearch::KeepCheapestGrown(std::size_t b) {
+  FindTooExpensive();
+  next_.clear();
+  for (const Growth& growth : grown_) {
+    if (!(growth.cost < too_expensive_)) continue;
+    next_.push_back(beam_[growth.parent]);
+    Branch& branch = next_.back();
+    branch.cycles[b] = growth.cycles;
+    branch.innovation[b] = growth.innovation;
+    branch.cost = growth.cost;
   }
+  beam_.swap(next_);
 }
 
 void IntegerSearch::OfferSingles(const SatelliteTrack& track, const StepTest& test,

@@ -68,19 +68,31 @@ class IntegerSearch {
     std::array<double, kMaxBands> innovation;
     double cost;
   };
+  /// A branch of the beam with one more band.
+  struct Growth {
+    std::size_t parent;
+    double cycles;
+    double innovation;
+    double cost;
+  };
 
   void TieBands(const SatelliteTrack& track, const StepTest& test, const std::array<double, kMaxSignals>& r,
                 double step);
   void Extend(const StepTest& test, std::size_t band, double step);
-  void KeepCheapestGrown();
+  double Reach_m(double cost, double variance) const;
+  bool MayStay(double cost);
+  void FindTooExpensive();
+  void KeepCheapestGrown(std::size_t band);
   void OfferSingles(const SatelliteTrack& track, const StepTest& test,
                     const std::array<double, kMaxSignals>& r, SlipCandidates& out) const;
 
   std::vector<Band> bands_;
   std::array<int, kMaxSignals> band_of_;
   Cycles offset_ = {};  ///< of signals against the first of their band
-  std::vector<Branch> beam_, grown_;
+  std::vector<Branch> beam_, next_;
+  std::vector<Growth> grown_;
   std::vector<double> costs_;
+  double too_expensive_ = 0;  ///< for the beam, as far as the costs of grown branches tell
   CheapestFirst cheapest_;
   std::vector<std::array<double, kMaxBands>> factor_;  ///< rows of L in the L D L' of the bands' covariance
   std::vector<double> diagonal_;

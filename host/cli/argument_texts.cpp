@@ -77,6 +77,18 @@ std::string ParseFormats(const std::string& text, std::vector<Format>& formats) 
   return formats.empty() ? "no format given; choose from " + FormatNames() : std::string();
 }
 
+std::string ParseFigureChoice(const std::string& text, FigureChoice& choice) {
+  constexpr std::pair<std::string_view, FigureChoice> kChoices[] = {{"both", FigureChoice::kBoth},
+                                                                    {"analysis", FigureChoice::kAnalysis},
+                                                                    {"library", FigureChoice::kLibrary}};
+  for (const auto& [word, meant] : kChoices) {
+    if (text != word) continue;
+    choice = meant;
+    return {};
+  }
+  return "'" + text + "' is not a choice of figures: give analysis, library or both";
+}
+
 std::string ParsePosition(const std::string& text, PositionChoice& position) {
   if (text == "spp" || text == "header") {
     position.source = text == "spp" ? PositionSource::kComputed : PositionSource::kHeader;

@@ -24,6 +24,8 @@ std::string ParseWholeNumber(const std::string& text, unsigned high, unsigned& n
 std::string ParseInterval(const std::string& text, std::optional<double>& interval_s);
 /// Names of formats between commas.
 std::string ParseFormats(const std::string& text, std::vector<Format>& formats);
+/// "analysis", "library" or "both".
+std::string ParseFigureChoice(const std::string& text, FigureChoice& choice);
 /// "X,Y,Z" in metres, "header" or "spp".
 std::string ParsePosition(const std::string& text, PositionChoice& position);
 /// Letters out of kAllSystems, each at most once.

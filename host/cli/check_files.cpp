@@ -28,8 +28,8 @@ struct Tally {
 
   void Add(const FileOutcome& outcome) {
     failed = failed || !outcome.error.empty() || !outcome.report;
-    if (outcome.report && outcome.report->verdict)
-      verdict_failed = verdict_failed || !outcome.report->verdict->passed;
+    if (outcome.report && outcome.report->profile_verdict)
+      verdict_failed = verdict_failed || !outcome.report->profile_verdict->passed;
   }
   int ExitCode() const {
     if (failed) return kRunFailed;

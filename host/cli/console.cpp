@@ -56,8 +56,8 @@ void Console::LogResult(std::size_t file, const FileOutcome& outcome) {
   if (quiet_) return;
   if (files_.size() > 1 || verbose_) {
     const char* state = outcome.report ? "processed" : "failed";
-    const bool graded = outcome.report && outcome.report->verdict;
-    const std::string grade = graded ? ", " + Printable(outcome.report->verdict->grade) : "";
+    const bool graded = outcome.report && outcome.report->profile_verdict;
+    const std::string grade = graded ? ", " + Printable(outcome.report->profile_verdict->grade) : "";
     std::fprintf(stderr, "[%zu/%zu] %s: %s%s\n", file + 1, files_.size(), Printable(files_[file]).c_str(),
                  state, grade.c_str());
   }

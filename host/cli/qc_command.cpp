@@ -70,15 +70,16 @@ void AddOutputOptions(QcRequest& request, std::vector<Option>& options) {
       ReportFile("json", o.File(Format::kJson), "Write the report as JSON"),
       ReportFile("csv", o.File(Format::kCsv), "Write every figure as a row of CSV"),
       ReportFile("sum", o.File(Format::kSum), "Write a SUM line and =KEY rows for grep"),
+      With(Parsed("figures", "WHICH", "both", ParseFigureChoice, request.settings.figures,
+                  "Figures that reports show: analysis (every signal, by this program), library (its record "
+                  "by the rules of archives), or both"),
+           {"analysis", "library", "both"}),
       Switch("sats", request.settings.show_satellites, "Add a table per satellite"),
       FileOption("detail", "FILE", o.File(Format::kDetail),
                  "Write a CSV table of every epoch, satellite and signal (.gz: compressed)"),
       FileOption("events", "FILE", o.File(Format::kEvents),
                  "Write cycle slips, gaps and clock events one by one as CSV (.jsonl: JSON lines; .gz: "
                  "compressed); - for standard output"),
-      FileOption("series", "FILE", o.File(Format::kSeries),
-                 "Write figures over time by station, signal and satellite, in bins of five minutes, as CSV "
-                 "(.jsonl: JSON lines; .gz: compressed); - for standard output"),
       FileOption("html", "FILE", o.File(Format::kHtml),
                  "Write the report with plots as one page that needs no network; of several files, the index "
                  "of the pages in --output"),

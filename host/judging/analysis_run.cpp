@@ -10,9 +10,8 @@ namespace orsolva_host {
 namespace {
 
 analysis::AnalysisOptions OptionsOf(const JudgingSettings& settings, const ObservationHeader& header,
-                                    std::shared_ptr<const PreciseOrbits> precise, bool series) {
+                                    std::shared_ptr<const PreciseOrbits> precise) {
   analysis::AnalysisOptions options;
-  options.series = series;
   options.elevation_cutoff_deg = settings.elevation_cutoff_deg;
   options.detector.position = header.position;
   if (settings.position.source == PositionSource::kOption)
@@ -36,11 +35,10 @@ std::size_t PlaceOf(char letter) { return static_cast<std::size_t>(letter - 'A')
 
 AnalysisRun::AnalysisRun(const JudgingSettings& settings, const EpochSource& source,
                          const BroadcastRecords& records, std::shared_ptr<const PreciseOrbits> precise,
-                         EventSink* events, SeriesSink* series)
+                         EventSink* sink)
     : description_(Described(settings, source)),
-      analysis_(OptionsOf(settings, source.Header(), std::move(precise), series != nullptr), records),
-      events_(events),
-      series_(series) {
+      analysis_(OptionsOf(settings, source.Header(), std::move(precise)), records),
+      sink_(sink) {
   for (const char letter : settings.systems) chosen_[PlaceOf(letter)].set();
   for (const ExcludedSatellite& out : settings.excluded) {
     chosen_[PlaceOf(kSystemTable[out.system_slot].letter)].reset(static_cast<std::size_t>(out.number));
@@ -61,26 +59,19 @@ void AnalysisRun::Add(ObservationEpoch& epoch) {
   }
   analysis_.Add(epoch);
   PassEvents();
-  PassSeries();
 }
 
 AnalysisReport AnalysisRun::Finish(std::vector<DescriptionChange> changes) {
   analysis_.Finish();
   PassEvents();
-  PassSeries();
   description_.changes = std::move(changes);
   report_.figures = analysis_.Result(description_);
   return std::move(report_);
 }
 
-void AnalysisRun::PassSeries() {
-  if (series_ == nullptr) return;
-  for (const analysis::SeriesRow& row : analysis_.TakeSeries()) series_->Add(row);
-}
-
 void AnalysisRun::PassEvents() {
   for (analysis::Event& event : analysis_.TakeEvents()) {
-    if (events_ != nullptr) events_->Add(event);
+    if (sink_ != nullptr) sink_->Add(event);
     if (report_.events.size() < kMostEventsKept) {
       report_.events.push_back(std::move(event));
     } else {

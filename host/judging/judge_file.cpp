@@ -112,9 +112,8 @@ bool Run::ReadEpoch(SharedNavigation& named) {
 
 void Run::StartAnalysis(SharedNavigation& named, const Time_gbt& first) {
   TakeNavigation(named, first);
-  auto run =
-      std::make_unique<AnalysisRun>(settings_, source_, navigation_->broadcast,
-                                    named_ ? named_->precise : nullptr, observers_.events, observers_.series);
+  auto run = std::make_unique<AnalysisRun>(settings_, source_, navigation_->broadcast,
+                                           named_ ? named_->precise : nullptr, observers_.events);
   analysis_ = std::make_unique<AnalysisThread>(std::move(run), settings_.analysis_on_own_thread);
 }
 
@@ -148,6 +147,7 @@ Report Run::Finish() {
     report.run.distance_from_header_m =
         std::hypot((*xyz)[0] - (*header)[0], (*xyz)[1] - (*header)[1], (*xyz)[2] - (*header)[2]);
   }
+  report.figures = settings_.figures;
   report.show_satellites = report.show_satellite_signals = settings_.show_satellites;
   report.notices = NoticesOf(diagnostics_);
   report.further_notices = diagnostics_.Uncounted();
@@ -155,7 +155,7 @@ Report Run::Finish() {
   if (source_.Failure()) report.read_error = source_.Failure()->what();
   const std::optional<RunEvents> events = library_.Events();
   Conclude(report, events ? &*events : nullptr);
-  if (settings_.profile) report.verdict = Judge(report, *settings_.profile);
+  if (settings_.profile) report.profile_verdict = Judge(report, *settings_.profile);
   return report;
 }
 

@@ -43,7 +43,8 @@ struct JudgingSettings {
   bool snr_from_strength = false;           ///< see ObservationOptions::snr_from_strength
   InputLimits limits;                       ///< of each input file
   std::optional<Profile> profile;           ///< limits that the report is held against; absent: no verdict
-  bool show_satellites = false;             ///< reports list every satellite
+  FigureChoice figures = FigureChoice::kBoth;  ///< that reports show
+  bool show_satellites = false;                ///< reports list every satellite
   /// What the library cannot judge, as without navigation, is an error; else the report says what is missing.
   bool strict = false;
   /// The analysis of a file runs on a second thread, next to reader and library, and a compressed file is

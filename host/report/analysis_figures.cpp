@@ -1,5 +1,6 @@
 #include "host/report/analysis_figures.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <optional>
@@ -42,10 +43,18 @@ void Append(Rows<Owner>& rows, const Rows<Owner>& more) {
   rows.insert(rows.end(), more.begin(), more.end());
 }
 
+/// What has a column is also a field of the lines for grep, with the same decimals.
 template <typename Owner>
 FigureRow<Owner> Row(const char* key, FigureKind kind, std::optional<double> (*get)(const Owner&),
                      TextColumn text = kNoColumn) {
-  return {key, kind, get, text, kNotInSum, kOurs};
+  return {key, kind, get, text, text.heading != nullptr ? text.decimals : kNotInSum, kOurs};
+}
+
+/// In the lines for grep alone.
+template <typename Owner>
+FigureRow<Owner> SumRow(const char* key, FigureKind kind, std::optional<double> (*get)(const Owner&),
+                        int decimals = 0) {
+  return {key, kind, get, kNoColumn, decimals, kOurs};
 }
 
 template <std::size_t axis>
@@ -64,6 +73,11 @@ std::optional<double> SizeOf(const std::vector<Value>& list) {
   return static_cast<double>(list.size());
 }
 
+std::optional<double> NeverObserved(const AnalysisResult& r) {
+  const std::optional<Count> count = NeverObservedHealthy(r);
+  return count ? std::optional<double>(static_cast<double>(*count)) : std::nullopt;
+}
+
 /// Zero stands for an interval that nothing shows.
 std::optional<double> Interval(const AnalysisResult& r) {
   return r.span.interval_s > 0 ? Finite(r.span.interval_s) : std::nullopt;
@@ -77,8 +91,8 @@ Rows<Owner> CompletenessRows() {
       Row<Owner>("horizon_expected_epochs",    FigureKind::kEpochs, In<&Owner::horizon, &CompletenessFigures::expected>),
       Row<Owner>("horizon_observed_epochs",    FigureKind::kEpochs, In<&Owner::horizon, &CompletenessFigures::observed>),
       Row<Owner>("horizon_completeness_ratio", FigureKind::kRatio,  In<&Owner::horizon, &CompletenessFigures::ratio>, {"Horiz %", 8, 2}),
-      Row<Owner>("cutoff_expected_epochs",     FigureKind::kEpochs, In<&Owner::cutoff, &CompletenessFigures::expected>),
-      Row<Owner>("cutoff_observed_epochs",     FigureKind::kEpochs, In<&Owner::cutoff, &CompletenessFigures::observed>),
+      SumRow<Owner>("cutoff_expected_epochs",     FigureKind::kEpochs, In<&Owner::cutoff, &CompletenessFigures::expected>),
+      SumRow<Owner>("cutoff_observed_epochs",     FigureKind::kEpochs, In<&Owner::cutoff, &CompletenessFigures::observed>),
       Row<Owner>("cutoff_completeness_ratio",  FigureKind::kRatio,  In<&Owner::cutoff, &CompletenessFigures::ratio>, {"Cut-off %", 10, 2}),
   };
 }
@@ -90,10 +104,10 @@ Rows<Owner> SlipRows() {
       Row<Owner>("unsure_slips",               FigureKind::kEvents,      In<&Owner::slips, &SlipFigures::unsure>, {"Unsure", 7, 0}),
       Row<Owner>("half_cycle_slips",           FigureKind::kEvents,      In<&Owner::slips, &SlipFigures::half_cycles>, {"Half", 5, 0}),
       Row<Owner>("phase_jumps",                FigureKind::kEvents,      In<&Owner::slips, &SlipFigures::unknown_size>, {"Jumps", 6, 0}),
-      Row<Owner>("tested_steps",               FigureKind::kSteps,       In<&Owner::slips, &SlipFigures::tested_steps>),
+      SumRow<Owner>("tested_steps",               FigureKind::kSteps,       In<&Owner::slips, &SlipFigures::tested_steps>),
       Row<Owner>("untested_steps",             FigureKind::kSteps,       In<&Owner::slips, &SlipFigures::untested_steps>),
-      Row<Owner>("observations_per_slip",      FigureKind::kObservations, In<&Owner::slips, &SlipFigures::observations_per_slip>),
-      Row<Owner>("observations_without_slip",  FigureKind::kEpochs,      In<&Owner::slips, &SlipFigures::observations_without_slip>),
+      SumRow<Owner>("observations_per_slip",      FigureKind::kObservations, In<&Owner::slips, &SlipFigures::observations_per_slip>),
+      SumRow<Owner>("observations_without_slip",  FigureKind::kEpochs,      In<&Owner::slips, &SlipFigures::observations_without_slip>),
       Row<Owner>("slips_per_1000_observations", FigureKind::kNumber,     In<&Owner::slips, &SlipFigures::slips_per_1000>),
       Row<Owner>("loss_of_lock_flags",         FigureKind::kEvents,      In<&Owner::slips, &SlipFigures::loss_of_lock_flags>),
       Row<Owner>("loss_of_lock_with_slip",     FigureKind::kEvents,      In<&Owner::slips, &SlipFigures::loss_of_lock_with_slip>),
@@ -123,8 +137,8 @@ Rows<Owner> TrackingRows() {
       Row<Owner>("arcs",                       FigureKind::kEvents,  In<&Owner::arcs, &ArcFigures::arcs>),
       Row<Owner>("median_arc_s",               FigureKind::kSeconds, In<&Owner::arcs, &ArcFigures::median_s>),
       Row<Owner>("longest_arc_s",              FigureKind::kSeconds, In<&Owner::arcs, &ArcFigures::longest_s>),
-      Row<Owner>("interruptions_of_signals",   FigureKind::kEvents, In<&Owner::interruptions, &InterruptionFigures::by_signal>),
-      Row<Owner>("interruptions_of_satellites", FigureKind::kEvents, In<&Owner::interruptions, &InterruptionFigures::by_satellite>),
+      SumRow<Owner>("interruptions_of_signals",   FigureKind::kEvents, In<&Owner::interruptions, &InterruptionFigures::by_signal>),
+      SumRow<Owner>("interruptions_of_satellites", FigureKind::kEvents, In<&Owner::interruptions, &InterruptionFigures::by_satellite>),
       Row<Owner>("interruptions_of_receiver",  FigureKind::kEvents, In<&Owner::interruptions, &InterruptionFigures::by_receiver>),
       Row<Owner>("continuous_interruptions",   FigureKind::kEvents, In<&Owner::interruptions, &InterruptionFigures::continuous>),
       Row<Owner>("slipped_interruptions",      FigureKind::kEvents, In<&Owner::interruptions, &InterruptionFigures::slipped>),
@@ -146,6 +160,13 @@ void AppendTracking(Rows<Owner>& rows) {
 }
 
 }  // namespace
+
+std::optional<Count> NeverObservedHealthy(const AnalysisResult& result) {
+  if (!result.with_orbits) return std::nullopt;
+  const auto& list = result.never_observed;
+  return static_cast<Count>(
+      std::count_if(list.begin(), list.end(), [](const auto& s) { return s.healthy_epochs > 0; }));
+}
 
 std::vector<FigureRow<AnalysisResult>> AnalysisRows() {
   using Result = AnalysisResult;
@@ -179,7 +200,7 @@ std::vector<FigureRow<AnalysisResult>> AnalysisRows() {
       Row<Result>("allan_deviation",             FigureKind::kNumber,  In<&Result::receiver_clock, &ReceiverClockFigures::allan_deviation>),
       Row<Result>("allan_deviation_10",          FigureKind::kNumber,  In<&Result::receiver_clock, &ReceiverClockFigures::allan_deviation_10>),
       Row<Result>("satellites_without_orbit",    FigureKind::kSatellites, [](const Result& r) { return SizeOf(r.without_record); }),
-      Row<Result>("satellites_never_observed",   FigureKind::kSatellites, [](const Result& r) { return r.with_orbits ? SizeOf(r.never_observed) : std::nullopt; }),
+      Row<Result>("satellites_never_observed",   FigureKind::kSatellites, NeverObserved),
       Row<Result>("contradictions",              FigureKind::kEvents,  [](const Result& r) { return SizeOf(r.contradictions); }),
   };
 }
@@ -188,7 +209,7 @@ std::vector<FigureRow<SystemFigures>> AnalysisSystemRows() {
   using System = SystemFigures;
   Rows<System> rows = {
       Row<System>("satellites_tracked",          FigureKind::kSatellites, Get<&System::satellites_observed>, {"Sats", 5, 0}),
-      Row<System>("satellites_without_orbit",    FigureKind::kSatellites, Get<&System::satellites_without_record>, {"No rec", 7, 0}),
+      Row<System>("satellites_without_orbit",    FigureKind::kSatellites, Get<&System::satellites_without_record>, {"No orbit", 9, 0}),
       Row<System>("satellites_never_observed",   FigureKind::kSatellites, Get<&System::satellites_never_observed>),
   };
   Append(rows, CompletenessRows<System>());

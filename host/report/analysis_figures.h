@@ -9,6 +9,9 @@
 
 namespace orsolva_host {
 
+/// How many satellites were in view and healthy but never observed; absent without orbits.
+std::optional<Count> NeverObservedHealthy(const analysis::AnalysisResult& result);
+
 std::vector<FigureRow<analysis::AnalysisResult>> AnalysisRows();
 std::vector<FigureRow<analysis::SystemFigures>> AnalysisSystemRows();
 std::vector<FigureRow<analysis::SignalFigures>> AnalysisSignalRows();

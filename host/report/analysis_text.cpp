@@ -17,11 +17,9 @@ namespace {
 
 using analysis::AnalysisResult;
 using analysis::SignalFigures;
-using analysis::SlipFigures;
 using analysis::SystemFigures;
 
 constexpr std::size_t kMaxGapsShown = 3;
-constexpr std::size_t kMaxNamesShown = 12;
 
 std::string SystemName(char letter) {
   const int slot = SystemSlot(letter);
@@ -40,14 +38,6 @@ void AddPart(std::string& text, const std::string& part) {
   if (!part.empty()) text += (text.empty() ? "" : ", ") + part;
 }
 
-std::string Listed(std::vector<std::string> names) {
-  const std::size_t further = names.size() > kMaxNamesShown ? names.size() - kMaxNamesShown : 0;
-  names.resize(names.size() - further);
-  std::string text;
-  for (const std::string& name : names) AddPart(text, name);
-  return further > 0 ? text + fmt::format(" and {} more", further) : text;
-}
-
 /// "1 satellite", "3 satellites"
 std::string Counted(std::size_t count, std::string_view what) {
   return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
@@ -62,15 +52,7 @@ std::string ShortTime(double seconds) {
   return fmt::format("{:.4g} ns", seconds * 1e9);
 }
 
-std::string EpochsText(const analysis::SpanFigures& span) {
-  if (!span.expected_epochs) return {};
-  return fmt::format("{} nominal every {:g} s, {} present, {} usable, {} missing", *span.expected_epochs,
-                     span.interval_s, Whole(span.present_epochs), Whole(span.usable_epochs),
-                     Whole(span.lost_epochs));
-}
-
 std::string GapsText(const analysis::SpanFigures& span) {
-  if (span.gaps.empty()) return span.expected_epochs ? "none" : "";
   std::string text;
   for (std::size_t i = 0; i < std::min(span.gaps.size(), kMaxGapsShown); ++i) {
     const analysis::DataGap& gap = span.gaps[i];
@@ -80,36 +62,6 @@ std::string GapsText(const analysis::SpanFigures& span) {
   const std::size_t further =
       span.gaps.size() + span.further_gaps - std::min(span.gaps.size(), kMaxGapsShown);
   return further > 0 ? text + fmt::format(" and {} more", further) : text;
-}
-
-std::string CompletenessText(const AnalysisResult& result) {
-  std::string text;
-  for (const SystemFigures& system : result.systems) {
-    if (!system.cutoff.ratio) continue;
-    AddPart(text, fmt::format("{} {:.2f} %", SystemName(system.letter), *system.cutoff.ratio * 100));
-  }
-  if (text.empty()) return text;
-  return fmt::format("{}, from {:g} degrees up", text, result.elevation_cutoff_deg);
-}
-
-/// "3 (1 unsure) in 25792", "0 in 25792"
-std::string SlipsOf(const SlipFigures& slips) {
-  if (!slips.tested_steps || *slips.tested_steps == 0) return {};
-  const Count unsure = slips.unsure.value_or(0);
-  const Count all =
-      slips.sure.value_or(0) + unsure + slips.half_cycles.value_or(0) + slips.unknown_size.value_or(0);
-  std::string text = fmt::format("{}", all);
-  if (unsure > 0) text += fmt::format(" ({} unsure)", unsure);
-  return text + fmt::format(" in {}", *slips.tested_steps);
-}
-
-std::string SlipsText(const AnalysisResult& result) {
-  std::string text;
-  for (const SystemFigures& system : result.systems) {
-    const std::string slips = SlipsOf(system.slips);
-    if (!slips.empty()) AddPart(text, SystemName(system.letter) + " " + slips);
-  }
-  return text.empty() ? text : text + " tested steps";
 }
 
 std::string PositionText(const analysis::PositionFigures& position) {
@@ -153,20 +105,16 @@ class Writer {
       : report_(report), result_(report.analysis.figures), style_(style), tables_(tables) {}
 
   std::string Write() {
-    Row("Epochs", EpochsText(result_.span));
     Row("Gaps", GapsText(result_.span));
-    Row("Completeness", CompletenessText(result_));
-    Row("Cycle slips", SlipsText(result_));
     Row("Position", PositionText(result_.position));
     Row("Receiver clock", ClockText(result_.receiver_clock));
     if (result_.mask.lowest_deg)
       Row("Receiver's mask", fmt::format("{:.1f} degrees", *result_.mask.lowest_deg));
-    for (const analysis::Contradiction& c : result_.contradictions) {
-      Row("Contradiction", Printable(fmt::format("{}: stated {}, found {}", c.id, c.stated, c.found)));
-    }
-    WithoutOrbit();
-    NeverObserved();
     Systems();
+    return std::move(text_);
+  }
+
+  std::string WriteSignals() {
     Signals();
     if (report_.show_satellites) Satellites();
     return std::move(text_);
@@ -175,24 +123,6 @@ class Writer {
  private:
   void Row(const char* name, const std::string& value) {
     if (!value.empty()) text_ += NamedRow(name, value, style_.width);
-  }
-
-  void WithoutOrbit() {
-    std::vector<std::string> names;
-    for (const SatelliteId id : result_.without_record) names.push_back(NameOf(id));
-    if (names.empty()) return;
-    const std::size_t count = names.size();
-    Row("Without orbit", Counted(count, "satellite") + ": " + Listed(std::move(names)));
-  }
-
-  void NeverObserved() {
-    std::vector<std::string> names;
-    for (const analysis::NeverObserved& s : result_.never_observed) {
-      if (s.healthy_epochs > 0) names.push_back(NameOf(s.id));
-    }
-    if (names.empty()) return;
-    const std::size_t count = names.size();
-    Row("Never observed", Counted(count, "satellite") + " in view: " + Listed(std::move(names)));
   }
 
   void Systems() {
@@ -244,6 +174,10 @@ class Writer {
 
 std::string AnalysisText(const Report& report, const TextStyle& style, const FigureTables& tables) {
   return Writer(report, style, tables).Write();
+}
+
+std::string AnalysisSignals(const Report& report, const TextStyle& style, const FigureTables& tables) {
+  return Writer(report, style, tables).WriteSignals();
 }
 
 }  // namespace orsolva_host

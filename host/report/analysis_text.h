@@ -10,9 +10,11 @@
 
 namespace orsolva_host {
 
-/// Lines for the whole file, then tables of systems and signals, and of satellites where the report shows
-/// them.
+/// Lines for the whole file, then the table of systems.
 std::string AnalysisText(const Report& report, const TextStyle& style, const FigureTables& tables);
+
+/// The table of signals, and of satellites where the report shows them.
+std::string AnalysisSignals(const Report& report, const TextStyle& style, const FigureTables& tables);
 
 }  // namespace orsolva_host
 

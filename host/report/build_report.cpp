@@ -8,6 +8,7 @@
 #include "host/report/findings.h"
 #include "host/report/headline.h"
 #include "host/report/library_figures.h"
+#include "host/report/library_headline.h"
 #include "host/report/notes.h"
 #include "host/rinex/civil_time.h"
 #include "host/rinex/satellite_names.h"
@@ -141,8 +142,10 @@ Report BuildReport(ReportRun run, const result_qct& result, const total_code_qc_
 }
 
 void Conclude(Report& report, const RunEvents* events) {
-  report.headline = HeadlineOf(report, events);
-  report.findings = FindingsOf(report, events);
+  report.headline = HeadlineOf(report.analysis.figures);
+  report.library_headline = LibraryHeadlineOf(report, events);
+  report.findings = FindingsOf(report);
+  report.verdict = VerdictOf(report);
   report.notes = NotesOf(report);
 }
 

@@ -21,6 +21,8 @@ std::string WriteCsvRows(const Report& report, const FigureTables& tables) {
   std::string text;
   const std::string file = CsvField(report.run.observation_file);
   for (const FigureValue& f : ListFigures(report, tables)) {
+    if (report.figures == FigureChoice::kAnalysis && f.source == FigureSource::kLibrary) continue;
+    if (report.figures == FigureChoice::kLibrary && f.source == FigureSource::kAnalysis) continue;
     // The shortest text that reads back as the same number.
     const std::string value = f.value ? fmt::format("{}", *f.value) : std::string();
     fmt::format_to(std::back_inserter(text), "{},{},{},{},{},{}\n", f.subject, f.signal, f.key, f.unit, value,

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 namespace orsolva_host {
 namespace {
 
@@ -13,7 +15,7 @@ class Lister {
   void Add(FigureScope scope, const std::string& subject, const std::string& signal,
            const std::vector<FigureRow<Owner>>& rows, const Owner& owner) {
     for (const FigureRow<Owner>& row : rows) {
-      out_.push_back({scope, subject, signal, row.key, UnitOf(row.kind), row.get(owner)});
+      out_.push_back({scope, subject, signal, row.key, UnitOf(row.kind), row.get(owner), row.source});
     }
   }
 
@@ -29,9 +31,19 @@ class Lister {
     }
   }
 
+  /// Of the analysis, what the headline does not have already.
+  void AddRest(const analysis::AnalysisResult& result) {
+    for (const auto& row : tables_.analysis) {
+      const bool listed = std::any_of(tables_.headline.begin(), tables_.headline.end(),
+                                      [&row](const auto& r) { return std::string_view(r.key) == row.key; });
+      if (!listed)
+        out_.push_back({FigureScope::kRun, "", "", row.key, UnitOf(row.kind), row.get(result), row.source});
+    }
+  }
+
   /// @param each  whether every signal of every satellite is listed as well
   void AddAnalysis(const analysis::AnalysisResult& result, bool each) {
-    Add(FigureScope::kRun, "", "", tables_.analysis, result);
+    AddRest(result);
     for (const analysis::SystemFigures& system : result.systems) {
       Add(FigureScope::kSystem, std::string(1, system.letter), "", tables_.analysis_system, system);
     }
@@ -60,7 +72,7 @@ class Lister {
                           const std::vector<analysis::ElevationBin>& by_elevation) {
       for (const analysis::ElevationBin& bin : by_elevation) {
         const std::string place = fmt::format("{}@{}-{}", NameOf(signal.code), bin.from_deg, bin.to_deg);
-        out_.push_back({scope, subject, place, key, UnitOf(kind), bin.value});
+        out_.push_back({scope, subject, place, key, UnitOf(kind), bin.value, FigureSource::kAnalysis});
       }
     };
     bins("strength_mean_dbhz", FigureKind::kDbHz, signal.strength.mean_by_elevation);
@@ -79,6 +91,8 @@ std::vector<FigureValue> ListFigures(const Report& report, const FigureTables& t
   list.Add(FigureScope::kRun, "", "", tables.run, report.run);
   list.Add(FigureScope::kHeadline, "", "", tables.headline, report.headline);
   list.AddAnalysis(report.analysis.figures, report.show_satellite_signals);
+  list.Add(FigureScope::kRun, "", "", tables.library_run, report.run);
+  list.Add(FigureScope::kHeadline, "", "", tables.library_headline, report.library_headline);
   list.AddTotal(report.library_total);
   for (const SystemReport& system : report.systems) {
     list.AddWhole(FigureScope::kSystem, std::string(1, system.letter), system.figures);

@@ -22,10 +22,11 @@ struct FigureValue {
   std::string key;        ///< of figures.h
   std::string_view unit;  ///< of the figure
   std::optional<double> value;
+  FigureSource source = FigureSource::kLibrary;  ///< what computed it
 };
 
-/// The figures of the run and its headline, those of the analysis, then library total, systems, signals and
-/// satellites, absent ones included.
+/// The figures of the run, the headline and the rest of the analysis, each once, then those of the library:
+/// run, headline, total, systems, signals and satellites; absent ones included.
 std::vector<FigureValue> ListFigures(const Report& report, const FigureTables& tables = AllFigures());
 
 }  // namespace orsolva_host

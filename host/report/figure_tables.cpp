@@ -3,16 +3,27 @@
 #include "host/report/analysis_figures.h"
 #include "host/report/headline.h"
 #include "host/report/library_figures.h"
+#include "host/report/library_headline.h"
 #include "host/report/run_figures.h"
 
 namespace orsolva_host {
 
 const FigureTables& AllFigures() {
-  static const FigureTables tables{
-      RunRows(),      HeadlineRows(),       WholeRows(),          BandRows(),
-      TotalRows(),    SlotRows(),           SignalRows(),         CoverageRows(),
-      AnalysisRows(), AnalysisSystemRows(), AnalysisSignalRows(), AnalysisSatelliteRows(),
-      WideLaneRows()};
+  static const FigureTables tables{RunRows(),
+                                   HeadlineRows(),
+                                   LibraryRunRows(),
+                                   LibraryHeadlineRows(),
+                                   WholeRows(),
+                                   BandRows(),
+                                   TotalRows(),
+                                   SlotRows(),
+                                   SignalRows(),
+                                   CoverageRows(),
+                                   AnalysisRows(),
+                                   AnalysisSystemRows(),
+                                   AnalysisSignalRows(),
+                                   AnalysisSatelliteRows(),
+                                   WideLaneRows()};
   return tables;
 }
 

@@ -12,6 +12,9 @@ namespace orsolva_host {
 struct FigureTables {
   std::vector<FigureRow<ReportRun>> run;
   std::vector<FigureRow<Headline>> headline;
+  // Of the library's record.
+  std::vector<FigureRow<ReportRun>> library_run;
+  std::vector<FigureRow<LibraryHeadline>> library_headline;
   std::vector<FigureRow<Figures>> whole;     ///< of a system or a satellite
   std::vector<FigureRow<BandFigures>> band;  ///< of a band of a system or a satellite
   std::vector<FigureRow<Figures>> total;     ///< of the library total
@@ -37,6 +40,8 @@ void ForEachRow(const FigureTables& tables, Visit&& visit) {
   };
   all(tables.run);
   all(tables.headline);
+  all(tables.library_run);
+  all(tables.library_headline);
   all(tables.whole);
   all(tables.band);
   all(tables.total);

@@ -72,6 +72,8 @@ std::string SchemaWithFigures(const std::string& schema, const FigureTables& tab
   Json& defs = j["$defs"];
   defs["run_figures"] = Definition(tables.run);
   defs["headline_figures"] = Definition(tables.headline);
+  defs["library_run_figures"] = Definition(tables.library_run);
+  defs["library_headline_figures"] = Definition(tables.library_headline);
   defs["whole_figures"] = Definition(tables.whole);
   defs["band_figures"] = Definition(tables.band);
   defs["total_figures"] = Definition(tables.total);
@@ -94,6 +96,8 @@ std::string PageTypes(const FigureTables& tables, const std::vector<Figure>& tex
       "  key: string;\n  unit: string;\n  column: string;\n  title: string;\n  digits: number;\n}\n";
   text += Interface("RunFigures", tables.run);
   text += Interface("HeadlineFigures", tables.headline);
+  text += Interface("LibraryRunFigures", tables.library_run);
+  text += Interface("LibraryHeadlineFigures", tables.library_headline);
   text += Interface("WholeFigures", tables.whole);
   text += Interface("BandFigures", tables.band);
   text += Interface("TotalFigures", tables.total);
@@ -107,6 +111,8 @@ std::string PageTypes(const FigureTables& tables, const std::vector<Figure>& tex
   text += Interface("WideLaneFigures", tables.wide_lane);
   text += Columns("RUN", tables.run, texts);
   text += Columns("HEADLINE", tables.headline, texts);
+  text += Columns("LIBRARY_RUN", tables.library_run, texts);
+  text += Columns("LIBRARY_HEADLINE", tables.library_headline, texts);
   text += Columns("WHOLE", tables.whole, texts);
   text += Columns("SIGNAL", tables.signal, texts);
   text += Columns("ANALYSIS", tables.analysis, texts);

@@ -1,27 +1,45 @@
-// What to look at first in a report: computed once, in order of harm, and only rendered by the writers.
+// What to look at first in a report: computed once, from the figures of the analysis, in order of harm, and
+// only rendered by the writers. The limits are those of finding_limits.h.
 //
 // clang-format off
-// id                   severity  said when
-// damaged              warning   reading ended before the end of the file
-// no-navigation        warning   there is no broadcast record that can be used: the text says which file is missing
-// no-position          warning   no position could be computed, so that the library gives no figures
-// no-epochs            warning   the library took no epoch
-// implausible          warning   the library refuses its own result, as with more epochs than the interval allows
-// not-judged           warning   a satellite was observed, and is unhealthy or has no broadcast record or no position
-// nothing-judged       warning   no satellite was judged: there are no figures, and no "good" finding is said
-// no-completeness      warning   no system has a completeness, for want of signal strengths or of a code that counts
-// position-far         warning   the position lies farther than far_from_header_m from the header's
-// lost-epochs          warning   epochs of the span are not in the file
-// receiver-slips       warning   at an epoch, least_common satellites or more, and more than common_share of those
-//                                tracked, slipped or jumped
-// gaps-in-view         warning   a satellite was interrupted for at most longest_gap_s, above the cut-off on both
-//                                sides, while others were tracked
-// satellite-slips      warning   a satellite has a slip of the geometry-free phase of its own
-// code-jumps           warning   the multipath combination of a satellite departed from its running mean
-// worst-multipath      info      always: the signal with the largest multipath RMS
-// least-complete       info      always: the signal with the lowest completeness
-// no-slips             good      no slip of the geometry-free phase and no code jump on the satellites judged
-// nothing-missing      good      every signal was observed whenever it was expected
+// id                   severity       said when
+// damaged              error          reading ended before the end of the file
+// nothing-observed     error          no satellite of the systems chosen was observed
+// no-navigation        warning        no broadcast record can be used: the text says which file is missing
+// no-position, no-epochs, implausible
+//                      info, warning  why else the library has no record; a warning where there are no orbits
+// not-judged           info to error  satellites observed have no orbit: a warning from not_judged_share on or with a
+//                                     whole system, an error from hardly_judged_share on
+// position-unusable    error          codes do not fit a position: residuals above unusable_residual_m
+// antenna-moves        info, warning  the antenna moves; a warning where its first position is far_from_header_m off
+// position-far         warning        the position of the header is contradicted
+// wrong-interval, wrong-name-interval
+//                      warning        the interval of header or file name is not that of the data
+// statements           warning        other statements of header or file name that the data contradict
+// missing-epochs       info, warning  epochs are missing; a warning from missing_share on
+// unusable-epochs      warning        unusable_share of the epochs do not allow a position
+// disordered-epochs    info           duplicate epochs, or time goes backwards
+// power-failures       warning        the file flags them
+// receiver-slips       warning        least_common satellites or more, and more than common_share of those tracked,
+//                                     slipped at one epoch
+// code-clock-jumps     warning        codes jumped against the phases
+// clock-resets         info           the receiver clock was reset
+// cycle-slips          info, warning  a warning with fewer than least_steps_per_slip tested steps per slip
+// half-cycles          info, warning  as cycle-slips
+// satellite-gaps, signal-gaps
+//                      info, warning  interruptions; a warning with fewer than
+//                                     least_observations_per_interruption for each
+// strength-drops       warning        all satellites of a signal were weaker for a while
+// weak-signals         info, warning  a signal is weaker than weak_dbhz; a warning for more than half of them
+// incomplete           warning        a system is less than least_completeness complete
+// ionosphere           warning        ROTI of a system above disturbed_roti at 95 %
+// gps-multipath        warning        MP1 or MP2 of GPS above most_mp1_m or most_mp2_m
+// satellite-strength-drops, satellite-clocks, never-observed
+//                      info           of single satellites
+// worst-multipath, least-complete
+//                      info           always: the worst signal
+// no-slips, nothing-missing
+//                      good           nothing of the kind was found
 // clang-format on
 #ifndef ORSOLVA_REPORT_FINDINGS_H
 #define ORSOLVA_REPORT_FINDINGS_H
@@ -32,10 +50,12 @@
 
 namespace orsolva_host {
 
-struct RunEvents;
+/// @param report  with its headline. Errors come first, then warnings, each in the order above.
+std::vector<Finding> FindingsOf(const Report& report);
 
-/// @param report  with its headline; @param events  null when they were not collected
-std::vector<Finding> FindingsOf(const Report& report, const RunEvents* events);
+/// The line that every output begins with: "poor" with an error among the findings, "not judged" without any
+/// orbit, "fair" with a warning, else "good". @param report  with its headline and its findings
+Verdict VerdictOf(const Report& report);
 
 }  // namespace orsolva_host
 

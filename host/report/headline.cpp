@@ -1,115 +1,130 @@
 #include "host/report/headline.h"
 
 #include <algorithm>
-#include <string>
 #include <string_view>
 
-#include "host/report/run_events.h"
+#include "host/analysis/figures/slip_sums.h"
+#include "host/report/analysis_figures.h"
 
 namespace orsolva_host {
 namespace {
 
-std::optional<double> MultipathOf(const Figures& figures, int slot) {
-  for (const BandFigures& band : figures.bands) {
-    if (band.slot == slot) return band.mp_m;
-  }
-  return std::nullopt;
+using analysis::AnalysisResult;
+using analysis::SignalFigures;
+using analysis::SlipFigures;
+using analysis::SystemFigures;
+
+/// Adds what is there; a sum of nothing stays absent.
+void Sum(std::optional<Count>& sum, const std::optional<Count>& more) {
+  if (more) sum = sum.value_or(0) + *more;
 }
 
-/// Sums over the systems that count their complete observations.
-void AddCompleteness(const Report& report, Headline& headline) {
-  Count expected = 0;
-  Count observed = 0;
-  Count restarts = 0;
-  for (const SystemReport& system : report.systems) {
-    const Figures& f = system.figures;
-    if (!f.expected || !f.observed) continue;
-    expected += *f.expected;
-    observed += *f.observed;
-    restarts += f.mp_restarts.value_or(0);
+/// The multipath of the signal named, else of the one of its band with the most values.
+std::optional<double> GpsMultipath(const AnalysisResult& result, std::string_view named) {
+  const SignalFigures* best = nullptr;
+  for (const SignalFigures& signal : result.signals) {
+    if (signal.system != 'G' || signal.code.band != named[0] || !signal.multipath.moving_m) continue;
+    const bool is_named = NameOf(signal.code) == named;
+    if (is_named || best == nullptr ||
+        signal.multipath.values.value_or(0) > best->multipath.values.value_or(0)) {
+      best = &signal;
+    }
+    if (is_named) break;
   }
-  if (expected > 0) {
-    headline.expected = expected;
-    headline.observed = observed;
-    headline.completeness = static_cast<double>(observed) / static_cast<double>(expected);
+  return best == nullptr ? std::nullopt : best->multipath.moving_m;
+}
+
+std::optional<double> WorstMultipath(const AnalysisResult& result) {
+  std::optional<double> worst;
+  for (const SignalFigures& signal : result.signals) {
+    const std::optional<double>& rms_m = signal.multipath.moving_m;
+    if (rms_m && (!worst || *rms_m > *worst)) worst = rms_m;
   }
-  if (observed > 0) {
-    headline.obs_per_restart = static_cast<double>(restarts > 0 ? observed / restarts : observed);
+  return worst;
+}
+
+void AddSlips(const SlipFigures& slips, Headline& headline) {
+  if (slips.tested_steps.value_or(0) == 0) return;
+  Sum(headline.tested_steps, slips.tested_steps);
+  for (const auto& count : {slips.sure, slips.unsure, slips.half_cycles, slips.unknown_size}) {
+    Sum(headline.cycle_slips, count);
   }
 }
 
-void AddSatellites(const Report& report, Headline& headline) {
-  const auto& rows = report.run.navigation_coverage;
-  if (rows.empty()) return;
-  const auto count = [&](std::string_view state) {
-    return static_cast<Count>(std::count_if(rows.begin(), rows.end(), [&](const NavigationCoverage& row) {
-      return StateOf(report, row) == state;
-    }));
-  };
-  headline.satellites_observed = rows.size();
-  headline.satellites_judged = count("judged");
-  headline.satellites_excluded = count("excluded");
-  headline.satellites_unhealthy = count("unhealthy");
-  headline.satellites_without_record = count("no_record");
-  headline.satellites_without_position = count("no_position");
-  headline.satellites_below_cutoff = count("below_cutoff");
+void AddSystem(const SystemFigures& system, Headline& headline) {
+  Sum(headline.satellites_tracked, system.satellites_observed);
+  Sum(headline.cutoff_expected, system.cutoff.expected);
+  Sum(headline.cutoff_observed, system.cutoff.observed);
+  Sum(headline.interruptions_of_satellites, system.interruptions.by_satellite);
+  Sum(headline.interruptions_of_signals, system.interruptions.by_signal);
+  AddSlips(system.slips, headline);
 }
 
-void AddEvents(const RunEvents& events, Headline& headline) {
-  Count slips = 0;
-  Count jumps = 0;
-  Count gaps = 0;
-  for (const SatelliteEvents& satellite : events.satellites) {
-    slips += satellite.geometry_free_slips;
-    jumps += satellite.code_jumps;
-    gaps += satellite.gaps.size();
+void Divide(Headline& h) {
+  if (h.cutoff_expected.value_or(0) > 0 && h.cutoff_observed) {
+    h.cutoff_completeness = static_cast<double>(*h.cutoff_observed) / static_cast<double>(*h.cutoff_expected);
   }
-  headline.geometry_free_slips = slips;
-  headline.code_jumps = jumps;
-  headline.receiver_slip_epochs = events.receiver_epochs.size();
-  headline.gaps_in_view = gaps;
+  const Count tested = h.tested_steps.value_or(0);
+  const Count slips = h.cycle_slips.value_or(0);
+  if (tested > 0 && slips == 0) h.observations_without_slip = tested;
+  if (tested >= analysis::SlipSums::kMinTestedSteps && slips > 0) {
+    h.observations_per_slip = static_cast<double>(tested) / static_cast<double>(slips);
+  }
 }
 
 }  // namespace
 
-std::string StateOf(const Report& report, const NavigationCoverage& satellite) {
-  const auto known = report.states.find(satellite.satellite);
-  if (known != report.states.end()) return known->second;
-  if (satellite.records > 0) return "no_position";
-  return satellite.unhealthy_records > 0 ? "unhealthy" : "no_record";
-}
-
-Headline HeadlineOf(const Report& report, const RunEvents* events) {
-  Headline headline;
-  AddCompleteness(report, headline);
-  headline.mp1_m = MultipathOf(report.library_total, 1);
-  headline.mp2_m = MultipathOf(report.library_total, 2);
-  AddSatellites(report, headline);
-  if (events != nullptr) AddEvents(*events, headline);
-  return headline;
+Headline HeadlineOf(const AnalysisResult& result) {
+  Headline h;
+  h.nominal_epochs = result.span.expected_epochs;
+  h.present_epochs = result.span.present_epochs;
+  h.missing_epochs = result.span.lost_epochs;
+  if (result.span.lost_epochs) h.data_gaps = result.span.gaps.size() + result.span.further_gaps;
+  for (const SystemFigures& system : result.systems) AddSystem(system, h);
+  if (h.satellites_tracked) {
+    h.satellites_without_orbit = result.without_record.size();
+    h.satellites_with_orbit =
+        *h.satellites_tracked - std::min(*h.satellites_tracked, *h.satellites_without_orbit);
+  }
+  h.satellites_never_observed = NeverObservedHealthy(result);
+  Divide(h);
+  h.gps_mp1_m = GpsMultipath(result, "1C");
+  h.gps_mp2_m = GpsMultipath(result, "2W");
+  h.worst_multipath_m = WorstMultipath(result);
+  h.solution_to_header_m = result.position.distance_to_header_m;
+  h.code_residual_rms_m = result.position.residual_rms_m;
+  h.contradictions = result.contradictions.size();
+  return h;
 }
 
 // The text of a heading is the line of the report and, after the bar, what follows the number in it.
 // clang-format off
 std::vector<FigureRow<Headline>> HeadlineRows() {
+  constexpr FigureSource kOurs = FigureSource::kAnalysis;
   return {
-      {"expected_epochs",            FigureKind::kEpochs,       Get<&Headline::expected>,                   {"Completeness|epochs expected", 0, 0}, 0},
-      {"observed_epochs",            FigureKind::kEpochs,       Get<&Headline::observed>,                   {"Completeness|observed", 0, 0}, 0},
-      {"completeness_ratio",         FigureKind::kRatio,        Get<&Headline::completeness>,               {"Completeness|", 0, 2},   2},
-      {"mp1_rms_m",                  FigureKind::kMetres,       Get<&Headline::mp1_m>,                      {"Multipath|MP1", 0, 3},   3},
-      {"mp2_rms_m",                  FigureKind::kMetres,       Get<&Headline::mp2_m>,                      {"Multipath|MP2", 0, 3},   3},
-      {"observations_per_restart",   FigureKind::kObservations, Get<&Headline::obs_per_restart>,            {"Multipath|observations per restart", 0, 0}, 0},
-      {"satellites_observed",        FigureKind::kSatellites,   Get<&Headline::satellites_observed>,        {"Satellites|observed", 0, 0}, 0},
-      {"satellites_judged",          FigureKind::kSatellites,   Get<&Headline::satellites_judged>,          {"Satellites|judged", 0, 0}, 0},
-      {"satellites_excluded",        FigureKind::kSatellites,   Get<&Headline::satellites_excluded>,        {"Satellites|excluded", 0, 0}, 0},
-      {"satellites_unhealthy",       FigureKind::kSatellites,   Get<&Headline::satellites_unhealthy>,       {"Satellites|unhealthy", 0, 0}, 0},
-      {"satellites_without_record",  FigureKind::kSatellites,   Get<&Headline::satellites_without_record>,  {"Satellites|without record", 0, 0}, 0},
-      {"satellites_without_position", FigureKind::kSatellites,  Get<&Headline::satellites_without_position>, {"Satellites|without position", 0, 0}, 0},
-      {"satellites_below_cutoff",    FigureKind::kSatellites,   Get<&Headline::satellites_below_cutoff>,    {"Satellites|below the cut-off", 0, 0}, 0},
-      {"geometry_free_slips",        FigureKind::kEvents,       Get<&Headline::geometry_free_slips>,        {"Events|geometry-free slips", 0, 0}, 0},
-      {"code_jumps",                 FigureKind::kEvents,       Get<&Headline::code_jumps>,                 {"Events|code jumps", 0, 0}, 0},
-      {"receiver_slip_epochs",       FigureKind::kEpochs,       Get<&Headline::receiver_slip_epochs>,       {"Events|slips of the receiver", 0, 0}, 0},
-      {"gaps_in_view",               FigureKind::kEvents,       Get<&Headline::gaps_in_view>,               {"Events|gaps in view", 0, 0}, 0},
+      {"nominal_epochs",              FigureKind::kEpochs,       Get<&Headline::nominal_epochs>,              {"Epochs|nominal", 0, 0}, 0, kOurs},
+      {"present_epochs",              FigureKind::kEpochs,       Get<&Headline::present_epochs>,              {"Epochs|present", 0, 0}, 0, kOurs},
+      {"missing_epochs",              FigureKind::kEpochs,       Get<&Headline::missing_epochs>,              {"Epochs|missing", 0, 0}, 0, kOurs},
+      {"data_gaps",                   FigureKind::kEvents,       Get<&Headline::data_gaps>,                   {"Epochs|gaps", 0, 0}, 0, kOurs},
+      {"cutoff_expected_epochs",      FigureKind::kEpochs,       Get<&Headline::cutoff_expected>,             {"Completeness|observations expected", 0, 0}, 0, kOurs},
+      {"cutoff_observed_epochs",      FigureKind::kEpochs,       Get<&Headline::cutoff_observed>,             {"Completeness|observed", 0, 0}, 0, kOurs},
+      {"cutoff_completeness_ratio",   FigureKind::kRatio,        Get<&Headline::cutoff_completeness>,         {"Completeness|", 0, 2}, 2, kOurs},
+      {"satellites_tracked",          FigureKind::kSatellites,   Get<&Headline::satellites_tracked>,          {"Satellites|observed", 0, 0}, 0, kOurs},
+      {"satellites_with_orbit",       FigureKind::kSatellites,   Get<&Headline::satellites_with_orbit>,       {"Satellites|with orbit", 0, 0}, 0, kOurs},
+      {"satellites_without_orbit",    FigureKind::kSatellites,   Get<&Headline::satellites_without_orbit>,    {"Satellites|without orbit", 0, 0}, 0, kOurs},
+      {"satellites_never_observed",   FigureKind::kSatellites,   Get<&Headline::satellites_never_observed>,   {"Satellites|never observed", 0, 0}, 0, kOurs},
+      {"cycle_slips",                 FigureKind::kEvents,       Get<&Headline::cycle_slips>,                 {"Cycle slips|", 0, 0}, 0, kOurs},
+      {"tested_steps",                FigureKind::kSteps,        Get<&Headline::tested_steps>,                {"Cycle slips|tested steps", 0, 0}, 0, kOurs},
+      {"observations_per_slip",       FigureKind::kObservations, Get<&Headline::observations_per_slip>,       {"Cycle slips|observations per slip", 0, 0}, 0, kOurs},
+      {"observations_without_slip",   FigureKind::kEpochs,       Get<&Headline::observations_without_slip>,   {}, 0, kOurs},
+      {"interruptions_of_satellites", FigureKind::kEvents,       Get<&Headline::interruptions_of_satellites>, {"Interruptions|of satellites", 0, 0}, 0, kOurs},
+      {"interruptions_of_signals",    FigureKind::kEvents,       Get<&Headline::interruptions_of_signals>,    {"Interruptions|of single signals", 0, 0}, 0, kOurs},
+      {"gps_mp1_rms_m",               FigureKind::kMetres,       Get<&Headline::gps_mp1_m>,                   {"Multipath|MP1", 0, 3}, 3, kOurs},
+      {"gps_mp2_rms_m",               FigureKind::kMetres,       Get<&Headline::gps_mp2_m>,                   {"Multipath|MP2 of GPS", 0, 3}, 3, kOurs},
+      {"worst_multipath_rms_m",       FigureKind::kMetres,       Get<&Headline::worst_multipath_m>,           {"Multipath|worst signal", 0, 3}, 3, kOurs},
+      {"solution_to_header_m",        FigureKind::kMetres,       Get<&Headline::solution_to_header_m>,        {nullptr, 0, 2}, 2, kOurs},
+      {"code_residual_rms_m",         FigureKind::kMetres,       Get<&Headline::code_residual_rms_m>,         {nullptr, 0, 2}, 2, kOurs},
+      {"contradictions",              FigureKind::kEvents,       Get<&Headline::contradictions>,              {}, 0, kOurs},
   };
 }
 // clang-format on

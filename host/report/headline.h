@@ -1,32 +1,30 @@
-// The figures a file is known by: computed here once, and only rendered by text, JSON, CSV, the SUM line, the
-// network table, the page and the index. Their rules:
+// The figures a file is known by: those of the analysis over all systems, computed here once and rendered by
+// every format. Their rules:
 //
 // clang-format off
-// expected_epochs, observed_epochs   sums over the systems whose combination counts complete observations; a Galileo
-//                                    combination with E5b or E5 counts none and stays out with both
-// completeness_ratio                 observed_epochs / expected_epochs
-// mp1_rms_m, mp2_rms_m               the library's pool over all systems of the band slots 1 and 2
-// observations_per_restart           observed_epochs / the restarts of the same systems, the fraction dropped;
-//                                    observed_epochs without a restart
-// satellites_observed                satellites of the systems judged with any value in the file; each is in exactly
-//                                    one of the six counts that follow
-// satellites_judged                  above the cut-off at some epoch, and neither excluded nor unhealthy
-// satellites_excluded                left out on request
-// satellites_unhealthy               called unhealthy by their broadcast records
-// satellites_without_record          without any broadcast record
-// satellites_without_position        with records, but none of its time, or of no known kind of orbit
-// satellites_below_cutoff            the others, which were never above the elevation cut-off
-// geometry_free_slips                satellites and epochs with a slip of the geometry-free phase, those of the whole
-//                                    receiver apart
-// code_jumps                         satellites and epochs at which the multipath departed from its mean, those of the whole
-//                                    receiver apart
-// receiver_slip_epochs               epochs at which many satellites slipped or jumped at once; see finding_limits.h
-// gaps_in_view                       interruptions of single satellites above the cut-off; see finding_limits.h
+// nominal_epochs, present_epochs, missing_epochs, data_gaps, satellites_without_orbit, solution_to_header_m,
+// satellites_never_observed, code_residual_rms_m, contradictions
+//                              those of the analysis
+// satellites_tracked           sum over the systems
+// satellites_with_orbit        satellites_tracked less satellites_without_orbit: only these have elevations, and
+//                              with them completeness
+// cutoff_expected_epochs, cutoff_observed_epochs
+//                              sums over the systems
+// cutoff_completeness_ratio    the second over the first
+// cycle_slips                  slips of satellites of every size, sure, unsure, half cycles and jumps; sum over the
+//                              systems, from the cut-off up, once a step
+// tested_steps                 sum over the systems
+// observations_per_slip        tested_steps / cycle_slips, absent without a slip and with fewer than 100 tested steps
+// observations_without_slip    tested_steps where there is no slip: "more than n"
+// interruptions_of_satellites, interruptions_of_signals
+//                              sums over the systems
+// gps_mp1_rms_m, gps_mp2_rms_m multipath_moving_rms_m of the GPS signal of band 1 and 2 that archives use: 1C and 2W
+//                              where they have one, else the one with the most values
+// worst_multipath_rms_m        the largest multipath_moving_rms_m of all signals
 // clang-format on
 #ifndef ORSOLVA_REPORT_HEADLINE_H
 #define ORSOLVA_REPORT_HEADLINE_H
 
-#include <string>
 #include <vector>
 
 #include "host/report/figure_rows.h"
@@ -34,15 +32,7 @@
 
 namespace orsolva_host {
 
-struct RunEvents;
-
-/// Which of the satellites_... figures an observed satellite belongs to: "judged", "excluded", "unhealthy",
-/// "no_record", "no_position" or "below_cutoff".
-std::string StateOf(const Report& report, const NavigationCoverage& satellite);
-
-/// @param events  what happened to the satellites; null when that was not collected, and its figures are
-/// absent
-Headline HeadlineOf(const Report& report, const RunEvents* events);
+Headline HeadlineOf(const analysis::AnalysisResult& result);
 
 std::vector<FigureRow<Headline>> HeadlineRows();
 

@@ -5,7 +5,7 @@
 #include "host/report/analysis_json.h"
 #include "host/report/figure_json.h"
 #include "host/report/figures.h"
-#include "host/report/headline.h"
+#include "host/report/library_headline.h"
 
 namespace orsolva_host {
 namespace {
@@ -40,6 +40,16 @@ class Parts {
     AddFigures(tables_.headline, report_.headline, j);
     return j;
   }
+  /// What the library has of the run, in an object of its own.
+  Json Library() const;
+
+ private:
+  Json LibraryRun() const;
+  Json LibraryHeadline() const {
+    Json j;
+    AddFigures(tables_.library_headline, report_.library_headline, j);
+    return j;
+  }
   Json Systems() const;
   Json LibraryTotal() const {
     Json j;
@@ -49,8 +59,6 @@ class Parts {
   }
   Json Signals() const;
   Json Satellites() const;
-
- private:
   void AddWhole(const Figures& figures, Json& j) const {
     AddFigures(tables_.whole, figures, j);
     AddBands("bands", tables_.band, figures, j);
@@ -83,14 +91,21 @@ Json Parts::Run() const {
   j["first_epoch_gpst"] = TimeJson(run.first_epoch);
   j["last_epoch_gpst"] = TimeJson(run.last_epoch);
   j["interval_source"] = run.interval_source;
-  j["position_ecef_m"] = PositionJson(run.position_m);
-  j["position_source"] = run.position_source;
   j["systems"] = run.systems;
   j["excluded_satellites"] = run.excluded;
   AddFigures(tables_.run, run, j);
   j["navigation_coverage"] = Json::array();
   for (const NavigationCoverage& row : run.navigation_coverage)
     j["navigation_coverage"].push_back(Coverage(row));
+  return j;
+}
+
+Json Parts::LibraryRun() const {
+  const ReportRun& run = report_.run;
+  Json j;
+  j["position_ecef_m"] = PositionJson(run.position_m);
+  j["position_source"] = run.position_source;
+  AddFigures(tables_.library_run, run, j);
   return j;
 }
 
@@ -167,10 +182,19 @@ Json OutcomeJson(const CriterionOutcome& outcome) {
 
 Json VerdictJson(const Verdict& verdict) {
   Json j;
+  j["grade"] = verdict.grade;
+  j["text"] = verdict.text;
+  return j;
+}
+
+Json ProfileJson(const ProfileVerdict& verdict) {
+  Json j;
   j["profile"] = verdict.profile;
   j["title"] = verdict.title;
   j["grade"] = verdict.grade;
   j["passed"] = verdict.passed;
+  j["satellites_observed"] = ValueOf(verdict.satellites_observed);
+  j["satellites_judged"] = ValueOf(verdict.satellites_judged);
   j["outcomes"] = Json::array();
   for (const CriterionOutcome& outcome : verdict.outcomes) j["outcomes"].push_back(OutcomeJson(outcome));
   return j;
@@ -204,26 +228,36 @@ Json NoticeJson(const ReportNotice& notice) {
   return j;
 }
 
+Json Parts::Library() const {
+  Json j;
+  j["absence"] = AbsenceJson(report_.run.library_absence);
+  j["headline"] = LibraryHeadline();
+  j["run"] = LibraryRun();
+  j["systems"] = Systems();
+  j["library_total"] = LibraryTotal();
+  j["signals"] = Signals();
+  if (report_.show_satellites) j["satellites"] = Satellites();
+  j["notes"] = Json::array();
+  for (const ReportNote& note : report_.notes) j["notes"].push_back(NoteJson(note));
+  return j;
+}
+
 }  // namespace
 
 std::string WriteJson(const Report& report, const FigureTables& tables) {
   const Parts parts(report, tables);
+  const bool analysis = report.figures != FigureChoice::kLibrary;
   Json j;
   j["format"] = kJsonFormat;
   j["library_version"] = report.run.library_version;
-  j["verdict"] = report.verdict ? VerdictJson(*report.verdict) : Json(nullptr);
+  j["verdict"] = VerdictJson(report.verdict);
   j["findings"] = Json::array();
   for (const Finding& finding : report.findings) j["findings"].push_back(FindingJson(finding));
-  j["library_absence"] = AbsenceJson(report.run.library_absence);
-  j["headline"] = parts.Headline();
+  if (analysis) j["headline"] = parts.Headline();
+  j["profile"] = report.profile_verdict ? ProfileJson(*report.profile_verdict) : Json(nullptr);
   j["run"] = parts.Run();
-  j["analysis"] = AnalysisJson(report, tables);
-  j["systems"] = parts.Systems();
-  j["library_total"] = parts.LibraryTotal();
-  j["signals"] = parts.Signals();
-  if (report.show_satellites) j["satellites"] = parts.Satellites();
-  j["notes"] = Json::array();
-  for (const ReportNote& note : report.notes) j["notes"].push_back(NoteJson(note));
+  if (analysis) j["analysis"] = AnalysisJson(report, tables);
+  if (report.figures != FigureChoice::kAnalysis) j["library"] = parts.Library();
   j["notices"] = Json::array();
   for (const ReportNotice& notice : report.notices) j["notices"].push_back(NoticeJson(notice));
   j["further_notices"] = report.further_notices;

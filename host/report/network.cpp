@@ -20,6 +20,8 @@ std::string Fixed(const std::optional<double>& value, int decimals, const char* 
   return value ? fmt::format("{:.{}f}", *value, decimals) : none;
 }
 
+std::string Whole(const std::optional<Count>& value) { return value ? fmt::format("{}", *value) : "-"; }
+
 template <typename T>
 std::string Exact(const std::optional<T>& value) {
   return value ? fmt::format("{}", *value) : std::string();
@@ -27,15 +29,13 @@ std::string Exact(const std::optional<T>& value) {
 
 int Rank(const NetworkRow& row) {
   if (!row.error.empty()) return 0;
-  if (row.grade == "fail") return 1;
-  if (row.grade == "no data") return 2;
-  return row.grade == "fair" ? 3 : 4;
+  const std::string state = StateOf(row);
+  if (state == "fail" || state == "poor") return 1;
+  if (state == "no data" || state == "not judged") return 2;
+  return state == "fair" ? 3 : 4;
 }
 
-Tone ToneOfRow(const NetworkRow& row) {
-  if (!row.error.empty()) return Tone::kFail;
-  return row.grade.empty() ? Tone::kPlain : ToneOf(row.grade);
-}
+Tone ToneOfRow(const NetworkRow& row) { return row.error.empty() ? ToneOf(StateOf(row)) : Tone::kFail; }
 
 std::string TimeOf(const std::optional<Time_gbt>& time) { return time ? TimeText(*time) : std::string(); }
 
@@ -43,7 +43,7 @@ std::string TimeOf(const std::optional<Time_gbt>& time) { return time ? TimeText
 
 std::string StateOf(const NetworkRow& row) {
   if (!row.error.empty()) return "ERROR";
-  return row.grade.empty() ? "judged" : row.grade;
+  return row.grade.empty() ? row.verdict.grade : row.grade;
 }
 
 std::string ErrorOf(const NetworkRow& row) {
@@ -61,14 +61,16 @@ NetworkRow RowOf(const Report& report) {
   NetworkRow row;
   row.file = report.run.observation_file;
   row.marker = report.run.marker;
-  if (report.verdict) row.grade = report.verdict->grade;
+  if (report.profile_verdict) row.grade = report.profile_verdict->grade;
   row.first_epoch = report.run.first_epoch;
   row.last_epoch = report.run.last_epoch;
   row.duration_h = report.run.duration_h;
   row.interval_s = report.run.interval_s;
   row.epochs = report.run.epochs;
   row.lost_epochs = report.run.lost_epochs;
+  row.verdict = report.verdict;
   row.headline = report.headline;
+  row.library_headline = report.library_headline;
   row.notices = report.further_notices;
   for (const ReportNotice& notice : report.notices) row.notices += notice.count;
   return row;
@@ -85,7 +87,7 @@ NetworkRow FailedRow(const std::string& file, const std::string& error) {
 void SortWorstFirst(std::vector<NetworkRow>& rows) {
   std::stable_sort(rows.begin(), rows.end(), [](const NetworkRow& a, const NetworkRow& b) {
     const auto key = [](const NetworkRow& r) {
-      return std::make_tuple(Rank(r), r.headline.completeness.value_or(-1), std::cref(r.file));
+      return std::make_tuple(Rank(r), r.headline.cutoff_completeness.value_or(-1), std::cref(r.file));
     };
     return key(a) < key(b);
   });
@@ -98,10 +100,10 @@ NetworkSummary SummaryOf(const std::vector<NetworkRow>& rows) {
   for (const NetworkRow& row : rows) {
     const std::string state = StateOf(row);
     if (state == "ERROR") ++sum.errors;
-    if (state == "fail" || state == "no data") ++sum.failed;
+    if (Rank(row) == 1 || Rank(row) == 2) ++sum.failed;
     if (state == "fair") ++sum.fair;
     if (state == "good") ++sum.good;
-    if (row.headline.completeness) ratios.push_back(*row.headline.completeness);
+    if (row.headline.cutoff_completeness) ratios.push_back(*row.headline.cutoff_completeness);
     sum.duration_h += row.duration_h;
     if (!row.first_epoch) continue;
     if (!sum.first_epoch || Difference(*row.first_epoch, *sum.first_epoch) < 0)
@@ -121,21 +123,22 @@ std::string NetworkText(const std::vector<NetworkRow>& rows, const TextStyle& st
                      "\n";
   TextTable table;
   table.AddColumn("File", -30);
-  table.AddColumn("State", -8);
+  table.AddColumn("State", -11);
   table.AddColumn("Compl %", 8);
-  table.AddColumn("Lost", 7);
+  table.AddColumn("Missing", 8);
+  table.AddColumn("Slips", 7);
   table.AddColumn("MP1 m", 7);
   table.AddColumn("MP2 m", 7);
-  table.AddColumn("Obs/rst", 10);
   for (const NetworkRow& row : rows) {
-    const std::optional<double>& ratio = row.headline.completeness;
+    const Headline& h = row.headline;
+    const std::optional<double>& ratio = h.cutoff_completeness;
     const std::string percent = ratio ? fmt::format("{:.2f}", *ratio * 100) : "-";
     const std::string name = std::filesystem::path(row.file).filename().string();
-    table.AddRow(
-        {Printable(name.empty() ? row.file : name), StateOf(row), percent,
-         row.lost_epochs ? fmt::format("{}", *row.lost_epochs) : "-", Fixed(row.headline.mp1_m, 3, "-"),
-         Fixed(row.headline.mp2_m, 3, "-"), Fixed(row.headline.obs_per_restart, 0, "-")},
-        ToneOfRow(row));
+    table.AddRow({Printable(name.empty() ? row.file : name), StateOf(row), percent, Whole(h.missing_epochs),
+                  Whole(h.cycle_slips), Fixed(h.gps_mp1_m, 3, "-"), Fixed(h.gps_mp2_m, 3, "-")},
+                 ToneOfRow(row));
+    const bool wrong = !row.verdict.grade.empty() && row.verdict.grade != "good";
+    if (wrong) table.AddBelow(Wrapped(Printable(row.verdict.text), "    ", "    ", style.width));
     if (!row.error.empty()) table.AddBelow(Wrapped(Printable(ErrorOf(row)), "    ", "    ", style.width));
   }
   return text + table.Text(style);
@@ -145,16 +148,19 @@ std::string NetworkCsv(const std::vector<NetworkRow>& rows, const FigureTables& 
   std::string text =
       "file,marker,state,first_epoch_gpst,last_epoch_gpst,duration_h,interval_s,epochs,lost_epochs";
   for (const auto& figure : tables.headline) text += std::string(",") + figure.key;
-  text += ",notices,error\n";
+  for (const auto& figure : tables.library_headline) text += std::string(",") + figure.key;
+  text += ",notices,verdict,error\n";
   for (const NetworkRow& row : rows) {
     const auto if_judged = [&row](auto value) {
       return row.judged ? fmt::format("{}", value) : std::string();
     };
-    text += fmt::format("{},{},{},{},{},{},{},{},{}", CsvField(row.file), CsvField(row.marker), StateOf(row),
-                        TimeOf(row.first_epoch), TimeOf(row.last_epoch), if_judged(row.duration_h),
-                        if_judged(row.interval_s), if_judged(row.epochs), Exact(row.lost_epochs));
+    text += fmt::format("{},{},{},{},{},{},{},{},{}", CsvField(row.file), CsvField(row.marker),
+                        StateOf(row), TimeOf(row.first_epoch),
+                        TimeOf(row.last_epoch), if_judged(row.duration_h), if_judged(row.interval_s),
+                        if_judged(row.epochs), Exact(row.lost_epochs));
     for (const auto& figure : tables.headline) text += "," + Exact(figure.get(row.headline));
-    text += fmt::format(",{},{}\n", if_judged(row.notices), CsvField(ErrorOf(row)));
+    for (const auto& figure : tables.library_headline) text += "," + Exact(figure.get(row.library_headline));
+    text += fmt::format(",{},{},{}\n", if_judged(row.notices), CsvField(row.verdict.text), CsvField(ErrorOf(row)));
   }
   return text;
 }

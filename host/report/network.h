@@ -18,7 +18,8 @@ struct NetworkRow {
   std::string marker;
   bool judged = true;
   std::string error;  ///< why the file could not be judged, or not to its end; empty when it was
-  std::string grade;  ///< of the verdict; empty without a profile
+  std::string grade;  ///< by the profile; empty without one
+  Verdict verdict;    ///< empty without a report
   std::optional<Time_gbt> first_epoch;
   std::optional<Time_gbt> last_epoch;
   double duration_h = 0;
@@ -26,13 +27,14 @@ struct NetworkRow {
   Count epochs = 0;
   std::optional<std::int64_t> lost_epochs;
   Headline headline;
+  LibraryHeadline library_headline;
   long notices = 0;
 };
 
 NetworkRow RowOf(const Report& report);
 NetworkRow FailedRow(const std::string& file, const std::string& error);
 
-/// "ERROR", the grade, or "judged" without a profile.
+/// "ERROR", the grade by the profile, or without one that of the verdict.
 std::string StateOf(const NetworkRow& row);
 /// The error in one line, without the file's name, which has a column of its own.
 std::string ErrorOf(const NetworkRow& row);
@@ -45,7 +47,7 @@ void SortWorstFirst(std::vector<NetworkRow>& rows);
 struct NetworkSummary {
   Count files = 0;
   Count errors = 0;  ///< files that could not be judged, or not to their end
-  Count failed = 0;  ///< verdicts "fail" and "no data"
+  Count failed = 0;  ///< graded "fail" or "poor", or not judged
   Count fair = 0;
   Count good = 0;
   std::optional<double> median_completeness;  ///< of the files that have one; the mean of the middle two

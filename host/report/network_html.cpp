@@ -25,11 +25,14 @@ Json RowJson(const NetworkRow& row, const std::string& path, const FigureTables&
   j["page"] = row.page.empty() ? Json(nullptr) : Json(LinkTo(row.page, path));
   j["marker"] = TextOf(row.marker);
   j["state"] = StateOf(row);
+  j["verdict"] = TextOf(row.verdict.text);
   j["error"] = TextOf(ErrorOf(row));
   j["first_epoch_gpst"] = row.first_epoch ? Json(TimeText(*row.first_epoch)) : Json(nullptr);
   j["duration_h"] = row.judged ? Json(row.duration_h) : Json(nullptr);
   j["lost_epochs"] = row.lost_epochs ? Json(*row.lost_epochs) : Json(nullptr);
   for (const auto& figure : tables.headline) j[figure.key] = ValueOf(figure.get(row.headline));
+  for (const auto& figure : tables.library_headline)
+    j[figure.key] = ValueOf(figure.get(row.library_headline));
   j["notices"] = row.judged ? Json(row.notices) : Json(nullptr);
   return j;
 }

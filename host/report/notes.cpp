@@ -149,8 +149,8 @@ std::string HeadingMarks(const std::vector<ReportNote>& notes, std::string_view 
   return marks;
 }
 
-std::string HeadlineMarks(const Report& report, std::string_view figure) {
-  if (figure != "completeness_ratio" || !report.headline.completeness) return {};
+std::string LibraryHeadlineMarks(const Report& report, std::string_view figure) {
+  if (figure != "completeness_ratio" || !report.library_headline.completeness) return {};
   for (std::size_t i = 0; i < report.notes.size(); ++i) {
     if (report.notes[i].id == kGalileoNotCounted) return fmt::format("[{}]", i + 1);
   }

@@ -21,7 +21,7 @@ std::vector<ReportNote> NotesOf(const Report& report);
 std::string HeadingMarks(const std::vector<ReportNote>& notes, std::string_view figure);
 
 /// The mark of the note that says what a figure of the headline leaves out; empty without one.
-std::string HeadlineMarks(const Report& report, std::string_view figure);
+std::string LibraryHeadlineMarks(const Report& report, std::string_view figure);
 
 /// Marks of the notes about one row.
 /// @param system  letter, or "all" for the library total

@@ -191,8 +191,8 @@ Profile LoadProfile(const std::string& name_or_file) {
   return ParseProfile(text, name_or_file);
 }
 
-Verdict Judge(const Report& report, const Profile& profile) {
-  Verdict verdict;
+ProfileVerdict Judge(const Report& report, const Profile& profile) {
+  ProfileVerdict verdict;
   verdict.profile = profile.name;
   verdict.title = profile.title;
   const std::vector<FigureValue> figures = ListFigures(report);

@@ -57,7 +57,7 @@ Profile LoadProfile(const std::string& name_or_file);
 
 /// Holds every figure that the criteria are about against their limits. A criterion that finds no figure has
 /// one outcome "no data". Outcomes "no data" fail the verdict only when nothing at all could be judged.
-Verdict Judge(const Report& report, const Profile& profile);
+ProfileVerdict Judge(const Report& report, const Profile& profile);
 
 }  // namespace orsolva_host
 

@@ -23,6 +23,9 @@ using Count = std::uint64_t;
 /// What computed a figure.
 enum class FigureSource { kLibrary, kAnalysis, kFile };
 
+/// Which figures a report shows: those of the analysis, the record of the library, or one after the other.
+enum class FigureChoice { kBoth, kAnalysis, kLibrary };
+
 /// The value, absent when it is not finite.
 inline std::optional<double> Finite(double value) {
   return std::isfinite(value) ? std::optional<double>(value) : std::nullopt;
@@ -168,16 +171,40 @@ struct CriterionOutcome {
 };
 
 /// A report held against a profile of limits.
-struct Verdict {
+struct ProfileVerdict {
   std::string profile;
   std::string title;
-  std::string grade;   ///< the worst grade of its outcomes; "no data" when nothing could be judged
+  std::string grade;   ///< the worst grade of its outcomes; "no data" when nothing could be judged; "fair"
+                       ///< at best where satellites were left unjudged
   bool passed = true;  ///< neither "fail" nor "no data"
   std::vector<CriterionOutcome> outcomes;  ///< failed ones first
+  std::optional<Count> satellites_observed = {};
+  std::optional<Count> satellites_judged = {};  ///< those observed that have an orbit
 };
 
-/// The figures a file is known by; headline.h has the rule of each.
+/// What a report says in one line.
+struct Verdict {
+  std::string grade;  ///< "good", "fair", "poor", or "not judged" where no satellite has an orbit
+  std::string text;   ///< what is wrong, the most harmful first; else what makes it good
+};
+
+/// The figures a file is known by, of the analysis; headline.h has the rule of each.
 struct Headline {
+  std::optional<Count> nominal_epochs, present_epochs, missing_epochs, data_gaps;
+  std::optional<Count> cutoff_expected, cutoff_observed;
+  std::optional<double> cutoff_completeness;
+  std::optional<Count> satellites_tracked, satellites_with_orbit, satellites_without_orbit;
+  std::optional<Count> satellites_never_observed;
+  std::optional<Count> cycle_slips, tested_steps, observations_without_slip;
+  std::optional<double> observations_per_slip;
+  std::optional<Count> interruptions_of_satellites, interruptions_of_signals;
+  std::optional<double> gps_mp1_m, gps_mp2_m, worst_multipath_m;
+  std::optional<double> solution_to_header_m, code_residual_rms_m;
+  std::optional<Count> contradictions;
+};
+
+/// The figures a file is known by, of the library; library_headline.h has the rule of each.
+struct LibraryHeadline {
   std::optional<Count> expected;
   std::optional<Count> observed;
   std::optional<double> completeness;
@@ -206,7 +233,7 @@ struct FindingFigure {
 /// Something to look at first; findings.h has the rule of each.
 struct Finding {
   std::string id;        ///< stable name, such as "gaps-in-view"
-  std::string severity;  ///< "warning", "info" or "good"
+  std::string severity;  ///< "error", "warning", "info" or "good"
   std::string title;
   std::string text;
   std::vector<FindingFigure> figures;
@@ -224,14 +251,17 @@ struct AnalysisReport {
 struct Report {
   ReportRun run;
   AnalysisReport analysis;
-  std::optional<Verdict> verdict;
-  Headline headline;
+  Verdict verdict;
   std::vector<Finding> findings;  ///< in order of harm
+  Headline headline;
+  std::optional<ProfileVerdict> profile_verdict;
+  LibraryHeadline library_headline;
   std::vector<SystemReport> systems;
   Figures library_total;
   std::vector<SignalReport> signals;
   std::vector<SatelliteReport> satellites;    ///< those with figures
-  std::map<std::string, std::string> states;  ///< what the run did with a satellite; see headline.h
+  std::map<std::string, std::string> states;  ///< what the run did with a satellite; see library_headline.h
+  FigureChoice figures = FigureChoice::kBoth;
   bool show_satellites = false;
   bool show_satellite_signals = false;  ///< and of each its signals, by the analysis
   std::vector<ReportNote> notes;

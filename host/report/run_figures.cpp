@@ -6,13 +6,18 @@ namespace orsolva_host {
 std::vector<FigureRow<ReportRun>> RunRows() {
   constexpr FigureSource kFile = FigureSource::kFile;
   return {
-      {"duration_h",                      FigureKind::kHours,   Get<&ReportRun::duration_h>},
+      {"duration_h",                      FigureKind::kHours,   Get<&ReportRun::duration_h>, {}, kNotInSum, kFile},
       {"interval_s",                      FigureKind::kSeconds, Get<&ReportRun::interval_s>, {}, kNotInSum, kFile},
       {"epochs",                          FigureKind::kEpochs,  Get<&ReportRun::epochs>, {}, kNotInSum, kFile},
+      {"elevation_cutoff_deg",            FigureKind::kDegrees, Get<&ReportRun::elevation_cutoff_deg>, {}, kNotInSum, kFile},
+  };
+}
+
+std::vector<FigureRow<ReportRun>> LibraryRunRows() {
+  return {
       {"judged_epochs",                   FigureKind::kEpochs,  Get<&ReportRun::judged_epochs>},
       {"lost_epochs",                     FigureKind::kEpochs,  Get<&ReportRun::lost_epochs>},
       {"distance_from_header_position_m", FigureKind::kMetres,  Get<&ReportRun::distance_from_header_m>},
-      {"elevation_cutoff_deg",            FigureKind::kDegrees, Get<&ReportRun::elevation_cutoff_deg>},
       {"averaging_window_epochs",         FigureKind::kEpochs,  Get<&ReportRun::averaging_window_epochs>},
   };
 }

@@ -1,4 +1,5 @@
-// The figures of a run and of the broadcast records of each satellite observed in it.
+// The figures of a run, those that the library has of it, and those of the broadcast records of each
+// satellite observed in it.
 #ifndef ORSOLVA_REPORT_RUN_FIGURES_H
 #define ORSOLVA_REPORT_RUN_FIGURES_H
 
@@ -9,6 +10,7 @@
 namespace orsolva_host {
 
 std::vector<FigureRow<ReportRun>> RunRows();
+std::vector<FigureRow<ReportRun>> LibraryRunRows();
 std::vector<FigureRow<NavigationCoverage>> CoverageRows();
 
 }  // namespace orsolva_host

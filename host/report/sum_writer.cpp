@@ -52,10 +52,11 @@ std::string Codes(const std::vector<std::string>& codes) {
   return text.empty() ? "-" : text;
 }
 
-/// "=GPS", "=GLO", "=BDS", "=GAL", "=QZS"
+/// "GPS", "GLO", "BDS", "GAL", "QZS", "IRN", "SBS"
 std::string KeyOf(char letter) {
   const int slot = SystemSlot(letter);
-  return slot < 0 ? std::string("=?") : std::string("=") + kSystemTable[slot].short_name;
+  if (slot >= 0) return kSystemTable[slot].short_name;
+  return letter == 'I' ? "IRN" : letter == 'S' ? "SBS" : "?";
 }
 
 /// A figure as one field: ratios in percent.
@@ -87,54 +88,115 @@ void WriteFigures(Out out, const std::string& start, const std::vector<FigureRow
   for (int slot = 1; slot <= ORSOLVA_BAND_SLOTS; ++slot) WriteFields(out, band_rows, BandAt(f, slot));
 }
 
-}  // namespace
-
-std::string WriteSum(const Report& report, const FigureTables& tables) {
-  std::string text;
-  const Out out = std::back_inserter(text);
-  const ReportRun& run = report.run;
-  const Headline& head = report.headline;
-  const std::string file = OneField(run.observation_file);
-  const auto end_line = [&] { fmt::format_to(out, " {}\n", file); };
-  fmt::format_to(out, "SUM {} {} {:.2f} {:g} {} {} {} {} {} {}", TimeField(run.first_epoch),
-                 TimeField(run.last_epoch), run.duration_h, run.interval_s, Whole(head.expected),
-                 Whole(head.observed), Percent(head.completeness), Fixed(head.mp1_m, 3), Fixed(head.mp2_m, 3),
-                 Fixed(head.obs_per_restart, 0));
-  end_line();
-  text += "=HEADLINE";
-  WriteFields(out, tables.headline, &head);
-  end_line();
-  fmt::format_to(out, "=RUN {} {} {}", run.epochs, Whole(run.judged_epochs), Whole(run.lost_epochs));
-  for (std::size_t axis = 0; axis < 3; ++axis) {
-    fmt::format_to(out, " {}", run.position_m ? fmt::format("{:.4f}", (*run.position_m)[axis]) : "-");
-  }
-  fmt::format_to(out, " {} {:g}", run.position_source, run.elevation_cutoff_deg);
-  end_line();
-  WriteFigures(out, "=ALL -", tables.total, tables.slot, report.library_total);
-  end_line();
-  for (const SystemReport& system : report.systems) {
-    WriteFigures(out, KeyOf(system.letter) + " " + Codes(system.combination), tables.whole, tables.band,
-                 system.figures);
-    end_line();
-  }
-  for (const SignalReport& signal : report.signals) {
-    text += KeyOf(signal.letter) + signal.signal + " " + OneField(signal.band);
-    WriteFields(out, tables.signal, &signal);
-    end_line();
-  }
-  if (report.verdict) {
-    fmt::format_to(out, "=VERDICT {} {}", OneField(report.verdict->profile), OneField(report.verdict->grade));
-    end_line();
+/// The text of a comment, which ends its line.
+std::string OneLine(std::string text) {
+  for (char& c : text) {
+    if (static_cast<unsigned char>(c) < 0x20) c = ' ';
   }
   return text;
 }
 
-std::string WriteSumFailure(const std::string& file, const std::string& reason) {
-  std::string line = reason;
-  for (char& c : line) {
-    if (static_cast<unsigned char>(c) < 0x20) c = ' ';
+/// The lines, one after the other.
+class Writer {
+ public:
+  Writer(const Report& report, const FigureTables& tables)
+      : report_(report), tables_(tables), file_(OneField(report.run.observation_file)) {}
+
+  std::string Write() {
+    Comments();
+    Sum();
+    if (report_.figures != FigureChoice::kLibrary) Analysis();
+    if (report_.figures != FigureChoice::kAnalysis) Library();
+    if (!report_.profile_verdict) return std::move(text_);
+    const ProfileVerdict& verdict = *report_.profile_verdict;
+    fmt::format_to(out_, "=PROFILE {} {}", OneField(verdict.profile), OneField(verdict.grade));
+    EndLine();
+    return std::move(text_);
   }
-  return fmt::format("#FAILED {} {}\n", OneField(file), line);
+
+ private:
+  void EndLine() { fmt::format_to(out_, " {}\n", file_); }
+
+  /// For people: the verdict, and each finding that made it.
+  void Comments() {
+    fmt::format_to(out_, "#VERDICT {} {} - {}\n", file_, report_.verdict.grade,
+                   OneLine(report_.verdict.text));
+    for (const Finding& finding : report_.findings) {
+      if (finding.severity != "error" && finding.severity != "warning") continue;
+      fmt::format_to(out_, "#FINDING {} {} {}\n", file_, finding.id, OneLine(finding.title));
+    }
+  }
+
+  void Sum() {
+    const ReportRun& run = report_.run;
+    const Headline& head = report_.headline;
+    std::optional<double> per_slip = head.observations_per_slip;
+    if (head.observations_without_slip) per_slip = static_cast<double>(*head.observations_without_slip);
+    fmt::format_to(out_, "SUM {} {} {:.2f} {:g} {} {} {} {} {} {}", TimeField(run.first_epoch),
+                   TimeField(run.last_epoch), run.duration_h, run.interval_s, Whole(head.cutoff_expected),
+                   Whole(head.cutoff_observed), Percent(head.cutoff_completeness), Fixed(head.gps_mp1_m, 3),
+                   Fixed(head.gps_mp2_m, 3), Fixed(per_slip, 0));
+    EndLine();
+  }
+
+  void Analysis() {
+    const analysis::AnalysisResult& result = report_.analysis.figures;
+    text_ += "=ANALYSIS";
+    WriteFields(out_, tables_.headline, &report_.headline);
+    EndLine();
+    for (const analysis::SystemFigures& system : result.systems) {
+      text_ += "=" + KeyOf(system.letter);
+      WriteFields(out_, tables_.analysis_system, &system);
+      EndLine();
+    }
+    for (const analysis::SignalFigures& signal : result.signals) {
+      text_ += "=" + KeyOf(signal.system) + NameOf(signal.code);
+      WriteFields(out_, tables_.analysis_signal, &signal);
+      EndLine();
+    }
+  }
+
+  void Library() {
+    const ReportRun& run = report_.run;
+    text_ += "=LIBRARY";
+    WriteFields(out_, tables_.library_headline, &report_.library_headline);
+    EndLine();
+    fmt::format_to(out_, "=LIBRARY-RUN {} {} {}", run.epochs, Whole(run.judged_epochs),
+                   Whole(run.lost_epochs));
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+      fmt::format_to(out_, " {}", run.position_m ? fmt::format("{:.4f}", (*run.position_m)[axis]) : "-");
+    }
+    fmt::format_to(out_, " {} {:g}", run.position_source, run.elevation_cutoff_deg);
+    EndLine();
+    WriteFigures(out_, "=LIBRARY-ALL -", tables_.total, tables_.slot, report_.library_total);
+    EndLine();
+    for (const SystemReport& system : report_.systems) {
+      WriteFigures(out_, "=LIBRARY-" + KeyOf(system.letter) + " " + Codes(system.combination), tables_.whole,
+                   tables_.band, system.figures);
+      EndLine();
+    }
+    for (const SignalReport& signal : report_.signals) {
+      text_ += "=LIBRARY-" + KeyOf(signal.letter) + signal.signal + " " + OneField(signal.band);
+      WriteFields(out_, tables_.signal, &signal);
+      EndLine();
+    }
+  }
+
+  const Report& report_;
+  const FigureTables& tables_;
+  std::string file_;
+  std::string text_;
+  Out out_ = std::back_inserter(text_);
+};
+
+}  // namespace
+
+std::string WriteSum(const Report& report, const FigureTables& tables) {
+  return Writer(report, tables).Write();
+}
+
+std::string WriteSumFailure(const std::string& file, const std::string& reason) {
+  return fmt::format("#FAILED {} {}\n", OneField(file), OneLine(reason));
 }
 
 }  // namespace orsolva_host

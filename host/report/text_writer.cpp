@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 #include "host/report/analysis_text.h"
@@ -60,23 +61,17 @@ class Writer {
     text_ += Toned(fmt::format("Orsolva {} observation quality", report_.run.library_version), Tone::kStrong,
                    style_) +
              "\n";
-    if (report_.verdict) {
-      Heading("VERDICT");
-      text_ += VerdictText(*report_.verdict, style_);
+    Verdict();
+    if (report_.profile_verdict) {
+      Heading("PROFILE");
+      text_ += VerdictText(*report_.profile_verdict, style_);
     }
-    Findings();
-    Heading("ANALYSIS (every signal of the file; orsolva explain has each figure)");
-    text_ += AnalysisText(report_, style_, tables_);
-    Headline();
+    Findings("WHAT TO LOOK AT FIRST", true);
+    if (report_.figures != FigureChoice::kLibrary) Headline();
+    Findings("ALSO FOUND", false);
+    if (report_.figures != FigureChoice::kLibrary) text_ += AnalysisSignals(report_, style_, tables_);
     Run();
-    if (!report_.run.library_absence) {
-      Systems();
-      Bands();
-      Signals();
-      if (report_.show_satellites) Satellites();
-      LibraryTotal();
-    }
-    Notes();
+    if (report_.figures != FigureChoice::kAnalysis) Library();
     Notices();
     return std::move(text_);
   }
@@ -98,9 +93,12 @@ class Writer {
     text_ += name + Fitted(file.empty() ? "-" : Printable(file), style_.width - kRowNameWidth) + "\n";
   }
 
-  void Findings();
+  void Verdict();
+  void Findings(const char* heading, bool wrong);
   void Headline();
   void Run();
+  void Library();
+  void LibraryRun();
   void Position();
   void Systems();
   void Bands();
@@ -109,6 +107,11 @@ class Writer {
   void LibraryTotal();
   void Notes();
   void Notices();
+
+  template <typename Owner>
+  void HeadlineLines(const std::vector<FigureRow<Owner>>& rows, const Owner& owner);
+  template <typename Owner>
+  std::string HeadlineItem(const FigureRow<Owner>& row, const Owner& owner) const;
 
   /// A column for every figure that has one, its heading with the marks of its notes.
   template <typename Owner>
@@ -126,23 +129,53 @@ class Writer {
 };
 
 Tone ToneOfFinding(const Finding& finding) {
+  if (finding.severity == "error") return Tone::kFail;
   if (finding.severity == "warning") return Tone::kWarn;
   return finding.severity == "good" ? Tone::kPass : Tone::kPlain;
 }
 
-void Writer::Findings() {
-  if (report_.findings.empty()) return;
-  Heading("WHAT TO LOOK AT FIRST");
+bool IsWrong(const Finding& finding) { return finding.severity == "error" || finding.severity == "warning"; }
+
+/// @param wrong  those that the verdict rests on, or the others
+void Writer::Findings(const char* heading, bool wrong) {
+  bool any = false;
   for (const Finding& finding : report_.findings) {
-    const char* lead = finding.severity == "warning" ? "! " : "  ";
-    text_ += Toned(Wrapped(Printable(finding.title + ". " + finding.text), lead, "    ", style_.width),
+    if (IsWrong(finding) != wrong) continue;
+    if (!any) Heading(heading);
+    any = true;
+    const std::string text = finding.text.empty() ? "" : " " + finding.text;
+    text_ += Toned(Wrapped(Printable(finding.title + "." + text), wrong ? "! " : "  ", "    ", style_.width),
                    ToneOfFinding(finding), style_);
   }
 }
 
+void Writer::Verdict() {
+  const std::string line = fmt::format("Verdict: {} - {}", report_.verdict.grade, report_.verdict.text);
+  text_ += Toned(Wrapped(Printable(line), "", "  ", style_.width), ToneOf(report_.verdict.grade), style_);
+}
+
+/// "119 observed", and a dash for a figure that is absent.
+template <typename Owner>
+std::string Writer::HeadlineItem(const FigureRow<Owner>& row, const Owner& owner) const {
+  const std::string_view heading = row.text.heading;
+  const std::size_t bar = heading.find('|');
+  const std::optional<double> value = row.get(owner);
+  std::string item = Shown(value, row.kind, row.text.decimals);
+  if (value && row.kind == FigureKind::kRatio) item += " %";
+  if (value && row.kind == FigureKind::kMetres) item += " m";
+  if constexpr (std::is_same_v<Owner, LibraryHeadline>) item += LibraryHeadlineMarks(report_, row.key);
+  if constexpr (std::is_same_v<Owner, orsolva_host::Headline>) {
+    const bool per_slip = std::string_view(row.key) == "observations_per_slip";
+    if (per_slip && owner.observations_without_slip)
+      item = fmt::format("more than {}", *owner.observations_without_slip);
+  }
+  if (bar + 1 < heading.size()) item += " " + std::string(heading.substr(bar + 1));
+  return item;
+}
+
 /// A line for the figures of one group, "119 observed, 96 judged", and a dash where it has none.
-void Writer::Headline() {
-  Heading("LIBRARY HEADLINE");
+template <typename Owner>
+void Writer::HeadlineLines(const std::vector<FigureRow<Owner>>& rows, const Owner& owner) {
   std::string group, line;
   bool any = false;
   const auto end_line = [&] {
@@ -150,24 +183,40 @@ void Writer::Headline() {
     line.clear();
     any = false;
   };
-  for (const auto& row : tables_.headline) {
+  for (const auto& row : rows) {
     if (row.text.heading == nullptr) continue;
     const std::string_view heading = row.text.heading;
     const std::size_t bar = heading.find('|');
     if (heading.substr(0, bar) != group) end_line();
     group = heading.substr(0, bar);
-    const std::optional<double> value = row.get(report_.headline);
-    std::string item = Shown(value, row.kind, row.text.decimals);
-    if (value && row.kind == FigureKind::kRatio) item += " %";
-    if (value && row.kind == FigureKind::kMetres) item += " m";
-    any = any || value;
-    item += HeadlineMarks(report_, row.key);
-    if (bar + 1 < heading.size()) item += " " + std::string(heading.substr(bar + 1));
+    const std::string item = HeadlineItem(row, owner);
+    any = any || row.get(owner);
     // The ratio of a group leads, whatever the order of the rows.
     const bool leads = row.kind == FigureKind::kRatio && !line.empty();
     line = leads ? item + ", " + line : line + (line.empty() ? "" : ", ") + item;
   }
   end_line();
+}
+
+void Writer::Headline() {
+  Heading("HEADLINE");
+  HeadlineLines(tables_.headline, report_.headline);
+  text_ += AnalysisText(report_, style_, tables_);
+}
+
+/// The library's record: its own rules, hence its own names, and a part of its own.
+void Writer::Library() {
+  Heading("LIBRARY RECORD (by the rules of archives; docs/user/two-figures.md)");
+  HeadlineLines(tables_.library_headline, report_.library_headline);
+  LibraryRun();
+  if (!report_.run.library_absence) {
+    Systems();
+    Bands();
+    Signals();
+    if (report_.show_satellites) Satellites();
+    LibraryTotal();
+  }
+  Notes();
 }
 
 void Writer::Run() {
@@ -183,16 +232,20 @@ void Writer::Run() {
   Row("Last epoch", TimeOf(run.last_epoch));
   Row("Duration", fmt::format("{:.4f} h", run.duration_h));
   Row("Interval", fmt::format("{:g} s, {}", run.interval_s, SourceText(run.interval_source)));
+  Row("Elevation cut-off", fmt::format("{:g} degrees", run.elevation_cutoff_deg));
+  Row("Systems", run.systems);
+  if (!run.excluded.empty()) Row("Excluded", Joined(run.excluded, " "));
+  if (!run.navigation_coverage.empty()) Row("Broadcast records", CoverageText(run.navigation_coverage));
+}
+
+void Writer::LibraryRun() {
+  const ReportRun& run = report_.run;
   Row("Epochs", fmt::format("{} read, {} judged, {} lost", run.epochs, Whole(run.judged_epochs),
                             Whole(run.lost_epochs)));
   Position();
-  Row("Elevation cut-off", fmt::format("{:g} degrees", run.elevation_cutoff_deg));
   if (run.averaging_window_epochs) {
     Row("Multipath mean", fmt::format("over {} epochs", *run.averaging_window_epochs));
   }
-  Row("Systems judged", run.systems);
-  if (!run.excluded.empty()) Row("Excluded", Joined(run.excluded, " "));
-  if (!run.navigation_coverage.empty()) Row("Broadcast records", CoverageText(run.navigation_coverage));
 }
 
 void Writer::Position() {

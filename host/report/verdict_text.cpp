@@ -39,10 +39,10 @@ std::string OutcomeText(const CriterionOutcome& o) {
 
 Tone ToneOf(const std::string& grade) {
   if (grade == "good") return Tone::kPass;
-  return grade == "fair" ? Tone::kWarn : Tone::kFail;
+  return grade == "fair" || grade == "not judged" ? Tone::kWarn : Tone::kFail;
 }
 
-std::string VerdictText(const Verdict& verdict, const TextStyle& style) {
+std::string VerdictText(const ProfileVerdict& verdict, const TextStyle& style) {
   const auto count = [&verdict](const char* grade) {
     return std::count_if(verdict.outcomes.begin(), verdict.outcomes.end(),
                          [grade](const CriterionOutcome& o) { return o.grade == grade; });

@@ -10,7 +10,7 @@
 namespace orsolva_host {
 
 /// The grade, then a line for every outcome that is not good, and how far failed ones miss their limit.
-std::string VerdictText(const Verdict& verdict, const TextStyle& style);
+std::string VerdictText(const ProfileVerdict& verdict, const TextStyle& style);
 
 /// The tone of a grade.
 Tone ToneOf(const std::string& grade);

@@ -123,9 +123,10 @@ class Comparison {
   Comparison(const NamedText& report, const NamedText& truth, const DetailTable* detail)
       : report_name_(report.name),
         truth_name_(truth.name),
-        report_(Parsed(report, "report of orsolva qc --json", {"run", "systems", "signals"})),
+        report_(Parsed(report, "report of orsolva qc --json", {"run", "library"})),
         truth_(Parsed(truth, "truth.json written by orsolva simulate", {"receiver", "satellites", "faults"})),
         run_(report_.at("run")),
+        library_(report_.at("library")),
         detail_(detail) {}
 
   std::string Write() {
@@ -172,9 +173,10 @@ class Comparison {
     Row("First epoch (GPST)", Text(run_.at("first_epoch_gpst")), Text(truth_.at("first_epoch_gpst")));
     Row("Last epoch (GPST)", Text(run_.at("last_epoch_gpst")), Text(truth_.at("last_epoch_gpst")));
     Row("Epochs in the file", Text(run_.at("epochs")), Text(truth_.at("delivered_epochs")));
-    Row("Epochs lost", Text(run_.at("lost_epochs")), Text(truth_.at("missing_epochs")));
-    Row("Error of the position (m)", Fixed(Distance(run_.at("position_ecef_m"), position), 3), "0.000");
-    Row("Error of the header's (m)", Fixed(run_.at("distance_from_header_position_m"), 3),
+    Row("Epochs lost", Text(library_.at("run").at("lost_epochs")), Text(truth_.at("missing_epochs")));
+    Row("Error of the position (m)", Fixed(Distance(library_.at("run").at("position_ecef_m"), position), 3),
+        "0.000");
+    Row("Error of the header's (m)", Fixed(library_.at("run").at("distance_from_header_position_m"), 3),
         Fixed(Distance(receiver.at("header_position_ecef_m"), position), 3));
   }
 
@@ -182,7 +184,7 @@ class Comparison {
     Line("\nSYSTEMS (satellite-epochs above the cut-off; observed with two signals)");
     Line("                Expected          Observed      Completeness %       Slips");
     Line("System      Report    Truth    Report    Truth   Report  Truth  found injected");
-    for (const Json& system : report_.at("systems")) {
+    for (const Json& system : library_.at("systems")) {
       const Expectation& e = expectations_.systems[system.at("letter").get<std::string>()];
       std::optional<double> truth_percent, report_percent;
       if (e.expected > 0)
@@ -203,7 +205,7 @@ class Comparison {
                      "SNR>30", "Slips"));
     Line(fmt::format("{:<6}{:>7}{:>8}{:>7}{:>6}{:>6}{:>6}{:>6}{:>6}{:>6}{:>6}{:>6}{:>4}", "Signal", "R", "T",
                      "R", "T", "R", "T", "R", "T", "R", "T", "R", "T"));
-    for (const Json& signal : report_.at("signals")) {
+    for (const Json& signal : library_.at("signals")) {
       const std::string letter = Text(signal.at("letter")), name = Text(signal.at("signal"));
       const Expectation& e = expectations_.signals[letter + name];
       Line(fmt::format("{:<5}{:>8}{:>8}{:>7}{:>6}{:>6}{:>6}{:>6}{:>6}{:>6}{:>6}{:>6}{:>4}",
@@ -261,6 +263,7 @@ class Comparison {
   std::string report_name_, truth_name_;
   Json report_, truth_;
   const Json& run_;
+  const Json& library_;
   const DetailTable* detail_;
   Expectations expectations_;
   std::string out_;

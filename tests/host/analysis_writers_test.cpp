@@ -1,12 +1,16 @@
 // The analysis of a report as text, JSON and rows: what is there is shown, what is absent is not.
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 
 #include "host/report/analysis_text.h"
+#include "host/report/build_report.h"
 #include "host/report/csv_writer.h"
 #include "host/report/json_writer.h"
 #include "host/report/profile.h"
+#include "host/report/sum_writer.h"
+#include "host/report/text_writer.h"
 #include "tests/host/sample_report.h"
 #include "tests/support/json_reader.h"
 
@@ -51,15 +55,58 @@ Report WithAnalysis() {
 
 bool Holds(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
-TEST(AnalysisText, SaysWhatTheAnalysisFound) {
-  const std::string text = AnalysisText(WithAnalysis(), {80, false}, AllFigures());
+TEST(AnalysisText, HeadlineAndTablesSayWhatTheAnalysisFound) {
+  Report report = WithAnalysis();
+  Conclude(report, nullptr);
+  const std::string text = WriteText(report, {80, false});
   for (const char* line :
-       {"Epochs            2880 nominal every 30 s, 2877 present, 2877 usable, 3 missing\n",
-        "Gaps              2020-06-25 00:00:00 to 2020-06-25 00:02:00 (3 epochs)\n",
-        "Completeness      GPS 99.50 %, from 10 degrees up\n",
-        "Cycle slips       GPS 3 (1 unsure) in 990 tested steps\n",
-        "Contradiction     interval: stated 15 s, found 30 s\n", "Without orbit     1 satellite: R11\n"}) {
+       {"\nEpochs            2880 nominal, 2877 present, 3 missing, 1 gaps\n",
+        "\nCompleteness      99.50 %, 1000 observations expected, 995 observed\n",
+        "\nSatellites        2 observed, 1 with orbit, 1 without orbit, 0 never observed\n",
+        "\nCycle slips       3, 990 tested steps, 330 observations per slip\n",
+        "\nGaps              2020-06-25 00:00:00 to 2020-06-25 00:02:00 (3 epochs)\n",
+        "\nSystem     Sats No orbit "}) {
     EXPECT_TRUE(Holds(text, line)) << line << text;
+  }
+}
+
+TEST(AnalysisText, TheVerdictIsTheSecondLineAndTheFindingsFollow) {
+  Report report = WithAnalysis();
+  Conclude(report, nullptr);
+  std::istringstream lines(WriteText(report, {80, false}));
+  std::string first, second;
+  std::getline(lines, first);
+  std::getline(lines, second);
+  EXPECT_EQ(first, "Orsolva V1 observation quality");
+  EXPECT_EQ(second.find("Verdict: fair - 1 of 2 satellites not judged; "), 0U) << second;
+}
+
+TEST(AnalysisText, WithoutASlipGivesMoreThanTheTestedSteps) {
+  Report report = WithAnalysis();
+  report.analysis.figures.systems[0].slips.sure = report.analysis.figures.systems[0].slips.unsure = 0;
+  Conclude(report, nullptr);
+  EXPECT_TRUE(Holds(WriteText(report, {80, false}), "more than 990 observations per slip"));
+}
+
+TEST(FigureChoice, AnalysisAndLibraryStandAlone) {
+  Report report = WithAnalysis();
+  Conclude(report, nullptr);
+  report.figures = FigureChoice::kAnalysis;
+  EXPECT_FALSE(Holds(WriteText(report, {80, false}), "LIBRARY"));
+  EXPECT_TRUE(Holds(WriteText(report, {80, false}), "HEADLINE"));
+  EXPECT_FALSE(json::parse(WriteJson(report)).contains("library"));
+  EXPECT_FALSE(Holds(WriteSum(report), "=LIBRARY"));
+  EXPECT_FALSE(Holds(WriteCsvRows(report), ",mp_rms_m,"));
+  EXPECT_TRUE(Holds(WriteCsvRows(report), ",sure_slips,"));
+  report.figures = FigureChoice::kLibrary;
+  EXPECT_FALSE(Holds(WriteText(report, {80, false}), "HEADLINE"));
+  EXPECT_TRUE(Holds(WriteText(report, {80, false}), "LIBRARY SYSTEMS"));
+  EXPECT_FALSE(json::parse(WriteJson(report)).contains("analysis"));
+  EXPECT_FALSE(Holds(WriteSum(report), "=ANALYSIS"));
+  EXPECT_TRUE(Holds(WriteCsvRows(report), ",mp_rms_m,"));
+  EXPECT_FALSE(Holds(WriteCsvRows(report), ",sure_slips,"));
+  for (const std::string& text : {WriteText(report, {80, false}), WriteSum(report)}) {
+    EXPECT_TRUE(Holds(text, "satellites not judged")) << "the verdict leads whatever is chosen";
   }
 }
 
@@ -111,7 +158,7 @@ TEST(AnalysisFigures, MayBeLimitedByAProfile) {
       "name='slips'\ntitle='t'\n[[criterion]]\nname='slips'\nfigure='sure_slips'\nscope='system'\n"
       "at_most={good=0,fair=1}\nsource='s'\n",
       "slips");
-  const Verdict verdict = Judge(WithAnalysis(), profile);
+  const ProfileVerdict verdict = Judge(WithAnalysis(), profile);
   EXPECT_EQ(verdict.grade, "fail");
   ASSERT_EQ(verdict.outcomes.size(), 1U);
   EXPECT_EQ(verdict.outcomes[0].value, 2.0);

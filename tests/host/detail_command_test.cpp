@@ -90,7 +90,7 @@ TEST(DetailTable, GivesTheCountsAndRmsOfTheReport) {
   const Sums sums = SumsOf(ReadText(path));
   const json report = json::parse(a.out);
   int compared = 0;
-  for (const json& signal : report["signals"]) {
+  for (const json& signal : report["library"]["signals"]) {
     if (signal["mp_values"].is_null()) continue;
     const PairSum sum =
         OfSignal(sums, signal["letter"].get<std::string>(), signal["signal"].get<std::string>());

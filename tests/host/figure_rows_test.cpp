@@ -38,11 +38,12 @@ FigureTables WithOneMore() {
                            },
                            {"Extra", 7, 3},
                            3});
-  tables.headline.push_back({kKey,
-                             FigureKind::kMetres,
-                             [](const Headline& h) -> std::optional<double> { return h.mp1_m; },
-                             {"Extra|of the headline", 0, 3},
-                             3});
+  tables.library_headline.push_back(
+      {kKey,
+       FigureKind::kMetres,
+       [](const LibraryHeadline& h) -> std::optional<double> { return h.mp1_m; },
+       {"Extra|of the headline", 0, 3},
+       3});
   return tables;
 }
 
@@ -56,9 +57,9 @@ std::string LineOf(const std::string& text, const std::string& start) {
 
 TEST(ARowMore, AppearsInJson) {
   const json j = json::parse(WriteJson(orsolva_test::SampleReport(), WithOneMore()));
-  EXPECT_EQ(j["signals"][0][kKey], 0.5);
-  EXPECT_EQ(j["headline"][kKey], 0.25);
-  EXPECT_FALSE(json::parse(WriteJson(orsolva_test::SampleReport()))["headline"].contains(kKey));
+  EXPECT_EQ(j["library"]["signals"][0][kKey], 0.5);
+  EXPECT_EQ(j["library"]["headline"][kKey], 0.25);
+  EXPECT_FALSE(json::parse(WriteJson(orsolva_test::SampleReport()))["library"]["headline"].contains(kKey));
 }
 
 TEST(ARowMore, AppearsInCsvWithItsUnit) {
@@ -69,8 +70,8 @@ TEST(ARowMore, AppearsInCsvWithItsUnit) {
 
 TEST(ARowMore, AppearsInTheLinesForGrep) {
   const std::string text = WriteSum(orsolva_test::SampleReport(), WithOneMore());
-  EXPECT_NE(LineOf(text, "=GPS1C ").find(" 0.500 dir/"), std::string::npos) << text;
-  EXPECT_NE(LineOf(text, "=HEADLINE ").find(" 0.250 dir/"), std::string::npos) << text;
+  EXPECT_NE(LineOf(text, "=LIBRARY-GPS1C ").find(" 0.500 dir/"), std::string::npos) << text;
+  EXPECT_NE(LineOf(text, "=LIBRARY ").find(" 0.250 dir/"), std::string::npos) << text;
 }
 
 TEST(ARowMore, AppearsInTheTextReport) {
@@ -82,14 +83,14 @@ TEST(ARowMore, AppearsInTheTextReport) {
 
 TEST(ARowMore, AppearsInTheNetworkTableAndTheIndex) {
   const std::vector<NetworkRow> rows = {RowOf(orsolva_test::SampleReport())};
-  EXPECT_NE(NetworkCsv(rows, WithOneMore()).find(",test_figure_m,notices,error\n"), std::string::npos);
+  EXPECT_NE(NetworkCsv(rows, WithOneMore()).find(",test_figure_m,notices,verdict,error\n"), std::string::npos);
   EXPECT_NE(NetworkHtml(rows, {"V1", ""}, "index.html", WithOneMore()).find("\"test_figure_m\": 0.25"),
             std::string::npos);
 }
 
 TEST(ARowMore, AppearsInTheSchemaAndInTheTypesOfThePage) {
   const json schema = json::parse(SchemaWithFigures("{\"$defs\": {}}", WithOneMore()));
-  for (const char* scope : {"signal_figures", "headline_figures"}) {
+  for (const char* scope : {"signal_figures", "library_headline_figures"}) {
     EXPECT_TRUE(schema["$defs"][scope]["properties"].contains(kKey)) << scope;
     EXPECT_EQ(schema["$defs"][scope]["required"][schema["$defs"][scope]["required"].size() - 1], kKey);
   }

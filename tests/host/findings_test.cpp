@@ -1,140 +1,62 @@
-// What to look at first: when each finding is said, and what happened to the satellites.
+// What to look at first: when each finding is said, in which order, and the line that they add up to.
 #include "host/report/findings.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <vector>
 
-#include "host/report/detail_collector.h"
 #include "host/report/finding_limits.h"
 #include "host/report/headline.h"
-#include "host/report/run_events.h"
-#include "host/rinex/satellite_names.h"
 #include "tests/host/sample_report.h"
 
 namespace orsolva_host {
 namespace {
 
-constexpr std::int64_t kStart = 1593043200;
-constexpr std::uint32_t kCode = 1;
-constexpr std::uint32_t kPartner = 16;
+using analysis::Event;
+using analysis::EventKind;
 
-/// Satellites of GPS at every 30 s, with slips and code jumps where a test puts them.
-class Happened : public testing::Test {
- protected:
-  Happened() { detail_.Begin({kStart, 0}, 30); }
+constexpr std::int64_t kMidnight_ns = 1593043200 * kNanosecondsPerSecond;
 
-  void Satellite(int epoch, int prn, bool above_cutoff = true) {
-    orsolva::SatelliteEpochDetail d;
-    d.number = prn;
-    d.satellite = {kGps, prn};
-    d.time = {kStart + 30 * epoch, 0};
-    d.elevation_rad = 0.5;
-    d.above_cutoff = above_cutoff;
-    detail_.OnSatelliteEpoch(d);
+/// A day of GPS without anything wrong: two satellites, one signal.
+Report CleanDay() {
+  Report report = orsolva_test::SampleReport();
+  analysis::AnalysisResult& r = report.analysis.figures;
+  r.with_orbits = true;
+  r.elevation_cutoff_deg = 10;
+  r.span.interval_s = 30;
+  r.span.expected_epochs = r.span.present_epochs = r.span.usable_epochs = 2880;
+  r.span.lost_epochs = 0;
+  analysis::SystemFigures system;
+  system.satellites_observed = 2;
+  system.cutoff = {4000, 4000, 1.0};
+  system.slips.sure = system.slips.unsure = system.slips.half_cycles = system.slips.unknown_size = 0;
+  system.slips.tested_steps = 4000;
+  r.systems.push_back(system);
+  analysis::SignalFigures signal;
+  signal.code = {'1', 'C'};
+  signal.cutoff = system.cutoff;
+  signal.slips = system.slips;
+  signal.multipath.moving_m = 0.25;
+  signal.multipath.values = 4000;
+  r.signals.push_back(signal);
+  for (const std::uint8_t number : {4, 5}) {
+    analysis::SatelliteFigures satellite;
+    satellite.id = {'G', number};
+    satellite.observed_epochs = 2000;
+    satellite.has_record = true;
+    r.satellites.push_back(satellite);
   }
-  void Satellites(int first_epoch, int end_epoch, int prns) {
-    for (int epoch = first_epoch; epoch < end_epoch; ++epoch) {
-      for (int prn = 1; prn <= prns; ++prn) Satellite(epoch, prn);
-    }
-  }
-  orsolva::PairEpochDetail Pair(int epoch, int prn) {
-    orsolva::PairEpochDetail d;
-    d.number = prn;
-    d.satellite = {kGps, prn};
-    d.time = {kStart + 30 * epoch, 0};
-    d.code = kCode;
-    d.partner = kPartner;
-    d.counting = true;
-    return d;
-  }
-  void Slip(int epoch, int prn) {
-    orsolva::PairEpochDetail d = Pair(epoch, prn);
-    d.ionosphere_slip = orsolva::IonosphereSlipReason::kRate;
-    detail_.OnPairEpoch(d);
-  }
-  void Jump(int epoch, int prn) {
-    orsolva::PairEpochDetail d = Pair(epoch, prn);
-    d.restart = orsolva::RestartReason::kJump;
-    detail_.OnPairEpoch(d);
-  }
-  RunEvents Events() {
-    detail_.EndBatch();
-    detail_.Finish(*codes_);
-    return EventsOf(detail_);
-  }
-
-  DetailCollector detail_{DetailCollector::Keep::kFindings};
-  std::unique_ptr<total_code_qc_result> codes_ = std::make_unique<total_code_qc_result>();
-};
-
-TEST_F(Happened, SlipsAndJumpsAreCountedForTheirSatellites) {
-  Satellites(0, 10, 6);
-  Slip(3, 2);
-  Slip(5, 2);
-  Jump(6, 4);
-  const RunEvents events = Events();
-  ASSERT_EQ(events.satellites.size(), 6U);
-  EXPECT_EQ(events.satellites[1].name, "G02");
-  EXPECT_EQ(events.satellites[1].geometry_free_slips, 2U);
-  EXPECT_EQ(events.satellites[3].code_jumps, 1U);
-  EXPECT_TRUE(events.receiver_epochs.empty());
+  return report;
 }
 
-TEST_F(Happened, SlipsOfManySatellitesAtOnceAreThoseOfTheReceiver) {
-  Satellites(0, 10, 12);
-  for (int prn = 1; prn <= 4; ++prn) Slip(3, prn);
-  for (int prn = 1; prn <= 3; ++prn) Slip(5, prn);
-  const RunEvents events = Events();
-  ASSERT_EQ(events.receiver_epochs.size(), 1U);  // 4 of 12 are more than 30 %, 3 are fewer than 4
-  EXPECT_EQ(events.receiver_epochs[0], 3U);
-  EXPECT_EQ(events.Clock(3), "00:01:30");
-  for (int prn = 1; prn <= 3; ++prn) {
-    EXPECT_EQ(events.satellites[static_cast<std::size_t>(prn - 1)].geometry_free_slips, 1U);
-  }
-  EXPECT_EQ(events.satellites[3].geometry_free_slips, 0U);
-}
-
-TEST_F(Happened, FourOfFourteenSatellitesAreNotTheReceiver) {
-  Satellites(0, 10, 14);
-  for (int prn = 1; prn <= 4; ++prn) Slip(3, prn);
-  EXPECT_TRUE(Events().receiver_epochs.empty());
-}
-
-TEST_F(Happened, ABreakOfAllSatellitesIsAHoleAndNoGap) {
-  Satellites(0, 3, 3);
-  Satellites(6, 9, 3);
-  const RunEvents events = Events();
-  ASSERT_EQ(events.holes.size(), 1U);
-  EXPECT_EQ(events.holes[0].first, 3U);
-  EXPECT_EQ(events.holes[0].end, 6U);
-  for (const SatelliteEvents& satellite : events.satellites) EXPECT_TRUE(satellite.gaps.empty());
-}
-
-TEST_F(Happened, ABreakOfOneSatelliteAboveTheCutoffIsAGap) {
-  Satellites(0, 10, 1);
-  for (const int epoch : {0, 1, 5, 6}) Satellite(epoch, 2);
-  for (const int epoch : {0, 1, 5, 6}) Satellite(epoch, 3, epoch != 5);
-  const RunEvents events = Events();
-  ASSERT_EQ(events.satellites[1].gaps.size(), 1U);
-  EXPECT_EQ(events.satellites[1].gaps[0].first, 2U);
-  EXPECT_EQ(events.satellites[1].gaps[0].end, 5U);
-  EXPECT_TRUE(events.satellites[2].gaps.empty()) << "below the cut-off when it came back";
-}
-
-TEST_F(Happened, ASatelliteThatSetsAndRisesHasNoGap) {
-  const int longest = static_cast<int>(kFindingLimits.longest_gap_s / 30);
-  Satellites(0, 2 * longest + 10, 1);
-  Satellite(0, 2);
-  Satellite(longest, 2);
-  Satellite(2 * longest + 1, 2);
-  const RunEvents events = Events();
-  ASSERT_EQ(events.satellites[1].gaps.size(), 1U);
-  EXPECT_EQ(events.satellites[1].gaps[0].first, 1U);
+std::vector<Finding> Found(Report& report) {
+  report.headline = HeadlineOf(report.analysis.figures);
+  report.findings = FindingsOf(report);
+  report.verdict = VerdictOf(report);
+  return report.findings;
 }
 
 std::vector<std::string> IdsOf(const std::vector<Finding>& findings) {
@@ -143,116 +65,205 @@ std::vector<std::string> IdsOf(const std::vector<Finding>& findings) {
   return ids;
 }
 
-const Finding* Find(const std::vector<Finding>& findings, const std::string& id) {
+Finding Only(Report report, const std::string& id) {
+  const std::vector<Finding> findings = Found(report);
   const auto found =
       std::find_if(findings.begin(), findings.end(), [&id](const Finding& f) { return f.id == id; });
-  return found == findings.end() ? nullptr : &*found;
+  return found == findings.end() ? Finding{} : *found;
 }
 
-TEST(Findings, OfACleanRunSayThatNothingIsWrong) {
-  Report report = orsolva_test::SampleReport();
-  report.signals[0].observed = report.signals[0].expected;
-  report.signals[0].completeness = 1;
-  const RunEvents none;
-  report.headline = HeadlineOf(report, &none);
-  EXPECT_EQ(IdsOf(FindingsOf(report, &none)),
+/// Slips of both satellites, all on the one signal.
+void Slip(Report& report, Count of_first, Count of_second, bool half = false) {
+  analysis::AnalysisResult& r = report.analysis.figures;
+  const auto put = [half](analysis::SlipFigures& slips, Count count) {
+    (half ? slips.half_cycles : slips.sure) = count;
+  };
+  put(r.satellites[0].slips, of_first);
+  put(r.satellites[1].slips, of_second);
+  put(r.systems[0].slips, of_first + of_second);
+  put(r.signals[0].slips, of_first + of_second);
+}
+
+TEST(Findings, OfACleanDaySayThatNothingIsWrong) {
+  Report report = CleanDay();
+  EXPECT_EQ(IdsOf(Found(report)),
             (std::vector<std::string>{"worst-multipath", "no-slips", "nothing-missing"}));
+  EXPECT_EQ(report.verdict.grade, "good");
+  EXPECT_EQ(report.verdict.text,
+            "2880 epochs, none missing, 100.00 % complete, no cycle slip, all 2 satellites judged");
 }
 
-TEST(Findings, ComeInTheOrderOfHarm) {
-  Report report = orsolva_test::SampleReport();
+TEST(Findings, ComeInTheOrderOfHarmAndTheVerdictNamesTheWorst) {
+  Report report = CleanDay();
+  analysis::AnalysisResult& r = report.analysis.figures;
   report.read_error = "f.rnx:9: found \"x\".";
-  report.run.lost_epochs = 1;
+  r.systems.push_back({});
+  r.systems[1].letter = 'R';
+  r.systems[1].satellites_observed = 1;
+  r.without_record = {{'R', 11}};
+  r.contradictions = {
+      {"interval", "15 s", "30 s"}, {"position", "there", "here"}, {"marker", "ABCD", "ESBC"}};
+  r.position.distance_to_header_m = 2109;
+  r.position.residual_rms_m = 1.5;
+  r.span.lost_epochs = 12;
+  r.span.gaps = {{kMidnight_ns, kMidnight_ns + 390 * kNanosecondsPerSecond, 12}};
+  Slip(report, 3, 1);
+  EXPECT_EQ(
+      IdsOf(Found(report)),
+      (std::vector<std::string>{"damaged", "not-judged", "position-far", "wrong-interval", "statements",
+                                "missing-epochs", "cycle-slips", "worst-multipath", "nothing-missing"}));
+  EXPECT_EQ(report.verdict.grade, "poor");
+  EXPECT_EQ(
+      report.verdict.text,
+      "Damaged file; 1 of 3 satellites not judged; Position 2109 m from the header's; Interval 30 s, header "
+      "says 15 s; and 3 more");
+}
+
+TEST(Findings, SatellitesWithoutOrbitAreNamedAndWeighed) {
+  Report report = CleanDay();
+  report.analysis.figures.without_record = {{'G', 5}};
+  Finding finding = Only(report, "not-judged");
+  EXPECT_EQ(finding.title, "1 of 2 satellites not judged");
+  EXPECT_EQ(finding.text, "No orbit, hence no elevation and no completeness: GPS 1 of 2 (G05).");
+  EXPECT_EQ(finding.severity, "warning");
+  report.analysis.figures.systems[0].satellites_observed = 20;
+  EXPECT_EQ(Only(report, "not-judged").severity, "info");
+  report.analysis.figures.systems[0].satellites_observed = 1;
+  EXPECT_EQ(Only(report, "not-judged").severity, "error");
+}
+
+TEST(Findings, WithoutOrbitsTheVerdictIsNotJudged) {
+  Report report = CleanDay();
+  report.analysis.figures.with_orbits = false;
+  report.analysis.figures.without_record = {{'G', 4}, {'G', 5}};
+  report.run.library_absence = LibraryAbsence{"no-navigation", "Name a file."};
+  EXPECT_EQ(Found(report)[0].id, "no-navigation");
+  EXPECT_EQ(report.verdict.grade, "not judged");
+  EXPECT_EQ(report.verdict.text, "No broadcast records");
+}
+
+TEST(Findings, CodesThatFitNoPositionAreWorseThanAWrongHeader) {
+  Report report = CleanDay();
+  analysis::PositionFigures& position = report.analysis.figures.position;
+  position.residual_rms_m = 135;
+  position.distance_to_header_m = 306;
+  report.analysis.figures.contradictions = {{"position", "there", "here"}};
+  EXPECT_EQ(IdsOf(Found(report))[0], "position-unusable");
+  EXPECT_EQ(report.findings[0].title,
+            "Codes do not fit a position: residuals 135 m, 306 m from the header's");
+  EXPECT_EQ(report.verdict.grade, "poor");
+}
+
+TEST(Findings, AMovingAntennaFarFromTheHeadersPositionIsAWarning) {
+  Report report = CleanDay();
+  report.analysis.figures.position.moving = true;
+  EXPECT_EQ(Only(report, "antenna-moves").severity, "info");
   report.run.distance_from_header_m = 2109;
-  NavigationCoverage unknown;
-  unknown.satellite = "C05";
-  report.run.navigation_coverage.push_back(unknown);
-  report.states["C05"] = "no_record";
-  RunEvents events;
-  events.satellites = {{"G04", {{3, 5}}, 2, 1}, {"G05", {}, 1, 0}};
-  events.receiver_epochs = {7};
-  report.headline = HeadlineOf(report, &events);
-  const std::vector<Finding> found = FindingsOf(report, &events);
-  EXPECT_EQ(IdsOf(found), (std::vector<std::string>{"damaged", "not-judged", "position-far", "lost-epochs",
-                                                    "receiver-slips", "gaps-in-view", "satellite-slips",
-                                                    "code-jumps", "worst-multipath", "least-complete"}));
-  EXPECT_EQ(Find(found, "not-judged")->title, "1 of 2 satellites not judged");
-  EXPECT_EQ(Find(found, "not-judged")->text, "No broadcast record: C05.");
-  EXPECT_EQ(Find(found, "lost-epochs")->title, "1 epoch lost");
-  EXPECT_EQ(Find(found, "satellite-slips")->title, "Most slips: G04");
-  EXPECT_EQ(Find(found, "satellite-slips")->text, "2 slips of the geometry-free phase. Then G05 (1).");
-  EXPECT_EQ(Find(found, "satellite-slips")->satellites, (std::vector<std::string>{"G04", "G05"}));
-  EXPECT_EQ(Find(found, "satellite-slips")->figures[0].value, 3.0);
-  EXPECT_EQ(Find(found, "code-jumps")->title, "1 code jump");
-  EXPECT_EQ(Find(found, "worst-multipath")->signal, "G 1C");
+  EXPECT_EQ(Only(report, "antenna-moves").severity, "warning");
+  EXPECT_EQ(Only(report, "antenna-moves").title, "Antenna moves, 2109 m from the header's position");
 }
 
-TEST(Findings, AFileWithoutSignalStrengthsHasNoCompleteness) {
-  Report report = orsolva_test::SampleReport();
-  report.headline.completeness.reset();
-  const std::vector<Finding> found = FindingsOf(report, nullptr);
-  ASSERT_NE(Find(found, "no-completeness"), nullptr);
-  EXPECT_NE(Find(found, "no-completeness")->text.find("no signal strengths"), std::string::npos);
-  report.signals[0].snr_dbhz = 40;
-  const std::vector<Finding> other = FindingsOf(report, nullptr);
-  EXPECT_EQ(Find(other, "no-completeness")->text, "No system counts complete observations.");
+TEST(Findings, APositionThatTheAnalysisDoesNotContradictIsNone) {
+  Report report = CleanDay();
+  report.analysis.figures.position.distance_to_header_m = 90;
+  EXPECT_EQ(Only(report, "position-far").id, "");
 }
 
-TEST(Findings, ARunThatJudgedNothingSaysSoAndNotThatNothingIsWrong) {
-  Report report = orsolva_test::SampleReport();
-  report.signals.clear();
-  report.systems.clear();
-  report.library_total = {};
-  report.states["G04"] = "below_cutoff";
-  const RunEvents none;
-  report.headline = HeadlineOf(report, &none);
-  const std::vector<Finding> found = FindingsOf(report, &none);
-  EXPECT_EQ(IdsOf(found), (std::vector<std::string>{"nothing-judged"}));
-  EXPECT_EQ(found[0].text, "None of the satellites observed was judged: 1 below the cut-off.");
-  report.run.navigation_coverage.clear();
-  report.headline = HeadlineOf(report, &none);
-  EXPECT_EQ(FindingsOf(report, &none)[0].text, "No satellite of the systems chosen was observed.");
+TEST(Findings, OneMissingEpochOfADayIsNoWarning) {
+  Report report = CleanDay();
+  report.analysis.figures.span.lost_epochs = 1;
+  report.analysis.figures.span.gaps = {{kMidnight_ns, kMidnight_ns + 60 * kNanosecondsPerSecond, 1}};
+  const Finding finding = Only(report, "missing-epochs");
+  EXPECT_EQ(finding.severity, "info");
+  EXPECT_EQ(finding.title, "1 of 2880 epochs missing");
+  EXPECT_EQ(finding.text, "1 epoch after 2020-06-25 00:00:00.");
 }
 
-TEST(Findings, TheMedianOfAnEvenCountIsTheMeanOfTheMiddlePair) {
-  Report report = orsolva_test::SampleReport();
-  report.signals.push_back(report.signals[0]);
-  report.signals[1].mp_m = 0.35;
-  const std::vector<Finding> found = FindingsOf(report, nullptr);
-  EXPECT_EQ(Find(found, "worst-multipath")->text, "RMS 0.350 m on L1; the median of all signals is 0.300 m.");
+TEST(Findings, SlipsNameTheSignalAndTheSatelliteOfMost) {
+  Report report = CleanDay();
+  Slip(report, 3, 1);
+  const Finding finding = Only(report, "cycle-slips");
+  EXPECT_EQ(finding.severity, "warning");  // 4 in 4,000 steps
+  EXPECT_EQ(finding.title, "4 cycle slips, most on G 1C, most of G04");
+  EXPECT_EQ(finding.text, "By signal G 1C (4); by satellite G04 (3), G05 (1).");
+  EXPECT_EQ(finding.satellites, (std::vector<std::string>{"G04", "G05"}));
+  Slip(report, 1, 0);
+  EXPECT_EQ(Only(report, "cycle-slips").severity, "info");
+  EXPECT_EQ(Only(report, "cycle-slips").title, "1 cycle slip");
 }
 
-TEST(Findings, LostEpochsNameTheBeginningsOfTheGapsWhereTheyAreKnown) {
-  Report report = orsolva_test::SampleReport();
-  report.run.lost_epochs = 3;
-  EXPECT_EQ(Find(FindingsOf(report, nullptr), "lost-epochs")->text, "");
-  RunEvents events;
-  events.interval_s = 30;
-  events.holes = {{5, 6}, {10, 12}};
-  const std::vector<Finding> found = FindingsOf(report, &events);
-  EXPECT_EQ(Find(found, "lost-epochs")->text,
-            "Gaps begin at " + events.Clock(5) + ", " + events.Clock(10) + ".");
+TEST(Findings, HalfCyclesAreAlsoTheirOwn) {
+  Report report = CleanDay();
+  Slip(report, 2, 2, true);
+  EXPECT_EQ(Only(report, "half-cycles").title, "4 half-cycle slips");
+  EXPECT_EQ(Only(report, "half-cycles").severity, "warning");
 }
 
-TEST(Findings, APositionNearTheHeadersIsNone) {
-  Report report = orsolva_test::SampleReport();
-  report.run.distance_from_header_m = kFindingLimits.far_from_header_m;
-  EXPECT_EQ(Find(FindingsOf(report, nullptr), "position-far"), nullptr);
+TEST(Findings, SlipsOfManySatellitesAtOnceAreThoseOfTheReceiver) {
+  Report report = CleanDay();
+  for (const std::uint8_t number : {1, 2, 3, 4}) {
+    Event event;
+    event.time_ns = kMidnight_ns + 90 * kNanosecondsPerSecond;
+    event.satellite = {'G', number};
+    report.analysis.events.push_back(event);
+  }
+  EXPECT_EQ(Only(report, "receiver-slips").text,
+            "Many satellites slipped at once at 2020-06-25 00:01:30: look for an outage or a reset.");
+  report.analysis.events.pop_back();
+  EXPECT_EQ(Only(report, "receiver-slips").id, "");
+}
+
+TEST(Findings, PowerFailuresAreThoseThatTheFileFlags) {
+  Report report = CleanDay();
+  Event event;
+  event.time_ns = kMidnight_ns;
+  event.kind = EventKind::kPowerFailure;
+  report.analysis.events = {event};
+  EXPECT_EQ(Only(report, "power-failures").title, "1 power failure");
+}
+
+TEST(Findings, ADropOfOneBandIsInterferenceAndOneOfAllBandsTheAntenna) {
+  Report report = CleanDay();
+  analysis::StrengthDrop drop{kMidnight_ns, kMidnight_ns + 1800 * kNanosecondsPerSecond, 8, 10, false};
+  report.analysis.figures.signals[0].strength.drops = {drop};
+  Finding finding = Only(report, "strength-drops");
+  EXPECT_EQ(finding.text,
+            "G 1C 8.0 dB for 30 min from 2020-06-25 00:00:00. Other bands did not: look for interference.");
+  EXPECT_EQ(finding.signal, "G 1C");
+  report.analysis.figures.signals[0].strength.drops[0].other_bands = true;
+  finding = Only(report, "strength-drops");
+  EXPECT_NE(finding.text.find("look at antenna"), std::string::npos) << finding.text;
+}
+
+TEST(Findings, ASignalWeakInTheOpenSkyIsNamedAndSemiCodelessTrackingIsNot) {
+  Report report = CleanDay();
+  analysis::SignalFigures weak = report.analysis.figures.signals[0];
+  weak.code = {'5', 'Q'};
+  weak.strength.mean_by_elevation = {{10, 15, 20, 1000}, {45, 50, 36, 100}, {50, 55, 38, 100}};
+  report.analysis.figures.signals.push_back(weak);
+  EXPECT_EQ(Only(report, "weak-signals").text, "Mean strength from 45 degrees up in dB-Hz: G 5Q 37.0.");
+  report.analysis.figures.signals.back().code = {'2', 'W'};
+  EXPECT_EQ(Only(report, "weak-signals").id, "");
+}
+
+TEST(Findings, AnIncompleteSystemIsAWarning) {
+  Report report = CleanDay();
+  report.analysis.figures.systems[0].cutoff = {4000, 3400, 0.85};
+  EXPECT_EQ(Only(report, "incomplete").title, "GPS 85.00 % complete");
 }
 
 TEST(Findings, ALongListOfNamesIsCut) {
-  Report report = orsolva_test::SampleReport();
-  report.run.navigation_coverage.clear();
-  for (int prn = 11; prn <= 23; ++prn) {
-    NavigationCoverage row;
-    row.satellite = "C" + std::to_string(prn);
-    report.states[row.satellite] = "unhealthy";
-    report.run.navigation_coverage.push_back(row);
+  Report report = CleanDay();
+  for (std::uint8_t number = 11; number <= 23; ++number) {
+    report.analysis.figures.without_record.push_back({'C', number});
   }
-  report.headline = HeadlineOf(report, nullptr);
-  const std::vector<Finding> found = FindingsOf(report, nullptr);
-  ASSERT_NE(Find(found, "not-judged"), nullptr);
-  EXPECT_NE(Find(found, "not-judged")->text.find("C20 and 3 more."), std::string::npos);
+  EXPECT_NE(Only(report, "not-judged").text.find("C20 and 3 more"), std::string::npos);
+}
+
+TEST(Findings, ADisturbedIonosphereIsNamed) {
+  Report report = CleanDay();
+  report.analysis.figures.systems[0].ionosphere.p95_roti = 5;
+  EXPECT_EQ(Only(report, "ionosphere").title, "Ionosphere disturbed: ROTI 5.0 TECU/min");
 }
 
 }  // namespace

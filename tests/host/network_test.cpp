@@ -20,7 +20,7 @@ NetworkRow Row(const std::string& file, double completeness, const std::string& 
   NetworkRow row;
   row.file = file;
   row.grade = grade;
-  row.headline.completeness = completeness;
+  row.headline.cutoff_completeness = completeness;
   return row;
 }
 
@@ -51,7 +51,7 @@ TEST(Network, TheSummaryHasTheMedianAndTheLeastOfTheFilesWithACompleteness) {
 TEST(Network, WithoutAProfileTheLowestCompletenessComesFirst) {
   std::vector<NetworkRow> rows = {Row("x", 0.9), Row("y", 0.2)};
   rows.push_back(Row("z", 0));
-  rows.back().headline.completeness.reset();
+  rows.back().headline.cutoff_completeness.reset();
   SortWorstFirst(rows);
   EXPECT_EQ(rows[0].file, "z");
   EXPECT_EQ(rows[1].file, "y");
@@ -79,17 +79,18 @@ TEST(Network, TheCsvHasOneRowAFileAndNoFiguresOfFailedOnes) {
   std::getline(lines, heading);
   std::getline(lines, first);
   std::getline(lines, second);
-  EXPECT_EQ(heading.find(
-                "file,marker,state,first_epoch_gpst,last_epoch_gpst,duration_h,interval_s,epochs,lost_epochs,"
-                "expected_epochs,observed_epochs,completeness_ratio,mp1_rms_m,mp2_rms_m,"
-                "observations_per_restart,satellites_observed,satellites_judged,"),
+  EXPECT_EQ(heading.find("file,marker,state,first_epoch_gpst,last_epoch_gpst,duration_h,interval_s,"
+                         "epochs,lost_epochs,nominal_epochs,present_epochs,missing_epochs,data_gaps,"
+                         "cutoff_expected_epochs,cutoff_observed_epochs,cutoff_completeness_ratio,"),
             0U);
-  EXPECT_EQ(std::count(heading.begin(), heading.end(), ','), 27);
-  EXPECT_EQ(
-      first,
-      "dir/station one.rnx,,judged,2020-06-25 00:00:00.000,2020-06-25 23:59:30.000,23.991666666666667,30,"
-      "2880,0,1000,900,0.9,0.25,,300,1,1,,,,,,,,,,2,");
-  EXPECT_EQ(second, "\"b,c.rnx\",,ERROR" + std::string(25, ',') + "why");
+  EXPECT_NE(heading.find(",contradictions,expected_epochs,observed_epochs,completeness_ratio,mp1_rms_m,"),
+            std::string::npos);
+  const auto commas = std::count(heading.begin(), heading.end(), ',');
+  EXPECT_EQ(std::count(first.begin(), first.end(), ','), commas);
+  EXPECT_EQ(first.find("dir/station one.rnx,,fair,2020-06-25 00:00:00.000,2020-06-25 "
+                       "23:59:30.000,23.991666666666667,30,2880,0,2880,2880,0,,2000,1900,0.95,"),
+            0U);
+  EXPECT_EQ(second, "\"b,c.rnx\",,ERROR" + std::string(static_cast<std::size_t>(commas) - 2, ',') + "why");
 }
 
 /// The data of an index page.
@@ -116,7 +117,8 @@ TEST(NetworkHtml, HoldsARowAFileInTheOrderGivenAndNullForWhatFailedOnesLack) {
     EXPECT_TRUE(failed[key].is_null()) << key;
   }
   const Json& row = data["rows"][1];
-  EXPECT_EQ(row["state"], "judged");
+  EXPECT_EQ(row["state"], "fair");
+  EXPECT_EQ(row["verdict"], "2 gaps while in view");
   EXPECT_EQ(row["page"], "pages/one.html");
   EXPECT_EQ(row["completeness_ratio"], 0.9);
   EXPECT_EQ(row["mp1_rms_m"], 0.25);

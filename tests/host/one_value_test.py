@@ -106,22 +106,28 @@ def figures_of(report):
 
     def add(subject, signal, owner):
         for key, value in numbers(owner, NAMES).items():
-            assert (subject, signal, key) not in out, (subject, signal, key, "twice in one report")
+            # What the headline takes from the analysis has the same value there.
+            taken = subject == "" and key in report["headline"] and owner is report["analysis"]
+            assert (subject, signal, key) not in out or taken, (subject, signal, key, "twice in one report")
+            assert not taken or out[subject, signal, key] == value, (key, value)
             out[subject, signal, key] = value
 
+    library = report["library"]
     add("", "", report["run"])
     add("", "", report["headline"])
     add_analysis(add, report["analysis"])
-    add("all", "", report["library_total"])
-    for slot in report["library_total"]["slots"]:
+    add("", "", library["run"])
+    add("", "", library["headline"])
+    add("all", "", library["library_total"])
+    for slot in library["library_total"]["slots"]:
         add("all", f"slot{slot['slot']}", slot)
-    for system in report["systems"]:
+    for system in library["systems"]:
         add(system["letter"], "", system)
         for band in system["bands"]:
             add(system["letter"], band["band"], band)
-    for signal in report["signals"]:
+    for signal in library["signals"]:
         add(signal["letter"], signal["signal"], signal)
-    for satellite in report["satellites"]:
+    for satellite in library["satellites"]:
         add(satellite["satellite"], "", satellite)
         for band in satellite["bands"]:
             add(satellite["satellite"], band["band"], band)
@@ -145,20 +151,47 @@ SIGNAL = ["expected_epochs", "observed_epochs", "completeness_ratio", "mp_rms_m"
           "phase_geometry_slip_epochs", "observations_per_restart", "snr_mean_dbhz", "snr_mean_below_30deg_dbhz",
           "snr_mean_above_30deg_dbhz"]
 BAND = ["mp_rms_m", "snr_mean_dbhz", "snr_mean_below_30deg_dbhz", "snr_mean_above_30deg_dbhz"]
-KEYS = {"G": "=GPS", "R": "=GLO", "C": "=BDS", "E": "=GAL", "J": "=QZS"}
+KEYS = {"G": "=GPS", "R": "=GLO", "C": "=BDS", "E": "=GAL", "J": "=QZS", "I": "=IRN", "S": "=SBS"}
+
+
+SYSTEM_FIELDS = ["satellites_tracked", "satellites_without_orbit", "horizon_completeness_ratio", "cutoff_expected_epochs",
+                 "cutoff_observed_epochs", "cutoff_completeness_ratio", "sure_slips", "unsure_slips",
+                 "half_cycle_slips", "phase_jumps", "tested_steps", "observations_per_slip", "observations_without_slip",
+                 "interruptions_of_signals", "interruptions_of_satellites", "roti_p95_tecu_min"]
+SIGNAL_FIELDS = ["horizon_completeness_ratio", "cutoff_expected_epochs", "cutoff_observed_epochs",
+                 "cutoff_completeness_ratio", "strength_mean_dbhz", "strength_p5_dbhz", "multipath_moving_rms_m",
+                 "code_noise_m", "sure_slips", "unsure_slips", "half_cycle_slips", "phase_jumps", "tested_steps",
+                 "observations_per_slip", "observations_without_slip", "interruptions_of_signals",
+                 "interruptions_of_satellites"]
 
 
 def check_sum(name, text, report):
-    lines = {line.split(" ")[0]: line.split(" ") for line in text.splitlines()}
-    head, run = report["headline"], report["run"]
-    for field, key in zip(lines["SUM"][5:11], ["expected_epochs", "observed_epochs", "completeness_ratio",
-                                               "mp1_rms_m", "mp2_rms_m", "observations_per_restart"]):
+    first = text.splitlines()[0].split(" ", 2)
+    assert first[0] == "#VERDICT" and first[2] == f"{report['verdict']['grade']} - {report['verdict']['text']}", first
+    lines = {line.split(" ")[0]: line.split(" ") for line in text.splitlines() if not line.startswith("#")}
+    library, head, analysis = report["library"], report["headline"], report["analysis"]
+    per_slip = "observations_per_slip" if head["cycle_slips"] else "observations_without_slip"
+    for field, key in zip(lines["SUM"][5:11], ["cutoff_expected_epochs", "cutoff_observed_epochs",
+                                               "cutoff_completeness_ratio", "gps_mp1_rms_m", "gps_mp2_rms_m",
+                                               per_slip]):
         written((name, "SUM", key), key, field, head[key])
-    assert len(lines["=HEADLINE"]) == len(head) + 2, lines["=HEADLINE"]
-    for field, (key, value) in zip(lines["=HEADLINE"][1:], head.items()):
-        written((name, "=HEADLINE", key), key, field, value)
-    for field, key in zip(lines["=RUN"][1:4], ["epochs", "judged_epochs", "lost_epochs"]):
-        same((name, "=RUN", key), field, run[key])
+    for line, owner in (("=ANALYSIS", head), ("=LIBRARY", library["headline"])):
+        assert len(lines[line]) == len(owner) + 2, lines[line]
+        for field, (key, value) in zip(lines[line][1:], owner.items()):
+            written((name, line, key), key, field, value)
+    for system in analysis["systems"]:
+        fields = lines[KEYS[system["letter"]]]
+        assert len(fields) == len(SYSTEM_FIELDS) + 2, fields
+        for field, key in zip(fields[1:], SYSTEM_FIELDS):
+            written((name, fields[0], key), key, field, system[key])
+    for signal in analysis["signals"]:
+        fields = lines[KEYS[signal["letter"]] + signal["signal"]]
+        assert len(fields) == len(SIGNAL_FIELDS) + 2, fields
+        for field, key in zip(fields[1:], SIGNAL_FIELDS):
+            written((name, fields[0], key), key, field, signal[key])
+    run = {**report["run"], **library["run"]}
+    for field, key in zip(lines["=LIBRARY-RUN"][1:4], ["epochs", "judged_epochs", "lost_epochs"]):
+        same((name, "=LIBRARY-RUN", key), field, run[key])
 
     def whole(fields, owner, bands, prefix):
         for field, key in zip(fields[2:8], WHOLE):
@@ -168,11 +201,11 @@ def check_sum(name, text, report):
             for field, key in zip(fields[6 + 2 * slot:8 + 2 * slot], BAND):
                 written((name, fields[0], slot, key), key, field, band.get(prefix + key))
 
-    whole(lines["=ALL"], report["library_total"], report["library_total"]["slots"], "total_")
-    for system in report["systems"]:
-        whole(lines[KEYS[system["letter"]]], system, system["bands"], "")
-    for signal in report["signals"]:
-        fields = lines[KEYS[signal["letter"]] + signal["signal"]]
+    whole(lines["=LIBRARY-ALL"], library["library_total"], library["library_total"]["slots"], "total_")
+    for system in library["systems"]:
+        whole(lines["=LIBRARY-" + KEYS[system["letter"]][1:]], system, system["bands"], "")
+    for signal in library["signals"]:
+        fields = lines["=LIBRARY-" + KEYS[signal["letter"]][1:] + signal["signal"]]
         for field, key in zip(fields[2:12], SIGNAL):
             written((name, fields[0], key), key, field, signal[key])
 
@@ -247,9 +280,44 @@ GROUPS = {"Completeness": ("completeness_", "expected_", "observed_"), "Multipat
           "Satellites": ("satellites_",), "Events": ("geometry_", "code_", "receiver_", "gaps_")}
 
 
+HEADLINE = [(r"(\S+) nominal", "nominal_epochs"), (r"(\S+) present", "present_epochs"),
+            (r"(\S+) missing", "missing_epochs"), (r"(\S+) gaps", "data_gaps"),
+            (r"(\S+) observations expected", "cutoff_expected_epochs"),
+            (r"expected, (\S+) observed", "cutoff_observed_epochs"),
+            (r"Completeness (\S+)(?: %)?,", "cutoff_completeness_ratio"),
+            (r"Satellites (\S+) observed", "satellites_tracked"), (r"(\S+) with orbit", "satellites_with_orbit"),
+            (r"(\S+) without orbit", "satellites_without_orbit"),
+            (r"(\S+) never observed", "satellites_never_observed"), (r"Cycle slips (\S+),", "cycle_slips"),
+            (r"(\S+) tested steps", "tested_steps"), (r"(\S+) of satellites,", "interruptions_of_satellites"),
+            (r"(\S+) of single signals", "interruptions_of_signals"), (r"(\S+)(?: m)? MP1", "gps_mp1_rms_m"),
+            (r"(\S+)(?: m)? MP2 of GPS", "gps_mp2_rms_m"), (r"(\S+)(?: m)? worst signal", "worst_multipath_rms_m")]
+
+
+def check_headline(name, text, report):
+    """The verdict in the second line, and the lines of the headline."""
+    head = report["headline"]
+    lines = text.splitlines()
+    said = " ".join(" ".join(lines[1:lines.index("")]).split())
+    assert said == " ".join(f"Verdict: {report['verdict']['grade']} - {report['verdict']['text']}".split()), (name, said)
+    said = " ".join(" ".join(part(text, "HEADLINE")).split())
+    for pattern, key in HEADLINE:
+        found = re.search(pattern, said)
+        if not found:  # a group without figures is one dash
+            assert head[key] is None, (name, pattern, said)
+            continue
+        written((name, "text", key), key, found.group(1), head[key])
+    if head["observations_without_slip"] is not None:
+        assert f"more than {head['observations_without_slip']} observations per slip" in said, (name, said)
+    elif head["observations_per_slip"] is not None:
+        found = re.search(r"(\S+) observations per slip", said)
+        written((name, "text"), "observations_per_slip", found.group(1), head["observations_per_slip"])
+
+
 def check_text(name, text, report):
-    head, run = report["headline"], report["run"]
-    said = " ".join(" ".join(part(text, "LIBRARY HEADLINE")).split())
+    check_headline(name, text, report)
+    library = report["library"]
+    head, run = library["headline"], {**report["run"], **library["run"]}
+    said = " ".join(" ".join(part(text, "LIBRARY RECORD")).split())
     for pattern, key in [(r"Completeness (\S+)(?: %(?:\[\d+\])?)?,", "completeness_ratio"),
                          (r"(\S+) epochs expected", "expected_epochs"), (r"expected, (\S+) observed", "observed_epochs"),
                          (r"(\S+)(?: m)? MP1", "mp1_rms_m"), (r"(\S+)(?: m)? MP2", "mp2_rms_m"),
@@ -268,32 +336,33 @@ def check_text(name, text, report):
             assert re.search(rf"^{group} +-$", text, re.MULTILINE), (name, pattern, said)
         written((name, "text", key), key, found.group(1) if found else "-", head[key])
     # The mark on the headline's completeness is that of the note about what it leaves out.
-    left_out = [i for i, note in enumerate(report["notes"], 1) if note["id"] == "galileo-not-counted"]
+    left_out = [i for i, note in enumerate(library["notes"], 1) if note["id"] == "galileo-not-counted"]
     mark = re.search(r"Completeness \S+ %\[(\d+)\]", said)
     assert (mark and [int(mark.group(1))]) == (left_out or None) or head["completeness_ratio"] is None, (name, said)
     judged, lost = ("-" if run[key] is None else run[key] for key in ("judged_epochs", "lost_epochs"))
     assert f"{run['epochs']} read, {judged} judged, {lost} lost" in text, name
     rows = part(text, "LIBRARY SYSTEMS")[1:]
-    assert len(rows) == len(report["systems"]), (name, rows)
-    for row, system in zip(rows, report["systems"]):
+    assert len(rows) == len(library["systems"]), (name, rows)
+    for row, system in zip(rows, library["systems"]):
         for field, key in zip(row.split()[-6:], WHOLE):
             written((name, "text", system["letter"], key), key, field, system[key])
-    bands = [(s["letter"], b) for s in report["systems"] for b in s["bands"]]
+    bands = [(s["letter"], b) for s in library["systems"] for b in s["bands"]]
     rows = part(text, "LIBRARY BANDS")[1:]
     assert len(rows) == len(bands), (name, rows)
     for row, (letter, band) in zip(rows, bands):
         for field, key in zip(row.split()[-5:], BAND + ["iono_rms_cycles"]):
             written((name, "text", letter, band["band"], key), key, field, band[key])
     rows = part(text, "LIBRARY SIGNALS")[1:]
-    assert len(rows) == len(report["signals"]), (name, rows)
-    for row, signal in zip(rows, report["signals"]):
+    assert len(rows) == len(library["signals"]), (name, rows)
+    for row, signal in zip(rows, library["signals"]):
         assert row.startswith(f"{signal['letter']} {signal['signal']} "), (name, row)
         for field, key in zip(row.split()[-10:], SIGNAL):
             written((name, "text", signal["letter"], signal["signal"], key), key, field, signal[key])
-    check_total(name, text, report["library_total"])
-    check_satellites(name, part(text, "LIBRARY SATELLITES"), report["satellites"])
+    check_total(name, text, library["library_total"])
+    check_satellites(name, part(text, "LIBRARY SATELLITES"), library["satellites"])
     # The findings lead, each with its title.
-    found = " ".join(" ".join(part(text, "WHAT TO LOOK AT FIRST")).split())
+    parts = part(text, "WHAT TO LOOK AT FIRST") + part(text, "ALSO FOUND")
+    found = " ".join(" ".join(parts).split())
     at = -1
     for finding in report["findings"]:
         at = found.find(" ".join(f"{finding['title']}. {finding['text']}".split()), at + 1)
@@ -329,7 +398,8 @@ def check_files(files, folder):
     reports = {}
     for row, line, text_row in zip(network, index["rows"], text_rows):
         assert row["file"] == line["file"] and row["state"] == line["state"]
-        assert text_row.split()[:2] == [elided(pathlib.Path(row["file"]).name), row["state"]], (row["file"], text_row)
+        head = f"{elided(pathlib.Path(row['file']).name):<30}{row['state']} "
+        assert text_row.startswith(head), (row["file"], text_row)
         name = pathlib.Path(row["file"]).name
         path = next(p for p in out.glob("*.json") if json.loads(p.read_text("utf-8"))["run"]["observation_file"] ==
                     row["file"])
@@ -342,25 +412,28 @@ def check_files(files, folder):
         check_text(name, beside(".txt"), report)
         check_findings(name, report, figures)
         states = {c["satellite"]: c["state"] for c in report["run"]["navigation_coverage"]}
-        for satellite in report["satellites"]:
+        library = report["library"]
+        for satellite in library["satellites"]:
             assert satellite["state"] == states[satellite["satellite"]], (name, satellite["satellite"])
         same((name, "satellites judged"), list(states.values()).count("judged"),
-             report["headline"]["satellites_judged"])
+             library["headline"]["satellites_judged"])
         same((name, "satellites observed"), len(report["run"]["navigation_coverage"]),
-             sum(v for k, v in report["headline"].items() if k.startswith("satellites_") and k != "satellites_observed"))
+             sum(v for k, v in library["headline"].items() if k.startswith("satellites_") and k != "satellites_observed"))
         # The page leaves out the single signals of satellites.
         report["analysis"].pop("satellite_signals")
         assert script(beside(".html"), "report-data") == report, name
-        for key, value in report["headline"].items():
+        assert row["verdict"] == line["verdict"] == report["verdict"]["text"], name
+        for key, value in {**report["headline"], **library["headline"]}.items():
             same((name, "network.csv", key), row[key], value)
             same((name, "index", key), line[key], value)
         for key in ("duration_h", "lost_epochs"):
-            same((name, "network.csv", key), row[key], report["run"][key])
-            same((name, "index", key), line[key], report["run"][key])
-        for field, key in zip(text_row.split()[-5:], ["completeness_ratio", "lost_epochs", "mp1_rms_m", "mp2_rms_m",
-                                                      "observations_per_restart"]):
+            value = {**report["run"], **library["run"]}[key]
+            same((name, "network.csv", key), row[key], value)
+            same((name, "index", key), line[key], value)
+        for field, key in zip(text_row.split()[-5:], ["cutoff_completeness_ratio", "missing_epochs", "cycle_slips",
+                                                      "gps_mp1_rms_m", "gps_mp2_rms_m"]):
             written((name, "network.txt", key), key, field, figures["", "", key])
-    ratios = sorted(float(r["completeness_ratio"]) for r in network if r["completeness_ratio"])
+    ratios = sorted(float(r["cutoff_completeness_ratio"]) for r in network if r["cutoff_completeness_ratio"])
     same("index least", index["summary"]["least_completeness_ratio"], ratios[0] if ratios else None)
     same("index median", index["summary"]["median_completeness_ratio"],
          (ratios[(len(ratios) - 1) // 2] + ratios[len(ratios) // 2]) / 2 if ratios else None)
@@ -380,9 +453,10 @@ with tempfile.TemporaryDirectory() as folder:
 
 assert len(files) >= 12, files
 assert set(with_navigation) == set(without) == {file.name for file in files}
-judged = [name for name, report in with_navigation.items() if report["library_absence"] is None]
+judged = [name for name, report in with_navigation.items() if report["library"]["absence"] is None]
 assert len(judged) >= 3, judged
 for name, report in without.items():
-    assert report["library_absence"]["id"] == "no-navigation", name
+    assert report["library"]["absence"]["id"] == "no-navigation", name
+    assert report["verdict"]["grade"] == "not judged", name
     assert report["findings"][0]["id"] == "no-navigation" and "BRDC00IGS_R_" in report["findings"][0]["text"], name
 print(f"1 passed, 0 failed ({len(judged)} of {len(files)} files judged by the library, {checks} values held)")

@@ -46,7 +46,7 @@ TEST(Profile, StationHoldsMultipathAndObservationsPerSlipOfGps) {
   EXPECT_EQ(Judge(report, LoadProfile("station")).grade, "good");
   report.systems[0].figures.bands[1].mp_m = 0.8;
   report.systems[0].figures.obs_per_restart = 150;
-  const Verdict v = Judge(report, LoadProfile("station"));
+  const ProfileVerdict v = Judge(report, LoadProfile("station"));
   EXPECT_EQ(v.grade, "fail");
   EXPECT_FALSE(v.passed);
   ASSERT_EQ(v.outcomes.size(), 3U);
@@ -68,12 +68,12 @@ TEST(Profile, FiguresWithoutDataFailOnlyWhenNothingCanBeJudged) {
   Report report = SampleReport();
   SystemReport other{'E', "Galileo", {}, {}, {}};
   report.systems.push_back(other);
-  const Verdict some = Judge(report, LoadProfile("network"));
+  const ProfileVerdict some = Judge(report, LoadProfile("network"));
   EXPECT_TRUE(some.passed);
   EXPECT_EQ(some.outcomes.front().grade, "fair");
   EXPECT_EQ(some.outcomes.back().grade, "no data");
   report.systems.clear();
-  const Verdict none = Judge(report, LoadProfile("network"));
+  const ProfileVerdict none = Judge(report, LoadProfile("network"));
   EXPECT_EQ(none.grade, "no data");
   EXPECT_FALSE(none.passed);
   ASSERT_EQ(none.outcomes.size(), 1U);

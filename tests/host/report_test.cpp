@@ -203,21 +203,21 @@ TEST(JsonWriter, WritesNullWithoutDataAndNeverNotANumber) {
   r.result->duration = std::numeric_limits<double>::quiet_NaN();
   r.result->station_xyz[0] = std::numeric_limits<double>::infinity();
   const json j = json::parse(WriteJson(Built(r)));
-  EXPECT_TRUE(j["run"]["position_ecef_m"][0].is_null());
+  EXPECT_TRUE(j["library"]["run"]["position_ecef_m"][0].is_null());
   EXPECT_TRUE(j["run"]["marker"].is_null());
-  EXPECT_EQ(j["systems"][0]["completeness_ratio"], 0.987);
-  EXPECT_TRUE(j["systems"][0]["bands"][0]["snr_mean_below_30deg_dbhz"].is_null());
-  EXPECT_EQ(j["systems"][0]["bands"][0]["mp_rms_m"], 0.25);
-  EXPECT_TRUE(j["signals"][0]["mp_rms_m"].is_null());
-  EXPECT_FALSE(j.contains("satellites"));
+  EXPECT_EQ(j["library"]["systems"][0]["completeness_ratio"], 0.987);
+  EXPECT_TRUE(j["library"]["systems"][0]["bands"][0]["snr_mean_below_30deg_dbhz"].is_null());
+  EXPECT_EQ(j["library"]["systems"][0]["bands"][0]["mp_rms_m"], 0.25);
+  EXPECT_TRUE(j["library"]["signals"][0]["mp_rms_m"].is_null());
+  EXPECT_FALSE(j["library"].contains("satellites"));
 }
 
 TEST(JsonWriter, SatellitesAreThereWhenAskedFor) {
   Report report = Built(OneSystem());
   report.show_satellites = true;
   const json j = json::parse(WriteJson(report));
-  ASSERT_EQ(j["satellites"].size(), 1U);
-  EXPECT_EQ(j["satellites"][0]["satellite"], "G04");
+  ASSERT_EQ(j["library"]["satellites"].size(), 1U);
+  EXPECT_EQ(j["library"]["satellites"][0]["satellite"], "G04");
 }
 
 TEST(JsonWriter, TextThatIsNoUtf8StillGivesValidJson) {

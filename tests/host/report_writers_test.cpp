@@ -68,22 +68,31 @@ TEST(CsvWriter, ValuesReadBackAsTheSameNumber) {
   EXPECT_NE(WriteCsvRows(report).find("duration_h,h,0.30000000000000004,"), std::string::npos);
 }
 
-TEST(SumWriter, TheFirstLineHasTheTenFieldsInTheirOrderAndTheFile) {
+TEST(SumWriter, TheVerdictLeadsAndSumHasItsTenFieldsInTheirOrderAndTheFile) {
   const std::string text = WriteSum(SampleReport());
-  EXPECT_EQ(Lines(text)[0],
-            "SUM 2020-06-25T00:00:00 2020-06-25T23:59:30 23.99 30 1000 900 90.00 0.250 - 300 "
+  EXPECT_EQ(Lines(text)[0], "#VERDICT dir/station%20one.rnx fair - 2 gaps while in view");
+  EXPECT_EQ(Lines(text)[1], "#FINDING dir/station%20one.rnx gaps-in-view 2 gaps while in view");
+  EXPECT_EQ(Lines(text)[2],
+            "SUM 2020-06-25T00:00:00 2020-06-25T23:59:30 23.99 30 2000 1900 95.00 0.260 - 950 "
             "dir/station%20one.rnx");
 }
 
 TEST(SumWriter, EveryLineBeginsWithItsKeyAndEndsWithTheFile) {
   Report report = SampleReport();
-  report.verdict = Verdict{"network", "a title", "no data", false, {}};
+  report.profile_verdict = ProfileVerdict{"network", "a title", "no data", false, {}};
+  report.analysis.figures.systems.resize(2);
+  report.analysis.figures.systems[1].letter = 'S';
+  report.analysis.figures.signals.resize(1);
+  report.analysis.figures.signals[0].code = {'1', 'C'};
   std::set<std::string> keys;
   for (const std::string& line : Lines(WriteSum(report))) {
     keys.insert(Fields(line).front());
-    EXPECT_EQ(Fields(line).back(), "dir/station%20one.rnx") << line;
+    const std::string file = line[0] == '#' ? Fields(line)[1] : Fields(line).back();
+    EXPECT_EQ(file, "dir/station%20one.rnx") << line;
   }
-  EXPECT_EQ(keys, (std::set<std::string>{"SUM", "=HEADLINE", "=RUN", "=ALL", "=GPS", "=GPS1C", "=VERDICT"}));
+  EXPECT_EQ(keys, (std::set<std::string>{"#VERDICT", "#FINDING", "SUM", "=ANALYSIS", "=GPS", "=SBS", "=GPS1C",
+                                         "=LIBRARY", "=LIBRARY-RUN", "=LIBRARY-ALL", "=LIBRARY-GPS",
+                                         "=LIBRARY-GPS1C", "=PROFILE"}));
 }
 
 TEST(SumWriter, RowsOfOneKindHaveTheSameNumberOfFields) {
@@ -126,7 +135,7 @@ TEST(TextWriter, NumbersAreNeverCut) {
 
 TEST(TextWriter, EscapesStandOnlyWhereColourIsAskedFor) {
   Report report = SampleReport();
-  report.verdict = Verdict{"p", "t", "fail", false, {}};
+  report.profile_verdict = ProfileVerdict{"p", "t", "fail", false, {}};
   EXPECT_EQ(WriteText(report, {80, false}).find('\033'), std::string::npos);
   EXPECT_NE(WriteText(report, {80, true}).find("\033[31m"), std::string::npos);
 }
@@ -173,7 +182,7 @@ TEST(Notes, AGalileoSystemWithCountsOrWithoutEpochsHasNoNoteAboutThem) {
 TEST(TextWriter, AGroupOfTheHeadlineWithoutFiguresIsOneDash) {
   Report report = SampleReport();
   EXPECT_NE(WriteText(report).find("\nEvents            -\n"), std::string::npos) << WriteText(report);
-  report.headline.gaps_in_view = 2;
+  report.library_headline.gaps_in_view = 2;
   EXPECT_NE(WriteText(report).find("\nEvents            - geometry-free slips"), std::string::npos);
 }
 

@@ -59,12 +59,21 @@ inline orsolva_host::Report SampleReport() {
   s.obs_per_restart = 950.0 / 3;
   r.signals.push_back(s);
   r.states["G04"] = "judged";
-  r.headline.expected = 1000;
-  r.headline.observed = 900;
-  r.headline.completeness = 0.9;
-  r.headline.mp1_m = 0.25;
-  r.headline.obs_per_restart = 300;
-  r.headline.satellites_observed = r.headline.satellites_judged = 1;
+  r.library_headline.expected = 1000;
+  r.library_headline.observed = 900;
+  r.library_headline.completeness = 0.9;
+  r.library_headline.mp1_m = 0.25;
+  r.library_headline.obs_per_restart = 300;
+  r.library_headline.satellites_observed = r.library_headline.satellites_judged = 1;
+  r.headline.nominal_epochs = r.headline.present_epochs = 2880;
+  r.headline.missing_epochs = 0;
+  r.headline.cutoff_expected = 2000;
+  r.headline.cutoff_observed = 1900;
+  r.headline.cutoff_completeness = 0.95;
+  r.headline.cycle_slips = 2;
+  r.headline.observations_per_slip = 950;
+  r.headline.gps_mp1_m = 0.26;
+  r.verdict = {"fair", "2 gaps while in view"};
   r.findings.push_back({"gaps-in-view",
                         "warning",
                         "2 gaps while in view",

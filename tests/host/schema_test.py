@@ -45,20 +45,20 @@ check("quarter of an hour with a failed verdict",
       report(quarter, "--interval", "5", "--exclude", "G04", "--profile", "network", code=0))
 alone = report(data / "GRAS00FRA_R_20223151700_15M_01S_MO.crx.gz", "--sats")
 check("without navigation", alone)
-assert alone["library_absence"]["id"] == "no-navigation" and alone["run"]["position_ecef_m"] is None
+assert alone["library"]["absence"]["id"] == "no-navigation" and alone["library"]["run"]["position_ecef_m"] is None
 check("several files, one of them missing", report(quarter, "/no/such/file.rnx", "--jobs", "2", code=1))
 
 # The note ids that readers of JSON rely on.
-ids = [note["id"] for note in whole["notes"]]
+ids = [note["id"] for note in whole["library"]["notes"]]
 assert "galileo-no-channel" in ids and "phase-test" in ids, ids
 assert whole["findings"], "a station-day has something to look at first"
-galileo = next(s for s in whole["systems"] if s["letter"] == "E")
+galileo = next(s for s in whole["library"]["systems"] if s["letter"] == "E")
 assert galileo["completeness_ratio"] is None
 
 # What the schema must refuse.
 for spoil in (lambda r: r["run"].pop("interval_s"),
-              lambda r: r["systems"][0].update(completeness_ratio="1.0"),
-              lambda r: r["signals"][0].update(surprise=1),
+              lambda r: r["library"]["systems"][0].update(completeness_ratio="1.0"),
+              lambda r: r["library"]["signals"][0].update(surprise=1),
               lambda r: r["run"].update(first_epoch_gpst="yesterday"),
               lambda r: r.update(format=1)):
     bad = copy.deepcopy(whole)

@@ -37,7 +37,7 @@ std::string Data(const std::string& name) { return (SharedFolder() / "data" / na
 /// Every multipath RMS and mean SNR of the systems that is not null.
 void ExpectSaneBands(const Json& report) {
   int bands_with_data = 0;
-  for (const auto& system : report.at("systems")) {
+  for (const auto& system : report.at("library").at("systems")) {
     for (const auto& band : system.at("bands")) {
       if (const auto& mp = band.at("mp_rms_m"); !mp.is_null()) {
         ++bands_with_data;
@@ -60,9 +60,10 @@ TEST(StationDay, ReferenceStationIsJudgedWhole) {
   ASSERT_EQ(outcome.ExitCode, 0);
   const Json& run = outcome.Report.at("run");
   EXPECT_EQ(run.at("epochs"), 2880);
-  EXPECT_EQ(run.at("lost_epochs"), 0);
-  EXPECT_LT(run.at("distance_from_header_position_m").get<double>(), 5.0);
-  const Json& gps = outcome.Report.at("systems").at(0);
+  const Json& library = outcome.Report.at("library");
+  EXPECT_EQ(library.at("run").at("lost_epochs"), 0);
+  EXPECT_LT(library.at("run").at("distance_from_header_position_m").get<double>(), 5.0);
+  const Json& gps = library.at("systems").at(0);
   ASSERT_EQ(gps.at("name"), "GPS");
   EXPECT_GT(gps.at("completeness_ratio").get<double>(), 0.95);
   ExpectSaneBands(outcome.Report);

@@ -14,14 +14,14 @@ using namespace orsolva_host;
 
 json Report() {
   return json::parse(R"({
-    "run": {"interval_s": 30.0, "elevation_cutoff_deg": 10.0, "epochs": 100, "lost_epochs": 1,
-      "first_epoch_gpst": "2020-06-25 00:00:00.000", "last_epoch_gpst": "2020-06-25 01:00:00.000",
-      "position_ecef_m": [3, 4, 0], "distance_from_header_position_m": 5.0},
+    "run": {"interval_s": 30.0, "elevation_cutoff_deg": 10.0, "epochs": 100,
+      "first_epoch_gpst": "2020-06-25 00:00:00.000", "last_epoch_gpst": "2020-06-25 01:00:00.000"},
+    "library": {"run": {"lost_epochs": 1, "position_ecef_m": [3, 4, 0], "distance_from_header_position_m": 5.0},
     "systems": [{"letter": "G", "name": "GPS", "expected_epochs": 200, "observed_epochs": 150,
       "completeness_ratio": 0.75, "phase_geometry_slip_epochs": 3}],
     "signals": [{"letter": "G", "signal": "1C", "observed_epochs": 160, "mp_rms_m": 0.25,
       "snr_mean_dbhz": 44.5, "snr_mean_below_30deg_dbhz": 38.5, "snr_mean_above_30deg_dbhz": null,
-      "phase_geometry_slip_epochs": 3}]})");
+      "phase_geometry_slip_epochs": 3}]}})");
 }
 
 json Signal(int above, double rms, double snr) {
@@ -113,8 +113,9 @@ TEST(Comparison, RunAndFaultsAreListed) {
 
 TEST(Comparison, LinesKeepTo80Columns) {
   json report = Report(), truth = TruthOf();
-  report["systems"][0]["expected_epochs"] = report["systems"][0]["observed_epochs"] = 99999999;
-  report["signals"][0]["observed_epochs"] = 9999999;
+  report["library"]["systems"][0]["expected_epochs"] = report["library"]["systems"][0]["observed_epochs"] =
+      99999999;
+  report["library"]["signals"][0]["observed_epochs"] = 9999999;
   for (int i = 0; i < 100; ++i) truth["faults"].push_back(Slip("G01", true));
   std::istringstream lines(Compare(report, truth));
   int count = 0;

@@ -13,14 +13,43 @@ export interface RunFigures {
   duration_h: number | null;
   interval_s: number | null;
   epochs: number | null;
-  judged_epochs: number | null;
-  lost_epochs: number | null;
-  distance_from_header_position_m: number | null;
   elevation_cutoff_deg: number | null;
-  averaging_window_epochs: number | null;
 }
 
 export interface HeadlineFigures {
+  nominal_epochs: number | null;
+  present_epochs: number | null;
+  missing_epochs: number | null;
+  data_gaps: number | null;
+  cutoff_expected_epochs: number | null;
+  cutoff_observed_epochs: number | null;
+  cutoff_completeness_ratio: number | null;
+  satellites_tracked: number | null;
+  satellites_with_orbit: number | null;
+  satellites_without_orbit: number | null;
+  satellites_never_observed: number | null;
+  cycle_slips: number | null;
+  tested_steps: number | null;
+  observations_per_slip: number | null;
+  observations_without_slip: number | null;
+  interruptions_of_satellites: number | null;
+  interruptions_of_signals: number | null;
+  gps_mp1_rms_m: number | null;
+  gps_mp2_rms_m: number | null;
+  worst_multipath_rms_m: number | null;
+  solution_to_header_m: number | null;
+  code_residual_rms_m: number | null;
+  contradictions: number | null;
+}
+
+export interface LibraryRunFigures {
+  judged_epochs: number | null;
+  lost_epochs: number | null;
+  distance_from_header_position_m: number | null;
+  averaging_window_epochs: number | null;
+}
+
+export interface LibraryHeadlineFigures {
   expected_epochs: number | null;
   observed_epochs: number | null;
   completeness_ratio: number | null;
@@ -306,14 +335,43 @@ export const RUN: FigureColumn[] = [
   { key: 'duration_h', unit: 'h', column: "", title: "Time between first and last epoch", digits: 0 },
   { key: 'interval_s', unit: 's', column: "", title: "Interval the file is judged with", digits: 0 },
   { key: 'epochs', unit: 'epochs', column: "", title: "Epochs read", digits: 0 },
-  { key: 'judged_epochs', unit: 'epochs', column: "", title: "Epochs taken into the run", digits: 0 },
-  { key: 'lost_epochs', unit: 'epochs', column: "", title: "Epochs missing from the whole receiver", digits: 0 },
-  { key: 'distance_from_header_position_m', unit: 'm', column: "", title: "Distance of the position used to the header's", digits: 0 },
   { key: 'elevation_cutoff_deg', unit: 'deg', column: "", title: "Elevation cut-off", digits: 0 },
-  { key: 'averaging_window_epochs', unit: 'epochs', column: "", title: "Length of the multipath mean", digits: 0 },
 ];
 
 export const HEADLINE: FigureColumn[] = [
+  { key: 'nominal_epochs', unit: 'epochs', column: "", title: "Epochs that the file should hold", digits: 0 },
+  { key: 'present_epochs', unit: 'epochs', column: "", title: "Nominal epochs with any observation", digits: 0 },
+  { key: 'missing_epochs', unit: 'epochs', column: "", title: "Nominal epochs without any observation", digits: 0 },
+  { key: 'data_gaps', unit: 'events', column: "", title: "Gaps of the whole file", digits: 0 },
+  { key: 'cutoff_expected_epochs', unit: 'epochs', column: "", title: "Epochs at which signals should have been observed, from the cut-off up", digits: 0 },
+  { key: 'cutoff_observed_epochs', unit: 'epochs', column: "", title: "Expected epochs with code and phase, from the cut-off up", digits: 0 },
+  { key: 'cutoff_completeness_ratio', unit: '1', column: "Cut-off %", title: "Completeness from the cut-off up", digits: 2 },
+  { key: 'satellites_tracked', unit: 'satellites', column: "Satellites", title: "Satellites of a system in the file", digits: 0 },
+  { key: 'satellites_with_orbit', unit: 'satellites', column: "", title: "Observed satellites with an orbit", digits: 0 },
+  { key: 'satellites_without_orbit', unit: 'satellites', column: "No orbit", title: "Observed satellites without an orbit", digits: 0 },
+  { key: 'satellites_never_observed', unit: 'satellites', column: "", title: "Satellites in view that were never observed", digits: 0 },
+  { key: 'cycle_slips', unit: 'events', column: "Slips", title: "Cycle slips of satellites, of every size", digits: 0 },
+  { key: 'tested_steps', unit: 'steps', column: "Tested steps", title: "Steps at whose end a slip would have been seen", digits: 0 },
+  { key: 'observations_per_slip', unit: 'epochs', column: "", title: "Tested observations per cycle slip", digits: 0 },
+  { key: 'observations_without_slip', unit: 'epochs', column: "", title: "Tested observations where there is no slip", digits: 0 },
+  { key: 'interruptions_of_satellites', unit: 'events', column: "", title: "Interruptions of a satellite while others went on", digits: 0 },
+  { key: 'interruptions_of_signals', unit: 'events', column: "", title: "Interruptions of a signal while others of the satellite went on", digits: 0 },
+  { key: 'gps_mp1_rms_m', unit: 'm', column: "MP1 m", title: "MP1: multipath of the GPS signal of band 1 that archives use", digits: 3 },
+  { key: 'gps_mp2_rms_m', unit: 'm', column: "MP2 m", title: "MP2: multipath of the GPS signal of band 2 that archives use", digits: 3 },
+  { key: 'worst_multipath_rms_m', unit: 'm', column: "", title: "Multipath of the signal that has the most", digits: 3 },
+  { key: 'solution_to_header_m', unit: 'm', column: "", title: "Distance of the position to the header's", digits: 2 },
+  { key: 'code_residual_rms_m', unit: 'm', column: "", title: "RMS of the code residuals of the positions", digits: 2 },
+  { key: 'contradictions', unit: 'events', column: "", title: "Statements of header and file name that the data contradict", digits: 0 },
+];
+
+export const LIBRARY_RUN: FigureColumn[] = [
+  { key: 'judged_epochs', unit: 'epochs', column: "", title: "Epochs taken into the run", digits: 0 },
+  { key: 'lost_epochs', unit: 'epochs', column: "", title: "Epochs missing from the whole receiver", digits: 0 },
+  { key: 'distance_from_header_position_m', unit: 'm', column: "", title: "Distance of the position used to the header's", digits: 0 },
+  { key: 'averaging_window_epochs', unit: 'epochs', column: "", title: "Length of the multipath mean", digits: 0 },
+];
+
+export const LIBRARY_HEADLINE: FigureColumn[] = [
   { key: 'expected_epochs', unit: 'epochs', column: "Expected", title: "Epochs at which a satellite should have been observed", digits: 0 },
   { key: 'observed_epochs', unit: 'epochs', column: "Observed", title: "Epochs with a complete observation", digits: 0 },
   { key: 'completeness_ratio', unit: '1', column: "Complete %", title: "Completeness", digits: 2 },

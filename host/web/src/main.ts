@@ -8,7 +8,7 @@ import { timelineFigure } from './charts/timeline';
 import { decode, type Detail, unpack } from './detail';
 import { button, el, select } from './dom';
 import type { Figure } from './figure';
-import { type HeadlineFigures, HEADLINE, RUN, type RunFigures } from './figures';
+import { type HeadlineFigures, HEADLINE } from './figures';
 import { baseName, fixed, withUnit } from './format';
 import { dataOf, head, section, tile } from './layout';
 import type { Finding, Report } from './report';
@@ -34,26 +34,25 @@ function header(report: Report): void {
   head('Observation quality', name, facts);
 }
 
-/** The tiles: figures of the headline and of the run, as the report has them. */
-const TILES: [string, keyof HeadlineFigures | keyof RunFigures][] = [
-  ['Completeness', 'completeness_ratio'],
-  ['MP1', 'mp1_rms_m'],
-  ['MP2', 'mp2_rms_m'],
-  ['Epochs judged', 'judged_epochs'],
-  ['Epochs lost', 'lost_epochs'],
-  ['Satellites judged', 'satellites_judged'],
-  ['Satellites observed', 'satellites_observed'],
+/** The tiles: figures of the headline, as the report has them. */
+const TILES: [string, keyof HeadlineFigures][] = [
+  ['Completeness', 'cutoff_completeness_ratio'],
+  ['Cycle slips', 'cycle_slips'],
+  ['MP1 of GPS', 'gps_mp1_rms_m'],
+  ['MP2 of GPS', 'gps_mp2_rms_m'],
+  ['Epochs', 'present_epochs'],
+  ['Epochs missing', 'missing_epochs'],
+  ['Satellites observed', 'satellites_tracked'],
+  ['Without orbit', 'satellites_without_orbit'],
 ];
 
 function tiles(report: Report): HTMLElement {
-  const values: Record<string, number | null> = { ...report.run, ...report.headline } as never;
-  const columns = [...HEADLINE, ...RUN];
   return el(
     'dl',
     { class: 'tiles' },
     ...TILES.map(([name, key]) => {
-      const column = columns.find((c) => c.key === key)!;
-      return tile(name, withUnit(values[key], column.unit, column.digits), column.title);
+      const column = HEADLINE.find((c) => c.key === key)!;
+      return tile(name, withUnit(report.headline[key], column.unit, column.digits), column.title);
     }),
   );
 }
@@ -116,7 +115,7 @@ function notJudged(report: Report): HTMLElement | null {
 }
 
 function notes(report: Report): HTMLElement | null {
-  const texts = report.notes.map((n) => n.text);
+  const texts = report.library.notes.map((n) => n.text);
   return texts.length === 0 ? null : el('ul', { class: 'notes' }, ...texts.map((t) => el('li', {}, t)));
 }
 
@@ -149,7 +148,7 @@ async function start(): Promise<void> {
   const events = JSON.parse(new TextDecoder().decode(await unpack(dataOf('event-data')))) as EventData;
   const selection = new Selection(detail);
   // Without the library's record there are no points to plot.
-  const judged = report.library_absence === null;
+  const judged = report.library.absence === null;
   const figures = judged
     ? [
         skyFigure(detail, selection),
@@ -163,7 +162,7 @@ async function start(): Promise<void> {
     : [];
   const page = document.getElementById('report')!;
   page.append(
-    section('look-first', 'What to look at first', verdictPanel(report), tiles(report), findingList(report.findings, detail, selection)),
+    section('look-first', 'What to look at first', el('p', { class: 'verdict-line' }, el('strong', {}, `Verdict: ${report.verdict.grade}`), ` \u2013 ${report.verdict.text}`), verdictPanel(report), tiles(report), findingList(report.findings, detail, selection)),
     section('analysis', 'Analysis of every signal', analysisTables(report), analysisEvents(events)),
   );
   if (judged) {

@@ -1,16 +1,18 @@
 // The index of a run over many files: a row per file, worst first, each leading to the file's own page.
 import { el } from './dom';
-import type { HeadlineFigures } from './figures';
+import type { HeadlineFigures, LibraryHeadlineFigures } from './figures';
 import { baseName, fixed, percent, whole } from './format';
 import { dataOf, head, section, tile } from './layout';
 import { type Cell, type Column, count, digits, hundred, number, SortTable, text } from './table';
 import { forPaper, startTheme } from './theme';
 
-interface Row extends HeadlineFigures {
+interface Row extends HeadlineFigures, LibraryHeadlineFigures {
   file: string;
   page: string | null;
   marker: string | null;
   state: string;
+  /** What is wrong, or what makes the file good. */
+  verdict: string | null;
   error: string | null;
   first_epoch_gpst: string | null;
   duration_h: number | null;
@@ -38,8 +40,8 @@ interface Network {
 }
 
 const PAGE = 1000;
-const WORDS: Record<string, string> = { ERROR: 'Error', fail: 'Failed', 'no data': 'No data', fair: 'Fair', good: 'Good', judged: 'Judged' };
-const TONES: Record<string, string> = { ERROR: 'bad', fail: 'bad', 'no data': 'bad', fair: 'fair', good: 'good' };
+const WORDS: Record<string, string> = { ERROR: 'Error', fail: 'Failed', 'no data': 'No data', poor: 'Poor', 'not judged': 'Not judged', fair: 'Fair', good: 'Good' };
+const TONES: Record<string, string> = { ERROR: 'bad', fail: 'bad', 'no data': 'bad', poor: 'bad', 'not judged': 'fair', fair: 'fair', good: 'good' };
 
 /** The last part of each path, or the whole path where another file has the same. */
 function names(rows: Row[]): string[] {
@@ -77,11 +79,11 @@ function table(network: Network): SortTable {
     text('First epoch', 'GPS time'),
     number('Hours', digits(2)),
     number('Complete %', digits(2), 'Observed of expected epochs'),
-    number('Lost', count, 'Epochs of the span that are not in the file'),
-    number('MP1 m', digits(3), 'Multipath RMS of the first band, all systems'),
-    number('MP2 m', digits(3), 'Multipath RMS of the second band, all systems'),
-    number('Obs/restart', digits(0), 'Complete observations per restart of the multipath mean'),
-    number('Satellites', count, 'Satellites judged'),
+    number('Missing', count, 'Nominal epochs without any observation'),
+    number('MP1 m', digits(3), 'Multipath RMS of GPS, band 1'),
+    number('MP2 m', digits(3), 'Multipath RMS of GPS, band 2'),
+    number('Slips', count, 'Cycle slips of satellites, of every size'),
+    number('Satellites', count, 'Satellites observed'),
     number('Notices', count, 'Oddities of the files, repaired or not'),
   ];
   const cells = rows.map((r, i): Cell[] => [
@@ -90,12 +92,12 @@ function table(network: Network): SortTable {
     r.marker,
     r.first_epoch_gpst?.replace(/\.000$/, '') ?? null,
     r.duration_h,
-    hundred(r.completeness_ratio),
-    r.lost_epochs,
-    r.mp1_rms_m,
-    r.mp2_rms_m,
-    r.observations_per_restart,
-    r.satellites_judged,
+    hundred(r.cutoff_completeness_ratio),
+    r.missing_epochs,
+    r.gps_mp1_rms_m,
+    r.gps_mp2_rms_m,
+    r.cycle_slips,
+    r.satellites_tracked,
     r.notices,
   ]);
   return new SortTable('Files', columns, cells, { rowHead: 1, sorted: 0, page: PAGE });

@@ -1,6 +1,6 @@
 // The report as the JSON writer gives it; null means no data.
 
-import type { AnalysisFigures, AnalysisSignalFigures, AnalysisSystemFigures, BandFigures, CoverageFigures, HeadlineFigures, RunFigures, SignalFigures, SlotFigures, TotalFigures, WholeFigures } from './figures';
+import type { AnalysisFigures, AnalysisSignalFigures, AnalysisSystemFigures, BandFigures, CoverageFigures, HeadlineFigures, LibraryHeadlineFigures, LibraryRunFigures, RunFigures, SignalFigures, SlotFigures, TotalFigures, WholeFigures } from './figures';
 
 export interface Band extends BandFigures {
   slot: number;
@@ -40,7 +40,7 @@ export interface Coverage extends CoverageFigures {
 /** Something to look at first. */
 export interface Finding {
   id: string;
-  severity: 'warning' | 'info' | 'good';
+  severity: 'error' | 'warning' | 'info' | 'good';
   title: string;
   text: string;
   figures: Record<string, number>;
@@ -66,8 +66,6 @@ export interface Run extends RunFigures {
   first_epoch_gpst: string | null;
   last_epoch_gpst: string | null;
   interval_source: string;
-  position_ecef_m: (number | null)[] | null;
-  position_source: string;
   navigation_coverage: Coverage[];
 }
 
@@ -83,7 +81,7 @@ export interface Outcome {
   missed_by: number | null;
 }
 
-export interface Verdict {
+export interface ProfileVerdict {
   profile: string;
   title: string;
   grade: string;
@@ -116,19 +114,28 @@ export interface AnalysisEvent {
   evidence: string | null;
 }
 
-export interface Report {
-  library_version: string;
-  library_absence: { id: string; text: string } | null;
-  analysis: Analysis;
-  verdict?: Verdict | null;
-  findings: Finding[];
-  headline: HeadlineFigures;
-  run: Run;
+/** The figures of the library, by the rules of archives. */
+export interface LibraryRecord {
+  absence: { id: string; text: string } | null;
+  headline: LibraryHeadlineFigures;
+  run: LibraryRunFigures & { position_ecef_m: (number | null)[] | null; position_source: string };
   systems: SystemReport[];
   library_total: LibraryTotal;
   signals: SignalReport[];
   satellites?: SatelliteReport[];
   notes: { text: string }[];
+}
+
+export interface Report {
+  library_version: string;
+  /** The report in one line; text is what is wrong, the most harmful first. */
+  verdict: { grade: 'good' | 'fair' | 'poor' | 'not judged'; text: string };
+  findings: Finding[];
+  headline: HeadlineFigures;
+  profile: ProfileVerdict | null;
+  run: Run;
+  analysis: Analysis;
+  library: LibraryRecord;
   notices: Notice[];
   further_notices: number;
 }

@@ -23,14 +23,14 @@ export function figureColumns(figures: FigureColumn[]): { columns: Column[]; cel
 export function systemTable(report: Report): HTMLElement {
   const figures = figureColumns(WHOLE);
   const columns = [text('System'), text('Combination', 'Optimal combination of signals'), ...figures.columns];
-  const rows = report.systems.map((s): Cell[] => [s.name, s.optimal_combination.join(' '), ...figures.cells(s)]);
+  const rows = report.library.systems.map((s): Cell[] => [s.name, s.optimal_combination.join(' '), ...figures.cells(s)]);
   return new SortTable('Systems', columns, rows).element;
 }
 
 export function signalTable(report: Report): HTMLElement {
   const figures = figureColumns(SIGNAL);
   const columns = [text('Signal'), text('Band'), ...figures.columns];
-  const rows = report.signals.map((s): Cell[] => [`${s.letter} ${s.signal}`, s.band, ...figures.cells(s)]);
+  const rows = report.library.signals.map((s): Cell[] => [`${s.letter} ${s.signal}`, s.band, ...figures.cells(s)]);
   return new SortTable('Signals', columns, rows).element;
 }
 
@@ -44,7 +44,7 @@ export function satelliteTable(report: Report, detail: Detail): HTMLElement {
     number('GF slips', count, 'Slips of the geometry-free phase, those of the whole receiver apart'),
     number('Code jumps', count, 'Epochs at which the multipath combination departed from its running mean, without those of the whole receiver'),
   ];
-  const rows = (report.satellites ?? []).map((s): Cell[] => [
+  const rows = (report.library.satellites ?? []).map((s): Cell[] => [
     s.satellite,
     s.state,
     ...figures.cells(s),

@@ -11,7 +11,7 @@ function line(o: Outcome): string {
 }
 
 export function verdictPanel(report: Report): HTMLElement | null {
-  const verdict = report.verdict;
+  const verdict = report.profile;
   if (!verdict) return null;
   const missed = verdict.outcomes.filter((o) => o.grade === 'fail');
   const shown = missed.slice(0, 12);

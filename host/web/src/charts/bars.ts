@@ -40,7 +40,7 @@ function draw(bars: Bar[], what: string, unit: string, c: Colors, width: number)
 }
 
 function signalCompleteness(report: Report): Bar[] {
-  return report.signals
+  return report.library.signals
     .filter((s) => s.completeness_ratio !== null)
     .map((s) => ({
       name: `${s.letter} ${s.signal}`,
@@ -55,7 +55,7 @@ function signalCompleteness(report: Report): Bar[] {
 }
 
 function signalMultipath(report: Report): Bar[] {
-  return report.signals
+  return report.library.signals
     .filter((s) => s.mp_rms_m !== null)
     .map((s) => ({
       name: `${s.letter} ${s.signal}`,
@@ -70,7 +70,7 @@ function signalMultipath(report: Report): Bar[] {
 }
 
 function satelliteCompleteness(report: Report): Bar[] {
-  return (report.satellites ?? [])
+  return (report.library.satellites ?? [])
     .filter((s) => s.completeness_ratio !== null)
     .map((s) => ({
       name: s.satellite,
@@ -85,7 +85,7 @@ function satelliteCompleteness(report: Report): Bar[] {
 }
 
 function satelliteMultipath(report: Report): Bar[] {
-  return (report.satellites ?? []).flatMap((s): Bar[] => {
+  return (report.library.satellites ?? []).flatMap((s): Bar[] => {
     if (s.mp_worst_rms_m === null) return [];
     const bands = s.bands.filter((b) => b.mp_rms_m !== null);
     return [

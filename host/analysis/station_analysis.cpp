@@ -3,7 +3,10 @@
 #include "host/analysis/figures/epoch_groups.h"
 #include "host/analysis/figures/phase_groups.h"
 #include "host/analysis/figures/receiver_groups.h"
+#include "host/analysis/figures/time_series.h"
 #include "host/analysis/slips/detector_observer.h"
+
+#include <optional>
 
 namespace orsolva_host::analysis {
 
@@ -13,7 +16,12 @@ class StationAnalysis::Figures : public DetectorObserver {
   explicit Figures(const AnalysisOptions& options)
       : cutoff_deg_(options.elevation_cutoff_deg),
         epochs_(options.detector.interval_s, cutoff_deg_),
-        phases_(cutoff_deg_) {}
+        phases_(cutoff_deg_) {
+    if (!options.series) return;
+    series_.emplace(cutoff_deg_);
+    phases_.Multipath().KeepBlocks();
+    phases_.Ionosphere().KeepWindows();
+  }
 
   void UseOrbits(BroadcastStore& orbits) { epochs_.UseOrbits(orbits); }
 
@@ -26,13 +34,15 @@ class StationAnalysis::Figures : public DetectorObserver {
 
   void Modelled(const ObservationEpoch& epoch, const Station& station,
                 const std::vector<ModelledSatellite>& satellites) override {
-    receiver_.AddRanges(epoch, station, satellites);
+    const double clock_m = receiver_.AddRanges(epoch, station, satellites);
+    if (series_) series_->AddSolution(epoch.time_ns, clock_m, receiver_.LastSolution());
   }
 
   void Taken(const ObservationEpoch& epoch, const ReceiverStep& receiver) override {
     epochs_.AddEpoch(epoch, receiver.station);
     phases_.AddEpoch(epoch, receiver.number);
     receiver_.AddEpoch(epoch, receiver);
+    if (series_) AddToSeries(epoch);
   }
 
   void Decided(const SatelliteTrack& track, std::int64_t step) override { phases_.AddStep(track, step); }
@@ -40,7 +50,18 @@ class StationAnalysis::Figures : public DetectorObserver {
   void Found(const Event& event) override {
     phases_.AddEvent(event);
     receiver_.AddEvent(event);
+    if (series_) series_->AddEvent(event, epochs_.Roster());
   }
+
+  /// No step follows.
+  void Finish() {
+    if (!series_) return;
+    phases_.Multipath().EndAll();
+    phases_.Ionosphere().EndAll();
+    CloseBins(true);
+  }
+
+  std::vector<SeriesRow> TakeSeries() { return series_ ? series_->Take() : std::vector<SeriesRow>(); }
 
   void FillIn(const StationDescription& stated, AnalysisResult& result) const {
     result.with_orbits = with_orbits_;
@@ -51,11 +72,28 @@ class StationAnalysis::Figures : public DetectorObserver {
   }
 
  private:
+  void AddToSeries(const ObservationEpoch& epoch) {
+    series_->AddEpoch(epoch, epochs_.Roster(), epochs_.TheSky());
+    if (!series_->BeganBin()) return;
+    phases_.Multipath().EndBefore(series_->DecidedBefore());
+    CloseBins(false);
+  }
+
+  void CloseBins(bool all) {
+    const SignalRoster& roster = epochs_.Roster();
+    phases_.Multipath().TakeBlocks([&](SatelliteId id, SignalCode code, const JudgedBlock& block) {
+      series_->AddMultipath(id, code, block, roster);
+    });
+    for (const RotiWindow& window : phases_.Ionosphere().TakeWindows()) series_->AddRoti(window, roster);
+    series_->Close(roster, all);
+  }
+
   double cutoff_deg_;
   bool with_orbits_ = false;
   EpochGroups epochs_;
   PhaseGroups phases_;
   ReceiverGroups receiver_;
+  std::optional<TimeSeries> series_;
 };
 
 StationAnalysis::StationAnalysis(const AnalysisOptions& options, const BroadcastRecords& records)
@@ -67,9 +105,14 @@ StationAnalysis::~StationAnalysis() = default;
 
 void StationAnalysis::Add(const ObservationEpoch& epoch) { detector_.Add(epoch); }
 
-void StationAnalysis::Finish() { detector_.Finish(); }
+void StationAnalysis::Finish() {
+  detector_.Finish();
+  figures_->Finish();
+}
 
 std::vector<Event> StationAnalysis::TakeEvents() { return detector_.TakeEvents(); }
+
+std::vector<SeriesRow> StationAnalysis::TakeSeries() { return figures_->TakeSeries(); }
 
 AnalysisResult StationAnalysis::Result(const StationDescription& stated) const {
   AnalysisResult result;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/analysis/analysis_result.h"
+#include "host/analysis/series_row.h"
 #include "host/analysis/slips/slip_detector.h"
 #include "host/observation/station_description.h"
 
@@ -17,6 +18,7 @@ namespace orsolva_host::analysis {
 struct AnalysisOptions {
   DetectorOptions detector;
   double elevation_cutoff_deg = 10;
+  bool series = false;  ///< figures over time are made, too
 };
 
 class StationAnalysis {
@@ -32,6 +34,9 @@ class StationAnalysis {
 
   /// Events decided since the last call, by time and satellite.
   std::vector<Event> TakeEvents();
+
+  /// Rows of figures over time that are complete since the last call; see TimeSeries.
+  std::vector<SeriesRow> TakeSeries();
 
   /// The figures of everything decided so far.
   /// @param stated  to hold the data against

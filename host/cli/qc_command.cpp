@@ -80,6 +80,9 @@ void AddOutputOptions(QcRequest& request, std::vector<Option>& options) {
       FileOption("events", "FILE", o.File(Format::kEvents),
                  "Write cycle slips, gaps and clock events one by one as CSV (.jsonl: JSON lines; .gz: "
                  "compressed); - for standard output"),
+      FileOption("series", "FILE", o.File(Format::kSeries),
+                 "Write figures over time by station, signal and satellite, in bins of five minutes, as CSV "
+                 "(.jsonl: JSON lines; .gz: compressed); - for standard output"),
       FileOption("html", "FILE", o.File(Format::kHtml),
                  "Write the report with plots as one page that needs no network; of several files, the index "
                  "of the pages in --output"),

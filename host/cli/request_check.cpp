@@ -23,20 +23,20 @@ void ValidateStandardStreams(const QcRequest& request, const RunInputs& inputs) 
   }
   const auto on_output =
       std::count_if(std::begin(kFormats), std::end(kFormats), [&](const OutputFormat& row) {
-        const bool can = row.stream || row.format == Format::kEvents;
+        const bool can = row.stream || row.format == Format::kEvents || row.format == Format::kSeries;
         return can && request.outputs.File(row.format) == "-";
       });
   if (on_output > 1) {
     throw ValidationError(
-        "only one of --text, --json, --csv, --sum and --events can go to standard output; give the others "
-        "files");
+        "only one of --text, --json, --csv, --sum, --events and --series can go to standard output; give the "
+        "others files");
   }
 }
 
 /// Options that mean something else, or nothing, with many files.
 void ValidateMany(const QcRequest& request, const RunInputs& inputs) {
   const OutputSettings& outputs = request.outputs;
-  for (const Format table : {Format::kDetail, Format::kEvents}) {
+  for (const Format table : {Format::kDetail, Format::kEvents, Format::kSeries}) {
     if (outputs.File(table).empty()) continue;
     const std::string name = FormatRow(table).name;
     throw ValidationError("--" + name +

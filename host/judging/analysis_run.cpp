@@ -10,8 +10,9 @@ namespace orsolva_host {
 namespace {
 
 analysis::AnalysisOptions OptionsOf(const JudgingSettings& settings, const ObservationHeader& header,
-                                    std::shared_ptr<const PreciseOrbits> precise) {
+                                    std::shared_ptr<const PreciseOrbits> precise, bool series) {
   analysis::AnalysisOptions options;
+  options.series = series;
   options.elevation_cutoff_deg = settings.elevation_cutoff_deg;
   options.detector.position = header.position;
   if (settings.position.source == PositionSource::kOption)
@@ -35,10 +36,11 @@ std::size_t PlaceOf(char letter) { return static_cast<std::size_t>(letter - 'A')
 
 AnalysisRun::AnalysisRun(const JudgingSettings& settings, const EpochSource& source,
                          const BroadcastRecords& records, std::shared_ptr<const PreciseOrbits> precise,
-                         EventSink* sink)
+                         EventSink* events, SeriesSink* series)
     : description_(Described(settings, source)),
-      analysis_(OptionsOf(settings, source.Header(), std::move(precise)), records),
-      sink_(sink) {
+      analysis_(OptionsOf(settings, source.Header(), std::move(precise), series != nullptr), records),
+      events_(events),
+      series_(series) {
   for (const char letter : settings.systems) chosen_[PlaceOf(letter)].set();
   for (const ExcludedSatellite& out : settings.excluded) {
     chosen_[PlaceOf(kSystemTable[out.system_slot].letter)].reset(static_cast<std::size_t>(out.number));
@@ -59,19 +61,26 @@ void AnalysisRun::Add(ObservationEpoch& epoch) {
   }
   analysis_.Add(epoch);
   PassEvents();
+  PassSeries();
 }
 
 AnalysisReport AnalysisRun::Finish(std::vector<DescriptionChange> changes) {
   analysis_.Finish();
   PassEvents();
+  PassSeries();
   description_.changes = std::move(changes);
   report_.figures = analysis_.Result(description_);
   return std::move(report_);
 }
 
+void AnalysisRun::PassSeries() {
+  if (series_ == nullptr) return;
+  for (const analysis::SeriesRow& row : analysis_.TakeSeries()) series_->Add(row);
+}
+
 void AnalysisRun::PassEvents() {
   for (analysis::Event& event : analysis_.TakeEvents()) {
-    if (sink_ != nullptr) sink_->Add(event);
+    if (events_ != nullptr) events_->Add(event);
     if (report_.events.size() < kMostEventsKept) {
       report_.events.push_back(std::move(event));
     } else {

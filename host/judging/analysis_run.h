@@ -16,6 +16,7 @@
 #include "host/observation/station_description.h"
 #include "host/report/event_sink.h"
 #include "host/report/report.h"
+#include "host/report/series_sink.h"
 
 namespace orsolva_host {
 
@@ -24,9 +25,10 @@ class AnalysisRun {
   /// @param source   for its header and name
   /// @param records  may hold nothing
   /// @param precise  used where they cover a time; may be null
-  /// @param sink     gets every event as soon as it is decided; may be null
+  /// @param events   gets every event as soon as it is decided; may be null
+  /// @param series   gets figures over time as they are complete; null: none are made
   AnalysisRun(const JudgingSettings& settings, const EpochSource& source, const BroadcastRecords& records,
-              std::shared_ptr<const PreciseOrbits> precise, EventSink* sink);
+              std::shared_ptr<const PreciseOrbits> precise, EventSink* events, SeriesSink* series);
 
   /// Takes the next epoch. @param epoch  satellites that are not chosen are taken out of its list
   void Add(ObservationEpoch& epoch);
@@ -37,10 +39,12 @@ class AnalysisRun {
  private:
   bool IsChosen(SatelliteId satellite) const;
   void PassEvents();
+  void PassSeries();
 
   StationDescription description_;
   analysis::StationAnalysis analysis_;
-  EventSink* sink_;
+  EventSink* events_;
+  SeriesSink* series_;
   std::array<std::bitset<256>, 26> chosen_;  ///< by letter and number, whatever a byte holds
   bool all_chosen_ = false;
   AnalysisReport report_;

@@ -18,7 +18,7 @@ namespace orsolva_host {
 
 class AnalysisThread {
  public:
-  /// @param run         its sink is used by the thread, from now until Result returns or this is destroyed
+  /// @param run         its sinks are used by the thread, from now until Result returns or this is destroyed
   /// @param own_thread  else, and where the system gives no thread, the calls below do the work
   AnalysisThread(std::unique_ptr<AnalysisRun> run, bool own_thread);
   /// Drops the epochs that still wait.

@@ -15,6 +15,7 @@ DetailOutputs::DetailOutputs(const std::vector<std::string>& tables, const std::
   }
   if (!pages.empty()) {
     collector_ = std::make_unique<DetailCollector>();
+    series_ = std::make_unique<SeriesCollector>();
     sinks_.Add(collector_.get());
   }
 }
@@ -22,7 +23,7 @@ DetailOutputs::DetailOutputs(const std::vector<std::string>& tables, const std::
 void DetailOutputs::Finish(const Report& report) {
   for (const auto& file : table_files_) file->Commit();
   if (page_files_.empty()) return;
-  const std::string page = WriteHtml(report, *collector_);
+  const std::string page = WriteHtml(report, *collector_, *series_);
   for (const auto& file : page_files_) {
     file->Write(page);
     file->Commit();

@@ -10,6 +10,7 @@
 #include "host/report/detail_collector.h"
 #include "host/report/detail_csv.h"
 #include "host/report/report.h"
+#include "host/report/series_collector.h"
 
 namespace orsolva_host {
 
@@ -22,6 +23,9 @@ class DetailOutputs {
   /// The observer of the run; null when no file is asked for.
   DetailSink* Sink() { return sinks_.Empty() ? nullptr : &sinks_; }
 
+  /// What the page needs of figures over time; null without a page.
+  SeriesSink* Series() { return series_.get(); }
+
   /// Writes the rest; the files appear only now. @throws WriteError
   void Finish(const Report& report);
 
@@ -30,6 +34,7 @@ class DetailOutputs {
   std::unique_ptr<DetailCsv> table_;
   std::vector<std::unique_ptr<WholeFile>> page_files_;
   std::unique_ptr<DetailCollector> collector_;
+  std::unique_ptr<SeriesCollector> series_;
   DetailFanOut sinks_;
 };
 

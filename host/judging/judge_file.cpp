@@ -112,8 +112,9 @@ bool Run::ReadEpoch(SharedNavigation& named) {
 
 void Run::StartAnalysis(SharedNavigation& named, const Time_gbt& first) {
   TakeNavigation(named, first);
-  auto run = std::make_unique<AnalysisRun>(settings_, source_, navigation_->broadcast,
-                                           named_ ? named_->precise : nullptr, observers_.events);
+  auto run =
+      std::make_unique<AnalysisRun>(settings_, source_, navigation_->broadcast,
+                                    named_ ? named_->precise : nullptr, observers_.events, observers_.series);
   analysis_ = std::make_unique<AnalysisThread>(std::move(run), settings_.analysis_on_own_thread);
 }
 

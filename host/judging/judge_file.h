@@ -18,6 +18,7 @@
 #include "host/report/detail_sink.h"
 #include "host/report/event_sink.h"
 #include "host/report/report.h"
+#include "host/report/series_sink.h"
 #include "host/rinex/diagnostics.h"
 
 namespace orsolva_host {
@@ -29,6 +30,8 @@ struct RunObservers {
   /// Gets every event of the analysis. With JudgingSettings::analysis_on_own_thread it is called by that
   /// thread while the caller and `detail` go on, and no more once the run has ended.
   EventSink* events = nullptr;
+  /// Gets figures over time as `events` does; without it none are made.
+  SeriesSink* series = nullptr;
 };
 
 /// Takes the epochs through the analysis one by one and, meanwhile, through the library in batches of 2,880;

@@ -49,7 +49,7 @@ void JudgingPool::ProcessFile(std::size_t file) {
   try {
     const std::unique_ptr<FileHooks> hooks = options_.hooks ? options_.hooks(file) : nullptr;
     const RunObservers observers{hooks ? hooks->Detail() : nullptr, &monitor_,
-                                 hooks ? hooks->Events() : nullptr};
+                                 hooks ? hooks->Events() : nullptr, hooks ? hooks->Series() : nullptr};
     Report report = JudgeFile(files_[file], settings_, navigation_, diagnostics, observers);
     if (hooks) hooks->Finish(report);
     if (!report.read_error.empty()) {

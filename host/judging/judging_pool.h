@@ -21,6 +21,7 @@
 #include "host/report/detail_sink.h"
 #include "host/report/event_sink.h"
 #include "host/report/report.h"
+#include "host/report/series_sink.h"
 
 namespace orsolva_host {
 
@@ -42,6 +43,8 @@ class FileHooks {
   /// Gets every event of the analysis, perhaps on another thread than that of the run, before Finish; may be
   /// null.
   virtual EventSink* Events() { return nullptr; }
+  /// The same for figures over time.
+  virtual SeriesSink* Series() { return nullptr; }
   /// Called with the finished report. What it throws becomes the file's error, and the report is dropped.
   virtual void Finish(const Report& /*report*/) {}
 };

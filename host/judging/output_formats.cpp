@@ -24,6 +24,7 @@ const OutputFormat kFormats[kFormatCount] = {
     {Format::kHtml, "html", ".html", false, false, nullptr},
     {Format::kDetail, "detail", ".detail.csv", false, false, nullptr},
     {Format::kEvents, "events", ".events.csv", false, false, nullptr},
+    {Format::kSeries, "series", ".series.csv", false, false, nullptr},
 };
 
 const OutputFormat& FormatRow(Format format) { return kFormats[static_cast<int>(format)]; }

@@ -10,7 +10,7 @@
 
 namespace orsolva_host {
 
-enum class Format { kText, kJson, kCsv, kSum, kHtml, kDetail, kEvents };
+enum class Format { kText, kJson, kCsv, kSum, kHtml, kDetail, kEvents, kSeries };
 
 struct OutputFormat {
   Format format;
@@ -23,7 +23,7 @@ struct OutputFormat {
   std::string (*write)(const Report& report, const TextStyle& style);
 };
 
-constexpr int kFormatCount = 7;
+constexpr int kFormatCount = 8;
 extern const OutputFormat kFormats[kFormatCount];  ///< in the order of Format
 
 const OutputFormat& FormatRow(Format format);

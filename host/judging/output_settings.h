@@ -41,7 +41,7 @@ class OutputNames {
   std::string InFolder(std::size_t input, Format format) const;
   /// The files that hold the page of an input.
   std::vector<std::string> PagesOf(std::size_t input) const;
-  /// The files that hold the table of an input. @param table  Format::kDetail or Format::kEvents
+  /// The files that hold the table of an input. @param table  Format::kDetail, kEvents or kSeries
   std::vector<std::string> TablesOf(std::size_t input, Format table) const;
   /// All files that are named one by one or made per input, without the tables over all inputs in the folder.
   std::vector<std::string> All() const;

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "host/judging/detail_outputs.h"
-#include "host/judging/event_outputs.h"
+#include "host/judging/table_outputs.h"
 #include "host/output/byte_sink.h"
 #include "host/output/whole_file.h"
 
@@ -20,14 +20,20 @@ class InputFilesWriter : public FileHooks {
         names_(names),
         input_(input),
         detail_(names.TablesOf(input, Format::kDetail), names.PagesOf(input)),
-        events_(names.TablesOf(input, Format::kEvents)) {}
+        events_(names.TablesOf(input, Format::kEvents)),
+        series_table_(names.TablesOf(input, Format::kSeries)) {
+    if (!series_table_.Empty()) series_.Add(&series_table_);
+    if (SeriesSink* const page = detail_.Series()) series_.Add(page);
+  }
 
   DetailSink* Detail() override { return detail_.Sink(); }
   EventSink* Events() override { return events_.Empty() ? nullptr : &events_; }
+  SeriesSink* Series() override { return series_.Empty() ? nullptr : &series_; }
 
   void Finish(const Report& report) override {
     detail_.Finish(report);
     events_.Finish();
+    series_table_.Finish();
     for (const OutputFormat& row : kFormats) {
       if (row.write == nullptr || !settings_.InFolder(row.format)) continue;
       WriteWholeFile(names_.InFolder(input_, row.format), row.write(report, TextStyle()));
@@ -40,6 +46,8 @@ class InputFilesWriter : public FileHooks {
   std::size_t input_;
   DetailOutputs detail_;
   EventOutputs events_;
+  SeriesOutputs series_table_;
+  SeriesFanOut series_;
 };
 
 }  // namespace
@@ -57,8 +65,8 @@ ReportSinks::ReportSinks(const OutputSettings& settings, std::vector<std::string
     const std::string& path = settings.File(row.format);
     if (row.stream && !path.empty()) open(row.format, path);
   }
-  const bool events_on_output = settings.File(Format::kEvents) == "-";
-  const bool nothing_asked_for = streams_.empty() && settings.folder.empty() && !events_on_output;
+  const bool table_on_output = settings.File(Format::kEvents) == "-" || settings.File(Format::kSeries) == "-";
+  const bool nothing_asked_for = streams_.empty() && settings.folder.empty() && !table_on_output;
   if (nothing_asked_for && !settings.quiet) open(Format::kText, "-");
 }
 

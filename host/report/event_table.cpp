@@ -18,10 +18,6 @@ using analysis::Event;
 using analysis::EventKind;
 using Json = nlohmann::ordered_json;
 
-bool EndsWith(std::string_view text, std::string_view ending) {
-  return text.size() >= ending.size() && text.substr(text.size() - ending.size()) == ending;
-}
-
 /// Sizes of clock events are milliseconds and go into the evidence.
 bool HasSizeInCycles(const Event& event) {
   return !event.sizes.empty() && event.kind != EventKind::kReceiverClockReset &&
@@ -97,13 +93,8 @@ const char* const kEventCsvHeading =
     "time_gpst,satellite,elevation_deg,kind,signals,size_cycles,sure,score,margin,gap_s,loss_of_lock,"
     "evidence\n";
 
-EventForm EventFormOf(std::string_view path) {
-  if (EndsWith(path, ".gz")) path.remove_suffix(3);
-  return EndsWith(path, ".jsonl") ? EventForm::kJsonLines : EventForm::kCsv;
-}
-
-std::string EventLine(const Event& event, EventForm form) {
-  return form == EventForm::kCsv ? CsvLine(event) : JsonLine(event);
+std::string EventLine(const Event& event, TableForm form) {
+  return form == TableForm::kCsv ? CsvLine(event) : JsonLine(event);
 }
 
 std::string EventsJson(const AnalysisReport& report) {
@@ -115,9 +106,9 @@ std::string EventsJson(const AnalysisReport& report) {
   return text + "]}\n";
 }
 
-EventTable::EventTable(EventForm form, std::function<void(std::string_view)> write)
+EventTable::EventTable(TableForm form, std::function<void(std::string_view)> write)
     : form_(form), write_(std::move(write)) {
-  if (form_ == EventForm::kCsv) write_(kEventCsvHeading);
+  if (form_ == TableForm::kCsv) write_(kEventCsvHeading);
 }
 
 }  // namespace orsolva_host

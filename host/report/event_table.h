@@ -9,19 +9,15 @@
 
 #include "host/report/event_sink.h"
 #include "host/report/report.h"
+#include "host/report/table_form.h"
 
 namespace orsolva_host {
-
-enum class EventForm { kCsv, kJsonLines };
-
-/// By the ending of a file: .jsonl, or .jsonl.gz, is JSON lines; any other is CSV.
-EventForm EventFormOf(std::string_view path);
 
 /// The first line of the table as CSV, with its line feed.
 extern const char* const kEventCsvHeading;
 
 /// One event as a line. Absent values are empty in CSV and null in JSON.
-std::string EventLine(const analysis::Event& event, EventForm form);
+std::string EventLine(const analysis::Event& event, TableForm form);
 
 /// The events of a report as one JSON object, "events" in their order and "further" how many are left out.
 std::string EventsJson(const AnalysisReport& report);
@@ -29,12 +25,12 @@ std::string EventsJson(const AnalysisReport& report);
 class EventTable : public EventSink {
  public:
   /// @param write  takes pieces of the table in order
-  EventTable(EventForm form, std::function<void(std::string_view)> write);
+  EventTable(TableForm form, std::function<void(std::string_view)> write);
 
   void Add(const analysis::Event& event) override { write_(EventLine(event, form_)); }
 
  private:
-  EventForm form_;
+  TableForm form_;
   std::function<void(std::string_view)> write_;
 };
 

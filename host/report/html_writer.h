@@ -7,15 +7,17 @@
 
 #include "host/report/detail_collector.h"
 #include "host/report/report.h"
+#include "host/report/series_collector.h"
 
 namespace orsolva_host {
 
 constexpr std::size_t kMostPageBytes = 5'800'000;
 
 /// The report's page. The data are the JSON report with its satellites (without the analysis of their single
-/// signals), the events of the analysis and the collected detail, compressed.
+/// signals), the events of the analysis, its figures over time and the collected detail, compressed.
 /// The detail is thinned until the page has no more than `most_bytes`, or few points are left.
-std::string WriteHtml(const Report& report, DetailCollector& detail, std::size_t most_bytes = kMostPageBytes);
+std::string WriteHtml(const Report& report, DetailCollector& detail, const SeriesCollector& series,
+                      std::size_t most_bytes = kMostPageBytes);
 
 }  // namespace orsolva_host
 

@@ -22,12 +22,13 @@ ScatterByElevation SeriesOf(int values, double interval_s, const std::function<d
                             double elevation_deg = 45) {
   MovingScatter moving;
   ScatterByElevation sums;
+  JudgedBlocks blocks;
   for (int k = 0; k < values; ++k) {
     const double t = k * interval_s;
     moving.Add(kMadeStart_ns + static_cast<std::int64_t>(t * 1e9), value_at(t), elevation_deg,
-               IsUp(elevation_deg, kCutoff_deg), sums);
+               IsUp(elevation_deg, kCutoff_deg), sums, blocks);
   }
-  moving.End(sums);
+  moving.End(sums, blocks);
   return sums;
 }
 
@@ -75,12 +76,32 @@ TEST(MovingScatter, HolesAreTime) {
   NormalNoise noise(4);
   MovingScatter moving;
   ScatterByElevation sums;
+  JudgedBlocks blocks;
   for (int k = 0; k < 4000; ++k) {
     if (k % 100 < 15) continue;
-    moving.Add(kMadeStart_ns + k * MovingScatter::kBlock_ns, noise(), 45, true, sums);
+    moving.Add(kMadeStart_ns + k * MovingScatter::kBlock_ns, noise(), 45, true, sums, blocks);
   }
-  EXPECT_TRUE(moving.End(sums));
+  EXPECT_TRUE(moving.End(sums, blocks));
   EXPECT_NEAR(*sums.Rms(1), 1, 0.05);
+}
+
+TEST(MovingScatter, EveryBlockFromTheCutOffUpIsJudgedOnceWithItsTime) {
+  MovingScatter moving;
+  ScatterByElevation sums;
+  JudgedBlocks blocks;
+  blocks.Keep();
+  std::vector<std::int64_t> times;
+  for (int k = 0; k < 200; ++k) {
+    if (k % 10 == 3) continue;
+    const bool up = k < 150;
+    const std::int64_t time_ns = kMadeStart_ns + k * MovingScatter::kBlock_ns;
+    moving.Add(time_ns, k % 2, 45, up, sums, blocks);
+    if (up) times.push_back(time_ns / MovingScatter::kBlock_ns * MovingScatter::kBlock_ns);
+  }
+  EXPECT_TRUE(moving.End(sums, blocks));
+  std::vector<std::int64_t> judged;
+  for (const JudgedBlock& block : blocks.Take()) judged.push_back(block.time_ns);
+  EXPECT_EQ(judged, times);
 }
 
 TEST(MovingScatter, CountsByElevationAndFromTheCutOffUp) {

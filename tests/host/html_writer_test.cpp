@@ -166,9 +166,9 @@ TEST_F(Collected, APageTooLargeIsThinnedUntilItFits) {
   detail->EndBatch();
   detail->Finish(total_code_qc_result{});
   EXPECT_EQ(detail->Stride(), 1U);
-  const std::size_t whole = WriteHtml(orsolva_host::Report(), *detail).size();
+  const std::size_t whole = WriteHtml(orsolva_host::Report(), *detail, {}).size();
   EXPECT_EQ(detail->Stride(), 1U);
-  const std::string page = WriteHtml(orsolva_host::Report(), *detail, whole - 4000);
+  const std::string page = WriteHtml(orsolva_host::Report(), *detail, {}, whole - 4000);
   EXPECT_LE(page.size(), whole - 4000);
   EXPECT_GT(detail->Stride(), 1U);
 }
@@ -254,7 +254,7 @@ TEST(Page, NamesOfFilesAndHeadersCannotLeaveTheirScript) {
   report.run.marker = "</script><script>alert(1)</script>";
   report.run.observation_file = "<img src=x>.rnx";
   DetailCollector nothing;
-  const std::string page = WriteHtml(report, nothing);
+  const std::string page = WriteHtml(report, nothing, {});
   EXPECT_EQ(page.find("<script>alert"), std::string::npos);
   EXPECT_EQ(page.find("<img"), std::string::npos);
   EXPECT_NE(page.find("\\u003cimg src=x>.rnx"), std::string::npos);

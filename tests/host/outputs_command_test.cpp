@@ -131,6 +131,25 @@ TEST(Events, OfSeveralFilesNeedAFolder) {
   EXPECT_EQ(both.code, 2);
 }
 
+TEST(Series, AreTheSameInEveryForm) {
+  ORSOLVA_NEED_FILE(Hour());
+  const Folder folder;
+  const std::string run = "qc --no-config --quiet " + Hour() + " --series ";
+  const std::string csv = folder / "s.csv", lines = folder / "s.jsonl";
+  ASSERT_EQ(Orsolva(run + csv).code, 0);
+  ASSERT_EQ(Orsolva(run + lines).code, 0);
+  const std::string table = ReadText(csv);
+  EXPECT_EQ(table.substr(0, table.find(',')), "time_gpst");
+  std::size_t bins = 0;
+  for (std::size_t at = 0; (at = table.find("0.000,,,,,", at)) != std::string::npos; ++at) ++bins;
+  EXPECT_EQ(bins, 2U) << "the station has a row in every five of the ten minutes";
+  EXPECT_EQ(LinesOf(ReadText(lines)) + 1, LinesOf(table));
+  EXPECT_EQ(Orsolva(run + "-").out, table);
+  const std::string out = folder / "out";
+  ASSERT_EQ(Orsolva("qc --no-config --quiet " + Hour() + " --output " + out + " --formats series").code, 0);
+  EXPECT_EQ(ReadText(out + "/KMS300DNK_R_20221591000_01H_30S_MO.series.csv"), table);
+}
+
 TEST(Outputs, StemsOfManyFilesLeaveTheNamesOfTheTablesFree) {
   EXPECT_EQ(orsolva_host::OutputStems({"index.rnx", "network.21O", "network.rnx"}),
             (std::vector<std::string>{"index-2", "network.21O", "network-2"}));

@@ -112,6 +112,9 @@ void CodeMultipath::AddStep(const StepOutcome& outcome) {
   Satellite& satellite = satellites_[track.satellite];
   if (outcome.rearranged) {
     Arrange(satellite.signals, outcome);
+    if (keeps_blocks_) {
+      for (Signal& signal : satellite.signals) signal.blocks.Keep();
+    }
     FindPartners(track, satellite);
   }
   if (outcome.begins_arc) {
@@ -174,7 +177,7 @@ void CodeMultipath::AddPhase(const Place& at, std::size_t place, Satellite& sate
   run.last_ns = at.time_ns;
   run.last_m = value;
   if (run.lone) return;
-  run.moving.Add(at.time_ns, value, at.elevation_deg, at.up, signal.sums.moving);
+  run.moving.Add(at.time_ns, value, at.elevation_deg, at.up, signal.sums.moving, signal.blocks);
   if (!at.up) return;
   run.arc.Add(value);
   if (CountsWideLane(at, place, satellite)) AddWideLane(at, place, run);
@@ -235,13 +238,27 @@ void CodeMultipath::End(Signal& signal) {
   Run& run = signal.run;
   const bool open = run.open && !run.lone;
   run.open = false;
-  if (!open || !run.moving.End(signal.sums.moving)) return;
+  if (!open || !run.moving.End(signal.sums.moving, signal.blocks)) return;
   signal.sums.arcs.Add(run.arc);
   MultipathSums::ByPartner& with = signal.sums.With(run.partner);
   with.values += run.arc.count;
   with.wide_lane.Add(run.wide_lane);
   if (run.wide_lane.count > 1)
     with.wide_lane_squares += run.wide_lane.AboutMean() * run.wide_lane_m * run.wide_lane_m;
+}
+
+void CodeMultipath::EndBefore(std::int64_t decided_ns) {
+  satellites_.ForEach([&](SatelliteId, Satellite& satellite) {
+    for (Signal& signal : satellite.signals) {
+      if (signal.run.open && decided_ns - signal.run.last_ns > kLongestHole_ns) End(signal);
+    }
+  });
+}
+
+void CodeMultipath::EndAll() {
+  satellites_.ForEach([](SatelliteId, Satellite& satellite) {
+    for (Signal& signal : satellite.signals) End(signal);
+  });
 }
 
 void CodeMultipath::FillIn(AnalysisResult& result) const {

@@ -72,6 +72,22 @@ class CodeMultipath {
   void SetInterval(double interval_s);
   void AddStep(const StepOutcome& outcome);
 
+  /// From now on judged blocks are kept until TakeBlocks.
+  void KeepBlocks() { keeps_blocks_ = true; }
+  /// Ends the runs that a hole has ended. @param decided_ns  time before which all steps are decided
+  void EndBefore(std::int64_t decided_ns);
+  /// Ends all runs: no step follows.
+  void EndAll();
+  /// Calls action(SatelliteId, SignalCode, const JudgedBlock&) for the blocks judged since the last call.
+  template <typename Action>
+  void TakeBlocks(Action action) {
+    satellites_.ForEach([&](SatelliteId id, Satellite& satellite) {
+      for (Signal& signal : satellite.signals) {
+        for (const JudgedBlock& block : signal.blocks.Take()) action(id, signal.code, block);
+      }
+    });
+  }
+
   void FillIn(AnalysisResult& result) const;
 
  private:
@@ -97,6 +113,7 @@ class CodeMultipath {
     SignalCode code;
     Run run;
     MultipathSums sums;
+    JudgedBlocks blocks;
   };
   struct Satellite {
     std::vector<Signal> signals;  ///< by number
@@ -123,6 +140,7 @@ class CodeMultipath {
   static void End(Signal& signal);
 
   double cutoff_deg_;
+  bool keeps_blocks_ = false;
   std::int64_t longest_step_ns_ = 0;  ///< between consecutive epochs
   PerSatellite<Satellite> satellites_;
 };

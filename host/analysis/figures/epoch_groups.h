@@ -29,6 +29,9 @@ class EpochGroups {
   /// @param station  null where its position is not known
   void AddEpoch(const ObservationEpoch& epoch, const Station* station);
 
+  const SignalRoster& Roster() const { return roster_; }
+  const Sky& TheSky() const { return *sky_; }
+
   void FillIn(AnalysisResult& result) const;
 
  private:

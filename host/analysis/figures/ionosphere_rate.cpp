@@ -46,7 +46,7 @@ void IonosphereRate::AddEpoch(std::int64_t time_ns) {
 
 void IonosphereRate::CloseWindows(std::int64_t before) {
   satellites_.ForEach([&](SatelliteId id, Satellite& satellite) {
-    if (satellite.window < before) CloseWindow(satellite, systems_[id.system]);
+    if (satellite.window < before) Close(id, satellite);
   });
   for (auto& [letter, system] : systems_) system.Close(before);
 }
@@ -66,22 +66,29 @@ void IonosphereRate::AddStep(const StepOutcome& outcome) {
 
 void IonosphereRate::AddRate(const StepOutcome& outcome, Satellite& satellite) {
   const std::int64_t window = outcome.state->time_ns / kWindow_ns;
-  if (window != satellite.window) CloseWindow(satellite, systems_[outcome.track->satellite.system]);
+  if (window != satellite.window) Close(outcome.track->satellite, satellite);
   satellite.window = window;
   satellite.rates.Add(60 * satellite.tecu / satellite.time_s);
   satellite.tecu = satellite.time_s = 0;
 }
 
-void IonosphereRate::CloseWindow(Satellite& satellite, System& system) const {
+void IonosphereRate::Close(SatelliteId id, Satellite& satellite) {
+  const std::optional<double> roti = CloseWindow(satellite, systems_[id.system]);
+  if (roti && keeps_windows_) windows_.push_back({id, satellite.window * kWindow_ns, *roti});
+}
+
+/// @return its ROTI, absent with too few rates
+std::optional<double> IonosphereRate::CloseWindow(Satellite& satellite, System& system) const {
   const Scatter rates = satellite.rates;
   satellite.rates = Scatter();
   const double expected = kWindow_s / std::max(kRateStep_s, interval_s_);
-  if (rates.count < 2 || static_cast<double>(rates.count) < 0.5 * expected) return;
+  if (rates.count < 2 || static_cast<double>(rates.count) < 0.5 * expected) return std::nullopt;
   const double roti = std::sqrt(rates.AboutMean() / static_cast<double>(rates.count - 1));
   system.roti.Add(roti);
   Window& window = system.open[satellite.window];
   ++window.satellites;
   window.disturbed += roti > kDisturbed;
+  return roti;
 }
 
 /// Counts the windows of the station before one.

@@ -17,6 +17,8 @@
 #include <array>
 #include <cstdint>
 #include <map>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include "host/analysis/analysis_result.h"
@@ -27,6 +29,13 @@
 
 namespace orsolva_host::analysis {
 
+/// The ROTI of a satellite in a window.
+struct RotiWindow {
+  SatelliteId satellite;
+  std::int64_t time_ns = 0;  ///< at which the window begins
+  double roti = 0;           ///< TECU/min
+};
+
 class IonosphereRate {
  public:
   explicit IonosphereRate(double cutoff_deg) : cutoff_deg_(cutoff_deg) {}
@@ -36,6 +45,12 @@ class IonosphereRate {
   void AddEpoch(std::int64_t time_ns);
   void AddStep(const StepOutcome& outcome);
   void AddEvent(const Event& event);
+
+  /// From now on windows are kept until TakeWindows.
+  void KeepWindows() { keeps_windows_ = true; }
+  /// Ends all windows: no step follows.
+  void EndAll() { CloseWindows(window_ + 1); }
+  std::vector<RotiWindow> TakeWindows() { return std::exchange(windows_, {}); }
 
   void FillIn(AnalysisResult& result) const;
 
@@ -61,7 +76,8 @@ class IonosphereRate {
   };
 
   void AddRate(const StepOutcome& outcome, Satellite& satellite);
-  void CloseWindow(Satellite& satellite, System& system) const;
+  std::optional<double> CloseWindow(Satellite& satellite, System& system) const;
+  void Close(SatelliteId id, Satellite& satellite);
   void CloseWindows(std::int64_t before);
 
   double cutoff_deg_;
@@ -69,6 +85,8 @@ class IonosphereRate {
   std::int64_t window_ = 0;  ///< of the newest epoch
   std::map<char, System> systems_;
   PerSatellite<Satellite> satellites_;
+  bool keeps_windows_ = false;
+  std::vector<RotiWindow> windows_;  ///< ended, until taken
 };
 
 }  // namespace orsolva_host::analysis

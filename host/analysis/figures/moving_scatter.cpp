@@ -36,11 +36,12 @@ std::vector<ElevationBin> ScatterByElevation::Bins(Count least) const {
 }
 
 void MovingScatter::Add(std::int64_t time_ns, double value, double elevation_deg, bool up,
-                        ScatterByElevation& sums) {
+                        ScatterByElevation& sums, JudgedBlocks& blocks) {
   const std::int64_t number = time_ns / kBlock_ns;
   if (open_.values == 0 && closed_ == 0) number_ = number;
   // Blocks without values count as time, too; more of them than the window holds change nothing.
-  for (std::int64_t k = std::min<std::int64_t>(number - number_, kBlocks + 1); k > 0; --k) Close(sums);
+  for (std::int64_t k = std::min<std::int64_t>(number - number_, kBlocks + 1); k > 0; --k)
+    Close(sums, blocks);
   number_ = number;
   ++open_.values;
   open_.sum += value;
@@ -49,17 +50,17 @@ void MovingScatter::Add(std::int64_t time_ns, double value, double elevation_deg
   open_.up = up;
 }
 
-bool MovingScatter::End(ScatterByElevation& sums) {
-  if (open_.values > 0) Close(sums);
+bool MovingScatter::End(ScatterByElevation& sums, JudgedBlocks& blocks) {
+  if (open_.values > 0) Close(sums, blocks);
   const bool full = Full();
-  for (int k = kHalf + 1; full && k < kBlocks; ++k) Judge(k, sums);
+  for (int k = kHalf + 1; full && k < kBlocks; ++k) Judge(k, sums, blocks);
   *this = MovingScatter();
   return full;
 }
 
 /// Ends the open block. With it the one in the middle of the window, and all before it while it is the first,
 /// can be judged.
-void MovingScatter::Close(ScatterByElevation& sums) {
+void MovingScatter::Close(ScatterByElevation& sums, JudgedBlocks& blocks) {
   const bool was_full = Full();
   if (was_full) {
     const Block& gone = blocks_[static_cast<std::size_t>(oldest_)];
@@ -72,19 +73,22 @@ void MovingScatter::Close(ScatterByElevation& sums) {
   values_ += open_.values;
   sum_ += open_.sum;
   ++closed_;
+  ++number_;
   open_ = Block();
   if (!Full()) return;
-  for (int k = was_full ? kHalf : 0; k <= kHalf; ++k) Judge(k, sums);
+  for (int k = was_full ? kHalf : 0; k <= kHalf; ++k) Judge(k, sums, blocks);
 }
 
 /// @param place  in the window, the oldest block 0
-void MovingScatter::Judge(int place, ScatterByElevation& sums) const {
+void MovingScatter::Judge(int place, ScatterByElevation& sums, JudgedBlocks& blocks) const {
   const Block& block = blocks_[static_cast<std::size_t>(Wrapped(oldest_ + place))];
   if (block.values == 0 || values_ < kMinInWindow) return;
   const double mean = sum_ / values_;
   const double squares = block.squares - mean * (2 * block.sum - block.values * mean);
   const double unbiased = static_cast<double>(values_) / (values_ - 1);
-  sums.Add(std::max(squares, 0.0) * unbiased, block.values, block.bin, block.up);
+  const double judged = std::max(squares, 0.0) * unbiased;
+  sums.Add(judged, block.values, block.bin, block.up);
+  if (block.up) blocks.Add({(number_ - closed_ + place) * kBlock_ns, judged, block.values});
 }
 
 }  // namespace orsolva_host::analysis

@@ -12,6 +12,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "host/analysis/analysis_result.h"
@@ -52,6 +53,27 @@ class ScatterByElevation {
   std::array<Sum, kEdges_deg.size() - 1> bins_;
 };
 
+/// A block that has been judged.
+struct JudgedBlock {
+  std::int64_t time_ns = 0;  ///< at which it begins
+  double squares = 0;
+  int values = 0;
+};
+
+/// Blocks from the cut-off up as they are judged, where someone takes them.
+class JudgedBlocks {
+ public:
+  void Keep() { kept_ = true; }
+  void Add(const JudgedBlock& block) {
+    if (kept_) blocks_.push_back(block);
+  }
+  std::vector<JudgedBlock> Take() { return std::exchange(blocks_, {}); }
+
+ private:
+  bool kept_ = false;
+  std::vector<JudgedBlock> blocks_;
+};
+
 class MovingScatter {
  public:
   static constexpr std::int64_t kBlock_ns = 30'000'000'000;
@@ -60,10 +82,11 @@ class MovingScatter {
 
   /// The next value. What can be judged by now is added to the sums.
   /// @param value  less some value near all, which keeps its square small
-  void Add(std::int64_t time_ns, double value, double elevation_deg, bool up, ScatterByElevation& sums);
+  void Add(std::int64_t time_ns, double value, double elevation_deg, bool up, ScatterByElevation& sums,
+           JudgedBlocks& blocks);
   /// The series ends: judges what is left and forgets everything.
   /// @return whether it was as long as the window
-  bool End(ScatterByElevation& sums);
+  bool End(ScatterByElevation& sums, JudgedBlocks& blocks);
   /// Whether the series is as long as the window.
   bool Full() const { return closed_ == kBlocks; }
 
@@ -76,15 +99,15 @@ class MovingScatter {
     double squares = 0;
   };
 
-  void Close(ScatterByElevation& sums);
-  void Judge(int place, ScatterByElevation& sums) const;
+  void Close(ScatterByElevation& sums, JudgedBlocks& blocks);
+  void Judge(int place, ScatterByElevation& sums, JudgedBlocks& blocks) const;
   static int Wrapped(int place) { return place < kBlocks ? place : place - kBlocks; }
 
   std::array<Block, kBlocks> blocks_;  ///< a ring
   int oldest_ = 0;
   int closed_ = 0;
   Block open_;
-  std::int64_t number_ = 0;  ///< of the open block
+  std::int64_t number_ = 0;  ///< of the open block, which follows the closed ones
   int values_ = 0;           ///< in the closed blocks
   double sum_ = 0;           ///< of them
 };

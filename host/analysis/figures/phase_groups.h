@@ -24,6 +24,10 @@ class PhaseGroups {
   void AddStep(const SatelliteTrack& track, std::int64_t step);
   void AddEvent(const Event& event);
 
+  /// Those whose figures over time are taken.
+  CodeMultipath& Multipath() { return multipath_; }
+  IonosphereRate& Ionosphere() { return ionosphere_; }
+
   void FillIn(AnalysisResult& result) const;
 
  private:

@@ -97,6 +97,7 @@ void Position::AddSolution(const PointSolution& solution, const Station& station
   if (by_phases_m > kMinMotion_m && std::hypot(local[0], local[1]) > kMinMotion_m) ++far_;
   if (last_) changes_.Add(std::hypot(local[0] - (*last_)[0], local[1] - (*last_)[1]));
   last_ = local;
+  last_solution_ = {solution.pdop, local};
 }
 
 void Position::AddStep(const ReceiverStep& step) {

@@ -37,12 +37,20 @@ namespace orsolva_host::analysis {
 
 class Position {
  public:
+  /// Of one epoch.
+  struct Solution {
+    double pdop = kAbsent;
+    Vector3 enu_m = {};  ///< east, north and up of the first position used
+  };
+
   Position();
 
   /// Solves an epoch. @return the receiver clock, m: of GPS where it is there, else of the first of GLONASS,
   /// Galileo and BDS; NaN without a solution
   double AddRanges(const ObservationEpoch& epoch, const Station& station,
                    const std::vector<ModelledSatellite>& satellites);
+  /// Of the epoch added last that has one.
+  const Solution& Last() const { return last_solution_; }
   /// Takes the step that leads to an epoch.
   void AddStep(const ReceiverStep& step);
 
@@ -64,6 +72,7 @@ class Position {
   QuantileHistogram changes_;  ///< from solution to solution, horizontal
   QuantileHistogram pdops_;
   std::optional<Vector3> last_;
+  Solution last_solution_;
   Count solutions_ = 0, failed_ = 0, one_band_ = 0;
   Count steps_ = 0, shifts_ = 0, far_ = 0;
   double squares_m2_ = 0;

@@ -15,10 +15,15 @@ namespace orsolva_host::analysis {
 class ReceiverGroups {
  public:
   void Begin(double interval_s) { clock_.Start(interval_s); }
-  void AddRanges(const ObservationEpoch& epoch, const Station& station,
-                 const std::vector<ModelledSatellite>& satellites) {
-    clock_.AddOffset(epoch.time_ns, position_.AddRanges(epoch, station, satellites));
+  /// @return the receiver clock of the epoch's solution, m; NaN without one
+  double AddRanges(const ObservationEpoch& epoch, const Station& station,
+                   const std::vector<ModelledSatellite>& satellites) {
+    const double clock_m = position_.AddRanges(epoch, station, satellites);
+    clock_.AddOffset(epoch.time_ns, clock_m);
+    return clock_m;
   }
+  /// Of the epoch added last that has one.
+  const Position::Solution& LastSolution() const { return position_.Last(); }
   void AddEpoch(const ObservationEpoch& epoch, const ReceiverStep& step) {
     position_.AddStep(step);
     clock_.AddStep(epoch.time_ns, step);

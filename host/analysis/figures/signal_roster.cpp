@@ -17,6 +17,21 @@ void SignalRoster::Take(const ObservationEpoch& epoch) {
   }
 }
 
+std::optional<std::size_t> SignalRoster::Find(SatelliteId id) const {
+  const std::vector<std::size_t>& numbers = by_letter_[static_cast<unsigned char>(id.system) & 127];
+  if (numbers.size() <= id.number || numbers[id.number] == 0) return std::nullopt;
+  return numbers[id.number] - 1;
+}
+
+std::optional<std::size_t> SignalRoster::Find(SatelliteId id, SignalCode code) const {
+  const auto satellite = Find(id);
+  if (!satellite) return std::nullopt;
+  for (const std::size_t number : signals_of_[*satellite]) {
+    if (signals_[number].code == code) return number;
+  }
+  return std::nullopt;
+}
+
 std::size_t SignalRoster::NumberOf(SatelliteId id) {
   std::vector<std::size_t>& numbers = by_letter_[static_cast<unsigned char>(id.system) & 127];
   if (numbers.size() <= id.number) numbers.resize(static_cast<std::size_t>(id.number) + 1);

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "host/observation/observation_epoch.h"
@@ -36,8 +37,13 @@ class SignalRoster {
   std::size_t SatelliteAt(std::size_t place) const { return satellite_at_[place]; }
   std::size_t SignalAt(std::size_t place) const { return signal_at_[place]; }
 
+  std::optional<std::size_t> Find(SatelliteId id) const;
+  std::optional<std::size_t> Find(SatelliteId id, SignalCode code) const;
+
   const std::vector<SatelliteId>& Satellites() const { return satellites_; }
   const std::vector<ListedSignal>& Signals() const { return signals_; }
+  /// In Signals, of a satellite.
+  const std::vector<std::size_t>& SignalsOf(std::size_t satellite) const { return signals_of_[satellite]; }
   const std::vector<SharedSignal>& SharedSignals() const { return shared_; }
 
  private:

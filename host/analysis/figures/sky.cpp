@@ -44,9 +44,9 @@ void Sky::Add(const ObservationEpoch& epoch, const SignalRoster& roster, const S
   }
 }
 
-bool Sky::IsExpected(std::size_t place, Visibility::Level level) const {
-  const Satellite& satellite = satellites_[satellite_at_[place]];
-  return satellite.number && expected_.IsExpected(*satellite.number, level);
+bool Sky::IsSatelliteExpected(std::size_t satellite, Visibility::Level level) const {
+  const std::optional<std::size_t>& number = satellites_[satellite].number;
+  return number && expected_.IsExpected(*number, level);
 }
 
 const ExpectedEpochs::Counts* Sky::CountsOf(std::size_t satellite) const {

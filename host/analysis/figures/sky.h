@@ -37,7 +37,11 @@ class Sky {
   /// Of a satellite of the epoch taken last; NaN where it is not known.
   double ElevationDegrees(std::size_t place) const { return elevations_deg_[place]; }
   /// Whether a satellite of the epoch taken last was counted as expected in it.
-  bool IsExpected(std::size_t place, Visibility::Level level) const;
+  bool IsExpected(std::size_t place, Visibility::Level level) const {
+    return IsSatelliteExpected(satellite_at_[place], level);
+  }
+  /// The same of a satellite of the roster, which the epoch need not hold.
+  bool IsSatelliteExpected(std::size_t satellite, Visibility::Level level) const;
 
   /// Counts of a satellite of the roster; null where there is no orbit of it.
   const ExpectedEpochs::Counts* CountsOf(std::size_t satellite) const;

@@ -28,11 +28,12 @@ require_packages() {
 }
 
 build_packages=(g++ cmake ninja-build pkg-config libfmt-dev libcli11-dev nlohmann-json3-dev libtomlplusplus-dev zlib1g-dev libarchive-dev)
-test_packages=(python3-jsonschema libgtest-dev binutils python3)
+test_packages=(python3-jsonschema libgtest-dev binutils python3 python3-venv python3-dev)
 ci_packages=(ccache clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev valgrind zsh fish)
 web_packages=(chromium fonts-dejavu-core)
 aarch64_packages=(g++-aarch64-linux-gnu qemu-user cmake ninja-build googletest python3)
 mingw_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine64 cmake ninja-build googletest python3)
 docs_packages=(doxygen)
 bench_packages=(libbenchmark-dev linux-perf valgrind python3-matplotlib)
+wheel_packages=(python3-venv python3-dev libarchive-dev libbz2-dev liblzma-dev libzstd-dev nettle-dev)
 package_packages=(dpkg-dev file lintian debootstrap)

@@ -43,9 +43,12 @@ class SharedNavigation {
   /// in them
   SharedNavigation(std::vector<std::string> named, const InputLimits& limits)
       : named_(std::move(named)), limits_(limits) {}
+  /// Of records that are there already; none are looked for.
+  explicit SharedNavigation(std::shared_ptr<const ReadNavigation> read)
+      : read_(std::move(read)), given_(true) {}
 
-  /// Whether none is named.
-  bool Empty() const { return named_.empty(); }
+  /// Whether none is named or given.
+  bool Empty() const { return named_.empty() && !given_; }
 
   /// Reads the files at the first call; never null. May be called from several threads: what it returns does
   /// not change any more.
@@ -56,6 +59,7 @@ class SharedNavigation {
   InputLimits limits_;
   std::mutex mutex_;
   std::shared_ptr<const ReadNavigation> read_;
+  bool given_ = false;
 };
 
 }  // namespace orsolva_host

@@ -4,7 +4,8 @@
 usage: structure_test.py ROOT
 
 Fails when an include of the library points upward or in a circle, when host/ includes more of the library than its
-interface or one of its folders more than those below it, when more than one file includes the argument
+interface or one of its folders more than those below it, when
+python/ includes the command line or the terminal, when more than one file includes the argument
 parser, when an include path leaves its root with "..", when a layer below has no file, when a class of the library
 has no virtual destructor, when CMake is not given a source, or when ARCHITECTURE.md names a path, in its text or in a
 drawing, that is not there.
@@ -43,8 +44,10 @@ HOST_BELOW = {
     "terminal": {"platform"},
     "cli": {"platform", "output", "rinex", "report", "simulator", "judging", "terminal"},
 }
+# What the Python package may include: judging and what is below it, and the simulator; no arguments, no terminal.
+PYTHON_BELOW = HOST_BELOW["judging"] | {"judging", "simulator"}
 # Below these, every source is named in a CMakeLists.txt.
-LISTED = ["bench", "fuzz", "host", "library", "tests"]
+LISTED = ["bench", "fuzz", "host", "library", "python", "tests"]
 # Of the library the host sees its interface, and this table of plain numbers, which must be written once.
 LIBRARY_TABLES = {"toolkit/leap_seconds.h"}
 INCLUDE = re.compile(r'^\s*#\s*include\s*"([^"]+)"', re.M)
@@ -53,7 +56,7 @@ ARGUMENT_PARSER = re.compile(r"^\s*#\s*include\s*<CLI/", re.M)
 CLASS = re.compile(r"^(?:template <.*>\n)?class (\w+)( : public [\w:]+)? \{", re.M)
 DRAWING = re.compile(r"^```\n(.*?)^```", re.M | re.S)
 DRAWN = re.compile(r"(?<![\w/.])((?:interface|toolkit|matrix|navigation|qc|measures|results)/[\w.]*)")
-PATH = re.compile(r"`((?:library|host|tests|docs|scripts|bench|fuzz|examples|cmake)/[^`*]*)`")
+PATH = re.compile(r"`((?:library|host|python|tests|docs|scripts|bench|fuzz|examples|cmake)/[^`*]*)`")
 
 
 def layer_of(path):
@@ -146,6 +149,16 @@ def check_host(root, problems):
                 problems.append(f"{name}: includes {include}, which is not a public header of the library")
 
 
+def check_python(root, problems):
+    for file in sorted((root / "python").rglob("*.[hc]*")):
+        for include in includes_of(file) if file.suffix in (".h", ".cpp") else []:
+            parts = include.split("/")
+            if parts[0] == "host" and parts[1] not in PYTHON_BELOW:
+                problems.append(f"{file.relative_to(root)}: includes {include} from a layer above")
+            elif (root / "library" / include).is_file() or include.startswith("library/"):
+                problems.append(f"{file.relative_to(root)}: includes {include}, which is not a public header of the library")
+
+
 def check_destructors(root, problems):
     """A class of the library has a virtual destructor; plain data are structs. The header-only wrapper is no part."""
     for file in sorted((root / "library").rglob("*.[hc]*")):
@@ -158,7 +171,7 @@ def check_destructors(root, problems):
 
 
 def check_relative(root, problems):
-    for top in ("library", "host", "tests", "bench", "fuzz", "examples"):
+    for top in ("library", "host", "python", "tests", "bench", "fuzz", "examples"):
         for file in sorted((root / top).rglob("*.[hc]*")):
             if file.suffix in (".h", ".hpp", ".cpp") and any(".." in include for include in includes_of(file)):
                 problems.append(f"{file.relative_to(root)}: include path with ..")
@@ -166,7 +179,7 @@ def check_relative(root, problems):
 
 def check_public(root, problems):
     """A public header is named the same way here and in an installed tree."""
-    for top in ("host", "tests", "bench", "fuzz", "examples"):
+    for top in ("host", "python", "tests", "bench", "fuzz", "examples"):
         for file in sorted((root / top).rglob("*.[hc]*")):
             for include in includes_of(file) if file.suffix in (".h", ".hpp", ".cpp") else []:
                 if include.startswith("orsolva/"):
@@ -223,6 +236,7 @@ def main():
     check_library(root, problems)
     check_layers(root, problems)
     check_host(root, problems)
+    check_python(root, problems)
     check_destructors(root, problems)
     check_relative(root, problems)
     check_public(root, problems)

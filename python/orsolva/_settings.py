@@ -1,0 +1,101 @@
+"""Arguments of runs: of the right type before anything is computed. Ranges are checked by the native module."""
+from __future__ import annotations
+
+import math
+import numbers
+import os
+from collections.abc import Sequence
+from typing import Any, Union
+
+from ._errors import ArgumentError, ArgumentTypeError
+
+Position = Union[str, Sequence[float]]
+
+
+def path_of(name: str, path: object) -> str:
+    """A path as text.
+
+    Raises:
+        ArgumentTypeError: when it is no path
+        ArgumentError: when it is "-", which means standard input to the command only
+    """
+    try:
+        text = os.fspath(path)  # type: ignore[call-overload]
+    except TypeError:
+        raise ArgumentTypeError(f"{name}: found {type(path).__name__}, expected a path") from None
+    if not isinstance(text, str):
+        text = os.fsdecode(text)
+    if text == "-":
+        raise ArgumentError(f"{name}: standard input is read by the command only; give a file")
+    if not text or "\0" in text:
+        raise ArgumentError(f"{name}: found {text!r}, expected a path")
+    return text
+
+
+def real(name: str, value: object) -> float:
+    """A finite number as float."""
+    if isinstance(value, bool) or not isinstance(value, numbers.Real):
+        raise ArgumentTypeError(f"{name}: found {type(value).__name__}, expected a number")
+    number = float(value)
+    if not math.isfinite(number):
+        raise ArgumentError(f"{name}: found {number}, expected a finite number")
+    return number
+
+
+def text(name: str, value: object) -> str:
+    if not isinstance(value, str):
+        raise ArgumentTypeError(f"{name}: found {type(value).__name__}, expected a text")
+    return value
+
+
+def texts(name: str, values: object) -> list[str]:
+    """A list of texts; a single text is none, as its letters would be taken one by one."""
+    if isinstance(values, str) or not isinstance(values, Sequence):
+        raise ArgumentTypeError(f"{name}: found {type(values).__name__}, expected a list of texts")
+    return [text(name, value) for value in values]
+
+
+def _position(value: object) -> str | tuple[float, ...]:
+    if isinstance(value, str):
+        return value
+    try:
+        xyz = tuple(real("position", x) for x in value)  # type: ignore[attr-defined]
+    except TypeError as error:
+        if isinstance(error, ArgumentTypeError):
+            raise
+        raise ArgumentTypeError(
+            f"position: found {type(value).__name__}, expected 'spp', 'header' or (x, y, z) in metres"
+        ) from None
+    if len(xyz) != 3:
+        raise ArgumentError(f"position: found {len(xyz)} numbers, expected x, y, z in metres")
+    return xyz
+
+
+def _flag(name: str, value: object) -> bool:
+    if not isinstance(value, bool):
+        raise ArgumentTypeError(f"{name}: found {type(value).__name__}, expected True or False")
+    return value
+
+
+def _size(value: object) -> int:
+    if isinstance(value, bool) or not isinstance(value, int):
+        raise ArgumentTypeError(f"max_size: found {type(value).__name__}, expected a number of bytes")
+    if not 1 <= value < 2**63:
+        raise ArgumentError(f"max_size: found {value}, expected a number of bytes")
+    return value
+
+
+def run_arguments(**given: Any) -> dict[str, Any]:
+    """The arguments of a run, of the types that the native module takes."""
+    makers = {
+        "elevation_deg": lambda v: real("elevation_deg", v),
+        "interval_s": lambda v: real("interval_s", v),
+        "position": _position,
+        "systems": lambda v: text("systems", v),
+        "exclude": lambda v: texts("exclude", v),
+        "profile": lambda v: path_of("profile", v),
+        "snr_from_strength": lambda v: _flag("snr_from_strength", v),
+        "strict": lambda v: _flag("strict", v),
+        "max_size": _size,
+    }
+    return {name: None if value is None else makers[name](value) for name, value in given.items()}

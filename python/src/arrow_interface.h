@@ -1,0 +1,47 @@
+// The structures of the Arrow C data and C stream interfaces, as their specification gives them
+// (https://arrow.apache.org/docs/format/CDataInterface.html).
+#ifndef ORSOLVA_PYTHON_ARROW_INTERFACE_H
+#define ORSOLVA_PYTHON_ARROW_INTERFACE_H
+
+#include <cstdint>
+
+namespace orsolva_python {
+
+constexpr std::int64_t kArrowNullable = 2;
+
+struct ArrowSchema {
+  const char* format;
+  const char* name;
+  const char* metadata;
+  std::int64_t flags;
+  std::int64_t n_children;
+  ArrowSchema** children;
+  ArrowSchema* dictionary;
+  void (*release)(ArrowSchema*);
+  void* private_data;
+};
+
+struct ArrowArray {
+  std::int64_t length;
+  std::int64_t null_count;
+  std::int64_t offset;
+  std::int64_t n_buffers;
+  std::int64_t n_children;
+  const void** buffers;
+  ArrowArray** children;
+  ArrowArray* dictionary;
+  void (*release)(ArrowArray*);
+  void* private_data;
+};
+
+struct ArrowArrayStream {
+  int (*get_schema)(ArrowArrayStream*, ArrowSchema* out);
+  int (*get_next)(ArrowArrayStream*, ArrowArray* out);
+  const char* (*get_last_error)(ArrowArrayStream*);
+  void (*release)(ArrowArrayStream*);
+  void* private_data;
+};
+
+}  // namespace orsolva_python
+
+#endif  // ORSOLVA_PYTHON_ARROW_INTERFACE_H

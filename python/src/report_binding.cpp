@@ -1,0 +1,211 @@
+#include "python/src/report_binding.h"
+
+#include <nanobind/stl/optional.h>
+#include <nanobind/stl/shared_ptr.h>
+#include <nanobind/stl/string.h>
+#include <nanobind/stl/unique_ptr.h>
+#include <nanobind/stl/vector.h>
+
+#include <chrono>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/judging/inputs.h"
+#include "host/judging/judge_file.h"
+#include "host/judging/judging_pool.h"
+#include "host/report/csv_writer.h"
+#include "host/report/figures.h"
+#include "host/report/html_writer.h"
+#include "host/report/json_writer.h"
+#include "host/report/sum_writer.h"
+#include "host/report/text_writer.h"
+#include "python/src/errors.h"
+#include "python/src/judging_calls.h"
+#include "python/src/navigation_binding.h"
+#include "python/src/report_records.h"
+#include "python/src/report_tables.h"
+#include "python/src/settings.h"
+#include "python/src/table_binding.h"
+#include "python/src/waiting.h"
+
+namespace orsolva_python {
+namespace {
+
+namespace nb = nanobind;
+using namespace orsolva_host;
+
+using ReportPtr = std::shared_ptr<FinishedReport>;
+
+/// The report as the command has it with or without --sats.
+Report WithSatellites(const Report& report, bool satellites) {
+  Report copy = report;
+  copy.show_satellites = copy.show_satellite_signals = satellites;
+  return copy;
+}
+
+std::string Json(const FinishedReport& finished, bool satellites) {
+  const nb::gil_scoped_release release;
+  return WriteJson(WithSatellites(finished.report, satellites));
+}
+
+std::string Text(const FinishedReport& finished, std::size_t width, bool satellites) {
+  constexpr std::size_t kNarrowest = 40;
+  if (width < kNarrowest) throw ArgumentError("width: expected at least 40 columns");
+  const nb::gil_scoped_release release;
+  return WriteText(WithSatellites(finished.report, satellites), {width, false});
+}
+
+std::string Html(FinishedReport& finished) {
+  if (!finished.page) {
+    throw RunError("the report was made with page=False, so that it has no data for its page.");
+  }
+  const nb::gil_scoped_release release;
+  const std::lock_guard<std::mutex> lock(finished.page_mutex);
+  return WriteHtml(finished.report, *finished.page, finished.series);
+}
+
+std::shared_ptr<Table> TableOf(const FinishedReport& finished, const std::string& name) {
+  const nb::gil_scoped_release release;
+  if (name == "arcs") {
+    return finished.page ? std::make_shared<Table>(ArcTable(*finished.page)) : nullptr;
+  }
+  for (const ReportTable& row : ReportTables()) {
+    if (name == row.name) return std::make_shared<Table>(row.make(finished.report));
+  }
+  throw ArgumentError("a report has no table '" + name + "'");
+}
+
+ReportPtr Qc(const std::string& path, const Navigation& navigation, const nb::dict& arguments, bool page,
+             bool detail, const nb::object& progress) {
+  const JudgingSettings settings = SettingsFrom(arguments);
+  ReportPtr report;
+  RunMonitor monitor;
+  RunInterruptibly(
+      [&] {
+        report = JudgedFile(path, settings, *navigation.shared, {page, detail}, monitor);
+      },
+      monitor, progress);
+  return report;
+}
+
+/// Files on several threads; outcomes one by one, in order.
+class ManyFiles {
+ public:
+  ManyFiles(const std::vector<std::string>& paths, const std::vector<std::string>& navigation,
+            const nb::dict& arguments, unsigned jobs, nb::object progress)
+      : inputs_(InputsOf(paths, navigation)), progress_(std::move(progress)) {
+    PoolOptions options;
+    options.threads = jobs;
+    if (inputs_.observations.empty()) throw RunError("no observation file among the paths.");
+    const JudgingSettings settings = SettingsFrom(arguments);
+    pool_ = std::make_unique<JudgingPool>(inputs_.observations, settings, inputs_.navigation, options);
+  }
+  ~ManyFiles() {
+    const nb::gil_scoped_release release;
+    pool_.reset();
+  }
+  ManyFiles(const ManyFiles&) = delete;
+  ManyFiles& operator=(const ManyFiles&) = delete;
+
+  std::size_t Size() const { return inputs_.observations.size(); }
+  /// (file, report or None, error). @throws nanobind::stop_iteration after the last
+  nb::tuple Next();
+
+ private:
+  RunInputs inputs_;
+  nb::object progress_;
+  std::unique_ptr<JudgingPool> pool_;
+  std::mutex mutex_;
+  std::size_t next_ = 0;
+};
+
+nb::tuple ManyFiles::Next() {
+  std::size_t file = 0;
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    if (next_ == Size()) throw nb::stop_iteration();
+    file = next_++;
+  }
+  RunMonitor none;
+  const auto wait = [&](int milliseconds) {
+    const bool done = pool_->Wait(file, std::chrono::milliseconds(milliseconds));
+    none.epochs.store(pool_->Progress().epochs);
+    return done;
+  };
+  try {
+    WaitFor(wait, none, progress_);
+  } catch (...) {
+    pool_->Cancel();
+    throw;
+  }
+  FileOutcome outcome = pool_->Take(file);
+  ReportPtr report;
+  if (outcome.report) {
+    report = std::make_shared<FinishedReport>();
+    report->report = std::move(*outcome.report);
+  }
+  return nb::make_tuple(inputs_.observations[file], report, outcome.stopped ? "stopped" : outcome.error);
+}
+
+std::string Explain(const std::string& name) {
+  if (const Figure* figure = FindFigure(name)) return Explanation(*figure);
+  std::string near;
+  for (const std::string& key : FiguresLike(name)) near += (near.empty() ? "; did you mean " : ", ") + key;
+  throw ArgumentError("'" + name + "' is not a figure" + near);
+}
+
+std::vector<std::string> FigureKeys() {
+  std::vector<std::string> keys;
+  for (const Figure& figure : FigureTexts()) keys.push_back(figure.key);
+  return keys;
+}
+
+}  // namespace
+
+void BindReports(nb::module_& module) {
+  nb::class_<FinishedReport>(module, "ReportData", "A report; orsolva.Report is the way to it.")
+      .def("json", Json, nb::arg("satellites"))
+      .def("text", Text, nb::arg("width"), nb::arg("satellites"))
+      .def("csv", [](const FinishedReport& finished) { return CsvHeading() + WriteCsvRows(finished.report); })
+      .def("sum_lines", [](const FinishedReport& finished) { return WriteSum(finished.report); })
+      .def("html", Html)
+      .def("table", TableOf, nb::arg("name"))
+      .def("detail", [](const FinishedReport& finished) { return finished.detail; })
+      .def("run", [](const FinishedReport& finished) { return RunRecord(finished.report); })
+      .def("headline", [](const FinishedReport& finished) { return HeadlineRecord(finished.report); })
+      .def("analysis", [](const FinishedReport& finished) { return AnalysisRecord(finished.report); })
+      .def("library_headline",
+           [](const FinishedReport& finished) { return LibraryHeadlineRecord(finished.report); })
+      .def("library_run", [](const FinishedReport& finished) { return LibraryRunRecord(finished.report); })
+      .def("library_total",
+           [](const FinishedReport& finished) { return LibraryTotalRecord(finished.report); })
+      .def("verdict", [](const FinishedReport& finished) { return VerdictRecord(finished.report); })
+      .def("profile", [](const FinishedReport& finished) { return ProfileRecord(finished.report); })
+      .def("findings", [](const FinishedReport& finished) { return FindingRecords(finished.report); })
+      .def("read_error", [](const FinishedReport& finished) { return finished.report.read_error; })
+      .def("lost_data", [](const FinishedReport& finished) {
+        std::vector<std::string> texts;
+        for (const ReportNotice& notice : finished.report.notices) {
+          if (!notice.recovered)
+            texts.push_back(NoticeText(notice.file, notice.line, notice.text, notice.count));
+        }
+        return texts;
+      });
+  nb::class_<ManyFiles>(module, "ManyFiles", "Files on several threads; orsolva.qc_many is the way to it.")
+      .def(nb::init<const std::vector<std::string>&, const std::vector<std::string>&, const nb::dict&,
+                    unsigned, nb::object>(),
+           nb::arg("paths"), nb::arg("navigation"), nb::arg("arguments"), nb::arg("jobs"),
+           nb::arg("progress").none())
+      .def("__len__", &ManyFiles::Size)
+      .def("next", &ManyFiles::Next);
+  module.def("qc", Qc, nb::arg("path"), nb::arg("navigation"), nb::arg("arguments"), nb::arg("page"),
+             nb::arg("detail"), nb::arg("progress").none());
+  module.def("explain", Explain, nb::arg("figure"));
+  module.def("figure_keys", FigureKeys);
+  module.def("figure_members", FigureMembers,
+             "(part, key, type, unit, title) of every figure of a report's records and tables");
+}
+
+}  // namespace orsolva_python

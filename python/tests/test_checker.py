@@ -1,0 +1,173 @@
+"""Own data: however they are split the same bits as from the file; wrong data are refused as a whole."""
+import json
+
+import numpy as np
+import pytest
+
+import orsolva
+
+
+def body(report):
+    """Everything that does not name the source."""
+    value = report.to_dict(satellites=True)
+    for name in ("notices", "further_notices"):
+        value.pop(name)
+    for name in ("observation_file", "navigation_files", "rinex_version", "marker", "receiver", "antenna"):
+        value["run"].pop(name)
+    return json.dumps(value)
+
+
+def arrays(table):
+    names = ("time", "satellite", "signal", "pseudorange_m", "phase_cycles", "snr_dbhz")
+    return [table[name] for name in names]
+
+
+def checked(day, pieces, **arguments):
+    time, satellites, signals, ranges, phases, snr = arrays(day.observations.table)
+    locks = day.observations.table["loss_of_lock"]
+    with orsolva.Checker(day.navigation, interval_s=30, **arguments) as run:
+        for here in pieces:
+            run.push(time[here], satellites[here], signals[here], ranges[here], phases[here], snr[here], loss_of_lock=locks[here])
+        return run.report()
+
+
+def epoch_slices(time, epochs):
+    edges = np.flatnonzero(np.diff(time).astype(np.int64)) + 1
+    starts = np.concatenate([[0], edges])[::epochs]
+    return [slice(a, b) for a, b in zip(starts, [*starts[1:], len(time)])]
+
+
+@pytest.fixture(scope="module")
+def clean():
+    return orsolva.simulate("slips", seed=3, hours=2)
+
+
+@pytest.fixture(scope="module")
+def whole(clean):
+    return checked(clean, [slice(None)])
+
+
+@pytest.mark.parametrize("epochs", [1, 30, 2880])
+def test_any_split_gives_the_same_bits(clean, whole, epochs):
+    time = clean.observations.table["time"]
+    assert checked(clean, epoch_slices(time, epochs)).to_json() == whole.to_json()
+
+
+def test_splits_within_an_epoch_give_the_same_bits(clean, whole):
+    rows = len(clean.observations.table)
+    pieces = [slice(a, a + 17) for a in range(0, rows, 17)]
+    assert checked(clean, pieces).to_json() == whole.to_json()
+
+
+def test_the_file_gives_the_same_figures(clean, tmp_path):
+    observations, navigation, _ = clean.write(tmp_path)
+    read = orsolva.read_obs(observations, flags=True)
+    from_file = orsolva.qc(observations, navigation)
+    with orsolva.Checker(navigation, header=read, name=str(observations)) as run:
+        run.push_table(read)
+        from_table = run.report()
+    assert body(from_table) == body(from_file)
+    assert from_table.to_html() and from_table.events.to_dicts() == from_file.events.to_dicts()
+
+
+@pytest.mark.parametrize("package", ["pyarrow", "polars", "pandas"])
+def test_arrow_tables_of_others_are_taken(clean, whole, package):
+    module = pytest.importorskip(package)
+    table = clean.observations.table
+    if package == "pyarrow":
+        other = module.table(table)
+        other = module.concat_tables([other.slice(0, 5000), other.slice(5000)])
+    elif package == "polars":
+        other = table.to_polars().with_columns(module.col("satellite").cast(str))
+    else:
+        pytest.importorskip("pyarrow")
+        other = table.to_pandas()
+    with orsolva.Checker(clean.navigation, interval_s=30) as run:
+        run.push_table(other)
+        assert run.report().to_json() == whole.to_json()
+
+
+def test_without_navigation_there_is_what_needs_none(clean):
+    with orsolva.Checker(interval_s=30) as run:
+        run.push_table(clean.observations)
+        report = run.report()
+    assert report.library.run.absence["id"] == "no-navigation" and not report.analysis.with_orbits
+    assert report.analysis.present_epochs == 240 and len(report.signals) > 5
+
+
+T = np.datetime64("2020-06-25T00:00:00", "ns")
+
+
+@pytest.mark.parametrize(
+    ("arguments", "words"),
+    [
+        ((T, ["G01"], ["1C"], [2e7, 2e7]), "pseudorange: found 2"),
+        ((T, ["G01"], ["1C", "2W"], [2e7]), "signals"),
+        (([T, T], ["G01"], ["1C"], [2e7]), "time: found 2"),
+        ((3.0, ["G01"], ["1C"], [2e7]), "time: found float64"),
+        ((np.datetime64("NaT"), ["G01"], ["1C"], [2e7]), "time"),
+        ((T, ["X01"], ["1C"], [2e7]), "satellites: found 'X01'"),
+        ((T, [1], ["1C"], [2e7]), "satellites: found int64"),
+        ((T, ["G01"], ["L1"], [2e7]), "signals: found 'L1'"),
+        ((T, ["G01"], ["1C"], [2e4]), "metres"),
+        ((T, ["G01"], ["1C"], ["a"]), "pseudorange"),
+        ((T, ["G01"], ["1C"], [np.inf]), "infinite"),
+        ((T, ["G01"], ["1C"], [[2e7]]), "dimensions"),
+        ((T, ["G01"], ["1C"], [2e7], None, [4e4]), "dB-Hz"),
+        ((T, ["G01", "G01"], ["1C", "1C"], [2e7, 2e7]), "again"),
+        ((T, ["G01", "G02", "G01"], ["1C", "1C", "2W"], [2e7, 2e7, 2e7]), "follow each other"),
+        (([T, T - np.timedelta64(1, "s")], ["G01", "G01"], ["1C", "1C"], [2e7, 2e7]), "order of time"),
+    ],
+)
+def test_wrong_rows_are_refused_as_a_whole(arguments, words):
+    with orsolva.Checker(interval_s=30) as run:
+        with pytest.raises(orsolva.ArgumentError, match=words):
+            run.push(*arguments)
+        run.push(T, ["G01", "G01"], ["1C", "2W"], [2e7, 2e7])
+        assert run.report().run.epochs == 1
+
+
+def test_order_holds_over_calls():
+    with orsolva.Checker(interval_s=30) as run:
+        run.push(T, ["G01"], ["1C"], [2e7])
+        with pytest.raises(orsolva.ArgumentError, match="order of time"):
+            run.push(T - np.timedelta64(30, "s"), ["G01"], ["1C"], [2e7])
+        with pytest.raises(orsolva.ArgumentError, match="again"):
+            run.push(T, ["G01"], ["1C"], [2e7])
+
+
+def test_columns_of_the_wrong_type_are_named(clean):
+    pa = pytest.importorskip("pyarrow")
+    good = pa.table(clean.observations.table)
+    for name, wrong, words in [
+        ("time", pa.array(range(good.num_rows)), "timestamp"),
+        ("satellite", pa.array(range(good.num_rows)), "texts"),
+        ("pseudorange_m", pa.array(["a"] * good.num_rows), "numbers"),
+    ]:
+        with orsolva.Checker(interval_s=30) as run, pytest.raises(orsolva.ArgumentError, match=words):
+            run.push_table(good.set_column(good.column_names.index(name), name, wrong))
+    with orsolva.Checker(interval_s=30) as run:
+        with pytest.raises(orsolva.ArgumentError, match="no column 'signal'"):
+            run.push_table(good.drop_columns(["signal"]))
+        with pytest.raises(orsolva.ArgumentTypeError, match="__arrow_c_stream__"):
+            run.push_table([1, 2])
+
+
+def test_a_finished_checker_takes_no_more():
+    run = orsolva.Checker(interval_s=30)
+    run.push(T, ["G01", "G01"], ["1C", "2W"], [2e7, 2e7])
+    assert run.report() is run.report()
+    with pytest.raises(orsolva.RunError, match="another one"):
+        run.push(T, ["G01"], ["1C"], [2e7])
+    run.close()
+    empty = orsolva.Checker()
+    with pytest.raises(orsolva.RunError, match="no epoch"):
+        empty.report()
+
+
+def test_an_error_of_the_run_comes_out(tmp_path, clean):
+    table = clean.observations.table
+    run = orsolva.Checker(tmp_path / "none.rnx")
+    with pytest.raises(orsolva.FileError):
+        run.push_table(table)
+        run.report()

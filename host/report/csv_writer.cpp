@@ -20,6 +20,8 @@ std::string CsvField(const std::string& text) {
 std::string WriteCsvRows(const Report& report, const FigureTables& tables) {
   std::string text;
   const std::string file = CsvField(report.run.observation_file);
+  fmt::format_to(std::back_inserter(text), ",,verdict,text,{},{}\n",
+                 CsvField(report.verdict.grade + " - " + report.verdict.text), file);
   for (const FigureValue& f : ListFigures(report, tables)) {
     if (report.figures == FigureChoice::kAnalysis && f.source == FigureSource::kLibrary) continue;
     if (report.figures == FigureChoice::kLibrary && f.source == FigureSource::kAnalysis) continue;

@@ -118,8 +118,8 @@ void AddPosition(const Report& report, std::vector<Finding>& findings) {
   const auto& stated = report.analysis.figures.contradictions;
   const bool far =
       std::any_of(stated.begin(), stated.end(), [](const Contradiction& c) { return c.id == "position"; });
-  if (!far || !distance_m) return;
-  AddFinding(findings, "position-far", kWarning,
+  if (!distance_m || (!far && *distance_m < kFindingLimits.off_header_m)) return;
+  AddFinding(findings, far ? "position-far" : "position-off", far ? kWarning : kInfo,
              fmt::format("Position {} from the header's", Distance(*distance_m)),
              residual_m ? fmt::format("The codes fit theirs to {:.2f} m: the header's is wrong.", *residual_m)
                         : std::string("The header's is wrong."))

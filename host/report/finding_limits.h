@@ -23,10 +23,14 @@ struct FindingLimits {
   double far_from_header_m =
       50;  ///< as in the analysis' check of the header's position (description_check.h)
   double unusable_residual_m = 20;  ///< codes of a receiver at work leave 1 to 3 m, with one band up to 10 m
+  double off_header_m = 10;         ///< worth a look: codes of an hour on two bands are good to some metres
   double missing_share = 0.001;     ///< of the nominal epochs: three of a day at 30 s
   double unusable_share = 0.01;     ///< of the epochs present
   double least_steps_per_slip = 2000;  ///< the best of stations at 30 s have 10,000 and more
   double least_observations_per_interruption = 1000;
+  // Of the observations expected, less those of missing epochs.
+  double some_missing_share = 0.001;
+  double many_missing_share = 0.05;
   double least_completeness = 0.9;  ///< over 90 % is good across permanent networks
   double most_mp1_m = 0.5;          ///< long-published limits of GPS stations
   double most_mp2_m = 0.75;

@@ -25,15 +25,40 @@ bool Any(const std::vector<Finding>& findings, std::string_view severity) {
                      [severity](const Finding& finding) { return finding.severity == severity; });
 }
 
+bool IsWrong(const Finding& finding) { return finding.severity == "error" || finding.severity == "warning"; }
+
+/// The titles of findings, the first few in full.
+std::string TitlesOf(const std::vector<const Finding*>& findings, std::size_t most) {
+  std::string text;
+  for (std::size_t i = 0; i < std::min(findings.size(), most); ++i) {
+    text += (i > 0 ? "; " : "") + findings[i]->title;
+  }
+  return findings.size() > most ? text + fmt::format("; and {} more", findings.size() - most) : text;
+}
+
 std::string WorstText(const std::vector<Finding>& findings) {
   constexpr std::size_t kMostTitles = 4;
-  std::string text;
-  std::size_t count = 0;
+  std::vector<const Finding*> wrong;
   for (const Finding& finding : findings) {
-    if (finding.severity != "error" && finding.severity != "warning") continue;
-    if (++count <= kMostTitles) text += (text.empty() ? "" : "; ") + finding.title;
+    if (IsWrong(finding)) wrong.push_back(&finding);
   }
-  return count > kMostTitles ? text + fmt::format("; and {} more", count - kMostTitles) : text;
+  return TitlesOf(wrong, kMostTitles);
+}
+
+/// What is worth knowing although it makes nothing worse.
+std::string NotableText(const std::vector<Finding>& findings, bool good) {
+  constexpr std::size_t kMostTitles = 2;
+  constexpr std::string_view kNotable[] = {"position-off", "antenna-moves", "missing-observations",
+                                           "clock-resets"};
+  std::vector<const Finding*> notable;
+  for (const Finding& finding : findings) {
+    // A good verdict has the number of slips.
+    const bool slips = !good && (finding.id == "cycle-slips" || finding.id == "half-cycles");
+    const bool listed = std::find(std::begin(kNotable), std::end(kNotable), finding.id) != std::end(kNotable);
+    if (!IsWrong(finding) && (listed || slips)) notable.push_back(&finding);
+  }
+  notable.resize(std::min(notable.size(), kMostTitles));
+  return TitlesOf(notable, kMostTitles);
 }
 
 /// What a run without anything wrong is known by.
@@ -62,8 +87,10 @@ Verdict VerdictOf(const Report& report) {
                   : !judged                         ? "not judged"
                   : Any(report.findings, "warning") ? "fair"
                                                     : "good";
-  verdict.text = WorstText(report.findings);
-  if (verdict.text.empty()) verdict.text = GoodText(report.headline);
+  const std::string worst = WorstText(report.findings);
+  const std::string notable = NotableText(report.findings, worst.empty());
+  verdict.text = worst.empty() ? GoodText(report.headline) : worst;
+  if (!notable.empty()) verdict.text += "; " + notable;
   return verdict;
 }
 

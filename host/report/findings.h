@@ -12,6 +12,7 @@
 //                                     whole system, an error from hardly_judged_share on
 // position-unusable    error          codes do not fit a position: residuals above unusable_residual_m
 // antenna-moves        info, warning  the antenna moves; a warning where its first position is far_from_header_m off
+// position-off         info           the header's position is off_header_m off
 // position-far         warning        the position of the header is contradicted
 // wrong-interval, wrong-name-interval
 //                      warning        the interval of header or file name is not that of the data
@@ -31,7 +32,9 @@
 //                                     least_observations_per_interruption for each
 // strength-drops       warning        all satellites of a signal were weaker for a while
 // weak-signals         info, warning  a signal is weaker than weak_dbhz; a warning for more than half of them
-// incomplete           warning        a system is less than least_completeness complete
+// incomplete           info, warning  a system is less than least_completeness complete; no warning for SBAS alone
+// missing-observations info, warning  some_missing_share of the observations expected are missing in epochs that are
+//                                     there; a warning from many_missing_share on
 // ionosphere           warning        ROTI of a system above disturbed_roti at 95 %
 // gps-multipath        warning        MP1 or MP2 of GPS above most_mp1_m or most_mp2_m
 // satellite-strength-drops, satellite-clocks, never-observed

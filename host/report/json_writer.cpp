@@ -182,8 +182,8 @@ Json OutcomeJson(const CriterionOutcome& outcome) {
 
 Json VerdictJson(const Verdict& verdict) {
   Json j;
-  j["grade"] = verdict.grade;
   j["text"] = verdict.text;
+  j["grade"] = verdict.grade;
   return j;
 }
 

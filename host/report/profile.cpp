@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "host/report/figures.h"
+#include "host/report/finding_limits.h"
 #include "host/report/toml_keys.h"
 #include "host/rinex/diagnostics.h"
 #include "host/rinex/text_file.h"
@@ -191,6 +192,48 @@ Profile LoadProfile(const std::string& name_or_file) {
   return ParseProfile(text, name_or_file);
 }
 
+namespace {
+
+/// The systems observed of which no satellite has an orbit.
+std::string SystemsWithoutOrbits(const Report& report) {
+  std::string letters;
+  for (const analysis::SystemFigures& system : report.analysis.figures.systems) {
+    const bool none = system.satellites_without_record.value_or(0) >= system.satellites_observed.value_or(0);
+    if (system.satellites_observed.value_or(0) > 0 && none) letters += system.letter;
+  }
+  return letters;
+}
+
+/// A criterion about systems has no data for those that were observed and not judged.
+void AddUnjudged(const Criterion& criterion, const std::string& letters, std::size_t first,
+                 std::vector<CriterionOutcome>& outcomes) {
+  if (criterion.scope != FigureScope::kSystem) return;
+  for (const char letter : letters) {
+    if (!criterion.systems.empty() && criterion.systems.find(letter) == std::string::npos) continue;
+    FigureValue none;
+    none.subject = std::string(1, letter);
+    if (!criterion.signals.empty()) none.signal = criterion.signals.front();
+    const auto has = [&none](const CriterionOutcome& o) { return o.subject == none.subject; };
+    if (std::none_of(outcomes.begin() + static_cast<std::ptrdiff_t>(first), outcomes.end(), has)) {
+      outcomes.push_back(OutcomeOf(criterion, none));
+    }
+  }
+}
+
+/// What was not judged is not good, and of which most was not judged has no grade.
+std::string GradeBy(const Report& report, const std::vector<CriterionOutcome>& outcomes) {
+  const std::string grade = GradeOf(outcomes);
+  if (grade != "good" && grade != "fair") return grade;
+  const auto observed = static_cast<double>(report.headline.satellites_tracked.value_or(0));
+  const auto judged = static_cast<double>(report.headline.satellites_with_orbit.value_or(0));
+  if (judged < (1 - kFindingLimits.hardly_judged_share) * observed) return "no data";
+  const bool whole =
+      SystemsWithoutOrbits(report).empty() && judged >= (1 - kFindingLimits.not_judged_share) * observed;
+  return whole ? grade : "fair";
+}
+
+}  // namespace
+
 ProfileVerdict Judge(const Report& report, const Profile& profile) {
   ProfileVerdict verdict;
   verdict.profile = profile.name;
@@ -201,6 +244,7 @@ ProfileVerdict Judge(const Report& report, const Profile& profile) {
     for (const FigureValue& figure : figures) {
       if (IsAbout(criterion, figure)) verdict.outcomes.push_back(OutcomeOf(criterion, figure));
     }
+    AddUnjudged(criterion, SystemsWithoutOrbits(report), before, verdict.outcomes);
     if (verdict.outcomes.size() > before) continue;
     FigureValue none;
     none.subject = criterion.systems;
@@ -209,7 +253,9 @@ ProfileVerdict Judge(const Report& report, const Profile& profile) {
   }
   std::stable_sort(verdict.outcomes.begin(), verdict.outcomes.end(),
                    [](const auto& a, const auto& b) { return Rank(a.grade) < Rank(b.grade); });
-  verdict.grade = GradeOf(verdict.outcomes);
+  verdict.grade = GradeBy(report, verdict.outcomes);
+  verdict.satellites_observed = report.headline.satellites_tracked;
+  verdict.satellites_judged = report.headline.satellites_with_orbit;
   verdict.passed = verdict.grade == "good" || verdict.grade == "fair";
   return verdict;
 }

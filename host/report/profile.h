@@ -56,7 +56,8 @@ Profile ParseProfile(std::string_view text, const std::string& origin);
 Profile LoadProfile(const std::string& name_or_file);
 
 /// Holds every figure that the criteria are about against their limits. A criterion that finds no figure has
-/// one outcome "no data". Outcomes "no data" fail the verdict only when nothing at all could be judged.
+/// one outcome "no data", and so has one about systems for each that was observed and has no orbits. Outcomes
+/// "no data" fail the verdict only when nothing at all could be judged, or less than half of the satellites.
 ProfileVerdict Judge(const Report& report, const Profile& profile);
 
 }  // namespace orsolva_host

@@ -193,18 +193,44 @@ void AddWeakSignals(const Report& report, std::vector<Finding>& findings) {
 
 void AddIncompleteSystems(const Report& report, std::vector<Finding>& findings) {
   std::string title;
-  bool any = false;
+  bool matters = false;
   for (const SystemFigures& system : report.analysis.figures.systems) {
     if (!system.cutoff.ratio || *system.cutoff.ratio >= kFindingLimits.least_completeness) continue;
-    title +=
-        fmt::format("{}{} {}", any ? ", " : "", SystemText(system.letter), Percent(*system.cutoff.ratio));
-    any = true;
+    title += fmt::format("{}{} {}", title.empty() ? "" : ", ", SystemText(system.letter),
+                         Percent(*system.cutoff.ratio));
+    matters = matters || system.letter != 'S';  // receivers track few of its satellites all the time
   }
-  if (!any) return;
+  if (title.empty()) return;
   AddFinding(
-      findings, "incomplete", kWarning, title + " complete",
+      findings, "incomplete", matters ? kWarning : kInfo, title + " complete",
       fmt::format("From {:g} degrees up; {} is the least of a good station.",
                   report.analysis.figures.elevation_cutoff_deg, Percent(kFindingLimits.least_completeness)));
+}
+
+/// Observations expected and not there, in epochs that are.
+void AddMissingObservations(const Report& report, std::vector<Finding>& findings) {
+  const AnalysisResult& result = report.analysis.figures;
+  const Headline& h = report.headline;
+  const auto expected = static_cast<double>(h.cutoff_expected.value_or(0));
+  if (expected == 0 || !h.cutoff_observed || h.nominal_epochs.value_or(0) == 0) return;
+  const double present =
+      static_cast<double>(h.present_epochs.value_or(0)) / static_cast<double>(*h.nominal_epochs);
+  const double missing = present * expected - static_cast<double>(*h.cutoff_observed);
+  if (missing < kFindingLimits.some_missing_share * expected) return;
+  const auto count = static_cast<Count>(missing);
+  const auto missing_of = [](const auto& owner) {
+    const Count of = owner.cutoff.expected.value_or(0), there = owner.cutoff.observed.value_or(of);
+    return of - std::min(of, there);
+  };
+  const auto signals = Tallies(result.signals, missing_of);
+  std::string title = fmt::format("{} observations missing", count);
+  if (h.missing_epochs.value_or(0) > 0) title = fmt::format("{} further observations missing", count);
+  if (!signals.empty() && 2 * signals.front().second > count) title += ", most on " + signals.front().first;
+  const bool many = missing >= kFindingLimits.many_missing_share * expected;
+  AddFinding(findings, "missing-observations", many ? kWarning : kInfo, std::move(title),
+             fmt::format("Expected above the cut-off. By signal {}; by satellite {}.", Counted(signals),
+                         Counted(Tallies(result.satellites, missing_of))))
+      .figures = {{"cutoff_completeness_ratio", h.cutoff_completeness.value_or(0)}};
 }
 
 void AddNeverObserved(const Report& report, std::vector<Finding>& findings) {
@@ -241,7 +267,8 @@ void AddSatelliteClocks(const Report& report, std::vector<Finding>& findings) {
   Count all = 0;
   for (const Tally& tally : clocks) all += tally.second;
   AddFinding(findings, "satellite-clocks", kInfo, Many(all, "jump") + " of satellite clocks",
-             fmt::format("Not the station's: {}.", Counted(clocks)))
+             fmt::format("All signals of a satellite stepped by the same metres, not the station's: {}.",
+                         Counted(clocks)))
       .satellites = NamesOf(clocks);
 }
 
@@ -306,6 +333,7 @@ void AddSignalFindings(const Report& report, std::vector<Finding>& findings) {
   AddInterference(report, findings);
   AddWeakSignals(report, findings);
   AddIncompleteSystems(report, findings);
+  AddMissingObservations(report, findings);
   AddIonosphere(report, findings);
   AddGpsMultipath(report, findings);
   AddSatelliteDrops(report, findings);

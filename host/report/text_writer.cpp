@@ -170,6 +170,7 @@ std::string Writer::HeadlineItem(const FigureRow<Owner>& row, const Owner& owner
       item = fmt::format("more than {}", *owner.observations_without_slip);
   }
   if (bar + 1 < heading.size()) item += " " + std::string(heading.substr(bar + 1));
+  if (item == "1 gaps") item.pop_back();
   return item;
 }
 

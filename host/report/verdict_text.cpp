@@ -47,9 +47,13 @@ std::string VerdictText(const ProfileVerdict& verdict, const TextStyle& style) {
     return std::count_if(verdict.outcomes.begin(), verdict.outcomes.end(),
                          [grade](const CriterionOutcome& o) { return o.grade == grade; });
   };
-  const std::string head = fmt::format(
-      "{}: {} good, {} fair, {} failed, {} without data by the profile {} ({})", verdict.grade, count("good"),
-      count("fair"), count("fail"), count("no data"), verdict.profile, verdict.title);
+  std::string head = fmt::format("{}: {} good, {} fair, {} failed, {} without data by the profile {} ({})",
+                                 verdict.grade, count("good"), count("fair"), count("fail"), count("no data"),
+                                 verdict.profile, verdict.title);
+  if (verdict.satellites_observed && verdict.satellites_judged) {
+    head +=
+        fmt::format("; {} of {} satellites judged", *verdict.satellites_judged, *verdict.satellites_observed);
+  }
   std::string text = Toned(Wrapped(Printable(head), "", "  ", style.width), ToneOf(verdict.grade), style);
   for (const CriterionOutcome& o : verdict.outcomes) {
     if (o.grade == "good") continue;

@@ -152,7 +152,7 @@ bool NavigationReader::TakeMessageLine(std::string_view line, long number) {
   const std::string_view kind = Trimmed(Field(line, 2, 3));
   message_ = Trimmed(Field(line, 10, 4));
   if (kind == "EPH" && IsTakenMessage(message_)) return true;
-  Notice(number, "records " + Quoted(std::string(kind) + " " + message_) + " are not used", true);
+  Notice(number, "records " + Quoted(std::string(kind) + " " + message_) + " are not used by the library", true);
   return kind == "EPH" && message_ == kForeignMessage;
 }
 
@@ -180,7 +180,7 @@ bool NavigationReader::IsForeign(long number) {
   const int slot = SystemSlot(record_.letter);
   if (slot < 0 && message_ == kForeignMessage) return true;  // said by the line before
   if (slot < 0) {
-    Notice(number, std::string("records of system ") + record_.letter + " are not used", true);
+    Notice(number, std::string("records of system ") + record_.letter + " are not used by the library", true);
     return true;
   }
   if (record_.number <= kSystemTable[slot].satellites) return false;

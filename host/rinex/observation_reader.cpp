@@ -95,8 +95,10 @@ void ObservationReader::MakePlans() {
   has_strength_ = has_strength_ || any_strength;
   if (!any) diagnostics_.Add(name_, 0, "the header lists no supported signal", false);
   if (any && !has_strength_) {
-    diagnostics_.Add(name_, 0,
-                     "no signal strength (S types) in the file: no SNR and no complete observations", false);
+    diagnostics_.Add(
+        name_, 0,
+        "no signal strength (S types) in the file: no SNR, and no complete observations for the library",
+        false);
   }
 }
 
@@ -324,8 +326,8 @@ bool ObservationReader::IsSupported(const SatelliteRow& row, int slot) {
     if (kind != kNoKind) {
       diagnostics_.Again(kind);
     } else {
-      kind = diagnostics_.AddKind(name_, block_.line,
-                                  fmt::format("satellites of system {} are not supported", row.letter));
+      kind = diagnostics_.AddKind(
+          name_, block_.line, fmt::format("satellites of system {} are only in the analysis", row.letter));
     }
     return false;
   }

@@ -10,6 +10,7 @@
 #include <optional>
 #include <utility>
 
+#include "host/rinex/satellite_names.h"
 #include "host/simulator/fault_detection.h"
 
 namespace orsolva_host {
@@ -38,12 +39,12 @@ struct Pooled {
   }
 };
 
-/// Truth of one signal, or of one system, over the healthy satellites.
+/// Truth of one signal, or of the signals of one system, over the healthy satellites.
 struct Expectation {
   std::uint64_t expected = 0;
   std::uint64_t observed = 0;
   std::uint64_t slips = 0;
-  Pooled multipath, snr, snr_low, snr_high;
+  Pooled multipath, strength;
 };
 
 struct Expectations {
@@ -61,12 +62,9 @@ Json Parsed(const NamedText& file, const char* what, const std::vector<const cha
 
 void AddSignal(const Json& s, Expectation& e) {
   const double above = s.at("above_cutoff_epochs").get<double>();
-  const double high = s.at("above_30deg_epochs").get<double>();
   e.observed += s.at("above_cutoff_epochs").get<std::uint64_t>();
   e.multipath.Add(s.at("code_error_less_moving_mean_rms_m"), above, true);
-  e.snr.Add(s.at("snr_mean_above_cutoff_dbhz"), above, false);
-  e.snr_low.Add(s.at("snr_mean_below_30deg_dbhz"), s.at("tracked_epochs").get<double>() - high, false);
-  e.snr_high.Add(s.at("snr_mean_above_30deg_dbhz"), high, false);
+  e.strength.Add(s.at("snr_mean_dbhz"), s.at("tracked_epochs").get<double>(), false);
 }
 
 Expectations ExpectationsOf(const Json& truth) {
@@ -75,13 +73,12 @@ Expectations ExpectationsOf(const Json& truth) {
     if (!satellite.at("healthy").get<bool>()) continue;
     const std::string letter = satellite.at("satellite").get<std::string>().substr(0, 1);
     const auto expected = satellite.at("above_cutoff_epochs").get<std::uint64_t>();
-    Expectation& system = all.systems[letter];
-    system.expected += expected;
-    system.observed += satellite.at("two_signals_epochs").get<std::uint64_t>();
     for (const Json& signal : satellite.at("signals")) {
-      Expectation& e = all.signals[letter + signal.at("signal").get<std::string>()];
-      e.expected += expected;
-      AddSignal(signal, e);
+      for (Expectation* e :
+           {&all.systems[letter], &all.signals[letter + signal.at("signal").get<std::string>()]}) {
+        e->expected += expected;
+        AddSignal(signal, *e);
+      }
     }
   }
   for (const Json& fault : truth.at("faults")) {
@@ -106,6 +103,13 @@ std::string Text(const Json& value) {
   return value.is_null() ? "-" : value.dump();
 }
 
+/// "GPS" for "G"
+std::string SystemName(const Json& letter) {
+  const std::string name = Text(letter);
+  const int slot = SystemSlot(name[0]);
+  return slot < 0 ? name : kSystemTable[slot].name;
+}
+
 /// Empty for a fault that affects all satellites or signals.
 std::string NameOrAll(const Json& value) { return value.is_null() ? "" : value.get<std::string>(); }
 
@@ -123,10 +127,10 @@ class Comparison {
   Comparison(const NamedText& report, const NamedText& truth, const DetailTable* detail)
       : report_name_(report.name),
         truth_name_(truth.name),
-        report_(Parsed(report, "report of orsolva qc --json", {"run", "library"})),
+        report_(Parsed(report, "report of orsolva qc --json", {"run", "analysis"})),
         truth_(Parsed(truth, "truth.json written by orsolva simulate", {"receiver", "satellites", "faults"})),
         run_(report_.at("run")),
-        library_(report_.at("library")),
+        analysis_(report_.at("analysis")),
         detail_(detail) {}
 
   std::string Write() {
@@ -173,48 +177,58 @@ class Comparison {
     Row("First epoch (GPST)", Text(run_.at("first_epoch_gpst")), Text(truth_.at("first_epoch_gpst")));
     Row("Last epoch (GPST)", Text(run_.at("last_epoch_gpst")), Text(truth_.at("last_epoch_gpst")));
     Row("Epochs in the file", Text(run_.at("epochs")), Text(truth_.at("delivered_epochs")));
-    Row("Epochs lost", Text(library_.at("run").at("lost_epochs")), Text(truth_.at("missing_epochs")));
-    Row("Error of the position (m)", Fixed(Distance(library_.at("run").at("position_ecef_m"), position), 3),
-        "0.000");
-    Row("Error of the header's (m)", Fixed(library_.at("run").at("distance_from_header_position_m"), 3),
+    Row("Epochs missing or empty", Text(analysis_.at("missing_epochs")), Text(truth_.at("missing_epochs")));
+    const Json& solution = analysis_.at("solution_ecef_m");
+    if (solution.is_array())
+      Row("Error of the position (m)", Fixed(Distance(solution, position), 3), "0.000");
+    Row("Error of the header's (m)", Fixed(analysis_.at("solution_to_header_m"), 3),
         Fixed(Distance(receiver.at("header_position_ecef_m"), position), 3));
   }
 
+  /// Slips of every size.
+  static std::uint64_t SlipsOf(const Json& owner) {
+    std::uint64_t sum = 0;
+    for (const char* key : {"sure_slips", "unsure_slips", "half_cycle_slips", "phase_jumps"}) {
+      if (owner.at(key).is_number()) sum += owner.at(key).get<std::uint64_t>();
+    }
+    return sum;
+  }
+
   void WriteSystems() {
-    Line("\nSYSTEMS (satellite-epochs above the cut-off; observed with two signals)");
+    Line("\nSYSTEMS (observations of all signals above the cut-off)");
     Line("                Expected          Observed      Completeness %       Slips");
     Line("System      Report    Truth    Report    Truth   Report  Truth  found injected");
-    for (const Json& system : library_.at("systems")) {
+    std::uint64_t found = 0, injected = 0;
+    for (const Json& system : analysis_.at("systems")) {
       const Expectation& e = expectations_.systems[system.at("letter").get<std::string>()];
       std::optional<double> truth_percent, report_percent;
       if (e.expected > 0)
         truth_percent = 100.0 * static_cast<double>(e.observed) / static_cast<double>(e.expected);
-      if (system.at("completeness_ratio").is_number()) {
-        report_percent = 100 * system.at("completeness_ratio").get<double>();
-      }
-      Line(fmt::format("{:<9}{:>9}{:>9}{:>10}{:>9}{:>9}{:>7}{:>7}{:>9}", Text(system.at("name")),
-                       Text(system.at("expected_epochs")), e.expected, Text(system.at("observed_epochs")),
-                       e.observed, Fixed(report_percent, 2), Fixed(truth_percent, 2),
-                       Text(system.at("phase_geometry_slip_epochs")), e.slips));
+      if (const Json& ratio = system.at("cutoff_completeness_ratio"); ratio.is_number())
+        report_percent = 100 * ratio.get<double>();
+      const std::uint64_t slips = SlipsOf(system);
+      found += slips;
+      injected += e.slips;
+      Line(fmt::format("{:<9}{:>9}{:>9}{:>10}{:>9}{:>9}{:>7}{:>7}{:>9}", SystemName(system.at("letter")),
+                       Text(system.at("cutoff_expected_epochs")), e.expected,
+                       Text(system.at("cutoff_observed_epochs")), e.observed, Fixed(report_percent, 2),
+                       Fixed(truth_percent, 2), slips, e.slips));
     }
+    Line(fmt::format("Cycle slips found: {}, injected: {}", found, injected));
   }
 
   void WriteSignals() {
-    Line("\nSIGNALS (multipath RMS in m, mean SNR in dB-Hz; R report, T truth)");
-    Line(fmt::format("{:>21}{:>13}{:>12}{:>12}{:>12}{:>10}", "Observed", "Multipath", "SNR", "SNR<=30",
-                     "SNR>30", "Slips"));
-    Line(fmt::format("{:<6}{:>7}{:>8}{:>7}{:>6}{:>6}{:>6}{:>6}{:>6}{:>6}{:>6}{:>6}{:>4}", "Signal", "R", "T",
-                     "R", "T", "R", "T", "R", "T", "R", "T", "R", "T"));
-    for (const Json& signal : library_.at("signals")) {
+    Line("\nSIGNALS (multipath RMS in m, mean SNR in dB-Hz)");
+    Line("               Observed         Multipath             SNR        Slips");
+    Line("Signal     Report    Truth   Report   Truth   Report   Truth  found injected");
+    for (const Json& signal : analysis_.at("signals")) {
       const std::string letter = Text(signal.at("letter")), name = Text(signal.at("signal"));
       const Expectation& e = expectations_.signals[letter + name];
-      Line(fmt::format("{:<5}{:>8}{:>8}{:>7}{:>6}{:>6}{:>6}{:>6}{:>6}{:>6}{:>6}{:>6}{:>4}",
-                       letter + " " + name, Text(signal.at("observed_epochs")), e.observed,
-                       Fixed(signal.at("mp_rms_m"), 3), Fixed(e.multipath.Root(), 3),
-                       Fixed(signal.at("snr_mean_dbhz"), 2), Fixed(e.snr.Mean(), 2),
-                       Fixed(signal.at("snr_mean_below_30deg_dbhz"), 2), Fixed(e.snr_low.Mean(), 2),
-                       Fixed(signal.at("snr_mean_above_30deg_dbhz"), 2), Fixed(e.snr_high.Mean(), 2),
-                       Text(signal.at("phase_geometry_slip_epochs")), e.slips));
+      Line(fmt::format("{:<8}{:>9}{:>9}{:>9}{:>8}{:>9}{:>8}{:>7}{:>9}", letter + " " + name,
+                       Text(signal.at("cutoff_observed_epochs")), e.observed,
+                       Fixed(signal.at("multipath_moving_rms_m"), 3), Fixed(e.multipath.Root(), 3),
+                       Fixed(signal.at("strength_mean_dbhz"), 2), Fixed(e.strength.Mean(), 2),
+                       SlipsOf(signal), e.slips));
     }
   }
 
@@ -251,19 +265,17 @@ class Comparison {
 
   void WriteNotes() {
     Line("\nNOTES");
-    Line("  Observed, by system: with the best combination in the report, with any two");
-    Line("  signals in the truth. SNR<=30 includes values below the cut-off.");
-    Line("  Slips found are epochs: at long intervals the test also counts each change of");
-    Line("  a broadcast record and low satellites; see docs/host/behaviour.md.");
-    Line("  Multipath of a code includes the phase noise of its pair, magnified where the");
-    Line("  carriers of the pair are close. Counts change by a few epochs with the");
-    Line("  position: a satellite at the cut-off may fall on either side of it.");
+    Line("  Figures of the report are those of its analysis; slips are of every size, from");
+    Line("  the cut-off up. Multipath is about a moving mean; code jumps are in that of");
+    Line("  the report, and phase noise, magnified where the carriers of a pair are close.");
+    Line("  Counts change by a few epochs with the position: a satellite at the cut-off");
+    Line("  may fall on either side of it. The detail table is the library's.");
   }
 
   std::string report_name_, truth_name_;
   Json report_, truth_;
   const Json& run_;
-  const Json& library_;
+  const Json& analysis_;
   const DetailTable* detail_;
   Expectations expectations_;
   std::string out_;

@@ -60,7 +60,7 @@ TEST(AnalysisText, HeadlineAndTablesSayWhatTheAnalysisFound) {
   Conclude(report, nullptr);
   const std::string text = WriteText(report, {80, false});
   for (const char* line :
-       {"\nEpochs            2880 nominal, 2877 present, 3 missing, 1 gaps\n",
+       {"\nEpochs            2880 nominal, 2877 present, 3 missing, 1 gap\n",
         "\nCompleteness      99.50 %, 1000 observations expected, 995 observed\n",
         "\nSatellites        2 observed, 1 with orbit, 1 without orbit, 0 never observed\n",
         "\nCycle slips       3, 990 tested steps, 330 observations per slip\n",

@@ -163,10 +163,16 @@ TEST(Findings, AMovingAntennaFarFromTheHeadersPositionIsAWarning) {
   EXPECT_EQ(Only(report, "antenna-moves").title, "Antenna moves, 2109 m from the header's position");
 }
 
-TEST(Findings, APositionThatTheAnalysisDoesNotContradictIsNone) {
+TEST(Findings, APositionThatTheAnalysisDoesNotContradictIsNoWarning) {
   Report report = CleanDay();
-  report.analysis.figures.position.distance_to_header_m = 90;
+  report.analysis.figures.position.distance_to_header_m = 9;
+  EXPECT_EQ(Only(report, "position-off").id, "");
+  report.analysis.figures.position.distance_to_header_m = 25;
   EXPECT_EQ(Only(report, "position-far").id, "");
+  EXPECT_EQ(Only(report, "position-off").title, "Position 25 m from the header's");
+  Found(report);
+  EXPECT_EQ(report.verdict.grade, "good");
+  EXPECT_NE(report.verdict.text.find("; Position 25 m"), std::string::npos) << report.verdict.text;
 }
 
 TEST(Findings, OneMissingEpochOfADayIsNoWarning) {
@@ -250,6 +256,28 @@ TEST(Findings, AnIncompleteSystemIsAWarning) {
   Report report = CleanDay();
   report.analysis.figures.systems[0].cutoff = {4000, 3400, 0.85};
   EXPECT_EQ(Only(report, "incomplete").title, "GPS 85.00 % complete");
+}
+
+TEST(Findings, ObservationsMissingInEpochsThatAreThereAreCounted) {
+  Report report = CleanDay();
+  analysis::AnalysisResult& r = report.analysis.figures;
+  r.span.present_epochs = 1440;  // half of the observations go with their epochs
+  r.systems[0].cutoff = r.signals[0].cutoff = {4000, 1990, 0.4975};
+  const Finding finding = Only(report, "missing-observations");
+  EXPECT_EQ(finding.title, "10 observations missing, most on G 1C");
+  EXPECT_EQ(finding.severity, "info");
+  r.systems[0].cutoff = r.signals[0].cutoff = {4000, 1799, 0.44975};
+  EXPECT_EQ(Only(report, "missing-observations").severity, "warning");
+  r.systems[0].cutoff = r.signals[0].cutoff = {4000, 1997, 0.49925};
+  EXPECT_EQ(Only(report, "missing-observations").id, "");
+}
+
+TEST(Findings, AFairVerdictAlsoCountsTheSlips) {
+  Report report = CleanDay();
+  Slip(report, 1, 0);
+  report.analysis.figures.contradictions = {{"marker", "ABCD", "ESBC"}};
+  Found(report);
+  EXPECT_EQ(report.verdict.text, "Marker: stated ABCD, found ESBC; 1 cycle slip");
 }
 
 TEST(Findings, ALongListOfNamesIsCut) {

@@ -136,8 +136,11 @@ def figures_of(report):
     return out
 
 
-def check_csv(name, text, figures):
+def check_csv(name, text, figures, verdict):
     rows = list(csv.DictReader(io.StringIO(text)))
+    first = rows.pop(0)
+    assert (first["figure"], first["unit"]) == ("verdict", "text"), first
+    assert first["value"] == f"{verdict['grade']} - {verdict['text']}", first
     found = {(r["satellite"], r["signal"], r["figure"]): r["value"] for r in rows}
     assert len(found) == len(rows), (name, "a figure stands twice in the CSV")
     assert set(found) == set(figures), (name, set(found) ^ set(figures))
@@ -281,7 +284,7 @@ GROUPS = {"Completeness": ("completeness_", "expected_", "observed_"), "Multipat
 
 
 HEADLINE = [(r"(\S+) nominal", "nominal_epochs"), (r"(\S+) present", "present_epochs"),
-            (r"(\S+) missing", "missing_epochs"), (r"(\S+) gaps", "data_gaps"),
+            (r"(\S+) missing", "missing_epochs"), (r"(\S+) gaps?\b", "data_gaps"),
             (r"(\S+) observations expected", "cutoff_expected_epochs"),
             (r"expected, (\S+) observed", "cutoff_observed_epochs"),
             (r"Completeness (\S+)(?: %)?,", "cutoff_completeness_ratio"),
@@ -407,7 +410,7 @@ def check_files(files, folder):
         reports[name] = report
         figures = figures_of(report)
         beside = lambda ending: path.with_suffix(ending).read_text(encoding="utf-8")  # noqa: E731
-        check_csv(name, beside(".csv"), figures)
+        check_csv(name, beside(".csv"), figures, report["verdict"])
         check_sum(name, beside(".sum"), report)
         check_text(name, beside(".txt"), report)
         check_findings(name, report, figures)

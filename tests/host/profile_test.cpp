@@ -79,6 +79,40 @@ TEST(Profile, FiguresWithoutDataFailOnlyWhenNothingCanBeJudged) {
   ASSERT_EQ(none.outcomes.size(), 1U);
 }
 
+/// A day on which so many satellites of Galileo and of GPS were observed, and GPS has no orbits.
+Report GalileoOnly(Count galileo, Count gps) {
+  Report report = SampleReport();
+  report.systems[0].letter = 'E';
+  report.systems[0].figures.completeness = 0.9998;
+  analysis::SystemFigures system;
+  if (gps > 0) {
+    system.letter = 'G';
+    system.satellites_observed = system.satellites_without_record = gps;
+    report.analysis.figures.systems.push_back(system);
+  }
+  system.letter = 'E';
+  system.satellites_observed = galileo;
+  system.satellites_without_record = 0;
+  report.analysis.figures.systems.push_back(system);
+  report.headline.satellites_tracked = galileo + gps;
+  report.headline.satellites_with_orbit = galileo;
+  return report;
+}
+
+TEST(Profile, WhatWasNotJudgedIsNeverGood) {
+  const ProfileVerdict most = Judge(GalileoOnly(23, 96), LoadProfile("network"));
+  EXPECT_EQ(most.grade, "no data");
+  EXPECT_FALSE(most.passed);
+  EXPECT_EQ(most.satellites_judged, Count{23});
+  EXPECT_NE(VerdictText(most, {}).find("23 of 119"), std::string::npos) << VerdictText(most, {});
+  const ProfileVerdict some = Judge(GalileoOnly(23, 10), LoadProfile("network"));
+  EXPECT_EQ(some.grade, "fair");
+  ASSERT_EQ(some.outcomes.size(), 2U);
+  EXPECT_EQ(some.outcomes[0].subject, "G");
+  EXPECT_EQ(some.outcomes[0].grade, "no data");
+  EXPECT_EQ(Judge(GalileoOnly(23, 0), LoadProfile("network")).grade, "good");
+}
+
 TEST(Profile, EveryBuiltInProfileIsWholeAndNamesItsSources) {
   EXPECT_GE(kBuiltInProfileCount, 2);
   for (int i = 0; i < kBuiltInProfileCount; ++i) {

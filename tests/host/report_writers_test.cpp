@@ -41,6 +41,7 @@ TEST(CsvWriter, EveryRowHasTheSixFieldsOfTheHeading) {
   const std::vector<std::string> lines = Lines(WriteCsvRows(SampleReport()));
   EXPECT_GT(lines.size(), 30U);
   for (const std::string& line : lines) EXPECT_EQ(std::count(line.begin(), line.end(), ','), 5) << line;
+  EXPECT_EQ(lines[0], ",,verdict,text,fair - 2 gaps while in view,dir/station one.rnx");
 }
 
 TEST(CsvWriter, WritesRowsOfEveryScopeAndNothingForAbsentFigures) {

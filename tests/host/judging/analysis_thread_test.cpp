@@ -31,7 +31,7 @@ class ListedEvents : public EventSink {
   void Add(const analysis::Event& event) override {
     thread = std::this_thread::get_id();
     if (refuse_) throw WriteError("no room");
-    text += EventLine(event, EventForm::kCsv);
+    text += EventLine(event, TableForm::kCsv);
   }
   std::string text;
   std::thread::id thread;

@@ -125,7 +125,7 @@ TEST(AnalysisRun, TakesTheSatellitesThatAreChosenWhateverTheirNumber) {
   settings.systems = "G";
   settings.excluded = {{SystemSlot('G'), 5}};
   const SimulatedSource source("a.rnx");
-  AnalysisRun run(settings, source, {}, nullptr, nullptr);
+  AnalysisRun run(settings, source, {}, nullptr, nullptr, nullptr);
   ObservationEpoch epoch;
   const std::vector<SatelliteId> observed = {{'G', 1}, {'G', 5}, {'G', 250}, {'E', 1}, {'~', 1}};
   for (const SatelliteId id : observed) {

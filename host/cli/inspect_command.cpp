@@ -15,7 +15,9 @@
 #include "host/cli/commands.h"
 #include "host/cli/exit_codes.h"
 #include "host/judging/nominal_interval.h"
+#include "host/judging/rtcm_detection.h"
 #include "host/judging/run_error.h"
+#include "host/judging/stream_contents.h"
 #include "host/report/text_layout.h"
 #include "host/rinex/civil_time.h"
 #include "host/rinex/input_files.h"
@@ -145,12 +147,19 @@ void InspectNavigation(const std::string& file, const InputLimits& limits, Diagn
                              set.glonass.size(), set.bds.size(), set.galileo.size(), set.qzss.size()));
 }
 
+void InspectStream(const std::string& file, const InputLimits& limits, Diagnostics& diagnostics) {
+  ShowStream(OpenBytes(file, diagnostics, limits), file, diagnostics,
+             [](const std::string& name, const std::string& text) { Row(name, text); });
+}
+
 bool Inspect(const std::string& file, const InputLimits& limits) {
   Diagnostics diagnostics;
   Row("File", Printable(file));
   bool good = true;
   try {
-    if (KindOfFile(file) == FileKind::kNavigation) {
+    if (RtcmContentOf(file) != RtcmContent::kNone) {
+      InspectStream(file, limits, diagnostics);
+    } else if (KindOfFile(file) == FileKind::kNavigation) {
       InspectNavigation(file, limits, diagnostics);
     } else {
       InspectObservations(file, limits, diagnostics);
@@ -181,8 +190,8 @@ int InspectAll(const InspectSettings& settings) {
 
 Command InspectCommand() {
   auto settings = std::make_shared<InspectSettings>();
-  Option files =
-      ListOption("FILE", "FILE", settings->files, "RINEX observation or navigation files, compressed or not");
+  Option files = ListOption("FILE", "FILE", settings->files,
+                            "RINEX observation or navigation files and RTCM 3 streams, compressed or not");
   files.many = true;
   std::vector<Option> options = {
       Positional(std::move(files), true),

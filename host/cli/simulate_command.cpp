@@ -38,7 +38,7 @@ struct SimulateSettings {
   std::optional<double> hours;
   std::optional<double> interval_s;
   std::optional<double> cutoff_deg;
-  FileSetOptions files = {".", false, false};
+  FileSetOptions files = {".", false, false, 0};
   bool list_presets = false;
 };
 
@@ -111,6 +111,12 @@ Scenario MakeScenario(const SimulateSettings& settings) {
   return scenario;
 }
 
+std::string ParseMsm(const std::string& text, int& kind) {
+  if (text != "4" && text != "7") return "'" + text + "' is not 4 or 7";
+  kind = text[0] - '0';
+  return {};
+}
+
 /// A hundred times in all.
 void ShowEpochs(std::uint64_t done, std::uint64_t of, StatusLine& status) {
   constexpr std::uint64_t kSteps = 100;
@@ -139,6 +145,7 @@ int Simulate(const Scenario& scenario, const FileSetOptions& options) {
   }
   const FileSet names = FileNames(scenario, options);
   std::printf("%s\n%s\n%s\n", names.observations.c_str(), names.navigation.c_str(), names.truth.c_str());
+  if (!names.stream.empty()) std::printf("%s\n", names.stream.c_str());
   WarnOfLateFaults(scenario);
   return kGood;
 }
@@ -179,14 +186,18 @@ Command SimulateCommand() {
       TextOption("systems", "LETTERS", s->systems, "Satellite systems, letters from GREJC"),
       TextOption("station", "NAME", s->station, "Station, nine characters of the file names"),
       Number("cutoff", "DEGREES", s->cutoff_deg, "Elevation in degrees below which nothing is tracked"),
-      Switch("gzip", s->files.gzip, "Compress the RINEX files with gzip"),
+      Switch("gzip", s->files.gzip, "Compress all but the truth with gzip"),
       Switch("crinex", s->files.crinex, "Write Hatanaka-compressed observations (CRINEX 3)"),
+      Parsed("rtcm", "KIND", "", ParseMsm, s->files.rtcm,
+             "Write an RTCM 3 stream of MSM4 (4) or MSM7 (7) too, and the observations that a reader of it "
+             "gets"),
   };
   for (Option& row : rows) {
     if (row.name == "preset") {
       for (const Preset& preset : Presets()) row.words.emplace_back(preset.name);
     }
     if (row.name == "scenario") row.excludes = "preset";
+    if (row.name == "rtcm") row.words = {"4", "7"};
     row.many = row.name == "faults";
   }
   return {"simulate",

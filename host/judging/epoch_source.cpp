@@ -6,6 +6,8 @@
 #include <filesystem>
 #include <utility>
 
+#include "host/judging/rtcm_detection.h"
+#include "host/judging/rtcm_source.h"
 #include "host/rinex/byte_source.h"
 #include "host/rinex/observation_reader.h"
 
@@ -52,11 +54,10 @@ std::unique_ptr<ByteSource> OpenRegular(const std::string& path, const JudgingSe
 
 class RinexSource : public EpochSource {
  public:
-  RinexSource(const std::string& path, const JudgingSettings& settings, Diagnostics& diagnostics,
-              RunMonitor* monitor)
+  RinexSource(std::unique_ptr<ByteSource> source, const std::string& path, const JudgingSettings& settings,
+              Diagnostics& diagnostics)
       : path_(path),
-        reader_(OpenRegular(path, settings, diagnostics, monitor), path, diagnostics,
-                {settings.snr_from_strength, settings.limits}) {}
+        reader_(std::move(source), path, diagnostics, {settings.snr_from_strength, settings.limits}) {}
 
   const std::string& Name() const override { return path_; }
   const ObservationHeader& Header() const override { return reader_.Header(); }
@@ -69,11 +70,66 @@ class RinexSource : public EpochSource {
   ObservationReader reader_;
 };
 
+/// An unnamed file that goes away with the program.
+std::shared_ptr<std::FILE> TemporaryFile(const std::string& path) {
+  std::FILE* file = std::tmpfile();
+  if (file == nullptr) {
+    throw FileError(path, 0, std::string("a temporary file cannot be made: ") + std::strerror(errno), "",
+                    "Save the stream as a file first.");
+  }
+  return {file, CloseFile()};
+}
+
+std::shared_ptr<std::FILE> CopyOf(ByteSource& source, const std::string& path) {
+  std::shared_ptr<std::FILE> file = TemporaryFile(path);
+  std::vector<char> buffer(1 << 16);
+  while (const std::size_t count = source.Read(buffer.data(), buffer.size())) {
+    if (std::fwrite(buffer.data(), 1, count, file.get()) == count) continue;
+    throw FileError(path, 0, std::string("a temporary file cannot be written: ") + std::strerror(errno), "",
+                    "Save the stream as a file first.");
+  }
+  return file;
+}
+
+class TemporaryBytes : public ByteSource {
+ public:
+  explicit TemporaryBytes(std::shared_ptr<std::FILE> file) : file_(std::move(file)) {
+    std::rewind(file_.get());
+  }
+  std::size_t Read(char* out, std::size_t size) override { return std::fread(out, 1, size, file_.get()); }
+
+ private:
+  std::shared_ptr<std::FILE> file_;
+};
+
+std::unique_ptr<EpochSource> OpenFile(const std::string& path, const JudgingSettings& settings,
+                                      Diagnostics& diagnostics, RunMonitor* monitor) {
+  if (RtcmContentOf(path) == RtcmContent::kNone) {
+    return std::make_unique<RinexSource>(OpenRegular(path, settings, diagnostics, monitor), path, settings,
+                                         diagnostics);
+  }
+  bool first = true;
+  const auto open = [&](Diagnostics& notices) {
+    return OpenRegular(path, settings, notices, std::exchange(first, false) ? nullptr : monitor);
+  };
+  return std::make_unique<RtcmSource>(path, open, std::nullopt, diagnostics);
+}
+
 }  // namespace
 
 std::unique_ptr<EpochSource> OpenObservations(const std::string& path, const JudgingSettings& settings,
                                               Diagnostics& diagnostics, RunMonitor* monitor) {
-  return std::make_unique<RinexSource>(path, settings, diagnostics, monitor);
+  std::error_code ignored;
+  if (path != "-" && std::filesystem::is_regular_file(path, ignored)) {
+    return OpenFile(path, settings, diagnostics, monitor);
+  }
+  std::unique_ptr<ByteSource> source = OpenBytes(path, diagnostics, settings.limits);
+  if (RtcmContentOf(source) == RtcmContent::kNone) {
+    return std::make_unique<RinexSource>(std::move(source), path, settings, diagnostics);
+  }
+  const auto copy = CopyOf(*source, path);
+  const auto open = [&](Diagnostics& /*notices*/) { return std::make_unique<TemporaryBytes>(copy); };
+  return std::make_unique<RtcmSource>(path, open, std::nullopt, diagnostics);
 }
 
 }  // namespace orsolva_host

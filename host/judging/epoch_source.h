@@ -10,8 +10,11 @@
 
 #include "host/judging/run_monitor.h"
 #include "host/judging/settings.h"
+#include "host/judging/shared_navigation.h"
+#include "host/observation/broadcast_records.h"
 #include "host/observation/observation_epoch.h"
 #include "host/observation/station_description.h"
+#include "host/report/stream_facts.h"
 #include "host/rinex/diagnostics.h"
 #include "host/rinex/observation_header.h"
 #include "orsolva/records.h"
@@ -33,9 +36,20 @@ class EpochSource {
   virtual const std::optional<FileError>& Failure() const = 0;
   /// What header lines among the epochs so far changed.
   virtual std::vector<DescriptionChange> Changes() const { return {}; }
+
+  /// Broadcast records that the data themselves hold, known before the first epoch; null when they hold none.
+  virtual std::shared_ptr<const ReadNavigation> Navigation() const { return nullptr; }
+  /// Is given the records of navigation files before the first epoch that needs them: some formats give
+  /// GLONASS phases only to those who know the channels.
+  virtual void TakeChannels(const BroadcastRecords& /*records*/) {}
+  /// What a stream was made of, so far; absent for files of another kind.
+  virtual std::optional<StreamFacts> Stream() const { return std::nullopt; }
 };
 
-/// A RINEX observation file, compressed or not; "-" is standard input.
+/// A RINEX observation file or a recording of an RTCM 3 stream, compressed or not, as the
+/// content shows;
+/// "-" is standard input. What cannot be read twice, such as a pipe, is copied to a temporary file where it
+/// is a stream.
 /// @param monitor  one that counts bytes is given those of a regular file as they are read; may be null
 /// @throws FileError
 std::unique_ptr<EpochSource> OpenObservations(const std::string& path, const JudgingSettings& settings,

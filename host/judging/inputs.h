@@ -13,7 +13,9 @@ struct RunInputs {
   std::vector<std::string> navigation;
 };
 
-/// Sorts paths into observations and navigation (also precise orbits) by what the files hold, in any order.
+/// Sorts paths into observations (RINEX, RTCM 3) and navigation (also precise orbits) by what the files hold,
+/// in any order. A stream is navigation when it begins with ephemerides and has no observations in its first
+/// 64 KB.
 ///
 /// Patterns with * ? [ that name no file themselves are replaced by the files they match. A folder is
 /// replaced by the observation files in it; by its navigation files when it holds no observations, or follows

@@ -15,6 +15,7 @@
 #include "host/judging/nominal_interval.h"
 #include "host/report/build_report.h"
 #include "host/report/profile.h"
+#include "host/report/stream_text.h"
 #include "host/rinex/civil_time.h"
 #include "host/rinex/satellite_names.h"
 
@@ -50,10 +51,11 @@ class Run {
   Report Judged(SharedNavigation& named);
 
  private:
-  void FillBatch(SharedNavigation& named);
-  bool ReadEpoch(SharedNavigation& named);
-  void StartAnalysis(SharedNavigation& named, const Time_gbt& first);
-  void TakeNavigation(SharedNavigation& named, const Time_gbt& first);
+  void FillBatch();
+  bool ReadEpoch();
+  void StartAnalysis(const Time_gbt& first);
+  void TakeNamed(SharedNavigation& named);
+  void TakeNavigation(const Time_gbt& first);
   void TakeEpoch(const Time_gbt& time);
   Report Finish();
   ReportRun Facts() const;
@@ -76,22 +78,23 @@ class Run {
 };
 
 Report Run::Judged(SharedNavigation& named) {
-  FillBatch(named);
+  TakeNamed(named);
+  FillBatch();
   if (batch_size_ == 0) throw RunError(source_.Name() + ": found no epoch. Check that the file is complete.");
   interval_ = ChooseInterval(settings_, source_, batch_.get(), batch_size_, diagnostics_);
   RequirePosition(settings_, source_);
   library_.Start(*navigation_, batch_[0].time, interval_.interval_s);
   while (batch_size_ > 0) {
     library_.Feed(batch_.get(), batch_size_);
-    FillBatch(named);
+    FillBatch();
   }
   return Finish();
 }
 
-void Run::FillBatch(SharedNavigation& named) {
+void Run::FillBatch() {
   batch_size_ = 0;
   while (batch_size_ < kBatchEpochs && !ended_) {
-    if (ReadEpoch(named)) {
+    if (ReadEpoch()) {
       ++batch_size_;
       continue;
     }
@@ -101,17 +104,17 @@ void Run::FillBatch(SharedNavigation& named) {
 }
 
 /// Reads the next epoch into the batch and hands it to the analysis. @return false at the end of the data
-bool Run::ReadEpoch(SharedNavigation& named) {
+bool Run::ReadEpoch() {
   if (!source_.Next(batch_[batch_size_], full_)) return false;
   const Time_gbt& time = batch_[batch_size_].time;
-  if (!analysis_) StartAnalysis(named, time);
+  if (!analysis_) StartAnalysis(time);
   analysis_->Add(full_);
   TakeEpoch(time);
   return true;
 }
 
-void Run::StartAnalysis(SharedNavigation& named, const Time_gbt& first) {
-  TakeNavigation(named, first);
+void Run::StartAnalysis(const Time_gbt& first) {
+  TakeNavigation(first);
   auto run =
       std::make_unique<AnalysisRun>(settings_, source_, navigation_->broadcast,
                                     named_ ? named_->precise : nullptr, observers_.events, observers_.series);
@@ -128,19 +131,40 @@ void Run::TakeEpoch(const Time_gbt& time) {
   if (monitor->stop.load(std::memory_order_relaxed)) throw Stopped();
 }
 
-void Run::TakeNavigation(SharedNavigation& named, const Time_gbt& first) {
-  if (!named.Empty()) {
-    named_ = named.Get();
+void Run::TakeNavigation(const Time_gbt& first) {
+  if (named_) {
     diagnostics_.Append(named_->notices);
     if (named_->failure) throw FileError(*named_->failure);
   }
   navigation_ = named_;
+  const std::shared_ptr<const ReadNavigation> own = source_.Navigation();
+  if (own && named_ && named_->has_record_files) navigation_ = Joined(*named_, *own);
   if (named_ && named_->has_record_files) return;
+  if (own) {
+    navigation_ = own;
+    return;
+  }
   navigation_ = ReadNavigationBeside(source_.Name(), first, settings_.limits);
   diagnostics_.Append(navigation_->notices);
+  source_.TakeChannels(navigation_->broadcast);
+}
+
+void Run::TakeNamed(SharedNavigation& named) {
+  if (named.Empty()) return;
+  named_ = named.Get();
+  source_.TakeChannels(named_->broadcast);
+}
+
+/// A notice for the messages by type, and one for coarse steps.
+void NameStream(const EpochSource& source, Diagnostics& diagnostics) {
+  const std::optional<StreamFacts> stream = source.Stream();
+  if (!stream) return;
+  diagnostics.Add(source.Name(), 0, StreamText(*stream) + "; messages " + MessagesText(*stream));
+  if (const std::string steps = StepsText(*stream); !steps.empty()) diagnostics.Add(source.Name(), 0, steps);
 }
 
 Report Run::Finish() {
+  NameStream(source_, diagnostics_);
   Report report = library_.Finish(Facts());
   report.analysis = analysis_->Result();
   const auto& header = source_.Header().position;
@@ -166,8 +190,9 @@ ReportRun Run::Facts() const {
   run.library_version = kLibraryVersion;
   run.observation_file = source_.Name();
   run.navigation_files = navigation_->files;
-  if (named_ && named_ != navigation_) {
-    run.navigation_files.insert(run.navigation_files.end(), named_->files.begin(), named_->files.end());
+  for (const std::string& file : named_ ? named_->files : std::vector<std::string>()) {
+    auto& files = run.navigation_files;
+    if (std::find(files.begin(), files.end(), file) == files.end()) files.push_back(file);
   }
   run.marker = header.marker;
   run.receiver = header.receiver;

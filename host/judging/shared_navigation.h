@@ -30,6 +30,9 @@ struct ReadNavigation {
   std::optional<FileError> failure;  ///< what ended reading; the set is empty then
 };
 
+/// The named records, and those of `own` for satellites of which none is named.
+std::shared_ptr<const ReadNavigation> Joined(const ReadNavigation& named, const ReadNavigation& own);
+
 /// Reads the navigation files next to an observation file, with a notice for each. One that cannot be
 /// read is passed over with a notice when others of its day are there.
 /// @return without files when none fits
@@ -39,8 +42,8 @@ std::shared_ptr<const ReadNavigation> ReadNavigationBeside(const std::string& ob
 
 class SharedNavigation {
  public:
-  /// @param named  files of records or precise orbits (SP3), and folders that stand for the navigation files
-  /// in them
+  /// @param named  files of records, also RTCM 3 streams, or precise orbits (SP3), and folders that stand for
+  /// the navigation files in them
   SharedNavigation(std::vector<std::string> named, const InputLimits& limits)
       : named_(std::move(named)), limits_(limits) {}
   /// Of records that are there already; none are looked for.

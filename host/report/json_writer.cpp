@@ -84,7 +84,7 @@ Json Parts::Run() const {
   Json j;
   j["observation_file"] = run.observation_file;
   j["navigation_files"] = run.navigation_files;
-  j["rinex_version"] = NumberJson(run.rinex_version);
+  j["rinex_version"] = run.rinex_version > 0 ? NumberJson(run.rinex_version) : Json(nullptr);
   j["marker"] = TextJson(run.marker);
   j["receiver"] = TextJson(run.receiver);
   j["antenna"] = TextJson(run.antenna);

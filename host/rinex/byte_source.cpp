@@ -102,18 +102,22 @@ Compression CompressionOf(std::string_view magic) {
   return filter ? Compression::kFilter : Compression::kNone;
 }
 
-std::string ReadMagic(ByteSource& source) {
-  std::string magic;
-  char buffer[6];
-  while (magic.size() < sizeof buffer) {
-    const std::size_t count = source.Read(buffer, sizeof buffer - magic.size());
-    if (count == 0) break;
-    magic.append(buffer, count);
-  }
-  return magic;
-}
+constexpr std::size_t kMagicBytes = 6;
 
 }  // namespace
+
+std::string Peek(std::unique_ptr<ByteSource>& source, std::size_t size) {
+  std::string first(size, '\0');
+  std::size_t filled = 0;
+  while (filled < size) {
+    const std::size_t count = source->Read(first.data() + filled, size - filled);
+    if (count == 0) break;
+    filled += count;
+  }
+  first.resize(filled);
+  source = std::make_unique<PrefixedBytes>(first, std::move(source));
+  return first;
+}
 
 std::unique_ptr<ByteSource> TextBytes(std::string text) {
   return std::make_unique<MemoryBytes>(std::move(text));
@@ -125,9 +129,7 @@ std::unique_ptr<ByteSource> DecompressedBytes(std::unique_ptr<ByteSource> source
   // A compressed file inside an archive is common; deeper nesting is no accident.
   constexpr int kMaxCompressionLayers = 3;
   for (int depth = 0; depth < kMaxCompressionLayers; ++depth) {
-    std::string magic = ReadMagic(*source);
-    const Compression compression = CompressionOf(magic);
-    source = std::make_unique<PrefixedBytes>(std::move(magic), std::move(source));
+    const Compression compression = CompressionOf(Peek(source, kMagicBytes));
     if (compression == Compression::kNone) break;
     if (ahead) return DecompressedAhead(std::move(source), name, diagnostics, limits);
     source = compression == Compression::kGzip

@@ -47,6 +47,9 @@ std::unique_ptr<ByteSource> DecompressedBytes(std::unique_ptr<ByteSource> source
 std::unique_ptr<ByteSource> DecompressedAhead(std::unique_ptr<ByteSource> compressed, const std::string& name,
                                               Diagnostics& diagnostics, const InputLimits& limits = {});
 
+/// The first bytes of a source, at most so many. The source gives them again: it may be a pipe.
+std::string Peek(std::unique_ptr<ByteSource>& source, std::size_t size);
+
 /// The bytes of a text.
 std::unique_ptr<ByteSource> TextBytes(std::string text);
 

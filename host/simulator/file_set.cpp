@@ -5,14 +5,17 @@
 #include <cmath>
 #include <filesystem>
 #include <memory>
+#include <utility>
 
 #include "host/output/byte_sink.h"
 #include "host/output/whole_file.h"
 #include "host/rinex/civil_time.h"
+#include "host/rinex/navigation_reader.h"
 #include "host/simulator/broadcast.h"
 #include "host/simulator/navigation_writer.h"
 #include "host/simulator/observation_writer.h"
 #include "host/simulator/simulation.h"
+#include "host/simulator/stream_writer.h"
 #include "host/simulator/truth_json.h"
 
 namespace orsolva_host {
@@ -40,6 +43,47 @@ void WriteText(const std::string& path, const std::string& text, WholeFiles& fil
   sink->Close();
 }
 
+void WriteObservations(Simulation& simulation, std::unique_ptr<ByteSink> sink, const FileSetOptions& options,
+                       const SimulationProgress& progress) {
+  ObservationWriter writer(std::move(sink), simulation.Settings(), simulation.TruthSoFar().header_position_m,
+                           options.crinex);
+  const auto record = std::make_unique<ObsEpoch_QC_gbt>();
+  ObservationEpoch epoch;
+  while (simulation.Next(*record, epoch)) {
+    writer.Write(epoch);
+    progress(simulation.NominalEpochsDone(), simulation.NominalEpochs());
+  }
+  writer.Close();
+}
+
+BroadcastRecords RecordsOf(const std::string& navigation) {
+  Diagnostics none;
+  NavigationReader reader(none);
+  reader.Read(TextBytes(navigation), "navigation");
+  return reader.TakeBroadcast();
+}
+
+/// The stream, and the observations that a reader of it gets.
+void WriteTwins(Simulation& simulation, const FileSet& names, const FileSetOptions& options,
+                const std::string& navigation, WholeFiles& files, const SimulationProgress& progress) {
+  const Scenario& scenario = simulation.Settings();
+  const std::array<double, 3>& position_m = simulation.TruthSoFar().header_position_m;
+  StreamWriter stream(files.Begin(names.stream), options.rtcm, RecordsOf(navigation), position_m,
+                      scenario.start.time * kNanosecondsPerSecond);
+  ObservationWriter twin(files.Begin(names.observations), scenario, position_m, options.crinex,
+                         SignalOrder::kCodes);
+  const auto record = std::make_unique<ObsEpoch_QC_gbt>();
+  ObservationEpoch epoch;
+  while (simulation.Next(*record, epoch)) {
+    stream.Write(epoch);
+    while (stream.Next(epoch)) twin.Write(epoch);
+    progress(simulation.NominalEpochsDone(), simulation.NominalEpochs());
+  }
+  stream.Close();
+  while (stream.Next(epoch)) twin.Write(epoch);
+  twin.Close();
+}
+
 }  // namespace
 
 FileSet FileNames(const Scenario& scenario, const FileSetOptions& options) {
@@ -54,6 +98,7 @@ FileSet FileNames(const Scenario& scenario, const FileSetOptions& options) {
   names.observations = (folder / (stem + "_" + RateText(scenario.interval_s) + "_MO" + form + tail)).string();
   names.navigation = (folder / (stem + "_MN.rnx" + tail)).string();
   names.truth = (folder / "truth.json").string();
+  if (options.rtcm != 0) names.stream = (folder / (stem + ".rtcm3" + tail)).string();
   return names;
 }
 
@@ -62,18 +107,14 @@ Truth WriteFileSet(const Scenario& scenario, const FileSetOptions& options,
   Simulation simulation(scenario);
   MakeFolder(options.folder);
   const FileSet names = FileNames(scenario, options);
+  const std::string navigation = NavigationText(simulation.Navigation(), LeapSeconds(scenario.start.time));
   WholeFiles files;
-  WriteText(names.navigation, NavigationText(simulation.Navigation(), LeapSeconds(scenario.start.time)),
-            files);
-  ObservationWriter writer(files.Begin(names.observations), scenario,
-                           simulation.TruthSoFar().header_position_m, options.crinex);
-  const auto record = std::make_unique<ObsEpoch_QC_gbt>();
-  ObservationEpoch epoch;
-  while (simulation.Next(*record, epoch)) {
-    writer.Write(epoch);
-    progress(simulation.NominalEpochsDone(), simulation.NominalEpochs());
+  WriteText(names.navigation, navigation, files);
+  if (options.rtcm == 0) {
+    WriteObservations(simulation, files.Begin(names.observations), options, progress);
+  } else {
+    WriteTwins(simulation, names, options, navigation, files, progress);
   }
-  writer.Close();
   WriteText(names.truth, TruthJson(scenario, simulation.TruthSoFar()), files);
   files.Publish();
   return simulation.TruthSoFar();

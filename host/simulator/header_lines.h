@@ -6,6 +6,9 @@
 
 namespace orsolva_host {
 
+inline constexpr const char* kSimulatedReceiver = "ORSOLVA SIMULATED";
+inline constexpr const char* kSimulatedAntenna = "NONE";
+
 /// The text truncated or padded to 60 columns, then the label, then the line end.
 std::string HeaderLine(std::string text, const std::string& label);
 

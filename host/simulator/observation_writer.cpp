@@ -44,19 +44,23 @@ std::string FirstObs(const Time_gbt& time) {
 
 }  // namespace
 
-ObservationLines::ObservationLines(const Scenario& scenario)
+ObservationLines::ObservationLines(const Scenario& scenario, SignalOrder order)
     : scenario_(scenario), kinds_(scenario.observables.doppler ? "CLDS" : "CLS") {
   for (std::size_t slot = 0; slot < kSystems; ++slot) {
     const char letter = kSystemTable[slot].letter;
     if (scenario.systems.find(letter) == std::string::npos) continue;
     for (const std::string& name : AllSignals(scenario, letter)) signals_[slot].push_back({name[0], name[1]});
+    if (order == SignalOrder::kScenario) continue;
+    std::sort(signals_[slot].begin(), signals_[slot].end(), [](SignalCode a, SignalCode b) {
+      return a.band != b.band ? a.band < b.band : a.attribute < b.attribute;
+    });
   }
 }
 
 std::string ObservationLines::TypeLines(char letter) const {
   std::vector<std::string> types;
-  for (const std::string& name : AllSignals(scenario_, letter)) {
-    for (const char kind : kinds_) types.push_back(kind + name);
+  for (const SignalCode code : signals_[static_cast<std::size_t>(SystemSlot(letter))]) {
+    for (const char kind : kinds_) types.push_back(kind + NameOf(code));
   }
   constexpr std::size_t kTypesOfLine = 13;
   std::string lines;
@@ -86,8 +90,8 @@ std::string ObservationLines::Header(const std::array<double, 3>& p, const Time_
   std::string h = HeaderBegin("OBSERVATION DATA");
   h += HeaderLine(scenario_.station, "MARKER NAME");
   h += HeaderLine(fmt::format("{:<20}{}", "ORSOLVA", "SIMULATED SKY"), "OBSERVER / AGENCY");
-  h += HeaderLine(fmt::format("{:<20}{:<20}{:<20}", "1", "ORSOLVA SIMULATED", "1"), "REC # / TYPE / VERS");
-  h += HeaderLine(fmt::format("{:<20}{:<20}", "1", "NONE"), "ANT # / TYPE");
+  h += HeaderLine(fmt::format("{:<20}{:<20}{:<20}", "1", kSimulatedReceiver, "1"), "REC # / TYPE / VERS");
+  h += HeaderLine(fmt::format("{:<20}{:<20}", "1", kSimulatedAntenna), "ANT # / TYPE");
   h += HeaderLine(fmt::format("{:14.4f}{:14.4f}{:14.4f}", p[0], p[1], p[2]), "APPROX POSITION XYZ");
   h += HeaderLine(fmt::format("{:14.4f}{:14.4f}{:14.4f}", 0.0, 0.0, 0.0), "ANTENNA: DELTA H/E/N");
   for (const SystemRow& system : kSystemTable) {
@@ -167,13 +171,14 @@ void ObservationLines::Append(const ObservationEpoch& epoch, std::string& out) {
 }
 
 ObservationWriter::ObservationWriter(std::unique_ptr<ByteSink> sink, const Scenario& scenario,
-                                     const std::array<double, 3>& header_position_m, bool crinex)
+                                     const std::array<double, 3>& header_position_m, bool crinex,
+                                     SignalOrder order)
     : sink_(std::move(sink)), header_position_m_(header_position_m) {
   if (crinex) {
-    lines_ = std::make_unique<CrinexLines>(scenario);
+    lines_ = std::make_unique<CrinexLines>(scenario, order);
     buffer_ = CrinexLines::Preamble();
   } else {
-    lines_ = std::make_unique<ObservationLines>(scenario);
+    lines_ = std::make_unique<ObservationLines>(scenario, order);
   }
 }
 

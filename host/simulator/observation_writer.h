@@ -25,10 +25,13 @@ struct ObservationCell {
   bool HasFlags() const { return loss_of_lock != ' ' || strength != ' '; }
 };
 
+/// In which order a file lists the signals of a system.
+enum class SignalOrder { kScenario, kCodes };
+
 /// Turns epochs into the lines of a file body.
 class ObservationLines {
  public:
-  explicit ObservationLines(const Scenario& scenario);
+  explicit ObservationLines(const Scenario& scenario, SignalOrder order = SignalOrder::kScenario);
   virtual ~ObservationLines() = default;
 
   /// The header, with the approximate position and the first epoch given.
@@ -59,7 +62,8 @@ class ObservationWriter {
  public:
   /// @param crinex  CRINEX 3 instead of plain lines
   ObservationWriter(std::unique_ptr<ByteSink> sink, const Scenario& scenario,
-                    const std::array<double, 3>& header_position_m, bool crinex = false);
+                    const std::array<double, 3>& header_position_m, bool crinex = false,
+                    SignalOrder order = SignalOrder::kScenario);
   ~ObservationWriter();
 
   void Write(const ObservationEpoch& epoch);

@@ -39,7 +39,7 @@ HOST_BELOW = {
     "formats": {"observation", "rinex"},
     "analysis": {"observation"},
     "report": {"analysis", "observation", "rinex", "output"},
-    "simulator": {"observation", "rinex", "output"},
+    "simulator": {"observation", "rinex", "formats", "output"},
     "judging": {"platform", "output", "observation", "rinex", "formats", "analysis", "report"},
     "terminal": {"platform"},
     "cli": {"platform", "output", "rinex", "report", "simulator", "judging", "terminal"},

@@ -14,9 +14,11 @@ constexpr int kParameterMessage = 1013;
 
 }  // namespace
 
+bool HoldsObservations(int message) { return MsmTypeOf(message) || !LegacySatelliteRows(message).empty(); }
+
 bool IsDecoded(int message) {
-  return MsmTypeOf(message) || !LegacySatelliteRows(message).empty() || !EphemerisRows(message).empty() ||
-         IsStation(message) || message == kTextMessage || message == kParameterMessage;
+  return HoldsObservations(message) || !EphemerisRows(message).empty() || IsStation(message) ||
+         message == kTextMessage || message == kParameterMessage;
 }
 
 void Decoder::Take(std::string_view message) {
@@ -41,7 +43,16 @@ bool Decoder::TakeMessage(int type, std::string_view message) {
   if (!EphemerisRows(type).empty()) return TakeEphemeris(message);
   if (type == kTextMessage) return TakeText(message);
   if (type == kParameterMessage) return TakeParameters(message);
-  return TakeStation(message, station_);
+  return TakeStationMessage(message);
+}
+
+bool Decoder::TakeStationMessage(std::string_view message) {
+  if (!TakeStation(message, station_)) return false;
+  StationDescription& first = first_station_;
+  if (first.antenna.empty()) first.antenna = station_.antenna;
+  if (first.receiver.empty()) first.receiver = station_.receiver;
+  if (!first.position_m) first.position_m = station_.position_m;
+  return true;
 }
 
 template <class Message>
@@ -50,6 +61,8 @@ void Decoder::AddPart(const Message& message, std::optional<std::int64_t> time_n
     ++(clock_.Known() ? counts_.impossible_times : counts_.undated);
     return;
   }
+  if (!first_ns_) first_ns_ = time_ns;
+  if (!epochs_) return;
   if (!joiner_.Accepts(*time_ns, station)) return;
   EpochPart part;
   part.time_ns = *time_ns;
@@ -60,7 +73,7 @@ void Decoder::AddPart(const Message& message, std::optional<std::int64_t> time_n
 }
 
 bool Decoder::TakeMsm(std::string_view bytes) {
-  const std::optional<MsmMessage> message = ReadMsm(bytes);
+  const std::optional<MsmMessage> message = epochs_ ? ReadMsm(bytes) : ReadMsmHeader(bytes);
   if (!message) return false;
   const auto& header = message->header;
   const std::int64_t time_ms = header[msm::kTime];

@@ -21,6 +21,7 @@ struct DecoderOptions {
   /// A time within half a week of the first message, on the GPS time scale.
   std::optional<std::int64_t> near_ns;
   EpochEnd epoch_end = EpochEnd::kNextTime;
+  bool epochs = true;  ///< off: of observation messages the time alone is read
 };
 
 /// Messages of one type.
@@ -40,10 +41,13 @@ struct MessageCounts {
 
 /// Whether messages of this type are decoded.
 bool IsDecoded(int message);
+/// MSM1 to 7, 1001 to 1004 and 1009 to 1012.
+bool HoldsObservations(int message);
 
 class Decoder {
  public:
-  explicit Decoder(const DecoderOptions& options) : clock_(options.near_ns), joiner_(options.epoch_end) {}
+  explicit Decoder(const DecoderOptions& options)
+      : epochs_(options.epochs), clock_(options.near_ns), joiner_(options.epoch_end) {}
 
   /// Takes in a message, the bytes between the head of a frame and its CRC.
   void Take(std::string_view message);
@@ -64,6 +68,8 @@ class Decoder {
   std::vector<EphemerisMessage> TakeEphemerides();
 
   const StationDescription& Station() const { return station_; }
+  /// The first antenna, receiver and position that it gave.
+  const StationDescription& FirstStation() const { return first_station_; }
   const std::optional<TextMessage>& LastText() const { return text_; }
   /// GLONASS channels from outside, such as a navigation file.
   void TakeChannel(int glonass_number, int channel) { signals_.TakeChannel(glonass_number, channel); }
@@ -71,6 +77,8 @@ class Decoder {
   const MessageCounts& Counts() const { return counts_; }
   const FieldCounts& Fields() const { return signals_.Counts(); }
   const StreamClock& Clock() const { return clock_; }
+  /// The first time of an observation message.
+  std::optional<std::int64_t> FirstTime() const { return first_ns_; }
   const PhaseTracker& Phases() const { return phases_; }
   const EpochJoiner& Epochs() const { return joiner_; }
 
@@ -79,16 +87,20 @@ class Decoder {
   bool TakeMsm(std::string_view message);
   bool TakeLegacy(std::string_view message);
   bool TakeEphemeris(std::string_view message);
+  bool TakeStationMessage(std::string_view message);
   bool TakeText(std::string_view message);
   bool TakeParameters(std::string_view message);
   template <class Message>
   void AddPart(const Message& message, std::optional<std::int64_t> time_ns, bool more, int station);
 
+  bool epochs_;
+  std::optional<std::int64_t> first_ns_;
   StreamClock clock_;
   SignalDecoder signals_;
   PhaseTracker phases_;
   EpochJoiner joiner_;
   StationDescription station_;
+  StationDescription first_station_;
   std::optional<TextMessage> text_;
   std::map<std::pair<int, int>, EphemerisMessage> latest_;  ///< by message type and satellite
   std::vector<EphemerisMessage> ephemerides_;

@@ -144,6 +144,7 @@ std::optional<KeplerRecord> KeplerOf(const EphemerisMessage& e, const StreamCloc
   k.toe_s = SecondsOfNanoseconds(bds ? clock.NearestBds(toe_of_week) : clock.NearestGps(toe_of_week));
   k.toc_s = SecondsOfNanoseconds(bds ? clock.NearestBds(toc_of_week) : clock.NearestGps(toc_of_week));
   k.toe_of_week_s = static_cast<double>(toe_of_week);
+  if (bds) k.group_delay_s = e.Scaled(kGroupDelay1);
   k.unhealthy = !IsHealthy(e);
   k.second_message = e.message == 1045;
   return k;
@@ -186,6 +187,7 @@ EphemerisMessage MessageOf(const KeplerRecord& record, int message) {
                     : galileo       ? (week - kGalileoWeekOffset) % 4096
                                     : week % 1024;
   e.values[kHealth] = record.unhealthy ? 1 : 0;
+  if (message == 1042) Store(e, kGroupDelay1, record.group_delay_s);
   return e;
 }
 

@@ -41,7 +41,7 @@ std::optional<KeplerRecord> KeplerOf(const EphemerisMessage& ephemeris, const St
 std::optional<StateVectorRecord> StateVectorOf(const EphemerisMessage& ephemeris, const StreamClock& clock);
 
 /// Messages from records, each value rounded to the step of its field. What a record does not hold (issues,
-/// accuracy, group delays) is 0.
+/// accuracy, group delays but those of BDS) is 0.
 /// @param message  1019, 1041, 1042, 1044, 1045 or 1046, of the record's system
 EphemerisMessage MessageOf(const KeplerRecord& record, int message);
 /// @return 1020

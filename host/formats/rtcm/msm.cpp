@@ -116,6 +116,18 @@ void LayOut(MsmMessage& m) {
   }
 }
 
+/// @param bits  at the beginning of the message; behind the header on return
+std::optional<MsmMessage> HeaderFrom(std::string_view message, BitReader& bits) {
+  BitReader number(message);
+  const std::optional<MsmType> type = MsmTypeOf(static_cast<int>(number.Unsigned(12)));
+  if (!type) return std::nullopt;
+  MsmMessage m;
+  m.type = *type;
+  ReadFields(bits, MsmHeaderRows(type->system), m.header);
+  if (bits.Overrun()) return std::nullopt;
+  return m;
+}
+
 }  // namespace
 
 std::optional<MsmType> MsmTypeOf(int message) {
@@ -153,23 +165,25 @@ std::span<const FieldRow> MsmHeaderRows(char system) {
 std::span<const MsmColumn<MsmSatellite>> MsmSatelliteColumns() { return kSatelliteColumns; }
 std::span<const MsmColumn<MsmCell>> MsmCellColumns() { return kCellColumns; }
 
-std::optional<MsmMessage> ReadMsm(std::string_view message) {
-  BitReader number(message);
-  const std::optional<MsmType> type = MsmTypeOf(static_cast<int>(number.Unsigned(12)));
-  if (!type) return std::nullopt;
-  MsmMessage m;
-  m.type = *type;
+std::optional<MsmMessage> ReadMsmHeader(std::string_view message) {
   BitReader bits(message);
-  ReadFields(bits, MsmHeaderRows(type->system), m.header);
+  return HeaderFrom(message, bits);
+}
+
+std::optional<MsmMessage> ReadMsm(std::string_view message) {
+  BitReader bits(message);
+  std::optional<MsmMessage> read = HeaderFrom(message, bits);
+  if (!read) return std::nullopt;
+  MsmMessage& m = *read;
   const int cells = std::popcount(static_cast<std::uint64_t>(m.header[kSatellites])) *
                     std::popcount(static_cast<std::uint64_t>(m.header[kSignals]));
   if (cells > kMaxCells) return std::nullopt;
   m.cell_mask = bits.Unsigned(cells);
   LayOut(m);
-  ReadColumns(bits, type->kind, MsmSatelliteColumns(), m.satellites);
-  ReadColumns(bits, type->kind, MsmCellColumns(), m.cells);
+  ReadColumns(bits, m.type.kind, MsmSatelliteColumns(), m.satellites);
+  ReadColumns(bits, m.type.kind, MsmCellColumns(), m.cells);
   if (bits.Overrun()) return std::nullopt;
-  return m;
+  return read;
 }
 
 std::string WriteMsm(const MsmMessage& message) {

@@ -96,6 +96,8 @@ struct MsmMessage {
 
 /// @return absent when the type is no MSM, the masks describe more than 64 cells, or data are missing
 std::optional<MsmMessage> ReadMsm(std::string_view message);
+/// The header alone, without satellites and cells.
+std::optional<MsmMessage> ReadMsmHeader(std::string_view message);
 
 /// Masks are made from satellites and cells, whose order must be that of the masks.
 /// @pre at most 64 satellites by signals

@@ -12,8 +12,7 @@ constexpr std::size_t kReadAhead = 4 * 1024 * 1024;
 
 bool IsObservation(std::string_view message) {
   BitReader bits(message);
-  const auto type = static_cast<int>(bits.Unsigned(12));
-  return MsmTypeOf(type) || !LegacySatelliteRows(type).empty();
+  return HoldsObservations(static_cast<int>(bits.Unsigned(12)));
 }
 
 }  // namespace
@@ -23,7 +22,7 @@ Reader::Reader(std::unique_ptr<ByteSource> source, std::string name, Diagnostics
     : source_(std::move(source)),
       name_(std::move(name)),
       diagnostics_(diagnostics),
-      decoder_({options.near_ns, options.epoch_end}) {
+      decoder_({options.near_ns, options.epoch_end, options.epochs}) {
   ReadAhead();
 }
 
@@ -50,7 +49,7 @@ void Reader::ReadAhead() {
   if (std::any_of(ahead_.begin(), ahead_.end(), IsObservation)) {
     throw FileError(name_, 0, "observations without a date",
                     "a week in an ephemeris, or the date of the recording",
-                    "Give the date of the recording.");
+                    "Record the ephemerides of the stream (1019, 1042, 1045, 1046) with it.");
   }
 }
 

@@ -20,6 +20,9 @@ struct ReaderOptions {
   /// 4 MB, or else from the first GPS week (stream_clock.h).
   std::optional<std::int64_t> near_ns;
   EpochEnd epoch_end = EpochEnd::kNextTime;
+  /// Off: of observation messages the time alone is read, and there are no epochs; for the ephemerides and
+  /// the station of a whole recording.
+  bool epochs = true;
 };
 
 /// Streams the epochs of a file of RTCM 3 frames, between which other bytes may lie.
@@ -46,6 +49,9 @@ class Reader {
   /// The ephemerides read since the last call.
   BroadcastRecords TakeBroadcast() { return decoder_.TakeBroadcast(); }
   std::vector<EphemerisMessage> TakeEphemerides() { return decoder_.TakeEphemerides(); }
+
+  /// GLONASS channels from outside, such as a navigation file. @param channel  -7 to 13; others are ignored
+  void TakeChannel(int glonass_number, int channel) { decoder_.TakeChannel(glonass_number, channel); }
 
   /// Why reading ended before the end of the file; absent when it did not.
   const std::optional<FileError>& Failure() const { return failure_; }

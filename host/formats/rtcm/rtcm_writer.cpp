@@ -168,15 +168,19 @@ void MsmWriter::FillPhase(const ObservationEpoch& epoch, SatelliteId id, const S
   const double cycles_per_ms = carrier_hz / 1000;
   const auto [place, is_new] = tracks_.try_emplace({id, cell.signal});
   Track& track = place->second;
-  if (is_new || (signal.loss_of_lock & kLossOfLock) != 0) {
-    track.locked_since_ns = epoch.time_ns;
-    track.cycles = std::llround(rough_ms * cycles_per_ms - signal.phase_cycles);
-  }
-  const auto fine_ms = [&] {
-    return (signal.phase_cycles + static_cast<double>(track.cycles)) / cycles_per_ms - rough_ms;
-  };
   const double limit_ms = std::ldexp(column.scale, column.bits - 1) - column.scale;
-  if (std::fabs(fine_ms()) > limit_ms) track.cycles += fine_ms() > 0 ? -kRollOver_cycles : kRollOver_cycles;
+  const auto fine_ms = [&] {
+    return (signal.phase_cycles + static_cast<double>(track.cycles + track.rolled)) / cycles_per_ms -
+           rough_ms;
+  };
+  const auto begin = [&](bool again) {
+    track.locked_since_ns = epoch.time_ns;
+    track.rolled = 0;
+    if (again) track.cycles = std::llround(rough_ms * cycles_per_ms - signal.phase_cycles);
+  };
+  if (is_new || (signal.loss_of_lock & kLossOfLock) != 0) begin(is_new);
+  if (std::fabs(fine_ms()) > limit_ms) track.rolled += fine_ms() > 0 ? -kRollOver_cycles : kRollOver_cycles;
+  if (std::fabs(fine_ms()) > limit_ms) begin(true);
   cell.phase = InSteps(column, fine_ms());
   const std::int64_t lock_ms =
       std::max<std::int64_t>(epoch.time_ns - track.locked_since_ns, 0) / kMillisecond_ns;

@@ -21,8 +21,10 @@ using ChannelTable = std::array<std::optional<int>, 64>;
 
 /// Keeps what one epoch of a receiver leaves to the next: lock times and whole cycles of phases.
 ///
-/// Phases are sent near the ranges: whole cycles are added where a signal begins and with every loss of lock,
-/// and kept between. When ionosphere drives a phase out of its field, 1500 cycles are taken from it.
+/// Phases are sent near the ranges: whole cycles are added where a signal begins, and kept, so that slips
+/// keep their size. When ionosphere drives a phase out of its field, 1500 cycles are taken from it. When that
+/// does not help, as after a jump of the receiver clock in the codes alone, or when the phase does not fit
+/// after a loss of lock, the cycles are chosen again, with a lock time of 0.
 ///
 /// Left out, because the messages cannot hold them: satellites without a pseudorange, signals and satellites
 /// that MSM has no place for, ranges of 255 ms and more, and phases of GLONASS without a channel.
@@ -39,6 +41,7 @@ class MsmWriter {
   struct Track {
     std::int64_t locked_since_ns = 0;
     std::int64_t cycles = 0;  ///< added to the phase
+    std::int64_t rolled = 0;  ///< and since the lock began
   };
   struct Candidate {
     const SatelliteObservation* satellite = nullptr;

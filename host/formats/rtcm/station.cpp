@@ -11,6 +11,7 @@ using namespace position;
 constexpr FieldKind kU = FieldKind::kUnsigned;
 constexpr FieldKind kS = FieldKind::kSigned;
 constexpr double kPositionStep_m = 0.0001;
+constexpr double kPositionSteps = 10000;  // of a metre
 constexpr double kBiasStep_m = 0.02;
 constexpr std::int64_t kInvalidBias = -32768;
 constexpr std::size_t kLongestText = 31;  // DF029, DF032, DF227, DF229, DF231
@@ -59,9 +60,10 @@ bool TakePosition(BitReader& bits, int message, StationDescription& station) {
   station.virtual_station = v[kVirtual] != 0;
   station.position_m.reset();
   if (v[kX] != 0 || v[kY] != 0 || v[kZ] != 0) {
-    station.position_m = {static_cast<double>(v[kX]) * kPositionStep_m,
-                          static_cast<double>(v[kY]) * kPositionStep_m,
-                          static_cast<double>(v[kZ]) * kPositionStep_m};
+    // Divided, as a decimal of a header is read.
+    station.position_m = {static_cast<double>(v[kX]) / kPositionSteps,
+                          static_cast<double>(v[kY]) / kPositionSteps,
+                          static_cast<double>(v[kZ]) / kPositionSteps};
   }
   if (message == 1006) station.antenna_height_m = static_cast<double>(v[kHeight]) * kPositionStep_m;
   return true;

@@ -1,0 +1,61 @@
+// A recording of an RTCM 3 stream as a source of epochs.
+#ifndef ORSOLVA_JUDGING_RTCM_SOURCE_H
+#define ORSOLVA_JUDGING_RTCM_SOURCE_H
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/formats/rtcm/reader.h"
+#include "host/judging/epoch_source.h"
+#include "host/judging/shared_navigation.h"
+
+namespace orsolva_host {
+
+/// Rounds values to the decimals of a RINEX file (1 mm, 0.001 cycles, 0.001 Hz, 0.001 dB-Hz), so that a
+/// stream and its conversion give the same report. The steps of MSM7 are half as wide at most, far below any
+/// noise. What rounds to 0 is absent, as it is in RINEX.
+void RoundAsRinex(ObservationEpoch& epoch);
+
+/// What a reader has found so far.
+StreamFacts StreamOf(const rtcm::Reader& reader);
+
+/// Reads the recording twice: first the ephemerides, the station and the time at which it begins, so that
+/// epochs before the first ephemerides are judged as all others are, then the epochs.
+class RtcmSource : public EpochSource {
+ public:
+  using Open = std::function<std::unique_ptr<ByteSource>(Diagnostics&)>;
+
+  /// @param open  returns the bytes from the beginning on, each of the two times that it is called
+  /// @param near_ns  a time within half a week of the beginning, GPS time; absent: from the stream
+  /// @throws FileError
+  RtcmSource(std::string name, const Open& open, std::optional<std::int64_t> near_ns,
+             Diagnostics& diagnostics);
+
+  const std::string& Name() const override { return name_; }
+  const ObservationHeader& Header() const override { return header_; }
+  bool Next(ObsEpoch_QC_gbt& epoch, ObservationEpoch& full) override;
+  const std::optional<FileError>& Failure() const override { return reader_->Failure(); }
+  std::vector<DescriptionChange> Changes() const override { return changes_; }
+  std::shared_ptr<const ReadNavigation> Navigation() const override { return navigation_; }
+  void TakeChannels(const BroadcastRecords& records) override;
+  std::optional<StreamFacts> Stream() const override { return StreamOf(*reader_); }
+
+ private:
+  void Survey(const Open& open, std::optional<std::int64_t> near_ns);
+  void NoteChanges();
+
+  std::string name_;
+  Diagnostics& diagnostics_;
+  ObservationHeader header_;
+  std::shared_ptr<const ReadNavigation> navigation_;  ///< null without ephemerides
+  std::unique_ptr<rtcm::Reader> reader_;
+  std::string antenna_, receiver_;  ///< as stated last
+  std::vector<DescriptionChange> changes_;
+};
+
+}  // namespace orsolva_host
+
+#endif  // ORSOLVA_JUDGING_RTCM_SOURCE_H

@@ -1,0 +1,144 @@
+#include "host/judging/rtcm_source.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "host/formats/rtcm/ephemeris.h"
+#include "host/formats/rtcm/frame.h"
+#include "host/judging/inputs.h"
+#include "host/judging/rtcm_detection.h"
+#include "host/judging/stream_navigation.h"
+#include "tests/formats/rtcm/frames.h"
+#include "tests/host/folder.h"
+
+namespace {
+
+using namespace orsolva_host;
+using orsolva_test::Folder;
+using orsolva_test::GpsTime;
+using orsolva_test::kSecond;
+using orsolva_test::OneCell;
+
+std::string Ephemeris(int type, char system, int number, std::int64_t toe_ns) {
+  KeplerRecord record;
+  record.satellite = {system, static_cast<std::uint8_t>(number)};
+  record.sqrt_a = 5153;
+  record.toe_s = record.toc_s = static_cast<double>(toe_ns / kSecond);
+  return rtcm::FrameOf(rtcm::WriteEphemeris(rtcm::MessageOf(record, type)));
+}
+
+std::string Epoch(char system, std::int64_t time_ms) {
+  return rtcm::FrameOf(rtcm::WriteMsm(OneCell(system, 7, time_ms)));
+}
+
+RtcmSource Open(const std::string& bytes, Diagnostics& diagnostics) {
+  return RtcmSource(
+      "stream", [&](Diagnostics& /*notices*/) { return TextBytes(bytes); }, std::nullopt, diagnostics);
+}
+
+RtcmContent ContentOf(const std::string& bytes) {
+  std::unique_ptr<ByteSource> source = TextBytes(bytes);
+  const RtcmContent content = RtcmContentOf(source);
+  EXPECT_EQ(Peek(source, bytes.size() + 1), bytes);
+  return content;
+}
+
+TEST(RtcmDetection, GoesByFramesAndNotByNames) {
+  const std::string observations = Epoch('G', 1000), records = Ephemeris(1045, 'E', 3, GpsTime(2200, 600));
+  EXPECT_EQ(ContentOf(observations), RtcmContent::kObservations);
+  EXPECT_EQ(ContentOf("ICY 200 OK\r\n\r\n" + records + observations), RtcmContent::kObservations);
+  EXPECT_EQ(ContentOf(records), RtcmContent::kNavigation);
+  EXPECT_EQ(ContentOf(observations.substr(0, observations.size() - 1)), RtcmContent::kNone);
+  EXPECT_EQ(ContentOf(""), RtcmContent::kNone);
+  EXPECT_EQ(ContentOf("     3.05           OBSERVATION DATA    M                   RINEX VERSION / TYPE\n" +
+                      observations),
+            RtcmContent::kNone);
+  EXPECT_EQ(RtcmContentOf(std::string("/no/such.rtcm3")), RtcmContent::kNone);
+}
+
+TEST(RtcmDetection, SortsStreamsAmongOtherFiles) {
+  const Folder folder;
+  std::ofstream(folder / "b", std::ios::binary) << Epoch('G', 1000);
+  std::ofstream(folder / "a", std::ios::binary) << Ephemeris(1045, 'E', 3, GpsTime(2200, 600));
+  std::ofstream(folder / "c") << "neither";
+  const RunInputs named = InputsOf({folder / "a", folder / "b"}, {});
+  EXPECT_EQ(named.observations, std::vector<std::string>{folder / "b"});
+  EXPECT_EQ(named.navigation, std::vector<std::string>{folder / "a"});
+  EXPECT_EQ(InputsOf({folder.Path()}, {}).observations, std::vector<std::string>{folder / "b"});
+}
+
+TEST(RtcmSource, KnowsEphemeridesBeforeTheFirstEpoch) {
+  Diagnostics diagnostics;
+  const std::string bytes = Epoch('G', 1000) + Epoch('G', 2000) + Ephemeris(1045, 'E', 3, GpsTime(2200, 600));
+  RtcmSource source = Open(bytes, diagnostics);
+  ASSERT_TRUE(source.Navigation());
+  EXPECT_EQ(source.Navigation()->set.galileo.size(), 1U);
+  ObsEpoch_QC_gbt record;
+  ObservationEpoch full;
+  ASSERT_TRUE(source.Next(record, full));
+  EXPECT_EQ(full.time_ns, GpsTime(2200, 1));
+  EXPECT_EQ(record.time.time, GpsTime(2200, 1) / kSecond);
+  ASSERT_TRUE(source.Next(record, full));
+  EXPECT_FALSE(source.Next(record, full));
+  ASSERT_TRUE(source.Stream());
+  EXPECT_EQ(source.Stream()->frames, 3U);
+  EXPECT_EQ(source.Stream()->messages.size(), 2U);
+  EXPECT_TRUE(source.Stream()->coarse_systems.empty());
+}
+
+TEST(RtcmSource, WithoutADateAsksForEphemerides) {
+  Diagnostics diagnostics;
+  try {
+    Open(Epoch('G', 1000), diagnostics);
+    FAIL();
+  } catch (const FileError& error) {
+    EXPECT_NE(error.Advice().find("ephemerides"), std::string::npos);
+  }
+}
+
+TEST(RtcmSource, RoundsAsAFileDoes) {
+  ObservationEpoch epoch;
+  SignalObservation signal;
+  signal.pseudorange_m = 21234567.12349;
+  signal.phase_cycles = -1234.56751;
+  signal.doppler_hz = 0.0003;
+  epoch.signals = {signal};
+  RoundAsRinex(epoch);
+  EXPECT_EQ(epoch.signals[0].pseudorange_m, 21234567.123);
+  EXPECT_EQ(epoch.signals[0].phase_cycles, -1234.568);
+  EXPECT_TRUE(std::isnan(epoch.signals[0].doppler_hz));
+  EXPECT_TRUE(std::isnan(epoch.signals[0].snr_dbhz));
+}
+
+TEST(StreamNavigation, AccuracyIsThatOfTheInterfaceDocuments) {
+  EXPECT_EQ(AccuracyOf('G', 0), 2);
+  EXPECT_EQ(AccuracyOf('G', 1), 2.8);
+  EXPECT_EQ(AccuracyOf('C', 5), 11.3);
+  EXPECT_EQ(AccuracyOf('J', 7), 32);
+  EXPECT_EQ(AccuracyOf('G', 15), 8192);
+  EXPECT_NEAR(AccuracyOf('E', 49), 0.49, 1e-12);
+  EXPECT_NEAR(AccuracyOf('E', 107), 3.12, 1e-12);
+  EXPECT_NEAR(AccuracyOf('E', 125), 6, 1e-12);
+  EXPECT_EQ(AccuracyOf('E', 255), -1);
+}
+
+TEST(StreamNavigation, RecordsOfNamedFilesComeFirst) {
+  Diagnostics diagnostics;
+  const auto navigation_of = [&](const std::string& bytes) {
+    return Open(bytes + Epoch('G', 1000), diagnostics).Navigation();
+  };
+  const auto named = navigation_of(Ephemeris(1046, 'E', 3, GpsTime(2200, 600)));
+  const auto own = navigation_of(Ephemeris(1046, 'E', 3, GpsTime(2200, 1200)) +
+                                 Ephemeris(1046, 'E', 4, GpsTime(2200, 1200)));
+  const auto joined = Joined(*named, *own);
+  ASSERT_EQ(joined->set.galileo.size(), 2U);
+  EXPECT_EQ(joined->set.galileo[0].toes, 600);
+  EXPECT_EQ(joined->set.galileo[1].prn, 4);
+  EXPECT_EQ(joined->broadcast.kepler.size(), 2U);
+}
+
+}  // namespace

@@ -1,0 +1,82 @@
+// Recordings of RTCM 3 streams wherever a RINEX file may be named.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "tests/host/folder.h"
+#include "tests/host/program.h"
+#include "tests/support/json_reader.h"
+
+namespace {
+
+using orsolva_test::Answer;
+using orsolva_test::Folder;
+using orsolva_test::Orsolva;
+using orsolva_test::ReadText;
+using json = orsolva_test::Json;
+
+class StreamCommand : public testing::Test {
+ protected:
+  void SetUp() override {
+    const Answer made = Orsolva("simulate --hours 0.2 --systems GRE --rtcm 4 --output " + folder_.Path());
+    ASSERT_EQ(made.code, 0) << made.err;
+    std::filesystem::rename(folder_ / (std::string(kStem) + ".rtcm3"), folder_ / "stream");
+  }
+  std::string Stream() const { return folder_ / "stream"; }
+  static json Judged(const std::string& arguments, const std::string& input = "/dev/null") {
+    const Answer a = Orsolva("qc --no-config --quiet --json " + arguments, input);
+    EXPECT_EQ(a.code, 0) << a.err;
+    return json::parse(a.out);
+  }
+
+  static constexpr const char* kStem = "SIMU00ORS_R_20201770000_12M";
+  Folder folder_;
+};
+
+TEST_F(StreamCommand, JudgesAFileAPipeAndACompressedFileAlike) {
+  json file = Judged(Stream());
+  EXPECT_EQ(file["run"]["navigation_files"][0], Stream());
+  EXPECT_EQ(file["run"]["epochs"], 24);
+  ASSERT_EQ(std::system(("gzip -k " + Stream()).c_str()), 0);
+  json compressed = Judged(Stream() + ".gz"), piped = Judged("-", Stream());
+  for (json* other : {&compressed, &piped}) {
+    (*other)["run"]["observation_file"] = file["run"]["observation_file"];
+    (*other)["run"]["navigation_files"] = file["run"]["navigation_files"];
+    (*other)["notices"] = file["notices"];
+    EXPECT_EQ(*other, file);
+  }
+}
+
+TEST_F(StreamCommand, DamageCostsOnlyItself) {
+  std::string bytes = ReadText(Stream());
+  bytes[bytes.size() / 2] ^= 0x10;
+  std::ofstream(folder_ / "damaged", std::ios::binary) << "leading text" << bytes << "\xd3";
+  const json damaged = Judged(folder_ / "damaged");
+  EXPECT_EQ(damaged["run"]["epochs"], 24);
+  bool counted = false;
+  for (const json& notice : damaged["notices"])
+    counted = counted || notice["text"] == "frame with a wrong CRC";
+  EXPECT_TRUE(counted);
+}
+
+TEST_F(StreamCommand, ReportShowsMessagesAndTheStepsOfMsm4) {
+  const Answer a = Orsolva("qc --no-config " + Stream());
+  EXPECT_EQ(a.code, 0) << a.err;
+  for (const char* text : {"RTCM", "1074=24", "MSM4"}) {
+    EXPECT_NE(a.out.find(text), std::string::npos) << text << a.out;
+  }
+}
+
+TEST_F(StreamCommand, InspectListsWhatItHolds) {
+  const Answer a = Orsolva("inspect " + Stream());
+  EXPECT_EQ(a.code, 0) << a.err;
+  for (const char* text :
+       {"RTCM 3, ", "1074=24", "ORSOLVA SIMULATED", "Interval          30 s", " ephemerides"}) {
+    EXPECT_NE(a.out.find(text), std::string::npos) << text << a.out;
+  }
+}
+
+}  // namespace

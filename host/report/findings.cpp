@@ -72,7 +72,7 @@ std::string GoodText(const Headline& h) {
   if (h.cycle_slips) add(*h.cycle_slips == 0 ? "no cycle slip" : Many(*h.cycle_slips, "cycle slip"));
   if (h.satellites_tracked && h.satellites_with_orbit) {
     const bool all = *h.satellites_with_orbit == *h.satellites_tracked;
-    add(all ? fmt::format("all {} satellites judged", *h.satellites_tracked)
+    add(all ? (*h.satellites_tracked > 1 ? "all " : "") + Many(*h.satellites_tracked, "satellite") + " judged"
             : fmt::format("{} of {} satellites judged", *h.satellites_with_orbit, *h.satellites_tracked));
   }
   return text;

@@ -117,7 +117,7 @@ NetworkSummary SummaryOf(const std::vector<NetworkRow>& rows) {
 
 std::string NetworkText(const std::vector<NetworkRow>& rows, const TextStyle& style) {
   const NetworkSummary sum = SummaryOf(rows);
-  std::string text = Toned(fmt::format("NETWORK ({} files, {} judged, {} failed; worst first)", sum.files,
+  std::string text = Toned(fmt::format("NETWORK ({} files, {} read, {} failed; worst first)", sum.files,
                                        sum.files - sum.errors, sum.errors),
                            Tone::kStrong, style) +
                      "\n";

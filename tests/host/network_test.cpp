@@ -67,7 +67,7 @@ TEST(Network, TheTextKeepsTo80ColumnsAndTellsTheErrorOnce) {
     EXPECT_LE(line.size(), 80U) << line;
     EXPECT_TRUE(line.empty() || line.back() != ' ') << line;
   }
-  EXPECT_NE(text.find("2 files, 1 judged, 1 failed"), std::string::npos);
+  EXPECT_NE(text.find("2 files, 1 read, 1 failed"), std::string::npos);
   EXPECT_NE(text.find("\n    found nothing at all\n"), std::string::npos) << text;
 }
 

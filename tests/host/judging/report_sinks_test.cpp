@@ -102,7 +102,7 @@ TEST(OutputFormats, AreInTheOrderOfTheirEnumeration) {
     EXPECT_EQ(static_cast<int>(kFormats[i].format), i);
     EXPECT_EQ(FindFormat(kFormats[i].name), &kFormats[i]);
   }
-  EXPECT_EQ(FormatNames(), "text,json,csv,sum,html,detail,events");
+  EXPECT_EQ(FormatNames(), "text,json,csv,sum,html,detail,events,series");
   EXPECT_EQ(FormatNames(true), "text,json,sum");
   EXPECT_EQ(FindFormat("toml"), nullptr);
 }

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <limits>
 
+#include "host/analysis/numeric/robust.h"
+
 namespace orsolva_host::analysis {
 namespace {
 
@@ -13,14 +15,6 @@ constexpr double kLimitMedians = 2;
 constexpr double kGlonassWeight = 0.25;
 constexpr double kMaxPdop = 30;
 constexpr int kMinRedundant = 4;  // three unknowns, and one more to see an error by
-
-double Dot(const Vector3& a, const Vector3& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
-
-double Middle(std::vector<double>& values) {
-  const auto half = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), half, values.end());
-  return *half;
-}
 
 /// Symmetric 3 by 3 matrix: xx, xy, xz, yy, yz, zz.
 struct Symmetric {
@@ -78,7 +72,7 @@ class Solver {
       }
       if (scratch_.empty()) continue;
       redundant += static_cast<int>(scratch_.size()) - 1;
-      const double median = Middle(scratch_);
+      const double median = UpperMedian(scratch_);
       for (std::size_t i = 0; i < samples_.size(); ++i) {
         if (samples_[i].clock == clock) residuals_[i] = samples_[i].code_less_range_m - median;
       }
@@ -89,7 +83,7 @@ class Solver {
   void WeighByResiduals() {
     scratch_.clear();
     for (const double r : residuals_) scratch_.push_back(std::fabs(r));
-    limit_m_ = std::max(kMinLimit_m, kLimitMedians * Middle(scratch_));
+    limit_m_ = std::max(kMinLimit_m, kLimitMedians * UpperMedian(scratch_));
     for (std::size_t i = 0; i < samples_.size(); ++i) {
       const CodeSample& s = samples_[i];
       const double system = s.clock == ClockPlace('R') ? kGlonassWeight : 1;

@@ -4,11 +4,11 @@
 #include <cmath>
 
 #include "host/analysis/figures/code_range.h"
+#include "host/analysis/geometry/constants.h"
 
 namespace orsolva_host::analysis {
 namespace {
 
-constexpr double kMinSine = 0.17364817766693033;  // 10 degrees
 constexpr double kReach_m = 100;
 constexpr std::size_t kBins = 10000;
 constexpr double kMaxPdop = 50;
@@ -21,10 +21,6 @@ constexpr double kMotionErrors = 4;  // of the size that residuals and PDOP give
 constexpr double kRayleighMedian = 1.1774;
 constexpr Count kStepsPerShift = 5;
 constexpr Count kMinFarEpochs = 10;
-
-double Dot(const Vector3& a, const Vector3& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
-
-Vector3 Difference(const Vector3& a, const Vector3& b) { return {a[0] - b[0], a[1] - b[1], a[2] - b[2]}; }
 
 /// East, north and up of a place.
 std::array<Vector3, 3> AxesAt(const Station& station) {
@@ -50,7 +46,7 @@ bool Position::GatherSamples(const ObservationEpoch& epoch, const std::vector<Mo
     const ModelledRange& range = modelled.range;
     const SatelliteObservation& satellite = epoch.satellites[modelled.place];
     const std::size_t clock = ClockPlace(satellite.id.system);
-    if (!range.healthy || range.sin_elevation < kMinSine || clock == kClockSystems) continue;
+    if (!range.healthy || range.sin_elevation < kSineOfTenDegrees || clock == kClockSystems) continue;
     const CodeRange codes = CodeRangeOf(epoch, satellite, range);
     const double code_m = two_bands ? codes.two_bands_m : codes.one_band_m;
     if (std::isnan(code_m)) continue;
@@ -138,10 +134,7 @@ void Position::FillIn(const std::optional<Vector3>& header, const std::optional<
   }
   figures.mean_m = median;
   figures.scatter_enu_m = scatter;
-  const auto distance = [&](const Vector3& to) {
-    const Vector3 d = Difference(median, to);
-    return std::sqrt(Dot(d, d));
-  };
+  const auto distance = [&](const Vector3& to) { return Norm(Difference(median, to)); };
   if (header) figures.distance_to_header_m = distance(*header);
   if (given) figures.distance_to_given_m = distance(*given);
 }

@@ -14,10 +14,6 @@ constexpr double kFarMove_m = 1000;               // 0.01 degree for the vertica
 // that is 10 degrees below at both ends of a segment does not rise in it.
 const double kFarBelow = std::sin(-10 * kPi / 180);
 
-double Dot(const Vector3& a, const Vector3& b) { return a[0] * b[0] + a[1] * b[1] + a[2] * b[2]; }
-
-Vector3 Difference(const Vector3& a, const Vector3& b) { return {a[0] - b[0], a[1] - b[1], a[2] - b[2]}; }
-
 bool IsFinite(const Vector3& v) { return std::isfinite(v[0]) && std::isfinite(v[1]) && std::isfinite(v[2]); }
 
 }  // namespace

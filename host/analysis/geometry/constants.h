@@ -22,6 +22,8 @@ constexpr double kMinRange_m = 1e7;
 constexpr double kMaxRange_m = 6e7;
 constexpr bool IsRange(double metres) { return metres > kMinRange_m && metres < kMaxRange_m; }
 
+constexpr double kSineOfTenDegrees = 0.17364817766693033;
+
 constexpr double kReferenceCarrier_hz = 1575.42e6;  // ionosphere is counted in metres of delay there
 
 }  // namespace orsolva_host::analysis

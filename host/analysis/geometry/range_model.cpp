@@ -7,10 +7,6 @@
 namespace orsolva_host::analysis {
 namespace {
 
-double Norm(const Vector3& v) { return std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]); }
-
-Vector3 Difference(const Vector3& a, const Vector3& b) { return {a[0] - b[0], a[1] - b[1], a[2] - b[2]}; }
-
 /// The position in the frame of the time of reception, for a travel of so many metres.
 Vector3 TurnedBack(const Vector3& p, double travel_m) {
   const double turn = kEarthRotation_rad_s * travel_m / kLightSpeed_m_s;

@@ -5,15 +5,13 @@
 #ifndef ORSOLVA_ANALYSIS_GEOMETRY_SATELLITE_ORBIT_H
 #define ORSOLVA_ANALYSIS_GEOMETRY_SATELLITE_ORBIT_H
 
-#include <array>
 #include <cstdint>
 #include <vector>
 
+#include "host/analysis/geometry/vector3.h"
 #include "host/observation/broadcast_records.h"
 
 namespace orsolva_host::analysis {
-
-using Vector3 = std::array<double, 3>;
 
 /// A time of the GPS time scale as a whole number of nanoseconds and a small offset, so that differences of
 /// two keep a picosecond.

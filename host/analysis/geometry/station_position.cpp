@@ -9,6 +9,7 @@
 #include "host/analysis/geometry/range_model.h"
 #include "host/analysis/geometry/station.h"
 #include "host/analysis/numeric/linear_solve.h"
+#include "host/analysis/numeric/robust.h"
 #include "host/observation/carriers.h"
 
 namespace orsolva_host::analysis {
@@ -16,7 +17,6 @@ namespace {
 
 constexpr int kIterations = 10;
 constexpr int kIterationsForAll = 4;  // until then satellites of every elevation take part
-constexpr double kMinSine = 0.17;     // 10 degrees
 constexpr double kOutlier_m = 5;
 constexpr double kEarth_m = 6.37e6;
 constexpr double kNearGround_m = 1e5;
@@ -83,7 +83,7 @@ bool Improve(const std::vector<Code>& codes, std::size_t unknowns, std::int64_t 
   std::size_t used = 0;
   for (const Code& code : codes) {
     const ModelledRange range = RangeAt(*code.records, code.record, station, time_ns, code.raw_m);
-    if (!range.valid || (iteration > kIterationsForAll && range.sin_elevation < kMinSine)) continue;
+    if (!range.valid || (iteration > kIterationsForAll && range.sin_elevation < kSineOfTenDegrees)) continue;
     double expected = range.metres + x[code.clock];
     if (!on_ground) expected -= station.TroposphereDelay(range.sin_elevation);
     const double off = code.corrected_m - expected;
@@ -98,16 +98,6 @@ bool Improve(const std::vector<Code>& codes, std::size_t unknowns, std::int64_t 
   if (used < unknowns || !normal.Solve(step)) return false;
   for (std::size_t i = 0; i < unknowns; ++i) x[i] += step[i];
   return true;
-}
-
-double Median(std::vector<double> values) {
-  std::sort(values.begin(), values.end());
-  return 0.5 * (values[(values.size() - 1) / 2] + values[values.size() / 2]);
-}
-
-double Distance(const Vector3& a, const Vector3& b) {
-  return std::sqrt((a[0] - b[0]) * (a[0] - b[0]) + (a[1] - b[1]) * (a[1] - b[1]) +
-                   (a[2] - b[2]) * (a[2] - b[2]));
 }
 
 }  // namespace
@@ -140,7 +130,7 @@ std::optional<Vector3> StationPosition(const std::vector<ObservationEpoch>& epoc
   }
   if (found[0].size() < kMinEpochs) return header;
   const Vector3 median = {Median(found[0]), Median(found[1]), Median(found[2])};
-  return header && Distance(*header, median) < kHeaderIsGood_m ? header : median;
+  return header && Norm(Difference(*header, median)) < kHeaderIsGood_m ? header : median;
 }
 
 }  // namespace orsolva_host::analysis

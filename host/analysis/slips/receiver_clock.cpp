@@ -16,15 +16,6 @@ constexpr std::size_t kMinSatellitesMoving = 6;
 constexpr double kMovingSpread_m = 0.03;
 constexpr double kOutlierSpreads = 3;
 
-double Median(std::vector<double>& values) {
-  const std::size_t half = values.size() / 2;
-  std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(half), values.end());
-  const double upper = values[half];
-  if (values.size() % 2 == 1) return upper;
-  return 0.5 *
-         (upper + *std::max_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(half)));
-}
-
 /// Takes off each sample what its satellite's clock drifts by.
 void TakeOffsets(std::vector<ClockSample>& samples) {
   for (ClockSample& s : samples) {

@@ -21,13 +21,6 @@ constexpr double kCommonAgreement_m = 0.06;
 constexpr std::size_t kMinForCommon = 4;
 constexpr int kMinSkySamples = 8;
 
-double Median(std::vector<double>& values) {
-  const auto half = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), half, values.end());
-  if (values.size() % 2 == 1) return *half;
-  return 0.5 * (*half + *std::max_element(values.begin(), half));
-}
-
 std::size_t CountNear(const std::vector<double>& values, double center, double distance) {
   return static_cast<std::size_t>(std::count_if(values.begin(), values.end(),
                                                 [&](double v) { return std::fabs(v - center) < distance; }));

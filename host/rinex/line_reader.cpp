@@ -1,9 +1,16 @@
 #include "host/rinex/line_reader.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
 namespace orsolva_host {
+namespace {
+
+// Bytes read at once stay in the second cache of a core until they are lines.
+constexpr std::size_t kPiece = 1U << 16;
+
+}  // namespace
 
 LineReader::LineReader(std::unique_ptr<ByteSource> source)
     : source_(std::move(source)), buffer_(2 * kLongestLine) {}
@@ -12,7 +19,7 @@ bool LineReader::Refill() {
   std::memmove(buffer_.data(), buffer_.data() + begin_, end_ - begin_);
   end_ -= begin_;
   begin_ = 0;
-  const std::size_t count = source_->Read(buffer_.data() + end_, buffer_.size() - end_);
+  const std::size_t count = source_->Read(buffer_.data() + end_, std::min(buffer_.size() - end_, kPiece));
   end_ += count;
   return count > 0;
 }

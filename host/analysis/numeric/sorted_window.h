@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstddef>
+#include <cstring>
 #include <limits>
 
 namespace orsolva_host::analysis {
@@ -22,20 +24,28 @@ class SortedList {
   }
   /// Puts a value in the place of another that is in the list. Neither may be NaN.
   void Replace(double old, double value) {
-    int i = PlaceOf(old);
-    for (; i + 1 < count_ && values_[i + 1] < value; ++i) values_[i] = values_[i + 1];
-    for (; i > 0 && values_[i - 1] > value; --i) values_[i] = values_[i - 1];
-    values_[i] = value;
+    int from = PlaceOf(old), to = PlaceOf(value);
+    if (to > from) {
+      --to;
+      Move(from + 1, to - from, from);
+    } else {
+      Move(to, from - to, to + 1);
+    }
+    values_[to] = value;
   }
   void Remove(double value) {
-    int i = PlaceOf(value);
-    for (--count_; i < count_; ++i) values_[i] = values_[i + 1];
+    const int place = PlaceOf(value);
+    --count_;
+    Move(place + 1, count_ - place, place);
   }
   void Clear() { count_ = 0; }
   int Count() const { return count_; }
   double operator[](int i) const { return values_[i]; }
 
  private:
+  void Move(int from, int values, int to) {
+    std::memmove(&values_[to], &values_[from], static_cast<std::size_t>(values) * sizeof(double));
+  }
   /// How many values are less, which is where the first of its like is.
   int PlaceOf(double value) const {
     int place = 0;

@@ -232,7 +232,8 @@ void SlipDetector::FindCodeJump(const ObservationEpoch& epoch) {
     const double change = intake->CodeMinusPhaseChange();
     if (std::isfinite(change)) scratch_.push_back(change);
   }
-  if (scratch_.size() < 3) return;
+  // Where more than half are small their median is, too.
+  if (scratch_.size() < 3 || 2 * CountNear(scratch_, 0, kCodeJump_m) > scratch_.size()) return;
   const double jump = Median(scratch_);
   if (std::fabs(jump) < kCodeJump_m || 10 * CountNear(scratch_, jump, kCodeJump_m) < 6 * scratch_.size())
     return;

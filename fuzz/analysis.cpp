@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstdint>
 #include <map>
-#include <utility>
 #include <vector>
 
 #include "fuzz/input_words.h"
@@ -24,9 +23,8 @@ using orsolva_host::ObservationEpoch;
 using orsolva_host::SatelliteObservation;
 using orsolva_host::SignalObservation;
 using orsolva_host::StateVectorRecord;
-using orsolva_host::analysis::AnalysisResult;
 using orsolva_host::analysis::Event;
-using orsolva_host::analysis::StationAnalysis;
+using orsolva_test::AnalysisOutcome;
 using orsolva_test::AnalysisSky;
 using orsolva_test::DigestOf;
 
@@ -196,28 +194,6 @@ class Corruption {
   AnalysisSky& sky_;
 };
 
-struct Outcome {
-  std::vector<Event> events;
-  AnalysisResult figures;
-};
-
-/// @param share  epochs between two looks
-Outcome Analysed(const AnalysisSky& sky, std::size_t share) {
-  StationAnalysis analysis(sky.Options, sky.Records);
-  Outcome outcome;
-  const auto look = [&] {
-    for (Event& event : analysis.TakeEvents()) outcome.events.push_back(std::move(event));
-    outcome.figures = analysis.Result();
-  };
-  for (std::size_t k = 0; k < sky.Epochs.size(); ++k) {
-    analysis.Add(sky.Epochs[k]);
-    if ((k + 1) % share == 0) look();
-  }
-  analysis.Finish();
-  look();
-  return outcome;
-}
-
 void CheckEvents(const AnalysisSky& sky, const std::vector<Event>& events) {
   std::size_t most = 0;
   for (const ObservationEpoch& epoch : sky.Epochs)
@@ -243,10 +219,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Corruption corruption(orsolva_fuzz::InputWords(data, size), sky);
   corruption.Run();
   const std::size_t share = corruption.Below(2) == 0 ? 1 : 7;
-  const Outcome whole = Analysed(sky, sky.Epochs.size());
-  const Outcome split = Analysed(sky, share);
-  Require(DigestOf(whole.events) == DigestOf(split.events), "events do not depend on the split");
-  Require(DigestOf(whole.figures) == DigestOf(split.figures), "figures do not depend on the split");
-  CheckEvents(sky, whole.events);
+  const AnalysisOutcome whole = Analysed(sky, sky.Records, sky.Epochs.size());
+  const AnalysisOutcome split = Analysed(sky, sky.Records, share);
+  Require(DigestOf(whole.Events) == DigestOf(split.Events), "events do not depend on the split");
+  Require(DigestOf(whole.Figures) == DigestOf(split.Figures), "figures do not depend on the split");
+  CheckEvents(sky, whole.Events);
   return 0;
 }

@@ -15,29 +15,6 @@ namespace {
 using orsolva_host::analysis::AnalysisResult;
 using orsolva_host::analysis::Event;
 using orsolva_host::analysis::EventKind;
-using orsolva_host::analysis::StationAnalysis;
-
-struct Outcome {
-  std::vector<Event> Events;
-  AnalysisResult Figures;
-};
-
-/// @param share  epochs between two requests for events and figures
-Outcome Analysed(const AnalysisSky& sky, bool with_records, std::size_t share) {
-  StationAnalysis analysis(sky.Options, with_records ? sky.Records : orsolva_host::BroadcastRecords());
-  Outcome outcome;
-  const auto look = [&] {
-    for (Event& event : analysis.TakeEvents()) outcome.Events.push_back(std::move(event));
-    outcome.Figures = analysis.Result();
-  };
-  for (std::size_t k = 0; k < sky.Epochs.size(); ++k) {
-    analysis.Add(sky.Epochs[k]);
-    if ((k + 1) % share == 0) look();
-  }
-  analysis.Finish();
-  look();
-  return outcome;
-}
 
 /// A sky in which everything goes wrong.
 AnalysisSky TroubledDay(double interval_s, int epochs) {
@@ -52,13 +29,14 @@ AnalysisSky TroubledDay(double interval_s, int epochs) {
 }
 
 void HoldsInEverySplit(const AnalysisSky& sky, bool with_records) {
-  const Outcome whole = Analysed(sky, with_records, sky.Epochs.size());
+  const auto records = with_records ? sky.Records : orsolva_host::BroadcastRecords();
+  const AnalysisOutcome whole = Analysed(sky, records, sky.Epochs.size());
   std::set<EventKind> kinds;
   for (const Event& event : whole.Events) kinds.insert(event.kind);
   EXPECT_GT(whole.Events.size(), 50U);
   EXPECT_GT(kinds.size(), 5U);
   for (const std::size_t share : {std::size_t{1}, std::size_t{7}}) {
-    const Outcome split = Analysed(sky, with_records, share);
+    const AnalysisOutcome split = Analysed(sky, records, share);
     EXPECT_EQ(DigestOf(split.Events), DigestOf(whole.Events)) << share << " epochs per call";
     EXPECT_EQ(DigestOf(split.Figures), DigestOf(whole.Figures)) << share << " epochs per call";
   }

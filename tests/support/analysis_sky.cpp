@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <random>
+#include <utility>
 
 #include "host/observation/carriers.h"
 #include "orsolva/signals.h"
@@ -240,5 +241,22 @@ AnalysisSky::AnalysisSky(const SimulatedSky& sky) {
 }
 
 void AddTroubles(AnalysisSky& sky, std::uint32_t seed) { Troubles(sky, seed).Add(); }
+
+AnalysisOutcome Analysed(const AnalysisSky& sky, const orsolva_host::BroadcastRecords& records,
+                         std::size_t share) {
+  orsolva_host::analysis::StationAnalysis analysis(sky.Options, records);
+  AnalysisOutcome outcome;
+  const auto look = [&] {
+    for (auto& event : analysis.TakeEvents()) outcome.Events.push_back(std::move(event));
+    outcome.Figures = analysis.Result();
+  };
+  for (std::size_t k = 0; k < sky.Epochs.size(); ++k) {
+    analysis.Add(sky.Epochs[k]);
+    if ((k + 1) % share == 0) look();
+  }
+  analysis.Finish();
+  look();
+  return outcome;
+}
 
 }  // namespace orsolva_test

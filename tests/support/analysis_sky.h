@@ -3,6 +3,8 @@
 #ifndef ORSOLVA_TESTS_SUPPORT_ANALYSIS_SKY_H
 #define ORSOLVA_TESTS_SUPPORT_ANALYSIS_SKY_H
 
+#include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "host/analysis/station_analysis.h"
@@ -24,6 +26,17 @@ struct AnalysisSky {
 /// everything, a reset of the receiver clock, a jump of the codes, a power failure and epochs that go back in
 /// time; the shares are of epochs, so that a longer sky holds more of each.
 void AddTroubles(AnalysisSky& sky, std::uint32_t seed);
+
+struct AnalysisOutcome {
+  std::vector<orsolva_host::analysis::Event> Events;
+  orsolva_host::analysis::AnalysisResult Figures;
+};
+
+/// Feeds a sky to an analysis.
+/// @param records  broadcast orbits; may hold nothing
+/// @param share    epochs between two requests for events and figures
+AnalysisOutcome Analysed(const AnalysisSky& sky, const orsolva_host::BroadcastRecords& records,
+                         std::size_t share);
 
 }  // namespace orsolva_test
 

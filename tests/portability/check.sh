@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Builds for another machine in build-<machine>/ and runs what was built under an emulator.
 #
-# usage: tests/portability/check.sh aarch64|mingw [short|library|command]
+# usage: tests/portability/check.sh aarch64|mingw [short|library|analysis|command]
 #   short    the library; its binary interface and the reference cases, on aarch64 bit by bit (the default)
 #   library  every test of the library
+#   analysis the analysis of the command: its events and figures are, bit by bit, those of build/bin (not mingw)
 #   command  the command: a simulated day and its reports are those of build/bin/orsolva
 set -euo pipefail
 cd "$(dirname "$0")/../.."
@@ -70,6 +71,13 @@ case $extent in
     configure -DORSOLVA_BUILD_HOST=OFF
     build
     ctest --preset "$machine"
+    ;;
+  analysis)
+    [ -x build/bin/analysis_digest ] || { echo "build analysis_digest of this machine first" >&2; exit 1; }
+    configure -DORSOLVA_BUILD_HOST=ON
+    build --target analysis_digest
+    diff <(build/bin/analysis_digest) <(there analysis_digest)
+    echo "$machine: the events and figures of the analysis are those of this machine"
     ;;
   command)
     configure -DORSOLVA_BUILD_HOST=ON

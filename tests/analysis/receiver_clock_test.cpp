@@ -45,6 +45,46 @@ TEST_F(ReceiverClock, OffsetsOfSatelliteClocksAreLearned) {
   EXPECT_NEAR(SolveClock(samples)->metres, 5.0, 0.003);
 }
 
+TEST_F(ReceiverClock, OffsetsGrowWithTheLengthOfTheStep) {
+  for (int i = 0; i < 20; ++i) {
+    auto samples = Samples({1.02, 0.99, 1.0, 1.0, 0.99});
+    for (ClockSample& s : samples) s.dt_s = 30;
+    ASSERT_TRUE(SolveClock(samples));
+  }
+  auto samples = Samples({1.24, 0.88, 1.0, 1.0, 0.88});
+  for (ClockSample& s : samples) s.dt_s = 360;
+  ASSERT_TRUE(SolveClock(samples));
+  EXPECT_NEAR(samples[0].offset_m, 0.24, 0.001) << "twelve times what it is in 30 s";
+}
+
+TEST_F(ReceiverClock, WhatAllSatellitesDriftByIsTheReceivers) {
+  // A satellite alone wanders first; the others follow later by as much.
+  for (int i = 0; i < 40; ++i) {
+    auto samples = Samples({0.01, 0, 0, 0, 0});
+    ASSERT_TRUE(SolveClock(samples));
+  }
+  double clock_m = 0;
+  for (int i = 0; i < 40; ++i) {
+    auto samples = Samples({0.01, 0.01, 0.01, 0.01, 0.01});
+    const auto change = SolveClock(samples);
+    ASSERT_TRUE(change);
+    clock_m = change->metres;
+  }
+  EXPECT_NEAR(clock_m, 0.01, 1e-6);
+}
+
+TEST_F(ReceiverClock, IsThatOfTheLargestClusterWhereManySatellitesSlipTogether) {
+  auto samples = Samples({3.000, 3.001, 2.999, 3.002, 3.242, 3.245, 2.758, 2.76, 3.6});
+  const auto change = SolveClock(samples);
+  ASSERT_TRUE(change);
+  EXPECT_NEAR(change->metres, 3.0005, 0.002);
+}
+
+TEST_F(ReceiverClock, IsUnknownWhereTwoClustersAreAlike) {
+  auto samples = Samples({3.000, 3.001, 2.999, 3.002, 3.242, 3.245, 3.24, 3.241, 2.7});
+  EXPECT_FALSE(SolveClock(samples));
+}
+
 TEST_F(ReceiverClock, IsUnknownWhereSatellitesDisagree) {
   auto samples = Samples({0, 5, -7, 12});
   EXPECT_FALSE(SolveClock(samples));

@@ -15,13 +15,23 @@ constexpr std::size_t kMinSatellites = 4;
 constexpr std::size_t kMinSatellitesMoving = 6;
 constexpr double kMovingSpread_m = 0.03;
 constexpr double kOutlierSpreads = 3;
+constexpr double kCluster_m = 0.02;        // half the width of what counts as one clock
+constexpr double kMinClusterPart = 0.3;    // of the satellites
+constexpr double kClearlyMoreOften = 1.5;  // than the next cluster
 
-/// Takes off each sample what its satellite's clock drifts by.
+double WeightOf(const ClockSample& s) { return 1 / (s.sigma * s.sigma); }
+
+/// Takes off each sample what its satellite's clock drifts by against the weighted mean of all.
 void TakeOffsets(std::vector<ClockSample>& samples) {
+  double sum = 0, weights = 0;
   for (ClockSample& s : samples) {
-    const double offset = Median(s.offsets->Sorted());
-    s.offset_m = std::isfinite(offset) ? offset : 0;
+    s.offset_m = Median(s.offsets->Sorted()) * s.dt_s;
+    if (!std::isfinite(s.offset_m)) continue;
+    sum += WeightOf(s) * s.offset_m;
+    weights += WeightOf(s);
   }
+  const double mean = weights > 0 ? sum / weights : 0;
+  for (ClockSample& s : samples) s.offset_m = std::isfinite(s.offset_m) ? s.offset_m - mean : 0;
 }
 
 /// Residuals of the samples once a clock and their own offsets are taken off.
@@ -41,9 +51,8 @@ double WeightedMeanOfGood(const std::vector<ClockSample>& samples, const std::ve
   double sum = 0, weights = 0;
   for (std::size_t i = 0; i < samples.size(); ++i) {
     if (!(std::fabs(residuals[i]) < limit_m)) continue;
-    const double w = 1 / (samples[i].sigma * samples[i].sigma);
-    sum += w * residuals[i];
-    weights += w;
+    sum += WeightOf(samples[i]) * residuals[i];
+    weights += WeightOf(samples[i]);
   }
   return weights > 0 ? sum / weights : 0;
 }
@@ -57,7 +66,7 @@ std::size_t CountWithin(const std::vector<double>& residuals, double limit_m) {
 bool SolveShift(const std::vector<ClockSample>& samples, std::array<double, 4>& x,
                 std::vector<double>& residuals) {
   std::vector<double> weights;
-  for (const ClockSample& s : samples) weights.push_back(1 / (s.sigma * s.sigma));
+  for (const ClockSample& s : samples) weights.push_back(WeightOf(s));
   std::vector<double> robust = weights;
   std::vector<double> scratch;
   for (int round = 0; round < 8; ++round) {
@@ -92,6 +101,31 @@ std::optional<ClockChange> SolveMoving(const std::vector<ClockSample>& samples, 
   return ClockChange{x[3], {x[0], x[1], x[2]}, true};
 }
 
+/// Where many satellites slip in one epoch, as when half-cycle ambiguities are resolved together: the clock
+/// on which most of the others agree.
+/// @param residuals  any clock taken off
+/// @return what is left of the clock; absent where no cluster stands out
+std::optional<double> LargestCluster(std::vector<double> residuals) {
+  std::sort(residuals.begin(), residuals.end());
+  const auto size = [&](std::size_t from) {
+    std::size_t end = from;
+    while (end < residuals.size() && residuals[end] - residuals[from] <= 2 * kCluster_m) ++end;
+    return end - from;
+  };
+  std::size_t first = 0, most = 0, next = 0;
+  for (std::size_t i = 0; i < residuals.size(); ++i) {
+    if (size(i) > most) first = i, most = size(i);
+  }
+  for (std::size_t i = 0; i < residuals.size(); ++i) {
+    if (std::fabs(residuals[i] - residuals[first]) > 4 * kCluster_m) next = std::max(next, size(i));
+  }
+  const double part = static_cast<double>(most) / static_cast<double>(residuals.size());
+  if (most < kMinSatellites || part < kMinClusterPart || most < kClearlyMoreOften * next) return std::nullopt;
+  double sum = 0;
+  for (std::size_t i = first; i < first + most; ++i) sum += residuals[i];
+  return sum / static_cast<double>(most);
+}
+
 }  // namespace
 
 std::optional<ClockChange> SolveClock(std::vector<ClockSample>& samples) {
@@ -113,8 +147,12 @@ std::optional<ClockChange> SolveClock(std::vector<ClockSample>& samples) {
   if (spread > kMovingSpread_m) {
     if (const auto moving = SolveMoving(samples, spread)) return moving;
   }
-  if (!known) return std::nullopt;
-  for (const ClockSample& s : samples) s.offsets->Push(s.metres - change.metres);
+  if (!known) {
+    const auto rest = LargestCluster(residuals);
+    if (!rest) return std::nullopt;
+    change.metres += *rest;
+  }
+  for (const ClockSample& s : samples) s.offsets->Push((s.metres - change.metres) / s.dt_s);
   return change;
 }
 

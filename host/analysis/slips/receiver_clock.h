@@ -10,7 +10,8 @@
 
 namespace orsolva_host::analysis {
 
-/// What a satellite's own phase change lies off the common clock over its last 20 steps: its clock's drift.
+/// What a satellite's own phase changed by against the common clock in its last 20 steps, m/s: its clock's
+/// drift.
 using ClockOffsets = SortedWindow<20>;
 
 /// Phase change of a satellite over the last epoch step.
@@ -19,7 +20,8 @@ struct ClockSample {
   double sigma = 1;   ///< relative; smaller counts more
   Vector3 line_of_sight = {};
   ClockOffsets* offsets = nullptr;
-  double offset_m = 0;  ///< their median, set by SolveClock
+  double dt_s = 1;      ///< length of the step
+  double offset_m = 0;  ///< what their median makes of the step, set by SolveClock
 };
 
 struct ClockChange {
@@ -30,8 +32,10 @@ struct ClockChange {
 
 /// Robust mean over the satellites: median, then twice the weighted mean of what lies within three spreads
 /// once each satellite's own offset is taken off. Known when at least four satellites are there and at least
-/// half of them lie within 6 cm. With six satellites and a spread above 3 cm a shift of the antenna is solved
-/// too, and taken when it leaves a third of the spread. Offsets of the samples are moved on.
+/// half of them lie within 6 cm, or else the largest cluster within 4 cm is of four satellites and three
+/// tenths, and half as large again as any other. The offsets' weighted mean is nothing: what all satellites
+/// have is the receiver's. With six satellites and a spread above 3 cm a shift of the antenna is solved too,
+/// and taken when it leaves a third of the spread. Offsets of the samples are moved on.
 std::optional<ClockChange> SolveClock(std::vector<ClockSample>& samples);
 
 }  // namespace orsolva_host::analysis

@@ -130,6 +130,17 @@ TEST(SlipDetector, NamesEpochSatelliteSignalsAndSizes) {
   }
 }
 
+TEST(SlipDetector, WithoutARangeSlipsAtTheEndsOfAPassHaveNoAbsurdSize) {
+  constexpr int kEpochs = 120;
+  for (const int at : {1, 2, kEpochs - 2, kEpochs - 1}) {
+    const std::vector<Event> events = EventsOf(Day(kEpochs, Slip(3, at, 4, -3)));
+    for (const Event& event : events) {
+      for (const double size : event.sizes) EXPECT_LT(std::fabs(size), 50) << at << " " << event.evidence;
+      EXPECT_FALSE(event.sure && event.sizes.size() == 2) << at << " " << event.evidence;
+    }
+  }
+}
+
 TEST(SlipDetector, AnEventComesOutFourEpochsAfterItsOwn) {
   const auto day = Day(200, Slip(3, 100, 1, 0));
   SlipDetector detector({}, {});

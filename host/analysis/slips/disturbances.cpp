@@ -106,8 +106,12 @@ bool Decision::TakeSlip() {
   const double margin = case_.ranked.size() > 1 ? case_.ranked[1].total - best.total : 99;
   // Where neighbours predict better than the median, an equal slip on all bands rests on a few centimetres.
   const bool stormy = case_.track->At(case_.step).ionosphere_by_neighbours && interval_s_ >= kQuietInterval_s;
+  // Where nothing predicts the range, slips of every signal are known by their differences alone.
+  const bool all = std::all_of(best.cycles.begin(), best.cycles.begin() + case_.test.count,
+                               [](double z) { return z != 0; });
   const bool sure = margin > kSureMargin && FitOf(best.cycles) < kFitChi2 &&
-                    !(stormy && IsSameOnAll(best.cycles, case_.test.count));
+                    !(stormy && IsSameOnAll(best.cycles, case_.test.count)) &&
+                    !(case_.test.free_range && all);
   bool half = false;
   for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
     if (best.cycles[i] == 0) continue;

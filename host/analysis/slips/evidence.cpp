@@ -34,14 +34,25 @@ const SignalTrack& SignalAt(const SatelliteTrack& track, const StepTest& test, i
 
 bool Slips(const Cycles& slip, int place) { return slip[static_cast<std::size_t>(place)] != 0; }
 
+/// Mean over the signals once the slip is taken off, m.
+double CommonPart(const SatelliteTrack& track, const StepTest& test, const Cycles& slip) {
+  double sum = 0;
+  for (int i = 0; i < test.count; ++i) {
+    const auto place = static_cast<std::size_t>(i);
+    sum += test.r[place] - slip[place] * SignalAt(track, test, i).wavelength_m;
+  }
+  return sum / test.count;
+}
+
 std::string OtherSignals(const SatelliteTrack& track, const StepTest& test, const Cycles& slip) {
   int count = 0;
   double largest = 0;
+  const double common_m = test.free_range ? CommonPart(track, test, slip) : 0;
   for (int i = 0; i < test.count; ++i) {
     if (Slips(slip, i)) continue;
     ++count;
-    largest = std::max(
-        largest, std::fabs(test.r[static_cast<std::size_t>(i)]) / SignalAt(track, test, i).wavelength_m);
+    const double off_m = std::fabs(test.r[static_cast<std::size_t>(i)] - common_m);
+    largest = std::max(largest, off_m / SignalAt(track, test, i).wavelength_m);
   }
   if (count == 0) return "no other signal";
   const std::string others = count == 1 ? "the other signal" : "the other " + InWords(count) + " signals";

@@ -147,6 +147,20 @@ void PredictUnmodelledRange(const SatelliteTrack& track, std::int64_t step, Pred
   p.noise_gain = std::max(p.noise_gain, kGainOfExtrapolation);
 }
 
+/// Takes off what the signals have in common, those that were there before where there are any.
+void TakeOffCommon(StepTest& test) {
+  const std::uint32_t all = test.count == kMaxSignals ? ~0U : (std::uint32_t{1} << test.count) - 1;
+  const std::uint32_t left_out = test.returning == all ? 0 : test.returning;
+  double sum = 0;
+  int counted = 0;
+  for (int i = 0; i < test.count; ++i) {
+    if ((left_out >> i & 1) != 0) continue;
+    sum += test.r[static_cast<std::size_t>(i)];
+    ++counted;
+  }
+  for (int i = 0; i < test.count; ++i) test.r[static_cast<std::size_t>(i)] -= sum / counted;
+}
+
 }  // namespace
 
 double MeanOfNeighbours(double before, double after) { return 0.5 * (before + after); }
@@ -217,6 +231,8 @@ void MakeTest(const SatelliteTrack& track, std::int64_t i, double interval_s, St
     if (returns) test.returning |= std::uint32_t{1} << test.count;
     ++test.count;
   }
+  test.free_range = !std::isfinite(p.range_factor);
+  if (test.free_range && test.count > 0) TakeOffCommon(test);
 }
 
 double Chi2(const StepTest& test, const std::array<double, kMaxSignals>& r, double more_range_m2,

@@ -42,6 +42,7 @@ struct StepTest {
   double range_m2 = 0;                       ///< s_rho^2
   double ionosphere_m2 = 0;                  ///< s_I^2
   std::uint32_t returning = 0;               ///< bits by place in this test: carried until the epoch before
+  bool free_range = false;                   ///< nothing predicts the range: r is what is not common to all
 };
 
 /// @param interval_s  nominal interval of the stream

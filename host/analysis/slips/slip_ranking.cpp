@@ -66,7 +66,7 @@ void Decision::MakeViews() {
   if (!s.ionosphere_by_neighbours && s.modelled) return;
   const double mean_v = MeanOfNeighbours(before, after);
   const double mean_u = MeanOfNeighbours(track.RangeRate(case_.step - 1), track.RangeRate(case_.step + 1));
-  const bool range_too = !(s.modelled && !s.range_by_neighbours);
+  const bool range_too = s.HasGeometry() && s.range_by_neighbours;
   for (const std::int64_t j : {case_.step - 1, case_.step + 1}) {
     std::array<double, kMaxSignals> r = case_.test.r;
     const double dv = (track.IonosphereRate(j) - mean_v) * s.dt_s;

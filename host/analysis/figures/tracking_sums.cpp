@@ -155,7 +155,12 @@ void TrackingSums::AddStep(const StepOutcome& outcome) {
   Satellite& satellite = satellites_[outcome.track->satellite];
   if (satellite.quiet.Extends(outcome)) return;
   satellite.EndRun();
-  if (outcome.rearranged) Arrange(satellite.signals, outcome);
+  if (outcome.rearranged) {
+    Arrange(satellite.signals, outcome);
+    const std::vector<SignalTrack>& tracked = outcome.track->signals;
+    for (std::size_t j = 0; j < tracked.size() && j < kMaxSignals; ++j)
+      satellite.signals[outcome.number[j]].frequency_hz = tracked[j].frequency_hz;
+  }
   if (outcome.begins_arc) BeginSatellite(outcome, satellite);
   const Cause hole = outcome.state->gap ? CauseOfGap(outcome) : Cause::kSignal;
   const auto end = CloseHoles(outcome, hole, satellite);
@@ -225,7 +230,10 @@ void TrackingSums::FillIn(AnalysisResult& result) const {
     systems[id.system].Add(arcs, satellite.interruptions);
     for (const Signal& signal : satellite.signals) {
       const ArcLengths own = signal.arcs.WithOpen();
-      Fill(SatelliteSignalRow(result, id, signal.code), own, signal.interruptions);
+      SignalFigures& row = SatelliteSignalRow(result, id, signal.code);
+      Fill(row, own, signal.interruptions);
+      // A channel of GLONASS may only be known from the data.
+      if (!row.frequency_hz && signal.frequency_hz > 0) row.frequency_hz = signal.frequency_hz;
       signals[{id.system, NameOf(signal.code)}].Add(own, signal.interruptions);
     }
   });

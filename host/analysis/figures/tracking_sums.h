@@ -73,6 +73,7 @@ class TrackingSums {
   };
   struct Signal {
     SignalCode code;
+    double frequency_hz = 0;
     Arcs arcs;
     Cause away = Cause::kNone;  ///< why it is away
     std::int64_t last_ns = 0;   ///< of its last phase

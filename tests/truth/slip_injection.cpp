@@ -152,6 +152,13 @@ const SignalObservation* SignalAt(const InjectionData& data, const Place& place,
   return nullptr;
 }
 
+/// Whether tracking hangs together from before a hole that ends at a place until after it.
+bool HasRoomForHole(const SatelliteWalk& walk, std::size_t i, std::size_t hole) {
+  const std::size_t before = hole + static_cast<std::size_t>(kFreeSteps);
+  if (i < before || !IsFree(walk, i) || !IsFree(walk, i - hole)) return false;
+  return walk.places[i].epoch - walk.places[i - before].epoch == before;
+}
+
 /// Signals that can slip at a step: phases at both ends, wavelength known, not unstable.
 Bands BandsAt(const InjectionData& data, const SatelliteWalk& walk, std::size_t i) {
   Bands bands;
@@ -186,6 +193,34 @@ void AddSlip(InjectionData& data, const SatelliteWalk& walk, std::size_t from, c
   }
 }
 
+/// Takes the phases of a hole out: of the signals that slip, or of all.
+void AddHole(InjectionData& data, const SatelliteWalk& walk, std::size_t end, const InjectedSlip& slip,
+             std::size_t epochs, bool of_signals) {
+  for (std::size_t i = end - epochs; i < end; ++i) {
+    ObservationEpoch& epoch = data.epochs[walk.places[i].epoch];
+    const SatelliteObservation& satellite = epoch.satellites[walk.places[i].satellite];
+    for (std::size_t k = 0; k < satellite.signal_count; ++k) {
+      SignalObservation& o = epoch.signals[satellite.first_signal + k];
+      const bool slips = std::find(slip.signals.begin(), slip.signals.end(), o.code) != slip.signals.end();
+      if (slips || !of_signals) o.phase_cycles = o.pseudorange_m = std::nan("");
+    }
+  }
+}
+
+/// Makes a slip one after a hole, or the hole alone.
+void MakeHole(InjectionData& data, const SatelliteWalk& walk, std::size_t i, std::size_t epochs,
+              const Bands& bands, Dice& dice, InjectedSlip& slip) {
+  const bool of_signals = slip.signals.size() < bands.signals.size() && dice.Below(2) == 0;
+  AddHole(data, walk, i, slip, epochs, of_signals);
+  const bool without = dice.Below(3) == 0;
+  slip.kind =
+      std::string(of_signals ? "signals" : "satellite") + " away, " + (without ? "no slip" : slip.kind);
+  if (!without) return;
+  slip.whole = true;
+  slip.signals.clear();
+  slip.sizes.clear();
+}
+
 void InjectSatellite(InjectionData& data, SatelliteId id, const SatelliteWalk& walk,
                      const InjectionPlan& plan, std::vector<InjectedSlip>& slips) {
   Dice dice(RandomStream(plan.seed).Of(static_cast<std::uint64_t>(id.system) * 100 + id.number));
@@ -195,7 +230,9 @@ void InjectSatellite(InjectionData& data, SatelliteId id, const SatelliteWalk& w
     const auto elevation = walk.elevation_deg.find(time_ns);
     const bool decided = elevation != walk.elevation_deg.end();
     const bool low = decided && elevation->second < plan.least_elevation_deg;
-    const Bands bands = decided && !low && IsFree(walk, i) ? BandsAt(data, walk, i) : Bands();
+    const std::size_t hole = plan.hole_epochs;
+    const bool free = hole > 0 ? HasRoomForHole(walk, i, hole) : IsFree(walk, i);
+    const Bands bands = decided && !low && free ? BandsAt(data, walk, i) : Bands();
     if (!bands.signals.empty()) {
       InjectedSlip slip;
       slip.satellite = id;
@@ -204,12 +241,14 @@ void InjectSatellite(InjectionData& data, SatelliteId id, const SatelliteWalk& w
       slip.bands = static_cast<int>(bands.bands.size());
       Choose(slip, bands, dice);
       if (!slip.signals.empty()) {
+        if (hole > 0) MakeHole(data, walk, i, hole, bands, dice, slip);
         AddSlip(data, walk, i, slip);
         slips.push_back(slip);
       }
     }
+    const double least = std::max(8.0, static_cast<double>(hole) + kFreeSteps);
     i += static_cast<std::size_t>(
-        std::max(8.0, 0.6 * plan.spacing_steps + dice.Exponential(0.6 * plan.spacing_steps)));
+        std::max(least, 0.6 * plan.spacing_steps + dice.Exponential(0.6 * plan.spacing_steps)));
   }
 }
 
@@ -229,7 +268,14 @@ void Score(const std::vector<Event>& events, std::vector<InjectedSlip>& slips) {
   for (InjectedSlip& slip : slips) {
     for (const Event* event : at[{slip.satellite, slip.time_ns}]) {
       slip.answer += Described(*event) + "; ";
-      if (!IsSlip(event->kind)) continue;
+      const EventKind kind = event->kind;
+      if (kind == EventKind::kGapUnresolved || kind == EventKind::kSignalGapUnresolved) slip.left_open = true;
+      if (slip.signals.empty()) {
+        const bool continuous = kind == EventKind::kGapContinuous || kind == EventKind::kSignalGapContinuous;
+        slip.found = slip.size_right = slip.found || continuous;
+        continue;
+      }
+      if (!IsSlip(kind)) continue;
       slip.found = true;
       slip.size_right =
           slip.size_right || Sorted(event->signals, event->sizes) == Sorted(slip.signals, slip.sizes);

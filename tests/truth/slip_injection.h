@@ -15,6 +15,9 @@ struct InjectionPlan {
   std::uint64_t seed = 1;
   double spacing_steps = 45;       ///< mean distance of slips of one satellite
   double least_elevation_deg = 5;  ///< where elevations are known
+  /// Phases missing before each slip: of the satellite or of the signals that slip. A third of these holes
+  /// are without a slip. 0: slips in continuous tracking.
+  std::size_t hole_epochs = 0;
 };
 
 /// One injected slip and what became of it.
@@ -27,8 +30,11 @@ struct InjectedSlip {
   std::vector<orsolva_host::SignalCode> signals;
   std::vector<double> sizes;
   bool whole = true;
-  bool found = false;       ///< an event in exactly that epoch says a slip, half cycle or jump
+  /// An event in exactly that epoch says a slip, half cycle or jump; of a hole without a slip, that it is
+  /// none.
+  bool found = false;
   bool size_right = false;  ///< with exactly these signals and sizes
+  bool left_open = false;   ///< a hole that is reported as unresolved
   std::string answer;       ///< what was found there
 };
 

@@ -1,8 +1,8 @@
 // Prints how many injected slips the detector finds, by kind, elevation and system.
 //
 // slip_injection_report FOLDER SET [seed=N] [runs=N] [step=N] [bands=1|2] [storm] [nonav] [spacing=N]
-// [misses=N] slip_injection_report FOLDER SET events     the events of the file itself, as CSV SET is esbc,
-// sept078, gras or kms3, or OBS,NAV,... of other files in FOLDER.
+// [holes=N] [misses=N] slip_injection_report FOLDER SET events     the events of the file itself, as CSV SET
+// is esbc, sept078, gras or kms3, or OBS,NAV,... of other files in FOLDER.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -64,6 +64,7 @@ Request Parse(int count, char** words) {
     if (key == "step") request.step = static_cast<std::size_t>(value);
     if (key == "bands") request.bands = value;
     if (key == "misses") request.misses = value;
+    if (key == "holes") request.plan.hole_epochs = static_cast<std::size_t>(value);
     if (key == "spacing") request.plan.spacing_steps = value;
     if (key == "storm") request.storm = true;
     if (key == "nonav") request.no_navigation = true;
@@ -200,6 +201,10 @@ int Run(const std::string& folder, const std::string& set, const Request& reques
       static_cast<unsigned long long>(request.plan.seed) + static_cast<unsigned long long>(request.runs) - 1,
       static_cast<long long>(tested), slips.size(), static_cast<long long>(missed), fresh.size(),
       static_cast<long long>(of_the_file));
+  const auto open = std::count_if(slips.begin(), slips.end(), [](const auto& s) { return s.left_open; });
+  if (request.plan.hole_epochs > 0)
+    std::printf("Of the %lld that are missed %lld are reported as unresolved.\n",
+                static_cast<long long>(missed), static_cast<long long>(open));
   Table("target", slips, Target);
   Table("kind, from 10 degrees", FromTenDegrees(slips),
         [](const InjectedSlip& s) { return s.kind + (s.bands == 1 ? " (one-band satellite)" : ""); });
@@ -221,7 +226,7 @@ int main(int count, char** words) {
     std::fprintf(
         stderr,
         "usage: slip_injection_report FOLDER SET [seed=N] [runs=N] [step=N] [bands=1|2] [storm] [nonav] "
-        "[spacing=N] [misses=N] [events]\n");
+        "[spacing=N] [holes=N] [misses=N] [events]\n");
     return 2;
   }
   try {

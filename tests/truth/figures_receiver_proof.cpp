@@ -38,9 +38,11 @@ constexpr ReceiverCase kCases[] = {
 };
 
 /// Here the simulator's troposphere (by the cosecant of the elevation) and that of the analysis (Niell 1996)
-/// differ by decimetres and more. Low satellites have little weight, and what theirs change by is learned as an
-/// offset of their own.
+/// differ by decimetres and more. Low satellites have little weight, and what theirs change by is learned as
+/// an offset of their own.
 constexpr double kLowest_deg = 5;
+/// Of a moving antenna, whose shift is solved with the clock: low satellites would pull at both.
+constexpr double kLowestMoving_deg = 15;
 
 struct ClockTruth {
   std::vector<double> bias_s;
@@ -69,7 +71,7 @@ Scenario ScenarioOf(const ReceiverCase& one) {
   scenario.seed = 7401;
   ReadScenario(orsolva_host::FindPreset(one.preset)->json, scenario);
   ReadScenario(one.changes, scenario);
-  scenario.receiver.cutoff_deg = kLowest_deg;
+  scenario.receiver.cutoff_deg = one.moving ? kLowestMoving_deg : kLowest_deg;
   return scenario;
 }
 
@@ -95,7 +97,8 @@ void CheckClock(const ReceiverCase& one, const AnalyzedRun& run, const ClockTrut
   proof.Check(offset_off < 2e-9, fmt::format("{}: offset {:.2e} s off", name, offset_off));
   if (one.code_jumps > 0) return;
   const double drift_off = std::fabs(clock.drift_s_per_s.value_or(1) - truth.Drift(run.truth.interval_s));
-  proof.Check(drift_off < 1e-12, fmt::format("{}: drift {:.2e} off", name, drift_off));
+  // Over two hours low satellites that rise and that set do not balance as they do over a day.
+  proof.Check(drift_off < (one.moving ? 2e-12 : 1e-12), fmt::format("{}: drift {:.2e} off", name, drift_off));
 }
 
 void CheckAllan(const AnalyzedRun& run, double walk, Proof& proof) {
@@ -125,14 +128,18 @@ void ProveReceiverFigures(bool long_form, Proof& proof) {
       "code jumps, "
       "steered or not; the Allan deviation q / sqrt(t) of a random walk of q per root second";
   proof.tolerance =
-      "0.3 m in position, 2 ns in offset, 1e-12 in drift, 6 % and 20 % in the Allan deviation at one and ten "
+      "0.3 m in position, 2 ns in offset, 1e-12 in drift (2e-12 over the two hours of the moving antenna), 6 "
+      "% and "
+      "20 % in the Allan deviation at one and ten "
       "intervals; none for counts";
   proof.reason =
       "the simulated broadcast orbits are exact, so a day's median of positions scatters by the metre of a "
       "single "
       "solution over the root of the independent ones; what is left of the drift is the difference of the "
       "tropospheres "
-      "of simulator and analysis, with satellites from 5 degrees up; an Allan "
+      "of simulator and analysis, with satellites from 5 degrees up and, where the antenna moves and its "
+      "shift is "
+      "solved with the clock, from 15 degrees; an Allan "
       "variance of n "
       "pairs scatters by some 1/sqrt(n)";
   ProofTable table{"By case.",

@@ -45,7 +45,7 @@ TEST(ManyFiles, AFailingFileStopsNoOtherAndIsListedWithItsError) {
   FillNetwork(folder);
   const Answer a = Orsolva("qc --no-config " + folder.Path() + " --jobs 3");
   EXPECT_EQ(a.code, 1);
-  EXPECT_NE(a.out.find("NETWORK (3 files, 2 judged, 1 failed; worst first)"), std::string::npos) << a.out;
+  EXPECT_NE(a.out.find("NETWORK (3 files, 2 read, 1 failed; worst first)"), std::string::npos) << a.out;
   const std::size_t table = a.out.find("NETWORK");
   EXPECT_LT(a.out.find("SEPC078M.21O", table), a.out.find("SEPA078M.21O", table));
   EXPECT_NE(a.err.find("SEPC078M.21O"), std::string::npos) << a.err;

@@ -104,7 +104,7 @@ std::optional<ClockChange> SolveMoving(const std::vector<ClockSample>& samples, 
 /// Where many satellites slip in one epoch, as when half-cycle ambiguities are resolved together: the clock
 /// on which most of the others agree.
 /// @param residuals  any clock taken off
-/// @return what is left of the clock; absent where no cluster stands out
+/// @return what is left of the clock; absent where none is clearly the largest
 std::optional<double> LargestCluster(std::vector<double> residuals) {
   std::sort(residuals.begin(), residuals.end());
   const auto size = [&](std::size_t from) {

@@ -92,7 +92,7 @@ class IntegerSearch {
   std::vector<Branch> beam_, next_;
   std::vector<Growth> grown_;
   std::vector<double> costs_;
-  double too_expensive_ = 0;  ///< for the beam, as far as the costs of grown branches tell
+  double too_expensive_ = 0;  ///< for the beam, as far as the costs of grown branches show
   CheapestFirst cheapest_;
   std::vector<std::array<double, kMaxBands>> factor_;  ///< rows of L in the L D L' of the bands' covariance
   std::vector<double> diagonal_;

@@ -232,6 +232,17 @@ struct NeverObserved {
   Count unhealthy_epochs = 0;
 };
 
+/// A stretch of time of the stream, from a multiple of its length in GPS time to before the next one. Of
+/// systems and signals it has counts of values, completeness, mean strength, multipath about a moving mean,
+/// slips, and interruptions; windows.h has the rules.
+struct WindowFigures {
+  std::int64_t from_ns = 0;
+  std::int64_t to_ns = 0;
+  SpanFigures span;  ///< without gaps
+  std::vector<SystemFigures> systems;
+  std::vector<SignalFigures> signals;  ///< sums over systems
+};
+
 struct AnalysisResult {
   bool with_orbits = false;  ///< elevations are known; without them what needs one is absent
   double elevation_cutoff_deg = 0;
@@ -247,6 +258,7 @@ struct AnalysisResult {
   std::vector<Contradiction> contradictions;
   std::vector<SatelliteId> without_record;
   std::vector<NeverObserved> never_observed;  ///< of the systems observed
+  std::vector<WindowFigures> windows;         ///< in order of time; empty where none were asked for
 };
 
 }  // namespace orsolva_host::analysis

@@ -1,5 +1,9 @@
 #include "host/analysis/station_analysis.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
 #include "host/analysis/figures/epoch_groups.h"
 #include "host/analysis/figures/phase_groups.h"
 #include "host/analysis/figures/receiver_groups.h"
@@ -15,7 +19,7 @@ class StationAnalysis::Figures : public DetectorObserver {
  public:
   explicit Figures(const AnalysisOptions& options)
       : cutoff_deg_(options.elevation_cutoff_deg),
-        epochs_(options.detector.interval_s, cutoff_deg_),
+        epochs_(options.detector.interval_s, cutoff_deg_, options.window_s),
         phases_(cutoff_deg_) {
     if (!options.series) return;
     series_.emplace(cutoff_deg_);
@@ -40,12 +44,18 @@ class StationAnalysis::Figures : public DetectorObserver {
 
   void Taken(const ObservationEpoch& epoch, const ReceiverStep& receiver) override {
     epochs_.AddEpoch(epoch, receiver.station);
+    while (borders_.size() < epochs_.Borders()) borders_.push_back(receiver.number);
     phases_.AddEpoch(epoch, receiver.number);
     receiver_.AddEpoch(epoch, receiver);
     if (series_) AddToSeries(epoch);
   }
 
-  void Decided(const SatelliteTrack& track, std::int64_t step) override { phases_.AddStep(track, step); }
+  void Decided(const SatelliteTrack& track, std::int64_t step) override {
+    while (phase_marks_.size() < borders_.size() && track.At(step).epoch >= borders_[phase_marks_.size()]) {
+      phase_marks_.push_back(phases_.Sums());
+    }
+    phases_.AddStep(track, step);
+  }
 
   void Found(const Event& event) override {
     phases_.AddEvent(event);
@@ -69,9 +79,22 @@ class StationAnalysis::Figures : public DetectorObserver {
     epochs_.FillIn(result);
     phases_.FillIn(result);
     receiver_.FillIn(stated, result);
+    FillInWindows(result);
   }
 
  private:
+  /// What the phases add to the windows.
+  void FillInWindows(AnalysisResult& result) const {
+    if (result.windows.empty()) return;
+    const StreamSums now = phases_.Sums();
+    StreamSums before;
+    for (std::size_t i = 0; i < result.windows.size(); ++i) {
+      const StreamSums& after = i < phase_marks_.size() ? phase_marks_[i] : now;
+      AddDifference(before, after, result.windows[i]);
+      before = after;
+    }
+  }
+
   void AddToSeries(const ObservationEpoch& epoch) {
     series_->AddEpoch(epoch, epochs_.Roster(), epochs_.TheSky());
     if (!series_->BeganBin()) return;
@@ -94,6 +117,8 @@ class StationAnalysis::Figures : public DetectorObserver {
   PhaseGroups phases_;
   ReceiverGroups receiver_;
   std::optional<TimeSeries> series_;
+  std::vector<std::int64_t> borders_;    ///< of windows: number of the first epoch after each
+  std::vector<StreamSums> phase_marks_;  ///< at those whose next step has been decided
 };
 
 StationAnalysis::StationAnalysis(const AnalysisOptions& options, const BroadcastRecords& records)

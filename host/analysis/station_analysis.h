@@ -19,6 +19,7 @@ struct AnalysisOptions {
   DetectorOptions detector;
   double elevation_cutoff_deg = 10;
   bool series = false;  ///< figures over time are made, too
+  double window_s = 0;  ///< of AnalysisResult::windows; 0: none
 };
 
 class StationAnalysis {

@@ -75,10 +75,25 @@ std::vector<std::vector<SignalCode>> Completeness::SeenOfSatellites(const Signal
   return seen;
 }
 
-void Completeness::FillIn(const SignalRoster& roster, const Sky& sky, AnalysisResult& result) const {
+Completeness Completeness::Between(const Completeness& earlier, const Completeness& later) const {
+  Completeness part = *this;
+  for (std::size_t i = 0; i < signals_.size(); ++i) {
+    for (std::size_t level = 0; level < Visibility::kLevels; ++level) {
+      const Count from = i < earlier.signals_.size() ? earlier.signals_[i].observed[level] : 0;
+      const Count to = i < later.signals_.size() ? later.signals_[i].observed[level] : 0;
+      part.signals_[i].observed[level] = to > from ? to - from : 0;
+    }
+  }
+  return part;
+}
+
+void Completeness::FillIn(const SignalRoster& roster, const Sky& sky,
+                          const std::vector<ExpectedEpochs::Counts>& counts, AnalysisResult& result) const {
+  Expected expected_of;
+  for (std::size_t s = 0; s < roster.Satellites().size(); ++s) expected_of.push_back(sky.CountsOf(s, counts));
   for (std::size_t i = 0; i < signals_.size(); ++i) {
     const ListedSignal& signal = roster.Signals()[i];
-    const ExpectedEpochs::Counts* expected = sky.CountsOf(signal.satellite);
+    const ExpectedEpochs::Counts* expected = expected_of[signal.satellite];
     if (!signals_[i].seen || expected == nullptr) continue;
     LevelCounts observed = signals_[i].observed;
     // Rescaling rounds the two apart from each other.
@@ -87,12 +102,14 @@ void Completeness::FillIn(const SignalRoster& roster, const Sky& sky, AnalysisRe
     AddToRows(result, roster.Satellites()[signal.satellite], signal.code, expected->healthy, observed);
   }
   const std::vector<std::vector<SignalCode>> seen = SeenOfSatellites(roster);
-  for (const SharedSignal& shared : roster.SharedSignals()) FillInLacking(roster, sky, shared, seen, result);
+  for (const SharedSignal& shared : roster.SharedSignals())
+    FillInLacking(roster, expected_of, shared, seen, result);
 }
 
 /// Satellites that must transmit a signal and were never observed with it.
-void Completeness::FillInLacking(const SignalRoster& roster, const Sky& sky, const SharedSignal& shared,
-                                 const std::vector<std::vector<SignalCode>>& seen, AnalysisResult& result) {
+void Completeness::FillInLacking(const SignalRoster& roster, const Expected& expected_of,
+                                 const SharedSignal& shared, const std::vector<std::vector<SignalCode>>& seen,
+                                 AnalysisResult& result) {
   std::vector<std::size_t> lacking;
   std::size_t transmitting = 0;
   for (std::size_t s = 0; s < seen.size(); ++s) {
@@ -105,7 +122,7 @@ void Completeness::FillInLacking(const SignalRoster& roster, const Sky& sky, con
   for (const std::size_t s : lacking) {
     const SatelliteId id = roster.Satellites()[s];
     SatelliteRow(result, id).lacking.push_back(shared.code);
-    const ExpectedEpochs::Counts* expected = sky.CountsOf(s);
+    const ExpectedEpochs::Counts* expected = expected_of[s];
     if (expected != nullptr && kTrackedOn * lacking.size() <= transmitting)
       AddToRows(result, id, shared.code, expected->healthy, {});
   }

@@ -40,7 +40,14 @@ class Completeness {
   /// epochs that were dense counts, and each of those that were as far apart as that; with a shorter one all
   /// do.
   void Rescale(double ratio);
-  void FillIn(const SignalRoster& roster, const Sky& sky, AnalysisResult& result) const;
+  void FillIn(const SignalRoster& roster, const Sky& sky, AnalysisResult& result) const {
+    FillIn(roster, sky, sky.AllCounts(), result);
+  }
+  /// The same of a part of the stream. @param expected  in that part
+  void FillIn(const SignalRoster& roster, const Sky& sky, const std::vector<ExpectedEpochs::Counts>& expected,
+              AnalysisResult& result) const;
+  /// What was observed between two earlier states of this, with all that it knows of the whole stream.
+  Completeness Between(const Completeness& earlier, const Completeness& later) const;
 
  private:
   struct Signal {
@@ -50,7 +57,9 @@ class Completeness {
   };
   /// The signals that a satellite was observed with.
   std::vector<std::vector<SignalCode>> SeenOfSatellites(const SignalRoster& roster) const;
-  static void FillInLacking(const SignalRoster& roster, const Sky& sky, const SharedSignal& shared,
+  /// Counts of the satellites of the roster; null where there is no orbit.
+  using Expected = std::vector<const ExpectedEpochs::Counts*>;
+  static void FillInLacking(const SignalRoster& roster, const Expected& expected, const SharedSignal& shared,
                             const std::vector<std::vector<SignalCode>>& seen, AnalysisResult& result);
 
   std::vector<Signal> signals_;  ///< of the roster

@@ -1,19 +1,94 @@
 #include "host/analysis/figures/epoch_groups.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace orsolva_host::analysis {
 
 void EpochGroups::AddEpoch(const ObservationEpoch& epoch, const Station* station) {
   roster_.Take(epoch);
   span_.Add(epoch);
+  if (span_.IntervalChange() != 1) Rescale(span_.IntervalChange());
+  const std::int64_t steps =
+      grid_.IsOn() ? PassBorders(epoch.time_ns, station, span_.NominalStep()) : span_.NominalStep();
+  present_ += span_.NominalStep() > 0 && HasObservation(epoch);
   counts_.Add(epoch, roster_);
-  if (span_.IntervalChange() != 1) {
-    sky_->Rescale(span_.IntervalChange());
-    completeness_.Rescale(span_.IntervalChange());
-  }
-  sky_->Add(epoch, roster_, station, span_.NominalStep());
+  sky_->Add(epoch, roster_, station, steps);
   completeness_.Add(epoch, roster_, *sky_, span_.NominalStep());
   strength_.Add(epoch, roster_, *sky_);
   for (std::size_t i = 0; i < epoch.satellites.size(); ++i) mask_.Add(sky_->ElevationDegrees(i));
+}
+
+void EpochGroups::Rescale(double ratio) {
+  sky_->Rescale(ratio);
+  completeness_.Rescale(ratio);
+  for (Mark& mark : marks_) {
+    mark.completeness.Rescale(ratio);
+    ExpectedEpochs::Rescale(ratio, mark.expected);
+  }
+}
+
+EpochGroups::Mark EpochGroups::MarkAt(std::int64_t border_ns) const {
+  AnalysisResult result;
+  counts_.FillIn(roster_, result);
+  strength_.FillInSums(roster_, result);
+  return {border_ns, present_, StreamSums(std::move(result)), completeness_, sky_->AllCounts()};
+}
+
+/// Marks every border since the epoch before; epochs lost before a border are expected there.
+/// @return nominal epochs from the last border, or the epoch before, to this epoch
+std::int64_t EpochGroups::PassBorders(std::int64_t time_ns, const Station* station, std::int64_t steps) {
+  const std::int64_t number = grid_.NumberOf(time_ns);
+  if (!begun_) window_ = number;
+  for (; window_ < number && marks_.size() + 1 < WindowGrid::kMaxWindows; ++window_) {
+    const std::int64_t border_ns = grid_.BeginOf(window_ + 1);
+    const std::int64_t step_ns = steps > 1 ? (time_ns - nominal_ns_) / steps : 0;
+    if (step_ns > 0) {
+      const std::int64_t lost = std::min(steps - 1, (border_ns - 1 - nominal_ns_) / step_ns);
+      nominal_ns_ += lost * step_ns;
+      if (lost > 0) sky_->AddLost(nominal_ns_, station, lost);
+      steps -= lost;
+    }
+    marks_.push_back(MarkAt(border_ns));
+  }
+  begun_ = true;
+  if (steps > 0) nominal_ns_ = time_ns;
+  return steps;
+}
+
+void EpochGroups::FillInCompleteness(const Mark& from, const Mark& to, WindowFigures& window) const {
+  std::vector<ExpectedEpochs::Counts> expected = to.expected;
+  for (std::size_t s = 0; s < from.expected.size(); ++s) {
+    for (std::size_t level = 0; level < Visibility::kLevels; ++level) {
+      expected[s].healthy[level] -= std::min(expected[s].healthy[level], from.expected[s].healthy[level]);
+    }
+  }
+  expected.resize(sky_->AllCounts().size());
+  AnalysisResult rows;
+  rows.systems = std::move(window.systems);
+  rows.signals = std::move(window.signals);
+  completeness_.Between(from.completeness, to.completeness).FillIn(roster_, *sky_, expected, rows);
+  window.systems = std::move(rows.systems);
+  window.signals = std::move(rows.signals);
+}
+
+void EpochGroups::FillInWindows(AnalysisResult& result) const {
+  if (!grid_.IsOn() || !begun_) return;
+  const std::int64_t end_ns = std::max(grid_.BeginOf(window_ + 1), result.span.last_ns + 1);
+  std::vector<Mark> marks = {Mark()};
+  marks.insert(marks.end(), marks_.begin(), marks_.end());
+  marks.push_back(MarkAt(end_ns));
+  for (std::size_t i = 1; i < marks.size(); ++i) {
+    WindowFigures window;
+    window.from_ns =
+        i > 1 ? marks[i - 1].border_ns : grid_.BeginOf(window_ - static_cast<std::int64_t>(marks_.size()));
+    window.to_ns = marks[i].border_ns;
+    window.span.present_epochs = marks[i].present - marks[i - 1].present;
+    AddDifference(marks[i - 1].sums, marks[i].sums, window);
+    FillInCompleteness(marks[i - 1], marks[i], window);
+    result.windows.push_back(std::move(window));
+  }
+  FillInEpochs(result.span, result.windows);
 }
 
 void EpochGroups::FillIn(AnalysisResult& result) const {
@@ -23,6 +98,7 @@ void EpochGroups::FillIn(AnalysisResult& result) const {
   completeness_.FillIn(roster_, *sky_, result);
   mask_.FillIn(result.mask);
   strength_.FillIn(roster_, result);
+  FillInWindows(result);
 }
 
 }  // namespace orsolva_host::analysis

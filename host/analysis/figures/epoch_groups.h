@@ -2,7 +2,10 @@
 #ifndef ORSOLVA_ANALYSIS_FIGURES_EPOCH_GROUPS_H
 #define ORSOLVA_ANALYSIS_FIGURES_EPOCH_GROUPS_H
 
+#include <cstddef>
+#include <cstdint>
 #include <optional>
+#include <vector>
 
 #include "host/analysis/analysis_result.h"
 #include "host/analysis/figures/completeness.h"
@@ -12,14 +15,15 @@
 #include "host/analysis/figures/sky.h"
 #include "host/analysis/figures/span.h"
 #include "host/analysis/figures/strength.h"
+#include "host/analysis/figures/windows.h"
 
 namespace orsolva_host::analysis {
 
 class EpochGroups {
  public:
   /// @param stated_interval_s  such as a header states; 0: none
-  EpochGroups(double stated_interval_s, double cutoff_deg)
-      : cutoff_deg_(cutoff_deg), span_(stated_interval_s) {}
+  EpochGroups(double stated_interval_s, double cutoff_deg, double window_s = 0)
+      : cutoff_deg_(cutoff_deg), span_(stated_interval_s), grid_(window_s) {}
 
   /// Before the first epoch. @param orbits  may hold nothing; must outlive this
   void UseOrbits(BroadcastStore& orbits) { sky_.emplace(orbits, cutoff_deg_); }
@@ -31,10 +35,26 @@ class EpochGroups {
 
   const SignalRoster& Roster() const { return roster_; }
   const Sky& TheSky() const { return *sky_; }
+  /// Borders of windows passed so far.
+  std::size_t Borders() const { return marks_.size(); }
 
   void FillIn(AnalysisResult& result) const;
 
  private:
+  /// The sums at the border after a window.
+  struct Mark {
+    std::int64_t border_ns = 0;
+    Count present = 0;
+    StreamSums sums;
+    Completeness completeness;
+    std::vector<ExpectedEpochs::Counts> expected;
+  };
+  Mark MarkAt(std::int64_t border_ns) const;
+  std::int64_t PassBorders(std::int64_t time_ns, const Station* station, std::int64_t steps);
+  void Rescale(double ratio);
+  void FillInCompleteness(const Mark& from, const Mark& to, WindowFigures& window) const;
+  void FillInWindows(AnalysisResult& result) const;
+
   double cutoff_deg_;
   SignalRoster roster_;
   Span span_;
@@ -43,6 +63,12 @@ class EpochGroups {
   Completeness completeness_;
   ReceiverMask mask_;
   Strength strength_;
+  WindowGrid grid_;
+  std::int64_t window_ = 0;      ///< number of the one at hand
+  std::int64_t nominal_ns_ = 0;  ///< the last nominal epoch
+  bool begun_ = false;
+  Count present_ = 0;
+  std::vector<Mark> marks_;
 };
 
 }  // namespace orsolva_host::analysis

@@ -59,8 +59,8 @@ void ExpectedEpochs::CountGap(std::int64_t time_ns, std::int64_t steps, std::int
   }
 }
 
-void ExpectedEpochs::Rescale(double ratio) {
-  for (Counts& counts : counts_) {
+void ExpectedEpochs::Rescale(double ratio, std::vector<Counts>& all) {
+  for (Counts& counts : all) {
     for (auto* levels : {&counts.healthy, &counts.unhealthy}) {
       for (Count& count : *levels)
         count = static_cast<Count>(std::llround(static_cast<double>(count) * ratio));

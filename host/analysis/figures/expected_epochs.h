@@ -35,7 +35,8 @@ class ExpectedEpochs {
   const std::vector<Counts>& Satellites() const { return counts_; }
 
   /// Converts what has been counted to another interval: n epochs become n times the ratio.
-  void Rescale(double ratio);
+  void Rescale(double ratio) { Rescale(ratio, counts_); }
+  static void Rescale(double ratio, std::vector<Counts>& all);
 
  private:
   void CountGap(std::int64_t time_ns, std::int64_t steps, std::int64_t step_ns, const Station& station,

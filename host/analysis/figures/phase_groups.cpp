@@ -1,5 +1,7 @@
 #include "host/analysis/figures/phase_groups.h"
 
+#include <utility>
+
 namespace orsolva_host::analysis {
 
 PhaseGroups::PhaseGroups(double cutoff_deg)
@@ -35,6 +37,14 @@ void PhaseGroups::AddStep(const SatelliteTrack& track, std::int64_t step) {
 void PhaseGroups::AddEvent(const Event& event) {
   slips_.AddEvent(event);
   ionosphere_.AddEvent(event);
+}
+
+StreamSums PhaseGroups::Sums() const {
+  AnalysisResult result;
+  slips_.FillIn(result);
+  tracking_.FillIn(result);
+  multipath_.FillIn(result);
+  return StreamSums(std::move(result));
 }
 
 void PhaseGroups::FillIn(AnalysisResult& result) const {

@@ -9,6 +9,7 @@
 #include "host/analysis/figures/slip_sums.h"
 #include "host/analysis/figures/step_outcome.h"
 #include "host/analysis/figures/tracking_sums.h"
+#include "host/analysis/figures/windows.h"
 
 namespace orsolva_host::analysis {
 
@@ -29,6 +30,8 @@ class PhaseGroups {
   IonosphereRate& Ionosphere() { return ionosphere_; }
 
   void FillIn(AnalysisResult& result) const;
+  /// Those of them that are sums over the stream.
+  StreamSums Sums() const;
 
  private:
   OutcomeReader outcomes_;

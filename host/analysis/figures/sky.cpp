@@ -49,9 +49,10 @@ bool Sky::IsSatelliteExpected(std::size_t satellite, Visibility::Level level) co
   return number && expected_.IsExpected(*number, level);
 }
 
-const ExpectedEpochs::Counts* Sky::CountsOf(std::size_t satellite) const {
+const ExpectedEpochs::Counts* Sky::CountsOf(std::size_t satellite,
+                                            const std::vector<ExpectedEpochs::Counts>& all) const {
   const std::optional<std::size_t>& number = satellites_[satellite].number;
-  return number && *number < expected_.Satellites().size() ? &expected_.Satellites()[*number] : nullptr;
+  return number && *number < all.size() ? &all[*number] : nullptr;
 }
 
 void Sky::FillIn(const SignalRoster& roster, AnalysisResult& result) const {

@@ -32,6 +32,10 @@ class Sky {
   /// @param steps    nominal epochs since the one before, see ExpectedEpochs
   void Add(const ObservationEpoch& epoch, const SignalRoster& roster, const Station* station,
            std::int64_t steps);
+  /// The nominal epochs between two of the stream that are lost, the last of them at a time.
+  void AddLost(std::int64_t last_ns, const Station* station, std::int64_t count) {
+    if (station != nullptr) expected_.Add(last_ns, count, *station, visibility_);
+  }
   void Rescale(double ratio) { expected_.Rescale(ratio); }
 
   /// Of a satellite of the epoch taken last; NaN where it is not known.
@@ -44,7 +48,13 @@ class Sky {
   bool IsSatelliteExpected(std::size_t satellite, Visibility::Level level) const;
 
   /// Counts of a satellite of the roster; null where there is no orbit of it.
-  const ExpectedEpochs::Counts* CountsOf(std::size_t satellite) const;
+  const ExpectedEpochs::Counts* CountsOf(std::size_t satellite) const {
+    return CountsOf(satellite, AllCounts());
+  }
+  /// Of the satellite among all counts of another time.
+  const ExpectedEpochs::Counts* CountsOf(std::size_t satellite,
+                                         const std::vector<ExpectedEpochs::Counts>& all) const;
+  const std::vector<ExpectedEpochs::Counts>& AllCounts() const { return expected_.Satellites(); }
 
   void FillIn(const SignalRoster& roster, AnalysisResult& result) const;
 

@@ -36,6 +36,8 @@ class Strength {
   /// @param sky  has taken the epoch
   void Add(const ObservationEpoch& epoch, const SignalRoster& roster, const Sky& sky);
   void FillIn(const SignalRoster& roster, AnalysisResult& result) const;
+  /// All but the drops.
+  void FillInSums(const SignalRoster& roster, AnalysisResult& result) const;
 
  private:
   struct Sum {
@@ -62,7 +64,6 @@ class Strength {
   static void Close(const Window& window, std::vector<StrengthWindow>& windows);
   static void FillIn(const Sum& sum, const StrengthHistogram& values, const ElevationSums& by_elevation,
                      StrengthFigures& figures);
-  void FillInSums(const SignalRoster& roster, AnalysisResult& result) const;
   std::vector<StrengthCurves> Curves(const SignalRoster& roster) const;
   std::vector<std::vector<StrengthWindow>> KeptWindows() const;
   void FillInDrops(const SignalRoster& roster, AnalysisResult& result) const;

@@ -106,7 +106,8 @@ void SlipDetector::Start() {
 
 void SlipDetector::Finish() {
   if (!started_ && !start_.empty()) Start();
-  DecideUpTo(number_);
+  // Epoch by epoch, as while the stream goes on.
+  for (std::int64_t number = number_ - kLead + 1; number <= number_; ++number) DecideUpTo(number);
 }
 
 SatelliteIntake& SlipDetector::IntakeOf(SatelliteId id) {

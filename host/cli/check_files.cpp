@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <exception>
 #include <memory>
+#include <string_view>
 
 #include "host/cli/console.h"
 #include "host/cli/exit_codes.h"
@@ -13,6 +14,8 @@
 #include "host/judging/report_sinks.h"
 #include "host/judging/run_error.h"
 #include "host/output/whole_file.h"
+#include "host/report/earlier_report.h"
+#include "host/report/history_profile.h"
 #include "host/report/profile.h"
 #include "host/terminal/appearance.h"
 #include "host/terminal/interrupt.h"
@@ -39,7 +42,12 @@ struct Tally {
 
 /// Fills in what depends on the terminal and on the profile.
 void CompleteSettings(QcRequest& request) {
-  if (!request.profile.empty()) {
+  if (!request.compare.empty()) request.settings.compare_with = ReadReports(request.compare);
+  constexpr std::string_view kHistory = "history:";
+  if (request.profile.compare(0, kHistory.size(), kHistory) == 0) {
+    request.settings.history = ReadHistory(request.profile.substr(kHistory.size()));
+    request.outputs.profile_title = "the history of each station";
+  } else if (!request.profile.empty()) {
     request.settings.profile = LoadProfile(request.profile);
     request.outputs.profile_title = request.settings.profile->title;
   }
@@ -111,6 +119,8 @@ int CheckFiles(QcRequest& request) {
   } catch (const ValidationError& error) {
     PrintError(error.what());
   } catch (const ProfileError& error) {
+    PrintError(error.what());
+  } catch (const EarlierReportError& error) {
     PrintError(error.what());
   } catch (const std::exception& error) {
     PrintError(ErrorText(error));

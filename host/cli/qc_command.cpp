@@ -5,6 +5,7 @@
 #include "host/cli/check_files.h"
 #include "host/cli/commands.h"
 #include "host/cli/request.h"
+#include "host/judging/selection_texts.h"
 #include "host/report/profile.h"
 
 namespace orsolva_host {
@@ -46,13 +47,29 @@ void AddAnalysisOptions(QcRequest& request, std::vector<Option>& options) {
              "Satellite systems: G GPS, R GLONASS, E Galileo, J QZSS, C BDS, I NavIC, S SBAS"),
       Parsed("exclude", "SATELLITES", "", ParseExcluded, s.excluded,
              "Satellites to leave out, such as G04,R12"),
+      Parsed(
+          "start", "TIME", "", ParseTimeLimit, s.selection.start,
+          "Begin at this GPS time: 2026-01-31T06:00, 2026-031T06:00, or 06:00 on the day of the first epoch"),
+      Parsed("end", "TIME", "", ParseTimeLimit, s.selection.end,
+             "End before this GPS time, written likewise"),
+      Parsed("sampling", "SECONDS", "", ParseSampling, s.selection.sampling_s,
+             "Take only the epochs at multiples of so many seconds of GPS time"),
+      Parsed("signals", "LIST", "", ParseSignals, s.selection.signals,
+             "Signals to take, such as G:1C,2W,E:1C,5Q, or bands such as 1,5; of systems that are not named, "
+             "all"),
       Switch("snr-from-strength", s.snr_from_strength,
              "Estimate a missing SNR from the signal strength digit of its phase"),
       Parsed("max-size", "BYTES", "8G", ParseSize, s.limits,
              "Largest size in bytes that a compressed file may expand to"),
-      With(FileOption("profile", "NAME|FILE", request.profile,
-                      "Grade the figures by limits: network, station, or a file of limits"),
+      With(FileOption(
+               "profile", "NAME|FILE", request.profile,
+               "Grade the figures by limits: network, station, reference, rtk, phone, or a file of limits; "
+               "history:FOLDER: by the earlier JSON reports of the station in a folder"),
            ProfileNames()),
+      FileOption("compare", "FILE", request.compare,
+                 "List what differs from an earlier JSON report of the station"),
+      Parsed("window", "LENGTH", "", ParseWindow, s.window_s,
+             "Give the figures of the analysis per window of time as well, such as 1h, 15m or 1d"),
       Switch(
           "strict", s.strict,
           "Fail a file that cannot be judged in full, such as one without navigation, instead of reporting "
@@ -78,6 +95,10 @@ void AddOutputOptions(QcRequest& request, std::vector<Option>& options) {
       Switch("sats", request.settings.show_satellites, "Add a table per satellite"),
       FileOption("detail", "FILE", o.File(Format::kDetail),
                  "Write a CSV table of every epoch, satellite and signal (.gz: compressed)"),
+      Parsed("detail-satellites", "LIST", "", ParseSatellites, o.detail.satellites,
+             "Satellites or systems in the table of --detail, such as G05,R12,E"),
+      Parsed("detail-signals", "LIST", "", ParseSignals, o.detail.signals,
+             "Signals in the table of --detail, written as for --signals"),
       FileOption("events", "FILE", o.File(Format::kEvents),
                  "Write cycle slips, gaps and clock events one by one as CSV (.jsonl: JSON lines; .gz: "
                  "compressed); - for standard output"),

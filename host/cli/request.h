@@ -15,7 +15,8 @@ struct QcRequest {
   std::vector<std::string> navigation;  ///< further navigation files and folders
   JudgingSettings settings;
   OutputSettings outputs;
-  std::string profile;         ///< name or file; empty: none
+  std::string profile;         ///< name, file or "history:FOLDER"; empty: none
+  std::string compare;         ///< an earlier report; empty: none
   std::string color = "auto";  ///< or "always", "never"
   unsigned width = 0;          ///< columns; 0: the terminal's, at most 80
   unsigned jobs = 0;           ///< files at the same time; 0: one per core

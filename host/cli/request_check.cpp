@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "host/judging/selection_texts.h"
+
 namespace orsolva_host {
 namespace {
 
@@ -31,6 +33,17 @@ void ValidateStandardStreams(const QcRequest& request, const RunInputs& inputs) 
         "only one of --text, --json, --csv, --sum, --events and --series can go to standard output; give the "
         "others files");
   }
+}
+
+void ValidateSelection(const JudgingSettings& settings) {
+  const EpochSelection& selection = settings.selection;
+  if (selection.sampling_s && settings.interval_s && *settings.interval_s < *selection.sampling_s) {
+    throw ValidationError(
+        "--interval is shorter than --sampling: the interval meant is that of the epochs taken; leave it "
+        "out");
+  }
+  const std::string wrong = Contradiction(selection);
+  if (!wrong.empty()) throw ValidationError("--start and --end: " + wrong);
 }
 
 /// Options that mean something else, or nothing, with many files.
@@ -79,6 +92,7 @@ void ValidatePaths(const QcRequest& request, const RunInputs& inputs) {
 }  // namespace
 
 void ValidateRequest(const QcRequest& request, const RunInputs& inputs) {
+  ValidateSelection(request.settings);
   ValidateStandardStreams(request, inputs);
   if (inputs.observations.size() > 1) ValidateMany(request, inputs);
   ValidatePaths(request, inputs);

@@ -14,6 +14,7 @@ analysis::AnalysisOptions OptionsOf(const JudgingSettings& settings, const Obser
   analysis::AnalysisOptions options;
   options.series = series;
   options.elevation_cutoff_deg = settings.elevation_cutoff_deg;
+  options.window_s = settings.window_s;
   options.detector.position = header.position;
   if (settings.position.source == PositionSource::kOption)
     options.detector.position = settings.position.xyz_m;
@@ -27,6 +28,7 @@ StationDescription Described(const JudgingSettings& settings, const EpochSource&
   StationDescription description = DescriptionOf(source.Header(), source.Name());
   if (settings.position.source == PositionSource::kOption)
     description.given_position_m = settings.position.xyz_m;
+  if (settings.selection.sampling_s) description.name.interval_s.reset();
   return description;
 }
 

@@ -4,13 +4,26 @@
 
 namespace orsolva_host {
 
-DetailOutputs::DetailOutputs(const std::vector<std::string>& tables, const std::vector<std::string>& pages) {
+namespace {
+
+DetailFilter FilterOf(const DetailSelection& selection) {
+  if (selection.IsEverything()) return {};
+  return [selection](char letter, int number, std::string_view signal) {
+    return signal.size() == 2 && selection.Has(letter, number, {signal[0], signal[1]});
+  };
+}
+
+}  // namespace
+
+DetailOutputs::DetailOutputs(const std::vector<std::string>& tables, const std::vector<std::string>& pages,
+                             const DetailSelection& selection) {
   for (const std::string& path : tables) table_files_.push_back(std::make_unique<WholeFile>(path));
   for (const std::string& path : pages) page_files_.push_back(std::make_unique<WholeFile>(path));
   if (!tables.empty()) {
-    table_ = std::make_unique<DetailCsv>([this](std::string_view text) {
+    const auto write = [this](std::string_view text) {
       for (const auto& file : table_files_) file->Write(text);
-    });
+    };
+    table_ = std::make_unique<DetailCsv>(write, FilterOf(selection));
     sinks_.Add(table_.get());
   }
   if (!pages.empty()) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/judging/epoch_selection.h"
 #include "host/output/whole_file.h"
 #include "host/report/detail_collector.h"
 #include "host/report/detail_csv.h"
@@ -17,8 +18,10 @@ namespace orsolva_host {
 class DetailOutputs {
  public:
   /// @param tables, pages  files; all of a kind get the same content
+  /// @param selection  of the rows of the tables; pages hold everything
   /// @throws WriteError when a file cannot be opened
-  DetailOutputs(const std::vector<std::string>& tables, const std::vector<std::string>& pages);
+  DetailOutputs(const std::vector<std::string>& tables, const std::vector<std::string>& pages,
+                const DetailSelection& selection = {});
 
   /// The observer of the run; null when no file is asked for.
   DetailSink* Sink() { return sinks_.Empty() ? nullptr : &sinks_; }

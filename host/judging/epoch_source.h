@@ -36,6 +36,8 @@ class EpochSource {
   virtual const std::optional<FileError>& Failure() const = 0;
   /// What header lines among the epochs so far changed.
   virtual std::vector<DescriptionChange> Changes() const { return {}; }
+  /// After the end, where there was no epoch: why, as a sentence after the name.
+  virtual std::string NothingFound() const { return "found no epoch. Check that the file is complete."; }
 
   /// Broadcast records that the data themselves hold, known before the first epoch; null when they hold none.
   virtual std::shared_ptr<const ReadNavigation> Navigation() const { return nullptr; }

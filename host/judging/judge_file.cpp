@@ -13,7 +13,10 @@
 #include "host/judging/library_run.h"
 #include "host/judging/library_version.h"
 #include "host/judging/nominal_interval.h"
+#include "host/judging/selected_epochs.h"
 #include "host/report/build_report.h"
+#include "host/report/comparison.h"
+#include "host/report/history_profile.h"
 #include "host/report/profile.h"
 #include "host/report/stream_text.h"
 #include "host/rinex/civil_time.h"
@@ -80,7 +83,7 @@ class Run {
 Report Run::Judged(SharedNavigation& named) {
   TakeNamed(named);
   FillBatch();
-  if (batch_size_ == 0) throw RunError(source_.Name() + ": found no epoch. Check that the file is complete.");
+  if (batch_size_ == 0) throw RunError(source_.Name() + ": " + source_.NothingFound());
   interval_ = ChooseInterval(settings_, source_, batch_.get(), batch_size_, diagnostics_);
   RequirePosition(settings_, source_);
   library_.Start(*navigation_, batch_[0].time, interval_.interval_s);
@@ -180,8 +183,16 @@ Report Run::Finish() {
   if (source_.Failure()) report.read_error = source_.Failure()->what();
   const std::optional<RunEvents> events = library_.Events();
   Conclude(report, events ? &*events : nullptr);
-  if (settings_.profile) report.profile_verdict = Judge(report, *settings_.profile);
   return report;
+}
+
+/// Holds a report against what the settings name, once everything else is in it.
+void HoldAgainst(const JudgingSettings& settings, Report& report) {
+  if (settings.profile) report.profile_verdict = Judge(report, *settings.profile);
+  if (settings.history) report.profile_verdict = Judge(report, *settings.history);
+  if (settings.compare_with.empty()) return;
+  const EarlierReport now = AsEarlier(report);
+  report.comparison = Compare(ReportToCompare(settings.compare_with, now), now);
 }
 
 ReportRun Run::Facts() const {
@@ -218,7 +229,16 @@ ReportRun Run::Facts() const {
 
 Report JudgeEpochs(EpochSource& source, const JudgingSettings& settings, SharedNavigation& navigation,
                    Diagnostics& diagnostics, const RunObservers& observers) {
-  return Run(source, settings, diagnostics, observers).Judged(navigation);
+  Report report;
+  if (settings.selection.IsEverything()) {
+    report = Run(source, settings, diagnostics, observers).Judged(navigation);
+  } else {
+    SelectedEpochs selected(source, settings.selection, diagnostics);
+    report = Run(selected, settings, diagnostics, observers).Judged(navigation);
+    report.run.selection = selected.Facts();
+  }
+  HoldAgainst(settings, report);
+  return report;
 }
 
 Report JudgeFile(const std::string& observation_file, const JudgingSettings& settings,

@@ -39,7 +39,7 @@ struct RunObservers {
 /// navigation, the report says why and has the rest. With settings.profile the report has a verdict.
 /// @param navigation   the files named; with none, those next to the source are looked for
 /// @param diagnostics  those of the source; all notices of the run are added
-/// @throws FileError, RunError, Stopped, and what the sink throws
+/// @throws FileError, RunError, EarlierReportError, Stopped, and what the sink throws
 Report JudgeEpochs(EpochSource& source, const JudgingSettings& settings, SharedNavigation& navigation,
                    Diagnostics& diagnostics, const RunObservers& observers = {});
 

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "host/judging/epoch_selection.h"
 #include "host/judging/output_formats.h"
 #include "host/report/text_layout.h"
 
@@ -18,6 +19,7 @@ struct OutputSettings {
   std::array<std::string, kFormatCount> files;
   std::string folder;           ///< gets files of every input; empty: none
   std::vector<Format> formats;  ///< of the files in that folder
+  DetailSelection detail;       ///< rows of the detail tables
   std::string network;          ///< file of the table over all inputs, "-" or empty
   bool quiet = false;           ///< nothing on standard output but what is asked for
   TextStyle style;              ///< of text on standard output

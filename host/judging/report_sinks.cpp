@@ -19,7 +19,7 @@ class InputFilesWriter : public FileHooks {
       : settings_(settings),
         names_(names),
         input_(input),
-        detail_(names.TablesOf(input, Format::kDetail), names.PagesOf(input)),
+        detail_(names.TablesOf(input, Format::kDetail), names.PagesOf(input), settings.detail),
         events_(names.TablesOf(input, Format::kEvents)),
         series_table_(names.TablesOf(input, Format::kSeries)) {
     if (!series_table_.Empty()) series_.Add(&series_table_);

@@ -9,6 +9,9 @@
 #include <string_view>
 #include <vector>
 
+#include "host/judging/epoch_selection.h"
+#include "host/report/earlier_report.h"
+#include "host/report/history_profile.h"
 #include "host/report/profile.h"
 #include "host/rinex/byte_source.h"
 
@@ -40,9 +43,13 @@ struct JudgingSettings {
   PositionChoice position;                  ///< of the antenna
   std::string systems{kAllSystems};         ///< letters of the systems, each at most once
   std::vector<ExcludedSatellite> excluded;  ///< satellites that are left out
+  EpochSelection selection;                 ///< of epochs and signals
   bool snr_from_strength = false;           ///< see ObservationOptions::snr_from_strength
   InputLimits limits;                       ///< of each input file
   std::optional<Profile> profile;           ///< limits that the report is held against; absent: no verdict
+  std::optional<History> history;           ///< earlier reports to hold it against instead
+  std::vector<EarlierReport> compare_with;  ///< of which one is of the station; empty: no comparison
+  double window_s = 0;                      ///< figures of windows of time as well; 0: none
   FigureChoice figures = FigureChoice::kBoth;  ///< that reports show
   bool show_satellites = false;                ///< reports list every satellite
   /// What the library cannot judge, as without navigation, is an error; else the report says what is missing.

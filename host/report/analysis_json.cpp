@@ -118,6 +118,33 @@ Json WideLanesJson(const AnalysisResult& result, const FigureTables& tables) {
   return list;
 }
 
+Json WindowsJson(const AnalysisResult& result, const FigureTables& tables) {
+  Json list = Json::array();
+  for (const analysis::WindowFigures& window : result.windows) {
+    Json j;
+    j["from_gpst"] = TimeOf(window.from_ns);
+    j["to_gpst"] = TimeOf(window.to_ns);
+    AddFigures(tables.window, window, j);
+    j["systems"] = Json::array();
+    for (const analysis::SystemFigures& system : window.systems) {
+      Json s;
+      s["letter"] = std::string(1, system.letter);
+      AddFigures(tables.window_system, system, s);
+      j["systems"].push_back(s);
+    }
+    j["signals"] = Json::array();
+    for (const SignalFigures& signal : window.signals) {
+      Json s;
+      s["letter"] = std::string(1, signal.system);
+      s["signal"] = NameOf(signal.code);
+      AddFigures(tables.window_signal, signal, s);
+      j["signals"].push_back(s);
+    }
+    list.push_back(j);
+  }
+  return list;
+}
+
 Json ContradictionsJson(const AnalysisResult& result) {
   Json list = Json::array();
   for (const analysis::Contradiction& c : result.contradictions) {
@@ -151,6 +178,7 @@ Json AnalysisJson(const Report& report, const FigureTables& tables) {
   j["systems"] = SystemsJson(result, tables);
   j["signals"] = SignalsJson(result.signals, tables);
   j["wide_lanes"] = WideLanesJson(result, tables);
+  if (!result.windows.empty()) j["windows"] = WindowsJson(result, tables);
   if (report.show_satellites) j["satellites"] = SatellitesJson(result, tables);
   if (report.show_satellite_signals) j["satellite_signals"] = SignalsJson(result.satellite_signals, tables);
   return j;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/report/figure_text.h"
+#include "host/report/window_figures.h"
 #include "host/rinex/civil_time.h"
 #include "host/rinex/diagnostics.h"
 #include "host/rinex/satellite_names.h"
@@ -116,6 +117,8 @@ class Writer {
 
   std::string WriteSignals() {
     Signals();
+    if (const std::string windows = WindowTable(result_.windows, style_); !windows.empty())
+      text_ += "\n" + windows;
     if (report_.show_satellites) Satellites();
     return std::move(text_);
   }

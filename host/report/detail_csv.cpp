@@ -38,6 +38,11 @@ void Append(std::string& text, std::string_view word) {
   text += word;
 }
 
+char LetterOf(int system) {
+  const int slot = SystemSlotOfCode(system);
+  return slot < 0 ? '?' : kSystemTable[slot].letter;
+}
+
 bool SaysSomething(const PairEpochDetail& pair) {
   return pair.has_multipath || pair.has_geometry_free_step || pair.has_difference ||
          pair.geometry_slip != orsolva::GeometrySlipReason::kNone;
@@ -51,7 +56,8 @@ const char* const kDetailCsvHeader =
     "geometry_free_step_m,geometry_free_threshold_m,geometry_free_slip,phase_excess_m,phase_threshold_m,"
     "phase_slip";
 
-DetailCsv::DetailCsv(std::function<void(std::string_view)> write) : write_(std::move(write)) {}
+DetailCsv::DetailCsv(std::function<void(std::string_view)> write, DetailFilter filter)
+    : write_(std::move(write)), filter_(std::move(filter)) {}
 
 void DetailCsv::Begin(const Time_gbt&, double) {
   text_ = kDetailCsvHeader;
@@ -137,6 +143,7 @@ void DetailCsv::WriteEpoch() {
 void DetailCsv::WriteSatellite(const SatelliteEpoch& epoch, std::size_t first_pair, std::size_t end_pair) {
   for (int i = 0; i < epoch.signal_count; ++i) {
     const SignalValue& signal = signals_[epoch.first_signal + static_cast<std::size_t>(i)];
+    if (!IsWanted(epoch, signal)) continue;
     bool paired = false;
     for (std::size_t k = first_pair; k < end_pair; ++k) {
       const PairEpochDetail& pair = pairs_[k];
@@ -151,12 +158,16 @@ void DetailCsv::WriteSatellite(const SatelliteEpoch& epoch, std::size_t first_pa
   }
 }
 
+bool DetailCsv::IsWanted(const SatelliteEpoch& epoch, const SignalValue& signal) const {
+  const orsolva::DetailSatellite& satellite = epoch.satellite;
+  return !filter_ || filter_(LetterOf(satellite.sys), satellite.prn,
+                             SignalName(satellite.sys, static_cast<int>(signal.code)));
+}
+
 void DetailCsv::WriteLead(const SatelliteEpoch& epoch, const SignalValue& signal) {
   const int system = epoch.satellite.sys;
-  const int slot = SystemSlotOfCode(system);
-  const char letter = slot < 0 ? '?' : kSystemTable[slot].letter;
   text_ += time_text_;
-  Append(text_, SatelliteName(letter, epoch.satellite.prn));
+  Append(text_, SatelliteName(LetterOf(system), epoch.satellite.prn));
   Append(text_, SignalName(system, static_cast<int>(signal.code)));
   Append(text_, true, epoch.elevation_rad * kDegreesPerRadian, 3);
   Append(text_, true, epoch.azimuth_rad * kDegreesPerRadian, 3);

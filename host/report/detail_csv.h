@@ -20,10 +20,14 @@ namespace orsolva_host {
 /// The first line of the table, without its line feed.
 extern const char* const kDetailCsvHeader;
 
+/// Whether a signal of a satellite has rows, by system letter, number and code ("1C").
+using DetailFilter = std::function<bool(char letter, int number, std::string_view signal)>;
+
 class DetailCsv : public DetailSink {
  public:
   /// @param write  takes pieces of the table in order; what it throws comes out of EndBatch or Finish
-  explicit DetailCsv(std::function<void(std::string_view)> write);
+  /// @param filter  empty: everything has rows
+  explicit DetailCsv(std::function<void(std::string_view)> write, DetailFilter filter = {});
 
   void Begin(const Time_gbt& first, double interval_s) override;
   void EndBatch() override;
@@ -51,12 +55,14 @@ class DetailCsv : public DetailSink {
   void WriteEpochsBefore(const Time_gbt& time);
   void WriteEpoch();
   void WriteSatellite(const SatelliteEpoch& epoch, std::size_t first_pair, std::size_t end_pair);
+  bool IsWanted(const SatelliteEpoch& epoch, const SignalValue& signal) const;
   void WriteLead(const SatelliteEpoch& epoch, const SignalValue& signal);
   void WritePair(const orsolva::PairEpochDetail& pair);
   void Pass();
   void Complain();
 
   std::function<void(std::string_view)> write_;
+  DetailFilter filter_;
   std::vector<SatelliteEpoch> epochs_;  // of the batch; in time order once arranged
   std::vector<SignalValue> signals_;
   std::vector<orsolva::PairEpochDetail> pairs_;  // of the epoch at next_

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "host/report/window_figures.h"
+
 namespace orsolva_host {
 namespace {
 
@@ -63,6 +65,19 @@ class Lister {
     }
   }
 
+  void AddWindows(const std::vector<analysis::WindowFigures>& windows) {
+    for (const analysis::WindowFigures& window : windows) {
+      const std::string at = "@" + WindowName(window);
+      Add(FigureScope::kWindow, "", at, tables_.window, window);
+      for (const analysis::SystemFigures& system : window.systems)
+        Add(FigureScope::kWindow, std::string(1, system.letter), at, tables_.window_system, system);
+      for (const analysis::SignalFigures& signal : window.signals) {
+        Add(FigureScope::kWindow, std::string(1, signal.system), NameOf(signal.code) + at,
+            tables_.window_signal, signal);
+      }
+    }
+  }
+
   std::vector<FigureValue> Take() { return std::move(out_); }
 
  private:
@@ -106,6 +121,7 @@ std::vector<FigureValue> ListFigures(const Report& report, const FigureTables& t
   for (const NavigationCoverage& row : report.run.navigation_coverage) {
     list.Add(FigureScope::kSatellite, row.satellite, "", tables.coverage, row);
   }
+  list.AddWindows(report.analysis.figures.windows);
   return list.Take();
 }
 

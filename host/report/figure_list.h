@@ -12,13 +12,14 @@
 
 namespace orsolva_host {
 
-enum class FigureScope { kRun, kHeadline, kLibraryTotal, kSystem, kSatellite, kSignal };
+enum class FigureScope { kRun, kHeadline, kLibraryTotal, kSystem, kSatellite, kSignal, kWindow };
 
 struct FigureValue {
   FigureScope scope = FigureScope::kRun;
   std::string subject;    ///< "" the run and its headline, "all" the library total, "G" or "G04"
   std::string signal;     ///< "1C"; "1C@10-15" in a range of elevations; the band of a band figure ("L1",
-                          ///< "slot1"); "1C-2W" of two signals; or empty
+                          ///< "slot1"); "1C-2W" of two signals; or empty; in a window
+                          ///< of time with its beginning, "1C@2020-06-25T06:00:00" or "@2020-06-25T06:00:00"
   std::string key;        ///< of figures.h
   std::string_view unit;  ///< of the figure
   std::optional<double> value;

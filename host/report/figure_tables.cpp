@@ -5,6 +5,7 @@
 #include "host/report/library_figures.h"
 #include "host/report/library_headline.h"
 #include "host/report/run_figures.h"
+#include "host/report/window_figures.h"
 
 namespace orsolva_host {
 
@@ -23,7 +24,10 @@ const FigureTables& AllFigures() {
                                    AnalysisSystemRows(),
                                    AnalysisSignalRows(),
                                    AnalysisSatelliteRows(),
-                                   WideLaneRows()};
+                                   WideLaneRows(),
+                                   WindowRows(),
+                                   WindowSystemRows(),
+                                   WindowSignalRows()};
   return tables;
 }
 

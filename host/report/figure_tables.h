@@ -27,6 +27,9 @@ struct FigureTables {
   std::vector<FigureRow<analysis::SignalFigures>> analysis_signal;  ///< of a system or of a satellite
   std::vector<FigureRow<analysis::SatelliteFigures>> analysis_satellite;
   std::vector<FigureRow<analysis::WideLaneFigures>> wide_lane;
+  std::vector<FigureRow<analysis::WindowFigures>> window;  ///< of time
+  std::vector<FigureRow<analysis::SystemFigures>> window_system;
+  std::vector<FigureRow<analysis::SignalFigures>> window_signal;
 };
 
 /// The rows of the program.
@@ -53,6 +56,9 @@ void ForEachRow(const FigureTables& tables, Visit&& visit) {
   all(tables.analysis_signal);
   all(tables.analysis_satellite);
   all(tables.wide_lane);
+  all(tables.window);
+  all(tables.window_system);
+  all(tables.window_signal);
 }
 
 }  // namespace orsolva_host

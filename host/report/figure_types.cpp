@@ -85,6 +85,9 @@ std::string SchemaWithFigures(const std::string& schema, const FigureTables& tab
   defs["analysis_signal_figures"] = Definition(tables.analysis_signal);
   defs["analysis_satellite_figures"] = Definition(tables.analysis_satellite);
   defs["wide_lane_figures"] = Definition(tables.wide_lane);
+  defs["window_figures"] = Definition(tables.window);
+  defs["window_system_figures"] = Definition(tables.window_system);
+  defs["window_signal_figures"] = Definition(tables.window_signal);
   return j.dump(2) + "\n";
 }
 

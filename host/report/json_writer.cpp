@@ -10,8 +10,6 @@
 namespace orsolva_host {
 namespace {
 
-constexpr int kJsonFormat = 2;
-
 template <typename T>
 Json ValueOf(const std::optional<T>& value) {
   return value ? Json(*value) : Json(nullptr);
@@ -27,6 +25,17 @@ void AddBands(const char* name, const std::vector<FigureRow<BandFigures>>& rows,
     AddFigures(rows, band, b);
     j[name].push_back(b);
   }
+}
+
+Json SelectionJson(const std::optional<ReportSelection>& selection) {
+  if (!selection) return nullptr;
+  Json j;
+  j["start_gpst"] = TimeJson(selection->start);
+  j["end_gpst"] = TimeJson(selection->end);
+  j["sampling_s"] = ValueOf(selection->sampling_s);
+  j["signals"] = TextJson(selection->signals);
+  j["epochs_left_out"] = selection->epochs_left_out;
+  return j;
 }
 
 /// The parts of a document that hold figures.
@@ -91,6 +100,7 @@ Json Parts::Run() const {
   j["first_epoch_gpst"] = TimeJson(run.first_epoch);
   j["last_epoch_gpst"] = TimeJson(run.last_epoch);
   j["interval_source"] = run.interval_source;
+  j["selection"] = SelectionJson(run.selection);
   j["systems"] = run.systems;
   j["excluded_satellites"] = run.excluded;
   AddFigures(tables_.run, run, j);
@@ -197,6 +207,35 @@ Json ProfileJson(const ProfileVerdict& verdict) {
   j["satellites_judged"] = ValueOf(verdict.satellites_judged);
   j["outcomes"] = Json::array();
   for (const CriterionOutcome& outcome : verdict.outcomes) j["outcomes"].push_back(OutcomeJson(outcome));
+  j["remarks"] = verdict.remarks;
+  return j;
+}
+
+Json ComparisonJson(const std::optional<Comparison>& comparison) {
+  if (!comparison) return nullptr;
+  Json j;
+  j["file"] = comparison->file;
+  j["observation_file"] = comparison->observation_file;
+  j["first_epoch_gpst"] = TextJson(comparison->first_epoch);
+  j["last_epoch_gpst"] = TextJson(comparison->last_epoch);
+  j["statements"] = Json::array();
+  for (const StatementChange& change : comparison->statements) {
+    j["statements"].push_back(
+        {{"what", change.what}, {"before", TextJson(change.before)}, {"after", TextJson(change.after)}});
+  }
+  j["signals_gone"] = comparison->signals_gone;
+  j["signals_appeared"] = comparison->signals_appeared;
+  j["figures"] = Json::array();
+  for (const FigureChange& change : comparison->figures) {
+    j["figures"].push_back({{"subject", TextJson(change.subject)},
+                            {"signal", TextJson(change.signal)},
+                            {"figure", change.figure},
+                            {"unit", change.unit},
+                            {"before", ValueOf(change.before)},
+                            {"after", ValueOf(change.after)},
+                            {"limit", change.limit}});
+  }
+  j["figures_compared"] = comparison->figures_compared;
   return j;
 }
 
@@ -251,6 +290,7 @@ std::string WriteJson(const Report& report, const FigureTables& tables) {
   j["format"] = kJsonFormat;
   j["library_version"] = report.run.library_version;
   j["verdict"] = VerdictJson(report.verdict);
+  j["comparison"] = ComparisonJson(report.comparison);
   j["findings"] = Json::array();
   for (const Finding& finding : report.findings) j["findings"].push_back(FindingJson(finding));
   if (analysis) j["headline"] = parts.Headline();

@@ -9,6 +9,9 @@
 
 namespace orsolva_host {
 
+/// The value of "format": it grows when keys are renamed or change their meaning.
+constexpr int kJsonFormat = 2;
+
 /// One JSON object, indented by two blanks, with a line feed at its end. Bytes that are no UTF-8 are
 /// replaced.
 std::string WriteJson(const Report& report, const FigureTables& tables = AllFigures());

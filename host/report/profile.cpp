@@ -111,8 +111,14 @@ Criterion CriterionOf(const toml::table& table, const std::string& origin) {
   return criterion;
 }
 
+/// Figures of the run that the headline shows are listed there alone.
+bool IsInScope(const Criterion& c, const FigureValue& f) {
+  const bool leads = f.scope == FigureScope::kHeadline && f.source == FigureSource::kAnalysis;
+  return f.scope == c.scope || (c.scope == FigureScope::kRun && leads);
+}
+
 bool IsAbout(const Criterion& c, const FigureValue& f) {
-  if (f.scope != c.scope || f.key != c.figure) return false;
+  if (f.key != c.figure || !IsInScope(c, f)) return false;
   const bool system = c.systems.empty() || f.subject.empty() || f.subject == "all" ||
                       c.systems.find(f.subject[0]) != std::string::npos;
   const bool signal =

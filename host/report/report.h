@@ -67,6 +67,15 @@ struct LibraryAbsence {
   std::string text;  ///< what was missing and what the user can do
 };
 
+/// The part of the data that was asked for.
+struct ReportSelection {
+  std::optional<Time_gbt> start;  ///< the first time taken
+  std::optional<Time_gbt> end;    ///< the first time no longer taken
+  std::optional<double> sampling_s;
+  std::string signals;        ///< "G:1C,2W"; empty: all
+  Count epochs_left_out = 0;  ///< of those read
+};
+
 /// What was read and with which settings it was judged.
 struct ReportRun {
   std::string library_version;
@@ -77,8 +86,9 @@ struct ReportRun {
   std::string antenna;
   double rinex_version = 0;
 
-  std::string systems;                ///< letters of the systems judged
-  std::vector<std::string> excluded;  ///< satellites left out
+  std::optional<ReportSelection> selection;  ///< absent: everything
+  std::string systems;                       ///< letters of the systems judged
+  std::vector<std::string> excluded;         ///< satellites left out
   double elevation_cutoff_deg = 0;
   double interval_s = 0;
   std::string interval_source;                 ///< "header", "data" or "option"
@@ -180,6 +190,34 @@ struct ProfileVerdict {
   std::vector<CriterionOutcome> outcomes;  ///< failed ones first
   std::optional<Count> satellites_observed = {};
   std::optional<Count> satellites_judged = {};  ///< those observed that have an orbit
+  std::vector<std::string> remarks;             ///< on where the limits come from, a sentence each
+};
+
+/// A figure that differs from an earlier report's by more than its limit.
+struct FigureChange {
+  std::string subject;  ///< "G"; empty for the run
+  std::string signal;   ///< "1C" or empty
+  std::string figure;   ///< key of figures.h
+  std::string unit;
+  std::optional<double> before, after;  ///< one may be absent
+  double limit = 0;                     ///< largest difference that is no change
+};
+
+/// A statement of the header that is another one than in an earlier report.
+struct StatementChange {
+  std::string what;  ///< "receiver"
+  std::string before, after;
+};
+
+/// What an earlier report had otherwise; comparison.h has the rules.
+struct Comparison {
+  std::string file;              ///< the earlier report
+  std::string observation_file;  ///< that it is about
+  std::string first_epoch, last_epoch;
+  std::vector<StatementChange> statements;
+  std::vector<std::string> signals_appeared, signals_gone;  ///< "G 1C"
+  std::vector<FigureChange> figures;
+  Count figures_compared = 0;  ///< with a value in either report
 };
 
 /// What a report says in one line.
@@ -252,7 +290,8 @@ struct Report {
   ReportRun run;
   AnalysisReport analysis;
   Verdict verdict;
-  std::vector<Finding> findings;  ///< in order of harm
+  std::optional<Comparison> comparison;  ///< with an earlier report, where one is named
+  std::vector<Finding> findings;         ///< in order of harm
   Headline headline;
   std::optional<ProfileVerdict> profile_verdict;
   LibraryHeadline library_headline;

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "host/report/analysis_text.h"
+#include "host/report/comparison.h"
 #include "host/report/figure_text.h"
 #include "host/report/notes.h"
 #include "host/report/verdict_text.h"
@@ -49,6 +50,17 @@ std::string CoverageText(const std::vector<NavigationCoverage>& rows) {
   return lacking.empty() ? "cover every epoch of all satellites" : "lacking for " + lacking;
 }
 
+/// "from 2020-06-25 06:00:00.000 GPST, every 30 s, signals G:1C,2W, 2160 epochs left out"
+std::string SelectionText(const ReportSelection& selection) {
+  std::vector<std::string> parts;
+  if (selection.start) parts.push_back("from " + TimeOf(selection.start));
+  if (selection.end) parts.push_back("until before " + TimeOf(selection.end));
+  if (selection.sampling_s) parts.push_back(fmt::format("every {:g} s", *selection.sampling_s));
+  if (!selection.signals.empty()) parts.push_back("signals " + selection.signals);
+  parts.push_back(fmt::format("{} epochs left out", selection.epochs_left_out));
+  return Joined(parts, ", ");
+}
+
 /// The parts of a report, one after the other.
 class Writer {
  public:
@@ -67,6 +79,10 @@ class Writer {
       text_ += VerdictText(*report_.profile_verdict, style_);
     }
     Findings("WHAT TO LOOK AT FIRST", true);
+    if (report_.comparison) {
+      Heading("CHANGES");
+      text_ += ComparisonText(*report_.comparison, style_);
+    }
     if (report_.figures != FigureChoice::kLibrary) Headline();
     Findings("ALSO FOUND", false);
     if (report_.figures != FigureChoice::kLibrary) text_ += AnalysisSignals(report_, style_, tables_);
@@ -234,6 +250,7 @@ void Writer::Run() {
   Row("Duration", fmt::format("{:.4f} h", run.duration_h));
   Row("Interval", fmt::format("{:g} s, {}", run.interval_s, SourceText(run.interval_source)));
   Row("Elevation cut-off", fmt::format("{:g} degrees", run.elevation_cutoff_deg));
+  if (run.selection) Row("Selected", SelectionText(*run.selection));
   Row("Systems", run.systems);
   if (!run.excluded.empty()) Row("Excluded", Joined(run.excluded, " "));
   if (!run.navigation_coverage.empty()) Row("Broadcast records", CoverageText(run.navigation_coverage));

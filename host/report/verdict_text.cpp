@@ -61,6 +61,8 @@ std::string VerdictText(const ProfileVerdict& verdict, const TextStyle& style) {
     text += Toned(Wrapped(Printable(line), "  ", "    ", style.width),
                   o.grade == "no data" ? Tone::kFaint : ToneOf(o.grade), style);
   }
+  for (const std::string& remark : verdict.remarks)
+    text += Toned(Wrapped(Printable(remark), "  ", "    ", style.width), Tone::kFaint, style);
   return text;
 }
 

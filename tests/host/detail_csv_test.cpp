@@ -174,6 +174,30 @@ TEST_F(Table, OfASatelliteListedTwiceTheFirstHasThePairs) {
   EXPECT_EQ(rows[2].find("2W"), std::string::npos);
 }
 
+TEST(DetailFilter, LeavesOutRowsOfSatellitesAndSignals) {
+  std::string text;
+  DetailCsv csv([&text](std::string_view piece) { text += piece; },
+                [](char letter, int number, std::string_view signal) {
+                  return letter == 'G' && number == 5 && signal == "1C";
+                });
+  csv.Begin({kStart, 0.0}, 30);
+  for (const int prn : {4, 5}) {
+    Signal_QC_gbt signals[2] = {};
+    signals[0].code = static_cast<std::uint8_t>(Code("1C"));
+    signals[1].code = static_cast<std::uint8_t>(Code("2W"));
+    orsolva::SatelliteEpochDetail detail;
+    detail.number = prn;
+    detail.satellite = {orsolva_host::kGps, prn};
+    detail.time = {kStart, 0.0};
+    detail.signals = signals;
+    detail.signal_count = 2;
+    csv.OnSatelliteEpoch(detail);
+  }
+  csv.Finish(total_code_qc_result{});
+  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 2) << text;
+  EXPECT_NE(text.find(",G05,1C,"), std::string::npos) << text;
+}
+
 TEST(DetailCsv, AFailureOfTheWritingComesOutOfEndBatch) {
   DetailCsv csv([](std::string_view) { throw std::runtime_error("full"); });
   csv.Begin({kStart, 0.0}, 30);

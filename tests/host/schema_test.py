@@ -10,6 +10,7 @@ import json
 import pathlib
 import subprocess
 import sys
+import tempfile
 
 import jsonschema
 
@@ -47,6 +48,17 @@ alone = report(data / "GRAS00FRA_R_20223151700_15M_01S_MO.crx.gz", "--sats")
 check("without navigation", alone)
 assert alone["library"]["absence"]["id"] == "no-navigation" and alone["library"]["run"]["position_ecef_m"] is None
 check("several files, one of them missing", report(quarter, "/no/such/file.rnx", "--jobs", "2", code=1))
+
+with tempfile.TemporaryDirectory() as folder:
+    earlier = pathlib.Path(folder) / "whole.json"
+    earlier.write_text(json.dumps(whole), encoding="utf-8")
+    part = report(day, "--start", "06:00", "--end", "09:00", "--sampling", "60", "--signals", "G:1C,2W",
+                  "--window", "1h", "--compare", earlier, "--profile", f"history:{folder}", code=3)
+check("a part of the day in windows, compared", part)
+assert part["run"]["selection"]["start_gpst"] == "2020-06-25 06:00:00.000", part["run"]["selection"]
+assert [w["present_epochs"] for w in part["analysis"]["windows"]] == [60, 60, 60]
+assert part["comparison"]["signals_gone"] and part["comparison"]["figures"], part["comparison"]
+assert part["profile"]["grade"] == "no data" and part["profile"]["remarks"], part["profile"]
 
 # The note ids that readers of JSON rely on.
 ids = [note["id"] for note in whole["library"]["notes"]]

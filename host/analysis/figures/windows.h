@@ -15,7 +15,8 @@
 //   multipath     RMS about the moving mean, of the values of the window; near a border those before it are
 //                 held against what came before it (moving_scatter.h), so that squares are exact to the part
 //                 of an arc within 315 s of a border
-//   slips         at the end of their step
+//   slips         at the end of their step; the last kLead epochs of the stream are decided together, so that
+//                 at a border among them they may count to the window after it
 //   interruptions where the signal returns
 //
 // Figures that are no sums have no difference and are absent: percentiles, arcs, noise, ROTI.

@@ -106,8 +106,7 @@ void SlipDetector::Start() {
 
 void SlipDetector::Finish() {
   if (!started_ && !start_.empty()) Start();
-  // Epoch by epoch, as while the stream goes on.
-  for (std::int64_t number = number_ - kLead + 1; number <= number_; ++number) DecideUpTo(number);
+  DecideUpTo(number_);
 }
 
 SatelliteIntake& SlipDetector::IntakeOf(SatelliteId id) {

@@ -175,6 +175,8 @@ std::string SeriesCollector::Json() const {
           "satellites", series.cells, 10, [](const Cell& c) { return Ratio(c.satellites, c.rows); }, text);
     if (signal.empty()) {
       AddList(
+          "observed", series.cells, 1, [](const Cell& c) { return c.rows > 0 ? c.observed : kAbsent; }, text);
+      AddList(
           "roti", series.cells, 1000, [](const Cell& c) { return c.roti > 0 ? c.roti : kAbsent; }, text);
     } else {
       AddList(

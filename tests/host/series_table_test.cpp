@@ -86,6 +86,22 @@ TEST(SeriesCollector, KeepsEachSubjectFromItsFirstBinOn) {
   EXPECT_EQ(signal["multipath"], Json::parse("[314]"));
 }
 
+TEST(SeriesCollector, KnowsWhenASatelliteWasObserved) {
+  SeriesRow row = Signal(1);
+  row.subject = SeriesSubject::kSatellite;
+  SeriesCollector collector;
+  collector.Add(Station(0));
+  collector.Add(row);
+  row.time_ns += 2 * kBin_ns;
+  row.roti = 0.0317;
+  collector.Add(row);
+  const Json page = Json::parse(collector.Json());
+  EXPECT_EQ(page["series"][0]["of"], "G05");
+  EXPECT_TRUE(page["series"][0]["signal"].is_null());
+  EXPECT_EQ(page["series"][0]["observed"], Json::parse("[9,null,9]"));
+  EXPECT_EQ(page["series"][0]["roti"], Json::parse("[null,null,32]"));
+}
+
 TEST(SeriesCollector, JoinsBinsUntilTheyAreFewEnough) {
   SeriesCollector collector;
   const auto bins = static_cast<std::int64_t>(SeriesCollector::kMostBins) + 1;

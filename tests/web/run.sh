@@ -29,7 +29,7 @@ if [ ! -e "$observations" ]; then
   exit 1
 fi
 
-"$build/bin/orsolva" qc --no-config --json --sats --html "$work/station.html" "$observations" "$navigation" >"$work/station.json"
+"$build/bin/orsolva" qc --no-config --json --sats --series "$work/station.csv" --html "$work/station.html" "$observations" "$navigation" >"$work/station.json"
 
 # A file whose name and marker are markup.
 hostile="$work/<img src=x onerror=hacked=1>.rnx"
@@ -51,6 +51,7 @@ done
 head -c 400000 "$data/SEPT078M.21O" >"$network/short.21O"
 echo '<script>hacked=1</script>' >"$network/<script>hacked=1<script>.rnx"
 echo 'no observations' >"$network/empty.21O"
+cp "$network/empty.21O" "$network/empty as well.21O"
 cat >"$network/strict.toml" <<'END'
 name = "strict"
 title = "next to no multipath"
@@ -66,7 +67,11 @@ END
 "$build/bin/orsolva" qc --no-config --quiet --output "$network/reports" --formats html --profile "$network/strict.toml" \
   "$network"/*.21O "$network"/*.rnx --nav "$data/SEPT078M.21P" 2>/dev/null || [ $? -eq 1 ]
 
+# Two stations on two days.
+"$build/bin/orsolva" qc --no-config --quiet --output "$work/days" --formats html \
+  "$data/SEPT078M.21O" "$data/KMS300DNK_R_20221591000_01H_30S_MO.crx" --nav "$data/SEPT078M.21P"
+
 clean_install "$here"
-NETWORK=$network/reports/index.html DEMO=$work/demo.html DEMO_TRUTH=$work/demo/truth.json \
-  REPORT=$work/station.html REPORT_JSON=$work/station.json HOSTILE=$work/hostile.html \
-  node --test --test-reporter=spec "$here/page.test.mjs" "$here/network.test.mjs"
+NETWORK=$network/reports/index.html DAYS=$work/days/index.html DEMO=$work/demo.html DEMO_TRUTH=$work/demo/truth.json \
+  REPORT=$work/station.html REPORT_JSON=$work/station.json REPORT_SERIES=$work/station.csv HOSTILE=$work/hostile.html \
+  node --test --test-reporter=spec "$here/page.test.mjs" "$here/network.test.mjs" "$here/colors.test.mjs"

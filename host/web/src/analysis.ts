@@ -1,12 +1,12 @@
 // The analysis: tables of systems and signals, what the data contradict, and events.
 import { el, select } from './dom';
 import { ANALYSIS_SIGNAL, ANALYSIS_SYSTEM } from './figures';
-import type { AnalysisEvent, Report } from './report';
+import { type EventData, kindText, SLIPS } from './happenings';
+import type { Report } from './report';
 import { type Cell, digits, number, SortTable, text } from './table';
 import { figureColumns } from './tables';
 
 const NAMES: Record<string, string> = { G: 'GPS', R: 'GLONASS', E: 'Galileo', C: 'BDS', J: 'QZSS', I: 'NavIC', S: 'SBAS' };
-const SLIPS = new Set(['slip', 'half_cycle', 'jump', 'gap_slip', 'signal_gap_slip']);
 
 function systemTable(report: Report): HTMLElement {
   const figures = figureColumns(ANALYSIS_SYSTEM);
@@ -37,11 +37,6 @@ export function analysisTables(report: Report): HTMLElement {
   return el('div', {}, remarks(report), systemTable(report), signalTable(report));
 }
 
-export interface EventData {
-  further: number;
-  events: AnalysisEvent[];
-}
-
 export function analysisEvents(data: EventData): HTMLElement {
   const columns = [
     text('Time'),
@@ -59,7 +54,7 @@ export function analysisEvents(data: EventData): HTMLElement {
       .map((e) => [
         e.time_gpst.replace(/\.000$/, ''),
         e.satellite,
-        e.kind.replace(/_/g, ' '),
+        kindText(e.kind),
         e.signals,
         e.size_cycles?.join(' ') ?? null,
         e.sure ? 'yes' : 'no',
@@ -68,7 +63,7 @@ export function analysisEvents(data: EventData): HTMLElement {
       ]);
   const counts = new Map<string, number>();
   for (const e of data.events) counts.set(e.kind, (counts.get(e.kind) ?? 0) + 1);
-  const kinds = [...counts].sort().map(([kind, n]): [string, string] => [kind, `${kind.replace(/_/g, ' ')} (${n})`]);
+  const kinds = [...counts].sort().map(([kind, n]): [string, string] => [kind, `${kindText(kind)} (${n})`]);
   const table = new SortTable('Events of the analysis', columns, rowsOf('slips'), { page: 50 });
   const control = select('Show', [['slips', 'Slips'], ['*', `Everything (${data.events.length})`], ...kinds], 'slips', (value) =>
     table.set(rowsOf(value)),

@@ -51,6 +51,26 @@ export function axisStyle(c: Colors): Record<string, unknown> {
   };
 }
 
+/** Times of GPS along the bottom: the hour, and the day where one begins. */
+export function timeAxis(c: Colors, width: number): Record<string, unknown> {
+  const style = axisStyle(c);
+  return {
+    type: 'time',
+    ...style,
+    splitNumber: width < 600 ? 4 : 10,
+    axisLabel: {
+      ...(style.axisLabel as object),
+      hideOverlap: true,
+      formatter: { year: '{MMM} {d}', month: '{MMM} {d}', day: '{MMM} {d}', hour: '{HH}:{mm}', minute: '{HH}:{mm}', second: '{HH}:{mm}:{ss}', millisecond: '{HH}:{mm}:{ss}' },
+    },
+  };
+}
+
+/** A legend as strong as what it names, whatever the opacity of the points. */
+export function legendStyle(c: Colors): Record<string, unknown> {
+  return { bottom: 0, textStyle: { color: c.soft }, itemStyle: { opacity: 1 }, inactiveColor: '#8b97a3', itemWidth: 14, itemHeight: 11, itemGap: 9 };
+}
+
 export class Figure {
   readonly element: HTMLElement;
   chart: ECharts | null = null;

@@ -24,6 +24,7 @@ export function withUnit(value: number | null, unit: string, digits: number): st
 
 /** "2020-06-25 00:00:30" */
 export function timeText(ms: number): string {
+  if (!Number.isFinite(ms)) return '';
   const text = new Date(Math.round(ms)).toISOString().replace('T', ' ').replace('Z', '');
   return text.endsWith('.000') ? text.slice(0, -4) : text;
 }

@@ -1,21 +1,43 @@
 // The page: reads the data inside this file and lays out verdict, plots and tables.
-import { analysisEvents, analysisTables, type EventData } from './analysis';
+import { analysisEvents, analysisTables } from './analysis';
 import { completenessFigure, multipathBars } from './charts/bars';
 import { multipathFigure, snrFigure } from './charts/elevation';
+import { happenedFigure } from './charts/happened';
+import { availabilityFigure, multipathTimeFigure, snrTimeFigure } from './charts/heat';
 import { rateFigure } from './charts/rate';
 import { skyFigure } from './charts/sky';
+import { clockFigure, positionFigure, rotiFigure, satellitesFigure, scatterFigure } from './charts/station';
 import { timelineFigure } from './charts/timeline';
 import { decode, type Detail, unpack } from './detail';
 import { button, el, select } from './dom';
 import type { Figure } from './figure';
 import { type HeadlineFigures, HEADLINE } from './figures';
-import { baseName, fixed, withUnit } from './format';
+import { baseName, fixed, percent, whole, withUnit } from './format';
+import { type EventData, happeningsOf } from './happenings';
 import { dataOf, head, section, tile } from './layout';
 import type { Finding, Report } from './report';
 import { Selection } from './selection';
+import { decodeSeries, type Series } from './series';
 import { eventTable, notJudgedTable, noticeTable, satelliteTable, signalTable, systemTable } from './tables';
 import { forPaper, startTheme } from './theme';
 import { verdictPanel } from './verdict';
+
+function positionText(report: Report): string {
+  const { position_ecef_m, position_source } = report.library.run;
+  const xyz = position_ecef_m ?? report.analysis.solution_ecef_m;
+  if (xyz === null || xyz.some((v) => v === null)) return '-';
+  const source = { computed: 'computed from codes', header: 'of the header', option: 'as given' }[position_source] ?? position_source;
+  return `${xyz.map((v) => fixed(v, 1)).join(', ')} m (ECEF, ${source})`;
+}
+
+/** How many of the satellites observed have orbits. */
+function coverageText(report: Report): string {
+  const satellites = report.analysis.satellites ?? [];
+  const without = report.analysis.without_orbit.length;
+  if (satellites.length === 0) return '-';
+  if (without === satellites.length) return `no orbit of any of ${whole(satellites.length)} satellites observed`;
+  return `orbits of ${whole(satellites.length - without)} of ${whole(satellites.length)} satellites observed (${percent(1 - without / satellites.length)})`;
+}
 
 function header(report: Report): void {
   const run = report.run;
@@ -26,10 +48,13 @@ function header(report: Report): void {
     ['From', run.first_epoch_gpst?.replace(/\.000$/, '') ?? '-'],
     ['To', run.last_epoch_gpst?.replace(/\.000$/, '') ?? '-'],
     ['Interval', `${fixed(run.interval_s, 3).replace(/\.?0+$/, '')} s, from the ${run.interval_source}`],
+    ['Position', positionText(report)],
+    ['RINEX', run.rinex_version === null ? '-' : fixed(run.rinex_version, 2)],
     ['Receiver', run.receiver ?? '-'],
     ['Antenna', run.antenna ?? '-'],
     ['Cut-off', `${run.elevation_cutoff_deg ?? '-'}\u00b0`],
-    ['Navigation', run.navigation_files.map(baseName).join(', ') || '-'],
+    ['Navigation', run.navigation_files.map(baseName).join(', ') || 'none'],
+    ['Coverage', coverageText(report)],
   ];
   head('Observation quality', name, facts);
 }
@@ -57,24 +82,36 @@ function tiles(report: Report): HTMLElement {
   );
 }
 
-/** The plot that shows a finding. */
+/** The plot or table that shows a finding; slips and interruptions where it is not listed. */
 const PLOTS: Record<string, string> = {
-  'worst-multipath': 'multipath',
+  'antenna-moves': 'position-time',
+  'clock-resets': 'clock-time',
+  'code-clock-jumps': 'clock-time',
+  'gps-multipath': 'multipath-time',
   'least-complete': 'completeness',
-  'nothing-missing': 'completeness',
+  'missing-epochs': 'availability',
+  'never-observed': 'availability',
+  'no-navigation': 'satellites-judged',
   'not-judged': 'satellites-judged',
-  'nothing-judged': 'satellites-judged',
+  'nothing-missing': 'completeness',
+  'position-far': 'position-time',
+  'position-unusable': 'position-time',
+  'satellite-strength-drops': 'snr-time',
+  'strength-drops': 'snr-time',
+  'unusable-epochs': 'satellites-time',
+  'weak-signals': 'snr-time',
+  'worst-multipath': 'multipath-time',
 };
 
-function findingList(findings: Finding[], detail: Detail, selection: Selection): HTMLElement {
+function findingList(findings: Finding[], selection: Selection): HTMLElement {
   const list = el('ul', { class: 'hints' });
   for (const finding of findings) {
     const show = button(
       'Show',
       () => {
-        const drawn = finding.satellites.length === 1 && detail.satellites.some((s) => s.name === finding.satellites[0]);
+        const drawn = finding.satellites.length === 1 && selection.satellites().includes(finding.satellites[0]);
         selection.set(finding.signal ?? '*', drawn ? finding.satellites[0] : '*');
-        const place = document.getElementById(PLOTS[finding.id] ?? 'timeline') ?? document.getElementById('analysis')!;
+        const place = document.getElementById(PLOTS[finding.id] ?? 'happened') ?? document.getElementById('analysis')!;
         place.scrollIntoView({ block: 'start' });
         place.querySelector<HTMLElement>('button, select')?.focus({ preventScroll: true });
       },
@@ -85,7 +122,7 @@ function findingList(findings: Finding[], detail: Detail, selection: Selection):
   return list;
 }
 
-function selectionBar(detail: Detail, selection: Selection): HTMLElement {
+function selectionBar(selection: Selection): HTMLElement {
   const signal = select(
     'Signal',
     [['*', 'Main of each system'], ...selection.signals().map((s): [string, string] => [s, s])],
@@ -94,7 +131,7 @@ function selectionBar(detail: Detail, selection: Selection): HTMLElement {
   );
   const satellite = select(
     'Satellite',
-    [['*', 'All'], ...detail.satellites.map((s): [string, string] => [s.name, s.name])],
+    [['*', 'All'], ...selection.satellites().map((s): [string, string] => [s, s])],
     '*',
     (value) => selection.set(selection.signal, value),
   );
@@ -120,10 +157,10 @@ function notes(report: Report): HTMLElement | null {
 }
 
 /** Paper is white and as wide as paper: every plot is drawn again for it. */
-function printing(figures: Figure[]): void {
+function printing(all: Figure[]): void {
   addEventListener('beforeprint', () => {
     forPaper(true);
-    figures.forEach((figure) => {
+    all.forEach((figure) => {
       figure.show();
       figure.refit();
       figure.freeze();
@@ -131,8 +168,46 @@ function printing(figures: Figure[]): void {
   });
   addEventListener('afterprint', () => {
     forPaper(false);
-    figures.forEach((figure) => figure.thaw());
+    all.forEach((figure) => figure.thaw());
   });
+}
+
+function verdictLine(report: Report): HTMLElement {
+  return el('p', { class: 'verdict-line' }, el('strong', {}, `Verdict: ${report.verdict.grade}`), ` \u2013 ${report.verdict.text}`);
+}
+
+const figures = (...list: Figure[]): HTMLElement => el('div', { class: 'figures' }, ...list.map((f) => f.element));
+
+/** The plots: over time and of every signal from the analysis, the others from the points of the library. */
+function plotsOf(report: Report, detail: Detail, data: EventData, selection: Selection, series: Series) {
+  const happenings = happeningsOf(report, data);
+  const judged = report.library.absence === null;
+  return {
+    time:
+      series.bins === 0
+        ? []
+        : [
+            availabilityFigure(series, happenings),
+            satellitesFigure(series, happenings, selection),
+            snrTimeFigure(series, happenings, selection),
+            multipathTimeFigure(series, happenings, selection),
+            happenedFigure(series, happenings, selection),
+            clockFigure(series, happenings),
+            scatterFigure(series),
+            positionFigure(series, happenings),
+            rotiFigure(series, happenings, selection),
+          ],
+    bars: [completenessFigure(report), multipathBars(report)],
+    sky: judged ? [skyFigure(detail, selection), snrFigure(detail, selection), multipathFigure(detail, selection)] : [],
+    library: judged ? [timelineFigure(detail, selection), rateFigure(detail, selection)] : [],
+  };
+}
+
+function librarySections(report: Report, detail: Detail, sky: Figure[], library: Figure[]): HTMLElement[] {
+  return [
+    section('sky-elevation', 'Sky and elevation', el('p', { class: 'help' }, 'Epochs and signals that the library judged.'), figures(...sky)),
+    section('library', 'Library record', figures(...library), eventTable(detail), systemTable(report), signalTable(report), satelliteTable(report, detail), notJudged(report)),
+  ];
 }
 
 async function start(): Promise<void> {
@@ -145,46 +220,28 @@ async function start(): Promise<void> {
     return;
   }
   const detail = decode(await unpack(dataOf('detail-data')));
+  const series = decodeSeries(await unpack(dataOf('series-data')));
   const events = JSON.parse(new TextDecoder().decode(await unpack(dataOf('event-data')))) as EventData;
-  const selection = new Selection(detail);
-  // Without the library's record there are no points to plot.
-  const judged = report.library.absence === null;
-  const figures = judged
-    ? [
-        skyFigure(detail, selection),
-        snrFigure(detail, selection),
-        timelineFigure(detail, selection),
-        multipathFigure(detail, selection),
-        multipathBars(report),
-        completenessFigure(report),
-        rateFigure(detail, selection),
-      ]
-    : [];
+  const selection = new Selection(detail, series);
+  const plots = plotsOf(report, detail, events, selection, series);
+  const help = 'Ctrl and the wheel, a pinch, or + and \u2212 zoom; dragging moves; points show their values under the pointer.';
   const page = document.getElementById('report')!;
   page.append(
-    section('look-first', 'What to look at first', el('p', { class: 'verdict-line' }, el('strong', {}, `Verdict: ${report.verdict.grade}`), ` \u2013 ${report.verdict.text}`), verdictPanel(report), tiles(report), findingList(report.findings, detail, selection)),
-    section('analysis', 'Analysis of every signal', analysisTables(report), analysisEvents(events)),
+    section('look-first', 'What to look at first', verdictLine(report), verdictPanel(report), tiles(report), findingList(report.findings, selection)),
+    selectionBar(selection),
+    section('over-time', 'Over time', el('p', { class: 'help' }, help), figures(...plots.time)),
+    section('analysis', 'Analysis of every signal', figures(...plots.bars), analysisTables(report), analysisEvents(events)),
   );
-  if (judged) {
-    page.append(
-      section(
-        'plots',
-        'Plots',
-        selectionBar(detail, selection),
-        el('p', { class: 'help' }, 'Ctrl and the wheel, a pinch, or + and \u2212 zoom; dragging moves; points show their values under the pointer.'),
-        el('div', { class: 'figures' }, ...figures.map((f) => f.element)),
-      ),
-      section('slips', 'Slips and restarts of the library, with their reasons', eventTable(detail)),
-      section('tables', 'Tables of the library', systemTable(report), signalTable(report), satelliteTable(report, detail), notJudged(report)),
-    );
-  }
+  // Without the library's record there are no points to plot.
+  if (report.library.absence === null) page.append(...librarySections(report, detail, plots.sky, plots.library));
   page.append(section('notes', 'Notes', notes(report), noticeTable(report)));
   document.getElementById('foot')!.append(
     el('p', {}, `Orsolva ${report.library_version}. This file holds all of its data and needs no network. Times are GPS time.`),
   );
-  printing(figures);
+  const all = [...plots.time, ...plots.bars, ...plots.sky, ...plots.library];
+  printing(all);
   // For the browser tests.
-  (window as unknown as Record<string, unknown>).orsolva = { report, detail, selection, figures, drawn: performance.now() };
+  (window as unknown as Record<string, unknown>).orsolva = { report, detail, series, selection, figures: all, drawn: performance.now() };
 }
 
 void start();

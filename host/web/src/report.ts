@@ -1,6 +1,6 @@
 // The report as the JSON writer gives it; null means no data.
 
-import type { AnalysisFigures, AnalysisSignalFigures, AnalysisSystemFigures, BandFigures, CoverageFigures, HeadlineFigures, LibraryHeadlineFigures, LibraryRunFigures, RunFigures, SignalFigures, SlotFigures, TotalFigures, WholeFigures } from './figures';
+import type { AnalysisFigures, AnalysisSatelliteFigures, AnalysisSignalFigures, AnalysisSystemFigures, BandFigures, CoverageFigures, HeadlineFigures, LibraryHeadlineFigures, LibraryRunFigures, RunFigures, SignalFigures, SlotFigures, TotalFigures, WholeFigures } from './figures';
 
 export interface Band extends BandFigures {
   slot: number;
@@ -92,10 +92,12 @@ export interface ProfileVerdict {
 /** Figures of our own over every signal; null or empty without data. */
 export interface Analysis extends AnalysisFigures {
   with_orbits: boolean;
+  solution_ecef_m: (number | null)[] | null;
   gaps: { last_before_gpst: string; first_after_gpst: string; missing_epochs: number }[];
   contradiction_list: { id: string; stated: string; found: string }[];
   without_orbit: string[];
   systems: (AnalysisSystemFigures & { letter: string })[];
+  satellites?: (AnalysisSatelliteFigures & { satellite: string })[];
   signals: (AnalysisSignalFigures & { letter: string; signal: string; multipath_partner: string | null })[];
 }
 

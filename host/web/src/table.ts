@@ -10,6 +10,8 @@ export interface Column {
   title?: string;
   numeric?: boolean;
   text?: (value: Cell) => string;
+  /** Draws a bar under the figure: its length from 0 to 1. */
+  bar?: (value: number) => number;
   /** The cell's contents in place of its text. */
   show?: (value: Cell) => Node;
 }
@@ -122,7 +124,12 @@ export class SortTable {
       const text = value === null ? '-' : column.text ? column.text(value) : String(value);
       const shown = value !== null && column.show ? column.show(value) : text;
       const kind = column.numeric ? 'number' : undefined;
-      line.append(i === this.rowHead ? el('th', { scope: 'row' }, shown) : el('td', { class: kind }, shown));
+      const cell = i === this.rowHead ? el('th', { scope: 'row' }, shown) : el('td', { class: kind }, shown);
+      if (column.bar && typeof value === 'number') {
+        cell.classList.add('measured');
+        cell.style.setProperty('--part', `${(100 * Math.min(Math.max(column.bar(value), 0), 1)).toFixed(1)}%`);
+      }
+      line.append(cell);
     });
     return line;
   }

@@ -1,4 +1,5 @@
 // Light and dark: the system's choice until the reader makes one. Charts take their colours from the style.
+import { SYSTEMS } from './palette';
 
 type Theme = 'light' | 'dark';
 const dark = matchMedia('(prefers-color-scheme: dark)');
@@ -11,6 +12,7 @@ export interface Colors {
   line: string;
   back: string;
   bad: string;
+  accent: string;
 }
 
 export function theme(): Theme {
@@ -40,7 +42,7 @@ export function onTheme(listener: () => void): void {
 export function colors(): Colors {
   const style = getComputedStyle(document.documentElement);
   const get = (name: string) => style.getPropertyValue(name).trim();
-  return { text: get('--text'), soft: get('--soft'), line: get('--line'), back: get('--card'), bad: get('--bad') };
+  return { text: get('--text'), soft: get('--soft'), line: get('--line'), back: get('--card'), bad: get('--bad'), accent: get('--accent') };
 }
 
 let printing = false;
@@ -56,11 +58,6 @@ export function forPaper(on: boolean): void {
   document.documentElement.dataset.theme = on ? 'light' : theme();
 }
 
-const SYSTEMS: Record<string, string> = { G: '#3b82d6', R: '#d9534f', C: '#d99a1c', E: '#22a18a', J: '#9a6fd0' };
-
 export function systemColor(letter: string): string {
-  return SYSTEMS[letter] ?? '#888888';
+  return SYSTEMS[letter] ?? SYSTEMS.S;
 }
-
-/** Low to high, readable on light and dark and without red against green. */
-export const SCALE = ['#5b3a8c', '#4668a8', '#2f8fa3', '#2fae82', '#7cc353', '#d8c22e', '#f08c2e'];

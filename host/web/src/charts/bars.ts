@@ -40,50 +40,51 @@ function draw(bars: Bar[], what: string, unit: string, c: Colors, width: number)
 }
 
 function signalCompleteness(report: Report): Bar[] {
-  return report.library.signals
-    .filter((s) => s.completeness_ratio !== null)
+  return report.analysis.signals
+    .filter((s) => s.cutoff_completeness_ratio !== null)
     .map((s) => ({
       name: `${s.letter} ${s.signal}`,
       letter: s.letter,
-      value: 100 * s.completeness_ratio!,
+      value: 100 * s.cutoff_completeness_ratio!,
       lines: [
-        ['Completeness', percent(s.completeness_ratio)],
-        ['Observed', whole(s.observed_epochs)],
-        ['Expected', whole(s.expected_epochs)],
+        ['Completeness', percent(s.cutoff_completeness_ratio)],
+        ['Observed', whole(s.cutoff_observed_epochs)],
+        ['Expected', whole(s.cutoff_expected_epochs)],
       ],
     }));
 }
 
 function signalMultipath(report: Report): Bar[] {
-  return report.library.signals
-    .filter((s) => s.mp_rms_m !== null)
+  return report.analysis.signals
+    .filter((s) => s.multipath_moving_rms_m !== null)
     .map((s) => ({
       name: `${s.letter} ${s.signal}`,
       letter: s.letter,
-      value: s.mp_rms_m!,
+      value: s.multipath_moving_rms_m!,
       lines: [
-        ['Multipath RMS', `${fixed(s.mp_rms_m, 3)} m`],
-        ['Values', whole(s.mp_values)],
-        ['Band', s.band ?? '-'],
+        ['Multipath RMS', `${fixed(s.multipath_moving_rms_m, 3)} m`],
+        ['Values', whole(s.multipath_values)],
+        ['Partner', s.multipath_partner ?? '-'],
       ],
     }));
 }
 
 function satelliteCompleteness(report: Report): Bar[] {
-  return (report.library.satellites ?? [])
-    .filter((s) => s.completeness_ratio !== null)
+  return (report.analysis.satellites ?? [])
+    .filter((s) => s.cutoff_completeness_ratio !== null)
     .map((s) => ({
       name: s.satellite,
       letter: s.satellite[0],
-      value: 100 * s.completeness_ratio!,
+      value: 100 * s.cutoff_completeness_ratio!,
       lines: [
-        ['Completeness', percent(s.completeness_ratio)],
-        ['Observed', whole(s.observed_epochs)],
-        ['Expected', whole(s.expected_epochs)],
+        ['Completeness', percent(s.cutoff_completeness_ratio)],
+        ['Observed', whole(s.cutoff_observed_epochs)],
+        ['Expected', whole(s.cutoff_expected_epochs)],
       ],
     }));
 }
 
+/** From the library's record, whose bands the report has by satellite. */
 function satelliteMultipath(report: Report): Bar[] {
   return (report.library.satellites ?? []).flatMap((s): Bar[] => {
     if (s.mp_worst_rms_m === null) return [];
@@ -117,6 +118,7 @@ function figureOf(
     id,
     title,
     help,
+    wide: true,
     height: () => 300,
     draw: (c, width) => draw(of === 'signal' ? bySignal : bySatellite, `${what} by ${of}`, unit, c, width),
     controls: [control],
@@ -128,7 +130,7 @@ export function completenessFigure(report: Report): Figure {
   return figureOf(
     'completeness',
     'Completeness',
-    'Observed of expected epochs above the cut-off. By satellite it is that of the system\u2019s combination of signals.',
+    'Observed of expected epochs above the cut-off: code and phase of every signal of the analysis; by satellite, of all signals expected of it.',
     'Completeness',
     '%',
     signalCompleteness(report),
@@ -140,7 +142,7 @@ export function multipathBars(report: Report): Figure {
   return figureOf(
     'multipath-bars',
     'Multipath RMS',
-    'RMS of the multipath residual. By satellite the worst band is drawn; the hover text has all of them.',
+    'RMS about the moving mean above the cut-off, of every signal of the analysis that has a partner. By satellite it is that of the library\u2019s worst band; the hover text has all bands.',
     'Multipath RMS',
     'm',
     signalMultipath(report),

@@ -1,8 +1,9 @@
 // SNR and multipath residuals against elevation, with the mean and the RMS of every epoch by 5 degrees.
 import type { Bins, Detail } from '../detail';
 import { tip } from '../dom';
-import { axisStyle, type Drawing, Figure, insideZoom } from '../figure';
+import { axisStyle, type Drawing, Figure, insideZoom, legendStyle } from '../figure';
 import { clock, fixed, whole } from '../format';
+import { inOrder } from '../palette';
 import type { Selection } from '../selection';
 import { type Colors, systemColor } from '../theme';
 import { Points } from './points';
@@ -29,6 +30,13 @@ function binLines(selection: Selection, kind: Kind): BinLine[] {
   }));
 }
 
+/** Residuals shown at first: four times the largest RMS, lest a few points flatten the lines. */
+function shownRange(lines: BinLine[]): { startValue?: number; endValue?: number } {
+  const most = Math.max(0, ...lines.flatMap(({ values }) => values.map((v) => v.value)));
+  const end = Math.ceil(4 * most * 2) / 2;
+  return most > 0 ? { startValue: -end, endValue: end } : {};
+}
+
 function points(selection: Selection, kind: Kind): Map<string, Points> {
   const systems = new Map<string, Points>();
   for (const { satellite, signal } of selection.shown()) {
@@ -47,14 +55,14 @@ function points(selection: Selection, kind: Kind): Map<string, Points> {
 function draw(detail: Detail, selection: Selection, kind: Kind, c: Colors): Drawing {
   const systems = points(selection, kind);
   const lines = binLines(selection, kind);
-  const letters = [...systems.keys()];
+  const letters = inOrder([...systems.keys()]);
   const total = [...systems.values()].reduce((sum, p) => sum + p.count, 0);
   const unit = kind === 'snr' ? 'dB-Hz' : 'm';
   const what = kind === 'snr' ? 'Mean SNR' : 'RMS';
   // Points and line of a signal share a name, so that the legend switches both.
   const names = new Map(selection.shown().map(({ signal, satellite }) => [satellite.letter, `${satellite.letter} ${signal.signal}`]));
   const series: object[] = letters.map((letter) =>
-    systems.get(letter)!.series(names.get(letter)!, systemColor(letter), 2.5, { itemStyle: { color: systemColor(letter), opacity: 0.35 } }),
+    systems.get(letter)!.series(names.get(letter)!, systemColor(letter), 2.5, { itemStyle: { color: systemColor(letter), opacity: 0.22 } }),
   );
   for (const { bins, values } of lines) {
     series.push({
@@ -63,21 +71,34 @@ function draw(detail: Detail, selection: Selection, kind: Kind, c: Colors): Draw
       data: values.map((v) => [v.middle, v.value]),
       symbol: 'circle',
       symbolSize: 9,
-      z: 5,
-      lineStyle: { color: systemColor(bins.letter), width: 3, shadowColor: c.back, shadowBlur: 4 },
+      z: 6,
+      lineStyle: { color: systemColor(bins.letter), width: 3 },
       itemStyle: { color: systemColor(bins.letter), borderColor: c.text, borderWidth: 1.5 },
     });
   }
+  // Under each line a wider one in the colour of the card, which sets it off from the points.
+  for (const { bins, values } of lines) {
+    series.push({
+      type: 'line',
+      name: `${bins.letter} ${bins.signal}`,
+      data: values.map((v) => [v.middle, v.value]),
+      symbol: 'none',
+      silent: true,
+      z: 5,
+      lineStyle: { color: c.back, width: 8 },
+    });
+  }
+  const range = kind === 'mp' ? shownRange(lines) : {};
   return {
     points: total,
     label: `${kind === 'snr' ? 'SNR' : 'Multipath residual'} against elevation, ${total} points: ${selection.text()}.`,
-    note: `${selection.text()}. ${thinning(detail)}`,
+    note: `${selection.text()}. ${thinning(detail)}${'startValue' in range ? ' Points beyond the range shown at first appear when zooming out.' : ''}`,
     option: {
       grid: { left: 52, right: 14, top: 26, bottom: 70 },
-      legend: { bottom: 0, textStyle: { color: c.soft } },
+      legend: legendStyle(c),
       xAxis: { type: 'value', min: 0, max: 90, interval: 15, name: 'Elevation (\u00b0)', nameLocation: 'middle', nameGap: 26, ...axisStyle(c) },
       yAxis: { type: 'value', scale: true, name: unit, ...axisStyle(c) },
-      dataZoom: [insideZoom('xAxisIndex'), insideZoom('yAxisIndex')],
+      dataZoom: [insideZoom('xAxisIndex'), insideZoom('yAxisIndex', range)],
       series,
       tooltip: {
         formatter: (p: { seriesIndex: number; dataIndex: number }) => {
@@ -110,6 +131,7 @@ function figureOf(detail: Detail, selection: Selection, kind: Kind): Figure {
       kind === 'snr'
         ? 'One point per epoch; the line is the mean by 5\u00b0. A healthy antenna gives a smooth rise; a fringe or a step points to an obstacle, a cable or interference.'
         : 'Values above the cut-off: those that enter the RMS. The line is the RMS by 5\u00b0; what stays large at high elevation is no reflection from the ground.',
+    wide: kind === 'mp',
     height: (width) => (width < 500 ? 340 : 520),
     draw: (c) => draw(detail, selection, kind, c),
   });

@@ -1,8 +1,9 @@
 // How fast the geometry-free phase changed: the ionosphere, and slips as spikes.
 import { type Detail, HELD } from '../detail';
 import { tip } from '../dom';
-import { axisStyle, type Drawing, Figure, insideZoom } from '../figure';
+import { axisStyle, type Drawing, Figure, insideZoom, legendStyle, timeAxis } from '../figure';
 import { clock, fixed } from '../format';
+import { inOrder } from '../palette';
 import type { Selection } from '../selection';
 import { type Colors, systemColor } from '../theme';
 import { Points } from './points';
@@ -33,7 +34,7 @@ function draw(detail: Detail, selection: Selection, c: Colors, width: number): D
   const most = sizes.length === 0 ? 1 : sizes[sizes.length - 1] * 1.02 || 1;
   const start = sizes.length === 0 ? 1 : Math.max(sizes[Math.floor(SHARE * (sizes.length - 1))] * 1.3, 0.02);
   const beyond = sizes.filter((size) => size > start).length;
-  const letters = [...systems.keys()];
+  const letters = inOrder([...systems.keys()]);
   const range = start < most ? { startValue: -start, endValue: start } : {};
   const notes = [`${thinning(detail)} ${beyond} points lie beyond the range shown at first; \u2212 zooms out to them.`];
   if (held > 0) notes.push(`${held} values beyond \u00b1${fixed(HELD / 1000, 1)} m/min are drawn there.`);
@@ -43,9 +44,9 @@ function draw(detail: Detail, selection: Selection, c: Colors, width: number): D
     note: notes.join(' '),
     option: {
       grid: { left: 58, right: 14, top: 26, bottom: 84 },
-      legend: { bottom: 0, textStyle: { color: c.soft } },
+      legend: legendStyle(c),
       useUTC: true,
-      xAxis: { type: 'time', ...axisStyle(c), splitNumber: width < 600 ? 4 : 10 },
+      xAxis: timeAxis(c, width),
       yAxis: { type: 'value', min: -most, max: most, name: 'm/min', ...axisStyle(c), axisLabel: { color: c.soft, formatter: (v: number) => fixed(v, 2) } },
       dataZoom: [
         insideZoom('xAxisIndex'),

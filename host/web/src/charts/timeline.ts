@@ -2,7 +2,7 @@
 import type { Detail, Event, Satellite, Span } from '../detail';
 import { select, tip } from '../dom';
 import { EVENTS } from '../events';
-import { axisStyle, type Drawing, Figure, insideZoom } from '../figure';
+import { axisStyle, type Drawing, Figure, insideZoom, legendStyle, timeAxis } from '../figure';
 import { clock, fixed, span } from '../format';
 import type { Selection } from '../selection';
 import { type Colors, onPaper, systemColor } from '../theme';
@@ -82,14 +82,11 @@ function draw(detail: Detail, satellites: Satellite[], c: Colors, width: number)
     option: {
       grid: { left: 42, right: 14, top: 34, bottom: width < 600 ? 150 : 112 },
       legend: {
-        bottom: 0,
+        ...legendStyle(c),
         data: kinds.map(({ style }) => style.name),
         selected: Object.fromEntries(kinds.map(({ style }) => [style.name, style.shown])),
-        textStyle: { color: c.soft },
-        inactiveColor: '#8b97a3',
-        itemWidth: 14,
       },
-      xAxis: { type: 'time', position: 'top', ...axisStyle(c), axisPointer: { show: false } },
+      xAxis: { ...timeAxis(c, width), position: 'top', axisPointer: { show: false } },
       yAxis: { type: 'category', inverse: true, data: satellites.map((s) => s.name), ...axisStyle(c), axisLabel: { color: c.soft, interval: 0, fontSize: onPaper() && satellites.length > 50 ? 5 : 10 }, splitLine: { show: false } },
       useUTC: true,
       dataZoom: [
@@ -176,7 +173,7 @@ export function timelineFigure(detail: Detail, selection: Selection): Figure {
   });
   const figure: Figure = new Figure({
     id: 'timeline',
-    title: 'Tracking timeline',
+    title: 'Tracking timeline of the library',
     help: 'A bar where a satellite was tracked, a red frame where it was lost while above the cut-off, and what happened to its signals.',
     height: (width) => {
       const height = Math.max(chosen().length, 6) * ROW + (width < 600 ? 190 : 152);

@@ -341,6 +341,8 @@ const char* NameOf(FigureScope scope) {
       return "satellite";
     case FigureScope::kSignal:
       return "signal";
+    case FigureScope::kWindow:
+      return "window";
   }
   return "";
 }

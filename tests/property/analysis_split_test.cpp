@@ -17,7 +17,7 @@ using orsolva_host::analysis::Event;
 using orsolva_host::analysis::EventKind;
 
 /// A sky in which everything goes wrong.
-AnalysisSky TroubledDay(double interval_s, int epochs) {
+AnalysisSky TroubledSky(double interval_s, int epochs) {
   SkyOptions options;
   options.Interval = interval_s;
   options.Epochs = epochs;
@@ -42,11 +42,11 @@ void HoldsInEverySplit(const AnalysisSky& sky, bool with_records) {
   }
 }
 
-TEST(AnalysisSplit, ADayGivesTheSameBitsInAnySplit) { HoldsInEverySplit(TroubledDay(120, 720), true); }
+TEST(AnalysisSplit, EightHoursGiveTheSameBitsInAnySplit) { HoldsInEverySplit(TroubledSky(120, 240), true); }
 
-TEST(AnalysisSplit, SoDoesADayWithoutNavigation) { HoldsInEverySplit(TroubledDay(120, 720), false); }
+TEST(AnalysisSplit, SoDoTheyWithoutNavigation) { HoldsInEverySplit(TroubledSky(120, 240), false); }
 
-TEST(AnalysisSplit, SoDoOneSecondEpochs) { HoldsInEverySplit(TroubledDay(1, 600), true); }
+TEST(AnalysisSplit, SoDoOneSecondEpochs) { HoldsInEverySplit(TroubledSky(1, 600), true); }
 
 TEST(AnalysisSplit, ADigestTakesInEveryMember) {
   AnalysisResult figures;

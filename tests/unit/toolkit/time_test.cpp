@@ -99,7 +99,8 @@ TEST(GnssTime, WeekOfACalendarDateFollowsTheYearSteps) {
 }
 
 TEST(GnssTime, CalendarOfAWeekFollowsTheYearSteps) {
-  for (int day = -3000; day < 500000; ++day) {
+  constexpr int kYear2090 = 40000;  // in days of GPS time; later ones are sampled
+  for (int day = -3000; day < 500000; day += day < kYear2090 ? 1 : 11) {
     const int week = day / 7;
     const GNSSTime t(week, (day - week * 7) * 86400.0);
     if (day < 0 && day % 7 != 0) continue;  // whole days before week 0 are counted by the truncated rest

@@ -2,7 +2,8 @@
 # Builds the fuzz targets with clang++ and runs each for a while, as many at a time as there are cores.
 #
 # usage: fuzz/fuzz.sh [SECONDS_EACH [TARGET...]]     (default 12 seconds, every target)
-# Corpora grow in build-fuzz/corpus/<target>; a finding is left in build-fuzz/findings/<target>/.
+# Corpora grow in build-fuzz/corpus/<target>; a finding is left in build-fuzz/findings/<target>/. ORSOLVA_FUZZ_PRESET
+# and ORSOLVA_FUZZ_BUILD name another preset with fuzz targets and its folder, as asan-ubsan and build-asan.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:-12}
@@ -13,7 +14,7 @@ targets=("$@")
     config_file profile rtcm_stream scenario sp3_reader)
 build=${ORSOLVA_FUZZ_BUILD:-build-fuzz}
 
-cmake --preset fuzz -B "$build" >/dev/null
+cmake --preset "${ORSOLVA_FUZZ_PRESET:-fuzz}" -B "$build" >/dev/null
 cmake --build "$build" --target "${targets[@]/#/fuzz_}"
 shared=${ORSOLVA_SHARED:-../shared}/data
 [ ! -d "$shared" ] || python3 fuzz/make_seeds.py "$shared" "$build/seeds"

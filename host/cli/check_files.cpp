@@ -1,8 +1,10 @@
 #include "host/cli/check_files.h"
 
+#include <cerrno>
 #include <chrono>
 #include <cstdlib>
 #include <exception>
+#include <filesystem>
 #include <memory>
 #include <string_view>
 
@@ -13,10 +15,13 @@
 #include "host/judging/judging_pool.h"
 #include "host/judging/report_sinks.h"
 #include "host/judging/run_error.h"
+#include "host/output/byte_sink.h"
 #include "host/output/whole_file.h"
 #include "host/report/earlier_report.h"
 #include "host/report/history_profile.h"
+#include "host/platform/platform.h"
 #include "host/report/profile.h"
+#include "host/rinex/byte_source.h"
 #include "host/terminal/appearance.h"
 #include "host/terminal/interrupt.h"
 #include "host/terminal/standard_streams.h"
@@ -70,17 +75,23 @@ bool Await(JudgingPool& pool, std::size_t file, Console& console) {
 void LeaveIfStuck(JudgingPool& pool, Console& console) {
   constexpr std::chrono::milliseconds kPatience(2000);
   pool.Cancel();
-  console.Clear();
+  console.Finish();
   if (pool.WaitForEnd(kPatience)) return;
   RemoveUnfinishedFiles();
   std::_Exit(InterruptExitCode());
 }
 
+std::vector<std::string> AllFilesOf(const RunInputs& inputs) {
+  std::vector<std::string> files;
+  for (const JoinedFiles& joined : inputs.joined) files.insert(files.end(), joined.begin(), joined.end());
+  return files.empty() ? inputs.observations : files;
+}
+
 int ProcessFiles(const QcRequest& request, const RunInputs& inputs) {
   const std::vector<std::string>& files = inputs.observations;
-  Console console(files, request.outputs.quiet, request.verbose);
+  Console console(files, AllFilesOf(inputs), request.outputs.quiet, request.verbose);
   ReportSinks sinks(request.outputs, files);
-  const PoolOptions options{request.jobs, console.ShowsProgress(),
+  const PoolOptions options{request.jobs, console.ShowsProgress(), inputs.joined,
                             [&sinks](std::size_t file) { return sinks.HooksOf(file); }};
   JudgingPool pool(files, request.settings, inputs.navigation, options);
   Tally tally;
@@ -90,22 +101,39 @@ int ProcessFiles(const QcRequest& request, const RunInputs& inputs) {
       return InterruptExitCode();
     }
     const FileOutcome outcome = pool.Take(file);
+    if (outcome.nobody_reads) throw ClosedPipe();
     console.LogResult(file, outcome);
     sinks.Add(file, outcome);
     tally.Add(outcome);
   }
-  console.Clear();
+  console.Finish();
   sinks.Finish();
   return tally.ExitCode();
 }
 
+JoinRule RuleOf(const std::string& join) {
+  if (join == "day") return JoinRule::kDay;
+  return join == "all" ? JoinRule::kAll : JoinRule::kNone;
+}
+
+/// A mistyped name of navigation is one mistake, whatever the number of files that it was meant for.
+void RequireNavigation(const RunInputs& inputs) {
+  for (const std::string& path : inputs.navigation) {
+    std::error_code ignored;
+    const auto type = std::filesystem::status(path, ignored).type();
+    if (path != "-" && type == std::filesystem::file_type::not_found) FailToOpen(path, ENOENT);
+  }
+}
+
 int Run(QcRequest& request) {
-  const RunInputs inputs = InputsOf(request.paths, request.navigation);
+  RunInputs inputs = InputsOf(request.paths, request.navigation);
+  JoinObservations(RuleOf(request.join), inputs);
   if (inputs.observations.empty()) {
     throw RunError(
         "no observation file among the arguments, only navigation files: name what is to be checked.");
   }
   ValidateRequest(request, inputs);
+  RequireNavigation(inputs);
   RecordInterrupts();
   CompleteSettings(request);
   return ProcessFiles(request, inputs);
@@ -122,6 +150,8 @@ int CheckFiles(QcRequest& request) {
     PrintError(error.what());
   } catch (const EarlierReportError& error) {
     PrintError(error.what());
+  } catch (const ClosedPipe&) {
+    return EndAsByClosedPipe();
   } catch (const std::exception& error) {
     PrintError(ErrorText(error));
     return kRunFailed;

@@ -32,9 +32,10 @@ void LogDetails(const Report& report) {
 
 }  // namespace
 
-Console::Console(const std::vector<std::string>& files, bool quiet, bool verbose)
+Console::Console(const std::vector<std::string>& files, const std::vector<std::string>& read, bool quiet,
+                 bool verbose)
     : files_(files), quiet_(quiet), verbose_(verbose), status_(!quiet) {
-  if (status_.Visible()) bytes_of_ = SizeOf(files);
+  if (status_.Visible()) bytes_of_ = SizeOf(read);
 }
 
 void Console::ShowProgress(const PoolProgress& progress) {
@@ -52,7 +53,14 @@ void Console::ShowProgress(const PoolProgress& progress) {
 void Console::LogResult(std::size_t file, const FileOutcome& outcome) {
   if (outcome.stopped) return;
   status_.Clear();
-  if (!outcome.error.empty()) PrintError(outcome.error);
+  if (!outcome.error.empty()) {
+    // The cause of a failure that many files share is said once, at the end.
+    if (files_.size() > 1) {
+      failed_.push_back({files_[file], outcome.error});
+    } else {
+      PrintError(outcome.error);
+    }
+  }
   if (quiet_) return;
   if (files_.size() > 1 || verbose_) {
     const char* state = outcome.report ? "processed" : "failed";
@@ -62,6 +70,12 @@ void Console::LogResult(std::size_t file, const FileOutcome& outcome) {
                  state, grade.c_str());
   }
   if (verbose_ && outcome.report) LogDetails(*outcome.report);
+}
+
+void Console::Finish() {
+  status_.Clear();
+  for (const ErrorGroup& group : GroupedByCause(failed_)) PrintError(TextOf(group));
+  failed_.clear();
 }
 
 }  // namespace orsolva_host

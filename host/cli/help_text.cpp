@@ -43,6 +43,7 @@ std::string ProgramHelp(const std::vector<Command>& commands) {
   text += "Usage: orsolva COMMAND [OPTIONS] [FILES]\n\nCommands:\n";
   for (const Command& command : commands) text += Entry(command.name, command.description);
   text += "\nOptions:\n" + Entry("--help", "Print this help; after a command, the help of that command");
+  text += Entry("--version", "The same as the command version");
   return text + "\nExit codes:\n" + ExitCodeLines();
 }
 

@@ -15,8 +15,9 @@ namespace {
 
 using namespace orsolva_host;
 
-int RunCommand(const std::vector<std::string>& arguments) {
+int RunCommand(std::vector<std::string> arguments) {
   const std::vector<Command> commands = AllCommands();
+  if (!arguments.empty() && arguments.front() == "--version") arguments.front() = "version";
   const CommandLine line = ParseCommandLine(commands, JoinFormatFiles(arguments));
   if (line.command == nullptr) return line.exit_code;
   // The configuration file first, so that the command line overrides it.

@@ -37,9 +37,11 @@ void AddAnalysisOptions(QcRequest& request, std::vector<Option>& options) {
   JudgingSettings& s = request.settings;
   const std::vector<Option> rows = {
       ListOption("nav", "PATH", request.navigation, "Further navigation files or folders of them"),
+      Choice("join", "RULE", {"none", "day", "all"}, request.join,
+             "Judge consecutive files of one station as one span: those of a day, or all"),
       Number("elevation", "DEGREES", 0, 90, s.elevation_cutoff_deg, "Elevation cut-off in degrees"),
       Parsed("interval", "SECONDS", "auto", ParseInterval, s.interval_s,
-             "Nominal interval in seconds; auto: that of the header, else of the data"),
+             "Nominal interval in seconds; auto: the header's, or the data's where that is missing or wrong"),
       With(Parsed("position", "POSITION", "spp", ParsePosition, s.position,
                   "X,Y,Z in metres, header, or spp: single point positioning"),
            {"spp", "header"}),

@@ -13,6 +13,7 @@ namespace orsolva_host {
 struct QcRequest {
   std::vector<std::string> paths;       ///< observations, navigation, folders, patterns
   std::vector<std::string> navigation;  ///< further navigation files and folders
+  std::string join = "none";            ///< or "day", "all": which files of a station are one span
   JudgingSettings settings;
   OutputSettings outputs;
   std::string profile;         ///< name, file or "history:FOLDER"; empty: none

@@ -80,7 +80,9 @@ void ValidatePaths(const QcRequest& request, const RunInputs& inputs) {
     if (!outputs.insert(WholePath(path)).second)
       throw ValidationError(path + ": two outputs of this run have this name; give one of them another");
   }
-  for (const auto* files : {&inputs.observations, &inputs.navigation}) {
+  std::vector<const std::vector<std::string>*> inputs_read = {&inputs.observations, &inputs.navigation};
+  for (const JoinedFiles& joined : inputs.joined) inputs_read.push_back(&joined);
+  for (const auto* files : inputs_read) {
     for (const std::string& file : *files) {
       if (file == "-" || outputs.count(WholePath(file)) == 0) continue;
       throw ValidationError(

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "host/rinex/satellite_names.h"
-#include "host/rinex/station_statements.h"
 
 namespace orsolva_host {
 namespace {
@@ -25,7 +24,7 @@ analysis::AnalysisOptions OptionsOf(const JudgingSettings& settings, const Obser
 }
 
 StationDescription Described(const JudgingSettings& settings, const EpochSource& source) {
-  StationDescription description = DescriptionOf(source.Header(), source.Name());
+  StationDescription description = source.Described();
   if (settings.position.source == PositionSource::kOption)
     description.given_position_m = settings.position.xyz_m;
   if (settings.selection.sampling_s) description.name.interval_s.reset();

@@ -10,6 +10,7 @@
 #include "host/judging/rtcm_source.h"
 #include "host/rinex/byte_source.h"
 #include "host/rinex/observation_reader.h"
+#include "host/rinex/station_statements.h"
 
 namespace orsolva_host {
 namespace {
@@ -116,6 +117,8 @@ std::unique_ptr<EpochSource> OpenFile(const std::string& path, const JudgingSett
 }
 
 }  // namespace
+
+StationDescription EpochSource::Described() const { return DescriptionOf(Header(), Name()); }
 
 std::unique_ptr<EpochSource> OpenObservations(const std::string& path, const JudgingSettings& settings,
                                               Diagnostics& diagnostics, RunMonitor* monitor) {

@@ -38,6 +38,8 @@ class EpochSource {
   virtual std::vector<DescriptionChange> Changes() const { return {}; }
   /// After the end, where there was no epoch: why, as a sentence after the name.
   virtual std::string NothingFound() const { return "found no epoch. Check that the file is complete."; }
+  /// What header and name state, to be compared with the data; without changes.
+  virtual StationDescription Described() const;
 
   /// Broadcast records that the data themselves hold, known before the first epoch; null when they hold none.
   virtual std::shared_ptr<const ReadNavigation> Navigation() const { return nullptr; }

@@ -74,6 +74,13 @@ void AddFile(const std::string& path, RunInputs& inputs) {
 
 }  // namespace
 
+void JoinObservations(JoinRule rule, RunInputs& inputs) {
+  if (rule == JoinRule::kNone) return;
+  inputs.joined = SpansOf(inputs.observations, rule);
+  inputs.observations.clear();
+  for (const JoinedFiles& files : inputs.joined) inputs.observations.push_back(files.front());
+}
+
 RunInputs InputsOf(const std::vector<std::string>& paths, const std::vector<std::string>& navigation) {
   RunInputs inputs;
   bool file_named = false;

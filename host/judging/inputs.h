@@ -5,13 +5,20 @@
 #include <string>
 #include <vector>
 
+#include "host/judging/joined_files.h"
+
 namespace orsolva_host {
 
 struct RunInputs {
   std::vector<std::string> observations;
+  /// The files that each of them is joined from, itself the first; empty: each stands for itself.
+  std::vector<JoinedFiles> joined;
   /// For every observation file; empty: those next to it are looked for.
   std::vector<std::string> navigation;
 };
+
+/// Joins observation files to spans, each of which is called by its first file.
+void JoinObservations(JoinRule rule, RunInputs& inputs);
 
 /// Sorts paths into observations (RINEX, RTCM 3) and navigation (also precise orbits) by what the files hold,
 /// in any order. A stream is navigation when it begins with ephemerides and has no observations in its first

@@ -14,6 +14,7 @@
 #include "host/judging/library_version.h"
 #include "host/judging/nominal_interval.h"
 #include "host/judging/selected_epochs.h"
+#include "host/judging/statement_notices.h"
 #include "host/report/build_report.h"
 #include "host/report/comparison.h"
 #include "host/report/history_profile.h"
@@ -37,6 +38,33 @@ void RequirePosition(const JudgingSettings& settings, const EpochSource& source)
 const char* NameOf(PositionSource source) {
   if (source == PositionSource::kHeader) return "header";
   return source == PositionSource::kOption ? "option" : "computed";
+}
+
+/// The last epoch of the header, as far as it can be believed.
+Time_gbt LastStated(const ObservationHeader& header, const Time_gbt& first) {
+  return header.last_epoch && Difference(*header.last_epoch, first) > 0 ? *header.last_epoch : first;
+}
+
+/// The systems chosen that are in an epoch and of which the library takes records.
+std::string SystemsOf(const ObservationEpoch& epoch, const std::string& chosen) {
+  std::string systems;
+  for (const char letter : chosen) {
+    const bool seen = std::any_of(epoch.satellites.begin(), epoch.satellites.end(),
+                                  [letter](const auto& s) { return s.id.system == letter; });
+    if (seen && SystemSlot(letter) >= 0) systems += letter;
+  }
+  return systems;
+}
+
+/// The same of those that the header lists. Of RINEX 2, whose list does not say which, those of the epoch.
+std::string SystemsListed(const ObservationHeader& header, const std::string& chosen,
+                          const ObservationEpoch& first) {
+  if (header.version < 3) return SystemsOf(first, chosen);
+  std::string systems;
+  for (const char letter : chosen) {
+    if (SystemSlot(letter) >= 0 && !header.TypesOf(letter).empty()) systems += letter;
+  }
+  return systems;
 }
 
 /// One run from its epochs to its report.
@@ -147,7 +175,10 @@ void Run::TakeNavigation(const Time_gbt& first) {
     navigation_ = own;
     return;
   }
-  navigation_ = ReadNavigationBeside(source_.Name(), first, settings_.limits);
+  const NavigationWanted wanted = {source_.Name(), first, LastStated(source_.Header(), first),
+                                   SystemsListed(source_.Header(), settings_.systems, full_),
+                                   SystemsOf(full_, settings_.systems)};
+  navigation_ = ReadNavigationBeside(wanted, settings_.limits);
   diagnostics_.Append(navigation_->notices);
   source_.TakeChannels(navigation_->broadcast);
 }
@@ -177,6 +208,7 @@ Report Run::Finish() {
   }
   report.figures = settings_.figures;
   report.show_satellites = report.show_satellite_signals = settings_.show_satellites;
+  AddStatementNotices(source_.Name(), report.analysis.figures.contradictions, diagnostics_);
   report.notices = NoticesOf(diagnostics_);
   report.further_notices = diagnostics_.Uncounted();
   if (diagnostics_.Incomplete()) report.read_error = diagnostics_.Incomplete()->what();
@@ -241,11 +273,15 @@ Report JudgeEpochs(EpochSource& source, const JudgingSettings& settings, SharedN
   return report;
 }
 
+Report JudgeFiles(const JoinedFiles& files, const JudgingSettings& settings, SharedNavigation& navigation,
+                  Diagnostics& diagnostics, const RunObservers& observers) {
+  const std::unique_ptr<EpochSource> source = OpenJoined(files, settings, diagnostics, observers.monitor);
+  return JudgeEpochs(*source, settings, navigation, diagnostics, observers);
+}
+
 Report JudgeFile(const std::string& observation_file, const JudgingSettings& settings,
                  SharedNavigation& navigation, Diagnostics& diagnostics, const RunObservers& observers) {
-  const std::unique_ptr<EpochSource> source =
-      OpenObservations(observation_file, settings, diagnostics, observers.monitor);
-  return JudgeEpochs(*source, settings, navigation, diagnostics, observers);
+  return JudgeFiles({observation_file}, settings, navigation, diagnostics, observers);
 }
 
 }  // namespace orsolva_host

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "host/judging/epoch_source.h"
+#include "host/judging/joined_files.h"
 #include "host/judging/run_error.h"
 #include "host/judging/run_monitor.h"
 #include "host/judging/settings.h"
@@ -42,6 +43,10 @@ struct RunObservers {
 /// @throws FileError, RunError, EarlierReportError, Stopped, and what the sink throws
 Report JudgeEpochs(EpochSource& source, const JudgingSettings& settings, SharedNavigation& navigation,
                    Diagnostics& diagnostics, const RunObservers& observers = {});
+
+/// The same for observation files judged as one span, which OpenJoined joins.
+Report JudgeFiles(const JoinedFiles& files, const JudgingSettings& settings, SharedNavigation& navigation,
+                  Diagnostics& diagnostics, const RunObservers& observers = {});
 
 /// The same for an observation file; "-" is standard input.
 Report JudgeFile(const std::string& observation_file, const JudgingSettings& settings,

@@ -50,7 +50,8 @@ void JudgingPool::ProcessFile(std::size_t file) {
     const std::unique_ptr<FileHooks> hooks = options_.hooks ? options_.hooks(file) : nullptr;
     const RunObservers observers{hooks ? hooks->Detail() : nullptr, &monitor_,
                                  hooks ? hooks->Events() : nullptr, hooks ? hooks->Series() : nullptr};
-    Report report = JudgeFile(files_[file], settings_, navigation_, diagnostics, observers);
+    const JoinedFiles files = options_.joined.empty() ? JoinedFiles{files_[file]} : options_.joined[file];
+    Report report = JudgeFiles(files, settings_, navigation_, diagnostics, observers);
     if (hooks) hooks->Finish(report);
     if (!report.read_error.empty()) {
       outcome.error = report.read_error + " The report covers what was read before it.";
@@ -58,6 +59,8 @@ void JudgingPool::ProcessFile(std::size_t file) {
     outcome.report = std::move(report);
   } catch (const Stopped&) {
     outcome.stopped = true;
+  } catch (const ClosedPipe&) {
+    outcome.nobody_reads = true;
   } catch (const WriteError& error) {
     outcome.error = error.what();
   } catch (const std::exception& error) {

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "host/judging/job_pool.h"
+#include "host/judging/joined_files.h"
 #include "host/judging/run_monitor.h"
 #include "host/judging/settings.h"
 #include "host/judging/shared_navigation.h"
@@ -31,7 +32,8 @@ struct FileOutcome {
   /// Empty when the file was processed to its end. Else why not, with the notices that explain it, line by
   /// line. A file that could be read in part has both.
   std::string error;
-  bool stopped = false;  ///< cancelled before it had a report
+  bool stopped = false;       ///< cancelled before it had a report
+  bool nobody_reads = false;  ///< standard output, to which its events go, has been closed
 };
 
 /// What a caller adds to the run of one file. Made, used and destroyed on the thread of that run.
@@ -54,6 +56,8 @@ struct PoolOptions {
   /// a thread of its own (JudgingSettings::analysis_on_own_thread).
   unsigned threads = 0;
   bool count_bytes = false;  ///< for PoolProgress::bytes
+  /// The files that each of the pool's is joined from, itself the first; empty: it stands for itself alone.
+  std::vector<JoinedFiles> joined;
   /// Makes the hooks of a file; may be empty. Called on several threads; what it throws is the file's error.
   std::function<std::unique_ptr<FileHooks>(std::size_t file)> hooks;
 };

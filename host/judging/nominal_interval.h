@@ -1,4 +1,5 @@
-// The nominal interval of a run: as given, else the header's, else that of the data.
+// The nominal interval of a run: as given, else the header's unless the data contradict it, else that of the
+// data.
 #ifndef ORSOLVA_JUDGING_NOMINAL_INTERVAL_H
 #define ORSOLVA_JUDGING_NOMINAL_INTERVAL_H
 
@@ -22,7 +23,9 @@ struct NominalInterval {
   const char* source = "";  ///< "option", "header" or "data"
 };
 
-/// A header that contradicts the data gives a notice.
+/// The interval of the data replaces the header's, with a notice, when both differ by more than 1 % and at
+/// least half of ten or more steps (of the first 599) keep to that of the data: files are thinned out without
+/// a change of their header. Fewer steps, or scattered ones as with gaps, leave the header its say.
 /// @throws RunError when nothing says an interval
 NominalInterval ChooseInterval(const JudgingSettings& settings, const EpochSource& source,
                                const ObsEpoch_QC_gbt* epochs, std::size_t count, Diagnostics& diagnostics);

@@ -55,6 +55,7 @@ void ReportStream::Finish() {
 void WriteOut(std::string_view text) {
   const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
   if (!written || std::fflush(stdout) != 0) {
+    if (errno == EPIPE) throw ClosedPipe();
     throw WriteError(std::string("the report could not be written to standard output: ") +
                      std::strerror(errno));
   }

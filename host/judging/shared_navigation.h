@@ -33,11 +33,20 @@ struct ReadNavigation {
 /// The named records, and those of `own` for satellites of which none is named.
 std::shared_ptr<const ReadNavigation> Joined(const ReadNavigation& named, const ReadNavigation& own);
 
-/// Reads the navigation files next to an observation file, with a notice for each. One that cannot be
-/// read is passed over with a notice when others of its day are there.
-/// @return without files when none fits
-std::shared_ptr<const ReadNavigation> ReadNavigationBeside(const std::string& observation_file,
-                                                           const Time_gbt& first_epoch,
+/// What navigation is looked for.
+struct NavigationWanted {
+  std::string beside;  ///< the observation file
+  Time_gbt first = {}, last = {};
+  std::string systems;   ///< letters of those that may be observed: their records are looked for
+  std::string observed;  ///< those of them in the first epoch: a notice says when they have no records
+};
+
+/// Reads the navigation files next to an observation file, with a notice for each. Of every system the
+/// records of the best source that has any are used: a source is a network's broadcast files of the day, the
+/// files of the station, or those of one other station, and sources are read until each system has records. A
+/// file that cannot be read is passed over with a notice.
+/// @return without files when there are none
+std::shared_ptr<const ReadNavigation> ReadNavigationBeside(const NavigationWanted& wanted,
                                                            const InputLimits& limits);
 
 class SharedNavigation {

@@ -15,6 +15,12 @@ class WriteError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
+/// Nobody reads standard output any more, as after `| head -1`.
+class ClosedPipe : public WriteError {
+ public:
+  ClosedPipe() : WriteError("nothing reads standard output any more") {}
+};
+
 class ByteSink {
  public:
   virtual ~ByteSink() = default;

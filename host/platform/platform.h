@@ -34,6 +34,10 @@ void PrepareStreams();
 /// Makes writing to a closed pipe, or beyond the user's file size limit, fail instead of ending the program.
 void IgnoreSignalsOfWriting();
 
+/// Ends the program as one that writes to a closed pipe ends, without a message: by the signal for it where
+/// there is one. @return the exit code where there is none
+int EndAsByClosedPipe();
+
 /// To be called first. Keeps the memory of one file for the next: if it were returned and allocated again,
 /// its pages would be zeroed again while threads wait for one another.
 void KeepFreedMemory();

@@ -56,6 +56,13 @@ void IgnoreSignalsOfWriting() {
   std::signal(SIGXFSZ, SIG_IGN);
 }
 
+int EndAsByClosedPipe() {
+  std::signal(SIGPIPE, SIG_DFL);
+  std::raise(SIGPIPE);
+  constexpr int kOfShells = 128;
+  return kOfShells + SIGPIPE;
+}
+
 void KeepFreedMemory() {
 #ifdef __GLIBC__
   constexpr int kLargestFromHeap = 32 << 20;  // the largest value the C library accepts

@@ -71,6 +71,8 @@ void PrepareStreams() {
 // Such writes fail on Windows anyway.
 void IgnoreSignalsOfWriting() {}
 
+int EndAsByClosedPipe() { return 1; }
+
 void KeepFreedMemory() {}
 
 void PreferHugePages(void*, std::size_t) {}

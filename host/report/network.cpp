@@ -5,9 +5,12 @@
 #include <algorithm>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <tuple>
+#include <utility>
 
 #include "host/report/csv_writer.h"
+#include "host/report/error_groups.h"
 #include "host/report/median.h"
 #include "host/report/verdict_text.h"
 #include "host/rinex/civil_time.h"
@@ -39,6 +42,16 @@ Tone ToneOfRow(const NetworkRow& row) { return row.error.empty() ? ToneOf(StateO
 
 std::string TimeOf(const std::optional<Time_gbt>& time) { return time ? TimeText(*time) : std::string(); }
 
+/// A text of several lines.
+std::string InOneLine(std::string error) {
+  // Further lines are indented.
+  for (std::size_t at = error.find('\n'); at != std::string::npos; at = error.find('\n', at)) {
+    const std::size_t next = std::min(error.find_first_not_of(" \n", at), error.size());
+    error.replace(at, next - at, next < error.size() ? " " : "");
+  }
+  return error;
+}
+
 }  // namespace
 
 std::string StateOf(const NetworkRow& row) {
@@ -49,12 +62,7 @@ std::string StateOf(const NetworkRow& row) {
 std::string ErrorOf(const NetworkRow& row) {
   std::string error = row.error;
   if (error.compare(0, row.file.size() + 2, row.file + ": ") == 0) error.erase(0, row.file.size() + 2);
-  // Further lines are indented.
-  for (std::size_t at = error.find('\n'); at != std::string::npos; at = error.find('\n', at)) {
-    const std::size_t next = std::min(error.find_first_not_of(" \n", at), error.size());
-    error.replace(at, next - at, next < error.size() ? " " : "");
-  }
-  return error;
+  return InOneLine(std::move(error));
 }
 
 NetworkRow RowOf(const Report& report) {
@@ -115,6 +123,57 @@ NetworkSummary SummaryOf(const std::vector<NetworkRow>& rows) {
   return sum;
 }
 
+namespace {
+
+std::vector<FailedFile> FailedOf(const std::vector<NetworkRow>& rows) {
+  std::vector<FailedFile> failed;
+  for (const NetworkRow& row : rows) {
+    if (!row.judged) failed.push_back({row.file, row.error});
+  }
+  return failed;
+}
+
+/// By file, those that share the cause of their failure with others.
+using SharedCauses = std::map<std::string, const ErrorGroup*>;
+
+SharedCauses SharedCausesOf(const std::vector<ErrorGroup>& groups) {
+  SharedCauses causes;
+  for (const ErrorGroup& group : groups) {
+    if (group.files.size() < 2) continue;
+    for (const FailedFile& failed : group.files) causes[failed.file] = &group;
+  }
+  return causes;
+}
+
+void AddFigures(const NetworkRow& row, TextTable& table) {
+  const Headline& h = row.headline;
+  const std::optional<double>& ratio = h.cutoff_completeness;
+  const std::string percent = ratio ? fmt::format("{:.2f}", *ratio * 100) : "-";
+  const std::string name = std::filesystem::path(row.file).filename().string();
+  table.AddRow({Printable(name.empty() ? row.file : name), StateOf(row), percent, Whole(h.missing_epochs),
+                Whole(h.cycle_slips), Fixed(h.gps_mp1_m, 3, "-"), Fixed(h.gps_mp2_m, 3, "-")},
+               ToneOfRow(row));
+}
+
+void AddBelow(const std::string& lines, TextTable& table, const TextStyle& style) {
+  table.AddBelow(Wrapped(Printable(lines), "    ", "    ", style.width));
+}
+
+void AddRow(const NetworkRow& row, TextTable& table, const TextStyle& style) {
+  AddFigures(row, table);
+  const bool wrong = !row.verdict.grade.empty() && row.verdict.grade != "good";
+  if (wrong) AddBelow(row.verdict.text, table, style);
+  if (!row.error.empty()) AddBelow(ErrorOf(row), table, style);
+}
+
+/// The rows of files that failed for one cause, then the cause.
+void AddGroup(const ErrorGroup& group, TextTable& table, const TextStyle& style) {
+  for (const FailedFile& failed : group.files) AddFigures(FailedRow(failed.file, failed.error), table);
+  AddBelow(fmt::format("These {} files: {}", group.files.size(), InOneLine(group.cause)), table, style);
+}
+
+}  // namespace
+
 std::string NetworkText(const std::vector<NetworkRow>& rows, const TextStyle& style) {
   const NetworkSummary sum = SummaryOf(rows);
   std::string text = Toned(fmt::format("NETWORK ({} files, {} read, {} failed; worst first)", sum.files,
@@ -129,17 +188,15 @@ std::string NetworkText(const std::vector<NetworkRow>& rows, const TextStyle& st
   table.AddColumn("Slips", 7);
   table.AddColumn("MP1 m", 7);
   table.AddColumn("MP2 m", 7);
+  const std::vector<ErrorGroup> groups = GroupedByCause(FailedOf(rows));
+  const SharedCauses shared = SharedCausesOf(groups);
   for (const NetworkRow& row : rows) {
-    const Headline& h = row.headline;
-    const std::optional<double>& ratio = h.cutoff_completeness;
-    const std::string percent = ratio ? fmt::format("{:.2f}", *ratio * 100) : "-";
-    const std::string name = std::filesystem::path(row.file).filename().string();
-    table.AddRow({Printable(name.empty() ? row.file : name), StateOf(row), percent, Whole(h.missing_epochs),
-                  Whole(h.cycle_slips), Fixed(h.gps_mp1_m, 3, "-"), Fixed(h.gps_mp2_m, 3, "-")},
-                 ToneOfRow(row));
-    const bool wrong = !row.verdict.grade.empty() && row.verdict.grade != "good";
-    if (wrong) table.AddBelow(Wrapped(Printable(row.verdict.text), "    ", "    ", style.width));
-    if (!row.error.empty()) table.AddBelow(Wrapped(Printable(ErrorOf(row)), "    ", "    ", style.width));
+    const auto group = row.judged ? shared.end() : shared.find(row.file);
+    if (group == shared.end()) {
+      AddRow(row, table, style);
+    } else if (group->second->files.front().file == row.file) {
+      AddGroup(*group->second, table, style);
+    }
   }
   return text + table.Text(style);
 }
@@ -154,13 +211,13 @@ std::string NetworkCsv(const std::vector<NetworkRow>& rows, const FigureTables& 
     const auto if_judged = [&row](auto value) {
       return row.judged ? fmt::format("{}", value) : std::string();
     };
-    text += fmt::format("{},{},{},{},{},{},{},{},{}", CsvField(row.file), CsvField(row.marker),
-                        StateOf(row), TimeOf(row.first_epoch),
-                        TimeOf(row.last_epoch), if_judged(row.duration_h), if_judged(row.interval_s),
-                        if_judged(row.epochs), Exact(row.lost_epochs));
+    text += fmt::format("{},{},{},{},{},{},{},{},{}", CsvField(row.file), CsvField(row.marker), StateOf(row),
+                        TimeOf(row.first_epoch), TimeOf(row.last_epoch), if_judged(row.duration_h),
+                        if_judged(row.interval_s), if_judged(row.epochs), Exact(row.lost_epochs));
     for (const auto& figure : tables.headline) text += "," + Exact(figure.get(row.headline));
     for (const auto& figure : tables.library_headline) text += "," + Exact(figure.get(row.library_headline));
-    text += fmt::format(",{},{},{}\n", if_judged(row.notices), CsvField(row.verdict.text), CsvField(ErrorOf(row)));
+    text += fmt::format(",{},{},{}\n", if_judged(row.notices), CsvField(row.verdict.text),
+                        CsvField(ErrorOf(row)));
   }
   return text;
 }

@@ -193,7 +193,7 @@ Profile LoadProfile(const std::string& name_or_file) {
       names += std::string(i > 0 ? ", " : "") + kBuiltInProfiles[i].name;
     }
     throw ProfileError("'" + name_or_file + "' is neither a built-in profile (" + names +
-                       ") nor a readable file: found " + error.Found());
+                       ") nor a readable file: " + error.Found());
   }
   return ParseProfile(text, name_or_file);
 }

@@ -96,7 +96,7 @@ class Archive : public ByteSource {
 
   void End(const char* what) {
     ended_ = true;
-    diagnostics_.AddIncomplete(name_, what);
+    diagnostics_.AddIncomplete(name_, 0, what);
   }
 
   std::unique_ptr<ByteSource> compressed_;

@@ -37,12 +37,14 @@ void BodyBase::TakeStrayHeader(std::string_view line, EpochBlock& epoch) {
 }
 
 void BodyBase::DropCutValue(std::string_view line, std::size_t first_column, std::size_t count, Cell* cells) {
-  if (line.size() <= first_column) return;
-  const std::size_t last = (line.size() - first_column - 1) / kCellWidth;
-  if (last >= count || !cells[last].present) return;
-  if (line.size() >= first_column + last * kCellWidth + kValueWidth) return;
-  cells[last] = Cell();
-  Notice("last value of a truncated file treated as missing");
+  if (line.size() > first_column) {
+    const std::size_t last = (line.size() - first_column - 1) / kCellWidth;
+    const std::size_t beyond = (line.size() - first_column) % kCellWidth;
+    // A line may end after a value, with or without its two flags.
+    if (last >= count || beyond == 0 || beyond >= kValueWidth) return;
+    cells[last] = Cell();
+  }
+  EndsEarly("the file ends within a value, which is treated as missing");
 }
 
 std::unique_ptr<ObservationBody> BodyOf(const ObservationHeader& header, LineReader& lines, std::string file,

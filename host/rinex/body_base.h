@@ -24,12 +24,30 @@ class BodyBase : public ObservationBody {
     diagnostics_.Add(file_, lines_.Line(), text, recovered);
   }
 
+  /// The data end where more of them must follow.
+  void EndsEarly(const char* text) { diagnostics_.AddIncomplete(file_, lines_.Line(), text); }
+
+  /// A line between epochs that begins none. The last line of a file that is cut off is the beginning of one,
+  /// unless it is the end mark of DOS.
+  void SkipLine(std::string_view line, const char* text) {
+    constexpr char kEndMark = '\x1a';
+    if (lines_.Unterminated() && line[0] != kEndMark) return EndsEarly("the file ends within a line");
+    Notice(text);
+  }
+
+  /// Whether the epoch line just read is the last of the data, without even a line end: it may have lost
+  /// digits, and nothing follows it.
+  bool EndsInEpochLine() {
+    if (lines_.Unterminated()) EndsEarly("the file ends within an epoch line");
+    return lines_.Unterminated();
+  }
+
   void Begin(const EpochLine& head, EpochBlock& epoch) const;
   /// Turns the header line just read and those that follow into an event.
   void TakeStrayHeader(std::string_view line, EpochBlock& epoch);
 
-  /// The last value of an unterminated line may have lost digits; it is treated as missing when it is shorter
-  /// than its field.
+  /// The last value of an unterminated line may have lost digits; it is treated as missing when the line ends
+  /// within its field. A line that ends before its first value is cut off, too.
   void DropCutValue(std::string_view line, std::size_t first_column, std::size_t count, Cell* cells);
 
   LineReader& lines_;

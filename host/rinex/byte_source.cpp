@@ -106,17 +106,23 @@ constexpr std::size_t kMagicBytes = 6;
 
 }  // namespace
 
+void FailToOpen(const std::string& path, int reason) {
+  if (reason == ENOENT) throw FileError(path, 0, "no such file", "", "Check the name and the folder.");
+  throw FileError(path, 0, std::string("cannot be opened: ") + std::strerror(reason), "",
+                  "Check the name and the permissions.");
+}
+
 std::string Peek(std::unique_ptr<ByteSource>& source, std::size_t size) {
-  std::string first(size, '\0');
-  std::size_t filled = 0;
-  while (filled < size) {
-    const std::size_t count = source->Read(first.data() + filled, size - filled);
+  std::string bytes(size, '\0');
+  std::size_t held = 0;
+  while (held < size) {
+    const std::size_t count = source->Read(bytes.data() + held, size - held);
     if (count == 0) break;
-    filled += count;
+    held += count;
   }
-  first.resize(filled);
-  source = std::make_unique<PrefixedBytes>(first, std::move(source));
-  return first;
+  bytes.resize(held);
+  source = std::make_unique<PrefixedBytes>(bytes, std::move(source));
+  return bytes;
 }
 
 std::unique_ptr<ByteSource> TextBytes(std::string text) {
@@ -143,10 +149,7 @@ std::unique_ptr<ByteSource> DecompressedBytes(std::unique_ptr<ByteSource> source
 std::unique_ptr<ByteSource> OpenBytes(const std::string& path, Diagnostics& diagnostics,
                                       const InputLimits& limits) {
   std::FILE* file = path == "-" ? stdin : std::fopen(path.c_str(), "rb");
-  if (!file) {
-    throw FileError(path, 0, std::string("cannot be opened: ") + std::strerror(errno), "",
-                    "Check the name and the permissions.");
-  }
+  if (!file) FailToOpen(path, errno);
   return DecompressedBytes(std::make_unique<FileBytes>(path, file), path, diagnostics, limits);
 }
 

@@ -27,6 +27,9 @@ class ByteSource {
   virtual std::size_t Read(char* out, std::size_t size) = 0;
 };
 
+/// @param reason  errno of the attempt @throws FileError always
+[[noreturn]] void FailToOpen(const std::string& path, int reason);
+
 /// Opens a file ("-" is standard input) and decompresses gzip, compress (.Z), zip, bzip2, xz and zstd, also
 /// nested, detected from the content and not the name. Of a zip archive the first file is read. Truncated or
 /// damaged data give a notice, and what was decompressed before that is still delivered.

@@ -155,8 +155,9 @@ class Crinex : public BodyBase {
       } else {
         Repair(text_, line);
       }
-      if (form_.parse(text_, head) && HasSatellites(head)) return true;
-      Lose("unreadable epoch line; reading resumes at the next full one");
+      if (form_.parse(text_, head) && HasSatellites(head)) return !EndsInEpochLine();
+      SkipLine(line, "unreadable epoch line; reading resumes at the next full one");
+      Reset();
     }
     return false;
   }
@@ -179,7 +180,7 @@ class Crinex : public BodyBase {
   void ReadRecords(int count, EpochBlock& epoch) {
     std::string_view line;
     for (int i = 0; i < count; ++i) {
-      if (!lines_.Next(line)) return Notice("the file ends within an event");
+      if (!lines_.Next(line)) return EndsEarly("the file ends within an event");
       epoch.records.emplace_back(line);
     }
   }
@@ -188,12 +189,12 @@ class Crinex : public BodyBase {
     ++epoch_;
     std::string_view line;
     if (!lines_.Next(line)) {
-      if (count > 0) Notice("the file ends within an epoch");
+      if (count > 0) EndsEarly("the file ends within an epoch");
       return;
     }
     TakeClockOffset(line, epoch);
     for (int i = 0; i < count; ++i) {
-      if (!lines_.Next(line)) return Notice("the file ends within an epoch");
+      if (!lines_.Next(line)) return EndsEarly("the file ends within an epoch");
       if (!line.empty() && line[0] == form_.mark) {
         lines_.PushBack();
         return Lose("an epoch has fewer lines than declared");
@@ -241,7 +242,10 @@ class Crinex : public BodyBase {
       Token token;
       p = ScanToken(p, end, token);
       // A value at the end of unterminated data may have lost digits.
-      if (p == end && !token.empty && lines_.Unterminated()) token.good = false;
+      if (p == end && !token.empty && lines_.Unterminated()) {
+        EndsEarly("the file ends within a value, which is treated as missing");
+        token = Token();
+      }
       TakeToken(token, state.arcs[i], cells[i]);
       if (p < end) ++p;
     }

@@ -1,5 +1,6 @@
 #include "host/rinex/diagnostics.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace orsolva_host {
@@ -8,9 +9,9 @@ void Diagnostics::Add(const std::string& file, long line, const std::string& tex
   AddKind(file, line, text, recovered);
 }
 
-void Diagnostics::AddIncomplete(const std::string& file, const std::string& what) {
-  Add(file, 0, what, false);
-  if (!incomplete_) incomplete_.emplace(file, 0, what, "complete data", "Download the file again.");
+void Diagnostics::AddIncomplete(const std::string& file, long line, const std::string& what) {
+  Add(file, line, what, false);
+  if (!incomplete_) incomplete_.emplace(file, line, what, "", "Download the file again.");
 }
 
 std::size_t Diagnostics::AddKind(const std::string& file, long line, const std::string& text,
@@ -40,6 +41,20 @@ void Diagnostics::Again(std::size_t kind, long cases) {
 
 void Diagnostics::Append(const Diagnostics& other) {
   for (const Notice& n : other.notices_) Again(AddKind(n.file, n.line, n.text, n.recovered), n.count - 1);
+  Again(kMaxKinds, other.uncounted_);
+  if (!incomplete_) incomplete_ = other.incomplete_;
+}
+
+void Diagnostics::Join(const Diagnostics& other) {
+  for (const Notice& n : other.notices_) {
+    const auto known = std::find_if(notices_.begin(), notices_.end(),
+                                    [&n](const Notice& notice) { return notice.text == n.text; });
+    if (known != notices_.end()) {
+      Again(static_cast<std::size_t>(known - notices_.begin()), n.count);
+    } else {
+      Again(AddKind(n.file, n.line, n.text, n.recovered), n.count - 1);
+    }
+  }
   Again(kMaxKinds, other.uncounted_);
   if (!incomplete_) incomplete_ = other.incomplete_;
 }

@@ -53,16 +53,18 @@ class Diagnostics {
 
   /// Like Add. @return the index of the kind, for further occurrences by Again
   std::size_t AddKind(const std::string& file, long line, const std::string& text, bool recovered = true);
-  /// Compressed data of which only a part could be decompressed: a notice, and the error that the run ends
-  /// with.
-  void AddIncomplete(const std::string& file, const std::string& what);
+  /// Data of which only a part is there, such as compressed data that end early or a file cut off within an
+  /// epoch: a notice, and the error that the run ends with.
+  void AddIncomplete(const std::string& file, long line, const std::string& what);
   /// Counts further occurrences of a kind, without its text: for defects that occur by the thousand.
   void Again(std::size_t kind, long cases = 1);
   /// Adds all notices of another instance, as if they had been added here.
   void Append(const Diagnostics& other);
+  /// The same for a file that belongs to those before: a kind whose text one of them has counts for that.
+  void Join(const Diagnostics& other);
 
   const std::vector<Notice>& Notices() const { return notices_; }
-  /// The first file of which only a part could be decompressed.
+  /// The first file of which only a part is there.
   const std::optional<FileError>& Incomplete() const { return incomplete_; }
   /// Occurrences of kinds that were not kept.
   long Uncounted() const { return uncounted_; }

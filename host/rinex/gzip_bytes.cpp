@@ -62,7 +62,7 @@ class GzipBytes : public ByteSource {
 
   void Break(const char* what) {
     ended_ = true;
-    diagnostics_.AddIncomplete(name_, what);
+    diagnostics_.AddIncomplete(name_, 0, what);
   }
 
   void End(const char* why) {

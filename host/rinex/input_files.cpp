@@ -1,7 +1,6 @@
 #include "host/rinex/input_files.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <map>
 #include <set>
@@ -20,6 +19,7 @@ namespace fs = std::filesystem;
 constexpr std::int64_t kDay_s = 86400;
 // Broadcast records are valid for some hours; the file of an adjacent day may still cover part of the data.
 constexpr std::int64_t kFarthest_days = 1;
+constexpr int kOtherStation = 2;  ///< rank of a station
 
 bool IsFolder(const std::string& path) {
   std::error_code error;
@@ -40,17 +40,13 @@ std::vector<std::string> FilesOf(const fs::path& folder) {
 }
 
 FileKind KindOfContent(const std::string& path) {
+  std::error_code ignored;
+  if (!fs::is_regular_file(path, ignored)) return FileKind::kOther;
   try {
     Diagnostics unused;
     LineReader lines(OpenBytes(path, unused));
     std::string_view line;
-    if (!lines.Next(line)) return FileKind::kOther;
-    if (HeaderLabel(line) == "CRINEX VERS   / TYPE") return FileKind::kObservation;
-    if (HeaderLabel(line) != "RINEX VERSION / TYPE") return FileKind::kOther;
-    const char type = line[20];
-    if (type == 'O') return FileKind::kObservation;
-    return std::string_view("NGELJC").find(type) != std::string_view::npos ? FileKind::kNavigation
-                                                                           : FileKind::kOther;
+    return lines.Next(line) ? KindOfFirstLine(line) : FileKind::kOther;
   } catch (const std::exception&) {
     return FileKind::kOther;
   }
@@ -58,13 +54,23 @@ FileKind KindOfContent(const std::string& path) {
 
 std::int64_t DayOf(const Time_gbt& time) { return time.time / kDay_s - (time.time % kDay_s < 0 ? 1 : 0); }
 
-/// How well the files of a station suit the observations of another or the same one; 0 is best.
+/// How well the files of a station suit the observations of another or the same one; 0 is best. A file of a
+/// whole network has what a single receiver missed.
 int StationRank(const std::string& station, const std::string& wanted) {
-  if (!wanted.empty() && station.substr(0, 4) == wanted.substr(0, 4)) return 0;
-  return station.substr(0, 3) == "BRD" ? 1 : 2;
+  if (station.substr(0, 3) == "BRD") return 0;
+  return !wanted.empty() && station.substr(0, 4) == wanted.substr(0, 4) ? 1 : kOtherStation;
 }
 
 }  // namespace
+
+FileKind KindOfFirstLine(std::string_view line) {
+  if (HeaderLabel(line) == "CRINEX VERS   / TYPE") return FileKind::kObservation;
+  if (HeaderLabel(line) != "RINEX VERSION / TYPE") return FileKind::kOther;
+  const char type = line[20];
+  if (type == 'O') return FileKind::kObservation;
+  return std::string_view("NGELJC").find(type) != std::string_view::npos ? FileKind::kNavigation
+                                                                         : FileKind::kOther;
+}
 
 FileKind KindOfFile(const std::string& path) {
   const auto name = ParseRinexName(fs::path(path).filename().string());
@@ -111,30 +117,34 @@ std::vector<std::string> NavigationFilesOf(const std::vector<std::string>& paths
   return files;
 }
 
-std::vector<std::string> NavigationBeside(const std::string& observation_file, const Time_gbt& first_epoch) {
+std::vector<NavigationGroup> NavigationBeside(const std::string& observation_file, const Time_gbt& first,
+                                              const Time_gbt& last) {
   if (observation_file == "-") return {};
   const fs::path path(observation_file);
   const auto own = ParseRinexName(path.filename().string());
   const std::string station = own ? own->station : std::string();
-  const std::int64_t day = DayOf(first_epoch);
+  const std::int64_t first_day = DayOf(first);
+  const std::int64_t last_day = std::max(DayOf(last), first_day);
 
-  // Distance in days, rank of the station and station; the smallest key has the files wanted.
+  // Distance in days, rank of the station and station. Two compressions of one file count once.
   std::map<std::tuple<std::int64_t, int, std::string>, std::map<std::string, std::string>> found;
   for (const std::string& file : FilesOf(path.has_parent_path() ? path.parent_path() : fs::path("."))) {
     const auto name = ParseRinexName(fs::path(file).filename().string());
     if (!name || name->kind != FileKind::kNavigation) continue;
-    const std::int64_t distance = std::abs(name->day - day);
+    const std::int64_t distance = std::max({first_day - name->day, name->day - last_day, std::int64_t{0}});
     if (distance > kFarthest_days) continue;
     const int rank = StationRank(name->station, station);
-    const std::string of = rank == 2 ? name->station : std::string();
+    const std::string of = rank == kOtherStation ? name->station : std::string();
     found[{distance, rank, of}].emplace(name->whole, file);
   }
-  std::vector<std::string> files;
-  if (found.empty()) return files;
-  for (const auto& [whole, file] : found.begin()->second) {
-    files.push_back(path.has_parent_path() ? file : fs::path(file).filename().string());
+  std::vector<NavigationGroup> groups;
+  for (const auto& [key, files] : found) {
+    groups.emplace_back();
+    for (const auto& [whole, file] : files) {
+      groups.back().push_back(path.has_parent_path() ? file : fs::path(file).filename().string());
+    }
   }
-  return files;
+  return groups;
 }
 
 }  // namespace orsolva_host

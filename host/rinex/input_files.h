@@ -3,6 +3,7 @@
 #define ORSOLVA_RINEX_INPUT_FILES_H
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/rinex/diagnostics.h"
@@ -17,8 +18,11 @@ struct InputFiles {
   std::vector<std::string> others;  ///< regular files that are neither
 };
 
-/// Kind of a file, from its name if that is a RINEX name, otherwise from its first lines. An unreadable file
-/// counts as other.
+/// Kind of RINEX file that begins with this line.
+FileKind KindOfFirstLine(std::string_view line);
+
+/// Kind of a file, from its name if that is a RINEX name, otherwise from its first lines. What cannot be
+/// read, or once only, such as a pipe, counts as other.
 FileKind KindOfFile(const std::string& path);
 
 /// Sorts the files of the arguments by kind. A folder means the files in it (not those of its subfolders), in
@@ -31,12 +35,16 @@ InputFiles SortInputs(const std::vector<std::string>& paths);
 /// @throws FileError for a folder without a navigation file
 std::vector<std::string> NavigationFilesOf(const std::vector<std::string>& paths);
 
-/// The best navigation files for an observation file among those in its folder: of the day nearest to
-/// `first_epoch` (at most one day off), and of that day those of the station itself, otherwise network
-/// broadcast files (names beginning with BRD), otherwise those of the first other station in alphabetical
-/// order.
-/// @return empty when there is none, or the observations come from standard input
-std::vector<std::string> NavigationBeside(const std::string& observation_file, const Time_gbt& first_epoch);
+/// Navigation files of one source, such as all those of a station.
+using NavigationGroup = std::vector<std::string>;
+
+/// The navigation files in the folder of an observation file by their names, best first: of the days of the
+/// data before those of the days next to them, and of these network broadcast files (names beginning with
+/// BRD), then those of the station itself, then those of each other station in alphabetical order.
+/// @param first, last  of the epochs @return empty when there is none, or the observations come from
+/// standard input
+std::vector<NavigationGroup> NavigationBeside(const std::string& observation_file, const Time_gbt& first,
+                                              const Time_gbt& last);
 
 }  // namespace orsolva_host
 

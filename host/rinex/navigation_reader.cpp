@@ -38,6 +38,12 @@ bool IsTakenMessage(std::string_view message) {
 /// transmission and spare values, so a record without it is complete.
 int LinesNeeded(char letter) { return IsStateVector(letter) ? kGlonassLines : kOrbitLines - 1; }
 
+/// Whether a line does not end where a value ends. @param first  column of its first value
+bool EndsWithinValue(std::string_view line, std::size_t first) {
+  while (!line.empty() && line.back() == ' ') line.remove_suffix(1);
+  return line.size() > first && (line.size() - first) % kNavigationValueWidth != 0;
+}
+
 /// Systems beyond the library's whose records are kept as plain data.
 bool HasReader(char letter) { return SystemSlot(letter) >= 0 || letter == 'I' || letter == 'S'; }
 
@@ -122,6 +128,7 @@ void NavigationReader::ReadRecords(LineReader& lines) {
       TakeHeaderLine(line, number);
     } else if (!BeginsRecord(line)) {
       if (open_) {
+        cut_ = lines.Unterminated() && EndsWithinValue(line, columns_.further_lines);
         AddLine(line, number);
       } else if (!skipped_) {
         Notice(number, "lines that belong to no record skipped", false);
@@ -133,7 +140,15 @@ void NavigationReader::ReadRecords(LineReader& lines) {
       skipped_ = !open_;
     }
   }
-  FinishRecord();
+  FinishLastRecord();
+}
+
+/// A file that is cut off ends within a record. What is lost of its last value would go unnoticed.
+void NavigationReader::FinishLastRecord() {
+  const bool whole = !open_ || foreign_ || (!cut_ && record_.lines >= LinesNeeded(record_.letter));
+  if (whole) return FinishRecord();
+  open_ = false;
+  diagnostics_.AddIncomplete(name_, record_.line, "the file ends within a record, which is skipped");
 }
 
 /// Concatenated files have headers among the records.

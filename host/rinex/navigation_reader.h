@@ -40,6 +40,8 @@ class NavigationReader {
   void Read(const std::string& path);
   void Read(std::unique_ptr<ByteSource> source, const std::string& name);
 
+  /// RINEX version of the last file read.
+  double Version() const { return version_; }
   /// Files read, in order.
   const std::vector<std::string>& Files() const { return files_; }
 
@@ -69,6 +71,7 @@ class NavigationReader {
   bool IsForeign(long number);
   void AddLine(std::string_view line, long number);
   void FinishRecord();
+  void FinishLastRecord();
   bool Convert();
   bool AddGalileo();
   void RepairWeek();
@@ -88,6 +91,7 @@ class NavigationReader {
   NavigationColumns columns_;
   bool open_ = false;     ///< a record is being read
   bool bad_ = false;      ///< the current record has a value that is not a number
+  bool cut_ = false;      ///< its last line ends within a value, and with it the file
   bool skipped_ = false;  ///< the current record is not used
   bool foreign_ = false;  ///< the record at hand is of a satellite that the library does not know
   std::string message_;   ///< RINEX 4 message type, such as "INAV"

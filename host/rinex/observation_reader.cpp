@@ -126,7 +126,8 @@ CellPlan ObservationReader::PlanCell(int slot, const std::string& type, SystemPl
   }
   if (cell.signal < 0 && cell.kind != 'X') {
     diagnostics_.Add(name_, 0,
-                     fmt::format("observation type {} of {} is not supported", Printable(type), system.name));
+                     fmt::format("observation type {} of {} is not in the library's record", Printable(type),
+                                 system.name));
   }
   return cell;
 }
@@ -332,8 +333,9 @@ bool ObservationReader::IsSupported(const SatelliteRow& row, int slot) {
     return false;
   }
   if (row.number <= kSystemTable[slot].satellites) return true;
-  diagnostics_.Add(name_, block_.line,
-                   fmt::format("satellite {} is not supported", SatelliteName(row.letter, row.number)));
+  diagnostics_.Add(
+      name_, block_.line,
+      fmt::format("satellite {} is not in the library's record", SatelliteName(row.letter, row.number)));
   return false;
 }
 
@@ -346,7 +348,8 @@ void ObservationReader::AddSatellite(const SatelliteRow& row, ObsEpoch_QC_gbt& e
     return diagnostics_.Add(name_, block_.line, "duplicate satellite in an epoch; the first is used", false);
   }
   if (epoch.sat_num >= ORSOLVA_MAX_SATELLITES) {
-    return diagnostics_.Add(name_, block_.line, "more than 80 satellites in an epoch; the rest are ignored",
+    return diagnostics_.Add(name_, block_.line,
+                            "more than 80 satellites in an epoch; the library's record has the first 80",
                             false);
   }
   Satellite_gbt& satellite = epoch.sats[epoch.sat_num];
@@ -381,8 +384,9 @@ void ObservationReader::FillSignals(const SystemPlan& plan, const SatelliteRow& 
   for (std::size_t i = 0; i < signals_.size(); ++i) {
     if (!HasValue(signals_[i])) continue;
     if (satellite.signal_num >= ORSOLVA_MAX_SIGNALS) {
-      return diagnostics_.Add(name_, block_.line,
-                              std::string("more than 8 signals of a satellite; the rest are ignored"), false);
+      return diagnostics_.Add(
+          name_, block_.line,
+          std::string("more than 8 signals of a satellite; the library's record has the first 8"), false);
     }
     signals_[i].code = plan.numbers[i];
     satellite.signals[satellite.signal_num++] = signals_[i];

@@ -39,6 +39,7 @@ class Plain : public BodyBase {
   bool FindEpoch(std::string_view& line, EpochLine& head) {
     while (lines_.Next(line)) {
       if (ParseEpochLine(line, head)) {
+        if (EndsInEpochLine()) return false;
         head.clock_offset_s = ParseClockOffset(Field(line, 41, 15));
         return true;
       }
@@ -47,8 +48,8 @@ class Plain : public BodyBase {
         head.flag = kStrayHeader;
         return true;
       }
-      Notice(line[0] == '>' ? "unreadable epoch line; the epoch is skipped"
-                            : "lines that belong to no epoch skipped");
+      SkipLine(line, line[0] == '>' ? "unreadable epoch line; the epoch is skipped"
+                                    : "lines that belong to no epoch skipped");
     }
     return false;
   }
@@ -108,7 +109,7 @@ class Plain : public BodyBase {
 
   bool NextOfEpoch(std::string_view& line) {
     if (!lines_.Next(line)) {
-      Notice("the file ends within an epoch");
+      EndsEarly("the file ends within an epoch");
       return false;
     }
     if (!line.empty() && line[0] == '>') {
@@ -122,7 +123,7 @@ class Plain : public BodyBase {
   void TakeSatellite(std::string_view line, const ObservationTypes& types, EpochBlock& epoch) {
     SatelliteRow row;
     if (!ParseSatellite(Field(line, 0, 3), row.letter, row.number)) {
-      return Notice("line with an unreadable satellite skipped");
+      return SkipLine(line, "line with an unreadable satellite skipped");
     }
     row.first_cell = epoch.cells.size();
     row.cells = types[static_cast<std::size_t>(row.letter - 'A')].size();

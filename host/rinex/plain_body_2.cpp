@@ -49,6 +49,7 @@ class Plain2 : public BodyBase {
   bool FindEpoch(std::string_view& line, EpochLine& head) {
     while (lines_.Next(line)) {
       if (ParseEpochLine2(line, head)) {
+        if (EndsInEpochLine()) return false;
         head.clock_offset_s = ParseClockOffset(Field(line, 68, 12));
         return true;
       }
@@ -57,7 +58,7 @@ class Plain2 : public BodyBase {
         head.flag = kStrayHeader;
         return true;
       }
-      Notice("lines that belong to no epoch skipped");
+      SkipLine(line, "lines that belong to no epoch skipped");
     }
     return false;
   }
@@ -67,7 +68,7 @@ class Plain2 : public BodyBase {
     EpochLine next;
     for (;;) {
       if (!lines_.Next(line)) {
-        Notice("the file ends within an epoch");
+        EndsEarly("the file ends within an epoch");
         return false;
       }
       if (ParseEpochLine2(line, next) && !Trimmed(line.substr(0, 26)).empty()) {
@@ -83,7 +84,7 @@ class Plain2 : public BodyBase {
   void ReadRecords(int count, EpochBlock& epoch) {
     std::string_view line;
     for (int i = 0; i < count; ++i) {
-      if (!lines_.Next(line)) return Notice("the file ends within an event");
+      if (!lines_.Next(line)) return EndsEarly("the file ends within an event");
       EpochLine next;
       if (ParseEpochLine2(line, next)) {
         lines_.PushBack();

@@ -35,6 +35,12 @@ bool ParseSatellite(std::string_view text, char& letter, int& number) {
   return true;
 }
 
+std::string NameOfSystem(char letter) {
+  const int slot = SystemSlot(letter);
+  if (slot >= 0) return kSystemTable[slot].name;
+  return letter == 'S' ? "SBAS" : letter == 'I' ? "NavIC" : std::string(1, letter);
+}
+
 std::string SatelliteName(char letter, int number) { return fmt::format("{}{:02}", letter, number); }
 
 }  // namespace orsolva_host

@@ -36,6 +36,9 @@ int SystemSlotOfCode(int code);
 /// distinguished from damage. @return false when the text is not a satellite
 bool ParseSatellite(std::string_view text, char& letter, int& number);
 
+/// "GPS" for 'G', also of the systems that the library does not know; the letter of any other.
+std::string NameOfSystem(char letter);
+
 /// "G04"
 std::string SatelliteName(char letter, int number);
 

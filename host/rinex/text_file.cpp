@@ -7,6 +7,7 @@
 #include <cstring>
 #include <memory>
 
+#include "host/rinex/byte_source.h"
 #include "host/rinex/diagnostics.h"
 
 namespace orsolva_host {
@@ -16,15 +17,11 @@ struct CloseFile {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-[[noreturn]] void Fail(const std::string& path, const std::string& what) {
-  throw FileError(path, 0, what + ": " + std::strerror(errno), "", "Check the name and the permissions.");
-}
-
 }  // namespace
 
 std::string TextOfFile(const std::string& path, std::size_t max_bytes) {
   const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(path.c_str(), "rb"));
-  if (!file) Fail(path, "cannot be opened");
+  if (!file) FailToOpen(path, errno);
   std::string text;
   char piece[1U << 16];
   while (const std::size_t count = std::fread(piece, 1, sizeof piece, file.get())) {
@@ -34,7 +31,10 @@ std::string TextOfFile(const std::string& path, std::size_t max_bytes) {
                       "Check that it is the right file.");
     }
   }
-  if (std::ferror(file.get()) != 0) Fail(path, "cannot be read");
+  if (std::ferror(file.get()) != 0) {
+    throw FileError(path, 0, std::string("cannot be read: ") + std::strerror(errno), "",
+                    "Check the name and the permissions.");
+  }
   return text;
 }
 

@@ -164,13 +164,30 @@ TEST(ManyFiles, AllHaveTheErrorOfNavigationThatCannotBeRead) {
   ORSOLVA_NEED_FILE(Quarter());
   const Folder folder;
   FillNetwork(folder);
-  const Answer a = Orsolva("qc --no-config --sum '" + (folder / "SEP[AB]078M.21O") + "' --nav /no/such.nav");
+  std::ofstream(folder / "such.nav") << "nothing of RINEX\n";
+  const Answer a =
+      Orsolva("qc --no-config --sum '" + (folder / "SEP[AB]078M.21O") + "' --nav " + (folder / "such.nav"));
   EXPECT_EQ(a.code, 1);
   for (const char* file : {"SEPA078M.21O", "SEPB078M.21O"}) {
     const std::size_t line = a.out.find("#FAILED " + (folder / file));
     ASSERT_NE(line, std::string::npos) << a.out;
-    EXPECT_NE(a.out.find("/no/such.nav", line), std::string::npos);
+    EXPECT_NE(a.out.find("/such.nav", line), std::string::npos);
   }
+  const std::string heading = "orsolva: 2 files: " + (folder / "such.nav") + ":1: ";
+  EXPECT_NE(a.err.find(heading), std::string::npos) << a.err;
+}
+
+TEST(ManyFiles, AreListedBelowTheCauseThatTheyShare) {
+  const Folder folder;
+  for (const char* name : {"a.rnx", "b.rnx"}) std::ofstream(folder / name) << "nothing of RINEX\n";
+  std::ofstream(folder / "c.rnx");
+  const Answer a =
+      Orsolva("qc --no-config --quiet " + folder / "a.rnx" + " " + folder / "c.rnx" + " " + folder / "b.rnx");
+  EXPECT_EQ(a.code, 1);
+  const std::string files =
+      "\n  " + (folder / "a.rnx") + "\n  " + (folder / "b.rnx") + "\norsolva: " + (folder / "c.rnx") + ":";
+  EXPECT_EQ(a.err.find("orsolva: 2 files: found \"nothing of RINEX\", expected "), 0U) << a.err;
+  EXPECT_NE(a.err.find(files), std::string::npos) << a.err;
 }
 
 TEST(StandardInput, IsTakenOnceOnly) {

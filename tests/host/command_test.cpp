@@ -34,6 +34,12 @@ TEST(Command, VersionPrintsTheBanner) {
   EXPECT_TRUE(a.err.empty());
 }
 
+TEST(Command, VersionIsAlsoAnOption) {
+  const Answer a = Orsolva("--version");
+  EXPECT_EQ(a.code, 0);
+  EXPECT_EQ(a.out, Orsolva("version").out);
+}
+
 TEST(Command, HelpIsGoodAndWrongUsageIsTwo) {
   EXPECT_EQ(Orsolva("--help").code, 0);
   EXPECT_EQ(Orsolva("qc --help").code, 0);
@@ -70,10 +76,19 @@ TEST(Command, WrongUsageIsNamedInTheWordsOfTheProgram) {
 TEST(Command, FailedRunsAreOneAndSayWhatToDo) {
   const Answer missing = Orsolva("qc /nonexistent.rnx /nonexistent.nav");
   EXPECT_EQ(missing.code, 1);
-  EXPECT_NE(missing.err.find("/nonexistent.rnx: cannot be opened: No such file or directory. Check"),
-            std::string::npos)
+  EXPECT_NE(missing.err.find("/nonexistent.nav: no such file. Check the name"), std::string::npos)
       << missing.err;
   EXPECT_TRUE(missing.out.empty());
+}
+
+TEST(Command, AMistypedNameIsNoSuchFileWhateverTheFileWasToHold) {
+  ORSOLVA_NEED_FILE(DataFile("SEPT078M.21O"));
+  for (const char* name : {"/no/such.nav", "/no/BRDC00IGS_R_20210780000_01D_MN.rnx.gz", "/no/brdc0780.21n"}) {
+    const Answer a = Orsolva("qc --no-config " + DataFile("SEPT078M.21O") + " " + name);
+    EXPECT_EQ(a.code, 1);
+    EXPECT_EQ(a.err, std::string("orsolva: ") + name + ": no such file. Check the name and the folder.\n");
+    EXPECT_EQ(a.out, "") << "no other navigation takes its place";
+  }
 }
 
 TEST(Command, ARunWithoutNavigationSaysSo) {

@@ -144,7 +144,9 @@ TEST(Defects, AMissingLastLineEndCostsOnlyAValueCutInsideIt) {
   const ReadFile cut(whole.substr(0, whole.size() - 2));
   EXPECT_EQ(cut.epochs.at(0).sats[0].signals[0].pseudorange, 1);
   EXPECT_EQ(cut.epochs[0].sats[0].signals[0].snr, 0);
-  EXPECT_EQ(cut.LineOf("truncated file"), 5);
+  EXPECT_EQ(cut.LineOf("ends within a value"), 5);
+  ASSERT_TRUE(cut.notices.Incomplete());
+  EXPECT_EQ(cut.notices.Incomplete()->Line(), 5);
 }
 
 TEST(Defects, ACrinexValueCutByTheEndOfTheFileCountsAsMissing) {
@@ -153,6 +155,38 @@ TEST(Defects, ACrinexValueCutByTheEndOfTheFileCountsAsMissing) {
   EXPECT_EQ(cut.epochs.at(0).sats[0].signals[0].pseudorange, 1);
   EXPECT_EQ(cut.epochs[0].sats[0].signals[0].snr, 0);
   EXPECT_TRUE(cut.Said("treated as missing"));
+  EXPECT_TRUE(cut.notices.Incomplete());
+}
+
+TEST(Defects, AFileCutOffAnywhereInAnEpochIsIncompleteAndAWholeOneIsNot) {
+  const std::string epochs[] = {
+      Header(kTypes) + Good("00.0") + Epoch("30.0", 2) + Satellite("G05", {"1.000", "40.000"}) +
+          Satellite("G06", {"1.000", "40.000"}),
+      Header2() + Good2("00.00") +
+          " 21 12 21  0  0 30.0000000  0  2G05G06\n         1.000          40.000\n"
+          "         1.000          40.000\n",
+      Crinex(CrinexEpoch("00.0") + "> 2021 12 21 00 00 30.0000000  0  2      G05G06\n\n"
+                                   "3&1000 3&40000  4 4\n3&1000 3&40000  4 4\n")};
+  for (const std::string& text : epochs) {
+    const ReadFile whole(text);
+    EXPECT_EQ(whole.epochs.size(), 2U);
+    EXPECT_FALSE(whole.notices.Incomplete()) << whole.notices.Incomplete()->what();
+    const std::size_t second = text.rfind("30.0000000");
+    for (std::size_t end = second - 5; end + 12 < text.size(); ++end) {
+      const ReadFile cut(text.substr(0, end));
+      EXPECT_EQ(cut.epochs.at(0).sat_num, 1U);
+      // A line that ends with a value may be whole.
+      const std::size_t line = text.rfind('\n', end - 1) + 1;
+      const std::size_t value = text.find("1.000", line);
+      if (value != std::string::npos && end >= value + 5 && end <= value + 7) continue;
+      EXPECT_TRUE(cut.notices.Incomplete()) << text.substr(second - 20, end - second + 20);
+    }
+  }
+}
+
+TEST(Defects, TheEndMarkOfDosIsNoCut) {
+  EXPECT_FALSE(ReadFile(Header(kTypes) + Good("00.0") + "\x1a").notices.Incomplete());
+  EXPECT_FALSE(ReadFile(Header2() + Good2("00.00") + "\x1a").notices.Incomplete());
 }
 
 TEST(Defects, MoreSatellitesThanTheEpochLineSaysAreTaken) {

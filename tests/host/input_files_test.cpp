@@ -71,9 +71,11 @@ class InputFolder : public testing::Test {
   std::vector<std::string> Beside(const std::string& observation, int day) const {
     std::vector<std::string> names;
     const Time_gbt time = {DaysFromCivil(2021, 1, day) * 86400 + 3600, 0.0};
-    for (const std::string& file : NavigationBeside(At(observation), time)) {
-      names.push_back(std::filesystem::path(file).filename().string());
+    for (const NavigationGroup& group : NavigationBeside(At(observation), time, time)) {
+      for (const std::string& file : group) names.push_back(std::filesystem::path(file).filename().string());
+      names.emplace_back("|");
     }
+    if (!names.empty()) names.pop_back();
     return names;
   }
 
@@ -82,31 +84,41 @@ class InputFolder : public testing::Test {
 
 using Names = std::vector<std::string>;
 
-TEST_F(InputFolder, TheStationsOwnNavigationOfTheDayIsFoundInBothNameForms) {
+TEST_F(InputFolder, NavigationOfTheDayIsFoundInBothNameForms) {
   for (const char* name :
        {"abcd0050.21o", "abcd0050.21n", "abcd0050.21g.Z", "ABCD00XYZ_R_20210050000_01D_EN.rnx",
         "abcd0060.21n", "brdc0050.21n", "efgh0050.21n", "abcd0050.21h", "notes.txt"}) {
     Put(name);
   }
   EXPECT_EQ(Beside("abcd0050.21o", 5),
-            (Names{"abcd0050.21g.Z", "abcd0050.21n", "ABCD00XYZ_R_20210050000_01D_EN.rnx"}));
+            (Names{"brdc0050.21n", "|", "abcd0050.21g.Z", "abcd0050.21n",
+                   "ABCD00XYZ_R_20210050000_01D_EN.rnx", "|", "efgh0050.21n", "|", "abcd0060.21n"}));
 }
 
 TEST_F(InputFolder, BroadcastFilesOfANetworkComeBeforeThoseOfOtherStations) {
   for (const char* name : {"efgh0050.21n", "BRDC00IGS_R_20210050000_01D_MN.rnx.gz"}) Put(name);
-  EXPECT_EQ(Beside("abcd0050.21o", 5), (Names{"BRDC00IGS_R_20210050000_01D_MN.rnx.gz"}));
+  EXPECT_EQ(Beside("abcd0050.21o", 5), (Names{"BRDC00IGS_R_20210050000_01D_MN.rnx.gz", "|", "efgh0050.21n"}));
   std::filesystem::remove(path_ / "BRDC00IGS_R_20210050000_01D_MN.rnx.gz");
   Put("aaaa0050.21g");
   Put("aaaa0050.21n");
-  EXPECT_EQ(Beside("abcd0050.21o", 5), (Names{"aaaa0050.21g", "aaaa0050.21n"}));
+  EXPECT_EQ(Beside("abcd0050.21o", 5), (Names{"aaaa0050.21g", "aaaa0050.21n", "|", "efgh0050.21n"}));
 }
 
 TEST_F(InputFolder, TheNearestDayComesFirstAndFartherThanADayIsOfNoUse) {
   for (const char* name : {"abcd0040.21n", "brdc0050.21n", "abcd0090.21n"}) Put(name);
-  EXPECT_EQ(Beside("abcd0050.21o", 5), (Names{"brdc0050.21n"}));
-  EXPECT_EQ(Beside("any_name.rnx", 4), (Names{"abcd0040.21n"}));
+  EXPECT_EQ(Beside("abcd0050.21o", 5), (Names{"brdc0050.21n", "|", "abcd0040.21n"}));
+  EXPECT_EQ(Beside("any_name.rnx", 4), (Names{"abcd0040.21n", "|", "brdc0050.21n"}));
   EXPECT_EQ(Beside("any_name.rnx", 3), (Names{"abcd0040.21n"}));
   EXPECT_TRUE(Beside("any_name.rnx", 7).empty());
+}
+
+TEST_F(InputFolder, EveryDayOfTheDataHasItsNavigation) {
+  for (const char* name : {"brdc0040.21n", "brdc0050.21n", "brdc0060.21n", "brdc0070.21n"}) Put(name);
+  const std::int64_t day = DaysFromCivil(2021, 1, 5) * 86400;
+  const auto groups = NavigationBeside(At("abcd0050.21o"), {day, 0.0}, {day + 86400 + 60, 0.0});
+  ASSERT_EQ(groups.size(), 2U);
+  EXPECT_EQ(groups[0], (Names{At("brdc0050.21n"), At("brdc0060.21n")}));
+  EXPECT_EQ(groups[1], (Names{At("brdc0040.21n"), At("brdc0070.21n")}));
 }
 
 TEST_F(InputFolder, TwoCompressionsOfOneFileAreReadOnce) {
@@ -115,8 +127,8 @@ TEST_F(InputFolder, TwoCompressionsOfOneFileAreReadOnce) {
 }
 
 TEST_F(InputFolder, StandardInputAndMissingFoldersHaveNothingBesideThem) {
-  EXPECT_TRUE(NavigationBeside("-", {0, 0.0}).empty());
-  EXPECT_TRUE(NavigationBeside(At("missing/abcd0050.21o"), {0, 0.0}).empty());
+  EXPECT_TRUE(NavigationBeside("-", {0, 0.0}, {0, 0.0}).empty());
+  EXPECT_TRUE(NavigationBeside(At("missing/abcd0050.21o"), {0, 0.0}, {0, 0.0}).empty());
 }
 
 TEST_F(InputFolder, AFolderStandsForItsFilesByNameOrContent) {

@@ -7,6 +7,7 @@
 #include <sstream>
 #include <string>
 
+#include "host/report/error_groups.h"
 #include "host/report/network_html.h"
 #include "tests/host/sample_report.h"
 #include "tests/support/json_reader.h"
@@ -69,6 +70,30 @@ TEST(Network, TheTextKeepsTo80ColumnsAndTellsTheErrorOnce) {
   }
   EXPECT_NE(text.find("2 files, 1 read, 1 failed"), std::string::npos);
   EXPECT_NE(text.find("\n    found nothing at all\n"), std::string::npos) << text;
+}
+
+TEST(Network, TheTextSaysACauseThatFilesShareOnceBelowThem) {
+  std::vector<NetworkRow> rows = {FailedRow("b.rnx", "b.rnx:1: found \"x\", expected a header."),
+                                  FailedRow("c.rnx", "c.rnx: no such file."),
+                                  FailedRow("d.rnx", "d.rnx:1: found \"x\", expected a header."),
+                                  Row("a.rnx", 0.9)};
+  const std::string text = NetworkText(rows, TextStyle());
+  const auto at = [&text](const char* part) { return text.find(part); };
+  EXPECT_NE(at("    These 2 files: found \"x\", expected a header.\n"), std::string::npos) << text;
+  EXPECT_EQ(text.find("expected a header", at("expected a header") + 1), std::string::npos) << text;
+  EXPECT_LT(at("b.rnx"), at("d.rnx"));
+  EXPECT_LT(at("d.rnx"), at("These 2 files"));
+  EXPECT_LT(at("These 2 files"), at("c.rnx"));
+  EXPECT_LT(at("    no such file."), at("a.rnx"));
+}
+
+TEST(ErrorGroups, TakeTheFileAndTheLineOffEveryLineOfAnError) {
+  EXPECT_EQ(CauseOf("a", "a: one.\n  a:12: two\n  b:3: three"), "one.\n  two\n  b:3: three");
+  EXPECT_EQ(CauseOf("a", "ab: one"), "ab: one");
+  EXPECT_EQ(CauseOf("a", "a:x: one"), "a:x: one");
+  EXPECT_EQ(CauseOf("a", "a:"), "a:");
+  EXPECT_EQ(CauseOf("a", "a"), "a");
+  EXPECT_EQ(CauseOf("a", ""), "");
 }
 
 TEST(Network, TheCsvHasOneRowAFileAndNoFiguresOfFailedOnes) {

@@ -107,7 +107,7 @@ TEST(ObservationReader, TypesWithoutANumberAreLeftOutWithOneNoticeEach) {
   ASSERT_EQ(file.epochs.size(), 2U);
   EXPECT_EQ(file.epochs[1].sats[0].signal_num, 1U);
   EXPECT_EQ(file.epochs[1].sats[0].signals[0].phase, 3.0);
-  EXPECT_TRUE(file.Said("observation type C2C of Galileo is not supported"));
+  EXPECT_TRUE(file.Said("observation type C2C of Galileo is not in the library"));
   EXPECT_EQ(file.notices.Notices()[0].count, 1);
 }
 

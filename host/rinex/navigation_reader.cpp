@@ -145,7 +145,7 @@ void NavigationReader::ReadRecords(LineReader& lines) {
 
 /// A file that is cut off ends within a record. What is lost of its last value would go unnoticed.
 void NavigationReader::FinishLastRecord() {
-  const bool whole = !open_ || foreign_ || (!cut_ && record_.lines >= LinesNeeded(record_.letter));
+  const bool whole = !open_ || (!cut_ && record_.lines >= LinesNeeded(record_.letter));
   if (whole) return FinishRecord();
   open_ = false;
   diagnostics_.AddIncomplete(name_, record_.line, "the file ends within a record, which is skipped");

@@ -178,6 +178,7 @@ TEST(Defects, AFileCutOffAnywhereInAnEpochIsIncompleteAndAWholeOneIsNot) {
       // A line that ends with a value may be whole.
       const std::size_t line = text.rfind('\n', end - 1) + 1;
       const std::size_t value = text.find("1.000", line);
+      if (text.compare(end - 5, 5, "1000 ") == 0) continue;
       if (value != std::string::npos && end >= value + 5 && end <= value + 7) continue;
       EXPECT_TRUE(cut.notices.Incomplete()) << text.substr(second - 20, end - second + 20);
     }

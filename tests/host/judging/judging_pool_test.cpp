@@ -25,7 +25,7 @@ TEST(JudgingPool, GivesOutcomesInTheOrderOfTheFilesForAnyNumberOfThreads) {
   const SimulatedFiles files;
   const std::vector<std::string> paths = {files.Path("b.rnx"), files.Path("broken.rnx"), files.Path("a.rnx")};
   for (const unsigned threads : {1U, 3U}) {
-    JudgingPool pool(paths, SettingsOfSimulatedHour(), {files.Path("nav.rnx")}, {threads, true, {}});
+    JudgingPool pool(paths, SettingsOfSimulatedHour(), {files.Path("nav.rnx")}, {threads, true, {}, {}});
     ASSERT_EQ(pool.Size(), 3U);
     for (std::size_t file = 0; file < 3; ++file) {
       const FileOutcome outcome = pool.Take(file);

@@ -90,7 +90,7 @@ TEST_F(NavigationBeside, OfTheStationHasTheSystemsThatTheNetworksLacks) {
   EXPECT_EQ(read->set.galileo.size(), 1U);
   EXPECT_EQ(read->set.bds.size(), 1U);
   EXPECT_EQ(NoticeOf(*read, "ABCD00XYZ_R_20210050000_01D_MN.rnx"),
-            "no navigation file is named; this one next to the observation file is used for BDS, Galileo");
+            "no navigation file is named; this one next to the observation file is used for Galileo, BDS");
 }
 
 TEST_F(NavigationBeside, OfOtherStationsIsReadOnlyWhereASystemIsMissing) {

@@ -36,7 +36,11 @@ class SelectedEpochs : public EpochSource {
   bool Next(ObsEpoch_QC_gbt& epoch, ObservationEpoch& full) override;
   const std::optional<FileError>& Failure() const override { return source_.Failure(); }
   std::vector<DescriptionChange> Changes() const override { return source_.Changes(); }
-  StationDescription Described() const override { return source_.Described(); }
+  StationDescription Described() const override {
+    StationDescription description = EpochSource::Described();
+    description.name = source_.Described().name;
+    return description;
+  }
   std::string NothingFound() const override;
   std::shared_ptr<const ReadNavigation> Navigation() const override { return source_.Navigation(); }
   void TakeChannels(const BroadcastRecords& records) override { source_.TakeChannels(records); }

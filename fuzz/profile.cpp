@@ -23,7 +23,7 @@ Report SmallReport() {
 }
 
 void HoldAgainst(const orsolva_host::Profile& profile, const Report& report) {
-  const orsolva_host::Verdict verdict = Judge(report, profile);
+  const orsolva_host::ProfileVerdict verdict = Judge(report, profile);
   orsolva_fuzz::Require(verdict.outcomes.size() >= profile.criteria.size(), "an outcome a criterion");
   for (const orsolva_host::CriterionOutcome& outcome : verdict.outcomes) {
     orsolva_fuzz::Require(std::isfinite(outcome.good_limit) && std::isfinite(outcome.fair_limit),

@@ -190,7 +190,7 @@ struct ProfileVerdict {
   std::vector<CriterionOutcome> outcomes;  ///< failed ones first
   std::optional<Count> satellites_observed = {};
   std::optional<Count> satellites_judged = {};  ///< those observed that have an orbit
-  std::vector<std::string> remarks;             ///< on where the limits come from, a sentence each
+  std::vector<std::string> remarks = {};        ///< on where the limits come from, a sentence each
 };
 
 /// A figure that differs from an earlier report's by more than its limit.

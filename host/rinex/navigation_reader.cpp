@@ -167,7 +167,8 @@ bool NavigationReader::TakeMessageLine(std::string_view line, long number) {
   const std::string_view kind = Trimmed(Field(line, 2, 3));
   message_ = Trimmed(Field(line, 10, 4));
   if (kind == "EPH" && IsTakenMessage(message_)) return true;
-  Notice(number, "records " + Quoted(std::string(kind) + " " + message_) + " are not used by the library", true);
+  Notice(number, "records " + Quoted(std::string(kind) + " " + message_) + " are not used by the library",
+         true);
   return kind == "EPH" && message_ == kForeignMessage;
 }
 

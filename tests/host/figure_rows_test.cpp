@@ -83,7 +83,8 @@ TEST(ARowMore, AppearsInTheTextReport) {
 
 TEST(ARowMore, AppearsInTheNetworkTableAndTheIndex) {
   const std::vector<NetworkRow> rows = {RowOf(orsolva_test::SampleReport())};
-  EXPECT_NE(NetworkCsv(rows, WithOneMore()).find(",test_figure_m,notices,verdict,error\n"), std::string::npos);
+  EXPECT_NE(NetworkCsv(rows, WithOneMore()).find(",test_figure_m,notices,verdict,error\n"),
+            std::string::npos);
   EXPECT_NE(NetworkHtml(rows, {"V1", ""}, "index.html", WithOneMore()).find("\"test_figure_m\": 0.25"),
             std::string::npos);
 }

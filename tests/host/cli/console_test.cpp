@@ -18,8 +18,8 @@ FileOutcome Processed(const std::string& grade = "") {
   FileOutcome outcome;
   outcome.report.emplace();
   if (!grade.empty()) {
-    outcome.report->verdict.emplace();
-    outcome.report->verdict->grade = grade;
+    outcome.report->profile_verdict.emplace();
+    outcome.report->profile_verdict->grade = grade;
   }
   return outcome;
 }
@@ -34,8 +34,9 @@ FileOutcome Failed(const std::string& error) {
 std::string Logged(const std::vector<std::string>& files, const std::vector<FileOutcome>& outcomes,
                    bool quiet, bool verbose) {
   testing::internal::CaptureStderr();
-  Console console(files, quiet, verbose);
+  Console console(files, files, quiet, verbose);
   for (std::size_t i = 0; i < outcomes.size(); ++i) console.LogResult(i, outcomes[i]);
+  console.Finish();
   return testing::internal::GetCapturedStderr();
 }
 
@@ -44,8 +45,8 @@ TEST(Console, NumbersManyFilesAndGivesTheirGrades) {
                    {Processed(), Processed("fair"), Failed("c.rnx: no observations")}, false, false),
             "[1/3] a.rnx: processed\n"
             "[2/3] b.rnx: processed, fair\n"
-            "orsolva: c.rnx: no observations\n"
-            "[3/3] c.rnx: failed\n");
+            "[3/3] c.rnx: failed\n"
+            "orsolva: c.rnx: no observations\n");
 }
 
 TEST(Console, SaysNothingOfASingleFileThatWasProcessed) {
@@ -80,7 +81,7 @@ TEST(Console, WipesTheProgressBeforeALine) {
   const std::vector<std::string> files = {folder / "a.rnx", "b.rnx"};
   std::ofstream(files[0]) << std::string(100, 'x');
   orsolva_test::PseudoTerminal terminal(STDERR_FILENO, 80);
-  Console console(files, false, false);
+  Console console(files, files, false, false);
   ASSERT_TRUE(console.ShowsProgress());
   console.ShowProgress({1, 20, 50});
   const std::string progress = terminal.Written();
@@ -92,7 +93,7 @@ TEST(Console, WipesTheProgressBeforeALine) {
 TEST(Console, ShowsNoProgressWhenQuiet) {
   const std::vector<std::string> files = {"a.rnx"};
   orsolva_test::PseudoTerminal terminal(STDERR_FILENO, 80);
-  Console console(files, true, false);
+  Console console(files, files, true, false);
   EXPECT_FALSE(console.ShowsProgress());
   console.ShowProgress({0, 20, 50});
   EXPECT_EQ(terminal.Written(), "");

@@ -24,6 +24,7 @@ OTHERS = {
         "first_epoch_gpst": TEXT,
         "last_epoch_gpst": TEXT,
         "interval_source": "str",
+        "selection": "dict[str, Any] | None",
         "systems": "str",
         "excluded_satellites": TEXTS,
         "library_version": "str",

@@ -82,6 +82,18 @@ nb::dict FindingRecord(const Finding& finding) {
   return record;
 }
 
+/// None where everything was judged.
+nb::object SelectionRecord(const std::optional<ReportSelection>& selection) {
+  if (!selection) return nb::none();
+  nb::dict record;
+  record["start_gpst"] = TimeOf(selection->start);
+  record["end_gpst"] = TimeOf(selection->end);
+  record["sampling_s"] = selection->sampling_s ? nb::object(nb::float_(*selection->sampling_s)) : nb::none();
+  record["signals"] = TextOrNone(selection->signals);
+  record["epochs_left_out"] = selection->epochs_left_out;
+  return record;
+}
+
 const char* TypeOf(FigureKind kind) {
   if (kind == FigureKind::kYesNo) return "bool";
   return IsCount(kind) ? "int" : "float";
@@ -110,6 +122,7 @@ nb::dict RunRecord(const Report& report) {
   record["first_epoch_gpst"] = TimeOf(run.first_epoch);
   record["last_epoch_gpst"] = TimeOf(run.last_epoch);
   record["interval_source"] = TextOf(run.interval_source);
+  record["selection"] = SelectionRecord(run.selection);
   record["systems"] = TextOf(run.systems);
   record["excluded_satellites"] = TextsOf(run.excluded);
   record["library_version"] = TextOf(run.library_version);

@@ -48,7 +48,8 @@ mkdir "$network"
 for name in 'one.21O' 'two words.21O' '<img src=x onerror=hacked=1>.rnx' 'javascript:hacked=1.rnx' 'index.rnx'; do
   cp "$data/SEPT078M.21O" "$network/$name"
 done
-head -c 400000 "$data/SEPT078M.21O" >"$network/short.21O"
+awk '/^>/ && ++epochs > 90 { exit } { print }' "$data/SEPT078M.21O" >"$network/short.21O"
+head -c 500000 "$data/SEPT078M.21O" >"$network/damaged.21O"
 echo '<script>hacked=1</script>' >"$network/<script>hacked=1<script>.rnx"
 echo 'no observations' >"$network/empty.21O"
 cp "$network/empty.21O" "$network/empty as well.21O"

@@ -36,7 +36,9 @@ std::vector<std::string> SignalsOnlyIn(const EarlierReport& report, const Earlie
 
 /// Whether a report holds the system or signal of a place.
 bool Holds(const EarlierReport& report, const Place& place) {
-  const auto& [subject, signal, key] = place;
+  // A structured binding would do for g++ alone: C++17 lets no lambda capture one.
+  const std::string& subject = std::get<0>(place);
+  const std::string& signal = std::get<1>(place);
   if (!signal.empty()) return report.HasSignal(subject + " " + signal);
   return subject.empty() || std::any_of(report.signals.begin(), report.signals.end(),
                                         [&](const std::string& s) { return s[0] == subject[0]; });

@@ -28,9 +28,9 @@ AnalysisSky TroubledAfternoon() {
   options.Epochs = 420;
   AnalysisSky sky{orsolva_test::SimulatedSky(options)};
   AddTroubles(sky, 7);
-  const std::int64_t two_ns = (1593000000 + 7200) * kNanosecondsPerSecond;
-  std::erase_if(sky.Epochs, [two_ns](const ObservationEpoch& epoch) {
-    return epoch.time_ns >= two_ns - kHour_ns / 6 && epoch.time_ns < two_ns + kHour_ns / 6;
+  constexpr std::int64_t kTwo_ns = (1593000000 + 7200) * kNanosecondsPerSecond;
+  std::erase_if(sky.Epochs, [](const ObservationEpoch& epoch) {
+    return epoch.time_ns >= kTwo_ns - kHour_ns / 6 && epoch.time_ns < kTwo_ns + kHour_ns / 6;
   });
   return sky;
 }

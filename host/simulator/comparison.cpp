@@ -64,14 +64,18 @@ void AddSignal(const Json& s, Expectation& e) {
   const double above = s.at("above_cutoff_epochs").get<double>();
   e.observed += s.at("above_cutoff_epochs").get<std::uint64_t>();
   e.multipath.Add(s.at("code_error_less_moving_mean_rms_m"), above, true);
-  e.strength.Add(s.at("snr_mean_dbhz"), s.at("tracked_epochs").get<double>(), false);
 }
 
 Expectations ExpectationsOf(const Json& truth) {
   Expectations all;
   for (const Json& satellite : truth.at("satellites")) {
-    if (!satellite.at("healthy").get<bool>()) continue;
     const std::string letter = satellite.at("satellite").get<std::string>().substr(0, 1);
+    // A signal strength needs no orbit: the analysis takes those of unhealthy satellites too.
+    for (const Json& signal : satellite.at("signals")) {
+      all.signals[letter + signal.at("signal").get<std::string>()].strength.Add(
+          signal.at("snr_mean_dbhz"), signal.at("tracked_epochs").get<double>(), false);
+    }
+    if (!satellite.at("healthy").get<bool>()) continue;
     const auto expected = satellite.at("above_cutoff_epochs").get<std::uint64_t>();
     for (const Json& signal : satellite.at("signals")) {
       for (Expectation* e :
@@ -177,7 +181,8 @@ class Comparison {
     Row("First epoch (GPST)", Text(run_.at("first_epoch_gpst")), Text(truth_.at("first_epoch_gpst")));
     Row("Last epoch (GPST)", Text(run_.at("last_epoch_gpst")), Text(truth_.at("last_epoch_gpst")));
     Row("Epochs in the file", Text(run_.at("epochs")), Text(truth_.at("delivered_epochs")));
-    Row("Epochs missing or empty", Text(analysis_.at("missing_epochs")), Text(truth_.at("missing_epochs")));
+    Row("Epochs not in the file", Text(Library("run").value("lost_epochs", Json())),
+        Text(truth_.at("missing_epochs")));
     const Json& solution = analysis_.at("solution_ecef_m");
     if (solution.is_array())
       Row("Error of the position (m)", Fixed(Distance(solution, position), 3), "0.000");
@@ -217,8 +222,23 @@ class Comparison {
     Line(fmt::format("Cycle slips found: {}, injected: {}", found, injected));
   }
 
+  /// Part of the library's record; an empty object in a report without it.
+  Json Library(const char* part) const {
+    const Json library = report_.value("library", Json::object());
+    return library.value(part, Json::object());
+  }
+
+  /// The multipath of the library's record, whose moving mean and cut-off are those of the truth.
+  Json LibraryMultipath(const std::string& letter, const std::string& name) const {
+    for (const Json& signal : Library("signals")) {
+      if (Text(signal.at("letter")) == letter && Text(signal.at("signal")) == name)
+        return signal.at("mp_rms_m");
+    }
+    return nullptr;
+  }
+
   void WriteSignals() {
-    Line("\nSIGNALS (multipath RMS in m, mean SNR in dB-Hz)");
+    Line("\nSIGNALS (multipath RMS of the library record in m, mean SNR in dB-Hz)");
     Line("               Observed         Multipath             SNR        Slips");
     Line("Signal     Report    Truth   Report   Truth   Report   Truth  found injected");
     for (const Json& signal : analysis_.at("signals")) {
@@ -226,7 +246,7 @@ class Comparison {
       const Expectation& e = expectations_.signals[letter + name];
       Line(fmt::format("{:<8}{:>9}{:>9}{:>9}{:>8}{:>9}{:>8}{:>7}{:>9}", letter + " " + name,
                        Text(signal.at("cutoff_observed_epochs")), e.observed,
-                       Fixed(signal.at("multipath_moving_rms_m"), 3), Fixed(e.multipath.Root(), 3),
+                       Fixed(LibraryMultipath(letter, name), 3), Fixed(e.multipath.Root(), 3),
                        Fixed(signal.at("strength_mean_dbhz"), 2), Fixed(e.strength.Mean(), 2),
                        SlipsOf(signal), e.slips));
     }
@@ -266,8 +286,9 @@ class Comparison {
   void WriteNotes() {
     Line("\nNOTES");
     Line("  Figures of the report are those of its analysis; slips are of every size, from");
-    Line("  the cut-off up. Multipath is about a moving mean; code jumps are in that of");
-    Line("  the report, and phase noise, magnified where the carriers of a pair are close.");
+    Line("  the cut-off up. Multipath is that of its library record, about the moving mean");
+    Line("  of the truth; code jumps are in it, and phase noise, magnified where the");
+    Line("  carriers of a pair are close. Strengths are those of all satellites.");
     Line("  Counts change by a few epochs with the position: a satellite at the cut-off");
     Line("  may fall on either side of it. The detail table is the library's.");
   }

@@ -16,11 +16,12 @@ json Report() {
   return json::parse(R"({
     "run": {"interval_s": 30.0, "elevation_cutoff_deg": 10.0, "epochs": 100,
       "first_epoch_gpst": "2020-06-25 00:00:00.000", "last_epoch_gpst": "2020-06-25 01:00:00.000"},
-    "analysis": {"missing_epochs": 1, "solution_ecef_m": [3, 4, 0], "solution_to_header_m": 5.0,
+    "library": {"run": {"lost_epochs": 1}, "signals": [{"letter": "G", "signal": "1C", "mp_rms_m": 0.25}]},
+    "analysis": {"solution_ecef_m": [3, 4, 0], "solution_to_header_m": 5.0,
       "systems": [{"letter": "G", "cutoff_expected_epochs": 200, "cutoff_observed_epochs": 150,
         "cutoff_completeness_ratio": 0.75, "sure_slips": 2, "unsure_slips": 0, "half_cycle_slips": 1,
         "phase_jumps": null}],
-      "signals": [{"letter": "G", "signal": "1C", "cutoff_observed_epochs": 160, "multipath_moving_rms_m": 0.25,
+      "signals": [{"letter": "G", "signal": "1C", "cutoff_observed_epochs": 160, 
         "strength_mean_dbhz": 44.5, "sure_slips": 2, "unsure_slips": 0, "half_cycle_slips": 1,
         "phase_jumps": null}]}})");
 }
@@ -98,15 +99,24 @@ TEST(Comparison, ASignalsTruthIsPooledByCounts) {
   std::istringstream line(LineOf(Compare(Report(), TruthOf()), "G 1C"));
   std::vector<std::string> cells;
   for (std::string cell; line >> cell;) cells.push_back(cell);
-  // sqrt((30 * 0.4^2 + 10 * 0.2^2) / 40) = 0.3606, (30 * 40 + 10 * 44) / 40 = 41
+  // sqrt((30 * 0.4^2 + 10 * 0.2^2) / 40) = 0.3606; the strengths of an unhealthy satellite count as well:
+  // (30 * 40 + 10 * 44 + 99 * 99) / 139 = 82.31
   const std::vector<std::string> wanted = {"G",     "1C",    "160",   "40", "0.250",
-                                           "0.361", "44.50", "41.00", "3",  "1"};
+                                           "0.361", "44.50", "82.31", "3",  "1"};
   EXPECT_EQ(cells, wanted);
+}
+
+TEST(Comparison, AReportWithoutTheLibrarysFiguresIsCompared) {
+  json report = Report();
+  report.erase("library");
+  const std::string text = Compare(report, TruthOf());
+  EXPECT_NE(LineOf(text, "G 1C").find(" - "), std::string::npos) << text;
+  EXPECT_NE(LineOf(text, "Epochs not in the file").find(" - "), std::string::npos) << text;
 }
 
 TEST(Comparison, RunAndFaultsAreListed) {
   const std::string text = Compare(Report(), TruthOf());
-  EXPECT_NE(LineOf(text, "Epochs missing").find(" 1 "), std::string::npos);
+  EXPECT_NE(LineOf(text, "Epochs not in the file").find(" 1 "), std::string::npos);
   EXPECT_NE(LineOf(text, "Error of the position").find("5.000"), std::string::npos);
   EXPECT_NE(LineOf(text, "2020-06-25 00:30:00  slip             G01").find("1C"), std::string::npos);
   EXPECT_EQ(LineOf(text, "2020-06-25 00:30:00  slip             G02").back(), '*');

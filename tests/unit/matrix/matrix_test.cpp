@@ -196,11 +196,19 @@ TEST(Matrix, InverseWithNotANumberDoesNotThrow) {
   EXPECT_TRUE(std::isnan(inverse(0, 0)));
 }
 
+// The address sanitizer of clang++ ends a program that asks for more memory than there can be.
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define ORSOLVA_ABSURD_SIZES_ABORT
+#endif
+#endif
+#ifndef ORSOLVA_ABSURD_SIZES_ABORT
 TEST(Matrix, AbsurdSizesThrowAndLeakNothing) {
   constexpr std::uint64_t absurd = std::uint64_t{1} << 62;
   EXPECT_THROW(dMatrix(absurd, 1), std::bad_alloc);
   EXPECT_THROW(dMatrix(2, absurd), std::bad_alloc);
 }
+#endif
 
 }  // namespace
 }  // namespace gult

@@ -85,7 +85,7 @@ void Checker::Run() {
   std::shared_ptr<FinishedReport> report;
   std::exception_ptr thrown;
   try {
-    report = JudgedEpochs(source_, settings_, *navigation_, keep_, monitor_);
+    report = JudgedEpochs(source_, settings_, *navigation_, source_.Notices(), keep_, monitor_);
   } catch (...) {
     thrown = std::current_exception();
   }

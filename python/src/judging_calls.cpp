@@ -7,7 +7,7 @@ namespace {
 
 using namespace orsolva_host;
 
-using Judging = std::function<Report(Diagnostics&, const RunObservers&)>;
+using Judging = std::function<Report(const RunObservers&)>;
 
 std::shared_ptr<FinishedReport> Judged(const Judging& judge, Keep keep, RunMonitor& monitor) {
   auto finished = std::make_shared<FinishedReport>();
@@ -22,8 +22,7 @@ std::shared_ptr<FinishedReport> Judged(const Judging& judge, Keep keep, RunMonit
   observers.detail = sinks.Empty() ? nullptr : &sinks;
   observers.series = keep.page ? &finished->series : nullptr;
   observers.monitor = &monitor;
-  Diagnostics diagnostics;
-  finished->report = judge(diagnostics, observers);
+  finished->report = judge(observers);
   if (keep.detail) finished->detail = detail.Result();
   return finished;
 }
@@ -32,17 +31,19 @@ std::shared_ptr<FinishedReport> Judged(const Judging& judge, Keep keep, RunMonit
 
 std::shared_ptr<FinishedReport> JudgedFile(const std::string& path, const JudgingSettings& settings,
                                            SharedNavigation& navigation, Keep keep, RunMonitor& monitor) {
+  Diagnostics diagnostics;
   return Judged(
-      [&](Diagnostics& diagnostics, const RunObservers& observers) {
+      [&](const RunObservers& observers) {
         return JudgeFile(path, settings, navigation, diagnostics, observers);
       },
       keep, monitor);
 }
 
 std::shared_ptr<FinishedReport> JudgedEpochs(EpochSource& source, const JudgingSettings& settings,
-                                             SharedNavigation& navigation, Keep keep, RunMonitor& monitor) {
+                                             SharedNavigation& navigation, Diagnostics& diagnostics,
+                                             Keep keep, RunMonitor& monitor) {
   return Judged(
-      [&](Diagnostics& diagnostics, const RunObservers& observers) {
+      [&](const RunObservers& observers) {
         return JudgeEpochs(source, settings, navigation, diagnostics, observers);
       },
       keep, monitor);

@@ -26,10 +26,12 @@ std::shared_ptr<FinishedReport> JudgedFile(const std::string& path,
                                            orsolva_host::SharedNavigation& navigation, Keep keep,
                                            orsolva_host::RunMonitor& monitor);
 
+/// @param diagnostics  those of the source
 /// @throws as orsolva_host::JudgeEpochs
 std::shared_ptr<FinishedReport> JudgedEpochs(orsolva_host::EpochSource& source,
                                              const orsolva_host::JudgingSettings& settings,
-                                             orsolva_host::SharedNavigation& navigation, Keep keep,
+                                             orsolva_host::SharedNavigation& navigation,
+                                             orsolva_host::Diagnostics& diagnostics, Keep keep,
                                              orsolva_host::RunMonitor& monitor);
 
 }  // namespace orsolva_python

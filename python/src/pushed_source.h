@@ -8,6 +8,7 @@
 
 #include "host/judging/epoch_queue.h"
 #include "host/judging/epoch_source.h"
+#include "host/rinex/diagnostics.h"
 
 namespace orsolva_python {
 
@@ -22,19 +23,18 @@ class PushedSource : public orsolva_host::EpochSource {
   const std::optional<orsolva_host::FileError>& Failure() const override { return failure_; }
 
   orsolva_host::EpochQueue& Queue() { return queue_; }
+  /// What was found in the epochs taken so far; of the thread that judges.
+  orsolva_host::Diagnostics& Notices() { return diagnostics_; }
 
  private:
   static constexpr std::size_t kBlocks = 8;
 
   std::string name_;
   orsolva_host::ObservationHeader header_;
+  orsolva_host::Diagnostics diagnostics_;
   orsolva_host::EpochQueue queue_{kBlocks};
   std::optional<orsolva_host::FileError> failure_;  ///< never: arrays do not end early
 };
-
-/// The library's record of an epoch: systems, satellites and signals that it knows, at most 80 satellites of
-/// 8 signals, in their order; what is absent is 0.
-void FillRecord(const orsolva_host::ObservationEpoch& full, ObsEpoch_QC_gbt& record);
 
 }  // namespace orsolva_python
 

@@ -15,6 +15,7 @@
 
 #include "host/judging/run_monitor.h"
 #include "host/rinex/observation_reader.h"
+#include "python/src/notice_table.h"
 #include "python/src/observation_columns.h"
 #include "python/src/table_binding.h"
 #include "python/src/waiting.h"
@@ -63,23 +64,6 @@ nb::dict HeaderRecord(const ObservationHeader& header) {
   return record;
 }
 
-Table NoticeTable(const Diagnostics& diagnostics) {
-  Table table;
-  Column& files = table.Add("file", ColumnKind::kName);
-  Column& lines = table.Add("line", ColumnKind::kWhole);
-  Column& texts = table.Add("text", ColumnKind::kText);
-  Column& counts = table.Add("count", ColumnKind::kWhole);
-  Column& recovered = table.Add("recovered", ColumnKind::kYesNo);
-  for (const Notice& notice : diagnostics.Notices()) {
-    files.AddText(notice.file);
-    lines.AddWhole(notice.line > 0 ? std::optional<double>(notice.line) : std::nullopt);
-    texts.AddText(notice.text);
-    counts.AddWhole(std::int64_t{notice.count});
-    recovered.AddYesNo(notice.recovered);
-  }
-  return table;
-}
-
 /// A file being read. For one caller at a time; calls from several threads wait for each other.
 class ObservationFile {
  public:
@@ -101,7 +85,9 @@ class ObservationFile {
   }
   nb::dict Header() const { return HeaderRecord(reader_->Header()); }
   const ObservationHeader& HeaderData() const { return reader_->Header(); }
-  std::shared_ptr<Table> Notices() const { return std::make_shared<Table>(NoticeTable(diagnostics_)); }
+  std::shared_ptr<Table> Notices() const {
+    return std::make_shared<Table>(NoticeTableOf(diagnostics_.Notices()));
+  }
   /// Why reading ended early; empty when it did not.
   std::string Failure() const {
     if (reader_->Failure()) return reader_->Failure()->what();

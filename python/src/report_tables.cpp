@@ -10,6 +10,7 @@
 #include "host/report/library_headline.h"
 #include "host/report/run_events.h"
 #include "python/src/figure_columns.h"
+#include "python/src/notice_table.h"
 
 namespace orsolva_python {
 namespace {
@@ -407,22 +408,7 @@ Table Notes(const Report& report) {
   return table;
 }
 
-Table Notices(const Report& report) {
-  Table table;
-  Column& files = table.Add("file", ColumnKind::kName);
-  Column& lines = table.Add("line", ColumnKind::kWhole);
-  Column& texts = table.Add("text", ColumnKind::kText);
-  Column& counts = table.Add("count", ColumnKind::kWhole);
-  Column& recovered = table.Add("recovered", ColumnKind::kYesNo);
-  for (const ReportNotice& notice : report.notices) {
-    files.AddText(notice.file);
-    lines.AddWhole(notice.line > 0 ? std::optional<double>(notice.line) : std::nullopt);
-    texts.AddText(notice.text);
-    counts.AddWhole(std::int64_t{notice.count});
-    recovered.AddYesNo(notice.recovered);
-  }
-  return table;
-}
+Table Notices(const Report& report) { return NoticeTableOf(report.notices); }
 
 }  // namespace
 

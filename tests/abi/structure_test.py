@@ -41,8 +41,9 @@ HOST_BELOW = {
     "report": {"analysis", "observation", "rinex", "output"},
     "simulator": {"observation", "rinex", "formats", "output"},
     "judging": {"platform", "output", "observation", "rinex", "formats", "analysis", "report"},
+    "live": {"platform", "output", "observation", "rinex", "formats", "analysis", "report", "judging"},
     "terminal": {"platform"},
-    "cli": {"platform", "output", "rinex", "report", "simulator", "judging", "terminal"},
+    "cli": {"platform", "output", "rinex", "report", "simulator", "judging", "live", "terminal"},
 }
 # What the Python package may include: judging and what is below it, and the simulator; no arguments, no terminal.
 PYTHON_BELOW = HOST_BELOW["judging"] | {"judging", "simulator"}

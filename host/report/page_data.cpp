@@ -1,24 +1,9 @@
 #include "host/report/page_data.h"
 
-#if defined(_WIN32)
-#define ORSOLVA_READ_ONLY ".section .rdata,\"dr\"\n"
-#else
-#define ORSOLVA_READ_ONLY ".section .rodata\n"
-#endif
+#include "host/output/embedded_file.h"
 
-// Embeds a file as it lies in host/web/dist, from NAME_begin to NAME_end.
-#define ORSOLVA_EMBED(NAME, FILE)                                           \
-  __asm__(ORSOLVA_READ_ONLY ".global " NAME                                 \
-                            "_begin\n"                                      \
-                            ".global " NAME "_end\n" NAME                   \
-                            "_begin:\n"                                     \
-                            ".incbin \"" ORSOLVA_PAGES "/" FILE "\"\n" NAME \
-                            "_end:\n"                                       \
-                            ".byte 0\n"                                     \
-                            ".text\n")
-
-ORSOLVA_EMBED("orsolva_report_page", "report.html");
-ORSOLVA_EMBED("orsolva_network_page", "network.html");
+ORSOLVA_EMBED("orsolva_report_page", ORSOLVA_PAGES "/report.html");
+ORSOLVA_EMBED("orsolva_network_page", ORSOLVA_PAGES "/network.html");
 
 extern "C" const char orsolva_report_page_begin[];
 extern "C" const char orsolva_report_page_end[];

@@ -1,0 +1,209 @@
+"""The command line: `orsolva archive ...`."""
+from __future__ import annotations
+
+import argparse
+import datetime
+import pathlib
+import sys
+import time
+from collections.abc import Sequence
+from typing import Any
+
+from .checking import check
+from .lease import Lease
+from .plan import Choice, Counts, Plan, shard_of
+from .progress import Progress, span_of
+from .running import Outcome, Run, complete_unfinished, default_workers, remove_leftovers
+from .settings import ArchiveError, Settings, buckets_for
+from .store import Store, init
+from .tables import TABLES
+from .workers import DaskCluster, Processes, Workers
+
+GOOD, FAILED, WRONG_USAGE, INTERRUPTED = 0, 1, 2, 130
+_BUILT_IN_PROFILES = ("network", "station")
+
+
+def main(arguments: Sequence[str] | None = None) -> int:
+    """Runs a command. @return the exit code"""
+    options = parser().parse_args(arguments)
+    try:
+        code: int = options.run(options)
+        return code
+    except ArchiveError as error:
+        print(f"orsolva archive: {error}", file=sys.stderr)
+    except OSError as error:
+        print(f"orsolva archive: {error}", file=sys.stderr)
+    except KeyboardInterrupt:
+        return INTERRUPTED
+    return FAILED
+
+
+def parser() -> argparse.ArgumentParser:
+    """The parser of all commands."""
+    top = argparse.ArgumentParser("orsolva archive", description="Judge archives of many stations and watch them change.")
+    commands = top.add_subparsers(required=True, metavar="COMMAND")
+    _add_init(commands.add_parser("init", help="make a store"))
+    plan = commands.add_parser("plan", help="say what is new or changed; nothing is judged")
+    _add_sources(plan, _plan)
+    plan.add_argument("--list", action="store_true", help="name every file")
+    run = commands.add_parser("run", help="judge what is new or changed")
+    _add_sources(run, _run)
+    where = run.add_mutually_exclusive_group()
+    where.add_argument("--workers", type=_positive, metavar="N", help="processes of this machine (default: one per core)")
+    where.add_argument("--dask", metavar="ADDRESS", help="scheduler of a Dask cluster, such as tcp://head:8786")
+    run.add_argument("--quiet", action="store_true", help="no progress")
+    check = commands.add_parser("check", help="count what there is, and find what is missing")
+    check.set_defaults(run=_check)
+    check.add_argument("store", metavar="STORE")
+    check.add_argument("--sources", action="store_true", help="look at the judged files, too: gone or changed")
+    return top
+
+
+def _add_init(command: argparse.ArgumentParser) -> None:
+    command.set_defaults(run=_init)
+    command.add_argument("store", metavar="STORE", help="a folder, or an address such as s3://bucket/store")
+    command.add_argument("--stations", type=_positive, default=1, metavar="N", help="stations to expect: sets the buckets (default: up to 47)")
+    command.add_argument("--buckets", type=_positive, metavar="N", help="files per table and month, instead of --stations")
+    command.add_argument("--verify", action="store_true", help="files are the same when their SHA-256 is, not their time and size")
+    command.add_argument("--without", choices=list(TABLES), action="append", default=[], metavar="TABLE", help="leave a table out")
+    command.add_argument("--elevation", type=float, metavar="DEGREES", help="elevation cut-off (default: 10)")
+    command.add_argument("--systems", metavar="LETTERS", help="letters of the systems (default: all)")
+    command.add_argument("--profile", metavar="NAME", help="limits to grade by: network, station or a file")
+
+
+def _add_sources(command: argparse.ArgumentParser, run: Any) -> None:
+    command.set_defaults(run=run)
+    command.add_argument("store", metavar="STORE")
+    command.add_argument("sources", nargs="+", metavar="SOURCE", help="folders, or addresses such as s3://bucket/rinex")
+    command.add_argument("--nav", nargs="+", default=[], metavar="SOURCE", help="where navigation files are, if not in the sources")
+    command.add_argument("--since", type=_since, metavar="DATE", help="first day: 2020, 2020-06 or 2020-06-25")
+    command.add_argument("--until", type=_until, metavar="DATE", help="last day")
+    command.add_argument("--shard", type=str, metavar="K/N", help="the K-th of N parts, for job arrays")
+    command.add_argument("--retry", action="store_true", help="judge files again that failed")
+    command.add_argument("--repair", action="store_true", help="judge files again of which rows are missing, as `check` reports")
+
+
+def _positive(text: str) -> int:
+    number = int(text)
+    if not 1 <= number <= 65536:
+        raise argparse.ArgumentTypeError(f"{text}: expected 1 to 65536")
+    return number
+
+
+def _since(text: str) -> datetime.date:
+    parts = [int(part) for part in text.split("-")]
+    return datetime.date(*(parts + [1, 1])[:3])
+
+
+def _until(text: str) -> datetime.date:
+    parts = [int(part) for part in text.split("-")]
+    if len(parts) == 3:
+        return datetime.date(*parts)
+    year, month = parts if len(parts) == 2 else (parts[0], 12)
+    return datetime.date(year + month // 12, month % 12 + 1, 1) - datetime.timedelta(days=1)
+
+
+def _init(options: argparse.Namespace) -> int:
+    judging: dict[str, Any] = {}
+    if options.elevation is not None:
+        judging["elevation_deg"] = options.elevation
+    if options.systems is not None:
+        judging["systems"] = options.systems
+    text = None
+    if options.profile in _BUILT_IN_PROFILES:
+        judging["profile"] = options.profile
+    elif options.profile is not None:
+        text = pathlib.Path(options.profile).read_text(encoding="utf-8")
+    buckets = options.buckets or buckets_for(options.stations)
+    content = "sha256" if options.verify else "time"
+    store = init(options.store, Settings(buckets, content, tuple(sorted(set(options.without))), judging, text))
+    print(f"{store.address}: a store with {store.settings.buckets} buckets")
+    return GOOD
+
+
+def _planned(options: argparse.Namespace, progress: Progress) -> Plan:
+    shard = shard_of(options.shard) if options.shard else (1, 1)
+    plan = Plan(Store(options.store), Choice(options.since, options.until, shard, options.retry, options.repair))
+    try:
+        plan.take(options.sources, options.nav, progress.listed)
+        plan.compare(own_navigation=not options.nav)
+    except BaseException:
+        plan.close()
+        raise
+    finally:
+        progress.end()
+    return plan
+
+
+def _plan(options: argparse.Namespace) -> int:
+    with _planned(options, Progress()) as plan:
+        print(_words_of(plan.counts))
+        for path, taken in plan.doubles():
+            print(f"left out: {path} (same data as {taken})")
+        if options.list:
+            for _, jobs in plan.jobs():
+                for job in jobs:
+                    print(job.path)
+    return GOOD
+
+
+def _words_of(counts: Counts) -> str:
+    parts = [f"{counts.observations} observation files", f"{counts.navigation} navigation files"]
+    if counts.other:
+        parts.append(f"{counts.other} other files")
+    if counts.doubles:
+        parts.append(f"{counts.doubles} left out, as another has the same data")
+    to_do = [f"{counts.new} new", f"{counts.changed} changed", f"{counts.repaired} to repair", f"{counts.done} done"]
+    return f"{', '.join(parts)}\n{', '.join(to_do)}"
+
+
+def _run(options: argparse.Namespace) -> int:
+    progress = Progress(options.quiet)
+    store = Store(options.store)
+    shard = shard_of(options.shard) if options.shard else (1, 1)
+    begun = time.monotonic()
+    with Lease(store.place, shard) as lease:
+        if shard == (1, 1):
+            remove_leftovers(store)
+        with _planned(options, progress) as plan:
+            print(_words_of(plan.counts))
+            if plan.counts.to_do == 0:
+                complete_unfinished(store, plan.choice)
+                return GOOD
+            workers: Workers = DaskCluster(options.dask) if options.dask else Processes(options.workers or default_workers())
+            outcome = Outcome(interrupted=True)
+            try:
+                outcome = Run(plan, workers, lease, progress).go()
+            finally:
+                workers.close(now=outcome.interrupted)
+            if not outcome.interrupted and not outcome.errors:
+                complete_unfinished(store, plan.choice)
+    return _say(outcome, time.monotonic() - begun)
+
+
+def _say(outcome: Outcome, seconds: float) -> int:
+    files = outcome.judged + outcome.incomplete + outcome.failed
+    rate = f", {files / seconds:.1f} a second" if seconds > 1 else ""
+    print(f"{files} files in {span_of(seconds)}{rate}: {outcome.judged} judged, {outcome.incomplete} incomplete, {outcome.failed} failed")
+    if outcome.set_aside:
+        print(f"{outcome.set_aside} changed or were removed while they were judged: run again")
+    for error in outcome.errors:
+        print(f"orsolva archive: {error}", file=sys.stderr)
+    if outcome.interrupted:
+        print("interrupted; what was judged is in the store. Run again for the rest.", file=sys.stderr)
+        return INTERRUPTED
+    return FAILED if outcome.errors else GOOD
+
+
+def _check(options: argparse.Namespace) -> int:
+    store = Store(options.store)
+    found = check(store, options.sources)
+    print(f"{sum(found.runs.values())} runs of {len(found.stations)} stations: " + ", ".join(f"{n} {state}" for state, n in sorted(found.runs.items())))
+    print("rows: " + ", ".join(f"{count} {table}" for table, count in found.rows.items()))
+    for text in found.failed:
+        print(f"failed: {text}")
+    for text in [*found.notes, *found.problems]:
+        print(text)
+    return FAILED if found.problems else GOOD
+
+

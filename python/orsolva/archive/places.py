@@ -1,0 +1,274 @@
+"""Where stores and sources are: a folder, or an object store that fsspec reaches."""
+from __future__ import annotations
+
+import contextlib
+import datetime
+import hashlib
+import os
+import pathlib
+import tempfile
+from collections.abc import Iterator
+from dataclasses import dataclass
+from typing import Any, Protocol
+
+from .settings import ArchiveError
+
+# Of a file that is being written; the next writer replaces or removes it.
+PART = ".part"
+_BLOCK = 1 << 20
+
+
+@dataclass(frozen=True, slots=True)
+class Found:
+    """A file of a listing: its path or address, bytes, and what identifies its content."""
+
+    path: str
+    size: int
+    content: str
+
+
+class Place(Protocol):
+    """Files below a folder or an address."""
+
+    def read(self, name: str) -> bytes | None:
+        """The bytes of a file; None when there is none."""
+        ...
+
+    def write(self, name: str, data: bytes) -> None:
+        """Writes a file so that readers see the old one or the new one, never a part."""
+        ...
+
+    def create(self, name: str, data: bytes) -> bool:
+        """Writes a file unless there is one. @return whether it was written"""
+        ...
+
+    def remove(self, name: str) -> None:
+        """Removes a file if it is there."""
+        ...
+
+    def names(self, below: str = "") -> Iterator[str]:
+        """The names of all files below a folder, in any order, one at a time."""
+        ...
+
+    def listing(self) -> Iterator[Found]:
+        """All files, in any order, one at a time."""
+        ...
+
+
+class Folder:
+    """A folder of this machine, or one that is mounted."""
+
+    def __init__(self, root: str) -> None:
+        self.root = pathlib.Path(root)
+
+    def read(self, name: str) -> bytes | None:
+        try:
+            return (self.root / name).read_bytes()
+        except FileNotFoundError:
+            return None
+
+    def write(self, name: str, data: bytes) -> None:
+        path = self.root / name
+        path.parent.mkdir(parents=True, exist_ok=True)
+        part = path.with_name(path.name + PART)
+        try:
+            with open(part, "wb") as file:
+                file.write(data)
+                file.flush()
+                os.fsync(file.fileno())
+            os.replace(part, path)
+        except BaseException:
+            part.unlink(missing_ok=True)
+            raise
+
+    def create(self, name: str, data: bytes) -> bool:
+        path = self.root / name
+        path.parent.mkdir(parents=True, exist_ok=True)
+        # A link fails where the name exists, and the file has its content from the first moment on.
+        with tempfile.NamedTemporaryFile(dir=path.parent, prefix=path.name + ".", suffix=PART) as file:
+            file.write(data)
+            file.flush()
+            try:
+                os.link(file.name, path)
+            except FileExistsError:
+                return False
+        return True
+
+    def remove(self, name: str) -> None:
+        (self.root / name).unlink(missing_ok=True)
+
+    def names(self, below: str = "") -> Iterator[str]:
+        top = self.root / below
+        for entry in _entries(str(top)):
+            yield os.path.relpath(entry.path, self.root)
+
+    def listing(self) -> Iterator[Found]:
+        if self.root.is_file():
+            yield self._found(str(self.root), self.root.stat())
+            return
+        if not self.root.is_dir():
+            raise ArchiveError(f"{self.root}: there is no such folder. Is the disk mounted?")
+        for entry in _entries(str(self.root)):
+            with contextlib.suppress(FileNotFoundError):  # removed in the meantime
+                yield self._found(entry.path, entry.stat())
+
+    @staticmethod
+    def _found(path: str, status: os.stat_result) -> Found:
+        return Found(path, status.st_size, f"time:{status.st_mtime_ns}")
+
+
+def _entries(top: str) -> Iterator[os.DirEntry[str]]:
+    """Files below a folder; links to folders are followed. Holds the names of the folders on the way only."""
+    folders = [top]
+    while folders:
+        try:
+            with os.scandir(folders.pop()) as entries:
+                for entry in entries:
+                    if entry.is_dir():
+                        if not _leads_up(entry):
+                            folders.append(entry.path)
+                    elif entry.is_file():
+                        yield entry
+        except FileNotFoundError:
+            continue
+
+
+def _leads_up(entry: os.DirEntry[str]) -> bool:
+    """Whether a link leads to a folder that it is in, which would be listed for ever."""
+    if not entry.is_symlink():
+        return False
+    target = os.path.realpath(entry.path)
+    return os.path.commonpath([target, os.path.realpath(os.path.dirname(entry.path))]) == target
+
+
+class ObjectStore:
+    """Objects below an address such as s3://bucket/prefix. The environment says with which account."""
+
+    def __init__(self, address: str) -> None:
+        try:
+            import fsspec
+        except ImportError as error:
+            raise ArchiveError(f"{address}: needs fsspec: pip install 'orsolva[archive]'") from error
+        try:
+            self.files, self.root = fsspec.core.url_to_fs(address)
+        except (ImportError, ValueError) as error:
+            raise ArchiveError(f"{address}: {error}") from error
+        self.scheme = address.partition("://")[0]
+
+    def _path(self, name: str) -> str:
+        return f"{self.root.rstrip('/')}/{name}" if name else self.root
+
+    def read(self, name: str) -> bytes | None:
+        try:
+            self.files.invalidate_cache()
+            return bytes(self.files.cat_file(self._path(name)))
+        except FileNotFoundError:
+            return None
+
+    def write(self, name: str, data: bytes) -> None:
+        self.files.pipe_file(self._path(name), data)
+
+    def create(self, name: str, data: bytes) -> bool:
+        try:
+            self.files.pipe_file(self._path(name), data, mode="create")
+        except FileExistsError:
+            return False
+        return True
+
+    def remove(self, name: str) -> None:
+        with contextlib.suppress(FileNotFoundError):
+            self.files.rm_file(self._path(name))
+
+    def names(self, below: str = "") -> Iterator[str]:
+        start = len(self.root.rstrip("/")) + 1
+        for path, _ in self._walk(self._path(below)):
+            yield path[start:]
+
+    def listing(self) -> Iterator[Found]:
+        for path, facts in self._walk(self.root):
+            yield Found(f"{self.scheme}://{path}", int(facts["size"] or 0), _mark(facts))
+
+    def content(self) -> str | None:
+        """What identifies the content of the object that this place is the address of."""
+        self.files.invalidate_cache()
+        try:
+            return _mark(self.files.info(self.root))
+        except FileNotFoundError:
+            return None
+
+    def _walk(self, path: str) -> Iterator[tuple[str, dict[str, Any]]]:
+        self.files.invalidate_cache()
+        for folder, _, files in self.files.walk(path, detail=True):
+            for name, facts in files.items():
+                if name:
+                    yield f"{folder}/{name}", facts
+            self.files.invalidate_cache()
+
+
+def _mark(facts: dict[str, Any]) -> str:
+    known = (facts.get(name) for name in ("ETag", "etag", "md5Hash", "LastModified", "mtime"))
+    return "tag:" + str(next((mark for mark in known if mark), "")).strip('"')
+
+
+def place(address: str) -> Place:
+    """The place of a path or address."""
+    return ObjectStore(address) if is_remote(address) else Folder(address.removeprefix("file://"))
+
+
+def is_remote(address: str) -> bool:
+    """Whether an address is not a path of this machine."""
+    return "://" in address and not address.startswith("file://")
+
+
+def content_now(path: str, kind: str) -> str | None:
+    """What identifies the content of a source file at this moment; None when it is gone."""
+    if kind == "sha256":
+        try:
+            return "sha256:" + _sha256(path)
+        except FileNotFoundError:
+            return None
+    if not is_remote(path):
+        with contextlib.suppress(FileNotFoundError):
+            return f"time:{os.stat(path).st_mtime_ns}"
+        return None
+    return ObjectStore(path).content()
+
+
+def _sha256(path: str) -> str:
+    sum_ = hashlib.sha256()
+    with opened(path) as file:
+        while block := file.read(_BLOCK):
+            sum_.update(block)
+    return sum_.hexdigest()
+
+
+@contextlib.contextmanager
+def opened(path: str) -> Iterator[Any]:
+    """A source file open for reading."""
+    if is_remote(path):
+        import fsspec
+
+        with fsspec.open(path, "rb") as file:
+            yield file
+    else:
+        with open(path, "rb") as file:
+            yield file
+
+
+@contextlib.contextmanager
+def local_copy(path: str) -> Iterator[str]:
+    """A path under which this machine's programs can read a source file, with the same name."""
+    if not is_remote(path):
+        yield path
+        return
+    with tempfile.TemporaryDirectory(prefix="orsolva-") as folder, opened(path) as source:
+        copy = pathlib.Path(folder) / path.rpartition("/")[2]
+        with open(copy, "wb") as target:
+            while block := source.read(_BLOCK):
+                target.write(block)
+        yield str(copy)
+
+
+def local_time() -> str:
+    """Now, for people."""
+    return datetime.datetime.now().astimezone().isoformat(timespec="seconds")

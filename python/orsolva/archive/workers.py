@@ -1,0 +1,139 @@
+"""Where chunks of files are judged: processes of this machine, or a Dask cluster."""
+from __future__ import annotations
+
+import concurrent.futures
+import ctypes
+import multiprocessing
+import os
+import signal
+import sys
+from concurrent.futures import Future, ProcessPoolExecutor
+from concurrent.futures.process import BrokenProcessPool
+from typing import Any, Protocol
+
+from .judge import failure, judge_chunk, to_bytes
+from .plan import Job
+from .settings import ArchiveError, Settings
+
+Chunk = tuple[Job, ...]
+Judged = dict[str, bytes]
+
+# A chunk whose process died so often is judged file by file, each in a process of its own.
+_DEATHS_OF_A_CHUNK = 2
+_DEATHS_OF_A_FILE = 2
+
+
+class Workers(Protocol):
+    """Judges chunks at the same time."""
+
+    count: int
+
+    def submit(self, chunk: Chunk, settings: Settings) -> Future[Judged]:
+        """Begins with a chunk when there is a free worker."""
+        ...
+
+    def lost(self, chunk: Chunk, settings: Settings, error: BaseException) -> Judged | None:
+        """What a chunk gives whose worker was lost: None when it is to be submitted again. @throws the error when it is another"""
+        ...
+
+    def close(self, now: bool) -> None:
+        """Ends the workers; `now` without waiting for what they are at."""
+        ...
+
+
+class Processes:
+    """Processes of this machine, one thread each."""
+
+    def __init__(self, count: int) -> None:
+        self.count = count
+        self._deaths: dict[Chunk, int] = {}
+        self._pool = _pool(count)
+
+    def submit(self, chunk: Chunk, settings: Settings) -> Future[Judged]:
+        try:
+            return self._pool.submit(judge_chunk, chunk, settings)
+        except BrokenProcessPool:
+            self._pool.shutdown(wait=True)
+            self._pool = _pool(self.count)
+            return self._pool.submit(judge_chunk, chunk, settings)
+
+    def lost(self, chunk: Chunk, settings: Settings, error: BaseException) -> Judged | None:
+        if not isinstance(error, BrokenProcessPool):
+            raise error
+        # One death ends all processes of the pool: the chunk of the others is as good as any.
+        self._deaths[chunk] = self._deaths.get(chunk, 0) + 1
+        return None if self._deaths[chunk] < _DEATHS_OF_A_CHUNK else _one_by_one(chunk, settings)
+
+    def close(self, now: bool) -> None:
+        if now:
+            for process in list((self._pool._processes or {}).values()):
+                process.kill()
+        self._pool.shutdown(wait=True, cancel_futures=True)
+
+
+def _pool(count: int) -> ProcessPoolExecutor:
+    return ProcessPoolExecutor(count, multiprocessing.get_context("spawn"), _prepare, (os.getpid(),))
+
+
+def _prepare(parent: int) -> None:
+    """A worker leaves Ctrl-C to the coordinator and does not outlive it."""
+    signal.signal(signal.SIGINT, signal.SIG_IGN)
+    if sys.platform == "linux":
+        ctypes.CDLL(None).prctl(1, signal.SIGKILL)  # PR_SET_PDEATHSIG
+        if os.getppid() != parent:
+            os._exit(1)
+
+
+def _one_by_one(chunk: Chunk, settings: Settings) -> Judged:
+    """Finds the file that ends its process; it becomes a failed run."""
+    from .judge import from_bytes
+
+    parts: dict[str, list[Any]] = {}
+    for job in chunk:
+        for table, data in _alone(job, settings).items():
+            parts.setdefault(table, []).append(from_bytes(data))
+    return {table: to_bytes(rows) for table, rows in parts.items()}
+
+
+def _alone(job: Job, settings: Settings) -> Judged:
+    for _ in range(_DEATHS_OF_A_FILE):
+        with _pool(1) as pool:
+            try:
+                return pool.submit(judge_chunk, (job,), settings).result()
+            except BrokenProcessPool:
+                continue
+    error = f"{job.path}: the process that judged it ended {_DEATHS_OF_A_FILE} times, for lack of memory or by a fault of Orsolva"
+    return {table: to_bytes([rows]) for table, rows in failure(job, settings, error).items()}
+
+
+class DaskCluster:
+    """The workers of a Dask cluster; each needs Orsolva and sees the sources under the same paths."""
+
+    def __init__(self, address: str) -> None:
+        try:
+            from distributed import Client
+        except ImportError as error:
+            raise ArchiveError("--dask needs distributed: pip install 'orsolva[archive]'") from error
+        try:
+            client: Any = Client
+            self._client = client(address, timeout="30s")
+        except (OSError, ValueError, TimeoutError) as error:
+            raise ArchiveError(f"--dask {address}: no scheduler there ({error}). Start one with: dask scheduler") from error
+        self._executor = self._client.get_executor(pure=False, retries=3)
+        self.count = max(1, sum(self._client.ncores().values()))
+
+    def submit(self, chunk: Chunk, settings: Settings) -> Future[Judged]:
+        future: Future[Judged] = self._executor.submit(judge_chunk, chunk, settings)
+        return future
+
+    def lost(self, chunk: Chunk, settings: Settings, error: BaseException) -> Judged | None:
+        from distributed.scheduler import KilledWorker
+
+        if not isinstance(error, (KilledWorker, concurrent.futures.CancelledError)):
+            raise error
+        raise ArchiveError(f"the Dask workers that judged {chunk[0].path} and {len(chunk) - 1} more were lost. Run again; if it "
+                           "happens again, run without --dask, which finds the file that ends its process.") from error
+
+    def close(self, now: bool) -> None:
+        self._executor.shutdown(wait=False)
+        self._client.close()

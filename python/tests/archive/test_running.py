@@ -1,0 +1,152 @@
+"""Leases, bad input, and runs that end early."""
+import os
+import shutil
+import signal
+import subprocess
+import sys
+import time
+
+import pytest
+
+import orsolva.archive
+from conftest import archive, sums
+from orsolva.archive.lease import EXPIRES_S, Lease
+from orsolva.archive.places import Folder
+from orsolva.archive.progress import Progress, span_of
+from orsolva.archive.settings import ArchiveError
+
+
+def test_one_holds_a_lease_at_a_time(tmp_path):
+    place = Folder(str(tmp_path))
+    with Lease(place) as lease:
+        lease.check()
+        for shard in ((1, 1), (1, 2)):
+            with pytest.raises(ArchiveError, match=f"process {os.getpid()}"):
+                Lease(place, shard).__enter__()
+    with Lease(place, (1, 2)), Lease(place, (2, 2)):
+        with pytest.raises(ArchiveError):
+            Lease(place).__enter__()
+    assert list(place.names("lease")) == []
+
+
+def test_the_lease_of_a_process_that_is_gone_is_taken_over(tmp_path):
+    place = Folder(str(tmp_path))
+    gone = subprocess.run([sys.executable, "-c", "import os; print(os.getpid())"], capture_output=True, text=True)
+    text = '{"host": "%s", "process": %d, "token": "x", "time": %f}'
+    here = os.uname().nodename
+    place.write("lease/1-of-1", (text % (here, int(gone.stdout), time.time())).encode())
+    with Lease(place):
+        pass
+    # From another machine only its age says so.
+    place.write("lease/1-of-1", (text % ("elsewhere", 1, time.time() - EXPIRES_S / 2)).encode())
+    with pytest.raises(ArchiveError, match="elsewhere"):
+        Lease(place).__enter__()
+    place.write("lease/1-of-1", (text % ("elsewhere", 1, time.time() - EXPIRES_S - 1)).encode())
+    with Lease(place):
+        pass
+
+
+def test_nothing_is_written_once_the_lease_is_lost(tmp_path):
+    place = Folder(str(tmp_path))
+    with Lease(place) as lease:
+        place.write("lease/1-of-1", b'{"host": "elsewhere", "process": 1, "token": "y", "time": 0}')
+        with pytest.raises(ArchiveError, match="taken the store over"):
+            lease.check()
+    assert place.read("lease/1-of-1") is not None, "it is the other's"
+
+
+def test_bad_files_are_failed_runs_and_the_others_go_on(tmp_path, own_network):
+    files = sorted(own_network.rglob("*_MO.rnx"))
+    files[0].write_bytes(b"")
+    files[1].write_bytes(os.urandom(5000))
+    text = files[2].read_bytes()
+    files[2].write_bytes(text[: len(text) * 2 // 3])
+    store = tmp_path / "store"
+    archive("init", store)
+    told = archive("run", store, own_network, "--workers", 2)
+    with orsolva.archive.open(store) as opened:
+        states = dict(opened.sql("SELECT name, state FROM runs").fetchall())
+        errors = dict(opened.sql("SELECT name, error FROM runs WHERE error IS NOT NULL").fetchall())
+    assert len(states) == 12
+    assert states[files[0].stem] == states[files[1].stem] == "failed", told
+    assert states[files[2].stem] in ("incomplete", "judged")
+    assert str(files[0]) in errors[files[0].stem]
+    before = sums(store)
+    assert "0 new, 0 changed" in archive("run", store, own_network)
+    assert "2 to repair" in archive("plan", store, own_network, "--retry")
+    assert sums(store) == before
+
+
+def test_a_file_that_changes_while_it_is_judged_is_left_to_the_next_run(own_network):
+    from orsolva.archive.judge import from_bytes, judge_chunk
+    from orsolva.archive.plan import Job
+    from orsolva.archive.settings import Settings
+    from orsolva.archive.file_names import parse
+
+    jobs = []
+    for file in sorted(own_network.rglob("*_MO.rnx"))[:3]:
+        name = parse(file.name)
+        jobs.append(Job("0" * 16, name.stem, name.station, name.start, str(file), 1, f"time:{file.stat().st_mtime_ns}", ()))
+    os.utime(jobs[1].path)
+    os.remove(jobs[2].path)
+    assert from_bytes(judge_chunk(jobs, Settings())["runs"])["name"].to_pylist() == [jobs[0].name]
+
+
+def test_ctrl_c_leaves_a_store_that_the_next_run_completes(tmp_path, own_network, undisturbed):
+    store = tmp_path / "store"
+    archive("init", store, "--buckets", 2)
+    # A pipe that nobody writes to stops the worker for good.
+    blocked = sorted(own_network.rglob("*_MO.rnx"))[-1]
+    text, times = blocked.read_bytes(), blocked.stat()
+    blocked.unlink()
+    os.mkfifo(blocked)
+    process = subprocess.Popen([sys.executable, "-m", "orsolva.archive", "run", str(store), str(own_network), "--workers", "1"],
+                               stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+    time.sleep(3)
+    process.send_signal(signal.SIGINT)
+    told, _ = process.communicate(timeout=60)
+    assert process.returncode == 130 or process.returncode == 0, told
+    blocked.unlink()
+    blocked.write_bytes(text)
+    os.utime(blocked, ns=(times.st_atime_ns, times.st_mtime_ns))
+    archive("run", store, own_network, "--workers", 2)
+    archive("init", tmp_path / "fresh", "--buckets", 2)
+    archive("run", tmp_path / "fresh", own_network, "--workers", 2)
+    assert sums(store) == sums(tmp_path / "fresh")
+    archive("check", store)
+
+
+class Terminal(list):
+    def write(self, text):
+        self.append(text)
+
+    def flush(self):
+        pass
+
+    def isatty(self):
+        return True
+
+
+def test_the_bar_has_rate_and_time_left():
+    terminal = Terminal()
+    progress = Progress(stream=terminal)
+    progress.begin()
+    progress._begun -= 10
+    progress._last -= 1
+    progress.judged(20, 50)
+    assert "[############" in terminal[-1] and "20 of 50 files, 2.0 a second, 15 s left" in terminal[-1]
+    progress.end()
+    assert terminal[-1] == "\r\x1b[K"
+
+
+def test_spans_are_for_people():
+    assert [span_of(s) for s in (0.4, 59, 60, 3599, 12000, 100000)] == ["0 s", "59 s", "1 min", "59 min", "3 h 20 min", "1 d 3 h"]
+
+
+def test_a_link_does_no_harm(tmp_path, network):
+    """A folder that is linked to from itself would be listed for ever."""
+    source = tmp_path / "source"
+    shutil.copytree(network, source)
+    (source / "again").symlink_to(source, target_is_directory=True)
+    archive("init", tmp_path / "store")
+    assert "12 new" in archive("plan", tmp_path / "store", source)

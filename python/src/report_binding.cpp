@@ -22,6 +22,7 @@
 #include "host/report/sum_writer.h"
 #include "host/report/text_writer.h"
 #include "python/src/errors.h"
+#include "python/src/event_tables.h"
 #include "python/src/judging_calls.h"
 #include "python/src/navigation_binding.h"
 #include "python/src/report_records.h"

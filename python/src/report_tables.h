@@ -3,10 +3,8 @@
 #ifndef ORSOLVA_PYTHON_REPORT_TABLES_H
 #define ORSOLVA_PYTHON_REPORT_TABLES_H
 
-#include <string>
 #include <vector>
 
-#include "host/report/detail_collector.h"
 #include "host/report/report.h"
 #include "python/src/columns.h"
 
@@ -18,9 +16,6 @@ struct ReportTable {
   Table (*make)(const orsolva_host::Report& report);
 };
 const std::vector<ReportTable>& ReportTables();
-
-/// Times of tracking without a break, which the page's collector keeps.
-Table ArcTable(const orsolva_host::DetailCollector& detail);
 
 }  // namespace orsolva_python
 

@@ -111,11 +111,6 @@ int ProcessFiles(const QcRequest& request, const RunInputs& inputs) {
   return tally.ExitCode();
 }
 
-JoinRule RuleOf(const std::string& join) {
-  if (join == "day") return JoinRule::kDay;
-  return join == "all" ? JoinRule::kAll : JoinRule::kNone;
-}
-
 /// A mistyped name of navigation is one mistake, whatever the number of files that it was meant for.
 void RequireNavigation(const RunInputs& inputs) {
   for (const std::string& path : inputs.navigation) {
@@ -127,7 +122,7 @@ void RequireNavigation(const RunInputs& inputs) {
 
 int Run(QcRequest& request) {
   RunInputs inputs = InputsOf(request.paths, request.navigation);
-  JoinObservations(RuleOf(request.join), inputs);
+  JoinObservations(JoinRuleOf(request.join), inputs);
   if (inputs.observations.empty()) {
     throw RunError(
         "no observation file among the arguments, only navigation files: name what is to be checked.");

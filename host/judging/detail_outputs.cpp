@@ -4,16 +4,12 @@
 
 namespace orsolva_host {
 
-namespace {
-
 DetailFilter FilterOf(const DetailSelection& selection) {
   if (selection.IsEverything()) return {};
   return [selection](char letter, int number, std::string_view signal) {
     return signal.size() == 2 && selection.Has(letter, number, {signal[0], signal[1]});
   };
 }
-
-}  // namespace
 
 DetailOutputs::DetailOutputs(const std::vector<std::string>& tables, const std::vector<std::string>& pages,
                              const DetailSelection& selection) {

@@ -15,6 +15,9 @@
 
 namespace orsolva_host {
 
+/// Empty for everything.
+DetailFilter FilterOf(const DetailSelection& selection);
+
 class DetailOutputs {
  public:
   /// @param tables, pages  files; all of a kind get the same content

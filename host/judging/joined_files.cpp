@@ -213,6 +213,11 @@ class JoinedSource : public EpochSource {
 
 }  // namespace
 
+JoinRule JoinRuleOf(std::string_view name) {
+  if (name == "day") return JoinRule::kDay;
+  return name == "all" ? JoinRule::kAll : JoinRule::kNone;
+}
+
 std::vector<JoinedFiles> SpansOf(const std::vector<std::string>& files, JoinRule rule) {
   std::vector<std::vector<Placed>> spans;
   for (const std::string& file : files) {

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/judging/epoch_source.h"
@@ -19,6 +20,9 @@ enum class JoinRule {
   kDay,   ///< files that begin on one day of GPS time
   kAll,   ///< all files
 };
+
+/// The rule called "none", "day" or "all".
+JoinRule JoinRuleOf(std::string_view name);
 
 /// The files of a span in the order of their beginnings.
 using JoinedFiles = std::vector<std::string>;

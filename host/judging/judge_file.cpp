@@ -198,6 +198,7 @@ void NameStream(const EpochSource& source, Diagnostics& diagnostics) {
 }
 
 Report Run::Finish() {
+  if (observers_.stream != nullptr) *observers_.stream = source_.Stream();
   NameStream(source_, diagnostics_);
   Report report = library_.Finish(Facts());
   report.analysis = analysis_->Result();

@@ -25,13 +25,7 @@ double CountOfSignal(const SeriesRow& row, analysis::Count count) {
   return IsSignal(row) ? static_cast<double>(count) : kAbsent;
 }
 
-struct Column {
-  const char* name;
-  int digits;
-  double (*get)(const SeriesRow&);  ///< NaN where absent
-};
-
-constexpr Column kColumns[] = {
+const std::vector<SeriesNumber> kNumbers = {
     {"expected_epochs", 0, [](const SeriesRow& r) { return CountOf(r.expected_epochs); }},
     {"observed_epochs", 0, [](const SeriesRow& r) { return static_cast<double>(r.observed_epochs); }},
     {"satellites", 2, [](const SeriesRow& r) { return r.satellites; }},
@@ -49,24 +43,11 @@ constexpr Column kColumns[] = {
     {"up_m", 3, [](const SeriesRow& r) { return r.enu_m[2]; }},
 };
 
-/// Empty where there is none.
-struct Names {
-  std::string system, satellite, signal;
-};
-
-Names NamesOf(const SeriesRow& row) {
-  Names names;
-  if (row.subject != SeriesSubject::kStation) names.system = row.satellite.system;
-  if (row.satellite.number > 0) names.satellite = NameOf(row.satellite);
-  if (IsSignal(row)) names.signal = NameOf(row.code);
-  return names;
-}
-
 std::string CsvLine(const SeriesRow& row) {
-  const Names names = NamesOf(row);
+  const SeriesNames names = NamesOf(row);
   std::string line = fmt::format("{},{},{},{}", TimeText(TimeOfNanoseconds(row.time_ns)), names.system,
                                  names.satellite, names.signal);
-  for (const Column& column : kColumns) {
+  for (const SeriesNumber& column : kNumbers) {
     const double value = column.get(row);
     line += ',';
     if (std::isfinite(value)) fmt::format_to(std::back_inserter(line), "{:.{}f}", value, column.digits);
@@ -75,12 +56,12 @@ std::string CsvLine(const SeriesRow& row) {
 }
 
 std::string JsonLine(const SeriesRow& row) {
-  const Names names = NamesOf(row);
+  const SeriesNames names = NamesOf(row);
   const auto text = [](const std::string& s) { return s.empty() ? std::string("null") : '"' + s + '"'; };
   std::string line = fmt::format(R"({{"time_gpst":"{}","system":{},"satellite":{},"signal":{})",
                                  TimeText(TimeOfNanoseconds(row.time_ns)), text(names.system),
                                  text(names.satellite), text(names.signal));
-  for (const Column& column : kColumns) {
+  for (const SeriesNumber& column : kNumbers) {
     const double value = column.get(row);
     line += fmt::format(",\"{}\":", column.name);
     line += std::isfinite(value) ? fmt::format("{:.{}f}", value, column.digits) : "null";
@@ -90,9 +71,19 @@ std::string JsonLine(const SeriesRow& row) {
 
 }  // namespace
 
+SeriesNames NamesOf(const SeriesRow& row) {
+  SeriesNames names;
+  if (row.subject != SeriesSubject::kStation) names.system = row.satellite.system;
+  if (row.satellite.number > 0) names.satellite = NameOf(row.satellite);
+  if (IsSignal(row)) names.signal = NameOf(row.code);
+  return names;
+}
+
+const std::vector<SeriesNumber>& SeriesNumbers() { return kNumbers; }
+
 std::string SeriesCsvHeading() {
   std::string line = "time_gpst,system,satellite,signal";
-  for (const Column& column : kColumns) line += std::string(",") + column.name;
+  for (const SeriesNumber& column : kNumbers) line += std::string(",") + column.name;
   return line + "\n";
 }
 

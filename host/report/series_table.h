@@ -5,11 +5,26 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "host/report/series_sink.h"
 #include "host/report/table_form.h"
 
 namespace orsolva_host {
+
+/// What a row is about; texts are empty where it is about more.
+struct SeriesNames {
+  std::string system, satellite, signal;
+};
+SeriesNames NamesOf(const analysis::SeriesRow& row);
+
+/// A column of numbers.
+struct SeriesNumber {
+  const char* name;
+  int digits;                                 ///< decimals in CSV and JSON; 0: whole numbers
+  double (*get)(const analysis::SeriesRow&);  ///< NaN where absent
+};
+const std::vector<SeriesNumber>& SeriesNumbers();
 
 /// The first line of the table as CSV, with its line feed.
 std::string SeriesCsvHeading();

@@ -9,12 +9,12 @@ See docs/user/python.md for recipes.
 """
 from __future__ import annotations
 
-
 from ._checker import Checker
 from ._core import library_version
 from ._errors import (
     ArgumentError,
     ArgumentTypeError,
+    EarlierReportError,
     FileError,
     OrsolvaError,
     ProfileError,
@@ -25,6 +25,7 @@ from ._navigation import Navigation, read_nav
 from ._observations import Header, Observations, iter_obs, read_obs
 from ._records import (
     AnalysisFigures,
+    Comparison,
     Finding,
     Headline,
     LibraryHeadline,
@@ -33,6 +34,7 @@ from ._records import (
     ProfileVerdict,
     Record,
     RunFacts,
+    StreamFacts,
     Verdict,
 )
 from ._report import DataLostWarning, Failure, Library, Report, Reports, explain, figure_keys, qc, qc_many
@@ -46,8 +48,10 @@ __all__ = [
     "ArgumentError",
     "ArgumentTypeError",
     "Checker",
+    "Comparison",
     "DataLostWarning",
     "Day",
+    "EarlierReportError",
     "Failure",
     "FileError",
     "Finding",
@@ -68,6 +72,7 @@ __all__ = [
     "RunError",
     "RunFacts",
     "ScenarioError",
+    "StreamFacts",
     "Table",
     "Verdict",
     "compare",

@@ -2,7 +2,7 @@
 from __future__ import annotations
 
 import types
-from collections.abc import Sequence
+from collections.abc import Callable, Sequence
 from typing import Any, Union
 
 import numpy as np
@@ -12,8 +12,9 @@ from . import _core
 from ._errors import ArgumentError, ArgumentTypeError
 from ._navigation import NavigationLike, navigation_of
 from ._observations import Observations
-from ._report import PathLike, Progress, Report, _callback
-from ._settings import Position, run_arguments, text
+from ._report import FigureChoice, PathLike, Progress, Report, _callback, earlier
+from ._settings import Position, Time, Window, kept_arguments, run_arguments, text
+from ._table import Table
 
 Names = Union[str, Sequence[str], npt.NDArray[Any]]
 Numbers = Union[Sequence[float], npt.NDArray[Any]]
@@ -34,12 +35,11 @@ class Checker:
         nav: navigation as in `qc`; None leaves out what needs orbits
         name: what the report calls the data
         header: what is known of the receiver: Observations whose header is taken
-        page, detail: as in `qc`
 
     The other arguments are those of `qc`.
     """
 
-    __slots__ = ("_data", "_report")
+    __slots__ = ("_data", "_on_detail", "_report")
 
     def __init__(
         self,
@@ -52,10 +52,21 @@ class Checker:
         position: Position = "spp",
         systems: str = "GREJCIS",
         exclude: Sequence[str] = (),
+        start: Time | None = None,
+        end: Time | None = None,
+        sampling_s: float | None = None,
+        signals: str | Sequence[str] | None = None,
+        window: Window | None = None,
+        figures: FigureChoice = "both",
         profile: PathLike | None = None,
+        compare: Report | PathLike | None = None,
         strict: bool = False,
         page: bool = True,
+        series: bool = False,
+        events: bool = False,
         detail: bool = False,
+        detail_satellites: Sequence[str] | None = None,
+        detail_signals: str | Sequence[str] | None = None,
     ) -> None:
         arguments = run_arguments(
             elevation_deg=elevation_deg,
@@ -63,15 +74,50 @@ class Checker:
             position=position,
             systems=systems,
             exclude=exclude,
+            start=start,
+            end=end,
+            sampling_s=sampling_s,
+            signals=signals,
+            window=window,
+            figures=figures,
             profile=profile,
+            compare=earlier(compare),
             strict=strict,
         )
         if header is not None and not isinstance(header, Observations):
             raise ArgumentTypeError(f"header: found {type(header).__name__}, expected Observations")
         navigation = _core.NavigationData.none() if nav is None else navigation_of(nav, None)
         header_data = None if header is None else header._header_data
-        self._data = _core.CheckerData(text("name", name), navigation, arguments, header_data, page, detail)
+        kept = kept_arguments(page, series, events, detail, detail_satellites, detail_signals)
+        self._data = _core.CheckerData(text("name", name), navigation, arguments, header_data, kept)
         self._report: Report | None = None
+        self._on_detail: Callable[[Table], object] | None = None
+
+    @property
+    def on_detail(self) -> Callable[[Table], object] | None:
+        """Called with a table of the rows of `Report.detail` whenever a batch of epochs has been judged.
+
+        The judging takes batches of 2,880 epochs; the last comes with `report()`. It is called by `push`, `push_table`
+        and `report` on their thread, after they have taken their rows; what it raises comes out of them.
+
+        Raises:
+            RunError: when it is set after the first rows
+            ArgumentTypeError: when it cannot be called
+        """
+        return self._on_detail
+
+    @on_detail.setter
+    def on_detail(self, callback: Callable[[Table], object]) -> None:
+        if not callable(callback):
+            raise ArgumentTypeError(f"on_detail: found {type(callback).__name__}, expected a callable")
+        self._data.watch_detail()
+        self._on_detail = callback
+
+    def _pass_detail(self) -> None:
+        if self._on_detail is None:
+            return
+        for data in self._data.take_detail():
+            self._on_detail(Table(data))
 
     def __enter__(self) -> Checker:
         return self
@@ -127,6 +173,7 @@ class Checker:
             _reals("snr", snr, rows),
             _flags(loss_of_lock, rows),
         )
+        self._pass_detail()
 
     def push_table(self, table: object) -> None:
         """Adds the rows of anything with `__arrow_c_stream__`, such as `Observations.table` or a polars DataFrame.
@@ -144,6 +191,7 @@ class Checker:
         if stream is None:
             raise ArgumentTypeError(f"table: found {type(table).__name__}, expected one with __arrow_c_stream__")
         self._data.push_stream(stream())
+        self._pass_detail()
 
     def report(self, *, progress: Progress | None = None) -> Report:
         """Ends the data and waits for the report; further calls return the same one.
@@ -153,6 +201,7 @@ class Checker:
         """
         if self._report is None:
             self._report = Report(self._data.result(_callback(progress)))
+            self._pass_detail()
         return self._report
 
     def close(self) -> None:

@@ -51,6 +51,10 @@ class ProfileError(OrsolvaError, ValueError):
     """A profile of limits that does not exist or cannot be used."""
 
 
+class EarlierReportError(OrsolvaError, ValueError):
+    """An earlier report, or a folder of them, that cannot be read or is not of the station."""
+
+
 class ScenarioError(OrsolvaError, ValueError):
     """A scenario that cannot be simulated: which setting, what it holds, what is allowed."""
 

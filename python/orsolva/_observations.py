@@ -10,16 +10,15 @@ import numpy as np
 
 from . import _core
 from ._errors import ArgumentError, ArgumentTypeError
-from ._records import Record
+from ._records import Record, StreamFacts
 from ._report import DataLostWarning, Progress, _callback
-from ._settings import _size, path_of, real, text, texts
+from ._settings import Time, _size, nanoseconds, path_of, real, text, texts
 from ._table import Table, imported
 
 if TYPE_CHECKING:
     import xarray
 
 PathLike = Union[str, "os.PathLike[str]"]
-Time = Union[str, np.datetime64]
 
 _ALL_FIELDS = ("pseudorange", "phase", "doppler", "snr")
 _ALL_SYSTEMS = "GREJCIS"
@@ -45,9 +44,10 @@ class Observations:
             site, 8 external event, 16 slip records) and `receiver_clock_offset_s`
         notices: oddities that were passed over or repaired
         read_error: why reading ended before the end of the file; None when it did not
+        stream: of a recording of an RTCM 3 stream, what it was made of up to here; None for other files
     """
 
-    __slots__ = ("_header_data", "epochs", "header", "notices", "read_error", "table")
+    __slots__ = ("_header_data", "epochs", "header", "notices", "read_error", "stream", "table")
 
     def __init__(
         self,
@@ -57,6 +57,7 @@ class Observations:
         notices: Table | None = None,
         read_error: str | None = None,
         header_data: _core.HeaderData | None = None,
+        stream: StreamFacts | None = None,
     ) -> None:
         self.table = table
         self.epochs = epochs
@@ -64,6 +65,7 @@ class Observations:
         self.notices = notices
         self.read_error = read_error
         self._header_data = header_data
+        self.stream = stream
 
     def __len__(self) -> int:
         return len(self.table)
@@ -105,12 +107,11 @@ def _time_ns(name: str, value: object, missing: int) -> int:
     if not isinstance(value, (str, np.datetime64)):
         raise ArgumentTypeError(f"{name}: found {type(value).__name__}, expected a text or datetime64, GPS time")
     try:
-        time = np.asarray(value, dtype="datetime64[ns]")[()]
-    except ValueError:
+        return nanoseconds(name, np.datetime64(value))
+    except ValueError as error:
+        if isinstance(error, ArgumentError):
+            raise
         raise ArgumentError(f"{name}: found {value!r}, expected a time such as '2020-06-25T06:00'") from None
-    if np.isnat(time):
-        raise ArgumentError(f"{name}: found no time")
-    return int(time.astype(np.int64))
 
 
 def _selection(
@@ -146,6 +147,7 @@ def _selection(
 
 
 def _observations(file: _core.ObservationFile, rows: _core.TableData, epochs: _core.TableData) -> Observations:
+    stream = file.stream()
     return Observations(
         Table(rows),
         Table(epochs),
@@ -153,6 +155,7 @@ def _observations(file: _core.ObservationFile, rows: _core.TableData, epochs: _c
         Table(file.notices()),
         file.failure() or None,
         file.header_data(),
+        None if stream is None else StreamFacts(stream),
     )
 
 
@@ -177,7 +180,8 @@ def read_obs(
     """Reads an observation file: every satellite, signal and flag.
 
     Args:
-        path: RINEX 2, 3 or 4, plain or Hatanaka-compressed (CRINEX), also inside gzip, .Z, zip, bzip2, xz or zstd
+        path: RINEX 2, 3 or 4, plain or Hatanaka-compressed (CRINEX), or a recording of an RTCM 3 stream, also inside
+            gzip, .Z, zip, bzip2, xz or zstd
         systems: letters of the systems to keep, such as "GE"; None keeps all
         signals: such as ["1C", "5Q"], or of one system "G1C"; None keeps all
         fields: out of "pseudorange", "phase", "doppler", "snr"

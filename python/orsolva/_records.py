@@ -77,5 +77,13 @@ class ProfileVerdict(Record):
     """How the report compares with a profile of limits; `Report.outcomes` has every criterion."""
 
 
+class Comparison(Record):
+    """What an earlier report of the station had otherwise; `Report.changes` has the figures."""
+
+
+class StreamFacts(Record):
+    """What a recorded stream was made of; `messages` has a dictionary per type of message."""
+
+
 class Finding(Record):
     """Something to look at first."""

@@ -8,13 +8,14 @@ import pathlib
 import warnings
 from collections.abc import Callable, Iterator, Sequence
 from dataclasses import dataclass
-from typing import TYPE_CHECKING, Any, Union
+from typing import TYPE_CHECKING, Any, Literal, Union
 
 from . import _core
 from ._errors import ArgumentError, ArgumentTypeError, RunError
 from ._navigation import Navigation, NavigationLike, navigation_of
 from ._records import (
     AnalysisFigures,
+    Comparison,
     Finding,
     Headline,
     LibraryHeadline,
@@ -22,9 +23,10 @@ from ._records import (
     LibraryTotal,
     ProfileVerdict,
     RunFacts,
+    StreamFacts,
     Verdict,
 )
-from ._settings import Position, path_of, run_arguments
+from ._settings import Position, Time, Window, kept_arguments, path_of, run_arguments
 from ._table import Table, imported
 
 if TYPE_CHECKING:
@@ -32,6 +34,8 @@ if TYPE_CHECKING:
 
 PathLike = Union[str, "os.PathLike[str]"]
 Progress = Callable[[int], object]
+FigureChoice = Literal["both", "analysis", "library"]
+Join = Literal["none", "day", "all"]
 
 
 class DataLostWarning(UserWarning):
@@ -128,6 +132,18 @@ class Report:
         return None if record is None else ProfileVerdict(record)
 
     @property
+    def comparison(self) -> Comparison | None:
+        """What differs from the earlier report named by `compare`; None without one."""
+        record = self._data.comparison()
+        return None if record is None else Comparison(record)
+
+    @property
+    def stream(self) -> StreamFacts | None:
+        """What a recording of an RTCM 3 stream was made of; None for other files."""
+        record = self._data.stream()
+        return None if record is None else StreamFacts(record)
+
+    @property
     def findings(self) -> list[Finding]:
         """What to look at first, in order of harm."""
         return [Finding(record) for record in self._data.findings()]
@@ -169,7 +185,7 @@ class Report:
     def events(self) -> Table:
         """Cycle slips, interruptions and clock events in order of time; `size_cycles` in the order of `signals`.
 
-        At most 20,000; `analysis.further_events` counts the others.
+        At most 20,000, unless the report was made with `events=True`; `analysis.further_events` counts the others.
         """
         return self._table("events")
 
@@ -178,6 +194,21 @@ class Report:
         """Times of tracking without a break; None where the report was made with `page=False`."""
         data = self._data.table("arcs")
         return None if data is None else Table(data)
+
+    @property
+    def windows(self) -> Table:
+        """A row per window of time; empty without `window`."""
+        return self._table("windows")
+
+    @property
+    def window_systems(self) -> Table:
+        """A row per window of time and system."""
+        return self._table("window_systems")
+
+    @property
+    def window_signals(self) -> Table:
+        """A row per window of time, system and signal."""
+        return self._table("window_signals")
 
     @property
     def gaps(self) -> Table:
@@ -210,6 +241,11 @@ class Report:
         return self._table("outcomes")
 
     @property
+    def changes(self) -> Table:
+        """Figures that differ from the earlier report's by more than their limit; empty without `compare`."""
+        return self._table("changes")
+
+    @property
     def notes(self) -> Table:
         """Caveats about figures."""
         return self._table("notes")
@@ -228,6 +264,12 @@ class Report:
     def detail(self) -> Table | None:
         """A row per epoch, satellite and signal, as `orsolva qc --detail`; None unless made with `detail=True`."""
         data = self._data.detail()
+        return None if data is None else Table(data)
+
+    @property
+    def series(self) -> Table | None:
+        """Figures over time in bins of five minutes, as `orsolva qc --series`; None unless made with `series=True`."""
+        data = self._data.series()
         return None if data is None else Table(data)
 
     @property
@@ -286,7 +328,7 @@ class Report:
         """Every table of the report by name, those of the library as `library_NAME`."""
         tables = {name: getattr(self, name) for name in _TABLES}
         tables |= {f"library_{name}": getattr(self.library, name) for name in _LIBRARY_TABLES}
-        tables |= {name: getattr(self, name) for name in ("arcs", "detail") if getattr(self, name) is not None}
+        tables |= {name: getattr(self, name) for name in _KEPT_TABLES if getattr(self, name) is not None}
         return tables
 
     def show(self, width: int | str = "100%", height: int = 700) -> IFrame:
@@ -328,6 +370,9 @@ _TABLES = (
     "satellite_signals",
     "wide_lanes",
     "by_elevation",
+    "windows",
+    "window_systems",
+    "window_signals",
     "events",
     "gaps",
     "strength_drops",
@@ -335,10 +380,12 @@ _TABLES = (
     "contradictions",
     "navigation_coverage",
     "outcomes",
+    "changes",
     "notes",
     "notices",
     "figures",
 )
+_KEPT_TABLES = ("arcs", "series", "detail")
 _LIBRARY_TABLES = ("systems", "signals", "satellites", "bands")
 
 
@@ -365,7 +412,7 @@ class Failure:
 
 
 def qc(
-    observations: PathLike,
+    observations: PathLike | Sequence[PathLike],
     nav: NavigationLike = None,
     *,
     elevation_deg: float = 10.0,
@@ -373,20 +420,31 @@ def qc(
     position: Position = "spp",
     systems: str = "GREJCIS",
     exclude: Sequence[str] = (),
+    start: Time | None = None,
+    end: Time | None = None,
+    sampling_s: float | None = None,
+    signals: str | Sequence[str] | None = None,
+    window: Window | None = None,
+    figures: FigureChoice = "both",
     profile: PathLike | None = None,
+    compare: Report | PathLike | None = None,
     snr_from_strength: bool = False,
     strict: bool = False,
     max_size: int | None = None,
     page: bool = True,
+    series: bool = False,
+    events: bool = False,
     detail: bool = False,
+    detail_satellites: Sequence[str] | None = None,
+    detail_signals: str | Sequence[str] | None = None,
     html: PathLike | None = None,
     progress: Progress | None = None,
 ) -> Report:
-    """Judges the quality of one observation file.
+    """Judges the quality of one observation file, or of consecutive files of a station as one span.
 
     Args:
-        observations: RINEX 2, 3 or 4, plain or Hatanaka-compressed (CRINEX), also inside gzip, .Z, zip, bzip2, xz
-            or zstd
+        observations: RINEX 2, 3 or 4, plain or Hatanaka-compressed (CRINEX), or a recording of an RTCM 3 stream, also
+            inside gzip, .Z, zip, bzip2, xz or zstd; a list: files of one station and interval that are joined
         nav: a navigation file or folder, a list of them, or what `read_nav` returned; None takes those next to the
             observation file
         elevation_deg: elevation cut-off, degrees, 0 to 90
@@ -394,19 +452,32 @@ def qc(
         position: "spp" computes the position, "header" takes the header's, or Earth-centred (x, y, z) in metres
         systems: letters of the systems: G GPS, R GLONASS, E Galileo, J QZSS, C BDS, I NavIC, S SBAS
         exclude: satellites to leave out, such as ["G04", "R12"]
-        profile: limits to grade the figures by: "network", "station" or a file
+        start: first time, GPS time: "2026-01-31T06:00", or "06:00" on the day of the first epoch, or datetime64
+        end: epochs from this time on are left out
+        sampling_s: takes only epochs at multiples of so many seconds of GPS time
+        signals: such as ["1C", "5Q"], of one system "G1C", of a whole band "5", or as the command takes them
+            ("G:1C,2W,E:1C"); of systems that are not named all are taken
+        window: gives figures per window of time as well: "15m", "1h", "1d" or seconds, see `Report.windows`
+        figures: what texts and pages of the report show: "both", "analysis" or "library"
+        profile: limits to grade the figures by: "network", "station", "reference", "rtk", "phone" or a file;
+            "history:FOLDER" takes the earlier JSON reports of the station in a folder
+        compare: an earlier report of the station, or its JSON file, see `Report.comparison`
         snr_from_strength: estimates a missing SNR from the signal strength digit of its phase
         strict: raises RunError where the library cannot judge, instead of reporting what there is
         max_size: bytes that a compressed file may expand to; None allows 8 GiB
         page: keeps what `Report.to_html` and `Report.arcs` need
+        series: keeps figures over time, see `Report.series`
+        events: keeps every event, not only the first 20,000
         detail: keeps a row per epoch, satellite and signal, see `Report.detail`
+        detail_satellites: of these only, such as ["G05", "R"]
+        detail_signals: of these only, written as `signals`
         html: also writes the page to this file
         progress: called with the number of epochs read, at most ten times a second; what it raises ends the run
 
     Raises:
         FileError: when a file cannot be read; a file that ends early gives a report with `read_error`
         RunError: when there is nothing to judge
-        ArgumentError, ProfileError: when an argument is wrong; nothing has been read
+        ArgumentError, ProfileError, EarlierReportError: when an argument is wrong; nothing has been judged
 
     Warns:
         DataLostWarning: once, when part of the input was lost
@@ -419,18 +490,40 @@ def qc(
         position=position,
         systems=systems,
         exclude=exclude,
+        start=start,
+        end=end,
+        sampling_s=sampling_s,
+        signals=signals,
+        window=window,
+        figures=figures,
         profile=profile,
+        compare=earlier(compare),
         snr_from_strength=snr_from_strength,
         strict=strict,
         max_size=max_size,
     )
-    path = path_of("observations", observations)
-    data = _core.qc(path, navigation_of(nav, max_size), arguments, page, detail, _callback(progress))
+    kept = kept_arguments(page, series, events, detail, detail_satellites, detail_signals)
+    files = _paths_of(observations)
+    data = _core.qc(files, navigation_of(nav, max_size), arguments, kept, _callback(progress))
     report = Report(data)
     _warn_of_losses(data)
     if html is not None:
         report.to_html(html)
     return report
+
+
+def _paths_of(observations: object) -> list[str]:
+    named = observations if isinstance(observations, (list, tuple)) else [observations]
+    if not named:
+        raise ArgumentError("observations: found no file")
+    return [path_of("observations", path) for path in named]
+
+
+def earlier(compare: Report | PathLike | None) -> Any:
+    """An earlier report as the native module takes it: a file, or its text and what to call it."""
+    if isinstance(compare, Report):
+        return compare.to_json(), compare.run.observation_file
+    return compare
 
 
 def _callback(progress: Progress | None) -> Progress | None:
@@ -467,15 +560,29 @@ def qc_many(
     nav: NavigationLike = None,
     *,
     jobs: int | None = None,
+    join: Join = "none",
     elevation_deg: float = 10.0,
     interval_s: float | None = None,
     position: Position = "spp",
     systems: str = "GREJCIS",
     exclude: Sequence[str] = (),
+    start: Time | None = None,
+    end: Time | None = None,
+    sampling_s: float | None = None,
+    signals: str | Sequence[str] | None = None,
+    window: Window | None = None,
+    figures: FigureChoice = "both",
     profile: PathLike | None = None,
+    compare: Report | PathLike | None = None,
     snr_from_strength: bool = False,
     strict: bool = False,
     max_size: int | None = None,
+    page: bool = False,
+    series: bool = False,
+    events: bool = False,
+    detail: bool = False,
+    detail_satellites: Sequence[str] | None = None,
+    detail_signals: str | Sequence[str] | None = None,
     progress: Progress | None = None,
 ) -> Reports:
     """Judges many observation files on several threads.
@@ -485,16 +592,18 @@ def qc_many(
             for all
         nav: further navigation files or folders; those that `read_nav` returned are read again
         jobs: files at the same time; None is one per core
+        join: judges consecutive files of one station as one span: "day" those of a day, "all" all of them
+        page: keeps what `Report.to_html` and `Report.arcs` need, some megabytes per report
         progress: called with the number of epochs read of all files, while the next outcome is awaited
 
     The other arguments are those of `qc`.
 
     Returns:
-        an iterator over one Report or Failure per file, in their order. Reports have no page: use `qc` for one.
+        an iterator over one Report or Failure per file, or per span, in their order
 
     Raises:
         RunError: when there is no observation file among the paths
-        ArgumentError, ProfileError: when an argument is wrong; nothing has been read
+        ArgumentError, ProfileError, EarlierReportError: when an argument is wrong; nothing has been judged
     """
     arguments = run_arguments(
         elevation_deg=elevation_deg,
@@ -502,7 +611,14 @@ def qc_many(
         position=position,
         systems=systems,
         exclude=exclude,
+        start=start,
+        end=end,
+        sampling_s=sampling_s,
+        signals=signals,
+        window=window,
+        figures=figures,
         profile=profile,
+        compare=earlier(compare),
         snr_from_strength=snr_from_strength,
         strict=strict,
         max_size=max_size,
@@ -511,12 +627,14 @@ def qc_many(
         raise ArgumentTypeError(f"jobs: found {type(jobs).__name__}, expected a whole number or None")
     if jobs is not None and not 1 <= jobs <= 1024:
         raise ArgumentError(f"jobs: found {jobs}, expected 1 to 1024")
-    named = observations if isinstance(observations, (list, tuple)) else [observations]
-    paths = [path_of("observations", path) for path in named]
+    if join not in ("none", "day", "all"):
+        raise ArgumentError(f"join: found {join!r}, expected 'none', 'day' or 'all'")
+    kept = kept_arguments(page, series, events, detail, detail_satellites, detail_signals)
+    paths = _paths_of(observations)
     navigation = navigation_of(nav, max_size).paths()
     if isinstance(nav, Navigation) and not navigation:
         raise ArgumentError("nav: qc_many takes navigation files; those of simulate() are not in a file yet")
-    return Reports(_core.ManyFiles(paths, navigation, arguments, jobs or 0, _callback(progress)))
+    return Reports(_core.ManyFiles(paths, navigation, join, arguments, kept, jobs or 0, _callback(progress)))
 
 
 def explain(figure: str) -> str:

@@ -7,9 +7,13 @@ import os
 from collections.abc import Sequence
 from typing import Any, Union
 
+import numpy as np
+
 from ._errors import ArgumentError, ArgumentTypeError
 
 Position = Union[str, Sequence[float]]
+Time = Union[str, np.datetime64]
+Window = Union[str, float]
 
 
 def path_of(name: str, path: object) -> str:
@@ -85,6 +89,36 @@ def _size(value: object) -> int:
     return value
 
 
+def nanoseconds(name: str, time: np.datetime64) -> int:
+    """A time as nanoseconds since 1970."""
+    exact = time.astype("datetime64[ns]")
+    if np.isnat(exact):
+        raise ArgumentError(f"{name}: found no time")
+    return int(exact.astype(np.int64))
+
+
+def _limit(name: str, value: object) -> str | int:
+    if isinstance(value, np.datetime64):
+        return nanoseconds(name, value)
+    if not isinstance(value, str):
+        raise ArgumentTypeError(f"{name}: found {type(value).__name__}, expected a text or datetime64, GPS time")
+    return value
+
+
+def _signals(name: str, value: object) -> str:
+    """The text that the command takes: names of all systems first, as a letter holds for those that follow it."""
+    if isinstance(value, str):
+        return value
+    names = texts(name, value)
+    of_all = [one for one in names if not one[:1].isalpha()]
+    of_one = [f"{one[:1]}:{one[1:].lstrip(':')}" for one in names if one[:1].isalpha()]
+    return ",".join(of_all + of_one)
+
+
+def _window(value: object) -> str:
+    return value if isinstance(value, str) else repr(real("window", value))
+
+
 def run_arguments(**given: Any) -> dict[str, Any]:
     """The arguments of a run, of the types that the native module takes."""
     makers = {
@@ -95,7 +129,36 @@ def run_arguments(**given: Any) -> dict[str, Any]:
         "exclude": lambda v: texts("exclude", v),
         "profile": lambda v: path_of("profile", v),
         "snr_from_strength": lambda v: _flag("snr_from_strength", v),
+        "start": lambda v: _limit("start", v),
+        "end": lambda v: _limit("end", v),
+        "sampling_s": lambda v: real("sampling_s", v),
+        "signals": lambda v: _signals("signals", v),
+        "window": _window,
+        "figures": lambda v: text("figures", v),
+        "compare": lambda v: v if isinstance(v, tuple) else path_of("compare", v),
         "strict": lambda v: _flag("strict", v),
         "max_size": _size,
     }
     return {name: None if value is None else makers[name](value) for name, value in given.items()}
+
+
+def kept_arguments(
+    page: object,
+    series: object,
+    events: object,
+    detail: object,
+    detail_satellites: object,
+    detail_signals: object,
+) -> dict[str, Any]:
+    """What a run keeps besides the figures."""
+    kept: dict[str, Any] = {
+        "page": _flag("page", page),
+        "series": _flag("series", series),
+        "events": _flag("events", events),
+        "detail": _flag("detail", detail),
+    }
+    if detail_satellites is not None:
+        kept["detail_satellites"] = ",".join(texts("detail_satellites", detail_satellites))
+    if detail_signals is not None:
+        kept["detail_signals"] = _signals("detail_signals", detail_signals)
+    return kept

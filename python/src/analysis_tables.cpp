@@ -12,6 +12,7 @@ namespace {
 
 using namespace orsolva_host;
 using analysis::SignalFigures;
+using analysis::WindowFigures;
 
 Table Systems(const Report& report) {
   Table table;
@@ -181,6 +182,52 @@ Table Contradictions(const Report& report) {
   return table;
 }
 
+Table Windows(const Report& report) {
+  Table table;
+  Column& from = table.Add("from_time", ColumnKind::kTime);
+  Column& to = table.Add("to_time", ColumnKind::kTime);
+  for (const WindowFigures& window : report.analysis.figures.windows) {
+    from.AddTime(window.from_ns);
+    to.AddTime(window.to_ns);
+  }
+  AddFigureColumns(AllFigures().window, Pointers(report.analysis.figures.windows), table);
+  return table;
+}
+
+Table WindowSystems(const Report& report) {
+  Table table;
+  Column& from = table.Add("from_time", ColumnKind::kTime);
+  Column& letters = table.Add("system", ColumnKind::kName);
+  std::vector<const analysis::SystemFigures*> rows;
+  for (const WindowFigures& window : report.analysis.figures.windows) {
+    for (const auto& system : window.systems) {
+      from.AddTime(window.from_ns);
+      letters.AddText(Letter(system.letter));
+      rows.push_back(&system);
+    }
+  }
+  AddFigureColumns(AllFigures().window_system, rows, table);
+  return table;
+}
+
+Table WindowSignals(const Report& report) {
+  Table table;
+  Column& from = table.Add("from_time", ColumnKind::kTime);
+  Column& letters = table.Add("system", ColumnKind::kName);
+  Column& codes = table.Add("signal", ColumnKind::kName);
+  std::vector<const SignalFigures*> rows;
+  for (const WindowFigures& window : report.analysis.figures.windows) {
+    for (const SignalFigures& signal : window.signals) {
+      from.AddTime(window.from_ns);
+      letters.AddText(Letter(signal.system));
+      codes.AddText(NameOf(signal.code));
+      rows.push_back(&signal);
+    }
+  }
+  AddFigureColumns(AllFigures().window_signal, rows, table);
+  return table;
+}
+
 }  // namespace
 
 std::vector<ReportTable> AnalysisTables() {
@@ -191,6 +238,9 @@ std::vector<ReportTable> AnalysisTables() {
       {"satellite_signals", SatelliteSignals},
       {"wide_lanes", WideLanes},
       {"by_elevation", ByElevation},
+      {"windows", Windows},
+      {"window_systems", WindowSystems},
+      {"window_signals", WindowSignals},
       {"gaps", Gaps},
       {"strength_drops", Drops},
       {"never_observed", NeverObserved},

@@ -19,6 +19,7 @@
 #include "host/judging/run_error.h"
 #include "host/rinex/observation_header.h"
 #include "python/src/arrow_import.h"
+#include "python/src/detail_batches.h"
 #include "python/src/errors.h"
 #include "python/src/judging_calls.h"
 #include "python/src/navigation_binding.h"
@@ -37,12 +38,12 @@ using namespace orsolva_host;
 class Checker {
  public:
   Checker(const std::string& name, const Navigation& navigation, const nb::dict& arguments,
-          const ObservationHeader* header, Keep keep)
+          const ObservationHeader* header, const nb::dict& kept)
       : settings_(SettingsFrom(arguments)),
         navigation_(navigation.shared),
-        keep_(keep),
-        source_(name, header != nullptr ? *header : ObservationHeader()),
-        thread_([this] { Run(); }) {}
+        keep_(KeepFrom(kept)),
+        batches_(keep_.detail_selection),
+        source_(name, header != nullptr ? *header : ObservationHeader()) {}
   ~Checker() {
     const nb::gil_scoped_release release;
     Stop();
@@ -53,13 +54,23 @@ class Checker {
   void Push(const PushedRows& rows) {
     const nb::gil_scoped_release release;
     const std::lock_guard<std::mutex> lock(calls_);
+    Begin();
     if (closed_) throw RunError("the checker has given its report or was closed: make another one.");
     for (const ObservationEpoch& epoch : epochs_.Add(rows)) Put(epoch);
   }
   std::shared_ptr<FinishedReport> Result(const nb::object& progress);
   void Stop();
+  /// Keeps the detail of every batch, for TakeDetail.
+  void WatchDetail() {
+    const nb::gil_scoped_release release;
+    const std::lock_guard<std::mutex> lock(calls_);
+    if (begun_) throw RunError("on_detail: set it before the first rows are pushed.");
+    watches_detail_ = true;
+  }
+  std::vector<std::shared_ptr<const Table>> TakeDetail() { return batches_.Take(); }
 
  private:
+  void Begin();
   void Run();
   void Put(const ObservationEpoch& epoch);
   void Close();
@@ -68,10 +79,13 @@ class Checker {
   JudgingSettings settings_;
   std::shared_ptr<SharedNavigation> navigation_;
   Keep keep_;
+  bool watches_detail_ = false;
+  DetailBatches batches_;
   PushedSource source_;
   PushedEpochs epochs_;
   RunMonitor monitor_;
   std::mutex calls_;
+  bool begun_ = false;
   bool closed_ = false;
   std::mutex mutex_;
   std::condition_variable ended_;
@@ -81,11 +95,18 @@ class Checker {
   std::thread thread_;  ///< last: it uses what is above
 };
 
+/// Starts the judging, unless that has been done; under calls_.
+void Checker::Begin() {
+  if (std::exchange(begun_, true)) return;
+  thread_ = std::thread([this] { Run(); });
+}
+
 void Checker::Run() {
   std::shared_ptr<FinishedReport> report;
   std::exception_ptr thrown;
   try {
-    report = JudgedEpochs(source_, settings_, *navigation_, source_.Notices(), keep_, monitor_);
+    report = JudgedEpochs(source_, settings_, *navigation_, source_.Notices(), keep_,
+                          watches_detail_ ? &batches_ : nullptr, monitor_);
   } catch (...) {
     thrown = std::current_exception();
   }
@@ -107,7 +128,9 @@ void Checker::Put(const ObservationEpoch& epoch) {
 
 void Checker::Close() {
   const std::lock_guard<std::mutex> lock(calls_);
+  if (closed_ && !begun_) throw RunError("the checker was closed before any data: make another one.");
   if (std::exchange(closed_, true)) return;
+  Begin();
   if (const std::optional<ObservationEpoch> last = epochs_.Last()) Put(*last);
   source_.Queue().Close();
 }
@@ -195,11 +218,12 @@ void BindChecker(nb::module_& module) {
       .def(
           "__init__",
           [](Checker* self, const std::string& name, const Navigation& navigation, const nb::dict& arguments,
-             const ObservationHeader* header, bool page, bool detail) {
-            new (self) Checker(name, navigation, arguments, header, {page, detail});
-          },
+             const ObservationHeader* header,
+             const nb::dict& kept) { new (self) Checker(name, navigation, arguments, header, kept); },
           nb::arg("name"), nb::arg("navigation"), nb::arg("arguments"), nb::arg("header").none(),
-          nb::arg("page"), nb::arg("detail"))
+          nb::arg("kept"))
+      .def("watch_detail", &Checker::WatchDetail)
+      .def("take_detail", &Checker::TakeDetail)
       .def("push", PushArrays, nb::arg("time"), nb::arg("satellites"), nb::arg("satellite_words"),
            nb::arg("signals"), nb::arg("signal_words"), nb::arg("pseudorange").none(),
            nb::arg("phase").none(), nb::arg("doppler").none(), nb::arg("snr").none(),

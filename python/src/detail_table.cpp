@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <utility>
 
+#include "host/judging/detail_outputs.h"
 #include "host/observation/observation_epoch.h"
 #include "host/rinex/civil_time.h"
 #include "host/rinex/decimal.h"
@@ -51,10 +53,16 @@ std::optional<std::int64_t> TimeOf(std::string_view text) {
 
 }  // namespace
 
-DetailTable::DetailTable()
-    : table_(std::make_shared<Table>()), csv_([this](std::string_view piece) { Take(piece); }) {
-  for (const DetailColumn& column : kColumns) table_->Add(column.name, column.kind);
+DetailTable::DetailTable(const DetailSelection& selection)
+    : csv_([this](std::string_view piece) { Take(piece); }, FilterOf(selection)) {}
+
+std::shared_ptr<Table> DetailTable::EmptyTable() {
+  auto table = std::make_shared<Table>();
+  for (const DetailColumn& column : kColumns) table->Add(column.name, column.kind);
+  return table;
 }
+
+std::shared_ptr<const Table> DetailTable::TakeRows() { return std::exchange(table_, EmptyTable()); }
 
 void DetailTable::Take(std::string_view piece) {
   while (true) {

@@ -7,6 +7,7 @@
 
 #include "host/judging/run_error.h"
 #include "host/output/byte_sink.h"
+#include "host/report/earlier_report.h"
 #include "host/report/profile.h"
 #include "host/rinex/diagnostics.h"
 #include "host/simulator/comparison.h"
@@ -42,6 +43,8 @@ void Translate(const std::exception_ptr& thrown, void*) {
     Raise("ArgumentError", error);
   } catch (const orsolva_host::ProfileError& error) {
     Raise("ProfileError", error);
+  } catch (const orsolva_host::EarlierReportError& error) {
+    Raise("EarlierReportError", error);
   } catch (const orsolva_host::ScenarioError& error) {
     Raise("ScenarioError", error);
   } catch (const orsolva_host::RunError& error) {

@@ -13,10 +13,11 @@
 #include <string_view>
 #include <vector>
 
+#include "host/judging/epoch_source.h"
 #include "host/judging/run_monitor.h"
-#include "host/rinex/observation_reader.h"
 #include "python/src/notice_table.h"
 #include "python/src/observation_columns.h"
+#include "python/src/report_records.h"
 #include "python/src/table_binding.h"
 #include "python/src/waiting.h"
 
@@ -49,7 +50,7 @@ nb::dict HeaderRecord(const ObservationHeader& header) {
     if (header.glonass_channels[slot]) channels[nb::int_(slot)] = *header.glonass_channels[slot];
   }
   const auto& xyz = header.position;
-  record["rinex_version"] = header.version;
+  record["rinex_version"] = header.version > 0 ? nb::object(nb::float_(header.version)) : nb::none();
   record["crinex"] = header.crinex;
   record["marker"] = TextOrNone(header.marker);
   record["marker_number"] = TextOrNone(header.marker_number);
@@ -70,10 +71,10 @@ class ObservationFile {
   ObservationFile(const std::string& path, const Selection& selection, std::uint64_t max_size)
       : selection_(selection), record_(std::make_unique<ObsEpoch_QC_gbt>()) {
     const ObservationColumns checked(selection_);
-    ObservationOptions options;
-    if (max_size > 0) options.limits.max_decompressed_bytes = max_size;
+    JudgingSettings settings;
+    if (max_size > 0) settings.limits.max_decompressed_bytes = max_size;
     const nb::gil_scoped_release release;
-    reader_ = std::make_unique<ObservationReader>(path, diagnostics_, options);
+    reader_ = OpenObservations(path, settings, diagnostics_);
   }
 
   /// (rows, epochs) of up to so many epochs that the selection takes.
@@ -83,6 +84,7 @@ class ObservationFile {
     RunInterruptibly([&] { Fill(most_epochs, columns); }, monitor_, progress);
     return nb::make_tuple(columns.Rows(), columns.EpochTable());
   }
+  nb::object Stream() const { return StreamRecord(reader_->Stream()); }
   nb::dict Header() const { return HeaderRecord(reader_->Header()); }
   const ObservationHeader& HeaderData() const { return reader_->Header(); }
   std::shared_ptr<Table> Notices() const {
@@ -108,7 +110,7 @@ class ObservationFile {
   Diagnostics diagnostics_;
   std::unique_ptr<ObsEpoch_QC_gbt> record_;
   ObservationEpoch epoch_;
-  std::unique_ptr<ObservationReader> reader_;
+  std::unique_ptr<EpochSource> reader_;
   RunMonitor monitor_;
   std::mutex mutex_;
 };
@@ -130,6 +132,7 @@ void BindObservations(nb::module_& module) {
       .def(nb::init<const std::string&, const Selection&, std::uint64_t>(), nb::arg("path"),
            nb::arg("selection"), nb::arg("max_size"))
       .def("read", &ObservationFile::Read, nb::arg("most_epochs"), nb::arg("progress").none())
+      .def("stream", &ObservationFile::Stream)
       .def("header", &ObservationFile::Header)
       .def("header_data", [](const ObservationFile& file) { return ObservationHeader(file.HeaderData()); })
       .def("notices", &ObservationFile::Notices)

@@ -6,15 +6,11 @@
 #include <nanobind/stl/unique_ptr.h>
 #include <nanobind/stl/vector.h>
 
-#include <chrono>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "host/judging/inputs.h"
-#include "host/judging/judge_file.h"
-#include "host/judging/judging_pool.h"
+#include "host/judging/joined_files.h"
 #include "host/report/csv_writer.h"
 #include "host/report/figures.h"
 #include "host/report/html_writer.h"
@@ -24,6 +20,7 @@
 #include "python/src/errors.h"
 #include "python/src/event_tables.h"
 #include "python/src/judging_calls.h"
+#include "python/src/many_files.h"
 #include "python/src/navigation_binding.h"
 #include "python/src/report_records.h"
 #include "python/src/report_tables.h"
@@ -64,7 +61,7 @@ std::string Html(FinishedReport& finished) {
   }
   const nb::gil_scoped_release release;
   const std::lock_guard<std::mutex> lock(finished.page_mutex);
-  return WriteHtml(finished.report, *finished.page, finished.series);
+  return WriteHtml(finished.report, *finished.page, finished.page_series);
 }
 
 std::shared_ptr<Table> TableOf(const FinishedReport& finished, const std::string& name) {
@@ -72,82 +69,33 @@ std::shared_ptr<Table> TableOf(const FinishedReport& finished, const std::string
   if (name == "arcs") {
     return finished.page ? std::make_shared<Table>(ArcTable(*finished.page)) : nullptr;
   }
+  if (name == "events" && finished.all_events) {
+    return std::make_shared<Table>(EventTable(*finished.all_events));
+  }
   for (const ReportTable& row : ReportTables()) {
     if (name == row.name) return std::make_shared<Table>(row.make(finished.report));
   }
   throw ArgumentError("a report has no table '" + name + "'");
 }
 
-ReportPtr Qc(const std::string& path, const Navigation& navigation, const nb::dict& arguments, bool page,
-             bool detail, const nb::object& progress) {
-  const JudgingSettings settings = SettingsFrom(arguments);
-  ReportPtr report;
-  RunMonitor monitor;
-  RunInterruptibly(
-      [&] {
-        report = JudgedFile(path, settings, *navigation.shared, {page, detail}, monitor);
-      },
-      monitor, progress);
-  return report;
+/// The files in the order of their beginnings.
+JoinedFiles SpanOf(const std::vector<std::string>& files) {
+  if (files.size() == 1) return files;
+  const std::vector<JoinedFiles> spans = SpansOf(files, JoinRule::kAll);
+  if (spans.size() == 1) return spans.front();
+  throw ArgumentError("observations: found " + std::to_string(spans.size()) +
+                      " stations or intervals, expected consecutive files of one; qc_many judges many");
 }
 
-/// Files on several threads; outcomes one by one, in order.
-class ManyFiles {
- public:
-  ManyFiles(const std::vector<std::string>& paths, const std::vector<std::string>& navigation,
-            const nb::dict& arguments, unsigned jobs, nb::object progress)
-      : inputs_(InputsOf(paths, navigation)), progress_(std::move(progress)) {
-    PoolOptions options;
-    options.threads = jobs;
-    if (inputs_.observations.empty()) throw RunError("no observation file among the paths.");
-    const JudgingSettings settings = SettingsFrom(arguments);
-    pool_ = std::make_unique<JudgingPool>(inputs_.observations, settings, inputs_.navigation, options);
-  }
-  ~ManyFiles() {
-    const nb::gil_scoped_release release;
-    pool_.reset();
-  }
-  ManyFiles(const ManyFiles&) = delete;
-  ManyFiles& operator=(const ManyFiles&) = delete;
-
-  std::size_t Size() const { return inputs_.observations.size(); }
-  /// (file, report or None, error). @throws nanobind::stop_iteration after the last
-  nb::tuple Next();
-
- private:
-  RunInputs inputs_;
-  nb::object progress_;
-  std::unique_ptr<JudgingPool> pool_;
-  std::mutex mutex_;
-  std::size_t next_ = 0;
-};
-
-nb::tuple ManyFiles::Next() {
-  std::size_t file = 0;
-  {
-    const std::lock_guard<std::mutex> lock(mutex_);
-    if (next_ == Size()) throw nb::stop_iteration();
-    file = next_++;
-  }
-  RunMonitor none;
-  const auto wait = [&](int milliseconds) {
-    const bool done = pool_->Wait(file, std::chrono::milliseconds(milliseconds));
-    none.epochs.store(pool_->Progress().epochs);
-    return done;
-  };
-  try {
-    WaitFor(wait, none, progress_);
-  } catch (...) {
-    pool_->Cancel();
-    throw;
-  }
-  FileOutcome outcome = pool_->Take(file);
+ReportPtr Qc(const std::vector<std::string>& files, const Navigation& navigation, const nb::dict& arguments,
+             const nb::dict& kept, const nb::object& progress) {
+  const JudgingSettings settings = SettingsFrom(arguments);
+  const Keep keep = KeepFrom(kept);
   ReportPtr report;
-  if (outcome.report) {
-    report = std::make_shared<FinishedReport>();
-    report->report = std::move(*outcome.report);
-  }
-  return nb::make_tuple(inputs_.observations[file], report, outcome.stopped ? "stopped" : outcome.error);
+  RunMonitor monitor;
+  RunInterruptibly([&] { report = JudgedFiles(SpanOf(files), settings, *navigation.shared, keep, monitor); },
+                   monitor, progress);
+  return report;
 }
 
 std::string Explain(const std::string& name) {
@@ -166,6 +114,7 @@ std::vector<std::string> FigureKeys() {
 }  // namespace
 
 void BindReports(nb::module_& module) {
+  BindManyFiles(module);
   nb::class_<FinishedReport>(module, "ReportData", "A report; orsolva.Report is the way to it.")
       .def("json", Json, nb::arg("satellites"))
       .def("text", Text, nb::arg("width"), nb::arg("satellites"))
@@ -174,6 +123,9 @@ void BindReports(nb::module_& module) {
       .def("html", Html)
       .def("table", TableOf, nb::arg("name"))
       .def("detail", [](const FinishedReport& finished) { return finished.detail; })
+      .def("series", [](const FinishedReport& finished) { return finished.series; })
+      .def("stream", [](const FinishedReport& finished) { return StreamRecord(finished.stream); })
+      .def("comparison", [](const FinishedReport& finished) { return ComparisonRecord(finished.report); })
       .def("run", [](const FinishedReport& finished) { return RunRecord(finished.report); })
       .def("headline", [](const FinishedReport& finished) { return HeadlineRecord(finished.report); })
       .def("analysis", [](const FinishedReport& finished) { return AnalysisRecord(finished.report); })
@@ -194,15 +146,8 @@ void BindReports(nb::module_& module) {
         }
         return texts;
       });
-  nb::class_<ManyFiles>(module, "ManyFiles", "Files on several threads; orsolva.qc_many is the way to it.")
-      .def(nb::init<const std::vector<std::string>&, const std::vector<std::string>&, const nb::dict&,
-                    unsigned, nb::object>(),
-           nb::arg("paths"), nb::arg("navigation"), nb::arg("arguments"), nb::arg("jobs"),
-           nb::arg("progress").none())
-      .def("__len__", &ManyFiles::Size)
-      .def("next", &ManyFiles::Next);
-  module.def("qc", Qc, nb::arg("path"), nb::arg("navigation"), nb::arg("arguments"), nb::arg("page"),
-             nb::arg("detail"), nb::arg("progress").none());
+  module.def("qc", Qc, nb::arg("files"), nb::arg("navigation"), nb::arg("arguments"), nb::arg("kept"),
+             nb::arg("progress").none());
   module.def("explain", Explain, nb::arg("figure"));
   module.def("figure_keys", FigureKeys);
   module.def("figure_members", FigureMembers,

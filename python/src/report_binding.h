@@ -6,10 +6,13 @@
 
 #include <memory>
 #include <mutex>
+#include <optional>
+#include <vector>
 
 #include "host/report/detail_collector.h"
 #include "host/report/report.h"
 #include "host/report/series_collector.h"
+#include "host/report/stream_facts.h"
 #include "python/src/columns.h"
 
 namespace orsolva_python {
@@ -19,8 +22,12 @@ struct FinishedReport {
   orsolva_host::Report report;
   /// Null where it was not asked for. WriteHtml thins it, so that pages are written one at a time.
   std::unique_ptr<orsolva_host::DetailCollector> page;
-  orsolva_host::SeriesCollector series;  ///< for the page as well
-  std::shared_ptr<const Table> detail;   ///< null where it was not asked for
+  orsolva_host::SeriesCollector page_series;  ///< for the page as well
+  // Absent where they were not asked for.
+  std::shared_ptr<const Table> detail;
+  std::shared_ptr<const Table> series;
+  std::optional<std::vector<orsolva_host::analysis::Event>> all_events;
+  std::optional<orsolva_host::StreamFacts> stream;  ///< of recordings of streams
   std::mutex page_mutex;
 };
 

@@ -185,8 +185,54 @@ nb::object ProfileRecord(const Report& report) {
   record["title"] = TextOf(verdict.title);
   record["grade"] = TextOf(verdict.grade);
   record["passed"] = verdict.passed;
+  record["remarks"] = TextsOf(verdict.remarks);
   record["satellites_observed"] = nb::cast(verdict.satellites_observed);
   record["satellites_judged"] = nb::cast(verdict.satellites_judged);
+  return record;
+}
+
+nb::object ComparisonRecord(const Report& report) {
+  if (!report.comparison) return nb::none();
+  const Comparison& comparison = *report.comparison;
+  nb::dict record;
+  nb::list statements;
+  for (const StatementChange& change : comparison.statements) {
+    nb::dict row;
+    row["what"] = TextOf(change.what);
+    row["before"] = TextOf(change.before);
+    row["after"] = TextOf(change.after);
+    statements.append(row);
+  }
+  record["file"] = TextOf(comparison.file);
+  record["observation_file"] = TextOf(comparison.observation_file);
+  record["first_epoch_gpst"] = TextOrNone(comparison.first_epoch);
+  record["last_epoch_gpst"] = TextOrNone(comparison.last_epoch);
+  record["statements"] = statements;
+  record["signals_appeared"] = TextsOf(comparison.signals_appeared);
+  record["signals_gone"] = TextsOf(comparison.signals_gone);
+  record["figures_compared"] = comparison.figures_compared;
+  record["figures_changed"] = comparison.figures.size();
+  return record;
+}
+
+nb::object StreamRecord(const std::optional<StreamFacts>& stream) {
+  if (!stream) return nb::none();
+  nb::dict record;
+  nb::list messages;
+  for (const StreamMessages& message : stream->messages) {
+    nb::dict row;
+    row["type"] = message.type;
+    row["messages"] = message.messages;
+    row["damaged"] = message.damaged;
+    row["decoded"] = message.decoded;
+    messages.append(row);
+  }
+  record["format"] = TextOf(stream->format);
+  record["frames"] = stream->frames;
+  record["crc_errors"] = stream->crc_errors;
+  record["skipped_bytes"] = stream->skipped_bytes;
+  record["messages"] = messages;
+  record["coarse_systems"] = TextOf(stream->coarse_systems);
   return record;
 }
 
@@ -209,6 +255,9 @@ nb::list FigureMembers() {
   AddMembers("signals", tables.analysis_signal, members);
   AddMembers("satellites", tables.analysis_satellite, members);
   AddMembers("wide_lanes", tables.wide_lane, members);
+  AddMembers("windows", tables.window, members);
+  AddMembers("window_systems", tables.window_system, members);
+  AddMembers("window_signals", tables.window_signal, members);
   AddMembers("library_systems", tables.whole, members);
   AddMembers("library_signals", tables.signal, members);
   AddMembers("library_bands", tables.band, members);

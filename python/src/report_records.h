@@ -4,7 +4,10 @@
 
 #include <nanobind/nanobind.h>
 
+#include <optional>
+
 #include "host/report/report.h"
+#include "host/report/stream_facts.h"
 
 namespace orsolva_python {
 
@@ -17,6 +20,10 @@ nanobind::dict LibraryTotalRecord(const orsolva_host::Report& report);
 nanobind::dict VerdictRecord(const orsolva_host::Report& report);
 /// None without a profile.
 nanobind::object ProfileRecord(const orsolva_host::Report& report);
+/// None where no earlier report is named.
+nanobind::object ComparisonRecord(const orsolva_host::Report& report);
+/// None for files that are no recording of a stream.
+nanobind::object StreamRecord(const std::optional<orsolva_host::StreamFacts>& stream);
 nanobind::list FindingRecords(const orsolva_host::Report& report);
 
 /// (part, key, type, unit, title) of every figure that is a member of a record above or a column of a table.

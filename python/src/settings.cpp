@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 #include <nanobind/stl/array.h>
+#include <nanobind/stl/pair.h>
 #include <nanobind/stl/string.h>
 #include <nanobind/stl/vector.h>
 
@@ -9,10 +10,13 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "host/judging/selection_texts.h"
 #include "host/rinex/satellite_names.h"
 #include "python/src/errors.h"
 
@@ -79,6 +83,75 @@ InputLimits Limits(std::int64_t bytes) {
   return limits;
 }
 
+/// @param wrong  what a parser says of a text; empty when it takes it
+void Require(const char* name, const std::string& wrong) {
+  if (!wrong.empty()) throw ArgumentError(fmt::format("{}: {}", name, wrong));
+}
+
+std::optional<TimeLimit> Time(const char* name, const nb::handle& value) {
+  if (nb::isinstance<nb::int_>(value)) return TimeLimit{nb::cast<std::int64_t>(value), false};
+  std::optional<TimeLimit> limit;
+  Require(name, ParseTimeLimit(nb::cast<std::string>(value), limit));
+  if (!limit) throw ArgumentError(fmt::format("{}: found no time", name));
+  return limit;
+}
+
+ChosenSignals Signals(const std::string& text) {
+  ChosenSignals signals;
+  if (text.empty()) throw ArgumentError("signals: found none, expected names such as '1C' or 'G1C'");
+  Require("signals", ParseSignals(text, signals));
+  return signals;
+}
+
+double Window(const std::string& text) {
+  double window_s = 0;
+  Require("window", ParseWindow(text, window_s));
+  return window_s;
+}
+
+FigureChoice Choice(const std::string& word) {
+  constexpr std::pair<const char*, FigureChoice> kWords[] = {{"both", FigureChoice::kBoth},
+                                                             {"analysis", FigureChoice::kAnalysis},
+                                                             {"library", FigureChoice::kLibrary}};
+  for (const auto& [name, choice] : kWords) {
+    if (word == name) return choice;
+  }
+  throw ArgumentError(fmt::format("figures: found '{}', expected 'both', 'analysis' or 'library'", word));
+}
+
+/// Limits by name or file, or from a folder of earlier reports.
+void SetProfile(JudgingSettings& settings, const std::string& name) {
+  constexpr std::string_view kHistory = "history:";
+  if (name.compare(0, kHistory.size(), kHistory) == 0) {
+    settings.history = ReadHistory(name.substr(kHistory.size()));
+  } else {
+    settings.profile = LoadProfile(name);
+  }
+}
+
+/// @param value  a file, or the text of a report and what to call it
+std::vector<EarlierReport> Earlier(const nb::handle& value) {
+  if (nb::isinstance<nb::str>(value)) return ReadReports(nb::cast<std::string>(value));
+  const auto [text, name] = nb::cast<std::pair<std::string, std::string>>(value);
+  return ParseReports(text, name);
+}
+
+bool SetSelection(JudgingSettings& settings, std::string_view name, const nb::handle& value) {
+  EpochSelection& selection = settings.selection;
+  if (name == "start") {
+    selection.start = Time("start", value);
+  } else if (name == "end") {
+    selection.end = Time("end", value);
+  } else if (name == "sampling_s") {
+    selection.sampling_s = InRange("sampling_s", nb::cast<double>(value), 0.01, 86400);
+  } else if (name == "signals") {
+    selection.signals = Signals(nb::cast<std::string>(value));
+  } else {
+    return false;
+  }
+  return true;
+}
+
 void Set(JudgingSettings& settings, std::string_view name, const nb::handle& value) {
   if (name == "elevation_deg") {
     settings.elevation_cutoff_deg = InRange("elevation_deg", nb::cast<double>(value), 0, 90);
@@ -92,16 +165,30 @@ void Set(JudgingSettings& settings, std::string_view name, const nb::handle& val
     for (const auto& satellite : nb::cast<std::vector<std::string>>(value))
       settings.excluded.push_back(Excluded(satellite));
   } else if (name == "profile") {
-    settings.profile = LoadProfile(nb::cast<std::string>(value));
+    SetProfile(settings, nb::cast<std::string>(value));
+  } else if (name == "compare") {
+    settings.compare_with = Earlier(value);
+  } else if (name == "window") {
+    settings.window_s = Window(nb::cast<std::string>(value));
+  } else if (name == "figures") {
+    settings.figures = Choice(nb::cast<std::string>(value));
   } else if (name == "snr_from_strength") {
     settings.snr_from_strength = nb::cast<bool>(value);
   } else if (name == "strict") {
     settings.strict = nb::cast<bool>(value);
   } else if (name == "max_size") {
     settings.limits = Limits(nb::cast<std::int64_t>(value));
-  } else {
+  } else if (!SetSelection(settings, name, value)) {
     throw ArgumentError(fmt::format("there is no argument {}", name));
   }
+}
+
+void CheckSelection(const JudgingSettings& settings) {
+  Require("start and end", Contradiction(settings.selection));
+  const std::optional<double>& sampling_s = settings.selection.sampling_s;
+  if (!sampling_s || !settings.interval_s || *settings.interval_s >= *sampling_s) return;
+  throw ArgumentError(
+      "interval_s is shorter than sampling_s: the interval meant is that of the epochs taken; leave it out");
 }
 
 }  // namespace
@@ -111,6 +198,7 @@ JudgingSettings SettingsFrom(const nb::dict& arguments) {
   for (const auto& [name, value] : arguments) {
     if (!value.is_none()) Set(settings, nb::cast<std::string>(name), value);
   }
+  CheckSelection(settings);
   return settings;
 }
 

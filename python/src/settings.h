@@ -10,7 +10,7 @@ namespace orsolva_python {
 
 /// @param arguments  by name, of the types that orsolva/_settings.py makes sure of; what is missing keeps its
 /// default
-/// @throws ArgumentError that names the argument, ProfileError
+/// @throws ArgumentError that names the argument, ProfileError, EarlierReportError
 orsolva_host::JudgingSettings SettingsFrom(const nanobind::dict& arguments);
 
 }  // namespace orsolva_python

@@ -73,6 +73,28 @@ Table Outcomes(const Report& report) {
   return table;
 }
 
+Table Changes(const Report& report) {
+  Table table;
+  Column& subjects = table.Add("subject", ColumnKind::kName);
+  Column& signals = table.Add("signal", ColumnKind::kName);
+  Column& figures = table.Add("figure", ColumnKind::kName);
+  Column& units = table.Add("unit", ColumnKind::kName);
+  Column& before = table.Add("before", ColumnKind::kReal);
+  Column& after = table.Add("after", ColumnKind::kReal);
+  Column& limits = table.Add("limit", ColumnKind::kReal);
+  if (!report.comparison) return table;
+  for (const FigureChange& change : report.comparison->figures) {
+    subjects.AddTextOrNull(change.subject);
+    signals.AddTextOrNull(change.signal);
+    figures.AddText(change.figure);
+    units.AddTextOrNull(change.unit);
+    before.AddReal(change.before.value_or(kAbsent));
+    after.AddReal(change.after.value_or(kAbsent));
+    limits.AddReal(change.limit);
+  }
+  return table;
+}
+
 Table Notes(const Report& report) {
   Table table;
   Column& ids = table.Add("id", ColumnKind::kText);
@@ -96,10 +118,8 @@ Table Notices(const Report& report) { return NoticeTableOf(report.notices); }
 
 std::vector<ReportTable> VerdictTables() {
   return {
-      {"outcomes", Outcomes},
-      {"notes", Notes},
-      {"notices", Notices},
-      {"figures", AllOfThem},
+      {"outcomes", Outcomes}, {"changes", Changes},   {"notes", Notes},
+      {"notices", Notices},   {"figures", AllOfThem},
   };
 }
 

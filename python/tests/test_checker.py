@@ -1,5 +1,6 @@
 """Own data: however they are split the same bits as from the file; wrong data are refused as a whole."""
 import json
+import time as clock
 
 import numpy as np
 import pytest
@@ -170,4 +171,79 @@ def test_an_error_of_the_run_comes_out(tmp_path, clean):
     run = orsolva.Checker(tmp_path / "none.rnx")
     with pytest.raises(orsolva.FileError):
         run.push_table(table)
+        run.report()
+
+
+def test_detail_comes_batch_by_batch(clean):
+    tables = []
+    run = orsolva.Checker(clean.navigation, interval_s=30, detail=True, series=True)
+    run.on_detail = tables.append
+    for here in epoch_slices(clean.observations.table["time"], 60):
+        table = clean.observations.table
+        run.push(*(table[name][here] for name in ("time", "satellite", "signal", "pseudorange_m", "phase_cycles", "snr_dbhz")))
+    report = run.report()
+    assert tables and [row for table in tables for row in table.to_dicts()] == report.detail.to_dicts()
+    assert tables[0].column_names == report.detail.column_names and len(report.series) > 0
+
+
+@pytest.fixture(scope="module")
+def long():
+    """More epochs than a batch holds."""
+    return orsolva.simulate("quiet", hours=1.75, interval_s=1, systems="G")
+
+
+def test_detail_is_there_before_the_end(long):
+    tables = []
+    with orsolva.Checker(long.navigation, interval_s=1) as run:
+        run.on_detail = tables.append
+        time = long.observations.table["time"]
+        rows = [long.observations.table[name] for name in ("time", "satellite", "signal", "pseudorange_m", "phase_cycles", "snr_dbhz")]
+        for here in epoch_slices(time, 600):
+            run.push(*(column[here] for column in rows))
+        began = clock.monotonic()
+        while not tables and clock.monotonic() < began + 30:
+            run.push(time[:0], [], [])
+        before_the_end = len(tables)
+        run.report()
+    assert 1 <= before_the_end < len(tables) == 3
+
+
+def test_what_on_detail_raises_comes_out(clean):
+    run = orsolva.Checker(clean.navigation, interval_s=30)
+
+    def refuse(table):
+        raise ZeroDivisionError(len(table))
+
+    run.on_detail = refuse
+    run.push_table(clean.observations)
+    with pytest.raises(ZeroDivisionError):
+        run.report()
+    assert run.report().run.epochs == 240
+
+
+def test_on_detail_is_set_before_the_rows(clean):
+    run = orsolva.Checker(interval_s=30)
+    with pytest.raises(orsolva.ArgumentTypeError, match="on_detail"):
+        run.on_detail = 3
+    assert run.on_detail is None
+    run.push(T, ["G01", "G01"], ["1C", "2W"], [2e7, 2e7])
+    with pytest.raises(orsolva.RunError, match="before the first rows"):
+        run.on_detail = print
+    run.close()
+
+
+def test_selections_apply_to_own_data(clean, tmp_path):
+    observations, navigation, _ = clean.write(tmp_path)
+    settings = {"start": "00:20", "sampling_s": 60, "signals": "G:1C,2W", "window": "30m"}
+    from_file = orsolva.qc(observations, navigation, **settings)
+    read = orsolva.read_obs(observations, flags=True)
+    with orsolva.Checker(navigation, header=read, name=str(observations), **settings) as run:
+        run.push_table(read)
+        assert body(run.report()) == body(from_file)
+
+
+def test_a_closed_checker_has_no_report():
+    run = orsolva.Checker(interval_s=30)
+    run.close()
+    with pytest.raises(orsolva.RunError, match="closed"):
         run.report()

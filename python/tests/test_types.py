@@ -25,9 +25,19 @@ for outcome in orsolva.qc_many(["archive"]):
     else:
         print(outcome.systems["system"])
 observations = orsolva.read_obs("day.rnx", start=np.datetime64("2020-06-25"))
+
+
+def watch(rows: orsolva.Table) -> None:
+    print(len(rows))
+
+
 with orsolva.Checker(interval_s=1) as run:
     run.push_table(observations)
+    run.on_detail = watch
     print(run.report().to_dict())
+part = orsolva.qc(["a.rnx", "b.rnx"], start="06:00", sampling_s=30, signals=["G1C"], window="1h", compare=report, series=True)
+changed: int | None = part.comparison.figures_changed if part.comparison is not None else None
+print(part.series, part.stream.crc_errors if part.stream is not None else "no stream")
 print(orsolva.compare(report, orsolva.simulate(hours=1)), orsolva.explain("mp1"))
 '''
 
@@ -62,8 +72,14 @@ def members(name):
 
 def test_stubs_name_every_member_of_the_records(report, observations, navigation):
     verdict = orsolva.qc(observations, navigation, profile="station").profile
-    for record in (report.run, report.headline, report.analysis, report.library.total, report.library.run, report.library.headline, report.verdict, report.findings[0], verdict):
+    compared = orsolva.qc(observations, navigation, compare=report)
+    for record in (report.run, report.headline, report.analysis, report.library.total, report.library.run, report.library.headline, report.verdict, report.findings[0], verdict, compared.comparison):
         assert members(type(record).__name__) == set(record), type(record)
+
+
+def test_stubs_name_every_member_of_the_facts_of_a_stream(data):
+    stream = orsolva.read_obs(data.parent / "rtcm" / "sept.rtcm").stream
+    assert members("StreamFacts") == set(stream)
 
 
 def test_everything_public_has_a_docstring():

@@ -17,7 +17,7 @@ from .running import Outcome, Run, complete_unfinished, default_workers, remove_
 from .settings import ArchiveError, Settings, buckets_for
 from .store import Store, init
 from .tables import TABLES
-from .workers import DaskCluster, Processes, Workers
+from .workers import DaskCluster, Processes, ThisProcess, Workers
 
 GOOD, FAILED, WRONG_USAGE, INTERRUPTED = 0, 1, 2, 130
 _BUILT_IN_PROFILES = ("network", "station")
@@ -49,7 +49,7 @@ def parser() -> argparse.ArgumentParser:
     run = commands.add_parser("run", help="judge what is new or changed")
     _add_sources(run, _run)
     where = run.add_mutually_exclusive_group()
-    where.add_argument("--workers", type=_positive, metavar="N", help="processes of this machine (default: one per core)")
+    where.add_argument("--workers", type=_workers_number, metavar="N", help="processes of this machine (default: one per core; 0: this process alone)")
     where.add_argument("--dask", metavar="ADDRESS", help="scheduler of a Dask cluster, such as tcp://head:8786")
     run.add_argument("--quiet", action="store_true", help="no progress")
     check = commands.add_parser("check", help="count what there is, and find what is missing")
@@ -88,6 +88,10 @@ def _positive(text: str) -> int:
     if not 1 <= number <= 65536:
         raise argparse.ArgumentTypeError(f"{text}: expected 1 to 65536")
     return number
+
+
+def _workers_number(text: str) -> int:
+    return 0 if text == "0" else _positive(text)
 
 
 def _since(text: str) -> datetime.date:
@@ -170,7 +174,7 @@ def _run(options: argparse.Namespace) -> int:
             if plan.counts.to_do == 0:
                 complete_unfinished(store, plan.choice)
                 return GOOD
-            workers: Workers = DaskCluster(options.dask) if options.dask else Processes(options.workers or default_workers())
+            workers = _workers(options)
             outcome = Outcome(interrupted=True)
             try:
                 outcome = Run(plan, workers, lease, progress).go()
@@ -179,6 +183,13 @@ def _run(options: argparse.Namespace) -> int:
             if not outcome.interrupted and not outcome.errors:
                 complete_unfinished(store, plan.choice)
     return _say(outcome, time.monotonic() - begun)
+
+
+def _workers(options: argparse.Namespace) -> Workers:
+    if options.dask:
+        return DaskCluster(options.dask)
+    count = default_workers() if options.workers is None else options.workers
+    return Processes(count) if count > 0 else ThisProcess()
 
 
 def _say(outcome: Outcome, seconds: float) -> int:

@@ -99,7 +99,8 @@ class Plan:
             CREATE TABLE files (year INT, month INT, bucket INT, name TEXT, source INT, path TEXT, station TEXT,
                                 start TEXT, size INT, content TEXT, PRIMARY KEY (year, month, bucket, name)) WITHOUT ROWID;
             CREATE TABLE doubles (path TEXT, taken TEXT);
-            CREATE TABLE navigation (day TEXT, station TEXT, path TEXT, content TEXT, PRIMARY KEY (day, station, path)) WITHOUT ROWID;
+            CREATE TABLE navigation (day TEXT, station TEXT, name TEXT, source INT, path TEXT, content TEXT,
+                                     PRIMARY KEY (day, station, name)) WITHOUT ROWID;
             CREATE TABLE jobs (year INT, month INT, bucket INT, day TEXT, name TEXT, job TEXT,
                                PRIMARY KEY (year, month, bucket, day, name)) WITHOUT ROWID;
             BEGIN;
@@ -140,7 +141,7 @@ class Plan:
         elif name.observations and observations:
             self._take_observations(found, source, name)
         elif not name.observations and navigation:
-            self._take_navigation(found, name)
+            self._take_navigation(found, source, name)
 
     def _take_observations(self, found: Found, source: int, name: FileName) -> None:
         bundle = Bundle(name.date.year, name.date.month, bucket_of(name.station, self.store.settings.buckets))
@@ -159,10 +160,14 @@ class Plan:
                 return
         self._rows.execute("INSERT OR REPLACE INTO files VALUES (?,?,?,?,?,?,?,?,?,?)", row)
 
-    def _take_navigation(self, found: Found, name: FileName) -> None:
+    def _take_navigation(self, found: Found, source: int, name: FileName) -> None:
         self.counts.navigation += 1
-        row = (name.date.isoformat(), name.station, found.path, found.content)
-        self._rows.execute("INSERT OR REPLACE INTO navigation VALUES (?,?,?,?)", row)
+        row = (name.date.isoformat(), name.station, name.stem, source, found.path, found.content)
+        query = (
+            "INSERT INTO navigation VALUES (?,?,?,?,?,?) ON CONFLICT DO UPDATE SET source=excluded.source, path=excluded.path, "
+            "content=excluded.content WHERE (excluded.source, excluded.path) < (source, path)"
+        )
+        self._rows.execute(query, row)
 
     def doubles(self) -> Iterator[tuple[str, str]]:
         """Files of the same name as another, and that other, which is judged."""
@@ -204,7 +209,7 @@ class Plan:
                 navigation[day, station] = self._navigation(day, station, own_navigation)
             used = navigation[day, station]
             if self.store.settings.content == "sha256":
-                content = content_now(path, "sha256")
+                content = content_now(path, "sha256") or "gone"
             run_id = run_key(name, size, content, [mark for _, mark in used], self.store.settings.id)
             if not self._is_due(known.get(name), run_id):
                 continue
@@ -224,11 +229,19 @@ class Plan:
         return True
 
     def _navigation(self, day: str, station: str, own: bool) -> list[tuple[str, str]]:
-        rows = self._rows.execute("SELECT station, path, content FROM navigation WHERE day=? ORDER BY path", (day,)).fetchall()
+        rows = self._rows.execute("SELECT station, path, content FROM navigation WHERE day=? ORDER BY name", (day,)).fetchall()
         if own:
             of_station = [row for row in rows if row[0] == station or row[0][:4] == station[:4]]
             rows = of_station or [row for row in rows if row[0].startswith(_NETWORK_NAVIGATION)]
-        return [(path, content) for _, path, content in rows]
+        return [(path, self._content(path, content)) for _, path, content in rows]
+
+    def _content(self, path: str, listed: str) -> str:
+        """What identifies a file as the store is set to; computed once."""
+        if self.store.settings.content == "time" or listed.startswith("sha256:"):
+            return listed
+        content = content_now(path, "sha256") or "gone"
+        self._rows.execute("UPDATE navigation SET content=? WHERE path=?", (content, path))
+        return content
 
     def jobs(self) -> Iterator[tuple[Bundle, list[Job]]]:
         """What is to be judged, bundle by bundle; within one day by day, so that navigation is read once."""

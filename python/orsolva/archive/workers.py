@@ -41,6 +41,23 @@ class Workers(Protocol):
         ...
 
 
+class ThisProcess:
+    """No workers: chunks are judged where the coordinator runs."""
+
+    count = 1
+
+    def submit(self, chunk: Chunk, settings: Settings) -> Future[Judged]:
+        future: Future[Judged] = Future()
+        future.set_result(judge_chunk(chunk, settings))
+        return future
+
+    def lost(self, chunk: Chunk, settings: Settings, error: BaseException) -> Judged | None:
+        raise error
+
+    def close(self, now: bool) -> None:
+        pass
+
+
 class Processes:
     """Processes of this machine, one thread each."""
 

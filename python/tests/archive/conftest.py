@@ -1,14 +1,18 @@
 """What the tests of the archive share: a simulated network, stores, runs of the command."""
+import contextlib
 import datetime
 import hashlib
+import io
 import os
 import pathlib
 import subprocess
 import sys
+import time
 
 import pytest
 
 import orsolva
+from orsolva.archive.command import main
 
 FIRST_DAY = datetime.date(2026, 1, 30)
 
@@ -46,12 +50,69 @@ def own_network(tmp_path):
     return tmp_path / "source"
 
 
-def archive(*arguments, good=(0,), **more):
+def archive(*arguments, good=(0,)):
+    """Runs a command in this process; `run` without workers unless the test says how many. @return what it prints"""
+    arguments = [str(argument) for argument in arguments]
+    if arguments[:1] == ["run"] and not {"--workers", "--dask"} & set(arguments):
+        arguments += ["--workers", "0"]
+    told = io.StringIO()
+    with contextlib.redirect_stdout(told), contextlib.redirect_stderr(told):
+        try:
+            code = main(arguments)
+        except SystemExit as end:
+            code = end.code
+    assert code in good, told.getvalue()
+    return told.getvalue()
+
+
+def program(*arguments, good=(0,), **more):
     """Runs `python -m orsolva.archive`. @return what it prints, errors included"""
     command = [sys.executable, "-m", "orsolva.archive", *map(str, arguments)]
     done = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, timeout=300, **more)
     assert done.returncode in good, done.stdout
     return done.stdout
+
+
+class Started:
+    """A run of the program that goes on next to the test."""
+
+    def __init__(self, process):
+        self.process = process
+
+    def workers(self, count):
+        """The process numbers of its workers, once there are so many."""
+        children = pathlib.Path(f"/proc/{self.process.pid}/task/{self.process.pid}/children")
+        for _ in range(600):
+            found = [int(pid) for pid in children.read_text().split() if b"spawn_main" in pathlib.Path(f"/proc/{pid}/cmdline").read_bytes()]
+            if len(found) >= count:
+                return found
+            time.sleep(0.01)
+        raise AssertionError(f"no {count} workers: {self.told()}")
+
+    def wait_for_runs(self, store):
+        """Until a bundle is written."""
+        for _ in range(3000):
+            if any(pathlib.Path(store).glob("runs/*/*/*/data.parquet")):
+                return
+            time.sleep(0.01)
+        raise AssertionError(f"nothing was written: {self.told()}")
+
+    def told(self):
+        """What it printed. Ends it."""
+        self.process.kill()
+        return self.process.communicate()[0]
+
+
+@contextlib.contextmanager
+def started(*arguments):
+    """Begins a command in a process of its own, which does not outlive the test."""
+    command = [sys.executable, "-m", "orsolva.archive", *map(str, arguments)]
+    process = subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+    try:
+        yield Started(process)
+    finally:
+        process.kill()
+        process.communicate()
 
 
 def sums(store):
@@ -65,5 +126,5 @@ def undisturbed(network, tmp_path_factory):
     """A store of the network, judged in one process. Not to be changed."""
     store = tmp_path_factory.mktemp("undisturbed") / "store"
     archive("init", store, "--buckets", 2)
-    archive("run", store, network, "--workers", 1)
+    archive("run", store, network)
     return store

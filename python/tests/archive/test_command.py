@@ -1,11 +1,11 @@
 """The command line: usage, errors, exit codes."""
 import pytest
 
-from conftest import archive
+from conftest import archive, program
 from orsolva.archive.command import _since, _until, parser
 
 
-@pytest.mark.parametrize("arguments", [[], ["run"], ["run", "store"], ["nonsense"], ["run", "s", "x", "--workers", "0"], ["run", "s", "x", "--workers", "2", "--dask", "tcp://x"]])
+@pytest.mark.parametrize("arguments", [[], ["run"], ["run", "store"], ["nonsense"], ["run", "s", "x", "--workers", "-1"], ["run", "s", "x", "--workers", "2", "--dask", "tcp://x"]])
 def test_wrong_usage(arguments):
     assert "usage: orsolva archive" in archive(*arguments, good=(2,))
 
@@ -23,6 +23,10 @@ def test_dates_may_be_years_or_months():
 def test_a_source_that_is_not_there_is_an_error(tmp_path):
     archive("init", tmp_path / "store")
     assert "there is no such folder" in archive("run", tmp_path / "store", tmp_path / "nowhere", good=(1,))
+
+
+def test_the_module_is_a_program():
+    assert "usage: orsolva archive" in program("--help")
 
 
 def test_defaults():

@@ -1,5 +1,6 @@
 """Leases, bad input, and runs that end early."""
 import os
+import pathlib
 import shutil
 import signal
 import subprocess
@@ -9,7 +10,7 @@ import time
 import pytest
 
 import orsolva.archive
-from conftest import archive, sums
+from conftest import archive, started, sums
 from orsolva.archive.lease import EXPIRES_S, Lease
 from orsolva.archive.places import Folder
 from orsolva.archive.progress import Progress, span_of
@@ -63,7 +64,7 @@ def test_bad_files_are_failed_runs_and_the_others_go_on(tmp_path, own_network):
     files[2].write_bytes(text[: len(text) * 2 // 3])
     store = tmp_path / "store"
     archive("init", store)
-    told = archive("run", store, own_network, "--workers", 2)
+    told = archive("run", store, own_network)
     with orsolva.archive.open(store) as opened:
         states = dict(opened.sql("SELECT name, state FROM runs").fetchall())
         errors = dict(opened.sql("SELECT name, error FROM runs WHERE error IS NOT NULL").fetchall())
@@ -92,28 +93,21 @@ def test_a_file_that_changes_while_it_is_judged_is_left_to_the_next_run(own_netw
     assert from_bytes(judge_chunk(jobs, Settings())["runs"])["name"].to_pylist() == [jobs[0].name]
 
 
-def test_ctrl_c_leaves_a_store_that_the_next_run_completes(tmp_path, own_network, undisturbed):
+def test_ctrl_c_leaves_a_store_that_the_next_run_completes(tmp_path, network, undisturbed):
     store = tmp_path / "store"
     archive("init", store, "--buckets", 2)
-    # A pipe that nobody writes to stops the worker for good.
-    blocked = sorted(own_network.rglob("*_MO.rnx"))[-1]
-    text, times = blocked.read_bytes(), blocked.stat()
-    blocked.unlink()
-    os.mkfifo(blocked)
-    process = subprocess.Popen([sys.executable, "-m", "orsolva.archive", "run", str(store), str(own_network), "--workers", "1"],
-                               stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
-    time.sleep(3)
-    process.send_signal(signal.SIGINT)
-    told, _ = process.communicate(timeout=60)
-    assert process.returncode == 130 or process.returncode == 0, told
-    blocked.unlink()
-    blocked.write_bytes(text)
-    os.utime(blocked, ns=(times.st_atime_ns, times.st_mtime_ns))
-    archive("run", store, own_network, "--workers", 2)
-    archive("init", tmp_path / "fresh", "--buckets", 2)
-    archive("run", tmp_path / "fresh", own_network, "--workers", 2)
-    assert sums(store) == sums(tmp_path / "fresh")
+    with started("run", store, network, "--workers", 2) as run:
+        worker = run.workers(2)[0]
+        os.kill(worker, signal.SIGSTOP)
+        run.wait_for_runs(store)
+        run.process.send_signal(signal.SIGINT)
+        assert run.process.wait(60) == 130, run.told()
+    assert not pathlib.Path(f"/proc/{worker}").exists()
+    with orsolva.archive.open(store) as opened:
+        assert 0 < len(opened.sql("SELECT name FROM runs").fetchall()) < 12
     archive("check", store)
+    archive("run", store, network)
+    assert sums(store) == sums(undisturbed)
 
 
 class Terminal(list):

@@ -10,6 +10,7 @@ const common = { bundle: true, minify: true, write: false, charset: 'ascii', tar
 const PAGES = [
   { name: 'report.html', page: 'page.html', script: 'main.ts' },
   { name: 'network.html', page: 'network.html', script: 'network.ts' },
+  { name: 'live.html', page: 'live.html', script: 'live.ts' },
 ];
 
 const text = (bundle) => bundle.outputFiles[0].text.trim();

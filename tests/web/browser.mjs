@@ -20,7 +20,7 @@ export async function launch() {
   return chromium.launch({ executablePath, headless: true, args: QUIET });
 }
 
-/** Opens a file as a reader does, by a double click. */
+/** Opens a file as a reader does, by a double click, or an address of a server. */
 export async function open(browser, file, options = {}) {
   const context = await browser.newContext({ viewport: { width: 1280, height: 900 }, acceptDownloads: true, ...options });
   const page = await context.newPage();
@@ -32,7 +32,7 @@ export async function open(browser, file, options = {}) {
   page.on('pageerror', (error) => problems.push(String(error)));
   page.on('request', (request) => requests.push(request.url()));
   if (file !== 'about:blank') {
-    await page.goto(`file://${file}`);
+    await page.goto(file.startsWith('http:') ? file : `file://${file}`);
     await page.waitForFunction(() => window.orsolva !== undefined);
   }
   return { context, page, problems, requests };

@@ -15,7 +15,7 @@ clean_install "$root/host/web"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 (cd "$root/host/web" && npx --no-install tsc --noEmit && node build.mjs "$work/dist")
-for page in report.html network.html; do
+for page in report.html network.html live.html; do
   cmp "$work/dist/$page" "$root/host/web/dist/$page" && continue
   echo "host/web/dist/$page is not what its sources build: run 'npm run build' in host/web and commit it" >&2
   exit 1
@@ -76,3 +76,9 @@ clean_install "$here"
 NETWORK=$network/reports/index.html DAYS=$work/days/index.html DEMO=$work/demo.html DEMO_TRUTH=$work/demo/truth.json \
   REPORT=$work/station.html REPORT_JSON=$work/station.json REPORT_SERIES=$work/station.csv HOSTILE=$work/hostile.html \
   node --test --test-reporter=spec "$here/page.test.mjs" "$here/network.test.mjs" "$here/colors.test.mjs"
+
+if [ -x "$build/bin/live_sample_server" ]; then
+  LIVE_SERVER=$build/bin/live_sample_server node --test --test-reporter=spec "$here/live.test.mjs"
+else
+  echo "built without a server: the page of live stations is not tested" >&2
+fi

@@ -173,10 +173,18 @@ class LiveServer::Implementation {
       return Send(response, texts_.Get("/state.json", make), kJson);
     }
     const std::string name = request.get_param_value("station");
-    const LiveBoard::StatePointer station = board_.Station(name);
+    const LiveBoard::StatePointer station = StationAsShown(name);
     if (!station) return Refuse(response, 404, "no station of that name");
     const auto make = [&] { return StationJson(*station, Head()); };
     Send(response, texts_.Get("/state.json?" + name, make), kJson);
+  }
+
+  /// By the name that the documents have of it. @return null when there is none
+  LiveBoard::StatePointer StationAsShown(const std::string& name) const {
+    for (const LiveBoard::StatePointer& station : board_.Stations()) {
+      if (ValidUtf8(station->name) == name) return station;
+    }
+    return nullptr;
   }
 
   /// Events after an id; without any it waits for the first one, up to the seconds asked for.

@@ -131,6 +131,16 @@ export class Figure {
     this.note.textContent = drawing.note ?? '';
   }
 
+  /** Draws new data and keeps the zoom. */
+  update(): void {
+    if (this.chart === null) return;
+    const zooms = (this.chart.getOption().dataZoom ?? []) as { start: number; end: number }[];
+    this.redraw();
+    zooms.forEach(({ start, end }, dataZoomIndex) => {
+      if (start > 0 || end < 100) this.chart!.dispatchAction({ type: 'dataZoom', dataZoomIndex, start, end });
+    });
+  }
+
   resize(): void {
     if (this.chart !== null && this.box.clientWidth !== this.chart.getWidth()) this.refit();
   }

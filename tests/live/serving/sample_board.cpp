@@ -31,11 +31,11 @@ SignalSums MinuteOf(int minute, int seed, double strength_db) {
 WindowSums SumsOfMinute(int minute, int seed) {
   WindowSums sums;
   sums.epochs_expected = 60;
-  const bool lost = (minute / 30) % 40 == 7 + seed;
+  const bool lost = minute / 30 == 7 + seed;
   if (lost) return sums;
   sums.epochs_present = 60;
   sums.messages = 310;
-  sums.satellite_epochs = static_cast<Count>(60 * (30 + minute % 5));
+  sums.satellite_epochs = static_cast<Count>(60 * (30 + minute / 90 % 5));
   sums.signals[{'G', "1C"}] = MinuteOf(minute, seed, 44);
   sums.signals[{'G', "2W"}] = MinuteOf(minute, seed, 38);
   sums.signals[{'E', "1X"}] = MinuteOf(minute, seed + 1, 45);

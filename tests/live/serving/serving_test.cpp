@@ -51,6 +51,17 @@ TEST_F(ServingTest, EveryPathHasItsTypeAndOthersAreNotFound) {
   EXPECT_EQ(client.Get("/events.json?after=-1")->status, 400);
 }
 
+TEST_F(ServingTest, AStationIsFoundByTheNameThatIsShown) {
+  httplib::Client client = Client();
+  const Json network = Json::parse(client.Get("/state.json")->body);
+  for (const Json& station : network.at("stations")) {
+    const std::string name = station.at("name").get<std::string>();
+    const auto answer = client.Get("/state.json", httplib::Params{{"station", name}}, httplib::Headers{});
+    ASSERT_EQ(answer->status, 200) << name;
+    EXPECT_EQ(Json::parse(answer->body).at("station").at("name").get<std::string>(), name);
+  }
+}
+
 TEST_F(ServingTest, OpenMetricsGoesToThoseWhoAskForIt) {
   httplib::Client client = Client();
   const auto open =

@@ -100,7 +100,7 @@ std::vector<GivenValue> SetFromConfig(const Command& command, std::string_view t
                                       const std::string& origin) {
   std::vector<GivenValue> values;
   if (const std::size_t line = LineOfDeepKey(text); line > 0) {
-    throw ConfigError(fmt::format("{}:{}: a key of more than {} parts", origin, line, kMostKeyParts));
+    throw ConfigError(fmt::format("{}:{}: a key of more than {} parts", origin, line, kMaxKeyParts));
   }
   try {
     const toml::table table = toml::parse(text, origin);

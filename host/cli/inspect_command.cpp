@@ -85,16 +85,16 @@ void ShowInterval(const ObservationHeader& header, const analysis::SpanFigures& 
 }
 
 void ShowGaps(const analysis::SpanFigures& span) {
-  constexpr std::size_t kMostShown = 5;
+  constexpr std::size_t kMaxShown = 5;
   const std::size_t count = span.gaps.size() + span.further_gaps;
   if (count == 0) return Row("Gaps", "none");
   Row("Gaps", fmt::format("{}, {} missing", Many(count, "gap"), Many(span.lost_epochs.value_or(0), "epoch")));
-  for (std::size_t i = 0; i < std::min(kMostShown, span.gaps.size()); ++i) {
+  for (std::size_t i = 0; i < std::min(kMaxShown, span.gaps.size()); ++i) {
     const analysis::DataGap& gap = span.gaps[i];
     Row("", fmt::format("{} to {}, {}", TimeAt(gap.last_before_ns), TimeAt(gap.first_after_ns).substr(11),
                         Many(gap.missing_epochs, "epoch")));
   }
-  if (count > kMostShown) Row("", fmt::format("and {} more", count - kMostShown));
+  if (count > kMaxShown) Row("", fmt::format("and {} more", count - kMaxShown));
 }
 
 void ShowSystems(const std::map<char, SystemContents>& systems) {

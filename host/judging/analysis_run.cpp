@@ -82,7 +82,7 @@ void AnalysisRun::PassSeries() {
 void AnalysisRun::PassEvents() {
   for (analysis::Event& event : analysis_.TakeEvents()) {
     if (events_ != nullptr) events_->Add(event);
-    if (report_.events.size() < kMostEventsKept) {
+    if (report_.events.size() < kMaxEventsKept) {
       report_.events.push_back(std::move(event));
     } else {
       ++report_.further_events;

@@ -32,7 +32,7 @@ class AnalysisRun {
 
   /// Takes the next epoch. @param epoch  satellites that are not chosen are taken out of its list
   void Add(ObservationEpoch& epoch);
-  /// Decides what is still open. @return the figures, with the first kMostEventsKept events
+  /// Decides what is still open. @return the figures, with the first kMaxEventsKept events
   /// @param changes  of antenna, receiver and marker within the data
   AnalysisReport Finish(std::vector<DescriptionChange> changes);
 
@@ -52,7 +52,7 @@ class AnalysisRun {
 
 /// A report keeps so many events; all of them go to the sink. A receiver in a scintillating sky gives a few
 /// thousand a day.
-constexpr std::size_t kMostEventsKept = 20'000;
+constexpr std::size_t kMaxEventsKept = 20'000;
 
 }  // namespace orsolva_host
 

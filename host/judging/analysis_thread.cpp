@@ -9,12 +9,12 @@ namespace {
 
 // Reading is faster than the analysis, which works on while the library measures a batch of 2,880 epochs: in
 // less room the reader would wait, and the library with it. An epoch of five systems takes 8 KB.
-constexpr std::size_t kMostBlocks = 16;
+constexpr std::size_t kMaxBlocks = 16;
 
 }  // namespace
 
 AnalysisThread::AnalysisThread(std::unique_ptr<AnalysisRun> run, bool own_thread)
-    : run_(std::move(run)), queue_(kMostBlocks) {
+    : run_(std::move(run)), queue_(kMaxBlocks) {
   if (!own_thread) return;
   try {
     thread_ = std::thread([this] { Work(); });

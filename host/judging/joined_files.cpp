@@ -130,8 +130,8 @@ class JoinedSource : public EpochSource {
   }
 
   static void Append(const std::vector<DescriptionChange>& more, std::vector<DescriptionChange>& to) {
-    constexpr std::size_t kMostChanges = 100;
-    const std::size_t room = kMostChanges - std::min(kMostChanges, to.size());
+    constexpr std::size_t kMaxChanges = 100;
+    const std::size_t room = kMaxChanges - std::min(kMaxChanges, to.size());
     to.insert(to.end(), more.begin(),
               more.begin() + static_cast<std::ptrdiff_t>(std::min(room, more.size())));
   }

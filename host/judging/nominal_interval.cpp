@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t kEpochsForInterval = 600;
 constexpr double kAgreement = 0.01;  // two intervals agree that differ by less than this part
-constexpr std::size_t kLeastSteps = 10;
+constexpr std::size_t kMinSteps = 10;
 
 /// How the steps between neighbouring epochs are spread; those of 0 are left out.
 struct Steps {
@@ -46,7 +46,7 @@ bool AreSure(const Steps& steps, double interval_s) {
   for (const auto& [ticks, count] : steps.counts) {
     if (Agree(static_cast<double>(ticks) / kTicksPerSecond, interval_s)) agreeing += count;
   }
-  return steps.total >= kLeastSteps && 2 * agreeing >= steps.total;
+  return steps.total >= kMinSteps && 2 * agreeing >= steps.total;
 }
 
 }  // namespace

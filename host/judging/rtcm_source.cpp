@@ -10,7 +10,7 @@
 namespace orsolva_host {
 namespace {
 
-constexpr std::size_t kMostChanges = 100;
+constexpr std::size_t kMaxChanges = 100;
 
 void Round(double& value) {
   constexpr double kThousand = 1000;
@@ -108,7 +108,7 @@ void RtcmSource::NoteChanges() {
   const rtcm::StationDescription& now = reader_->Station();
   const auto compare = [this](const char* what, std::string& known, const std::string& stated) {
     if (stated.empty() || stated == known) return;
-    if (changes_.size() < kMostChanges) changes_.push_back({what, known, stated});
+    if (changes_.size() < kMaxChanges) changes_.push_back({what, known, stated});
     known = stated;
   };
   compare("antenna", antenna_, now.antenna);

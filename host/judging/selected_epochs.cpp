@@ -15,8 +15,8 @@ namespace orsolva_host {
 namespace {
 
 constexpr std::int64_t kDay_ns = 86400 * kNanosecondsPerSecond;
-constexpr std::int64_t kLeastTolerance_ns = 5'000'000;
-constexpr std::int64_t kMostTolerance_ns = kNanosecondsPerSecond / 2;
+constexpr std::int64_t kMinTolerance_ns = 5'000'000;
+constexpr std::int64_t kMaxTolerance_ns = kNanosecondsPerSecond / 2;
 
 std::int64_t Nanoseconds(double seconds) { return std::llround(seconds * 1e9); }
 
@@ -68,7 +68,7 @@ bool SelectedEpochs::IsInSpan(std::int64_t time_ns) const {
 
 bool SelectedEpochs::IsOnGrid(std::int64_t time_ns) {
   if (sampling_ns_ == 0) return true;
-  const std::int64_t tolerance_ns = std::clamp(shortest_step_ns_ / 2, kLeastTolerance_ns, kMostTolerance_ns);
+  const std::int64_t tolerance_ns = std::clamp(shortest_step_ns_ / 2, kMinTolerance_ns, kMaxTolerance_ns);
   const std::int64_t number = (time_ns + sampling_ns_ / 2) / sampling_ns_;
   const bool near = std::abs(time_ns - number * sampling_ns_) < tolerance_ns;
   if (!near || number == grid_number_) return false;

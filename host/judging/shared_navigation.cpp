@@ -75,10 +75,10 @@ class NavigationFinder {
 
   void Find() {
     // A folder may hold the files of hundreds of stations, and a system none of them has.
-    constexpr int kMostSources = 6;
+    constexpr int kMaxSources = 6;
     int sources = 0;
     for (const NavigationGroup& group : NavigationBeside(wanted_.beside, wanted_.first, wanted_.last)) {
-      if (IsSatisfied() || ++sources > kMostSources) break;
+      if (IsSatisfied() || ++sources > kMaxSources) break;
       ReadSource(group);
     }
     read_.has_record_files = !read_.files.empty();

@@ -179,14 +179,14 @@ std::string GapTexts(const analysis::SpanFigures& span) {
   std::vector<analysis::DataGap> gaps = span.gaps;
   std::stable_sort(gaps.begin(), gaps.end(),
                    [](const auto& a, const auto& b) { return a.missing_epochs > b.missing_epochs; });
-  constexpr std::size_t kMostGaps = 3;
+  constexpr std::size_t kMaxGaps = 3;
   std::string text;
-  for (std::size_t i = 0; i < std::min(gaps.size(), kMostGaps); ++i) {
+  for (std::size_t i = 0; i < std::min(gaps.size(), kMaxGaps); ++i) {
     text += fmt::format("{}{} after {}", i > 0 ? ", " : "", Many(gaps[i].missing_epochs, "epoch"),
                         MomentText(gaps[i].last_before_ns));
   }
   const std::size_t all = gaps.size() + span.further_gaps;
-  return all > kMostGaps ? fmt::format("The longest of {} gaps: {}.", all, text) : text + ".";
+  return all > kMaxGaps ? fmt::format("The longest of {} gaps: {}.", all, text) : text + ".";
 }
 
 void AddMissingEpochs(const Report& report, std::vector<Finding>& findings) {

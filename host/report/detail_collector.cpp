@@ -17,18 +17,18 @@ using orsolva::SatelliteEpochDetail;
 
 constexpr double kDegreesPerRadian = 57.295779513082320877;
 constexpr std::uint32_t kNoRow = 0xffffffff;
-constexpr double kMostEpochs = 4e9;
-constexpr std::size_t kMostEvents = 400'000;  // of every pair; a page shows those of one pair per signal
-constexpr std::size_t kMostArcs = 20'000;
+constexpr double kMaxEpochs = 4e9;
+constexpr std::size_t kMaxEvents = 400'000;  // of every pair; a page shows those of one pair per signal
+constexpr std::size_t kMaxArcs = 20'000;
 constexpr double kBinDegrees = 5;
 constexpr std::size_t kBytesPerRow = 8;
 constexpr std::size_t kBytesPerSignalRow = 4;
 
-/// The nearest whole number of units, held within +-kMostValue.
+/// The nearest whole number of units, held within +-kMaxValue.
 std::int16_t Scaled(double value, double unit) {
   if (!std::isfinite(value)) return kNoValue;
   const double scaled = std::round(value / unit);
-  return static_cast<std::int16_t>(std::clamp(scaled, -double{kMostValue}, double{kMostValue}));
+  return static_cast<std::int16_t>(std::clamp(scaled, -double{kMaxValue}, double{kMaxValue}));
 }
 
 std::uint16_t Hundredths(double value) {
@@ -115,7 +115,7 @@ void DetailCollector::Begin(const Time_gbt& first, double interval_s) {
 
 bool DetailCollector::IndexOf(const Time_gbt& time, EpochIndex& index) const {
   const double intervals = std::round(Difference(time, first_) / interval_s_);
-  if (!(intervals >= 0 && intervals < kMostEpochs)) return false;
+  if (!(intervals >= 0 && intervals < kMaxEpochs)) return false;
   index = static_cast<EpochIndex>(intervals);
   return true;
 }
@@ -152,7 +152,7 @@ void DetailCollector::AddArc(SatelliteColumns& columns, EpochIndex index, bool a
     return;
   }
   columns.arcs.push_back({index, index, above_cutoff, above_cutoff});
-  if (++arcs_ > kMostArcs) JoinArcs();
+  if (++arcs_ > kMaxArcs) JoinArcs();
 }
 
 void DetailCollector::AddSignals(SatelliteColumns& columns, const SatelliteEpochDetail& detail,
@@ -231,7 +231,7 @@ void DetailCollector::AddEvent(SatelliteColumns& columns, PairColumn& pair, cons
                                EventKind kind) {
   if (keep_ == Keep::kFindings && !IsHard(kind)) return;
   ++pair.events[static_cast<std::size_t>(kind)];
-  if (events_ >= kMostEvents) {
+  if (events_ >= kMaxEvents) {
     ++events_left_out_;
     return;
   }
@@ -286,7 +286,7 @@ void DetailCollector::Thin() {
 
 /// Doubles the least gap until half the arcs fit.
 void DetailCollector::JoinArcs() {
-  while (arcs_ > kMostArcs / 2 && least_gap_ < (1U << 30U)) {
+  while (arcs_ > kMaxArcs / 2 && least_gap_ < (1U << 30U)) {
     least_gap_ *= 2;
     arcs_ = 0;
     for (auto& [number, columns] : satellites_) {

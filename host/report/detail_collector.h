@@ -16,9 +16,9 @@
 
 namespace orsolva_host {
 
-constexpr int kElevationBins = 18;          ///< of 5 degrees
-constexpr std::int16_t kNoValue = -32768;   ///< no value, in the 16-bit columns
-constexpr std::int16_t kMostValue = 32767;  ///< values beyond are held at +- this
+constexpr int kElevationBins = 18;         ///< of 5 degrees
+constexpr std::int16_t kNoValue = -32768;  ///< no value, in the 16-bit columns
+constexpr std::int16_t kMaxValue = 32767;  ///< values beyond are held at +- this
 
 /// What a page shows as an event. The order is that of the names in detail_data.cpp.
 enum class EventKind : std::uint8_t {

@@ -19,7 +19,7 @@
 namespace orsolva_host {
 namespace {
 
-constexpr std::size_t kMostEventsShown = 20'000;
+constexpr std::size_t kMaxEventsShown = 20'000;
 
 // One name for each EventKind.
 constexpr const char* kEventNames[kEventKinds] = {
@@ -160,7 +160,7 @@ void AddSignalBins(const DetailCollector& detail, std::string& text) {
 /// [satellite, epoch, kind, elevation in 0.1 degrees, signals as bits] in the order of time.
 void AddEventRows(const DetailCollector& detail, const RunEvents& events, std::string& text) {
   text += ",\"events\":[";
-  const std::size_t shown = std::min(events.rows.size(), kMostEventsShown);
+  const std::size_t shown = std::min(events.rows.size(), kMaxEventsShown);
   for (std::size_t i = 0; i < shown; ++i) {
     const EventRow& row = events.rows[i];
     Comma(text);

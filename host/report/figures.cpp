@@ -127,9 +127,9 @@ const Figure* FindFigure(std::string_view name) {
 }
 
 std::vector<std::string> FiguresLike(std::string_view name) {
-  constexpr std::size_t kMostLetters = 40;
+  constexpr std::size_t kMaxLetters = 40;
   constexpr std::size_t kFarthest = 4;
-  const std::string wanted = Lower(name.substr(0, kMostLetters));
+  const std::string wanted = Lower(name.substr(0, kMaxLetters));
   if (wanted.empty()) return {};
   std::vector<std::pair<std::size_t, std::string>> near;
   for (const Figure& figure : FigureTexts()) {

@@ -37,17 +37,17 @@ std::string TitlesOf(const std::vector<const Finding*>& findings, std::size_t mo
 }
 
 std::string WorstText(const std::vector<Finding>& findings) {
-  constexpr std::size_t kMostTitles = 4;
+  constexpr std::size_t kMaxTitles = 4;
   std::vector<const Finding*> wrong;
   for (const Finding& finding : findings) {
     if (IsWrong(finding)) wrong.push_back(&finding);
   }
-  return TitlesOf(wrong, kMostTitles);
+  return TitlesOf(wrong, kMaxTitles);
 }
 
 /// What is worth knowing although it makes nothing worse.
 std::string NotableText(const std::vector<Finding>& findings, bool good) {
-  constexpr std::size_t kMostTitles = 2;
+  constexpr std::size_t kMaxTitles = 2;
   constexpr std::string_view kNotable[] = {"position-off", "antenna-moves", "missing-observations",
                                            "clock-resets"};
   std::vector<const Finding*> notable;
@@ -57,8 +57,8 @@ std::string NotableText(const std::vector<Finding>& findings, bool good) {
     const bool listed = std::find(std::begin(kNotable), std::end(kNotable), finding.id) != std::end(kNotable);
     if (!IsWrong(finding) && (listed || slips)) notable.push_back(&finding);
   }
-  notable.resize(std::min(notable.size(), kMostTitles));
-  return TitlesOf(notable, kMostTitles);
+  notable.resize(std::min(notable.size(), kMaxTitles));
+  return TitlesOf(notable, kMaxTitles);
 }
 
 /// What a run without anything wrong is known by.

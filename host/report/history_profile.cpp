@@ -53,10 +53,10 @@ Choice Choose(const History& history, const EarlierReport& now) {
                                   return a->first_epoch == b->first_epoch;
                                 }),
                     choice.used.end());
-  if (choice.used.size() > kMostReports) choice.used.resize(kMostReports);
-  if (choice.used.size() < kLeastReports) {
+  if (choice.used.size() > kMaxReports) choice.used.resize(kMaxReports);
+  if (choice.used.size() < kMinReports) {
     choice.remarks.push_back(fmt::format("{} earlier reports of {} in {}: at least {} are needed",
-                                         choice.used.size(), now.Station(), history.folder, kLeastReports));
+                                         choice.used.size(), now.Station(), history.folder, kMinReports));
   }
   if (foreign_count > 0) {
     std::string names;
@@ -118,7 +118,7 @@ CriterionOutcome TooFew(const Place& place, std::size_t count) {
   outcome.subject = subject;
   outcome.signal = signal;
   outcome.grade = "no data";
-  outcome.source = fmt::format("only {} of {} earlier reports needed have it", count, kLeastReports);
+  outcome.source = fmt::format("only {} of {} earlier reports needed have it", count, kMinReports);
   return outcome;
 }
 
@@ -164,7 +164,7 @@ ProfileVerdict Judge(const Report& report, const History& history) {
   for (const auto& [place, of_place] : values) {
     const WatchedFigure* watched = FindWatched(ScopeOf(place), std::get<2>(place));
     if (watched == nullptr || watched->better == Better::kNeither) continue;
-    if (of_place.size() >= kLeastReports) {
+    if (of_place.size() >= kMinReports) {
       profile.criteria.push_back(CriterionOf(place, *watched, of_place));
     } else {
       unknown.push_back(TooFew(place, of_place.size()));
@@ -172,7 +172,7 @@ ProfileVerdict Judge(const Report& report, const History& history) {
   }
   ProfileVerdict verdict = Judge(report, profile);
   // A young history would fill pages; the remark says it.
-  if (choice.used.size() >= kLeastReports)
+  if (choice.used.size() >= kMinReports)
     verdict.outcomes.insert(verdict.outcomes.end(), unknown.begin(), unknown.end());
   verdict.remarks = choice.remarks;
   return verdict;

@@ -8,7 +8,7 @@
 // left out.
 //
 // Used are the reports of the same station whose first epoch lies before that of the report judged, the
-// kMostReports latest of them. A figure that fewer than kLeastReports of them have is "no data".
+// kMaxReports latest of them. A figure that fewer than kMinReports of them have is "no data".
 #ifndef ORSOLVA_REPORT_HISTORY_PROFILE_H
 #define ORSOLVA_REPORT_HISTORY_PROFILE_H
 
@@ -21,8 +21,8 @@
 
 namespace orsolva_host {
 
-constexpr std::size_t kLeastReports = 7;  ///< a week of days
-constexpr std::size_t kMostReports = 30;
+constexpr std::size_t kMinReports = 7;  ///< a week of days
+constexpr std::size_t kMaxReports = 30;
 
 /// The reports of a folder.
 struct History {

@@ -36,7 +36,7 @@ CoverageCounter::CoverageCounter(const NavigationSet& set, std::string_view syst
   Take(kQzss, set.qzss);
   for (int slot = 0; slot < kSystems; ++slot) {
     judged_[slot] = systems.find(kSystemTable[slot].letter) != std::string_view::npos;
-    for (int i = 0; i < kMostSatellites; ++i) {
+    for (int i = 0; i < kMaxSatellites; ++i) {
       Satellite& satellite = satellites_[slot][i];
       std::sort(satellite.references.begin(), satellite.references.end(),
                 [](const Time_gbt& a, const Time_gbt& b) { return Difference(a, b) < 0; });
@@ -53,7 +53,7 @@ template <typename Record>
 void CoverageCounter::Take(int system, const std::vector<Record>& records) {
   auto& satellites = satellites_[SystemSlotOfCode(system)];
   for (const Record& record : records) {
-    if (record.prn < 1 || record.prn > kMostSatellites) continue;
+    if (record.prn < 1 || record.prn > kMaxSatellites) continue;
     Satellite& satellite = satellites[record.prn - 1];
     if (record.svh == 0) {
       satellite.references.push_back(TimeOf(record));
@@ -87,7 +87,7 @@ void CoverageCounter::Add(const ObsEpoch_QC_gbt& epoch) {
   for (std::uint32_t i = 0; i < std::min(epoch.sat_num, std::uint32_t{ORSOLVA_MAX_SATELLITES}); ++i) {
     const int slot = SystemSlotOfCode(epoch.sats[i].sys);
     const std::int32_t number = epoch.sats[i].prn;
-    if (slot < 0 || !judged_[slot] || number < 1 || number > kMostSatellites) continue;
+    if (slot < 0 || !judged_[slot] || number < 1 || number > kMaxSatellites) continue;
     Satellite& satellite = satellites_[slot][number - 1];
     ++satellite.row.observed_epochs;
     if (Covers(satellite, epoch.time, RecordAge_s(epoch.sats[i].sys))) ++satellite.covered_epochs;

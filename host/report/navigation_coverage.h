@@ -44,14 +44,14 @@ class CoverageCounter {
     NavigationCoverage row;
     std::uint64_t covered_epochs = 0;
   };
-  static constexpr int kMostSatellites = ORSOLVA_MAX_NUMBERS;
+  static constexpr int kMaxSatellites = ORSOLVA_MAX_NUMBERS;
 
   template <typename Record>
   void Take(int system, const std::vector<Record>& records);
   static bool Covers(Satellite& satellite, const Time_gbt& time, double age_s);
 
   std::array<bool, kSystems> judged_ = {};
-  std::array<std::array<Satellite, kMostSatellites>, kSystems> satellites_;
+  std::array<std::array<Satellite, kMaxSatellites>, kSystems> satellites_;
 };
 
 }  // namespace orsolva_host

@@ -160,7 +160,7 @@ std::string GradeOf(const std::vector<CriterionOutcome>& outcomes) {
 
 Profile ParseProfile(std::string_view text, const std::string& origin) {
   if (const std::size_t line = LineOfDeepKey(text); line > 0) {
-    throw ProfileError(fmt::format("{}:{}: a key of more than {} parts", origin, line, kMostKeyParts));
+    throw ProfileError(fmt::format("{}:{}: a key of more than {} parts", origin, line, kMaxKeyParts));
   }
   try {
     const toml::table table = toml::parse(text, origin);

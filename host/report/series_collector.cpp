@@ -66,7 +66,7 @@ void SeriesCollector::StationCell::Add(const StationCell& more) {
 /// The bin of a time, made longer until it fits.
 std::size_t SeriesCollector::PlaceOf(std::int64_t time_ns) {
   if (!first_ns_) first_ns_ = time_ns;
-  while ((time_ns - *first_ns_) / bin_ns_ >= static_cast<std::int64_t>(kMostBins)) Merge();
+  while ((time_ns - *first_ns_) / bin_ns_ >= static_cast<std::int64_t>(kMaxBins)) Merge();
   return static_cast<std::size_t>((time_ns - *first_ns_) / bin_ns_);
 }
 

@@ -1,5 +1,5 @@
 // Keeps the figures over time that a page draws, in bounded memory: bins of five minutes, or so many of them
-// together that there are at most kMostBins.
+// together that there are at most kMaxBins.
 #ifndef ORSOLVA_REPORT_SERIES_COLLECTOR_H
 #define ORSOLVA_REPORT_SERIES_COLLECTOR_H
 
@@ -18,7 +18,7 @@ namespace orsolva_host {
 
 class SeriesCollector : public SeriesSink {
  public:
-  static constexpr std::size_t kMostBins = 600;
+  static constexpr std::size_t kMaxBins = 600;
 
   void Add(const analysis::SeriesRow& row) override;
 

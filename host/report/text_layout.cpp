@@ -73,8 +73,8 @@ std::size_t Columns(std::string_view text) {
 
 std::string Fitted(const std::string& text, std::size_t room) {
   if (Columns(text) <= room) return text;
-  constexpr std::size_t kLeastForDots = 8;
-  if (room < kLeastForDots) return Head(text, room);
+  constexpr std::size_t kMinForDots = 8;
+  if (room < kMinForDots) return Head(text, room);
   const std::size_t tail = (room - 3) / 2;
   return Head(text, room - 3 - tail) + "..." + Tail(text, tail);
 }

@@ -18,7 +18,7 @@
 namespace orsolva_host {
 namespace {
 
-constexpr std::size_t kLeastWidth = 40;
+constexpr std::size_t kMinWidth = 40;
 
 std::string Joined(const std::vector<std::string>& parts, std::string_view between) {
   std::string text;
@@ -66,7 +66,7 @@ class Writer {
  public:
   Writer(const Report& report, const TextStyle& style, const FigureTables& tables)
       : report_(report), style_(style), tables_(tables) {
-    style_.width = std::max(style_.width, kLeastWidth);
+    style_.width = std::max(style_.width, kMinWidth);
   }
 
   std::string Write() {

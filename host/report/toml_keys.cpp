@@ -13,7 +13,7 @@ std::size_t LineOfDeepKey(std::string_view text) {
     text.remove_prefix(std::min(end + 1, text.size()));
     const std::size_t first = line.find_first_not_of(" \t");
     const bool comment = first != std::string_view::npos && line[first] == '#';
-    if (!comment && std::count(line.begin(), line.end(), '.') >= static_cast<long>(kMostKeyParts)) {
+    if (!comment && std::count(line.begin(), line.end(), '.') >= static_cast<long>(kMaxKeyParts)) {
       return number;
     }
   }

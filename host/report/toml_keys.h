@@ -7,9 +7,9 @@
 
 namespace orsolva_host {
 
-constexpr std::size_t kMostKeyParts = 100;
+constexpr std::size_t kMaxKeyParts = 100;
 
-/// The first line (from 1) that may hold a key of more than kMostKeyParts parts (a.b.c has three); 0 without
+/// The first line (from 1) that may hold a key of more than kMaxKeyParts parts (a.b.c has three); 0 without
 /// one. Every part becomes a table inside the one before, and tables are given back by recursion: a text with
 /// a hundred thousand parts would use up the stack.
 std::size_t LineOfDeepKey(std::string_view text);

@@ -17,7 +17,7 @@ namespace orsolva_host {
 namespace {
 
 constexpr float kStrengthStep_dbhz = 6;
-constexpr std::size_t kMostChanges = 100;
+constexpr std::size_t kMaxChanges = 100;
 constexpr std::size_t kNoKind = static_cast<std::size_t>(-1);
 
 /// Index of a number in the list; a new number is appended.
@@ -292,7 +292,7 @@ void ObservationReader::NoteChanges(const std::array<std::string, 3>& before) {
   const std::array<const std::string*, 3> after = {&header_.antenna, &header_.receiver, &header_.marker};
   const std::array<const char*, 3> names = {"antenna", "receiver", "marker"};
   for (std::size_t i = 0; i < before.size(); ++i) {
-    if (before[i] == *after[i] || changes_.size() == kMostChanges) continue;
+    if (before[i] == *after[i] || changes_.size() == kMaxChanges) continue;
     changes_.push_back({names[i], before[i], *after[i]});
   }
 }

@@ -104,7 +104,7 @@ TEST(SeriesCollector, KnowsWhenASatelliteWasObserved) {
 
 TEST(SeriesCollector, JoinsBinsUntilTheyAreFewEnough) {
   SeriesCollector collector;
-  const auto bins = static_cast<std::int64_t>(SeriesCollector::kMostBins) + 1;
+  const auto bins = static_cast<std::int64_t>(SeriesCollector::kMaxBins) + 1;
   for (std::int64_t bin = 0; bin < bins; ++bin) {
     collector.Add(Station(bin, static_cast<double>(bin) * 1e-6));
     collector.Add(Signal(bin, bin % 2 == 0 ? 40 : 50));
@@ -123,7 +123,7 @@ TEST(SeriesCollector, ATimeFarAwayTakesNoMoreMemory) {
   SeriesCollector collector;
   collector.Add(Station(0));
   collector.Add(Station(1'000'000));
-  EXPECT_LE(Json::parse(collector.Json())["bins"], SeriesCollector::kMostBins);
+  EXPECT_LE(Json::parse(collector.Json())["bins"], SeriesCollector::kMaxBins);
 }
 
 TEST(SeriesCollector, WithoutRowsIsEmpty) {

@@ -35,18 +35,18 @@ Held BlocksHeld(bool with_records) {
   return held;
 }
 
-constexpr double kMostGrowth = 1.02;  // rings and lists of an epoch differ a little from one to another
+constexpr double kMaxGrowth = 1.02;  // rings and lists of an epoch differ a little from one to another
 
 TEST(AnalysisGrowth, AThirdDayHoldsNoMoreThanTwo) {
   const Held held = BlocksHeld(true);
   EXPECT_GT(held.AfterTwoDays, 100);
-  EXPECT_LT(static_cast<double>(held.AfterThree), kMostGrowth * static_cast<double>(held.AfterTwoDays));
+  EXPECT_LT(static_cast<double>(held.AfterThree), kMaxGrowth * static_cast<double>(held.AfterTwoDays));
 }
 
 TEST(AnalysisGrowth, NorWithoutNavigation) {
   const Held held = BlocksHeld(false);
   EXPECT_GT(held.AfterTwoDays, 100);
-  EXPECT_LT(static_cast<double>(held.AfterThree), kMostGrowth * static_cast<double>(held.AfterTwoDays));
+  EXPECT_LT(static_cast<double>(held.AfterThree), kMaxGrowth * static_cast<double>(held.AfterTwoDays));
 }
 
 }  // namespace

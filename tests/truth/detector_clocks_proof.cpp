@@ -18,7 +18,7 @@ using orsolva_host::analysis::Event;
 using orsolva_host::analysis::EventKind;
 
 constexpr std::uint64_t kFirstSeed = 7101;
-constexpr double kMostAlarms = 1;  // per 10,000 tested steps
+constexpr double kMaxAlarms = 1;  // per 10,000 tested steps
 
 /// The size is estimated with the clock, from codes or from phases.
 constexpr double kSizeTolerance_ms = 1e-3;
@@ -181,7 +181,7 @@ void Hold(const std::string& name, const CaseSum& sum, Proof& proof) {
   std::string look;
   for (const std::string& alarm : sum.score.false_alarms) look += "\n    " + alarm;
   proof.Check(
-      sum.score.AlarmsPer10000() <= kMostAlarms,
+      sum.score.AlarmsPer10000() <= kMaxAlarms,
       fmt::format("{}: {} alarms in {} steps{}", name, sum.score.alarms, sum.score.tested_steps, look));
 }
 

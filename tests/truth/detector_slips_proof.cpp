@@ -16,7 +16,7 @@ using orsolva_host::Scenario;
 
 constexpr std::uint64_t kFirstSeed = 7001;
 constexpr int kSpacing = 45;
-constexpr double kMostAlarms = 1;  // per 10,000 tested steps
+constexpr double kMaxAlarms = 1;  // per 10,000 tested steps
 
 /// One way to run the detector, and the least shares of slips that it must find, in per cent; 0: not held.
 struct Case {
@@ -128,7 +128,7 @@ void Hold(const Case& one, const CaseScore& score, Proof& proof) {
   const double alarms = score.all.AlarmsPer10000();
   std::string look;
   for (const std::string& alarm : score.all.false_alarms) look += "\n    " + alarm;
-  proof.Check(alarms <= kMostAlarms, fmt::format("{}: {:.2f} alarms in 10,000 steps{}", name, alarms, look));
+  proof.Check(alarms <= kMaxAlarms, fmt::format("{}: {:.2f} alarms in 10,000 steps{}", name, alarms, look));
   proof.Check(score.all.injected > 500 && score.all.tested_steps > 20000, name + ": too little is tested");
 }
 

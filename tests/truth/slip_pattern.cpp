@@ -16,7 +16,7 @@ using orsolva_host::RandomStream;
 using orsolva_host::Scenario;
 
 constexpr std::uint64_t kPatternStream = 909;
-constexpr int kLeastDistance = 12;  // epochs
+constexpr int kMinDistance = 12;  // epochs
 
 /// Cycles on the first and on the second band; 0 on the second: one band.
 struct TwoBands {
@@ -93,7 +93,7 @@ SlipPattern WithSlipPattern(Scenario scenario, int spacing) {
     int epoch = 0;
     while (true) {
       const RandomStream random = stream.Of(++number);
-      epoch += static_cast<int>(random.Between(10, kLeastDistance, 2 * spacing - kLeastDistance));
+      epoch += static_cast<int>(random.Between(10, kMinDistance, 2 * spacing - kMinDistance));
       if (epoch >= epochs) break;
       const std::string& kind = SlipPatternKinds()[random.Bits(9) % SlipPatternKinds().size()];
       const double at_s = epoch * scenario.interval_s;

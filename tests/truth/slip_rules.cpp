@@ -14,7 +14,7 @@ using orsolva::GeometrySlipReason;
 using orsolva::IonosphereSlipReason;
 using orsolva::PairEpochDetail;
 
-constexpr double kLeastLimit_m = 0.026;
+constexpr double kMinLimit_m = 0.026;
 constexpr double kLongGap_s = 242, kNewArc_s = 600;
 
 bool SameEpoch(const Time_gbt& a, const Time_gbt& b) { return a.time == b.time && a.sec == b.sec; }
@@ -35,7 +35,7 @@ PairFrequencies FrequenciesOf(const PairKey& key, int glonass_channel) {
 
 double GeometryFreeLimit(const PairFrequencies& pair, double interval_s) {
   const double ratio = (pair.second_hz / pair.first_hz) * (pair.second_hz / pair.first_hz);
-  return std::max(kLeastLimit_m, std::fabs((1 - ratio) * interval_s * 4.0 / 60));
+  return std::max(kMinLimit_m, std::fabs((1 - ratio) * interval_s * 4.0 / 60));
 }
 
 double GeometryLimit(double gap_s) {

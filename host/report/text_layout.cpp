@@ -101,6 +101,12 @@ std::string Wrapped(const std::string& text, const std::string& first, const std
   return out + line + "\n";
 }
 
+std::string HeadingLine(const std::string& text, const TextStyle& style) {
+  std::string lines = Wrapped(text, "", "  ", style.width);
+  lines.pop_back();
+  return Toned(lines, Tone::kStrong, style) + "\n";
+}
+
 std::string NamedRow(std::string name, const std::string& value, std::size_t width) {
   name.resize(kRowNameWidth, ' ');
   return Wrapped(value, name, std::string(kRowNameWidth, ' '), width);

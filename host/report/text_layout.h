@@ -30,6 +30,9 @@ std::string Fitted(const std::string& text, std::size_t room);
 std::string Wrapped(const std::string& text, const std::string& first, const std::string& indent,
                     std::size_t width);
 
+/// The line of a heading, broken where it is too long.
+std::string HeadingLine(const std::string& text, const TextStyle& style);
+
 /// The width of the names before values.
 constexpr std::size_t kRowNameWidth = 18;
 

@@ -103,17 +103,25 @@ class TemporaryBytes : public ByteSource {
   std::shared_ptr<std::FILE> file_;
 };
 
+/// A date that the user gave, for streams that have none.
+std::optional<std::int64_t> TimeAskedFor(const EpochSelection& selection) {
+  for (const auto& limit : {selection.start, selection.end}) {
+    if (limit && !limit->of_first_day) return limit->time_ns;
+  }
+  return std::nullopt;
+}
+
 std::unique_ptr<EpochSource> OpenFile(const std::string& path, const JudgingSettings& settings,
                                       Diagnostics& diagnostics, RunMonitor* monitor) {
   if (RtcmContentOf(path) == RtcmContent::kNone) {
     return std::make_unique<RinexSource>(OpenRegular(path, settings, diagnostics, monitor), path, settings,
                                          diagnostics);
   }
-  bool first = true;
-  const auto open = [&](Diagnostics& notices) {
-    return OpenRegular(path, settings, notices, std::exchange(first, false) ? nullptr : monitor);
+  // The notices of the first readings are thrown away, and their bytes are not counted.
+  const auto open = [path, settings, monitor, &diagnostics](Diagnostics& notices) {
+    return OpenRegular(path, settings, notices, &notices == &diagnostics ? monitor : nullptr);
   };
-  return std::make_unique<RtcmSource>(path, open, std::nullopt, diagnostics);
+  return std::make_unique<RtcmSource>(path, open, TimeAskedFor(settings.selection), diagnostics);
 }
 
 }  // namespace
@@ -131,8 +139,8 @@ std::unique_ptr<EpochSource> OpenObservations(const std::string& path, const Jud
     return std::make_unique<RinexSource>(std::move(source), path, settings, diagnostics);
   }
   const auto copy = CopyOf(*source, path);
-  const auto open = [&](Diagnostics& /*notices*/) { return std::make_unique<TemporaryBytes>(copy); };
-  return std::make_unique<RtcmSource>(path, open, std::nullopt, diagnostics);
+  const auto open = [copy](Diagnostics& /*notices*/) { return std::make_unique<TemporaryBytes>(copy); };
+  return std::make_unique<RtcmSource>(path, open, TimeAskedFor(settings.selection), diagnostics);
 }
 
 }  // namespace orsolva_host

@@ -46,6 +46,8 @@ class EpochSource {
   /// Is given the records of navigation files before the first epoch that needs them: some formats give
   /// GLONASS phases only to those who know the channels.
   virtual void TakeChannels(const BroadcastRecords& /*records*/) {}
+  /// All files of a span that is read from several, in order; empty otherwise.
+  virtual std::vector<std::string> FilesOfSpan() const { return {}; }
   /// What a stream was made of, so far; absent for files of another kind.
   virtual std::optional<StreamFacts> Stream() const { return std::nullopt; }
 };

@@ -46,6 +46,10 @@ void PlaceByHeader(Placed& placed) {
 Placed PlaceOf(const std::string& file) {
   Placed placed;
   placed.file = file;
+  // A look into a pipe would take its beginning away.
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(file, ignored) && std::filesystem::exists(file, ignored))
+    return placed;
   if (file == "-") return placed;
   const FileNameStatement name = StatementOfName(NameOfFile(file));
   if (name.station.empty() || !name.begin_ns) {
@@ -71,6 +75,7 @@ class JoinedSource : public EpochSource {
     if (!OpenNext()) throw FileError(*failure_);
     header_ = part_->Header();
     header_.last_epoch = LastStated(files_.back());
+    CollectNavigation();
     diagnostics_.Add(Name(), 0,
                      fmt::format("judged as one span with {} more, the last of them {}",
                                  files_.size() == 2 ? "1 file" : fmt::format("{} files", files_.size() - 1),
@@ -111,9 +116,13 @@ class JoinedSource : public EpochSource {
     return description;
   }
 
-  std::shared_ptr<const ReadNavigation> Navigation() const override {
-    return part_ ? part_->Navigation() : nullptr;
+  std::vector<std::string> FilesOfSpan() const override { return files_; }
+  std::optional<StreamFacts> Stream() const override {
+    StreamFacts all = stream_;
+    if (part_ && part_->Stream()) AddStream(*part_->Stream(), all);
+    return all.format.empty() ? std::nullopt : std::optional(all);
   }
+  std::shared_ptr<const ReadNavigation> Navigation() const override { return navigation_; }
   void TakeChannels(const BroadcastRecords& records) override {
     channels_ = &records;
     if (part_) part_->TakeChannels(records);
@@ -134,6 +143,42 @@ class JoinedSource : public EpochSource {
     const std::size_t room = kMaxChanges - std::min(kMaxChanges, to.size());
     to.insert(to.end(), more.begin(),
               more.begin() + static_cast<std::ptrdiff_t>(std::min(room, more.size())));
+  }
+
+  /// The records of all recordings of streams, as epochs of one may need those of the next.
+  void CollectNavigation() {
+    navigation_ = part_->Navigation();
+    if (!part_->Stream()) return;
+    for (std::size_t i = next_; i < files_.size(); ++i) {
+      try {
+        Diagnostics unused;
+        const auto own = OpenObservations(files_[i], settings_, unused)->Navigation();
+        if (own) navigation_ = navigation_ ? Joined(*navigation_, *own) : own;
+      } catch (const FileError&) {
+        // It is reported when its turn comes.
+      }
+    }
+    if (navigation_) TakeChannels(navigation_->broadcast);
+  }
+
+  static void AddStream(const StreamFacts& more, StreamFacts& to) {
+    to.format = more.format;
+    to.frames += more.frames;
+    to.crc_errors += more.crc_errors;
+    to.skipped_bytes += more.skipped_bytes;
+    for (const StreamMessages& row : more.messages) {
+      const auto at = std::lower_bound(to.messages.begin(), to.messages.end(), row.type,
+                                       [](const StreamMessages& m, int type) { return m.type < type; });
+      if (at == to.messages.end() || at->type != row.type) {
+        to.messages.insert(at, row);
+      } else {
+        at->messages += row.messages;
+        at->damaged += row.damaged;
+      }
+    }
+    for (const char letter : more.coarse_systems) {
+      if (to.coarse_systems.find(letter) == std::string::npos) to.coarse_systems += letter;
+    }
   }
 
   /// Opens the next file that can be opened. @return false when there is none
@@ -171,6 +216,7 @@ class JoinedSource : public EpochSource {
   void ClosePart() {
     if (part_) {
       Append(part_->Changes(), changes_);
+      if (part_->Stream()) AddStream(*part_->Stream(), stream_);
       if (part_->Failure() && !failure_) failure_ = part_->Failure();
     }
     part_.reset();
@@ -202,6 +248,8 @@ class JoinedSource : public EpochSource {
   Diagnostics notices_;  ///< of the file at hand
   std::unique_ptr<EpochSource> part_;
   std::size_t next_ = 0;  ///< file to be opened
+  StreamFacts stream_;    ///< of the files before; without format where they are of another kind
+  std::shared_ptr<const ReadNavigation> navigation_;  ///< of the data themselves
   ObservationHeader header_;
   std::array<std::string, 3> described_;  ///< antenna, receiver and marker of the last header
   std::vector<DescriptionChange> changes_;

@@ -17,9 +17,9 @@
 #include "host/judging/statement_notices.h"
 #include "host/report/build_report.h"
 #include "host/report/comparison.h"
+#include "host/report/findings.h"
 #include "host/report/history_profile.h"
 #include "host/report/profile.h"
-#include "host/report/stream_text.h"
 #include "host/rinex/civil_time.h"
 #include "host/rinex/satellite_names.h"
 
@@ -189,17 +189,8 @@ void Run::TakeNamed(SharedNavigation& named) {
   source_.TakeChannels(named_->broadcast);
 }
 
-/// A notice for the messages by type, and one for coarse steps.
-void NameStream(const EpochSource& source, Diagnostics& diagnostics) {
-  const std::optional<StreamFacts> stream = source.Stream();
-  if (!stream) return;
-  diagnostics.Add(source.Name(), 0, StreamText(*stream) + "; messages " + MessagesText(*stream));
-  if (const std::string steps = StepsText(*stream); !steps.empty()) diagnostics.Add(source.Name(), 0, steps);
-}
-
 Report Run::Finish() {
   if (observers_.stream != nullptr) *observers_.stream = source_.Stream();
-  NameStream(source_, diagnostics_);
   Report report = library_.Finish(Facts());
   report.analysis = analysis_->Result();
   const auto& header = source_.Header().position;
@@ -219,13 +210,16 @@ Report Run::Finish() {
   return report;
 }
 
-/// Holds a report against what the settings name, once everything else is in it.
+/// Holds a report against what the settings name, once everything else is in it. What became worse since an
+/// earlier report is among its findings.
 void HoldAgainst(const JudgingSettings& settings, Report& report) {
   if (settings.profile) report.profile_verdict = Judge(report, *settings.profile);
   if (settings.history) report.profile_verdict = Judge(report, *settings.history);
   if (settings.compare_with.empty()) return;
   const EarlierReport now = AsEarlier(report);
   report.comparison = Compare(ReportToCompare(settings.compare_with, now), now);
+  report.findings = FindingsOf(report);
+  report.verdict = VerdictOf(report);
 }
 
 ReportRun Run::Facts() const {
@@ -233,6 +227,8 @@ ReportRun Run::Facts() const {
   ReportRun run;
   run.library_version = kLibraryVersion;
   run.observation_file = source_.Name();
+  run.joined_files = source_.FilesOfSpan();
+  run.stream = source_.Stream();
   run.navigation_files = navigation_->files;
   for (const std::string& file : named_ ? named_->files : std::vector<std::string>()) {
     auto& files = run.navigation_files;

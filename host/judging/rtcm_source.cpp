@@ -18,6 +18,13 @@ void Round(double& value) {
   if (value == 0) value = kAbsent;
 }
 
+/// A time of the day or days that records are for.
+std::optional<double> TimeOf(const BroadcastRecords& records) {
+  if (!records.kepler.empty()) return records.kepler.front().toe_s;
+  if (!records.state_vectors.empty()) return records.state_vectors.front().toe_s;
+  return std::nullopt;
+}
+
 /// Whether messages give phases in the steps of MSM4 and MSM5.
 bool IsCoarse(rtcm::MsmType type) { return type.kind == 4 || type.kind == 5; }
 
@@ -48,24 +55,35 @@ StreamFacts StreamOf(const rtcm::Reader& reader) {
   return stream;
 }
 
-RtcmSource::RtcmSource(std::string name, const Open& open, std::optional<std::int64_t> near_ns,
+RtcmSource::RtcmSource(std::string name, Open open, std::optional<std::int64_t> near_ns,
                        Diagnostics& diagnostics)
-    : name_(std::move(name)), diagnostics_(diagnostics) {
-  Survey(open, near_ns);
+    : name_(std::move(name)), open_(std::move(open)), diagnostics_(diagnostics) {
+  try {
+    Begin(std::nullopt);
+  } catch (const FileError& error) {
+    if (error.Found() != rtcm::kFoundNoDate) throw;
+    undated_ = error;
+    if (near_ns) Begin(near_ns);
+  }
+}
+
+void RtcmSource::Begin(std::optional<std::int64_t> near_ns) {
+  Survey(near_ns);
   rtcm::ReaderOptions options;
   options.near_ns = header_.first_epoch ? header_.first_epoch->time * kNanosecondsPerSecond : near_ns;
   header_.first_epoch.reset();
-  reader_ = std::make_unique<rtcm::Reader>(open(diagnostics_), name_, diagnostics_, options);
+  reader_ = std::make_unique<rtcm::Reader>(open_(diagnostics_), name_, diagnostics_, options);
+  undated_.reset();
   if (navigation_) TakeChannels(navigation_->broadcast);
 }
 
 /// Reads the whole recording without its epochs. Its notices are those of the second reading.
-void RtcmSource::Survey(const Open& open, std::optional<std::int64_t> near_ns) {
+void RtcmSource::Survey(std::optional<std::int64_t> near_ns) {
   Diagnostics unused;
   rtcm::ReaderOptions options;
   options.near_ns = near_ns;
   options.epochs = false;
-  rtcm::Reader reader(open(unused), name_, unused, options);
+  rtcm::Reader reader(open_(unused), name_, unused, options);
   ObservationEpoch none;
   while (reader.Next(none)) continue;
   StreamNavigation ephemerides;
@@ -89,6 +107,11 @@ void RtcmSource::Survey(const Open& open, std::optional<std::int64_t> near_ns) {
 }
 
 void RtcmSource::TakeChannels(const BroadcastRecords& records) {
+  if (undated_) {
+    const std::optional<double> near_s = TimeOf(records);
+    if (near_s) Begin(static_cast<std::int64_t>(*near_s) * kNanosecondsPerSecond);
+  }
+  if (!reader_) return;
   for (const StateVectorRecord& record : records.state_vectors) {
     if (record.satellite.system != 'R' || !record.channel) continue;
     reader_->TakeChannel(record.satellite.number, *record.channel);
@@ -97,6 +120,7 @@ void RtcmSource::TakeChannels(const BroadcastRecords& records) {
 }
 
 bool RtcmSource::Next(ObsEpoch_QC_gbt& epoch, ObservationEpoch& full) {
+  if (undated_) throw FileError(*undated_);
   if (!reader_->Next(full)) return false;
   RoundAsRinex(full);
   FillLibraryEpoch(full, name_, diagnostics_, epoch);

@@ -22,36 +22,43 @@ void RoundAsRinex(ObservationEpoch& epoch);
 /// What a reader has found so far.
 StreamFacts StreamOf(const rtcm::Reader& reader);
 
+/// A recording without any date gets its week from `near_ns`, else from the records of named navigation files
+/// (TakeChannels).
+///
 /// Reads the recording twice: first the ephemerides, the station and the time at which it begins, so that
 /// epochs before the first ephemerides are judged as all others are, then the epochs.
 class RtcmSource : public EpochSource {
  public:
   using Open = std::function<std::unique_ptr<ByteSource>(Diagnostics&)>;
 
-  /// @param open  returns the bytes from the beginning on, each of the two times that it is called
-  /// @param near_ns  a time within half a week of the beginning, GPS time; absent: from the stream
+  /// @param open  returns the bytes from the beginning on, each time that it is called; kept
+  /// @param near_ns  a time within half a week of the beginning, GPS time, used where the stream has no date
   /// @throws FileError
-  RtcmSource(std::string name, const Open& open, std::optional<std::int64_t> near_ns,
-             Diagnostics& diagnostics);
+  RtcmSource(std::string name, Open open, std::optional<std::int64_t> near_ns, Diagnostics& diagnostics);
 
   const std::string& Name() const override { return name_; }
   const ObservationHeader& Header() const override { return header_; }
   bool Next(ObsEpoch_QC_gbt& epoch, ObservationEpoch& full) override;
-  const std::optional<FileError>& Failure() const override { return reader_->Failure(); }
+  const std::optional<FileError>& Failure() const override { return reader_ ? reader_->Failure() : undated_; }
   std::vector<DescriptionChange> Changes() const override { return changes_; }
   std::shared_ptr<const ReadNavigation> Navigation() const override { return navigation_; }
   void TakeChannels(const BroadcastRecords& records) override;
-  std::optional<StreamFacts> Stream() const override { return StreamOf(*reader_); }
+  std::optional<StreamFacts> Stream() const override {
+    return reader_ ? std::optional(StreamOf(*reader_)) : std::nullopt;
+  }
 
  private:
-  void Survey(const Open& open, std::optional<std::int64_t> near_ns);
+  void Begin(std::optional<std::int64_t> near_ns);
+  void Survey(std::optional<std::int64_t> near_ns);
   void NoteChanges();
 
   std::string name_;
+  Open open_;
   Diagnostics& diagnostics_;
   ObservationHeader header_;
   std::shared_ptr<const ReadNavigation> navigation_;  ///< null without ephemerides
-  std::unique_ptr<rtcm::Reader> reader_;
+  std::unique_ptr<rtcm::Reader> reader_;              ///< null while there is no date
+  std::optional<FileError> undated_;
   std::string antenna_, receiver_;  ///< as stated last
   std::vector<DescriptionChange> changes_;
 };

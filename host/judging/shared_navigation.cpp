@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <set>
+#include <utility>
 
 #include "host/formats/rtcm/reader.h"
 #include "host/formats/sp3_reader.h"
-#include "host/judging/rtcm_detection.h"
+#include "host/judging/opened_file.h"
 #include "host/judging/settings.h"
 #include "host/judging/stream_navigation.h"
 #include "host/rinex/input_files.h"
@@ -21,11 +22,11 @@ void TakeRecords(NavigationReader& reader, ReadNavigation& read) {
   read.broadcast = reader.TakeBroadcast();
 }
 
-void TakeStream(const std::string& file, const InputLimits& limits, Diagnostics& notices,
+void TakeStream(std::unique_ptr<ByteSource> bytes, const std::string& file, Diagnostics& notices,
                 StreamNavigation& records) {
   rtcm::ReaderOptions options;
   options.epochs = false;
-  rtcm::Reader reader(OpenBytes(file, notices, limits), file, notices, options);
+  rtcm::Reader reader(std::move(bytes), file, notices, options);
   ObservationEpoch none;
   while (reader.Next(none)) continue;
   records.Take(reader);
@@ -180,15 +181,16 @@ std::shared_ptr<const ReadNavigation> SharedNavigation::Get() {
     StreamNavigation streams;
     const auto precise = std::make_shared<PreciseOrbits>();
     for (const std::string& file : read->files) {
-      if (IsSp3File(file)) {
-        ReadPreciseOrbits(file, read->notices, limits_, *precise);
+      OpenedFile opened = OpenAnyFile(file, read->notices, limits_);
+      if (opened.kind == ContentKind::kPreciseOrbits) {
+        ReadPreciseOrbits(std::move(opened.bytes), file, read->notices, limits_, *precise);
         continue;
       }
       read->has_record_files = true;
-      if (RtcmContentOf(file) == RtcmContent::kNone) {
-        reader.Read(file);
+      if (opened.kind == ContentKind::kStream) {
+        TakeStream(std::move(opened.bytes), file, read->notices, streams);
       } else {
-        TakeStream(file, limits_, read->notices, streams);
+        reader.Read(std::move(opened.bytes), file);
       }
     }
     TakeRecords(reader, *read);

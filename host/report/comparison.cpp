@@ -61,6 +61,12 @@ void AddStatements(const EarlierReport& before, const EarlierReport& now, Compar
   add("antenna", before.antenna, now.antenna);
 }
 
+/// Whether the figure became worse. One that only one report has says nothing of that.
+std::optional<bool> IsWorse(const FigureChange& change, Better better) {
+  if (better == Better::kNeither || !change.before || !change.after) return std::nullopt;
+  return (*change.after > *change.before) == (better == Better::kLower);
+}
+
 /// A value in the shortest form that shows a change of the size of the limit.
 std::string Shown(const std::optional<double>& value, const FigureChange& change) {
   if (!value) return "none";
@@ -106,15 +112,25 @@ Comparison Compare(const EarlierReport& before, const EarlierReport& now) {
     if (watched->grows && !similar) continue;
     ++comparison.figures_compared;
     FigureChange change{subject,         signal, key, std::string(UnitOf(key)), before.Find(place),
-                        now.Find(place), 0};
+                        now.Find(place), 0, std::nullopt};
     change.limit = watched->LimitAt(change.before.value_or(0));
     const bool both = change.before && change.after;
     if (both && std::fabs(*change.after - *change.before) <= change.limit) continue;
+    change.worse = IsWorse(change, watched->better);
     comparison.figures.push_back(std::move(change));
   }
   std::stable_sort(comparison.figures.begin(), comparison.figures.end(),
                    [](const FigureChange& a, const FigureChange& b) { return Excess(a) > Excess(b); });
   return comparison;
+}
+
+std::string WhereOf(const FigureChange& change) {
+  if (change.subject.empty()) return "run";
+  return change.signal.empty() ? change.subject : change.subject + " " + change.signal;
+}
+
+std::string ValuesOf(const FigureChange& change) {
+  return Shown(change.before, change) + " -> " + Shown(change.after, change);
 }
 
 std::string ComparisonText(const Comparison& comparison, const TextStyle& style) {
@@ -136,11 +152,7 @@ std::string ComparisonText(const Comparison& comparison, const TextStyle& style)
   list("New signals", comparison.signals_appeared);
   for (std::size_t i = 0; i < std::min(comparison.figures.size(), kMaxFiguresShown); ++i) {
     const FigureChange& change = comparison.figures[i];
-    std::string where = change.subject.empty() ? "run" : change.subject;
-    if (!change.signal.empty()) where += " " + change.signal;
-    const std::string line =
-        fmt::format("{}: {} -> {}", change.figure, Shown(change.before, change), Shown(change.after, change));
-    text += NamedRow(where, line, style.width);
+    text += NamedRow(WhereOf(change), change.figure + ": " + ValuesOf(change), style.width);
   }
   text += fmt::format("{} of {} figures changed beyond their limits", comparison.figures.size(),
                       comparison.figures_compared);

@@ -22,6 +22,11 @@ const EarlierReport& ReportToCompare(const std::vector<EarlierReport>& earlier, 
 
 Comparison Compare(const EarlierReport& before, const EarlierReport& now);
 
+/// The run, a system or a signal: "run", "G", "G 1C".
+std::string WhereOf(const FigureChange& change);
+/// "44.5 dB-Hz -> 38.1 dB-Hz", with the digits that show the change.
+std::string ValuesOf(const FigureChange& change);
+
 /// Lines of the text report.
 std::string ComparisonText(const Comparison& comparison, const TextStyle& style);
 

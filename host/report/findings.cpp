@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "host/report/change_findings.h"
 #include "host/report/data_findings.h"
 #include "host/report/finding_texts.h"
 #include "host/report/signal_findings.h"
@@ -97,6 +98,7 @@ Verdict VerdictOf(const Report& report) {
 std::vector<Finding> FindingsOf(const Report& report) {
   std::vector<Finding> findings;
   AddDataFindings(report, findings);
+  AddChangeFindings(report, findings);
   AddSignalFindings(report, findings);
   std::stable_sort(findings.begin(), findings.end(),
                    [](const Finding& a, const Finding& b) { return Rank(a) < Rank(b); });

@@ -25,6 +25,9 @@
 //                                     slipped at one epoch
 // code-clock-jumps     warning        codes jumped against the phases
 // clock-resets         info           the receiver clock was reset
+// changed-statements, signals-gone, became-worse
+//                      warning        against an earlier report: another marker, receiver or antenna, signals that
+//                                     are gone, figures worse by more than their limit (watched_figures.h)
 // cycle-slips          info, warning  a warning with fewer than least_steps_per_slip tested steps per slip
 // half-cycles          info, warning  as cycle-slips
 // satellite-gaps, signal-gaps
@@ -41,7 +44,7 @@
 //                      info           of single satellites
 // worst-multipath, least-complete
 //                      info           always: the worst signal
-// no-slips, nothing-missing
+// no-slips, nothing-missing, nothing-worse
 //                      good           nothing of the kind was found
 // clang-format on
 #ifndef ORSOLVA_REPORT_FINDINGS_H

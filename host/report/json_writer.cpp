@@ -38,6 +38,31 @@ Json SelectionJson(const std::optional<ReportSelection>& selection) {
   return j;
 }
 
+/// What a recorded stream was made of.
+Json StreamJson(const std::optional<StreamFacts>& stream) {
+  if (!stream) return nullptr;
+  Json j;
+  j["format"] = stream->format;
+  j["frames"] = stream->frames;
+  j["crc_errors"] = stream->crc_errors;
+  j["skipped_bytes"] = stream->skipped_bytes;
+  j["messages"] = Json::array();
+  for (const StreamMessages& row : stream->messages) {
+    j["messages"].push_back({{"type", row.type},
+                             {"messages", row.messages},
+                             {"damaged", row.damaged},
+                             {"decoded", row.decoded}});
+  }
+  j["coarse_systems"] = stream->coarse_systems;
+  j["coarse_steps"] = nullptr;
+  if (!stream->coarse_systems.empty()) {
+    j["coarse_steps"] = {{"pseudorange_m", kCoarseSteps.pseudorange_m},
+                         {"phase_m", kCoarseSteps.phase_m},
+                         {"snr_dbhz", kCoarseSteps.snr_dbhz}};
+  }
+  return j;
+}
+
 /// The parts of a document that hold figures.
 class Parts {
  public:
@@ -92,6 +117,8 @@ Json Parts::Run() const {
   const ReportRun& run = report_.run;
   Json j;
   j["observation_file"] = run.observation_file;
+  j["joined_files"] = run.joined_files;
+  j["stream"] = StreamJson(run.stream);
   j["navigation_files"] = run.navigation_files;
   j["rinex_version"] = run.rinex_version > 0 ? NumberJson(run.rinex_version) : Json(nullptr);
   j["marker"] = TextJson(run.marker);
@@ -233,7 +260,8 @@ Json ComparisonJson(const std::optional<Comparison>& comparison) {
                             {"unit", change.unit},
                             {"before", ValueOf(change.before)},
                             {"after", ValueOf(change.after)},
-                            {"limit", change.limit}});
+                            {"limit", change.limit},
+                            {"worse", ValueOf(change.worse)}});
   }
   j["figures_compared"] = comparison->figures_compared;
   return j;

@@ -14,6 +14,7 @@
 
 #include "host/analysis/analysis_result.h"
 #include "host/analysis/slips/event.h"
+#include "host/report/stream_facts.h"
 #include "orsolva/records.h"
 
 namespace orsolva_host {
@@ -80,6 +81,8 @@ struct ReportSelection {
 struct ReportRun {
   std::string library_version;
   std::string observation_file;
+  std::vector<std::string> joined_files;  ///< all files of a span, in order; empty for a file alone
+  std::optional<StreamFacts> stream;      ///< absent for files of another kind
   std::vector<std::string> navigation_files;
   std::string marker;
   std::string receiver;
@@ -201,6 +204,7 @@ struct FigureChange {
   std::string unit;
   std::optional<double> before, after;  ///< one may be absent
   double limit = 0;                     ///< largest difference that is no change
+  std::optional<bool> worse;            ///< absent where neither direction is better
 };
 
 /// A statement of the header that is another one than in an earlier report.

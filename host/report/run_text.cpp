@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "host/report/stream_text.h"
 #include "host/rinex/civil_time.h"
 #include "host/rinex/diagnostics.h"
 
@@ -48,11 +49,19 @@ std::string RunText(const Report& report, const TextStyle& style) {
     text += NamedRow(name, value.empty() ? "-" : value, style.width);
   };
   text += FileRow("Observations", run.observation_file, style.width);
+  for (std::size_t i = 1; i < run.joined_files.size(); ++i) {
+    text += FileRow(i == 1 ? "Joined with" : "", run.joined_files[i], style.width);
+  }
   for (const std::string& file : run.navigation_files) text += FileRow("Navigation", file, style.width);
   if (run.navigation_files.empty()) row("Navigation", "none");
   text += FileRow("Marker", run.marker, style.width);
   text += FileRow("Receiver", run.receiver, style.width);
   text += FileRow("Antenna", run.antenna, style.width);
+  if (run.stream) {
+    row("Stream", StreamText(*run.stream));
+    row("Messages", MessagesText(*run.stream));
+    if (const std::string steps = StepsText(*run.stream); !steps.empty()) row("Steps", steps);
+  }
   row("First epoch", TimeOf(run.first_epoch));
   row("Last epoch", TimeOf(run.last_epoch));
   row("Duration", fmt::format("{:.4f} h", run.duration_h));

@@ -16,6 +16,15 @@ struct StreamMessages {
   bool decoded = false;       ///< else only counted
 };
 
+/// The steps of values in MSM4 and MSM5.
+struct CoarseSteps {
+  double pseudorange_m = 0;
+  double phase_m = 0;
+  double snr_dbhz = 0;
+};
+/// 2^-24 and 2^-29 ms of light, and 1 dB-Hz (rtcm/msm.cpp), rounded.
+constexpr CoarseSteps kCoarseSteps = {0.018, 0.0006, 1};
+
 struct StreamFacts {
   std::string format;  ///< "RTCM 3"
   std::uint64_t frames = 0;

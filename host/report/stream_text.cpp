@@ -27,10 +27,8 @@ std::string StepsText(const StreamFacts& stream) {
   for (const char letter : stream.coarse_systems) {
     systems += (systems.empty() ? "" : ", ") + std::string(1, letter);
   }
-  return fmt::format(
-      "systems {} come as MSM4 or MSM5: pseudoranges in steps of 18 mm, phases of 0.6 mm, SNR of 1 dB-Hz; "
-      "noise below 5 mm of the code and 0.2 mm of the phase is that of the steps",
-      systems);
+  return fmt::format("of {} in MSM4 or MSM5: code {:g} mm, phase {:g} mm, SNR {:g} dB-Hz", systems,
+                     kCoarseSteps.pseudorange_m * 1000, kCoarseSteps.phase_m * 1000, kCoarseSteps.snr_dbhz);
 }
 
 }  // namespace orsolva_host

@@ -38,7 +38,7 @@ inline constexpr WatchedFigure kWatchedFigures[] = {
     {FigureScope::kRun,    "scatter_east_m",              0.3,   0.3,  Better::kLower},
     {FigureScope::kRun,    "scatter_north_m",             0.3,   0.3,  Better::kLower},
     {FigureScope::kRun,    "scatter_up_m",                0.6,   0.3,  Better::kLower},
-    {FigureScope::kRun,    "antenna_moves",               0,     0,    Better::kNeither},
+    {FigureScope::kRun,    "antenna_moves",               0,     0,    Better::kLower},
     {FigureScope::kRun,    "solution_to_header_m",        2,     0,    Better::kLower},
     {FigureScope::kRun,    "receiver_clock_steered",      0,     0,    Better::kNeither},
     {FigureScope::kRun,    "satellites_without_orbit",    2,     0,    Better::kLower, true},

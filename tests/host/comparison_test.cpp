@@ -8,8 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "host/report/findings.h"
 #include "host/report/history_profile.h"
 #include "host/report/json_writer.h"
+#include "host/report/text_writer.h"
 #include "tests/host/folder.h"
 #include "tests/host/sample_report.h"
 
@@ -240,6 +242,66 @@ TEST(HistoryProfile, RefusesAFolderWithoutReports) {
   const Folder empty;
   EXPECT_THROW(ReadHistory(empty.Path()), EarlierReportError);
   EXPECT_THROW(ReadHistory(empty / "no folder"), EarlierReportError);
+}
+
+/// The findings about changes of a report against an earlier one.
+std::vector<Finding> ChangesFound(const Report& before, Report now) {
+  now.comparison = Compared(before, now);
+  std::vector<Finding> changes;
+  for (const Finding& finding : FindingsOf(now)) {
+    for (const char* id : {"changed-statements", "signals-gone", "became-worse", "nothing-worse"}) {
+      if (finding.id == id) changes.push_back(finding);
+    }
+  }
+  return changes;
+}
+
+TEST(ChangeFindings, NameWhatBecameWorseAndNotWhatBecameBetter) {
+  const auto worse = ChangesFound(ReportOf(44.5, 0.99), ReportOf(38.1, 0.90));
+  ASSERT_EQ(worse.size(), 1U);
+  EXPECT_EQ(worse[0].id, "became-worse");
+  EXPECT_EQ(worse[0].severity, "warning");
+  EXPECT_EQ(
+      worse[0].title,
+      "Worse than the earlier report: Completeness from the cut-off up, G: 99.00 % -> 90.00 %, and 2 more "
+      "figures");
+  EXPECT_NE(worse[0].text.find("Mean signal strength, G 1C: 44.5 dB-Hz -> 38.1 dB-Hz"), std::string::npos)
+      << worse[0].text;
+  const auto better = ChangesFound(ReportOf(38.1, 0.90), ReportOf(44.5, 0.99));
+  ASSERT_EQ(better.size(), 1U);
+  EXPECT_EQ(better[0].id, "nothing-worse");
+  EXPECT_EQ(better[0].severity, "good");
+}
+
+TEST(ChangeFindings, NameOtherEquipmentAndSignalsGone) {
+  Report before = ReportOf(44.5, 0.99);
+  analysis::SignalFigures gone = before.analysis.figures.signals[0];
+  gone.code = {'5', 'Q'};
+  before.analysis.figures.signals.push_back(gone);
+  Report now = ReportOf(44.5, 0.99);
+  now.run.receiver = "RCV 1 fw 2.0";
+  const auto found = ChangesFound(before, now);
+  ASSERT_EQ(found.size(), 2U);
+  EXPECT_EQ(found[0].title, "Changed since the earlier report: receiver");
+  EXPECT_EQ(found[0].text, "Receiver: RCV 1 fw 1.0 -> RCV 1 fw 2.0.");
+  EXPECT_EQ(found[1].title, "1 signal of the earlier report gone: G 5Q");
+  EXPECT_EQ(found[1].signal, "G 5Q");
+}
+
+TEST(ChangeFindings, AreInTheVerdictTextJsonAndNowhereWithoutAComparison) {
+  EXPECT_TRUE(ChangesFound(ReportOf(44.5, 0.99), ReportOf(44.5, 0.99))[0].id == "nothing-worse");
+  Report now = ReportOf(38.1, 0.99);
+  EXPECT_EQ(WriteText(now).find("earlier report"), std::string::npos);
+  now.comparison = Compared(ReportOf(44.5, 0.99), now);
+  now.findings = FindingsOf(now);
+  now.verdict = VerdictOf(now);
+  const std::string said =
+      "Worse than the earlier report: Mean signal strength, G 1C: 44.5 dB-Hz -> 38.1 dB-Hz";
+  EXPECT_NE(now.verdict.text.find(said), std::string::npos) << now.verdict.text;
+  EXPECT_NE(WriteJson(now).find("\"title\": \"" + said), std::string::npos);
+  TextStyle wide;
+  wide.width = 300;
+  EXPECT_NE(WriteText(now, wide).find("! " + said), std::string::npos);
 }
 
 }  // namespace

@@ -47,9 +47,10 @@ void Reader::ReadAhead() {
   }
   if (decoder_.UseWeakDate()) return;
   if (std::any_of(ahead_.begin(), ahead_.end(), IsObservation)) {
-    throw FileError(name_, 0, "observations without a date",
+    throw FileError(name_, 0, std::string(kFoundNoDate),
                     "a week in an ephemeris, or the date of the recording",
-                    "Record the ephemerides of the stream (1019, 1042, 1045, 1046) with it.");
+                    "Name a navigation file of the day with --nav, or say with --start at which date the "
+                    "recording begins.");
   }
 }
 

@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "host/formats/rtcm/decoder.h"
 #include "host/formats/rtcm/frame.h"
@@ -14,6 +15,9 @@
 #include "host/rinex/diagnostics.h"
 
 namespace orsolva_host::rtcm {
+
+/// What a FileError has found where observations come and no date.
+constexpr std::string_view kFoundNoDate = "observations without a date";
 
 struct ReaderOptions {
   /// When the recording was made, within half a week, GPS time. Absent: from the first full date in the first

@@ -35,9 +35,10 @@ std::string Epoch(char system, std::int64_t time_ms) {
   return rtcm::FrameOf(rtcm::WriteMsm(OneCell(system, 7, time_ms)));
 }
 
-RtcmSource Open(const std::string& bytes, Diagnostics& diagnostics) {
+RtcmSource Open(const std::string& bytes, Diagnostics& diagnostics,
+                std::optional<std::int64_t> near_ns = std::nullopt) {
   return RtcmSource(
-      "stream", [&](Diagnostics& /*notices*/) { return TextBytes(bytes); }, std::nullopt, diagnostics);
+      "stream", [bytes](Diagnostics& /*notices*/) { return TextBytes(bytes); }, near_ns, diagnostics);
 }
 
 RtcmContent ContentOf(const std::string& bytes) {
@@ -90,14 +91,43 @@ TEST(RtcmSource, KnowsEphemeridesBeforeTheFirstEpoch) {
   EXPECT_TRUE(source.Stream()->coarse_systems.empty());
 }
 
-TEST(RtcmSource, WithoutADateAsksForEphemerides) {
+TEST(RtcmSource, WithoutADateAsksForNavigation) {
   Diagnostics diagnostics;
+  RtcmSource source = Open(Epoch('G', 1000), diagnostics);
+  ObsEpoch_QC_gbt record;
+  ObservationEpoch full;
   try {
-    Open(Epoch('G', 1000), diagnostics);
+    source.Next(record, full);
     FAIL();
   } catch (const FileError& error) {
-    EXPECT_NE(error.Advice().find("ephemerides"), std::string::npos);
+    EXPECT_NE(error.Advice().find("--nav"), std::string::npos);
+    EXPECT_NE(error.Advice().find("--start"), std::string::npos);
   }
+}
+
+TEST(RtcmSource, TakesTheWeekOfNamedRecordsWhereItHasNone) {
+  Diagnostics diagnostics;
+  RtcmSource source = Open(Epoch('G', 1000), diagnostics);
+  BroadcastRecords records;
+  records.kepler.emplace_back().toe_s = static_cast<double>(GpsTime(2150, 7200) / kSecond);
+  source.TakeChannels(records);
+  ObsEpoch_QC_gbt record;
+  ObservationEpoch full;
+  ASSERT_TRUE(source.Next(record, full));
+  EXPECT_EQ(full.time_ns, GpsTime(2150, 1));
+}
+
+TEST(RtcmSource, TakesTheWeekOfTheTimeAskedForOnlyWhereItHasNone) {
+  ObsEpoch_QC_gbt record;
+  ObservationEpoch full;
+  Diagnostics diagnostics;
+  RtcmSource undated = Open(Epoch('G', 1000), diagnostics, GpsTime(2150, 7200));
+  ASSERT_TRUE(undated.Next(record, full));
+  EXPECT_EQ(full.time_ns, GpsTime(2150, 1));
+  const std::string dated = Ephemeris(1045, 'E', 3, GpsTime(2200, 600)) + Epoch('G', 1000);
+  RtcmSource other = Open(dated, diagnostics, GpsTime(2150, 7200));
+  ASSERT_TRUE(other.Next(record, full));
+  EXPECT_EQ(full.time_ns, GpsTime(2200, 1));
 }
 
 TEST(RtcmSource, RoundsAsAFileDoes) {

@@ -1,6 +1,7 @@
 // A simulated span as an RTCM 3 stream and as its RINEX twin, faults included: reports must be the same.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -10,6 +11,7 @@
 
 #include "host/judging/judge_file.h"
 #include "host/report/json_writer.h"
+#include "host/report/text_writer.h"
 #include "host/simulator/file_set.h"
 #include "host/simulator/scenario_json.h"
 #include "tests/host/folder.h"
@@ -108,6 +110,7 @@ TEST_P(RtcmTwins, GiveTheSameReportToTheBit) {
   stream.run.observation_file = file.run.observation_file;
   stream.run.rinex_version = file.run.rinex_version;
   stream.run.marker = file.run.marker;
+  stream.run.stream.reset();
   stream.run.interval_source = file.run.interval_source;
   stream.notices = file.notices;
   stream.notes = file.notes;
@@ -134,17 +137,23 @@ TEST_P(RtcmTwins, OfTheStreamsOwnEphemeridesHaveTheSameCounts) {
 
 INSTANTIATE_TEST_SUITE_P(Kinds, RtcmTwins, testing::Values(4, 7));
 
-TEST(RtcmNotice, StepsAreNamedOfMsm4Alone) {
+TEST(RtcmReport, HasMessagesByTypeAndTheStepsOfMsm4Alone) {
   for (const int kind : {4, 7}) {
     const Twins twins(kind);
     const Report report = twins.Judged(twins.Names().stream, false);
-    bool steps = false, messages = false;
-    for (const ReportNotice& notice : report.notices) {
-      steps = steps || notice.text.find("come as MSM4 or MSM5") != std::string::npos;
-      messages = messages || notice.text.find(kind == 4 ? "1074=236" : "1077=236") != std::string::npos;
-    }
-    EXPECT_EQ(steps, kind == 4);
-    EXPECT_TRUE(messages);
+    ASSERT_TRUE(report.run.stream);
+    const StreamFacts& stream = *report.run.stream;
+    const auto found = std::find_if(stream.messages.begin(), stream.messages.end(),
+                                    [kind](const StreamMessages& row) { return row.type == 1070 + kind; });
+    ASSERT_NE(found, stream.messages.end());
+    EXPECT_EQ(found->messages, 236U);
+    EXPECT_TRUE(found->decoded);
+    EXPECT_EQ(stream.crc_errors, 0U);
+    EXPECT_EQ(stream.coarse_systems.empty(), kind == 7);
+    const std::string text = WriteText(report), json = WriteJson(report);
+    EXPECT_NE(text.find(kind == 4 ? "1074=236" : "1077=236"), std::string::npos);
+    EXPECT_EQ(text.find("in MSM4 or MSM5: code 18 mm, phase 0.6 mm") != std::string::npos, kind == 4);
+    EXPECT_EQ(json.find("\"pseudorange_m\": 0.018") != std::string::npos, kind == 4);
   }
 }
 

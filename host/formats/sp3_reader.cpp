@@ -69,7 +69,11 @@ Points Sp3File::Read(LineReader& lines, std::size_t most) {
                       "Name the files of the day alone, or raise the limit with --max-size.");
     }
   }
-  CheckWhole(lines.Line());
+  if (!ended_) {
+    diagnostics_.AddIncomplete(name_, lines.Line(), "the file ends without EOF");
+  } else {
+    CheckWhole(lines.Line());
+  }
   return std::move(points_);
 }
 

@@ -111,17 +111,6 @@ void HeaderParser::CheckVersion(std::string_view line, double version, long numb
   }
 }
 
-void HeaderParser::CheckSameForm(std::string_view line, long number) const {
-  double version = 0;
-  const bool crinex = HeaderLabel(line) == "CRINEX VERS   / TYPE";
-  const bool known = ParseDecimal(Field(line, 0, 9), version) == FieldState::kNumber;
-  const bool same = crinex ? header_.crinex : known && (version < 3) == (header_.version < 3);
-  if (same) return;
-  throw FileError(file_, number,
-                  "a second header in another format, " + Quoted(std::string(line.substr(0, 60))),
-                  "the same format throughout", "Split the file where the format changes.");
-}
-
 void HeaderParser::ReadAll(LineReader& lines) {
   ReadVersion(lines);
   std::string_view line;

@@ -65,10 +65,6 @@ class HeaderParser {
   /// Must be called before the lines of another header block: types listed in it replace the previous ones.
   void BeginBlock();
 
-  /// Must be called for the version line of a repeated header among the observations.
-  /// @throws FileError when the file continues in a format that needs another reader
-  void CheckSameForm(std::string_view line, long number) const;
-
  private:
   void ReadVersion(LineReader& lines);
   void CheckVersion(std::string_view line, double version, long number);

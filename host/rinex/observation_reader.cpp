@@ -10,6 +10,7 @@
 #include "host/rinex/decimal.h"
 #include "host/rinex/header_labels.h"
 #include "host/rinex/signal_codes.h"
+#include "host/rinex/spliced_header.h"
 #include "host/rinex/version2_codes.h"
 #include "orsolva/signals.h"
 
@@ -265,6 +266,7 @@ void ObservationReader::TakeEvent(const EpochBlock& block) {
   NameEvent(block);
   full_.TakeEvent(block.flag);
   if (block.flag == kSlipRecords) return;
+  if (ChangesForm(block, header_)) return TakeOtherForm(block);
   parser_.BeginBlock();
   const ObservationTypes types = header_.types;
   const std::size_t scales = header_.scale_factors.size();
@@ -273,8 +275,6 @@ void ObservationReader::TakeEvent(const EpochBlock& block) {
     const std::string& line = block.records[i];
     const long number = block.first_record_line + static_cast<long>(i);
     const std::string_view label = HeaderLabel(line);
-    if (label == "RINEX VERSION / TYPE" || label == "CRINEX VERS   / TYPE")
-      parser_.CheckSameForm(line, number);
     if (label == "SYS / PHASE SHIFT" || label == "SYS / PHASE SHIFTS") {
       diagnostics_.Add(name_, number,
                        "phase shifts among the observations; phases may step by a fraction of a cycle there");
@@ -284,6 +284,19 @@ void ObservationReader::TakeEvent(const EpochBlock& block) {
   NoteChanges(before);
   if (header_.types == types && header_.scale_factors.size() == scales) return;
   diagnostics_.Add(name_, block.line, "observation types or scale factors change within the file");
+  MakePlans();
+}
+
+/// What follows a header of another form is read as a file of that form.
+void ObservationReader::TakeOtherForm(const EpochBlock& block) {
+  const std::array<std::string, 3> before = {header_.antenna, header_.receiver, header_.marker};
+  header_ = SplicedHeader(block, header_, name_, diagnostics_);
+  diagnostics_.Add(
+      name_, block.line,
+      fmt::format("continues as {}RINEX {:.2f}", header_.crinex ? "CRINEX of " : "plain ", header_.version));
+  body_ = BodyOf(header_, lines_, name_, diagnostics_);
+  NoteChanges(before);
+  PlanTimeScale();
   MakePlans();
 }
 

@@ -55,7 +55,8 @@ struct ObservationOptions {
 /// uses BDS time (14 s are added) or GLONASS time (UTC; the header's leap seconds are added).
 /// Missing values are 0. Types of one band and tracking letter form one signal; a signal without any value is
 /// omitted. Only the first 8 signals of a satellite and the first 80 satellites of an epoch are kept, with a
-/// notice. Events (flags above 1) are skipped, but their header lines are applied. Epochs are delivered in
+/// notice. Events (flags above 1) are skipped, but their header lines are applied. A whole header of another
+/// version or form among the observations begins a part of that form. Epochs are delivered in
 /// the order of the file, including duplicate ones and those that go backwards in time, which give a notice.
 ///
 /// Codes of RINEX 2 are mapped to signals as described in version2_codes.h.
@@ -102,6 +103,7 @@ class ObservationReader {
   void NoteChanges(const std::array<std::string, 3>& before);
   void CheckOrder(const Time_gbt& time);
   void TakeEvent(const EpochBlock& block);
+  void TakeOtherForm(const EpochBlock& block);
   void NameEvent(const EpochBlock& block);
   void FillEpoch(ObsEpoch_QC_gbt& epoch);
   void AddSatellite(const SatelliteRow& row, ObsEpoch_QC_gbt& epoch);

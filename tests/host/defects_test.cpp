@@ -68,10 +68,22 @@ TEST(Defects, ARepeatedHeaderIsTakenAndHoldsFromThereOn) {
   EXPECT_TRUE(old.Said("header lines among the observations"));
 }
 
-TEST(Defects, ASecondHeaderOfAnotherFormEndsReadingAndWhatStandsBeforeStays) {
+TEST(Defects, ASecondHeaderOfAnotherFormBeginsAPartOfThatForm) {
+  const ReadFile file(Header(kTypes) + Good("00.0") + Header2() + Good2("30.00"));
+  ASSERT_EQ(file.epochs.size(), 2U);
+  EXPECT_EQ(file.epochs[1].sat_num, file.epochs[0].sat_num);
+  EXPECT_EQ(file.LineOf("continues as plain RINEX 2.11"), 6);
+}
+
+/// A version line of RINEX 2.11 and nothing else of its header.
+std::string VersionAlone() {
+  return HeaderLine("     2.11           OBSERVATION DATA    M", "RINEX VERSION / TYPE");
+}
+
+TEST(Defects, ASecondHeaderWithoutTypesEndsReadingAndWhatPrecedesItStays) {
   Diagnostics notices;
-  ObservationReader reader(TextBytes(Header(kTypes) + Good("00.0") + Header2() + Good2("30.00")), "test.rnx",
-                           notices);
+  ObservationReader reader(TextBytes(Header(kTypes) + Good("00.0") + VersionAlone() + Good2("30.00")),
+                           "test.rnx", notices);
   ObsEpoch_QC_gbt epoch;
   EXPECT_TRUE(reader.Next(epoch));
   EXPECT_FALSE(reader.Failure());
@@ -85,7 +97,7 @@ TEST(Defects, ASecondHeaderOfAnotherFormEndsReadingAndWhatStandsBeforeStays) {
 
 TEST(Defects, AFileThatFailsBeforeItsFirstEpochIsAnError) {
   Diagnostics notices;
-  ObservationReader reader(TextBytes(Header(kTypes) + Header2()), "test.rnx", notices);
+  ObservationReader reader(TextBytes(Header(kTypes) + VersionAlone()), "test.rnx", notices);
   ObsEpoch_QC_gbt epoch;
   EXPECT_THROW(reader.Next(epoch), FileError);
 }

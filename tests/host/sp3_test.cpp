@@ -148,10 +148,13 @@ TEST(Sp3Reader, BadLinesAreSkippedWithTheirPlace) {
 
 TEST(Sp3Reader, ATruncatedFileIsNamedAndJoinedFilesAreRead) {
   const std::string whole = FirstLines() + Epoch(0) + Position("G05", 20000, 1);
-  EXPECT_NE(Read(whole).Found("without EOF"), nullptr);
+  const Read cut(whole);
+  ASSERT_TRUE(cut.notices.Incomplete());
+  EXPECT_NE(std::string(cut.notices.Incomplete()->what()).find("without EOF"), std::string::npos);
   Read joined(whole + "EOF\n" + FirstLines() + Epoch(15) + Position("G05", 20000, 1) + "EOF\n");
   EXPECT_EQ(joined.Of('G', 5).size(), 2U);
   EXPECT_EQ(joined.notices.Total(), 0);
+  EXPECT_FALSE(joined.notices.Incomplete());
 }
 
 TEST(Sp3Reader, OtherFilesAndVersionsAreRefusedWithAdvice) {

@@ -2,6 +2,7 @@
 #ifndef ORSOLVA_TESTS_SUPPORT_MUTATOR_H
 #define ORSOLVA_TESTS_SUPPORT_MUTATOR_H
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -205,7 +206,8 @@ struct MutatedRunFacts {
 
 /// One run over mutated records, from its initialisation to its results.
 /// @param results  filled on the way; half a megabyte that many runs can share
-/// @param asking   one run in so many asks for its results at its end
+/// @param asking   one run in so many asks for its results at its end, and one batch in four times as many,
+/// 64 at least
 template <class Random>
 MutatedRunFacts MutatedRun(const SimulatedSky& sky, Mutator<Random>& mutator, Results& results,
                            std::uint32_t asking = 1) {
@@ -226,6 +228,7 @@ MutatedRunFacts MutatedRun(const SimulatedSky& sky, Mutator<Random>& mutator, Re
     const char* broken = BrokenLaw(results, epochs);
     if (facts.Broken == nullptr) facts.Broken = broken;
   };
+  const std::uint32_t between = std::max<std::uint32_t>(64, 4 * asking);
   std::vector<ObsEpoch_QC_gbt> batch;
   for (std::size_t at = 0; at + 4 < sky.Epochs.size(); ++facts.Batches) {
     const std::size_t count = 1 + mutator.Below(4);
@@ -238,7 +241,7 @@ MutatedRunFacts MutatedRun(const SimulatedSky& sky, Mutator<Random>& mutator, Re
     epochs += count;
     if (!IsAState(state)) facts.Broken = "a batch gives one of the states";
     if (state == GNSSQC_OK) ++facts.Accepted;
-    if (mutator.Below(64) == 63) check();
+    if (mutator.Below(between) == between - 1) check();
   }
   if (mutator.Below(asking) == asking - 1) check();
   return facts;

@@ -1,5 +1,6 @@
 #include "host/cli/check_files.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
@@ -10,6 +11,7 @@
 
 #include "host/cli/console.h"
 #include "host/cli/exit_codes.h"
+#include "host/cli/parquet_tables.h"
 #include "host/cli/request_check.h"
 #include "host/judging/inputs.h"
 #include "host/judging/judging_pool.h"
@@ -120,6 +122,21 @@ void RequireNavigation(const RunInputs& inputs) {
   }
 }
 
+/// Whether anything but Parquet tables is asked for.
+bool AsksForReports(const OutputSettings& outputs) {
+  const bool any_file = std::any_of(outputs.files.begin(), outputs.files.end(),
+                                    [](const std::string& path) { return !path.empty(); });
+  return any_file || !outputs.folder.empty() || !outputs.network.empty();
+}
+
+/// The exit code of two runs over the same files.
+int Worse(int one, int other) {
+  for (const int code : {kInterrupted, kTerminated, kRunFailed, kVerdictFailed}) {
+    if (one == code || other == code) return code;
+  }
+  return kGood;
+}
+
 int Run(QcRequest& request) {
   RunInputs inputs = InputsOf(request.paths, request.navigation);
   JoinObservations(JoinRuleOf(request.join), inputs);
@@ -131,7 +148,10 @@ int Run(QcRequest& request) {
   RequireNavigation(inputs);
   RecordInterrupts();
   CompleteSettings(request);
-  return ProcessFiles(request, inputs);
+  if (request.parquet.empty()) return ProcessFiles(request, inputs);
+  const int written = WriteParquet(request, inputs);
+  if (InterruptExitCode() != 0 || !AsksForReports(request.outputs)) return written;
+  return Worse(written, ProcessFiles(request, inputs));
 }
 
 }  // namespace

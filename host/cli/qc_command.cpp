@@ -79,6 +79,10 @@ void AddAnalysisOptions(QcRequest& request, std::vector<Option>& options) {
   };
   for (Option row : rows) {
     row.group = "Analysis";
+    row.set = [set = std::move(row.set), name = row.name, &given = request.given](const std::string& text) {
+      given[name] = text;
+      return set(text);
+    };
     options.push_back(std::move(row));
   }
 }
@@ -114,6 +118,10 @@ void AddOutputOptions(QcRequest& request, std::vector<Option>& options) {
                  "Write the table with one row per file (.csv: as CSV, .html: as a page)"),
       FolderOption("output", o.folder,
                    "Write the reports of each file, and the network table, into this folder"),
+      FolderOption(
+          "parquet", request.parquet,
+          "Write the tables of each report as Parquet files into a folder of its own in this folder; "
+          "needs the Python packages orsolva and pyarrow"),
       Parsed("formats", "LIST", FormatNames(true), ParseFormats, o.formats,
              "Formats that --output writes, out of " + FormatNames()),
   };

@@ -2,6 +2,7 @@
 #ifndef ORSOLVA_CLI_REQUEST_H
 #define ORSOLVA_CLI_REQUEST_H
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,9 @@ struct QcRequest {
   std::string join = "none";            ///< or "day", "all": which files of a station are one span
   JudgingSettings settings;
   OutputSettings outputs;
+  std::string parquet;  ///< folder of Parquet tables; empty: none
+  /// The texts of the options of the analysis, by name, as they were given last.
+  std::map<std::string, std::string> given;
   std::string profile;         ///< name, file or "history:FOLDER"; empty: none
   std::string compare;         ///< an earlier report; empty: none
   std::string color = "auto";  ///< or "always", "never"

@@ -23,6 +23,9 @@ void ValidateStandardStreams(const QcRequest& request, const RunInputs& inputs) 
         "standard input can be read once only: give - for one observation or navigation file, and name "
         "the other files");
   }
+  if (from_input > 0 && !request.parquet.empty()) {
+    throw ValidationError("--parquet reads files more than once: save standard input as a file first");
+  }
   const auto on_output =
       std::count_if(std::begin(kFormats), std::end(kFormats), [&](const OutputFormat& row) {
         const bool can = row.stream || row.format == Format::kEvents || row.format == Format::kSeries;

@@ -38,6 +38,15 @@ void IgnoreSignalsOfWriting();
 /// there is one. @return the exit code where there is none
 int EndAsByClosedPipe();
 
+/// The folder of the program that runs; empty where the system does not say.
+std::string ProgramFolder();
+
+/// Runs another program with a text as its standard input, and waits for it; its other streams are those of
+/// this program. @param words  the program, looked for on the path unless it names a folder, and its
+/// arguments
+/// @return its exit code, 128 and more when a signal ended it; 127 or another code when it cannot be run
+int RunProgram(const std::vector<std::string>& words, const std::string& input);
+
 /// To be called first. Keeps the memory of one file for the next: if it were returned and allocated again,
 /// its pages would be zeroed again while threads wait for one another.
 void KeepFreedMemory();

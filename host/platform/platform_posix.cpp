@@ -2,10 +2,14 @@
 #include <glob.h>
 #include <sys/ioctl.h>
 #include <sys/mman.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <system_error>
 #ifdef __GLIBC__
 #include <malloc.h>
 #endif
@@ -41,6 +45,28 @@ std::string SettingsFolder() {
   if (folder != nullptr && *folder != '\0') return folder;
   const char* home = std::getenv("HOME");
   return home != nullptr && *home != '\0' ? std::string(home) + "/.config" : std::string();
+}
+
+std::string ProgramFolder() {
+  std::error_code ignored;
+  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", ignored);
+  return program.parent_path().string();
+}
+
+int RunProgram(const std::vector<std::string>& words, const std::string& input) {
+  std::string line = "exec";
+  for (const std::string& word : words) {
+    line += " '";
+    for (const char c : word) line += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    line += '\'';
+  }
+  std::FILE* pipe = popen(line.c_str(), "w");
+  if (pipe == nullptr) return 127;
+  // A program that ends before it has read everything says why by its exit code.
+  std::fwrite(input.data(), 1, input.size(), pipe);
+  const int status = pclose(pipe);
+  if (WIFSIGNALED(status)) return 128 + WTERMSIG(status);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 127;
 }
 
 void PrepareStreams() {

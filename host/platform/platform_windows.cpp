@@ -58,6 +58,24 @@ std::string SettingsFolder() {
   return folder != nullptr ? folder : "";
 }
 
+std::string ProgramFolder() {
+  char path[MAX_PATH] = {};
+  const DWORD length = GetModuleFileNameA(nullptr, path, MAX_PATH);
+  const std::string program(path, length < MAX_PATH ? length : 0);
+  const std::size_t slash = program.find_last_of('\\');
+  return slash == std::string::npos ? std::string() : program.substr(0, slash);
+}
+
+int RunProgram(const std::vector<std::string>& words, const std::string& input) {
+  std::string line = "\"";
+  for (const std::string& word : words) line += '"' + word + "\" ";
+  line += '"';
+  std::FILE* pipe = _popen(line.c_str(), "wb");
+  if (pipe == nullptr) return 127;
+  std::fwrite(input.data(), 1, input.size(), pipe);
+  return _pclose(pipe);
+}
+
 void PrepareStreams() {
   for (std::FILE* stream : {stdin, stdout, stderr}) _setmode(_fileno(stream), _O_BINARY);
   for (const Stream stream : {Stream::kOutput, Stream::kError}) {

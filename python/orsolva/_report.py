@@ -310,6 +310,8 @@ class Report:
     def to_parquet(self, folder: PathLike) -> list[pathlib.Path]:
         """Writes every table of the report that has rows into a folder, as NAME.parquet. Needs pyarrow.
 
+        Each file appears when it is complete; one of that name is replaced.
+
         Returns:
             the files written
         """
@@ -321,7 +323,12 @@ class Report:
             if len(table) == 0:
                 continue
             files.append(target / f"{name}.parquet")
-            parquet.write_table(table.to_arrow(), files[-1])
+            unfinished = target / f".part-{name}.parquet"
+            try:
+                parquet.write_table(table.to_arrow(), unfinished)
+                os.replace(unfinished, files[-1])
+            finally:
+                unfinished.unlink(missing_ok=True)
         return files
 
     def tables(self) -> dict[str, Table]:

@@ -1,0 +1,84 @@
+#include "host/cli/parquet_tables.h"
+
+#include <fmt/format.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+#include "host/cli/exit_codes.h"
+#include "host/judging/run_error.h"
+#include "host/platform/platform.h"
+#include "host/terminal/interrupt.h"
+
+namespace orsolva_host {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Of the script below and of python/orsolva/_parquet.py, where a package cannot be imported.
+constexpr int kNotInstalled = 64;
+constexpr const char* kScript =
+    "import sys\n"
+    "try:\n"
+    "    from orsolva._parquet import main\n"
+    "except ImportError:\n"
+    "    sys.exit(64)\n"
+    "sys.exit(main())\n";
+
+std::string Interpreter() {
+  const char* named = std::getenv("ORSOLVA_PYTHON");
+  if (named != nullptr && *named != '\0') return named;
+  const std::string folder = ProgramFolder();
+  std::error_code ignored;
+  for (const char* name : {"python3", "python3.exe", "python.exe"}) {
+    const fs::path beside = fs::path(folder) / name;
+    if (!folder.empty() && fs::exists(beside, ignored)) return beside.string();
+  }
+  return "python3";
+}
+
+bool IsKnown(int code) {
+  return code == kGood || code == kRunFailed || code == kVerdictFailed || code == kInterrupted ||
+         code == kTerminated;
+}
+
+}  // namespace
+
+std::string ParquetTask(const QcRequest& request, const RunInputs& inputs) {
+  nlohmann::json task;
+  task["folder"] = request.parquet;
+  task["names"] = OutputStems(inputs.observations);
+  task["spans"] = inputs.joined;
+  if (inputs.joined.empty()) {
+    for (const std::string& file : inputs.observations) task["spans"].push_back({file});
+  }
+  task["navigation"] = inputs.navigation;
+  task["jobs"] = request.jobs;
+  task["options"] = request.given;
+  try {
+    return task.dump();
+  } catch (const nlohmann::json::exception&) {
+    throw RunError("--parquet: the name of a file is no UTF-8 text. Rename it.");
+  }
+}
+
+int WriteParquet(const QcRequest& request, const RunInputs& inputs) {
+  const std::string python = Interpreter();
+  const int code = RunProgram({python, "-c", kScript}, ParquetTask(request, inputs));
+  if (const int interrupted = InterruptExitCode(); interrupted != 0) return interrupted;
+  if (IsKnown(code)) return code;
+  if (code == kNotInstalled) {
+    throw RunError(fmt::format(
+        "--parquet needs the Python packages orsolva and pyarrow. Install them: {} -m pip install orsolva "
+        "pyarrow",
+        python));
+  }
+  throw RunError(
+      fmt::format("--parquet needs Python: '{}' did not run to its end (exit code {}). Install Python 3.11 "
+                  "or later, then "
+                  "python3 -m pip install orsolva pyarrow; or name the interpreter in ORSOLVA_PYTHON.",
+                  python, code));
+}
+
+}  // namespace orsolva_host

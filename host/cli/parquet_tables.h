@@ -15,8 +15,8 @@ namespace orsolva_host {
 std::string ParquetTask(const QcRequest& request, const RunInputs& inputs);
 
 /// Judges the inputs once more, in Python, and writes the tables of each into a folder of its own below
-/// request.parquet. Python is that beside the program, as in a virtual environment; else that of the path; or
-/// what the environment variable ORSOLVA_PYTHON names.
+/// request.parquet. Python is that in the folder of the program, as in a virtual environment; else that of
+/// the path; or what the environment variable ORSOLVA_PYTHON names.
 /// @return the exit code of the run
 /// @throws RunError that says what to install where a package is missing
 int WriteParquet(const QcRequest& request, const RunInputs& inputs);

@@ -17,7 +17,7 @@ pq = pytest.importorskip("pyarrow.parquet")
 
 
 def run(*arguments, **environment):
-    """The command with this interpreter, unless it has one beside it."""
+    """The command with this interpreter, unless it has one in its own folder."""
     variables = {**os.environ, **environment}
     variables["PYTHONPATH"] = os.pathsep.join(
         [environment.get("PYTHONPATH", ""), *(str(pathlib.Path(p).resolve()) for p in os.environ.get("PYTHONPATH", "").split(os.pathsep) if p)]

@@ -1,4 +1,4 @@
-"""systemd reads the unit of the service without a complaint and finds it well confined.
+"""systemd reads the unit of the service without a message and finds it well confined.
 
 usage: unit_test.py UNIT PROGRAM
 """
@@ -33,7 +33,7 @@ def main():
         assert code == 0 and not said, said
         code, said = run("security", "--offline=true", f"--threshold={MOST_EXPOSED}", str(tried))
         assert code == 0, said
-        # The test can fail: an unknown setting is a complaint.
+        # The test can fail: an unknown setting is reported.
         tried.write_text(tried.read_text().replace("LockPersonality", "LockPersonalty"), encoding="utf-8")
         assert run("verify", "--man=no", str(tried))[1]
     print(said.strip().splitlines()[-1])

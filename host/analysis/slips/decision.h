@@ -71,6 +71,8 @@ class Decision {
   double FitOf(const Cycles& cycles) const;
   bool CloseGap();
   bool IsBlind() const;
+  bool IsPlainHalf() const;
+  bool RestsOnRangeAlone(const Cycles& cycles) const;
   bool IsNoSlip();
   bool TakeSlip();
   bool TakeOther(const Explanation* integer);

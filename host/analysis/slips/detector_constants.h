@@ -60,6 +60,7 @@ constexpr double kSureGapMargin = 5;
 
 // Explanations that are no slip.
 constexpr double kSatelliteClockPrior = 9;
+constexpr double kSteadyClockPrior = 14;    // of clocks that do not jump by decimetres
 constexpr double kSatelliteClock_m = 0.15;  // over 30 s
 constexpr double kLargeClockPrior = 17;
 constexpr double kLargeClock_m = 3;
@@ -75,6 +76,10 @@ constexpr double kQuietInterval_s = 5;        // below, clocks do not move by de
 constexpr bool IsTestable(char system, double interval_s) {
   return system != 'S' || interval_s < kQuietInterval_s;
 }
+
+/// Masers and rubidium clocks of Galileo, BDS and QZSS: none jumped on the days seen, where each satellite of
+/// GPS and GLONASS did once or twice.
+constexpr bool IsSteadyClock(char system) { return system == 'E' || system == 'C' || system == 'J'; }
 
 }  // namespace orsolva_host::analysis
 

@@ -17,6 +17,9 @@ constexpr double kSameMetres = 0.05;  // relative
 constexpr double kOutlierPrior = 12;  // nats
 constexpr double kNoOutlier_cycles = 0.1;  // nearer to its neighbours, or to whole cycles from them
 constexpr double kClearlyBetter = 2;       // nats
+constexpr double kNotMuchDearer = 4;       // nats
+constexpr double kSurelyNoRange_m = 1;     // by which no range leaves a cubic within a step
+constexpr double kPlainHalfScales = 5;     // of the range
 constexpr int kUnstableSteps = 5;          // broken steps among kUnstableWindow and those to come
 constexpr int kUnstableWindow = 12;
 constexpr int kSteadySteps = 20;
@@ -53,6 +56,15 @@ bool Decision::IsBlind() const {
   return !step.HasGeometry() && !case_.gap && step.dt_s >= kQuietInterval_s;
 }
 
+/// Whether half a cycle of every signal is far more than the range of the satellite is wrong by, and its
+/// clock not one that jumps.
+bool Decision::IsPlainHalf() const {
+  const SatelliteTrack& track = *case_.track;
+  const double half_m = 0.5 * track.signals[case_.test.signal[0]].wavelength_m;
+  return IsSteadyClock(track.satellite.system) &&
+         half_m > kPlainHalfScales * track.At(case_.step).range_scale_m;
+}
+
 /// Metres that are the same on all signals, or in the ratio of the ionosphere: they compete with the whole
 /// numbers.
 bool Decision::IsNoSlip() {
@@ -65,7 +77,9 @@ bool Decision::IsNoSlip() {
       interval_s_ < kQuietInterval_s || step.ionosphere_scale_m < kQuietIonosphere_m * root_of_interval;
   const double ionosphere_prior = quiet ? kQuietIonospherePrior : kIonospherePrior;
   const bool two_bands = HasTwoBands(case_.band, case_.test.count);
-  const double clock_prior = kSatelliteClockPrior + (IsBlind() && !two_bands ? kBlindSlipPrior : 0);
+  const double usual_clock_prior =
+      IsSteadyClock(case_.track->satellite.system) ? kSteadyClockPrior : kSatelliteClockPrior;
+  const double clock_prior = usual_clock_prior + (IsBlind() && !two_bands ? kBlindSlipPrior : 0);
   const NoSlip kinds[] = {
       {EventKind::kSatelliteClock, clock_m * clock_m, 0, clock_prior, false},
       {EventKind::kSatelliteClock, kLargeClock_m * kLargeClock_m, 0, kLargeClockPrior, true},
@@ -74,6 +88,7 @@ bool Decision::IsNoSlip() {
   const Explanation& best = case_.ranked.front();
   const double fit = FitOf(best.cycles);
   const double misfit = WideLaneMisfit(case_.wide_lanes, case_.none.cycles);
+  const double best_misfit = WideLaneMisfit(case_.wide_lanes, best.cycles);
   double clock_chi2 = 0;
   for (const NoSlip& kind : kinds) {
     // Within a second or so no clock moves by a wavelength, but a slip on every band can look like it.
@@ -83,14 +98,16 @@ bool Decision::IsNoSlip() {
     if (kind.prior == clock_prior) clock_chi2 = chi2;
     const double total = 0.5 * (case_.none.window_chi2 - (case_.chi2 - chi2) + misfit) + kind.prior;
     const bool cheapest = total < best.total;
-    const bool fits_better =
-        best.any && 0.5 * chi2 + kind.prior + kClearlyBetter < 0.5 * fit + PriorOf(best.cycles);
+    const bool fits_better = best.any && total < best.total + kNotMuchDearer &&
+                             0.5 * (chi2 + misfit) + kind.prior + kClearlyBetter <
+                                 0.5 * (fit + best_misfit) + PriorOf(best.cycles);
     if (chi2 >= kFitChi2 || !(cheapest || fits_better)) continue;
     case_.track->At(case_.step).settled = true;
     if (case_.chi2 >= kReportedChi2) AddEvent(kind.kind, nullptr, 0.5 * (case_.chi2 - chi2), 0, true);
     return true;
   }
-  if (IsHalfOnAll(best, case_.test.count) && clock_chi2 < kFitChi2 && interval_s_ >= kQuietInterval_s) {
+  if (IsHalfOnAll(best, case_.test.count) && !IsPlainHalf() && clock_chi2 < kFitChi2 &&
+      interval_s_ >= kQuietInterval_s) {
     case_.track->At(case_.step).settled = true;
     if (case_.chi2 >= kReportedChi2) {
       AddEvent(EventKind::kSatelliteClock, nullptr, 0.5 * (case_.chi2 - clock_chi2), 0, false);
@@ -100,18 +117,26 @@ bool Decision::IsNoSlip() {
   return false;
 }
 
+/// Whether every signal slips where nothing predicts the range, so that slips are known by their differences
+/// alone, or only the steps around do, which a low satellite or an old clock leaves by decimetres.
+bool Decision::RestsOnRangeAlone(const Cycles& cycles) const {
+  double least_m = 1e300;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
+    least_m =
+        std::min(least_m, std::fabs(cycles[i]) * case_.track->signals[case_.test.signal[i]].wavelength_m);
+  }
+  return least_m > 0 && (case_.test.free_range || (IsBlind() && least_m < kSurelyNoRange_m));
+}
+
 bool Decision::TakeSlip() {
   const Explanation& best = case_.ranked.front();
   if (TakeUnstable(best.cycles)) return true;
   const double margin = case_.ranked.size() > 1 ? case_.ranked[1].total - best.total : 99;
   // Where neighbours predict better than the median, an equal slip on all bands rests on a few centimetres.
   const bool stormy = case_.track->At(case_.step).ionosphere_by_neighbours && interval_s_ >= kQuietInterval_s;
-  // Where nothing predicts the range, slips of every signal are known by their differences alone.
-  const bool all = std::all_of(best.cycles.begin(), best.cycles.begin() + case_.test.count,
-                               [](double z) { return z != 0; });
   const bool sure = margin > kSureMargin && FitOf(best.cycles) < kFitChi2 &&
                     !(stormy && IsSameOnAll(best.cycles, case_.test.count)) &&
-                    !(case_.test.free_range && all);
+                    !IsHalfOnAll(best, case_.test.count) && !RestsOnRangeAlone(best.cycles);
   bool half = false;
   for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
     if (best.cycles[i] == 0) continue;

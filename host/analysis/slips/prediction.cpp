@@ -10,6 +10,8 @@ constexpr double kFree_m = 1e4;   // prior of a quantity that nothing is known o
 constexpr double kTied_m = 1e-5;  // prior of one that shall take nothing
 constexpr double kLargestScale_m = 1e3;
 constexpr double kLargestGapScale_m = 3;
+constexpr double kStencilsAgree =
+    2;  // of the range scale; beyond, a slip three steps away may be in the wide one
 
 /// Priors of the two rates of a step: nothing is known of the range where it is not modelled.
 struct RatePriors {
@@ -131,10 +133,10 @@ void PredictUnmodelledRange(const SatelliteTrack& track, std::int64_t step, Pred
   const StepState& s = track.At(step);
   p.range_factor = kAbsent;
   if (s.gap) return;
-  const double cubic = CubicRangeRate(track, step);
-  if (std::isfinite(cubic)) {
-    p.range_m = cubic * s.dt_s + (std::isfinite(s.common_m) ? s.common_m : 0);
-    if (!std::isfinite(s.common_m)) return;
+  const UnmodelledRange cubic = RangeFromNeighbours(track, step);
+  if (std::isfinite(cubic.rate)) {
+    p.range_m = cubic.rate * s.dt_s + (std::isfinite(cubic.common_m) ? cubic.common_m : 0);
+    if (!std::isfinite(cubic.common_m)) return;
     p.range_factor = 1;
     p.noise_gain = std::max(p.noise_gain, kGainOfCubic);
     return;
@@ -169,6 +171,24 @@ double CubicRangeRate(const SatelliteTrack& track, std::int64_t step) {
   return (-UnmodelledRate(track, step - 2) + 4 * UnmodelledRate(track, step - 1) +
           4 * UnmodelledRate(track, step + 1) - UnmodelledRate(track, step + 2)) /
          6;
+}
+
+double WideRangeRate(const SatelliteTrack& track, std::int64_t step) {
+  return (6 * (UnmodelledRate(track, step - 1) + UnmodelledRate(track, step + 1)) +
+          3 * (UnmodelledRate(track, step - 2) + UnmodelledRate(track, step + 2)) -
+          2 * (UnmodelledRate(track, step - 3) + UnmodelledRate(track, step + 3))) /
+         14;
+}
+
+UnmodelledRange RangeFromNeighbours(const SatelliteTrack& track, std::int64_t step) {
+  const StepState& s = track.At(step);
+  const double near = CubicRangeRate(track, step);
+  if (std::isfinite(s.wide_common_m)) {
+    const double wide = WideRangeRate(track, step);
+    const double apart_m = (wide - near) * s.dt_s + s.wide_common_m - s.common_m;
+    if (std::fabs(apart_m) < kStencilsAgree * s.range_scale_m) return {wide, s.wide_common_m};
+  }
+  return {near, s.common_m};
 }
 
 void FitRates(SatelliteTrack& track, std::int64_t i) {

@@ -65,6 +65,7 @@ struct StepState {
   double range_rate = kAbsent;       ///< u: range left after the model, m/s
   double ionosphere_rate = kAbsent;  ///< v: m/s at 1575.42 MHz
   double common_m = kAbsent;         ///< common part of unmodelled satellites in the stencil of the cubic
+  double wide_common_m = kAbsent;    ///< and in the wide stencil
   // What holds for predicting the step, settled when it is decided, provisional for later ones.
   double range_median = kAbsent;
   double ionosphere_median = kAbsent;

@@ -28,7 +28,8 @@ struct OfBoth {
 OfBoth RangeErrors(const SatelliteTrack& track, std::int64_t i) {
   const StepState& s = track.At(i);
   if (!s.HasGeometry()) {
-    const double error = std::fabs((s.range_rate - CubicRangeRate(track, i)) * s.dt_s - s.common_m);
+    const UnmodelledRange range = RangeFromNeighbours(track, i);
+    const double error = std::fabs((s.range_rate - range.rate) * s.dt_s - range.common_m);
     return {error, error};
   }
   const double median = std::isfinite(s.range_median) ? s.range_median : 0;

@@ -133,7 +133,8 @@ void SlipDetector::Process(const ObservationEpoch& epoch) {
     intake->Append(clock_, shift_m_, reset_s_, code_shift_m_, interval_s_);
     if (!open) active_.push_back(intake);
   }
-  FindCommonPart();
+  FindCommonPart(2, &StepState::common_m, CubicRangeRate);
+  FindCommonPart(3, &StepState::wide_common_m, WideRangeRate);
   WatchIonosphere();
   DecideUpTo(number_ - kLead);
 }
@@ -242,11 +243,13 @@ void SlipDetector::FindCodeJump(const ObservationEpoch& epoch) {
 }
 
 /// The receiver clock as satellites without a modelled range show it, in the stencil that predicts their
-/// ranges: two epochs after a step. Where the clock has been solved and taken off, nothing is left.
-void SlipDetector::FindCommonPart() {
-  const std::int64_t middle = number_ - 2;
-  bool solved = middle >= 2;
-  for (std::int64_t n = middle - 2; solved && n <= middle + 2; ++n) {
+/// ranges: so many epochs after a step as the stencil has on one side. Where the clock has been solved and
+/// taken off, nothing is left.
+void SlipDetector::FindCommonPart(std::int64_t width, double StepState::*common_m,
+                                  double (*rate_of)(const SatelliteTrack&, std::int64_t)) {
+  const std::int64_t middle = number_ - width;
+  bool solved = middle >= width;
+  for (std::int64_t n = middle - width; solved && n <= middle + width; ++n) {
     const ReceiverStep& step = receiver_steps_[RingSlot(n)];
     solved = step.number == n && step.clock_known;
   }
@@ -254,10 +257,10 @@ void SlipDetector::FindCommonPart() {
   std::vector<StepState*> steps;
   for (SatelliteIntake* intake : present_) {
     SatelliteTrack& track = intake->track;
-    const std::int64_t i = track.next - 3;
-    if (i - 2 <= track.first || track.At(i).epoch != middle || track.At(i - 2).epoch != middle - 2) continue;
-    if (track.At(i).HasGeometry()) continue;
-    const double rate = track.RangeRate(i) - CubicRangeRate(track, i);
+    const std::int64_t i = track.next - 1 - width;
+    if (i - width <= track.first || track.At(i).epoch != middle) continue;
+    if (track.At(i - width).epoch != middle - width || track.At(i).HasGeometry()) continue;
+    const double rate = track.RangeRate(i) - rate_of(track, i);
     if (!std::isfinite(rate)) continue;
     scratch_.push_back(rate * track.At(i).dt_s);
     steps.push_back(&track.At(i));
@@ -268,7 +271,7 @@ void SlipDetector::FindCommonPart() {
     common = Median(scratch_);
     if (2 * CountNear(scratch_, common, kCommonAgreement_m) < scratch_.size()) return;
   }
-  for (StepState* step : steps) step->common_m = common;
+  for (StepState* step : steps) step->*common_m = common;
 }
 
 /// What the ionosphere does now, over all satellites with two bands: its change from step to step, known at

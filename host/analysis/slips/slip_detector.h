@@ -79,7 +79,8 @@ class SlipDetector {
   bool NoteClockReset(const ObservationEpoch& epoch, double change_m);
   void FindUnmodelledReset(const ObservationEpoch& epoch);
   void FindCodeJump(const ObservationEpoch& epoch);
-  void FindCommonPart();
+  void FindCommonPart(std::int64_t width, double StepState::*common_m,
+                      double (*rate_of)(const SatelliteTrack&, std::int64_t));
   void WatchIonosphere();
   void DecideUpTo(std::int64_t number);
   TestCounts& CountsOf(SatelliteIntake& intake);

@@ -118,6 +118,34 @@ double UnmodelledRate(const SatelliteTrack& track, std::int64_t step) {
   return track.RangeRate(step);
 }
 
+/// Whether so many steps on both sides are as long as the step.
+bool IsEven(const SatelliteTrack& track, std::int64_t step, std::int64_t width) {
+  for (std::int64_t i = step - width; i <= step + width; ++i) {
+    if (track.At(i).dt_s != track.At(step).dt_s) return false;
+  }
+  return true;
+}
+
+/// The cubic where an epoch is late or early: Lagrange's through the rates at the middles of their steps.
+double UnevenCubicRangeRate(const SatelliteTrack& track, std::int64_t step) {
+  constexpr std::array<std::int64_t, 4> kNeighbours = {-2, -1, 1, 2};
+  const std::int64_t origin_ns = track.At(step).time_ns;
+  const auto middle_s = [&](std::int64_t i) {
+    const StepState& s = track.At(i);
+    return static_cast<double>(s.time_ns - origin_ns) * 1e-9 - 0.5 * s.dt_s;
+  };
+  const double at_s = middle_s(step);
+  double rate = 0;
+  for (const std::int64_t i : kNeighbours) {
+    double weight = 1;
+    for (const std::int64_t j : kNeighbours) {
+      if (i != j) weight *= (at_s - middle_s(step + j)) / (middle_s(step + i) - middle_s(step + j));
+    }
+    rate += weight * UnmodelledRate(track, step + i);
+  }
+  return rate;
+}
+
 double ExtrapolatedRangeRate(const SatelliteTrack& track, std::int64_t step) {
   for (const int direction : {-1, 1}) {
     const double u1 = UnmodelledRate(track, step + direction);
@@ -168,12 +196,15 @@ void TakeOffCommon(StepTest& test) {
 double MeanOfNeighbours(double before, double after) { return 0.5 * (before + after); }
 
 double CubicRangeRate(const SatelliteTrack& track, std::int64_t step) {
+  if (!track.Has(step - 2) || !track.Has(step + 2)) return kAbsent;
+  if (!IsEven(track, step, 2)) return UnevenCubicRangeRate(track, step);
   return (-UnmodelledRate(track, step - 2) + 4 * UnmodelledRate(track, step - 1) +
           4 * UnmodelledRate(track, step + 1) - UnmodelledRate(track, step + 2)) /
          6;
 }
 
 double WideRangeRate(const SatelliteTrack& track, std::int64_t step) {
+  if (!track.Has(step - 3) || !track.Has(step + 3) || !IsEven(track, step, 3)) return kAbsent;
   return (6 * (UnmodelledRate(track, step - 1) + UnmodelledRate(track, step + 1)) +
           3 * (UnmodelledRate(track, step - 2) + UnmodelledRate(track, step + 2)) -
           2 * (UnmodelledRate(track, step - 3) + UnmodelledRate(track, step + 3))) /

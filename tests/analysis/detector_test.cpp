@@ -141,6 +141,47 @@ TEST(SlipDetector, WithoutARangeSlipsAtTheEndsOfAPassHaveNoAbsurdSize) {
   }
 }
 
+/// The same sky at 30 s, of one band and another system.
+std::vector<ObservationEpoch> SlowDay(char system, const Change& change) {
+  std::vector<ObservationEpoch> day;
+  for (int k = 0; k < 120; ++k) {
+    ObservationEpoch epoch = EpochAt(30 * k);
+    for (SatelliteObservation& satellite : epoch.satellites) {
+      satellite.id.system = system;
+      satellite.signal_count = 1;
+      SignalObservation& o = epoch.signals[satellite.first_signal];
+      const double frequency = CarrierFrequency('G', '1', 0);
+      if (system == 'C') o.code = {'2', 'I'}, o.phase_cycles *= CarrierFrequency('C', '2', 0) / frequency;
+    }
+    change(k, epoch);
+    day.push_back(std::move(epoch));
+  }
+  return day;
+}
+
+TEST(SlipDetector, HalfACycleOnOneBandIsBelievedOfClocksThatDoNotJump) {
+  const auto half = [](int k, ObservationEpoch& epoch) {
+    if (k >= 60) epoch.signals[4].phase_cycles += 0.5;
+  };
+  const std::vector<Event> steady = EventsOf(SlowDay('C', half));
+  ASSERT_EQ(steady.size(), 1U);
+  EXPECT_EQ(steady[0].kind, EventKind::kHalfCycle);
+  EXPECT_FALSE(steady[0].sure);
+  for (const Event& event : EventsOf(SlowDay('G', half))) EXPECT_FALSE(IsSlip(event.kind)) << event.evidence;
+}
+
+TEST(SlipDetector, ASlipOfEverySignalIsUnsureWhereOnlyTheStepsAroundPredictTheRange) {
+  for (const double cycles : {2.0, 20.0}) {
+    const auto slip = [=](int k, ObservationEpoch& epoch) {
+      if (k >= 60) epoch.signals[4].phase_cycles += cycles;
+    };
+    const std::vector<Event> events = EventsOf(SlowDay('C', slip));
+    ASSERT_EQ(events.size(), 1U);
+    EXPECT_EQ(events[0].sizes, std::vector<double>{cycles});
+    EXPECT_EQ(events[0].sure, cycles > 10);
+  }
+}
+
 TEST(SlipDetector, AnEventComesOutFourEpochsAfterItsOwn) {
   const auto day = Day(200, Slip(3, 100, 1, 0));
   SlipDetector detector({}, {});

@@ -23,14 +23,15 @@ class MadeTrack {
     bool flagged = false;
   };
 
-  MadeTrack(SatelliteId id, double interval_s, const std::vector<SignalCode>& codes)
+  /// @param channel  of GLONASS
+  MadeTrack(SatelliteId id, double interval_s, const std::vector<SignalCode>& codes, int channel = 0)
       : interval_s_(interval_s) {
     track_.satellite = id;
     track_.decide = 1;
     for (const SignalCode code : codes) {
       SignalTrack s;
       s.code = code;
-      s.frequency_hz = CarrierFrequency(id.system, code.band, 0);
+      s.frequency_hz = CarrierFrequency(id.system, code.band, channel);
       s.wavelength_m = kLightSpeed_m_s / s.frequency_hz;
       s.mu = kReferenceCarrier_hz / s.frequency_hz * (kReferenceCarrier_hz / s.frequency_hz);
       track_.signals.push_back(s);

@@ -101,6 +101,7 @@ TEST_F(ReceiverClock, AMovedAntennaIsSolvedWithTheClock) {
   ASSERT_TRUE(change && change->moved);
   EXPECT_NEAR(change->metres, 2.5, 1e-6);
   for (std::size_t i = 0; i < 3; ++i) EXPECT_NEAR(change->shift_m[i], shift[i], 1e-6);
+  EXPECT_NEAR(change->shift_doubt_m, 0.003, 1e-9);  // 3 times the least spread over the root of nine
 }
 
 }  // namespace

@@ -177,5 +177,28 @@ TEST(ArcLengths, TheMedianIsExactWhileLengthsDifferAndWithinOnePercentElse) {
   EXPECT_FALSE(ArcLengths().Figures().median_s);
 }
 
+TEST(TrackingSums, CarriersOfGlonassAreThoseOfTheirChannelAndTheirSumsHaveNone) {
+  constexpr SignalCode k3Q = {'3', 'Q'};
+  TrackingSums sums{10};
+  sums.SetInterval(30);
+  MadeTrack minus_seven{{'R', 10}, 30, {k1C, {'2', 'C'}, k3Q}, -7};
+  MadeTrack six{{'R', 9}, 30, {k1C}, 6};
+  for (int k = 0; k < 3; ++k) {
+    minus_seven.Epoch({{0, 0}, {0, 0}, {0, 0}});
+    six.Epoch({{0, 0}});
+    if (k == 0) continue;
+    sums.AddStep(minus_seven.Outcome());
+    sums.AddStep(six.Outcome());
+  }
+  AnalysisResult result;
+  sums.FillIn(result);
+  // ICD of GLONASS L1 and L2, edition 5.1: 1602 MHz + k 0.5625 MHz, 1246 MHz + k 0.4375 MHz; L3OC: 1202.025.
+  EXPECT_EQ(SatelliteSignalRow(result, {'R', 10}, k1C).frequency_hz, 1598.0625e6);
+  EXPECT_EQ(SatelliteSignalRow(result, {'R', 10}, {'2', 'C'}).frequency_hz, 1242.9375e6);
+  EXPECT_EQ(SatelliteSignalRow(result, {'R', 10}, k3Q).frequency_hz, 1202.025e6);
+  EXPECT_EQ(SatelliteSignalRow(result, {'R', 9}, k1C).frequency_hz, 1605.375e6);
+  EXPECT_FALSE(SystemSignalRow(result, 'R', k1C).frequency_hz);
+}
+
 }  // namespace
 }  // namespace orsolva_host::analysis

@@ -72,6 +72,7 @@ class Decision {
   bool CloseGap();
   bool IsBlind() const;
   bool IsPlainHalf() const;
+  bool IsStormy() const;
   bool RestsOnRangeAlone(const Cycles& cycles) const;
   bool IsNoSlip();
   bool TakeSlip();

@@ -117,6 +117,14 @@ bool Decision::IsNoSlip() {
   return false;
 }
 
+/// Whether an equal slip on all bands rests on a few centimetres: where neighbours predict the ionosphere
+/// better than the median, or for a satellite of one band where that of the others is not quiet.
+bool Decision::IsStormy() const {
+  if (interval_s_ < kQuietInterval_s) return false;
+  if (HasTwoBands(case_.band, case_.test.count)) return case_.track->At(case_.step).ionosphere_by_neighbours;
+  return around_.ionosphere_m > kQuietIonosphere_m * std::sqrt(interval_s_ / kUsualInterval_s);
+}
+
 /// Whether every signal slips where nothing predicts the range, so that slips are known by their differences
 /// alone, or only the steps around do, which a low satellite or an old clock leaves by decimetres.
 bool Decision::RestsOnRangeAlone(const Cycles& cycles) const {
@@ -132,10 +140,8 @@ bool Decision::TakeSlip() {
   const Explanation& best = case_.ranked.front();
   if (TakeUnstable(best.cycles)) return true;
   const double margin = case_.ranked.size() > 1 ? case_.ranked[1].total - best.total : 99;
-  // Where neighbours predict better than the median, an equal slip on all bands rests on a few centimetres.
-  const bool stormy = case_.track->At(case_.step).ionosphere_by_neighbours && interval_s_ >= kQuietInterval_s;
   const bool sure = margin > kSureMargin && FitOf(best.cycles) < kFitChi2 &&
-                    !(stormy && IsSameOnAll(best.cycles, case_.test.count)) &&
+                    !(IsStormy() && IsSameOnAll(best.cycles, case_.test.count)) &&
                     !IsHalfOnAll(best, case_.test.count) && !RestsOnRangeAlone(best.cycles);
   bool half = false;
   for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {

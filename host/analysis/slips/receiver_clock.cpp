@@ -14,6 +14,7 @@ constexpr double kAgreement_m = 0.06;
 constexpr std::size_t kMinSatellites = 4;
 constexpr std::size_t kMinSatellitesMoving = 6;
 constexpr double kMovingSpread_m = 0.03;
+constexpr double kShiftDoubt = 3;  // usual GDOP of all systems together, with reweighting
 constexpr double kOutlierSpreads = 3;
 constexpr double kCluster_m = 0.02;        // half the width of what counts as one clock
 constexpr double kMinClusterPart = 0.3;    // of the satellites
@@ -98,7 +99,8 @@ std::optional<ClockChange> SolveMoving(const std::vector<ClockSample>& samples, 
   const std::size_t agree = CountWithin(residuals, std::max(4 * left, kMovingSpread_m));
   if (left >= spread_m / 3 || agree < std::max<std::size_t>(5, (samples.size() * 6 + 9) / 10))
     return std::nullopt;
-  return ClockChange{x[3], {x[0], x[1], x[2]}, true};
+  const double doubt = kShiftDoubt * left / std::sqrt(static_cast<double>(agree));
+  return ClockChange{x[3], {x[0], x[1], x[2]}, true, doubt};
 }
 
 /// Where many satellites slip in one epoch, as when half-cycle ambiguities are resolved together: the clock

@@ -28,6 +28,7 @@ struct ClockChange {
   double metres = 0;
   Vector3 shift_m = {};  ///< of the antenna, where it moved
   bool moved = false;
+  double shift_doubt_m = 0;  ///< one sigma along a line of sight, where it moved
 };
 
 /// Robust mean over the satellites: median, then twice the weighted mean of what lies within three spreads

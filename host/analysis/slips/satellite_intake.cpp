@@ -221,8 +221,8 @@ void SatelliteIntake::StoreSignals(double code_shift_m) {
   }
 }
 
-void SatelliteIntake::Append(const ClockSums& clock, const Vector3& shift_m, double reset_s,
-                             double code_shift_m, double interval_s) {
+void SatelliteIntake::Append(const ClockSums& clock, const Vector3& shift_m, double shift_doubt_m,
+                             double reset_s, double code_shift_m, double interval_s) {
   const bool first = track.next == track.first || last_number_ < 0;
   StepState step;
   step.time_ns = time_ns_;
@@ -239,6 +239,7 @@ void SatelliteIntake::Append(const ClockSums& clock, const Vector3& shift_m, dou
     step.dt_s = SecondsBetween(time_ns_, last_time_ns_);
     step.gap = step.dt_s > kGapFactor * interval_s;
     step.modelled = step_modelled_;
+    step.shift_doubt_m = shift_doubt_m;
     step.clock_known = clock.unknown == clock_.unknown;
     double change = clock.metres - clock_.metres;
     if (step_modelled_) change += range_change_m_;

@@ -60,10 +60,11 @@ class SatelliteIntake {
 
   /// Adds the epoch to the track.
   /// @param shift_m       of the antenna over the step
+  /// @param shift_doubt_m  one sigma of it along a line of sight
   /// @param reset_s       whole milliseconds that phases and codes jumped by where no clock is solved
   /// @param code_shift_m  to be taken off codes
-  void Append(const ClockSums& clock, const Vector3& shift_m, double reset_s, double code_shift_m,
-              double interval_s);
+  void Append(const ClockSums& clock, const Vector3& shift_m, double shift_doubt_m, double reset_s,
+              double code_shift_m, double interval_s);
 
   std::int64_t LastEpoch() const { return number_; }
   /// Forgets the modelled range of the last epoch, which was that of another position.

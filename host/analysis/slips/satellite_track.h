@@ -74,6 +74,7 @@ struct StepState {
   double range_scale_m = 0;  ///< s_rho
   double ionosphere_scale_m = 0;
   double troposphere_change_m = 0;
+  double shift_doubt_m = 0;  ///< of a moving antenna
   double chi2 = kAbsent;
 
   bool HasGeometry() const { return modelled && clock_known; }

@@ -115,6 +115,7 @@ void SetRangeScale(StepState& step, double scale, const NoiseShare& noise, doubl
   if (step.modelled) variance = std::max(variance - noise.range_m2, 0.0);
   variance += Square(kRangeFloor_m / step.sin_elevation * root);
   if (!step.modelled) variance = Square(kWithoutModelFactor) * variance + Square(kWithoutModelFloor_m * root);
+  variance += Square(step.shift_doubt_m);
   if (!step.gap) variance += Square(kTroposphereDoubt * step.troposphere_change_m);
   step.range_scale_m = std::sqrt(variance);
 }

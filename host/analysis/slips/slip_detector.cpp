@@ -130,7 +130,7 @@ void SlipDetector::Process(const ObservationEpoch& epoch) {
   if (observer_ != nullptr) observer_->Taken(epoch, receiver_steps_[RingSlot(number_)]);
   for (SatelliteIntake* intake : present_) {
     const bool open = intake->track.decide < intake->track.next;
-    intake->Append(clock_, shift_m_, reset_s_, code_shift_m_, interval_s_);
+    intake->Append(clock_, shift_m_, shift_doubt_m_, reset_s_, code_shift_m_, interval_s_);
     if (!open) active_.push_back(intake);
   }
   FindCommonPart(2, &StepState::common_m, CubicRangeRate);
@@ -173,6 +173,7 @@ void SlipDetector::ShowRanges(const ObservationEpoch& epoch) {
 
 void SlipDetector::SolveReceiver(const ObservationEpoch& epoch) {
   shift_m_ = {};
+  shift_doubt_m_ = 0;
   reset_s_ = 0;
   const std::optional<ClockChange> change = SolveClock(samples_);
   ReceiverStep& step = receiver_steps_[RingSlot(number_)];
@@ -192,6 +193,7 @@ void SlipDetector::SolveReceiver(const ObservationEpoch& epoch) {
   step.clock_reset = NoteClockReset(epoch, change->metres);
   if (!change->moved) return;
   shift_m_ = change->shift_m;
+  shift_doubt_m_ = change->shift_doubt_m;
   Vector3 position = station_->Position();
   for (std::size_t i = 0; i < 3; ++i) position[i] += shift_m_[i];
   station_.emplace(position);

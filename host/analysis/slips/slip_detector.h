@@ -109,6 +109,7 @@ class SlipDetector {
   SortedWindow<kSkySamples> ionosphere_changes_m_;     ///< sizes, of two-band satellites from step to step
   SortedWindow<kSkySamples> ionosphere_departures_m_;  ///< sizes, from their medians
   Vector3 shift_m_ = {};
+  double shift_doubt_m_ = 0;
   double reset_s_ = 0;
   bool was_reset_ = false;
   double code_shift_m_ = 0;

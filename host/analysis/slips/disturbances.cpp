@@ -77,8 +77,9 @@ bool Decision::IsNoSlip() {
       interval_s_ < kQuietInterval_s || step.ionosphere_scale_m < kQuietIonosphere_m * root_of_interval;
   const double ionosphere_prior = quiet ? kQuietIonospherePrior : kIonospherePrior;
   const bool two_bands = HasTwoBands(case_.band, case_.test.count);
-  const double usual_clock_prior =
-      IsSteadyClock(case_.track->satellite.system) ? kSteadyClockPrior : kSatelliteClockPrior;
+  // What only the steps around predict may bend at the ends of a pass as if it were a clock's.
+  const bool steady = IsSteadyClock(case_.track->satellite.system) && !(IsBlind() && two_bands);
+  const double usual_clock_prior = steady ? kSteadyClockPrior : kSatelliteClockPrior;
   const double clock_prior = usual_clock_prior + (IsBlind() && !two_bands ? kBlindSlipPrior : 0);
   const NoSlip kinds[] = {
       {EventKind::kSatelliteClock, clock_m * clock_m, 0, clock_prior, false},

@@ -149,9 +149,14 @@ void HeaderParser::Take(std::string_view line, long number) {
   } else if (label == "MARKER NUMBER") {
     header_.marker_number = Text(line, 0, 20);
   } else if (label == "REC # / TYPE / VERS") {
+    header_.receiver_number = Text(line, 0, 20);
     header_.receiver = Text(line, 20, 20);
+    header_.receiver_firmware = Text(line, 40, 20);
   } else if (label == "ANT # / TYPE") {
+    header_.antenna_number = Text(line, 0, 20);
     header_.antenna = Text(line, 20, 20);
+  } else if (label == "ANTENNA: DELTA H/E/N") {
+    TakeHeight(line);
   } else if (label == "TIME OF FIRST OBS") {
     header_.time_system = Text(line, 48, 3);
     header_.first_epoch = StatedTime(line);
@@ -267,6 +272,11 @@ void HeaderParser::TakeChannels(std::string_view line) {
       header_.glonass_channels[static_cast<std::size_t>(slot)] = static_cast<int>(channel);
     }
   }
+}
+
+void HeaderParser::TakeHeight(std::string_view line) {
+  double height = 0;
+  if (ParseDecimal(Field(line, 0, 14), height) == FieldState::kNumber) header_.antenna_height_m = height;
 }
 
 void HeaderParser::TakeInterval(std::string_view line, long number) {

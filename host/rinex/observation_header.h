@@ -31,9 +31,11 @@ struct ObservationHeader {
   char system = 'M';
   std::string marker;
   std::string marker_number;
-  std::string receiver;
-  std::string antenna;
-  std::string time_system;  ///< of TIME OF FIRST OBS, such as "GPS"; empty when not given
+  std::string receiver, receiver_number, receiver_firmware;
+  std::string antenna;  ///< type, with the radome from the 17th character on
+  std::string antenna_number;
+  std::optional<double> antenna_height_m;  ///< of its reference point above the marker
+  std::string time_system;                 ///< of TIME OF FIRST OBS, such as "GPS"; empty when not given
   std::optional<Time_gbt> first_epoch, last_epoch;  ///< stated, in the time system of the file
   std::optional<std::array<double, 3>> position;    ///< approximate, ECEF, m; absent when zero or not given
   std::optional<double> interval_s;
@@ -74,6 +76,7 @@ class HeaderParser {
   void TakeScaleFactor2(std::string_view line, long number);
   void TakeWavelengthFactor(std::string_view line, long number);
   void TakePosition(std::string_view line, long number);
+  void TakeHeight(std::string_view line);
   void TakeInterval(std::string_view line, long number);
   void TakeChannels(std::string_view line);
   void Notice(long number, const std::string& text) { diagnostics_.Add(file_, number, text); }

@@ -55,7 +55,11 @@ nb::dict HeaderRecord(const ObservationHeader& header) {
   record["marker"] = TextOrNone(header.marker);
   record["marker_number"] = TextOrNone(header.marker_number);
   record["receiver"] = TextOrNone(header.receiver);
+  record["receiver_number"] = TextOrNone(header.receiver_number);
+  record["receiver_firmware"] = TextOrNone(header.receiver_firmware);
   record["antenna"] = TextOrNone(header.antenna);
+  record["antenna_number"] = TextOrNone(header.antenna_number);
+  record["antenna_height_m"] = ValueOrNone(header.antenna_height_m);
   record["time_system"] = TextOrNone(header.time_system);
   record["position_ecef_m"] = xyz ? nb::object(nb::make_tuple((*xyz)[0], (*xyz)[1], (*xyz)[2])) : nb::none();
   record["interval_s"] = ValueOrNone(header.interval_s);

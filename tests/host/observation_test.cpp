@@ -204,11 +204,16 @@ TEST(ObservationReader, HeaderFactsAreKept) {
       HeaderLine("ESBC00DNK", "MARKER NAME") + HeaderLine("    30.000", "INTERVAL") +
       HeaderLine("  3582105.2910   532589.7313  5232754.8054", "APPROX POSITION XYZ") +
       HeaderLine("3047937             SEPT POLARX5        5.2.0", "REC # / TYPE / VERS") +
-      HeaderLine("CR5200327016        ASH701945E_M    SCIS", "ANT # / TYPE");
+      HeaderLine("CR5200327016        ASH701945E_M    SCIS", "ANT # / TYPE") +
+      HeaderLine("        0.1380        0.0000        0.0000", "ANTENNA: DELTA H/E/N");
   const ReadFile file(Header(kOneSignal, "3.05", more));
   EXPECT_EQ(file.header.marker, "ESBC00DNK");
   EXPECT_EQ(file.header.receiver, "SEPT POLARX5");
+  EXPECT_EQ(file.header.receiver_number, "3047937");
+  EXPECT_EQ(file.header.receiver_firmware, "5.2.0");
   EXPECT_EQ(file.header.antenna, "ASH701945E_M    SCIS");
+  EXPECT_EQ(file.header.antenna_number, "CR5200327016");
+  EXPECT_EQ(file.header.antenna_height_m, 0.138);
   EXPECT_EQ(file.header.interval_s, 30.0);
   ASSERT_TRUE(file.header.position);
   EXPECT_EQ((*file.header.position)[1], 532589.7313);

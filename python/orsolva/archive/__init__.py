@@ -18,5 +18,6 @@ imported("pyarrow", "orsolva.archive")
 
 from .reading import Archive, open  # noqa: E402
 from .settings import ArchiveError  # noqa: E402
+from .trends import StationTrend, trends  # noqa: E402
 
-__all__ = ["Archive", "ArchiveError", "open"]
+__all__ = ["Archive", "ArchiveError", "StationTrend", "open", "trends"]

@@ -6,6 +6,7 @@ import datetime
 import pathlib
 import sys
 import time
+from collections import Counter
 from collections.abc import Sequence
 from typing import Any
 
@@ -52,6 +53,16 @@ def parser() -> argparse.ArgumentParser:
     where.add_argument("--workers", type=_workers_number, metavar="N", help="processes of this machine (default: one per core; 0: this process alone)")
     where.add_argument("--dask", metavar="ADDRESS", help="scheduler of a Dask cluster, such as tcp://head:8786")
     run.add_argument("--quiet", action="store_true", help="no progress")
+    trends = commands.add_parser("trends", help="stations by state, and what changed")
+    trends.set_defaults(run=_trends)
+    _add_span(trends)
+    trends.add_argument("--all", action="store_true", help="good stations and old changes, too")
+    page = commands.add_parser("page", help="write pages of the network and its stations")
+    page.set_defaults(run=_page)
+    _add_span(page)
+    page.add_argument("--output", required=True, metavar="FOLDER", help="where index.html is written")
+    page.add_argument("--days", type=_positive, default=400, metavar="N", help="days of the heat map (default: 400)")
+    page.add_argument("--reports", metavar="ADDRESS", help="where the report of a file is, with {station}, {name}, {year}, {day} and {date} in it")
     check = commands.add_parser("check", help="count what there is, and find what is missing")
     check.set_defaults(run=_check)
     check.add_argument("store", metavar="STORE")
@@ -81,6 +92,12 @@ def _add_sources(command: argparse.ArgumentParser, run: Any) -> None:
     command.add_argument("--shard", type=str, metavar="K/N", help="the K-th of N parts, for job arrays")
     command.add_argument("--retry", action="store_true", help="judge files again that failed")
     command.add_argument("--repair", action="store_true", help="judge files again of which rows are missing, as `check` reports")
+
+
+def _add_span(command: argparse.ArgumentParser) -> None:
+    command.add_argument("store", metavar="STORE")
+    command.add_argument("--since", type=_since, metavar="DATE", help="first day: 2020, 2020-06 or 2020-06-25")
+    command.add_argument("--until", type=_until, metavar="DATE", help="last day")
 
 
 def _positive(text: str) -> int:
@@ -204,6 +221,34 @@ def _say(outcome: Outcome, seconds: float) -> int:
         print("interrupted; what was judged is in the store. Run again for the rest.", file=sys.stderr)
         return INTERRUPTED
     return FAILED if outcome.errors else GOOD
+
+
+def _trends(options: argparse.Namespace) -> int:
+    from .reading import open as open_store
+    from .trends import STATES, trends
+
+    with open_store(options.store) as archive:
+        found = sorted(trends(archive, options.since, options.until), key=lambda one: (STATES.index(one.state), one.station))
+    for trend in found:
+        if trend.state == "good" and not options.all:
+            continue
+        print(f"{trend.station}  {trend.state:9}  {trend.reason}".rstrip())
+        for change in trend.changes if options.all else []:
+            print(f"{'':{len(trend.station)}}  {change}")
+    states = Counter(trend.state for trend in found)
+    print(", ".join(f"{states[state]} {state}" for state in STATES if states[state]) or "no stations")
+    return GOOD
+
+
+def _page(options: argparse.Namespace) -> int:
+    from .pages import write_pages
+    from .reading import open as open_store
+
+    folder = pathlib.Path(options.output)
+    with open_store(options.store) as archive:
+        states = write_pages(archive, folder, options.since, options.until, options.days, options.reports)
+    print(f"{folder / 'index.html'}: {sum(states.values())} stations")
+    return GOOD
 
 
 def _check(options: argparse.Namespace) -> int:

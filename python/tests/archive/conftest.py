@@ -55,14 +55,14 @@ def archive(*arguments, good=(0,)):
     arguments = [str(argument) for argument in arguments]
     if arguments[:1] == ["run"] and not {"--workers", "--dask"} & set(arguments):
         arguments += ["--workers", "0"]
-    told = io.StringIO()
-    with contextlib.redirect_stdout(told), contextlib.redirect_stderr(told):
+    printed = io.StringIO()
+    with contextlib.redirect_stdout(printed), contextlib.redirect_stderr(printed):
         try:
             code = main(arguments)
         except SystemExit as end:
             code = end.code
-    assert code in good, told.getvalue()
-    return told.getvalue()
+    assert code in good, printed.getvalue()
+    return printed.getvalue()
 
 
 def program(*arguments, good=(0,), **more):
@@ -87,7 +87,7 @@ class Started:
             if len(found) >= count:
                 return found
             time.sleep(0.01)
-        raise AssertionError(f"no {count} workers: {self.told()}")
+        raise AssertionError(f"no {count} workers: {self.printed()}")
 
     def wait_for_runs(self, store):
         """Until a bundle is written."""
@@ -95,9 +95,9 @@ class Started:
             if any(pathlib.Path(store).glob("runs/*/*/*/data.parquet")):
                 return
             time.sleep(0.01)
-        raise AssertionError(f"nothing was written: {self.told()}")
+        raise AssertionError(f"nothing was written: {self.printed()}")
 
-    def told(self):
+    def printed(self):
         """What it printed. Ends it."""
         self.process.kill()
         return self.process.communicate()[0]

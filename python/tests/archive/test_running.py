@@ -64,12 +64,12 @@ def test_bad_files_are_failed_runs_and_the_others_go_on(tmp_path, own_network):
     files[2].write_bytes(text[: len(text) * 2 // 3])
     store = tmp_path / "store"
     archive("init", store)
-    told = archive("run", store, own_network)
+    printed = archive("run", store, own_network)
     with orsolva.archive.open(store) as opened:
         states = dict(opened.sql("SELECT name, state FROM runs").fetchall())
         errors = dict(opened.sql("SELECT name, error FROM runs WHERE error IS NOT NULL").fetchall())
     assert len(states) == 12
-    assert states[files[0].stem] == states[files[1].stem] == "failed", told
+    assert states[files[0].stem] == states[files[1].stem] == "failed", printed
     assert states[files[2].stem] in ("incomplete", "judged")
     assert str(files[0]) in errors[files[0].stem]
     before = sums(store)
@@ -101,7 +101,7 @@ def test_ctrl_c_leaves_a_store_that_the_next_run_completes(tmp_path, network, un
         os.kill(worker, signal.SIGSTOP)
         run.wait_for_runs(store)
         run.process.send_signal(signal.SIGINT)
-        assert run.process.wait(60) == 130, run.told()
+        assert run.process.wait(60) == 130, run.printed()
     assert not pathlib.Path(f"/proc/{worker}").exists()
     with orsolva.archive.open(store) as opened:
         assert 0 < len(opened.sql("SELECT name FROM runs").fetchall()) < 12

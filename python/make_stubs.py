@@ -6,6 +6,7 @@ usage: make_stubs.py PACKAGE_FOLDER
 PACKAGE_FOLDER holds the built module; the files are written next to it. The members of the records are the figures
 that the module lists: a new figure of the program is a new attribute there without a change here.
 """
+import ast
 import pathlib
 import re
 import subprocess
@@ -89,6 +90,7 @@ from collections.abc import Iterator, Mapping
 from typing import Any
 
 class Record(Mapping[str, Any]):
+    """{about}"""
     def __init__(self, values: Mapping[str, Any]) -> None: ...
     def __getitem__(self, name: str) -> Any: ...
     def __iter__(self) -> Iterator[str]: ...
@@ -96,8 +98,15 @@ class Record(Mapping[str, Any]):
 '''
 
 
+def docstrings():
+    """What the classes of records say of themselves, by name."""
+    source = pathlib.Path(__file__).parent / "orsolva" / "_records.py"
+    tree = ast.parse(source.read_text(encoding="utf-8"))
+    return {node.name: ast.get_docstring(node) for node in tree.body if isinstance(node, ast.ClassDef)}
+
+
 def class_text(name, members):
-    lines = [f"class {name}(Record):"]
+    lines = [f"class {name}(Record):", f'    """{docstrings()[name]}"""']
     for key, kind in OTHERS[name].items():
         lines += ["    @property", f"    def {key}(self) -> {kind}: ..."]
     for part, key, kind, unit, title in members:
@@ -105,8 +114,6 @@ def class_text(name, members):
             continue
         about = f"{title} ({unit})" if unit else title
         lines += ["    @property", f"    def {key}(self) -> {kind} | None:", f'        """{about}"""']
-    if len(lines) == 1:
-        lines.append("    ...")
     return "\n".join(lines) + "\n"
 
 
@@ -129,7 +136,8 @@ def main():
     import _core
 
     members = _core.figure_members()
-    text = HEAD + "".join("\n" + class_text(name, members) for name in OTHERS)
+    about = docstrings()["Record"].replace("\n", "\n    ").replace("    \n", "\n")
+    text = HEAD.replace("{about}", about) + "".join("\n" + class_text(name, members) for name in OTHERS)
     (folder / "_records.pyi").write_text(text, encoding="utf-8")
 
 

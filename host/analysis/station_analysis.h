@@ -30,6 +30,9 @@ class StationAnalysis {
 
   /// Takes the next epoch. Epochs that do not go on in time are left out and counted.
   void Add(const ObservationEpoch& epoch);
+  /// Adds later records of satellites that have some. Others of a satellite that had none at the beginning
+  /// do not make it expected.
+  void AddRecords(const BroadcastRecords& records) { detector_.Orbits().Add(records); }
   /// Decides what is still open. No epoch may follow.
   void Finish();
 

@@ -32,6 +32,8 @@ class AnalysisRun {
 
   /// Takes the next epoch. @param epoch  satellites that are not chosen are taken out of its list
   void Add(ObservationEpoch& epoch);
+  /// See StationAnalysis::AddRecords.
+  void AddRecords(const BroadcastRecords& records) { analysis_.AddRecords(records); }
   /// Decides what is still open. @return the figures, with the first kMaxEventsKept events
   /// @param changes  of antenna, receiver and marker within the data
   AnalysisReport Finish(std::vector<DescriptionChange> changes);

@@ -109,11 +109,16 @@ void LibraryRun::Start(const ReadNavigation& navigation, const Time_gbt& first, 
         "No navigation file is named, and none of the day lies next to the observations.");
   }
   if (navigation.set.Size() == 0) return RefuseNavigation(kNoRecords);
-  const config_qct config = Configuration(settings_, source_, interval_s);
-  const orsolva::Status status = session_.Start(config, navigation.set.Body());
+  config_ = Configuration(settings_, source_, interval_s);
+  const orsolva::Status status = session_.Start(config_, navigation.set.Body());
   if (status.Code() == StatusCode::kNoMemory) throw RunError("there is not enough memory for a run.");
   if (!status) return RefuseNavigation(kNoRecords);
   orsolva::SetDetailObserver(session_.Handle(), observer_);
+}
+
+void LibraryRun::AddNavigation(const NavigationSet& set) {
+  if (set.Size() == 0 || !session_.Started()) return;
+  InitialQc(set.Body(), &config_, session_.Handle());
 }
 
 void LibraryRun::Feed(const ObsEpoch_QC_gbt* epochs, std::size_t count) {

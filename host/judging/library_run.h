@@ -31,6 +31,8 @@ class LibraryRun {
   /// @param first  of the epochs that follow
   /// @throws RunError when memory is missing
   void Start(const ReadNavigation& navigation, const Time_gbt& first, double interval_s);
+  /// Adds records that have come since; none may be given twice. Without effect where the run was refused.
+  void AddNavigation(const NavigationSet& set);
   /// Takes a batch in time order. @throws RunError on an internal error of the library
   void Feed(const ObsEpoch_QC_gbt* epochs, std::size_t count);
   /// Ends the run. @param run  what was read and set; the library's facts are added
@@ -55,6 +57,7 @@ class LibraryRun {
   orsolva::QcDetailObserver* observer_ = &events_;  ///< of the library; sinks_ where there are several
   std::unique_ptr<CoverageCounter> coverage_;
   orsolva::Session session_;
+  config_qct config_ = {};
   Time_gbt first_ = {};
   double interval_s_ = 0;
   int batches_taken_ = 0;

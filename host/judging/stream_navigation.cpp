@@ -91,9 +91,7 @@ double AccuracyOf(char system, int index) {
   return std::nearbyint(10 * std::exp2(1 + index / 2.0)) / 10;
 }
 
-void StreamNavigation::Take(rtcm::Reader& reader) {
-  const std::vector<EphemerisMessage> messages = reader.TakeEphemerides();
-  const BroadcastRecords records = reader.TakeBroadcast();
+void StreamNavigation::Take(const std::vector<EphemerisMessage>& messages, const BroadcastRecords& records) {
   auto kepler = records.kepler.begin();
   auto vector = records.state_vectors.begin();
   for (const EphemerisMessage& message : messages) {

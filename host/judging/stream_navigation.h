@@ -22,7 +22,9 @@ double AccuracyOf(char system, int index);
 class StreamNavigation {
  public:
   /// Takes what the reader has read since the last call.
-  void Take(rtcm::Reader& reader);
+  void Take(rtcm::Reader& reader) { Take(reader.TakeEphemerides(), reader.TakeBroadcast()); }
+  /// @param records  made from the messages, in their order
+  void Take(const std::vector<rtcm::EphemerisMessage>& messages, const BroadcastRecords& records);
 
   /// Appends what was collected, for the library with Galileo I/NAV preferred over F/NAV.
   void AppendTo(NavigationSet& set, BroadcastRecords& records) const;

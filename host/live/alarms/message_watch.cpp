@@ -1,0 +1,97 @@
+#include "host/live/alarms/message_watch.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "host/formats/rtcm/decoder.h"
+#include "host/formats/rtcm/msm.h"
+
+namespace orsolva_host::live {
+namespace {
+
+constexpr double kShortest_s = 30;
+constexpr double kLongestTimes = 3;
+constexpr double kMinute_s = 60;
+constexpr double kObservations_s = 120, kOthers_s = 600;
+
+double Seconds(std::int64_t later_ns, std::int64_t earlier_ns) {
+  return static_cast<double>(later_ns - earlier_ns) / 1e9;
+}
+
+/// Whether satellites of its system are always in view.
+bool IsGlobal(int type) {
+  const auto msm = rtcm::MsmTypeOf(type);
+  return !msm || std::string("JIS").find(msm->system) == std::string::npos;
+}
+
+std::vector<int> TypesOf(const std::string& required) {
+  std::vector<int> types;
+  for (std::size_t at = 0; at < required.size();) {
+    const std::size_t end = std::min(required.find('|', at), required.size());
+    types.push_back(std::atoi(required.substr(at, end - at).c_str()));
+    at = end + 1;
+  }
+  return types;
+}
+
+}  // namespace
+
+void MessageWatch::Take(int type, std::int64_t now_ns) {
+  if (!began_ns_) began_ns_ = now_ns;
+  Track& track = tracks_[type];
+  if (track.total > 0) track.longest_s = std::max(track.longest_s, Seconds(now_ns, track.last_ns));
+  track.last_ns = now_ns;
+  ++track.total;
+  ++track.this_minute;
+}
+
+void MessageWatch::Resume(std::int64_t now_ns) {
+  if (began_ns_) began_ns_ = now_ns;
+  for (auto& [type, track] : tracks_) track.last_ns = now_ns;
+}
+
+void MessageWatch::EndMinute() {
+  for (auto& [type, track] : tracks_) {
+    if (track.this_minute > 0) track.interval_s = kMinute_s / static_cast<double>(track.this_minute);
+    track.this_minute = 0;
+  }
+}
+
+std::vector<MessageWatch::Missing> MessageWatch::Announced(std::int64_t now_ns) const {
+  std::vector<Missing> missing;
+  for (const auto& [type, track] : tracks_) {
+    if (track.total < kAnnounced || !rtcm::IsDecoded(type) || !IsGlobal(type)) continue;
+    const double allowed_s = std::max(kShortest_s, kLongestTimes * track.longest_s);
+    const double age_s = Seconds(now_ns, track.last_ns);
+    if (age_s > allowed_s) missing.push_back({std::to_string(type), age_s, allowed_s});
+  }
+  return missing;
+}
+
+std::vector<MessageWatch::Missing> MessageWatch::Required(const std::vector<std::string>& required,
+                                                          std::int64_t now_ns) const {
+  std::vector<Missing> missing;
+  if (!began_ns_) return missing;
+  for (const std::string& entry : required) {
+    double age_s = Seconds(now_ns, *began_ns_);
+    double allowed_s = kOthers_s;
+    for (const int type : TypesOf(entry)) {
+      if (rtcm::HoldsObservations(type)) allowed_s = kObservations_s;
+      const auto track = tracks_.find(type);
+      if (track != tracks_.end()) age_s = std::min(age_s, Seconds(now_ns, track->second.last_ns));
+    }
+    if (age_s > allowed_s) missing.push_back({entry, age_s, allowed_s});
+  }
+  return missing;
+}
+
+void MessageWatch::FillIn(std::int64_t now_ns, std::map<int, MessageState>& messages) const {
+  for (const auto& [type, track] : tracks_) {
+    MessageState& message = messages[type];
+    message.total = track.total;
+    message.age_s = std::max(0.0, Seconds(now_ns, track.last_ns));
+    message.interval_s = track.interval_s;
+  }
+}
+
+}  // namespace orsolva_host::live

@@ -1,0 +1,54 @@
+// When messages of each type come, and which stay away.
+#ifndef ORSOLVA_LIVE_ALARMS_MESSAGE_WATCH_H
+#define ORSOLVA_LIVE_ALARMS_MESSAGE_WATCH_H
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/live/live_state.h"
+
+namespace orsolva_host::live {
+
+/// Times are those of arrival on the GPS time scale.
+class MessageWatch {
+ public:
+  /// A type is announced when it has come so often.
+  static constexpr Count kAnnounced = 10;
+
+  void Take(int type, std::int64_t now_ns);
+  /// The stream was away: the time until now is nobody's absence.
+  void Resume(std::int64_t now_ns);
+  /// Begins another minute, of which mean intervals are.
+  void EndMinute();
+
+  struct Missing {
+    std::string subject;  ///< "1077", or of required ones "1074|1077"
+    double age_s = 0;
+    double allowed_s = 0;
+  };
+  /// Decoded types that have been away for longer than three times their longest interval so far and 30 s.
+  /// Observations of QZSS, NavIC and SBAS, whose few satellites may all set, are left out.
+  std::vector<Missing> Announced(std::int64_t now_ns) const;
+  /// Of each entry "1074|1077" none of the types has come for two minutes (messages of observations) or ten.
+  std::vector<Missing> Required(const std::vector<std::string>& required, std::int64_t now_ns) const;
+
+  void FillIn(std::int64_t now_ns, std::map<int, MessageState>& messages) const;
+
+ private:
+  struct Track {
+    Count total = 0;
+    std::int64_t last_ns = 0;
+    double longest_s = 0;
+    Count this_minute = 0;
+    std::optional<double> interval_s;
+  };
+  std::map<int, Track> tracks_;
+  std::optional<std::int64_t> began_ns_;
+};
+
+}  // namespace orsolva_host::live
+
+#endif  // ORSOLVA_LIVE_ALARMS_MESSAGE_WATCH_H

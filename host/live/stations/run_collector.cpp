@@ -1,0 +1,64 @@
+#include "host/live/stations/run_collector.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "host/rinex/satellite_names.h"
+#include "host/rinex/signal_codes.h"
+
+namespace orsolva_host::live {
+namespace {
+
+/// Epochs after which every event of an epoch is decided, one more than the detector's lead.
+constexpr std::size_t kDecided = 6;
+constexpr double kPerSquareMicro = 1e6;
+/// A residual beyond it is a jump that the library has not yet restarted at; its square would not be a figure.
+constexpr double kMostResidual_m = 1000;
+
+std::int64_t NanosecondsOf(const Time_gbt& time) {
+  return time.time * kNanosecondsPerSecond + std::llround(time.sec * 1e9);
+}
+
+}  // namespace
+
+void RunCollector::Add(const analysis::Event& event) {
+  const bool jump = event.kind == analysis::EventKind::kJump;
+  if (event.satellite.system == ' ' || !(jump || analysis::IsSlip(event.kind))) return;
+  WindowSums sums;
+  sums.slip_events = 1;
+  for (const SignalCode code : event.signals) {
+    SignalSums& signal = sums.signals[{event.satellite.system, NameOf(code)}];
+    ++(jump ? signal.jumps : signal.slips);
+  }
+  minutes_->Add(event.time_ns, sums);
+  const auto epoch = std::find_if(epochs_.begin(), epochs_.end(),
+                                  [&event](const Slips& e) { return e.gps_ns == event.time_ns; });
+  if (epoch != epochs_.end()) ++epoch->slipped;
+}
+
+void RunCollector::OnPairEpoch(const orsolva::PairEpochDetail& detail) {
+  if (!detail.has_multipath || !detail.counting || !(std::fabs(detail.residual_m) < kMostResidual_m)) return;
+  const int slot = SystemSlotOfCode(detail.satellite.sys);
+  if (slot < 0) return;
+  WindowSums& sums = multipath_[BeginOfMinute(NanosecondsOf(detail.time))];
+  SignalSums& signal = sums.signals[{
+      kSystemTable[slot].letter,
+      std::string(SignalName(detail.satellite.sys, static_cast<int>(detail.code)))}];
+  ++signal.multipath_values;
+  signal.multipath_square_um2 +=
+      static_cast<Count>(std::llround(detail.residual_m * detail.residual_m * kPerSquareMicro));
+}
+
+void RunCollector::EndBatch() {
+  for (const auto& [begin_ns, sums] : multipath_) minutes_->Add(begin_ns, sums);
+  multipath_.clear();
+}
+
+std::optional<RunCollector::Slips> RunCollector::NextDecided() {
+  if (epochs_.size() < kDecided) return std::nullopt;
+  const Slips oldest = epochs_.front();
+  epochs_.pop_front();
+  return oldest;
+}
+
+}  // namespace orsolva_host::live

@@ -1,0 +1,74 @@
+// What a station publishes, and what it writes.
+#include <filesystem>
+
+#include "host/live/stations/station_judge.h"
+#include "host/output/whole_file.h"
+#include "host/report/json_writer.h"
+#include "host/rinex/civil_time.h"
+
+#include <fmt/format.h>
+
+namespace orsolva_host::live {
+namespace {
+
+double AgeSeconds(std::int64_t later_ns, std::int64_t earlier_ns) {
+  return static_cast<double>(later_ns - earlier_ns) / 1e9;
+}
+
+}  // namespace
+
+void StationJudge::FillInSystems(StationState& state, std::int64_t now_ns) {
+  for (const SatelliteObservation& satellite : latest_epoch_.satellites) {
+    SystemState& system = state.systems[satellite.id.system];
+    ++system.observed;
+    if (latest_ns_ && sky_.HasOrbit(satellite.id, *latest_ns_)) ++system.with_ephemeris;
+  }
+  for (const auto& [letter, present] : counter_.PresentOfSystems()) {
+    state.systems[letter].expected = present.expected;
+  }
+  for (const auto& [letter, last_ns] : last_ephemeris_ns_) {
+    if (letter != ' ') state.systems[letter].ephemeris_age_s = AgeSeconds(now_ns, last_ns);
+  }
+}
+
+void StationJudge::Publish(std::int64_t now_ns) {
+  if (replay_) now_ns = latest_ns_.value_or(now_ns);
+  auto state = std::make_shared<StationState>(state_);
+  state->published_utc_ns = UtcOf(now_ns);
+  state->frames_total = earlier_frames_.frames + frames_.Counts().frames;
+  state->crc_errors_total = earlier_frames_.crc_errors + frames_.Counts().crc_errors;
+  state->skipped_bytes_total = earlier_frames_.skipped_bytes + frames_.Counts().skipped_bytes;
+  messages_.FillIn(now_ns, state->messages);
+  for (const auto& [type, count] : decoder_->Counts().types) state->messages[type].damaged = count.damaged;
+  state->epoch_gps_ns = latest_ns_;
+  StationIdentity& identity = state->identity;
+  identity.id = described_.id;
+  identity.antenna = described_.antenna;
+  identity.antenna_serial = described_.antenna_serial;
+  identity.receiver = described_.receiver;
+  identity.firmware = described_.firmware;
+  identity.receiver_serial = described_.receiver_serial;
+  identity.position_m = stated_position_m_;
+  state->position_m = sky_.Position();
+  if (sky_.Position()) state->position_llh = sky_.Geodetic();
+  FillInSystems(*state, now_ns);
+  for (const auto& [key, sums] : minutes_.Total().signals) state->totals[key].sums = sums;
+  state->windows = minutes_.Windows();
+  state->minutes = minutes_.Whole();
+  state->alarms = alarms_.Raised();
+  board_->Publish(std::move(state));
+}
+
+/// NAME_YYYYMMDDHH.json, of the hour in GPS time.
+void StationJudge::WriteReport(const orsolva_host::Report& report, std::int64_t begin_ns) const {
+  if (settings_.reports_folder.empty()) return;
+  const CivilTime hour = ToCivil(TimeOfNanoseconds(begin_ns));
+  const std::string name =
+      fmt::format("{}_{:04}{:02}{:02}{:02}.json", settings_.name, hour.year, hour.month, hour.day, hour.hour);
+  std::filesystem::create_directories(settings_.reports_folder);
+  WholeFile file((std::filesystem::path(settings_.reports_folder) / name).string());
+  file.Write(WriteJson(report));
+  file.Commit();
+}
+
+}  // namespace orsolva_host::live

@@ -27,7 +27,7 @@ require_packages() {
   "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq "${missing[@]}" >/dev/null
 }
 
-build_packages=(g++ cmake ninja-build pkg-config libfmt-dev libcli11-dev nlohmann-json3-dev libtomlplusplus-dev zlib1g-dev libarchive-dev libcpp-httplib-dev prometheus-cpp-dev)
+build_packages=(g++ cmake ninja-build pkg-config libfmt-dev libcli11-dev nlohmann-json3-dev libtomlplusplus-dev zlib1g-dev libarchive-dev libcurl4-openssl-dev libcpp-httplib-dev prometheus-cpp-dev)
 test_packages=(openssl python3-jsonschema libgtest-dev binutils python3 python3-venv python3-dev)
 ci_packages=(ccache clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev prometheus valgrind zsh fish)
 web_packages=(chromium fonts-dejavu-core)

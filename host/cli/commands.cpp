@@ -16,7 +16,7 @@ Option HelpOption() {
 
 std::vector<Command> AllCommands() {
   std::vector<Command> commands;
-  for (const auto make : {QcCommand, InspectCommand, ExplainCommand, SimulateCommand, CompareCommand,
+  for (const auto make : {QcCommand, LiveCommand, InspectCommand, ExplainCommand, SimulateCommand, CompareCommand,
                           ConfigCommand, CompletionCommand, ManualCommand, VersionCommand}) {
     commands.push_back(make());
     Option help = HelpOption();

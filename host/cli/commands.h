@@ -14,6 +14,7 @@ std::vector<Command> AllCommands();
 
 // One each. A command owns the settings that its options write.
 Command QcCommand();
+Command LiveCommand();
 Command InspectCommand();
 Command ExplainCommand();
 Command SimulateCommand();

@@ -29,7 +29,7 @@ enum class AlarmKind : std::uint8_t {
   kCrcErrors,
 };
 
-/// How a figure stands: beyond its limit, well within it, or between both, where nothing changes.
+/// Where a figure is: beyond its limit, well within it, or between both, where nothing changes.
 enum class Standing : std::uint8_t { kGood, kBetween, kBad };
 
 /// Standing of a figure that must not be above a limit, and is good again from a lower value down.

@@ -12,6 +12,7 @@ namespace {
 constexpr double kShortest_s = 30;
 constexpr double kLongestTimes = 3;
 constexpr double kMinute_s = 60;
+constexpr double kOneBurst_s = 0.9;
 constexpr double kObservations_s = 120, kOthers_s = 600;
 
 double Seconds(std::int64_t later_ns, std::int64_t earlier_ns) {
@@ -39,7 +40,9 @@ std::vector<int> TypesOf(const std::string& required) {
 void MessageWatch::Take(int type, std::int64_t now_ns) {
   if (!began_ns_) began_ns_ = now_ns;
   Track& track = tracks_[type];
-  if (track.total > 0) track.longest_s = std::max(track.longest_s, Seconds(now_ns, track.last_ns));
+  const double step_s = track.total > 0 ? Seconds(now_ns, track.last_ns) : kOneBurst_s;
+  if (step_s >= kOneBurst_s) ++track.times;
+  if (track.total > 0) track.longest_s = std::max(track.longest_s, step_s);
   track.last_ns = now_ns;
   ++track.total;
   ++track.this_minute;
@@ -60,7 +63,7 @@ void MessageWatch::EndMinute() {
 std::vector<MessageWatch::Missing> MessageWatch::Announced(std::int64_t now_ns) const {
   std::vector<Missing> missing;
   for (const auto& [type, track] : tracks_) {
-    if (track.total < kAnnounced || !rtcm::IsDecoded(type) || !IsGlobal(type)) continue;
+    if (track.times < kAnnounced || !rtcm::IsDecoded(type) || !IsGlobal(type)) continue;
     const double allowed_s = std::max(kShortest_s, kLongestTimes * track.longest_s);
     const double age_s = Seconds(now_ns, track.last_ns);
     if (age_s > allowed_s) missing.push_back({std::to_string(type), age_s, allowed_s});

@@ -15,8 +15,9 @@ namespace orsolva_host::live {
 /// Times are those of arrival on the GPS time scale.
 class MessageWatch {
  public:
-  /// A type is announced when it has come so often.
-  static constexpr Count kAnnounced = 10;
+  /// A type is announced when it has come at so many times, a second or more apart; ephemerides come in
+  /// bursts.
+  static constexpr int kAnnounced = 4;
 
   void Take(int type, std::int64_t now_ns);
   /// The stream was away: the time until now is nobody's absence.
@@ -40,6 +41,7 @@ class MessageWatch {
  private:
   struct Track {
     Count total = 0;
+    int times = 0;
     std::int64_t last_ns = 0;
     double longest_s = 0;
     Count this_minute = 0;

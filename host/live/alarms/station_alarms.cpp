@@ -53,10 +53,10 @@ void StationAlarms::Silence(double silent_s, double interval_s, bool any_epoch, 
     finding.seen =
         fmt::format("no complete epoch for {:.0f} s{}", silent_s, any_epoch ? "" : ", none since the start");
     if (!problem.empty()) finding.seen += ": " + problem;
-    finding.advice =
-        problem.empty() ? "The connection stands but no epoch comes: check that the receiver tracks and that "
-                          "it sends observation messages (MSM4 or MSM7)."
-                        : "Check power and network of the station, then the caster and the account.";
+    finding.advice = problem.empty()
+                         ? "Connected, but no epoch comes: check that the receiver tracks and that "
+                           "it sends observation messages (MSM4 or MSM7)."
+                         : "Check power and network of the station, then the caster and the account.";
     return finding;
   });
 }
@@ -171,7 +171,7 @@ void StationAlarms::HourOfSignal(const SignalKey& key, const SignalSums& sums, s
           return Finding{Severity::kWarning,
                          fmt::format("multipath of {} is {:.2f} m in the last hour", subject, *rms_m),
                          "Look for something new that reflects near the antenna, water or snow on it, "
-                         "and whether it still stands level."};
+                         "and whether it is still level."};
         });
   }
 }

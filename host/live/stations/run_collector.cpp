@@ -12,7 +12,8 @@ namespace {
 /// Epochs after which every event of an epoch is decided, one more than the detector's lead.
 constexpr std::size_t kDecided = 6;
 constexpr double kPerSquareMicro = 1e6;
-/// A residual beyond it is a jump that the library has not yet restarted at; its square would not be a figure.
+/// A residual beyond it is a jump that the library has not yet restarted at; its square would not be a
+/// figure.
 constexpr double kMostResidual_m = 1000;
 
 std::int64_t NanosecondsOf(const Time_gbt& time) {
@@ -41,9 +42,9 @@ void RunCollector::OnPairEpoch(const orsolva::PairEpochDetail& detail) {
   const int slot = SystemSlotOfCode(detail.satellite.sys);
   if (slot < 0) return;
   WindowSums& sums = multipath_[BeginOfMinute(NanosecondsOf(detail.time))];
-  SignalSums& signal = sums.signals[{
-      kSystemTable[slot].letter,
-      std::string(SignalName(detail.satellite.sys, static_cast<int>(detail.code)))}];
+  SignalSums& signal =
+      sums.signals[{kSystemTable[slot].letter,
+                    std::string(SignalName(detail.satellite.sys, static_cast<int>(detail.code)))}];
   ++signal.multipath_values;
   signal.multipath_square_um2 +=
       static_cast<Count>(std::llround(detail.residual_m * detail.residual_m * kPerSquareMicro));

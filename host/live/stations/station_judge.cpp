@@ -18,7 +18,7 @@ constexpr std::size_t kPositionEpochs = 10;
 constexpr std::size_t kLeastSatellites = 4;
 constexpr double kWaitForEphemerides_s = 60;
 constexpr int kOutOfOrderIsNewTime = 30;
-constexpr double kStuck_s = 60;  ///< messages come and no epoch: the decoder begins anew
+constexpr double kStuck_s = 60;  ///< messages come and no epoch: the decoder is restarted
 constexpr double kLook_s = 10;
 constexpr int kStepsForInterval = 600;
 constexpr double kMillisecond_ns = 1e6;
@@ -220,7 +220,7 @@ void StationJudge::NoteStation(std::int64_t now_ns) {
     stated_position_m_ = now.position_m;
     if (!settings_.position_m && !run_) sky_.SetPosition(*now.position_m);
   }
-  // A decoder that begins anew forgets; what it has not yet heard is kept.
+  // A restarted decoder forgets; what it has not yet heard is kept.
   const rtcm::StationDescription before = std::exchange(described_, now);
   if (described_.antenna.empty()) described_.antenna = before.antenna;
   if (described_.antenna_serial.empty()) described_.antenna_serial = before.antenna_serial;
@@ -267,8 +267,7 @@ void StationJudge::TakeEpoch(ObservationEpoch& epoch, std::int64_t now_ns) {
     const double step_s = Seconds(epoch.time_ns - *latest_ns_);
     const double limit_s = alarms_.GapLimit(interval_s) + 1;
     if (step_s > limit_s) {
-      alarms_.Silence(limit_s, interval_s, true, "",
-                      *latest_ns_ + static_cast<std::int64_t>(limit_s * 1e9));
+      alarms_.Silence(limit_s, interval_s, true, "", *latest_ns_ + static_cast<std::int64_t>(limit_s * 1e9));
       messages_.Resume(epoch.time_ns);
     }
   }
@@ -289,7 +288,7 @@ void StationJudge::TakeEpoch(ObservationEpoch& epoch, std::int64_t now_ns) {
   Judge(epoch, now_ns);
 }
 
-/// Nominal epochs between the latest and this one. After a day without any the count begins anew.
+/// Nominal epochs between the latest and this one. After a day without any the count is restarted.
 void StationJudge::CountLost(std::int64_t gps_ns) {
   if (!latest_ns_ || !state_.interval_s) return;
   const double step_s = Seconds(gps_ns - *latest_ns_);

@@ -53,6 +53,12 @@ class StationJudge {
   /// Ephemerides from elsewhere; may be called from another thread. @param records  made from the messages
   void TakeEphemerides(const std::vector<rtcm::EphemerisMessage>& messages, const BroadcastRecords& records);
 
+  /// The same before the first byte, by the station's thread.
+  void UseEphemerides(const std::vector<rtcm::EphemerisMessage>& messages, const BroadcastRecords& records,
+                      std::int64_t now_ns) {
+    AddEphemerides(messages, records, now_ns);
+  }
+
   /// The time of the latest epoch.
   std::optional<std::int64_t> LatestEpoch() const { return latest_ns_; }
   /// Whether `data_gap` and the like were raised at any time; for the exit code of a replay.
@@ -61,8 +67,11 @@ class StationJudge {
   void SetCost(double us) { state_.judging_us_per_epoch = us; }
   Count Epochs() const { return state_.epochs_total; }
   const EphemerisBook& Ephemerides() const { return book_; }
-  /// Position of the antenna that is used; absent while it is not known.
-  std::optional<std::array<double, 3>> Position() const { return sky_.Position(); }
+  /// Position of the antenna that is used, degrees and metres; absent while it is not known.
+  std::optional<std::array<double, 3>> PlaceForCaster() const {
+    if (!sky_.Position()) return std::nullopt;
+    return sky_.Geodetic();
+  }
 
  private:
   struct Foreign {
@@ -105,7 +114,7 @@ class StationJudge {
   Foreign foreign_;
 
   rtcm::FrameScanner frames_;
-  rtcm::FrameCounts earlier_frames_;  ///< of connections before
+  rtcm::FrameCounts earlier_frames_;                 ///< of connections before
   Count minute_frames_ = 0, minute_crc_errors_ = 0;  ///< totals when the minute began
   std::unique_ptr<rtcm::Decoder> decoder_;
   std::int64_t decoder_since_ns_ = 0;
@@ -127,15 +136,15 @@ class StationJudge {
   std::unique_ptr<HourRun> run_;
   std::int64_t run_begin_ns_ = 0;
 
-  std::optional<std::int64_t> began_ns_;        ///< first time handed in
-  std::optional<std::int64_t> latest_ns_;       ///< time of the latest epoch
-  std::int64_t arrived_ns_ = 0;                 ///< of the latest epoch
-  std::int64_t last_look_ns_ = 0;               ///< at messages
-  std::map<std::int64_t, int> steps_;           ///< between epochs, ms: how many
+  std::optional<std::int64_t> began_ns_;   ///< first time handed in
+  std::optional<std::int64_t> latest_ns_;  ///< time of the latest epoch
+  std::int64_t arrived_ns_ = 0;            ///< of the latest epoch
+  std::int64_t last_look_ns_ = 0;          ///< at messages
+  std::map<std::int64_t, int> steps_;      ///< between epochs, ms: how many
   int steps_counted_ = 0;
-  int out_of_order_ = 0;                        ///< epochs in a row
-  ObservationEpoch latest_epoch_;               ///< of the last whole minute
-  std::vector<double> latencies_s_;             ///< of the minute at hand
+  int out_of_order_ = 0;                            ///< epochs in a row
+  ObservationEpoch latest_epoch_;                   ///< of the last whole minute
+  std::vector<double> latencies_s_;                 ///< of the minute at hand
   std::vector<std::array<double, 3>> solutions_m_;  ///< the latest, one a minute; or for the position
   bool any_alarm_ = false;
   bool finished_ = false;

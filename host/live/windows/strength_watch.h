@@ -5,7 +5,7 @@
 // median over its satellites from kLeast_deg up, of the mean over their signals on the band. While a band is
 // down by more than half of the limit, nothing is learnt from it.
 //
-// C/N0 alone tells interference and failing antennas; no property of the receiver is needed (a
+// C/N0 alone shows interference and failing antennas; no property of the receiver is needed (a
 // self-calibrating detector over hundreds of unlike receivers: NAVIGATION 73(1), navi.763).
 #ifndef ORSOLVA_LIVE_WINDOWS_STRENGTH_WATCH_H
 #define ORSOLVA_LIVE_WINDOWS_STRENGTH_WATCH_H

@@ -1,0 +1,118 @@
+#include "host/live/live_service.h"
+
+#include <algorithm>
+#include <chrono>
+#include <set>
+#include <utility>
+
+#include "host/live/alarm_command.h"
+
+namespace orsolva_host::live {
+namespace {
+
+constexpr std::size_t kEventsAtOnce = 1000;
+constexpr std::chrono::milliseconds kWait{500};
+
+/// With a number behind it where it is taken.
+std::string FreeName(const std::string& wanted, const std::set<std::string>& taken) {
+  std::string name = wanted;
+  for (int n = 2; taken.count(name) != 0; ++n) name = wanted + "-" + std::to_string(n);
+  return name;
+}
+
+std::string WrongWith(const StationSettings& station) {
+  SourceSpec spec;
+  std::string wrong = ParseSource(station.source, spec);
+  if (!wrong.empty()) return wrong;
+  if (spec.kind == SourceKind::kNtrip && !HasCasters())
+    return "this program was built without libcurl and reads no casters";
+  if (!station.navigation.empty()) wrong = ParseSource(station.navigation, spec);
+  return wrong.empty() ? "" : "navigation: " + wrong;
+}
+
+}  // namespace
+
+std::string Complete(ServiceSettings& settings) {
+  if (settings.stations.empty()) return "no station is given";
+  std::set<std::string> names;
+  for (StationSettings& station : settings.stations) {
+    SourceSpec spec;
+    const std::string wrong = WrongWith(station);
+    if (!wrong.empty()) return (station.name.empty() ? "a source" : station.name) + ": " + wrong;
+    ParseSource(station.source, spec);
+    if (!station.name.empty() && names.count(station.name) != 0)
+      return "two stations are named " + station.name;
+    if (station.name.empty()) station.name = FreeName(spec.StationName(), names);
+    names.insert(station.name);
+  }
+  const auto standard = std::count_if(settings.stations.begin(), settings.stations.end(),
+                                      [](const StationSettings& s) { return s.source == "-"; });
+  return standard > 1 ? "standard input can be one station only" : "";
+}
+
+LiveService::LiveService(const ServiceSettings& settings, LiveBoard& board,
+                         std::function<void(const std::string&)> write)
+    : settings_(settings), board_(&board), write_(std::move(write)) {
+  for (const StationSettings& station : settings_.stations) {
+    SourceSpec spec;
+    ParseSource(station.source, spec);
+    stations_.push_back(std::make_unique<StationThread>(station, spec, board));
+  }
+}
+
+LiveService::~LiveService() { Stop(); }
+
+void LiveService::Start() {
+  events_thread_ = std::thread([this] { PassEvents(); });
+  for (const auto& station : stations_) station->Start();
+}
+
+/// One after the other: an alarm command that hangs delays others, and no judging.
+void LiveService::PassEvents() {
+  std::uint64_t passed = 0;
+  while (true) {
+    const bool last = last_round_;
+    const auto events = last ? board_->EventsAfter(passed, kEventsAtOnce)
+                             : board_->WaitForEvents(passed, kEventsAtOnce, kWait);
+    for (const LiveEvent& event : events) {
+      Pass(event);
+      passed = event.id;
+    }
+    if (last && events.empty()) return;
+    if (!last && board_->Stopped()) last_round_ = true;
+  }
+}
+
+void LiveService::Pass(const LiveEvent& event) {
+  if (write_) write_(event.json + "\n");
+  if (settings_.on_alarm.empty() || event.state == LiveEvent::State::kNote) return;
+  RunAlarmCommand(settings_.on_alarm, event);
+}
+
+bool LiveService::Ended() const {
+  return std::all_of(stations_.begin(), stations_.end(),
+                     [](const auto& station) { return station->Ended(); });
+}
+
+void LiveService::Stop() {
+  for (const auto& station : stations_) station->Stop();
+  for (const auto& station : stations_) station->Join();
+  last_round_ = true;
+  if (events_thread_.joinable()) events_thread_.join();
+}
+
+bool LiveService::AnyAlarm() const {
+  return std::any_of(stations_.begin(), stations_.end(),
+                     [](const auto& station) { return station->AnyAlarm(); });
+}
+
+std::vector<std::string> LiveService::Failures() const {
+  std::vector<std::string> failures;
+  for (std::size_t i = 0; i < stations_.size(); ++i) {
+    const std::string& failure = stations_[i]->Failure();
+    if (!failure.empty()) failures.push_back(settings_.stations[i].name + ": " + failure);
+  }
+  return failures;
+}
+
+}  // namespace orsolva_host::live

@@ -1,0 +1,59 @@
+// Many stations, each on a thread of its own, and what their events set off.
+#ifndef ORSOLVA_LIVE_LIVE_SERVICE_H
+#define ORSOLVA_LIVE_LIVE_SERVICE_H
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "host/live/live_board.h"
+#include "host/live/settings.h"
+#include "host/live/stations/station_thread.h"
+
+namespace orsolva_host::live {
+
+struct ServiceSettings {
+  std::vector<StationSettings> stations;
+  std::string events;    ///< file that lines of JSON are appended to; "-" is standard output, empty: none
+  std::string on_alarm;  ///< command that is run by the shell for every alarm raised or cleared; empty: none
+  std::string listen;    ///< address of the server; empty: none
+};
+
+/// What is wrong with the stations as a whole or with one of them; empty when nothing is. Names that are
+/// missing are made.
+std::string Complete(ServiceSettings& settings);
+
+class LiveService {
+ public:
+  /// @param write  takes lines of events, each with its end; null: none @pre completed settings
+  LiveService(const ServiceSettings& settings, LiveBoard& board,
+              std::function<void(const std::string&)> write);
+  ~LiveService();
+
+  void Start();
+  /// Whether every station has ended by itself.
+  bool Ended() const;
+  /// Ends all stations, and hands out what is left of the events.
+  void Stop();
+  bool AnyAlarm() const;
+  /// "NAME: why" of stations that failed.
+  std::vector<std::string> Failures() const;
+
+ private:
+  void PassEvents();
+  void Pass(const LiveEvent& event);
+
+  ServiceSettings settings_;
+  LiveBoard* board_;
+  std::function<void(const std::string&)> write_;
+  std::vector<std::unique_ptr<StationThread>> stations_;
+  std::thread events_thread_;
+  std::atomic<bool> last_round_{false};
+};
+
+}  // namespace orsolva_host::live
+
+#endif  // ORSOLVA_LIVE_LIVE_SERVICE_H

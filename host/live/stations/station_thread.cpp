@@ -1,0 +1,300 @@
+#include "host/live/stations/station_thread.h"
+
+#include <time.h>
+
+#include <algorithm>
+#include <cmath>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <utility>
+
+#include "host/formats/rtcm/reader.h"
+#include "host/formats/rtcm/stream_clock.h"
+#include "host/output/whole_file.h"
+#include "host/rinex/byte_source.h"
+
+namespace orsolva_host::live {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+constexpr milliseconds kPublishEvery{1000};
+constexpr std::chrono::minutes kKeepEvery{10};
+constexpr milliseconds kReadFor{500};
+constexpr std::size_t kReplayAtOnce = 4096;
+constexpr Count kCostEpochs = 60;
+
+/// The host's clock on the GPS time scale.
+std::int64_t Now() {
+  const auto utc = std::chrono::system_clock::now().time_since_epoch();
+  const std::int64_t utc_ns = std::chrono::duration_cast<std::chrono::nanoseconds>(utc).count();
+  constexpr std::int64_t kSecond_ns = 1'000'000'000;
+  return utc_ns + rtcm::LeapSecondsAtUtc(utc_ns / kSecond_ns) * kSecond_ns;
+}
+
+std::int64_t ThreadTime_us() {
+  timespec now = {};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+  return static_cast<std::int64_t>(now.tv_sec) * 1'000'000 + now.tv_nsec / 1000;
+}
+
+bool IsReplay(const SourceSpec& spec, const StationSettings& settings) {
+  return spec.kind == SourceKind::kFile ||
+         (spec.kind == SourceKind::kStandardInput && settings.start_gps_ns.has_value());
+}
+
+/// When a recording begins, within half a week. @throws FileError
+std::optional<std::int64_t> DateOf(const std::string& path) {
+  Diagnostics unused;
+  rtcm::ReaderOptions options;
+  options.epochs = false;
+  const rtcm::Reader reader(OpenBytes(path, unused), path, unused, options);
+  return reader.Messages().Clock().Latest();
+}
+
+/// With the time of a recording, where none is given.
+StationSettings Dated(StationSettings settings, const SourceSpec& spec, std::string& failure) {
+  if (spec.kind != SourceKind::kFile || settings.start_gps_ns) return settings;
+  try {
+    settings.start_gps_ns = DateOf(spec.path);
+  } catch (const std::exception& error) {
+    failure = error.what();
+  }
+  return settings;
+}
+
+}  // namespace
+
+void StopFlag::Stop() {
+  {
+    const std::lock_guard lock(mutex_);
+    stopped_ = true;
+  }
+  changed_.notify_all();
+}
+
+bool StopFlag::WaitFor(milliseconds time) {
+  std::unique_lock lock(mutex_);
+  return changed_.wait_for(lock, time, [this] { return stopped_.load(); });
+}
+
+StationThread::StationThread(StationSettings settings, SourceSpec spec, LiveBoard& board)
+    : settings_(Dated(std::move(settings), spec, failure_)),
+      spec_(std::move(spec)),
+      judge_(settings_, spec_.Shown(), IsReplay(spec_, settings_), board) {
+  if (!settings_.user.empty()) spec_.user = settings_.user;
+  if (!settings_.password.empty()) spec_.password = settings_.password;
+}
+
+StationThread::~StationThread() {
+  Stop();
+  Join();
+}
+
+void StationThread::Start() {
+  judge_.Publish(Now());
+  thread_ = std::thread([this] { Run(); });
+  SourceSpec navigation;
+  if (settings_.navigation.empty() || !ParseSource(settings_.navigation, navigation).empty()) return;
+  if (navigation.kind == SourceKind::kNtrip && navigation.user.empty()) {
+    navigation.user = spec_.user;
+    navigation.password = spec_.password;
+  }
+  if (navigation.kind == SourceKind::kFile) return;  // read before the first epoch
+  navigation_thread_ = std::thread([this, navigation] { FollowNavigation(navigation); });
+}
+
+void StationThread::Join() {
+  if (thread_.joinable()) thread_.join();
+  stop_.Stop();
+  if (navigation_thread_.joinable()) navigation_thread_.join();
+}
+
+/// What goes wrong ends this station and no other.
+void StationThread::Run() {
+  try {
+    ReadKeptEphemerides();
+    if (spec_.kind == SourceKind::kFile) {
+      Replay();
+    } else {
+      Follow();
+    }
+    judge_.Finish(Now());
+    KeepEphemerides();
+  } catch (const std::exception& error) {
+    failure_ = error.what();
+    judge_.Disconnected(error.what(), true, Now());
+  }
+  any_alarm_ = judge_.AnyAlarm();
+  judge_.Publish(Now());
+  ended_ = true;
+}
+
+void StationThread::PublishNow() {
+  const auto now = steady_clock::now();
+  if (now < next_publish_) return;
+  next_publish_ = now + kPublishEvery;
+  judge_.Publish(Now());
+  any_alarm_ = judge_.AnyAlarm();
+  if (now < next_keep_) return;
+  if (next_keep_ != steady_clock::time_point()) KeepEphemerides();
+  next_keep_ = now + kKeepEvery;
+}
+
+void StationThread::MeasureCost() {
+  const Count epochs = judge_.Epochs() - cost_epochs_;
+  if (epochs < kCostEpochs) return;
+  const std::int64_t now_us = ThreadTime_us();
+  judge_.SetCost(static_cast<double>(now_us - cost_from_us_) / static_cast<double>(epochs));
+  cost_from_us_ = now_us;
+  cost_epochs_ = judge_.Epochs();
+}
+
+void StationThread::Replay() {
+  if (!failure_.empty()) throw std::runtime_error(failure_);
+  Diagnostics diagnostics;
+  const auto bytes = OpenBytes(spec_.path, diagnostics);
+  judge_.Connected(settings_.start_gps_ns.value_or(Now()));
+  const auto begin = steady_clock::now();
+  std::optional<std::int64_t> first_ns;
+  std::string buffer(kReplayAtOnce, '\0');
+  while (!stop_.Stopped()) {
+    const std::size_t count = bytes->Read(buffer.data(), buffer.size());
+    if (count == 0) break;
+    judge_.Take({buffer.data(), count}, settings_.start_gps_ns.value_or(Now()));
+    MeasureCost();
+    PublishNow();
+    const std::optional<std::int64_t> latest_ns = judge_.LatestEpoch();
+    if (!latest_ns || settings_.speed <= 0) continue;
+    if (!first_ns) first_ns = latest_ns;
+    const double due_s = static_cast<double>(*latest_ns - *first_ns) / 1e9 / settings_.speed;
+    while (!stop_.Stopped()) {
+      const std::chrono::duration<double> ahead =
+          begin + std::chrono::duration<double>(due_s) - steady_clock::now();
+      if (ahead.count() <= 0) break;
+      stop_.WaitFor(std::min(kReadFor, std::chrono::duration_cast<milliseconds>(ahead) + milliseconds(1)));
+      PublishNow();
+    }
+  }
+}
+
+void StationThread::Follow() {
+  BackOff back_off(std::hash<std::string>()(settings_.name) ^ static_cast<std::size_t>(Now()));
+  while (!stop_.Stopped()) {
+    judge_.Connecting(Now());
+    StreamOptions options;
+    options.certificates = settings_.certificates;
+    if (const auto place = judge_.PlaceForCaster()) options.llh = place;
+    const auto stream = OpenStream(spec_, options);
+    FollowOnce(*stream, back_off);
+    if (spec_.kind == SourceKind::kStandardInput) return;
+    const auto until = steady_clock::now() + back_off.Next(refused_);
+    while (!stop_.Stopped() && steady_clock::now() < until) {
+      const auto left = std::chrono::duration_cast<milliseconds>(until - steady_clock::now());
+      stop_.WaitFor(std::min(kReadFor, left + milliseconds(1)));
+      judge_.Tick(Now());
+      PublishNow();
+    }
+  }
+}
+
+/// Reads one connection to its end.
+void StationThread::FollowOnce(ByteStream& stream, BackOff& back_off) {
+  bool connected = false;
+  refused_ = false;
+  while (!stop_.Stopped()) {
+    const ReadOutcome outcome = stream.Read(kReadFor);
+    const std::int64_t now_ns = Now();
+    if (outcome.state == ReadOutcome::State::kData) {
+      if (!connected) judge_.Connected(now_ns);
+      connected = true;
+      back_off.Succeeded();
+      judge_.Take(outcome.bytes, now_ns);
+    }
+    judge_.Tick(now_ns);
+    MeasureCost();
+    PublishNow();
+    if (outcome.state == ReadOutcome::State::kData || outcome.state == ReadOutcome::State::kNothing) continue;
+    refused_ = outcome.state == ReadOutcome::State::kRefused;
+    judge_.Disconnected(outcome.problem, false, now_ns);
+    return;
+  }
+}
+
+/// A second connection, whose ephemerides are handed to the judge.
+void StationThread::FollowNavigation(const SourceSpec& spec) {
+  BackOff back_off(std::hash<std::string>()(settings_.name + " navigation"));
+  while (!stop_.Stopped()) {
+    StreamOptions options;
+    options.certificates = settings_.certificates;
+    const auto stream = OpenStream(spec, options);
+    rtcm::FrameScanner frames;
+    rtcm::DecoderOptions decoding;
+    decoding.near_ns = Now();
+    decoding.epochs = false;
+    rtcm::Decoder decoder(decoding);
+    ReadOutcome outcome;
+    while (!stop_.Stopped()) {
+      outcome = stream->Read(kReadFor);
+      if (outcome.state == ReadOutcome::State::kNothing) continue;
+      if (outcome.state != ReadOutcome::State::kData) break;
+      back_off.Succeeded();
+      frames.Append(outcome.bytes);
+      while (const auto message = frames.Next()) decoder.Take(*message);
+      const auto messages = decoder.TakeEphemerides();
+      const BroadcastRecords records = decoder.TakeBroadcast();
+      if (!messages.empty()) judge_.TakeEphemerides(messages, records);
+    }
+    stop_.WaitFor(back_off.Next(outcome.state == ReadOutcome::State::kRefused));
+  }
+}
+
+// Ephemerides between starts
+
+std::string StationThread::KeptPath() const {
+  if (settings_.state_folder.empty()) return {};
+  std::string name = settings_.name;
+  std::replace_if(
+      name.begin(), name.end(), [](char c) { return c == '/' || c == '\\' || c == '.'; }, '_');
+  return (std::filesystem::path(settings_.state_folder) / (name + ".rtcm3")).string();
+}
+
+void StationThread::KeepEphemerides() {
+  if (settings_.state_folder.empty() || judge_.Ephemerides().Size() == 0) return;
+  std::error_code ignored;
+  std::filesystem::create_directories(settings_.state_folder, ignored);
+  WholeFile file(KeptPath());
+  file.Write(judge_.Ephemerides().Frames());
+  file.Commit();
+}
+
+/// Those of a file given as --nav, and those of the start before. Weeks are those near the stream's time;
+/// what is too old is never selected.
+void StationThread::ReadKeptEphemerides() {
+  std::vector<std::string> paths;
+  SourceSpec navigation;
+  if (!settings_.navigation.empty() && ParseSource(settings_.navigation, navigation).empty() &&
+      navigation.kind == SourceKind::kFile)
+    paths.push_back(navigation.path);
+  if (!KeptPath().empty() && std::filesystem::exists(KeptPath())) paths.push_back(KeptPath());
+  for (const std::string& path : paths) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) throw std::runtime_error(path + ": the ephemerides cannot be read");
+    rtcm::FrameScanner frames;
+    frames.Append(std::string(std::istreambuf_iterator<char>(file), {}));
+    frames.Finish();
+    rtcm::DecoderOptions options;
+    options.near_ns = settings_.start_gps_ns.value_or(Now());
+    options.epochs = false;
+    rtcm::Decoder decoder(options);
+    while (const auto message = frames.Next()) decoder.Take(*message);
+    const auto messages = decoder.TakeEphemerides();
+    judge_.UseEphemerides(messages, decoder.TakeBroadcast(), *options.near_ns);
+  }
+}
+
+}  // namespace orsolva_host::live

@@ -122,7 +122,7 @@ class LiveServer::Implementation {
     server_.set_keep_alive_timeout(kReadTimeout.count());
     server_.set_payload_max_length(kMaxBody);
     server_.set_default_headers({{"Cache-Control", "no-store"}, {"X-Content-Type-Options", "nosniff"}});
-    // A request for many parts of a page would be answered at many times its size.
+    // A request for many parts of a page would return many times its size.
     server_.set_pre_routing_handler([](const Request& request, Response& response) {
       if (!request.has_header("Range")) return httplib::Server::HandlerResponse::Unhandled;
       response.status = 416;

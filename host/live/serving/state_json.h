@@ -10,7 +10,7 @@
 
 namespace orsolva_host::live {
 
-/// What a document says beside the stations.
+/// What a document says besides the stations.
 struct StateHead {
   std::int64_t now_utc_ns = 0;
   std::uint64_t last_event_id = 0;
@@ -20,7 +20,7 @@ struct StateHead {
 /// that are not connected, then by completeness of the hour and by name.
 std::string NetworkJson(std::vector<LiveBoard::StatePointer> stations, const StateHead& head);
 
-/// One station with the minutes of its last day as series beside what NetworkJson() has of it.
+/// One station with the minutes of its last day as series, and what NetworkJson() has of it.
 std::string StationJson(const StationState& station, const StateHead& head);
 
 /// The text with what is no UTF-8 replaced: texts of a stream or of a configuration can hold anything.

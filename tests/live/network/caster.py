@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """An NTRIP caster for tests: versions 1 and 2, and the ways in which real casters and lines misbehave.
 
-As a program:  caster.py [--port N] [--rate R] [--user NAME:PASSWORD] [--loop] NAME=FILE...
+As a program:  caster.py [--port N] [--speed S] [--user NAME:PASSWORD] NAME=FILE...
 A test uses Caster, Mount and Connection.
 """
 import argparse
@@ -40,11 +40,11 @@ class Mount:
     """A stream of epochs; connections one after another go on where the last one ended."""
     name: str
     epochs: list                   # each a list of frames
-    rate: float = 0.0              # epochs per second; 0: as fast as the client reads
+    speed: float = 0.0             # of the stream against its own time; 0: as fast as the client reads
+    begun: float | None = None     # time.monotonic() of the first epoch: who connects later gets what is on then
     plan: object = None            # called with the number of the connection from 0: a Connection, or None: 503
     user: str = ""                 # "name:password"
     nmea: bool = False             # whether the source table asks for GGA
-    loop: bool = False             # from the start again after the last epoch
     hold: bool = True              # keeps the connection open after the last epoch
     at: int = 0                    # the next epoch
     connections: int = 0
@@ -54,8 +54,23 @@ class Mount:
     requests: list = dataclasses.field(default_factory=list)
     lock: threading.Lock = dataclasses.field(default_factory=threading.Lock)
 
+    def __post_init__(self):
+        self.seconds = list(rtcm_stream.seconds(self.epochs))
+
     def done(self):
-        return not self.loop and self.at >= len(self.epochs)
+        return self.at >= len(self.epochs)
+
+    def start(self):
+        """@return the time at which the first epoch is due"""
+        now = time.monotonic()
+        if self.begun is None:
+            return now - (0 if self.done() or not self.speed else self.seconds[self.at] / self.speed)
+        while not self.done() and self.due(self.begun) < now:
+            self.at += 1
+        return self.begun
+
+    def due(self, begun):
+        return begun + self.seconds[self.at] / self.speed if self.speed else begun
 
 
 class Ended(Exception):
@@ -140,14 +155,16 @@ class Caster:
             client.sendall(b"HTTP/1.1 200 OK\r\nNtrip-Version: Ntrip/2.0\r\nServer: test caster\r\n"
                            b"Content-Type: gnss/data\r\nTransfer-Encoding: chunked\r\nConnection: close\r\n\r\n")
         sender = Sender(client, plan, version, number)
+        begun = mount.start()
         for epoch in mount.epochs[max(0, mount.at - plan.repeat):mount.at]:
             if not sender.send_epoch(epoch):
                 return plan.end
-        started = time.monotonic()
-        sent = 0
         while not mount.done():
+            listen(client, mount, max(0.0, mount.due(begun) - time.monotonic()))
+            if self.closing.is_set():
+                raise Ended
             before = sender.sent
-            if not sender.send_epoch(mount.epochs[mount.at % len(mount.epochs)]):
+            if not sender.send_epoch(mount.epochs[mount.at]):
                 # The rest of an epoch that was cut short never comes: the next connection starts with the next one.
                 if sender.sent > before:
                     mount.cut += 1
@@ -155,10 +172,6 @@ class Caster:
                 return plan.end
             mount.at += 1
             mount.whole += 1
-            sent += 1
-            listen(client, mount, started + sent / mount.rate - time.monotonic() if mount.rate > 0 else 0.0)
-            if self.closing.is_set():
-                raise Ended
         if mount.hold:
             return "stall"
         if version == 2:
@@ -272,12 +285,11 @@ def mount_of_file(name, path, **settings):
 def main():
     parser = argparse.ArgumentParser(description="An NTRIP caster for tests and demonstrations.")
     parser.add_argument("--port", type=int, default=2101)
-    parser.add_argument("--rate", type=float, default=1.0, help="epochs per second")
+    parser.add_argument("--speed", type=float, default=1.0, help="of the streams against their own time")
     parser.add_argument("--user", default="", help="NAME:PASSWORD that every mount asks for")
-    parser.add_argument("--loop", action="store_true", help="from the start again after the last epoch")
     parser.add_argument("mount", nargs="+", help="NAME=FILE")
     given = parser.parse_args()
-    mounts = [mount_of_file(*text.split("=", 1), rate=given.rate, user=given.user, loop=given.loop)
+    mounts = [mount_of_file(*text.split("=", 1), speed=given.speed, user=given.user)
               for text in given.mount]
     with Caster(mounts, given.port) as caster:
         print("caster on port %d: %s" % (caster.port, " ".join(caster.mounts)), flush=True)

@@ -132,8 +132,22 @@ class CasterTest(unittest.TestCase):
         absent = GET1.replace(b"/M", b"/N").replace(b"\r\n\r\n", b"\r\nNtrip-Version: Ntrip/2.0\r\n\r\n")
         self.assertTrue(request(caster, absent)[0].startswith(b"HTTP/1.1 404 "))
 
+    def test_epochs_come_at_their_time(self):
+        caster = self.serve(speed=10)
+        started = time.monotonic()
+        request(caster, GET1)
+        self.assertGreaterEqual(time.monotonic() - started, 0.4)
+
+    def test_who_connects_late_gets_what_is_on(self):
+        caster = self.serve(speed=10, begun=time.monotonic() - 0.15)
+        self.assertEqual(request(caster, GET1)[0][14:], joined(self.epochs[2:]))
+
+    def test_times_go_on_over_the_end_of_a_week(self):
+        late = [[msm(1077, 604_799_000, 1), msm(1087, 5, 0)], [msm(1077, 0, 0)], [msm(1087, 7, 0)], [msm(1097, 2000, 0)]]
+        self.assertEqual(list(rtcm_stream.seconds(late)), [0, 1, 1, 3])
+
     def test_lines_of_position_are_kept(self):
-        caster = self.serve(rate=50)
+        caster = self.serve(speed=50)
         gga = b"$GPGGA,120000,5000.0,N,01400.0,E,4,12,0.8,300.0,M,45.0,M,,*5A"
         request(caster, GET1 + gga + b"\r\n")
         self.assertEqual(self.mount.gga, [gga.decode()])

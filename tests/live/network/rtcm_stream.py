@@ -65,6 +65,18 @@ def more_follows(whole_frame):
     return bool(whole_frame[9] >> 1 & 1)
 
 
+def seconds(epoch_list):
+    """Seconds of each epoch since the first one, from the MSM of GPS, Galileo or QZSS; the week may end between."""
+    week_ms = 604_800_000
+    since_first, last = 0, None
+    for epoch in epoch_list:
+        fields = [epoch_field(whole) for whole in epoch if message_number(whole) // 10 in (107, 109, 111)]
+        if fields:
+            since_first += 0 if last is None else (fields[0] - last) % week_ms
+            last = fields[0]
+        yield since_first / 1000
+
+
 def epochs(data):
     """The recording in lists of frames; each ends with the last MSM of an epoch.
 

@@ -54,7 +54,7 @@ export class EventLog {
     this.fill();
   }
 
-  /** Asks for ever: the service answers when there is something new. */
+  /** Asks for ever: the service replies when there is something new. */
   async follow(): Promise<void> {
     for (;;) {
       try {

@@ -9,6 +9,7 @@ import type { Minutes, SignalSeries } from './state';
 const MINUTE_MS = 60_000;
 const HOUR_MS = 60 * MINUTE_MS;
 const DAY_MS = 24 * HOUR_MS;
+const LEAST_MS = 10 * MINUTE_MS;
 const DASHES = ['solid', 'dashed', 'dotted', [8, 3, 2, 3]];
 
 /** What the plots of a station share: its minutes, and which of them are shown. */
@@ -17,11 +18,12 @@ export class Shown {
   span: 'hour' | 'day' = 'hour';
   system = '*';
 
-  /** From and to in milliseconds of GPS time; the span ends with the last whole minute. */
+  /** From and to in milliseconds of GPS time; the span ends with the last whole minute and begins no earlier than the data, but for the first ten minutes. */
   range(): { min: number; max: number } {
     const begins = this.minutes?.begin_gps_ms ?? [];
     const max = begins.length > 0 ? begins[begins.length - 1] + MINUTE_MS : 0;
-    return { min: max - (this.span === 'hour' ? HOUR_MS : DAY_MS), max };
+    const first = Math.min(begins[0] ?? max, max - LEAST_MS);
+    return { min: Math.max(first, max - (this.span === 'hour' ? HOUR_MS : DAY_MS)), max };
   }
 
   /** Minutes of the span with their place in the columns. */

@@ -1,4 +1,4 @@
-// What the service answers: /state.json, of all stations or of one, and /events.json.
+// What the service returns: /state.json, of all stations or of one, and /events.json.
 
 export interface SignalFigures {
   system: string;

@@ -9,7 +9,7 @@ export function linkTo(station: string): string {
   return `#station=${encodeURIComponent(station)}`;
 }
 
-/** "9/10", the second number where orbits and position are known. */
+/** "9/10": observed and expected, where orbits and position are known. */
 function satellites(station: Station): string | null {
   if (station.systems.length === 0) return null;
   const observed = station.systems.reduce((sum, s) => sum + s.observed, 0);
@@ -37,7 +37,7 @@ function nameCell(station: Station): HTMLElement {
 const FIGURES: { get: (station: Station) => Cell; column: Column }[] = [
   { get: (s) => hundred(windowOf(s, HOUR_S)?.completeness_ratio ?? null), column: number('Complete %', digits(2), 'Observed of expected observations of the last hour') },
   { get: (s) => s.latency_s, column: number('Latency s', digits(2), 'Median of the last minute, from the time of an epoch to its arrival') },
-  { get: satellites, column: { name: 'Satellites', title: 'Observed of expected in the latest epoch', numeric: true } },
+  { get: satellites, column: { name: 'Satellites', title: 'Observed in the latest epoch, and expected above the cut-off', numeric: true } },
   { get: (s) => windowOf(s, HOUR_S)?.slip_events ?? null, column: number('Slips', count, 'Satellites with a slip or jump in the last hour') },
   { get: (s) => lost(s), column: number('Lost', count, 'Nominal epochs of the last hour that did not come') },
   { get: (s) => s.epoch_gpst?.slice(11, 19) ?? null, column: { name: 'Last epoch', title: 'GPS time' } },

@@ -1,0 +1,157 @@
+"""`orsolva live` reads casters that misbehave: no epoch that arrived is lost, and none is judged twice.
+
+usage: network_test.py PROGRAM DISCONNECTS [TEST...]
+"""
+import pathlib
+import random
+import sys
+import tempfile
+import unittest
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
+import rtcm_stream  # noqa: E402
+from caster import Caster, Connection, Mount, make_certificate  # noqa: E402
+from service import Service, simulate  # noqa: E402
+
+PROGRAM = sys.argv.pop(1)
+DISCONNECTS = int(sys.argv.pop(1))
+SECONDS = 60
+PASSWORD = "quiet-Secret-417"
+
+
+def size_of(epochs):
+    return sum(len(frame) for epoch in epochs for frame in epoch)
+
+
+class Disconnects:
+    """Connections that end soon, at any byte, and a last one that does not.
+
+    Each begins with epochs that were sent before, as casters with a cache do; what was cut short or thrown away by a
+    reset is among them.
+    """
+    COUNT = 12
+    REPEATED = 8
+    NEW = 4
+
+    def __init__(self, seed):
+        self.dice = random.Random(seed)
+        self.mount = None
+
+    def __call__(self, number):
+        if number >= self.COUNT:
+            return Connection(repeat=self.REPEATED)
+        at, epochs, choice = self.mount.at, self.mount.epochs, self.dice.choice
+        end = size_of(epochs[max(0, at - self.REPEATED):at]) + self.dice.randrange(size_of(epochs[at:at + self.NEW]))
+        return Connection(version=choice([1, 2]), piece=choice([0, 0, 1, 100]), garbage=choice([0, 0, 40]),
+                          end=choice(["close", "reset"]), repeat=self.REPEATED, end_after=end)
+
+
+class NetworkTest(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = tempfile.TemporaryDirectory()
+        recording = simulate(PROGRAM, cls.folder.name, SECONDS)
+        cls.epochs = list(rtcm_stream.epochs(recording.read_bytes()))
+        assert len(cls.epochs) == SECONDS
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.folder.cleanup()
+
+    def mount(self, name, plan=None, **settings):
+        return Mount(name, self.epochs, plan=plan, **settings)
+
+    def run_service(self, caster, scheme="ntrip", user="", options=(), mounts=None):
+        stations = {name: f"{scheme}://{user}127.0.0.1:{caster.port}/{name}" for name in mounts or caster.mounts}
+        return Service(PROGRAM, stations, *options)
+
+    def whole(self, service, name, seconds=60):
+        """The state of a station once the whole recording has been judged."""
+        def judged():
+            station = service.stations()[name]
+            return station if station["epochs"] >= SECONDS else None
+        return service.until(judged, seconds)
+
+    def assert_judged_once(self, station, dropped=0):
+        self.assertEqual((station["epochs"], station["epochs_lost"]), (SECONDS, 0), station["name"])
+        self.assertEqual(station["epochs_dropped"], dropped, station["name"])
+
+    def test_both_versions_whole_epochs_and_single_bytes(self):
+        plans = {f"V{version}P{piece}": Connection(version=version, piece=piece) for version in (1, 2) for piece in (0, 1, 7)}
+        with Caster([self.mount(name, lambda _, plan=plan: plan) for name, plan in plans.items()]) as caster:
+            with self.run_service(caster) as service:
+                for name in plans:
+                    station = self.whole(service, name)
+                    self.assert_judged_once(station)
+                    self.assertEqual((station["crc_errors"], station["bytes"]), (0, size_of(self.epochs)), name)
+
+    def test_garbage_between_frames_costs_no_epoch(self):
+        with Caster([self.mount("NOISY", lambda _: Connection(garbage=200))]) as caster, self.run_service(caster) as service:
+            station = self.whole(service, "NOISY")
+            self.assert_judged_once(station)
+            self.assertEqual(station["bytes"] - station["skipped_bytes"], size_of(self.epochs))
+
+    def test_tls_is_verified(self):
+        certificate = make_certificate(self.folder.name)
+        with Caster([self.mount("SAFE")], certificate=certificate) as caster:
+            with self.run_service(caster, "ntrips", options=["--certificates", certificate[0]]) as service:
+                self.assert_judged_once(self.whole(service, "SAFE"))
+        with Caster([self.mount("SAFE")], certificate=certificate) as caster, self.run_service(caster, "ntrips") as service:
+            station = service.until(lambda: service.stations()["SAFE"]["problem"] and service.stations()["SAFE"], 20)
+            self.assertEqual((station["connected"], station["epochs"]), (False, 0))
+            self.assertIn("certificate", station["problem"].lower())
+
+    def test_a_wrong_password_is_said_and_never_shown(self):
+        mounts = [self.mount("CLOSED", user="me:right"), self.mount("OPEN", user="me:" + PASSWORD)]
+        with Caster(mounts) as caster, self.run_service(caster, user=f"me:{PASSWORD}@") as service:
+            self.assert_judged_once(self.whole(service, "OPEN"))
+            station = service.until(lambda: service.stations()["CLOSED"]["problem"] and service.stations()["CLOSED"], 20)
+            self.assertEqual((station["connected"], station["epochs"]), (False, 0))
+            self.assertIn("401", station["problem"])
+            shown = [service.get(path) for path in ("state.json", "state.json?station=OPEN", "metrics", "events.json?after=0&wait=0", "")]
+            for text in [*shown, service.said(), service.events_file.read_text(encoding="utf-8")]:
+                self.assertNotIn(PASSWORD, text)
+            self.assertEqual(mounts[0].at, 0)
+
+    def test_an_unknown_mount_is_said(self):
+        with Caster([self.mount("KNOWN")]) as caster, self.run_service(caster, mounts=["OTHER", "KNOWN"]) as service:
+            self.assert_judged_once(self.whole(service, "KNOWN"))
+            station = service.until(lambda: service.stations()["OTHER"]["problem"] and service.stations()["OTHER"], 20)
+            self.assertEqual((station["connected"], station["epochs"]), (False, 0))
+
+    def test_epochs_that_are_cut_off_are_the_only_ones_lost(self):
+        # Each connection ends in the first MSM of the sixth epoch, which never comes whole.
+        cut = []
+
+        def plan(number):
+            first = mount.at
+            if first + 5 >= SECONDS:
+                return Connection()
+            cut.append(first + 5)
+            others = [frame for frame in self.epochs[first + 5] if not rtcm_stream.is_msm(frame)]
+            return Connection(end_after=size_of(self.epochs[first:first + 5]) + sum(map(len, others)) + 20)
+        mount = self.mount("CUT", plan)
+        with Caster([mount]) as caster, self.run_service(caster) as service:
+            station = service.until(lambda: mount.done() and (s := service.stations()["CUT"])["epochs"] >= mount.whole and s, 60)
+            self.assertEqual(len(cut), mount.cut)
+            self.assertGreater(mount.cut, 5)
+            lost = [epoch for epoch in cut if epoch < SECONDS - 1]
+            self.assertEqual((station["epochs"], station["epochs_lost"]), (mount.whole, len(lost)))
+
+    def test_no_epoch_is_judged_twice_or_lost_over_many_disconnects(self):
+        mounts = []
+        for seed in range(-(-DISCONNECTS // Disconnects.COUNT)):
+            plan = Disconnects(seed)
+            plan.mount = self.mount(f"M{seed:03}", plan)
+            mounts.append(plan.mount)
+        with Caster(mounts) as caster, self.run_service(caster) as service:
+            for mount in mounts:
+                station = self.whole(service, mount.name, 300)
+                self.assertEqual((station["epochs"], station["epochs_lost"]), (SECONDS, 0), mount.name)
+                self.assertEqual(station["connections"], Disconnects.COUNT + 1, mount.name)
+                self.assertGreater(station["epochs_dropped"], 0)
+        self.assertGreaterEqual(sum(mount.connections - 1 for mount in mounts), DISCONNECTS)
+
+
+if __name__ == "__main__":
+    unittest.main()

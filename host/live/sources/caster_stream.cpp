@@ -2,8 +2,8 @@
 //
 // NTRIP 1 replies "ICY 200 OK" and sends the stream, or "SOURCETABLE 200 OK" where the mount point is
 // unknown; NTRIP 2 is HTTP 1.1 with chunks (RTCM 10410.1 as the caster operators' public guides describe it:
-// software.rtcm-ntrip.org, gssc.esa.int/navipedia, "NTRIP"). libcurl takes "ICY" for a status line of
-// HTTP 1.0.
+// software.rtcm-ntrip.org, gssc.esa.int/navipedia, "NTRIP"). libcurl takes such status lines for those of
+// HTTP 1.0 where it is given them.
 #include <curl/curl.h>
 
 #include <chrono>
@@ -53,6 +53,7 @@ class CasterStream : public ByteStream {
   CURL* easy_;
   CURLM* multi_;
   curl_slist* headers_ = nullptr;
+  curl_slist* status_lines_ = nullptr;
   std::string buffer_;
   bool is_table_ = false;  ///< a source table came instead of a stream
   std::chrono::seconds silence_;
@@ -72,6 +73,7 @@ CasterStream::~CasterStream() {
   curl_multi_cleanup(multi_);
   curl_easy_cleanup(easy_);
   curl_slist_free_all(headers_);
+  curl_slist_free_all(status_lines_);
 }
 
 void CasterStream::SetOptions(const SourceSpec& spec, const StreamOptions& options) {
@@ -100,6 +102,10 @@ void CasterStream::SetOptions(const SourceSpec& spec, const StreamOptions& optio
     headers_ = curl_slist_append(headers_, line.c_str());
   }
   set(CURLOPT_HTTPHEADER, headers_);
+  // Those of NTRIP 1; without them libcurl takes such an answer for no HTTP at all.
+  status_lines_ = curl_slist_append(status_lines_, "ICY 200 OK");
+  status_lines_ = curl_slist_append(status_lines_, "SOURCETABLE 200 OK");
+  set(CURLOPT_HTTP200ALIASES, status_lines_);
   set(CURLOPT_WRITEFUNCTION, &CasterStream::OnBytes);
   set(CURLOPT_WRITEDATA, static_cast<void*>(this));
   set(CURLOPT_HEADERFUNCTION, &CasterStream::OnHeader);
@@ -129,7 +135,7 @@ ReadOutcome CasterStream::Refusal(long status) const {
   if (is_table_ || status == kNotFound) return refused("the caster does not know the mount point");
   if (status == kUnauthorized || status == kForbidden)
     return refused("the caster refuses user or password (" + std::to_string(status) + ")");
-  return {ReadOutcome::State::kEnd, "", "the caster answered with status " + std::to_string(status)};
+  return {ReadOutcome::State::kEnd, "", "the caster replied with status " + std::to_string(status)};
 }
 
 ReadOutcome CasterStream::Ended(CURLcode code) const {

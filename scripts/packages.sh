@@ -28,8 +28,8 @@ require_packages() {
 }
 
 build_packages=(g++ cmake ninja-build pkg-config libfmt-dev libcli11-dev nlohmann-json3-dev libtomlplusplus-dev zlib1g-dev libarchive-dev libcurl4-openssl-dev libcpp-httplib-dev prometheus-cpp-dev)
-test_packages=(openssl python3-jsonschema libgtest-dev binutils python3 python3-venv python3-dev)
-ci_packages=(ccache clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev prometheus valgrind zsh fish)
+test_packages=(openssl python3-jsonschema libgtest-dev binutils valgrind python3 python3-venv python3-dev)
+ci_packages=(ccache clang-14 clang-tidy-14 clang-format-14 libclang-rt-14-dev prometheus zsh fish)
 web_packages=(chromium fonts-dejavu-core)
 aarch64_packages=(g++-aarch64-linux-gnu qemu-user cmake ninja-build googletest python3)
 mingw_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine64 cmake ninja-build googletest python3)

@@ -29,11 +29,12 @@ constexpr const char* kScript =
 std::string Interpreter() {
   const char* named = std::getenv("ORSOLVA_PYTHON");
   if (named != nullptr && *named != '\0') return named;
-  const std::string folder = ProgramFolder();
   std::error_code ignored;
-  for (const char* name : {"python3", "python3.exe", "python.exe"}) {
-    const fs::path beside = fs::path(folder) / name;
-    if (!folder.empty() && fs::exists(beside, ignored)) return beside.string();
+  for (const std::string& folder : ProgramFolders()) {
+    for (const char* name : {"python3", "python3.exe", "python.exe"}) {
+      const fs::path here = fs::path(folder) / name;
+      if (fs::exists(here, ignored)) return here.string();
+    }
   }
   return "python3";
 }

@@ -38,8 +38,9 @@ void IgnoreSignalsOfWriting();
 /// there is one. @return the exit code where there is none
 int EndAsByClosedPipe();
 
-/// The folder of the program that runs; empty where the system does not say.
-std::string ProgramFolder();
+/// The folders of the program that runs, as far as the system says: of its file, and of the name by which it
+/// was started. They differ for a program that a script starts in its place, under the script's name.
+std::vector<std::string> ProgramFolders();
 
 /// Runs another program with a text as its standard input, and waits for it; its other streams are those of
 /// this program. @param words  the program, looked for on the path unless it names a folder, and its

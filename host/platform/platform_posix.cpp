@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <system_error>
 #ifdef __GLIBC__
 #include <malloc.h>
@@ -47,10 +48,17 @@ std::string SettingsFolder() {
   return home != nullptr && *home != '\0' ? std::string(home) + "/.config" : std::string();
 }
 
-std::string ProgramFolder() {
-  std::error_code ignored;
-  const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", ignored);
-  return program.parent_path().string();
+std::vector<std::string> ProgramFolders() {
+  std::vector<std::string> folders;
+  std::error_code error;
+  const auto add = [&](const std::filesystem::path& program) {
+    if (!error && program.has_parent_path()) folders.push_back(program.parent_path().string());
+  };
+  add(std::filesystem::read_symlink("/proc/self/exe", error));
+  std::string name;
+  std::getline(std::ifstream("/proc/self/cmdline"), name, '\0');
+  if (name.find('/') != std::string::npos) add(std::filesystem::canonical(name, error));
+  return folders;
 }
 
 int RunProgram(const std::vector<std::string>& words, const std::string& input) {

@@ -58,12 +58,13 @@ std::string SettingsFolder() {
   return folder != nullptr ? folder : "";
 }
 
-std::string ProgramFolder() {
+std::vector<std::string> ProgramFolders() {
   char path[MAX_PATH] = {};
   const DWORD length = GetModuleFileNameA(nullptr, path, MAX_PATH);
   const std::string program(path, length < MAX_PATH ? length : 0);
   const std::size_t slash = program.find_last_of('\\');
-  return slash == std::string::npos ? std::string() : program.substr(0, slash);
+  if (slash == std::string::npos) return {};
+  return {program.substr(0, slash)};
 }
 
 int RunProgram(const std::vector<std::string>& words, const std::string& input) {

@@ -41,6 +41,32 @@ def test_all_systems_and_signals_are_there(data):
         assert set(obs.table["signal"][mask]) <= declared
 
 
+FILES = [
+    "ACOR00ESP_R_20213550000_01D_30S_MO.rnx",
+    "AJAC3550.21O",
+    "ESBC00DNK_R_20201770000_01D_30S_MO.crx.gz",
+    "GRAS00FRA_R_20223151700_15M_01S_MO.crx.gz",
+    "KMS300DNK_R_20221591000_01H_30S_MO.crx",
+    "SEPT078M.21O",
+    "pdel0010.21o",
+    "zegv0010.21d",
+]
+
+
+@pytest.mark.parametrize("name", FILES)
+def test_values_are_as_many_as_the_analysis_counts(data, name):
+    report = orsolva.qc(data / name, page=False)
+    table = orsolva.read_obs(data / name).table
+    system, signal = np.array([word[:1] for word in table["satellite"]]), table["signal"]
+    columns = {"code_values": "pseudorange_m", "phase_values": "phase_cycles", "doppler_values": "doppler_hz", "strength_values": "snr_dbhz"}
+    rows = report.signals.to_dicts()
+    assert {(row["system"], row["signal"]) for row in rows} <= set(zip(system.tolist(), signal.tolist()))
+    for row in rows:
+        here = (system == row["system"]) & (signal == row["signal"])
+        counted = {key: int(np.isfinite(table[column][here]).sum()) for key, column in columns.items()}
+        assert counted == {key: row[key] for key in columns}, row["signal"]
+
+
 def test_crinex_and_plain_twins_hold_the_same(data):
     plain = orsolva.read_obs(data / "ACOR00ESP_R_20213550000_01D_30S_MO.rnx", flags=True)
     packed = orsolva.read_obs(data / "ACOR00ESP_R_20213550000_01D_30S_MO.crx", flags=True)

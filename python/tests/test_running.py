@@ -1,5 +1,6 @@
 """Ctrl-C, threads, memory: what a long-lived host needs."""
 import gc
+import locale
 import os
 import pathlib
 import signal
@@ -132,10 +133,68 @@ def test_a_dropped_checker_ends_its_thread():
     assert threading.active_count() == before[0] and len(os.listdir("/proc/self/task")) <= before[1] + 1
 
 
-def test_the_locale_and_the_signal_handlers_stay():
-    import locale
+def everything(folder):
+    """A call of each kind. Returns the text of a report."""
+    day = orsolva.simulate(hours=0.1, systems="G")
+    observations, navigation, _ = day.write(folder)
+    with orsolva.Checker(day.navigation, interval_s=30) as run:
+        run.push_table(day.observations)
+        run.report()
+    list(orsolva.qc_many([observations], navigation))
+    orsolva.read_obs(observations)
+    return orsolva.qc(observations, navigation).to_json()
 
-    before = locale.setlocale(locale.LC_ALL), signal.getsignal(signal.SIGINT)
-    orsolva.qc
-    orsolva.simulate(hours=0.02)
-    assert (locale.setlocale(locale.LC_ALL), signal.getsignal(signal.SIGINT)) == before
+
+def test_the_locale_and_the_signal_handlers_stay(tmp_path):
+    def state():
+        return locale.setlocale(locale.LC_ALL), [signal.getsignal(number) for number in signal.valid_signals()]
+
+    before = state()
+    text = everything(tmp_path)
+    assert state() == before
+    try:
+        locale.setlocale(locale.LC_ALL, "C.UTF-8")
+        changed = state()
+        assert everything(tmp_path) == text and state() == changed
+    finally:
+        locale.setlocale(locale.LC_ALL, before[0])
+
+
+FREED = """
+    import ctypes, os, pathlib, sys
+    import orsolva
+    libc = ctypes.CDLL(None)
+    libc.malloc.restype, libc.free.argtypes = ctypes.c_void_p, [ctypes.c_void_p]
+    def rss_mb():
+        return int(pathlib.Path("/proc/self/statm").read_text().split()[1]) * os.sysconf("SC_PAGE_SIZE") >> 20
+    if sys.argv[1] == "kept":
+        libc.mallopt(-3, 32 << 20), libc.mallopt(-1, 1 << 30)
+    orsolva.qc(sys.argv[2])
+    blocks = [libc.malloc(64 << 10) for _ in range(4800)]
+    for block in blocks:
+        ctypes.memset(block, 1, 64 << 10)
+    full = rss_mb()
+    for block in blocks:
+        libc.free(block)
+    print(full - rss_mb())
+"""
+
+
+@pytest.mark.parametrize("allocator", ["as it was", "kept"])
+def test_the_allocator_of_the_host_stays(observations, allocator):
+    # The command keeps freed memory for the next file; in a module that would be a change of the host's allocator. "kept"
+    # shows what it would look like.
+    command = [sys.executable, "-c", textwrap.dedent(FREED), allocator, str(observations)]
+    done = subprocess.run(command, capture_output=True, text=True, check=True)
+    assert (int(done.stdout) > 200) == (allocator == "as it was"), done.stdout
+
+
+def test_no_state_is_left_between_calls(observations, navigation):
+    def judged(**arguments):
+        return orsolva.qc(observations, navigation, **arguments).to_json()
+
+    plain = judged()
+    judged(systems="G", elevation_deg=30, start="01:00", signals=["G1C"], window="30m", profile="station")
+    with pytest.raises(orsolva.FileError):
+        orsolva.qc(observations.parent / "none.rnx")
+    assert judged() == plain

@@ -1,6 +1,6 @@
 """`orsolva live` reads casters that misbehave: no epoch that arrived is lost, and none is judged twice.
 
-usage: network_test.py PROGRAM DISCONNECTS [TEST...]
+usage: network_test.py PROGRAM NetworkTest|LongNetworkTest...
 """
 import pathlib
 import random
@@ -14,7 +14,6 @@ from caster import Caster, Connection, Mount, make_certificate  # noqa: E402
 from service import Service, simulate  # noqa: E402
 
 PROGRAM = sys.argv.pop(1)
-DISCONNECTS = int(sys.argv.pop(1))
 SECONDS = 60
 PASSWORD = "quiet-Secret-417"
 
@@ -29,7 +28,7 @@ class Disconnects:
     Each begins with epochs that were sent before, as casters with a cache do; what was cut short or thrown away by a
     reset is among them.
     """
-    COUNT = 12
+    COUNT = 8
     REPEATED = 8
     NEW = 4
 
@@ -46,7 +45,7 @@ class Disconnects:
                           end=choice(["close", "reset"]), repeat=self.REPEATED, end_after=end)
 
 
-class NetworkTest(unittest.TestCase):
+class NetworkBase(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.folder = tempfile.TemporaryDirectory()
@@ -76,6 +75,22 @@ class NetworkTest(unittest.TestCase):
         self.assertEqual((station["epochs"], station["epochs_lost"]), (SECONDS, 0), station["name"])
         self.assertEqual(station["epochs_dropped"], dropped, station["name"])
 
+    def judge_over_disconnects(self, least):
+        mounts = []
+        for seed in range(-(-least // Disconnects.COUNT)):
+            plan = Disconnects(seed)
+            plan.mount = self.mount(f"M{seed:03}", plan)
+            mounts.append(plan.mount)
+        with Caster(mounts) as caster, self.run_service(caster) as service:
+            for mount in mounts:
+                station = self.whole(service, mount.name, 300)
+                self.assertEqual((station["epochs"], station["epochs_lost"]), (SECONDS, 0), mount.name)
+                self.assertEqual(station["connections"], Disconnects.COUNT + 1, mount.name)
+                self.assertGreater(station["epochs_dropped"], 0)
+        self.assertGreaterEqual(sum(mount.connections - 1 for mount in mounts), least)
+
+
+class NetworkTest(NetworkBase):
     def test_both_versions_whole_epochs_and_single_bytes(self):
         plans = {f"V{version}P{piece}": Connection(version=version, piece=piece) for version in (1, 2) for piece in (0, 1, 7)}
         with Caster([self.mount(name, lambda _, plan=plan: plan) for name, plan in plans.items()]) as caster:
@@ -120,37 +135,44 @@ class NetworkTest(unittest.TestCase):
             self.assertEqual((station["connected"], station["epochs"]), (False, 0))
 
     def test_epochs_that_are_cut_off_are_the_only_ones_lost(self):
-        # Each connection ends in the first MSM of the sixth epoch, which never comes whole.
+        # Each connection ends in the first MSM of its 13th epoch, which never comes whole.
         cut = []
 
         def plan(number):
             first = mount.at
-            if first + 5 >= SECONDS:
+            last = first + 12
+            if last >= SECONDS:
                 return Connection()
-            cut.append(first + 5)
-            others = [frame for frame in self.epochs[first + 5] if not rtcm_stream.is_msm(frame)]
-            return Connection(end_after=size_of(self.epochs[first:first + 5]) + sum(map(len, others)) + 20)
+            cut.append(last)
+            others = [frame for frame in self.epochs[last] if not rtcm_stream.is_msm(frame)]
+            return Connection(end_after=size_of(self.epochs[first:last]) + sum(map(len, others)) + 20)
         mount = self.mount("CUT", plan)
         with Caster([mount]) as caster, self.run_service(caster) as service:
             station = service.until(lambda: mount.done() and (s := service.stations()["CUT"])["epochs"] >= mount.whole and s, 60)
             self.assertEqual(len(cut), mount.cut)
-            self.assertGreater(mount.cut, 5)
+            self.assertEqual(mount.cut, 4)
             lost = [epoch for epoch in cut if epoch < SECONDS - 1]
             self.assertEqual((station["epochs"], station["epochs_lost"]), (mount.whole, len(lost)))
+            # Who connects again says where it is, as casters of virtual stations need it.
+            self.assertTrue(mount.requests[-1]["ntrip-gga"].startswith("$GPGGA,"), mount.requests[-1])
 
-    def test_no_epoch_is_judged_twice_or_lost_over_many_disconnects(self):
-        mounts = []
-        for seed in range(-(-DISCONNECTS // Disconnects.COUNT)):
-            plan = Disconnects(seed)
-            plan.mount = self.mount(f"M{seed:03}", plan)
-            mounts.append(plan.mount)
-        with Caster(mounts) as caster, self.run_service(caster) as service:
-            for mount in mounts:
-                station = self.whole(service, mount.name, 300)
-                self.assertEqual((station["epochs"], station["epochs_lost"]), (SECONDS, 0), mount.name)
-                self.assertEqual(station["connections"], Disconnects.COUNT + 1, mount.name)
-                self.assertGreater(station["epochs_dropped"], 0)
-        self.assertGreaterEqual(sum(mount.connections - 1 for mount in mounts), DISCONNECTS)
+    def test_no_epoch_is_judged_twice_or_lost_over_disconnects(self):
+        self.judge_over_disconnects(40)
+
+
+class LongNetworkTest(NetworkBase):
+    def test_no_epoch_is_judged_twice_or_lost_over_a_thousand_disconnects(self):
+        self.judge_over_disconnects(1000)
+
+    def test_a_stream_that_stalls_raises_an_alarm_and_is_opened_again(self):
+        ten = size_of(self.epochs[:10])
+        mount = self.mount("STALLED", lambda number: Connection(end_after=ten, end="stall") if number == 0 else Connection())
+        with Caster([mount]) as caster, self.run_service(caster) as service:
+            station = self.whole(service, "STALLED", 120)
+            self.assert_judged_once(station)
+            self.assertEqual(station["connections"], 2)
+            states = [event["state"] for event in service.events() if event["kind"] == "data_gap"]
+            self.assertEqual(states, ["raised", "cleared"])
 
 
 if __name__ == "__main__":

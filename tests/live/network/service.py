@@ -43,11 +43,14 @@ class Service:
         self.until(lambda: self.get("metrics"), 20)
         return self
 
-    def __exit__(self, *_):
+    def __exit__(self, kind, *_):
         self.process.terminate()
         self.process.wait(timeout=30)
+        said = self.said()
         self.log.close()
         self.folder.cleanup()
+        # A sanitizer that found something ends it with another code.
+        assert kind is not None or self.process.returncode == 0, f"ended with {self.process.returncode}: {said}"
 
     def get(self, path):
         """The text, or None while the service does not listen yet."""

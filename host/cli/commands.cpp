@@ -16,8 +16,9 @@ Option HelpOption() {
 
 std::vector<Command> AllCommands() {
   std::vector<Command> commands;
-  for (const auto make : {QcCommand, LiveCommand, InspectCommand, ExplainCommand, SimulateCommand,
-                          CompareCommand, ConfigCommand, CompletionCommand, ManualCommand, VersionCommand}) {
+  for (const auto make :
+       {QcCommand, LiveCommand, InspectCommand, ExplainCommand, SimulateCommand, CompareCommand,
+        ArchiveCommand, ConfigCommand, CompletionCommand, ManualCommand, VersionCommand}) {
     commands.push_back(make());
     Option help = HelpOption();
     if (!commands.back().options.empty()) help.group = commands.back().options.back().group;

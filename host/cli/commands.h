@@ -18,6 +18,7 @@ Command LiveCommand();
 Command InspectCommand();
 Command ExplainCommand();
 Command SimulateCommand();
+Command ArchiveCommand();
 Command CompareCommand();
 Command ConfigCommand();
 Command CompletionCommand();

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "host/cli/archive_command.h"
 #include "host/cli/command_line.h"
 #include "host/cli/commands.h"
 #include "host/cli/config_file.h"
@@ -16,6 +17,7 @@ namespace {
 using namespace orsolva_host;
 
 int RunCommand(std::vector<std::string> arguments) {
+  if (!arguments.empty() && arguments.front() == "archive") return RunArchive(arguments);
   const std::vector<Command> commands = AllCommands();
   if (!arguments.empty() && arguments.front() == "--version") arguments.front() = "version";
   const CommandLine line = ParseCommandLine(commands, JoinFormatFiles(arguments));

@@ -2,19 +2,16 @@
 
 #include <fmt/format.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "host/cli/exit_codes.h"
+#include "host/cli/python_interpreter.h"
 #include "host/judging/run_error.h"
 #include "host/platform/platform.h"
 #include "host/terminal/interrupt.h"
 
 namespace orsolva_host {
 namespace {
-
-namespace fs = std::filesystem;
 
 /// Of the script below and of python/orsolva/_parquet.py, where a package cannot be imported.
 constexpr int kNotInstalled = 64;
@@ -25,19 +22,6 @@ constexpr const char* kScript =
     "except ImportError:\n"
     "    sys.exit(64)\n"
     "sys.exit(main())\n";
-
-std::string Interpreter() {
-  const char* named = std::getenv("ORSOLVA_PYTHON");
-  if (named != nullptr && *named != '\0') return named;
-  std::error_code ignored;
-  for (const std::string& folder : ProgramFolders()) {
-    for (const char* name : {"python3", "python3.exe", "python.exe"}) {
-      const fs::path here = fs::path(folder) / name;
-      if (fs::exists(here, ignored)) return here.string();
-    }
-  }
-  return "python3";
-}
 
 bool IsKnown(int code) {
   return code == kGood || code == kRunFailed || code == kVerdictFailed || code == kInterrupted ||
@@ -65,7 +49,7 @@ std::string ParquetTask(const QcRequest& request, const RunInputs& inputs) {
 }
 
 int WriteParquet(const QcRequest& request, const RunInputs& inputs) {
-  const std::string python = Interpreter();
+  const std::string python = PythonInterpreter();
   const int code = RunProgram({python, "-c", kScript}, ParquetTask(request, inputs));
   if (const int interrupted = InterruptExitCode(); interrupted != 0) return interrupted;
   if (IsKnown(code)) return code;

@@ -15,6 +15,7 @@
 #include <malloc.h>
 #endif
 
+#include "host/platform/become_program.h"
 #include "host/platform/platform.h"
 
 namespace orsolva_host {
@@ -75,6 +76,15 @@ int RunProgram(const std::vector<std::string>& words, const std::string& input) 
   const int status = pclose(pipe);
   if (WIFSIGNALED(status)) return 128 + WTERMSIG(status);
   return WIFEXITED(status) ? WEXITSTATUS(status) : 127;
+}
+
+int BecomeProgram(const std::vector<std::string>& words) {
+  std::vector<char*> arguments;
+  for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
+  arguments.push_back(nullptr);
+  execvp(arguments.front(), arguments.data());
+  constexpr int kNotFound = 127;
+  return kNotFound;
 }
 
 void PrepareStreams() {

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "host/platform/become_program.h"
 #include "host/platform/platform.h"
 
 namespace orsolva_host {
@@ -75,6 +76,12 @@ int RunProgram(const std::vector<std::string>& words, const std::string& input) 
   if (pipe == nullptr) return 127;
   std::fwrite(input.data(), 1, input.size(), pipe);
   return _pclose(pipe);
+}
+
+int BecomeProgram(const std::vector<std::string>& words) {
+  std::string line = "\"";
+  for (const std::string& word : words) line += '"' + word + "\" ";
+  return std::system((line + '"').c_str());
 }
 
 void PrepareStreams() {

@@ -153,42 +153,55 @@ class _Sums:
 def _joined(segments: list[_Segment], values: Series, least: float, scatter: float) -> list[Change]:
     """Changes between segments that are large enough; what is not counts as one level with what was before."""
     found: list[Change] = []
-    level = segments[0].first
-    for before, after in zip([None, *segments[:-1]], segments):
+    level, level_begin = segments[0].first, 0
+    for after in _drifts_joined(segments):
         if _is_drift(after, least):
             begin = after.begin
-            if before is not None and abs(after.first - level) > least:
-                found.append(_step(after.begin, level, after.first, scatter))
-            elif before is not None:
-                begin = _begin_of_drift(values, before, after)
+            if begin > 0 and abs(after.first - level) > least:
+                found.append(_step(begin, level, after.first, scatter))
+            elif begin > 0:
+                begin = _begin_of_drift(values, level_begin, after)
             found.append(Change(begin, "drift", after.first, after.last, after.slope, abs(after.last - after.first) / scatter))
-            level = after.last
+            level, level_begin = after.last, after.end
             continue
         now = float(np.mean(values[after.begin : after.end]))
-        if before is None:
+        if after.begin == 0:
             level = now
         elif abs(now - level) > least:
             found.append(_step(after.begin, level, now, scatter))
-            level = now
+            level, level_begin = now, after.begin
     return found
+
+
+def _drifts_joined(segments: list[_Segment]) -> list[_Segment]:
+    """Lines that follow each other with slopes of the same sign, one at most three times the other, are one."""
+    joined: list[_Segment] = []
+    for segment in segments:
+        last = joined[-1] if joined else None
+        if last is not None and last.slope * segment.slope > 0 and 1 / 3 < last.slope / segment.slope < 3:
+            days = segment.end - last.begin - 1
+            joined[-1] = _Segment(last.begin, segment.end, last.first, segment.last, (segment.last - last.first) / days)
+        else:
+            joined.append(segment)
+    return joined
 
 
 def _is_drift(segment: _Segment, least: float) -> bool:
     return segment.end - segment.begin >= _SHORTEST_DRIFT and abs(segment.last - segment.first) > least
 
 
-def _begin_of_drift(values: Series, before: _Segment, after: _Segment) -> int:
+def _begin_of_drift(values: Series, level_begin: int, drift: _Segment) -> int:
     """Where a level bends into a line that goes on from it: the day that leaves the least residuals."""
-    days = np.arange(before.begin, after.end)
-    y = values[before.begin : after.end]
+    days = np.arange(level_begin, drift.end)
+    y = values[level_begin : drift.end]
 
     def residuals(bend: int) -> float:
         design = np.column_stack([np.ones(len(days)), np.maximum(0, days - bend)])
         solved = np.linalg.lstsq(design, y, rcond=None)[0]
         return float(np.sum((y - design @ solved) ** 2))
 
-    # The line meets the level at `bend`: the day after it is the first that is different.
-    return min(range(before.begin + 1, after.end - 2), key=residuals) + 1
+    # The line leaves the level at `bend`: the day after it is the first that is different.
+    return min(range(level_begin + 1, drift.end - SHORTEST), key=residuals) + 1
 
 
 def _step(place: int, before: float, after: float, scatter: float) -> Change:

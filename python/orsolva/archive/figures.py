@@ -34,11 +34,11 @@ class Figure:
         return self.least + self.share * abs(level)
 
 
-# The least sizes are what operators act on: half a decibel is a connector or a cable, a fifth of the multipath a new
-# surrounding, 2 % of the data an obstacle or a dying receiver.
+# The least sizes are what operators act on and what seasons and the sky do not do: a decibel is a connector or a cable, a
+# fifth of the multipath a new surrounding, 2 % of the data an obstacle or a dying receiver.
 FIGURES = (
     Figure("completeness", "signals", "cutoff_completeness_ratio", "Completeness above the cut-off", "", 0.02, 0.0, False, 4),
-    Figure("snr", "signals", "strength_mean_dbhz", "SNR", "dB-Hz", 0.5, 0.0, False, 2),
+    Figure("snr", "signals", "strength_mean_dbhz", "SNR", "dB-Hz", 1.0, 0.0, False, 2),
     Figure("multipath", "signals", "multipath_moving_rms_m", "Multipath", "m", 0.02, 0.15, True, 3),
     Figure("slips", "signals", "slips_per_1000_observations", "Slips per 1000 observations", "", 2.0, 0.5, True, 2),
     Figure("missing", "runs", "missing_epochs / nominal_epochs::DOUBLE", "Missing epochs", "", 0.02, 0.0, True, 4),

@@ -30,6 +30,10 @@ class Changed(Exception):
     """A file is not what it was when it was listed."""
 
 
+class Unjudged(Exception):
+    """A file that gives no report."""
+
+
 def judge_chunk(jobs: Sequence[Job], settings: Settings) -> dict[str, bytes]:
     """The rows of some files, in the order given, as Arrow streams by table.
 
@@ -75,7 +79,7 @@ class _Judge:
         self._check(job, kind)
         try:
             report, header = self._report(job)
-        except (orsolva.OrsolvaError, OSError) as error:
+        except (Unjudged, orsolva.OrsolvaError, OSError) as error:
             self._check(job, kind)
             return failure(job, self._settings, str(error))
         self._check(job, kind)
@@ -95,8 +99,12 @@ class _Judge:
         arguments = {**self._settings.judging, "profile": self._profile}
         with local_copy(job.path) as path, warnings.catch_warnings():
             warnings.simplefilter("ignore", orsolva.DataLostWarning)  # `state`, `error` and `notices` say so
-            report = orsolva.qc(path, self._navigation_of(job.navigation), page=False, **arguments)
-            header = dict(next(iter(orsolva.iter_obs(path, epochs=1))).header)
+            try:
+                report = orsolva.qc(path, self._navigation_of(job.navigation), page=False, **arguments)
+                header = dict(next(iter(orsolva.iter_obs(path, epochs=1))).header)
+            except orsolva.OrsolvaError as error:
+                # A copy has a name of its own every time.
+                raise Unjudged(str(error).replace(path, job.path)) from error
         return report, header
 
     def _navigation_of(self, files: tuple[str, ...]) -> orsolva.Navigation | list[str]:

@@ -149,16 +149,16 @@ class Plan:
             return
         self.counts.observations += 1
         key = (bundle.year, bundle.month, bundle.bucket, name.stem)
-        other = self._rows.execute("SELECT source, path FROM files WHERE year=? AND month=? AND bucket=? AND name=?", key).fetchone()
         row = (*key, source, found.path, name.station, name.start.isoformat(), found.size, found.content)
-        if other is not None:
-            # Whatever the order of the listing, the first source and then the first path is taken.
-            self.counts.doubles += 1
-            first, second = sorted([tuple(other), (source, found.path)])
-            self._rows.execute("INSERT INTO doubles VALUES (?, ?)", (second[1], first[1]))
-            if first == tuple(other):
-                return
-        self._rows.execute("INSERT OR REPLACE INTO files VALUES (?,?,?,?,?,?,?,?,?,?)", row)
+        if self._rows.execute("INSERT OR IGNORE INTO files VALUES (?,?,?,?,?,?,?,?,?,?)", row).rowcount > 0:
+            return
+        # Whatever the order of the listing, the first source and then the first path is taken.
+        self.counts.doubles += 1
+        other = self._rows.execute("SELECT source, path FROM files WHERE year=? AND month=? AND bucket=? AND name=?", key).fetchone()
+        first, second = sorted([tuple(other), (source, found.path)])
+        self._rows.execute("INSERT INTO doubles VALUES (?, ?)", (second[1], first[1]))
+        if first != tuple(other):
+            self._rows.execute("INSERT OR REPLACE INTO files VALUES (?,?,?,?,?,?,?,?,?,?)", row)
 
     def _take_navigation(self, found: Found, source: int, name: FileName) -> None:
         self.counts.navigation += 1

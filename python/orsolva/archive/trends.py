@@ -22,6 +22,8 @@ BASELINE_DAYS = 45
 _RECENT_DAYS, _OFF_DAYS, _OFF_MADS = 4, 3, 4.0
 # A change is explained by new equipment at most so many days from it.
 _NEAR_DAYS = 2
+# Changes of several series at most so many days apart are one. A drift shows in each when it is out of its scatter.
+_SAME_DAYS = {"step": 2, "drift": 10}
 # Changes of the last days make a state.
 _RECENT_CHANGE_DAYS = 30
 _SILENT_DAYS = 3
@@ -199,20 +201,19 @@ def _said(value: Any) -> str:
 
 
 def station_changes(series: dict[Key, Daily], equipment: Sequence[tuple[datetime.date, str]]) -> list[StationChange]:
-    """Changes of all series; those within two days of each other are one."""
+    """Changes of all series; those that are close to each other are one."""
     parts: list[tuple[datetime.date, Part]] = []
     for key, daily in series.items():
         level = float(np.median(daily.values))
         for change in changes(daily.values, BY_KEY[key.figure].matters(level)):
             parts.append((daily.days[change.place], Part(key, change)))
     found: list[StationChange] = []
-    near = datetime.timedelta(days=_NEAR_DAYS)
     # The most certain ones first: the others gather about their days.
     for day, part in sorted(parts, key=lambda one: (-one[1].change.certainty, one[0], one[1].key.figure, one[1].key.signal)):
-        same = next((one for one in found if abs(one.day - day) <= near and one.kind == part.change.kind), None)
+        same = next((one for one in found if abs((one.day - day).days) <= _SAME_DAYS[part.change.kind] and one.kind == part.change.kind), None)
         if same is None:
             found.append(StationChange(day, [part], _explanation(day, equipment)))
-        else:
+        elif part.key not in (other.key for other in same.parts):
             same.parts.append(part)
     return sorted(found, key=lambda one: one.day)
 

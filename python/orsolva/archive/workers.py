@@ -21,6 +21,7 @@ Judged = dict[str, bytes]
 # A chunk whose process died so often is judged file by file, each in a process of its own.
 _DEATHS_OF_A_CHUNK = 2
 _DEATHS_OF_A_FILE = 2
+CONNECT_S = 30
 
 
 class Workers(Protocol):
@@ -133,7 +134,7 @@ class DaskCluster:
             raise ArchiveError("--dask needs distributed: pip install 'orsolva[archive]'") from error
         try:
             client: Any = Client
-            self._client = client(address, timeout="30s")
+            self._client = client(address, timeout=CONNECT_S)
         except (OSError, ValueError, TimeoutError) as error:
             raise ArchiveError(f"--dask {address}: no scheduler there ({error}). Start one with: dask scheduler") from error
         self._executor = self._client.get_executor(pure=False, retries=3)

@@ -1,8 +1,15 @@
 """The command line: usage, errors, exit codes."""
+import os
+import pathlib
+import subprocess
+import sys
+
 import pytest
 
 from conftest import archive, program
 from orsolva.archive.command import _since, _until, parser
+
+COMMAND = os.environ.get("ORSOLVA_COMMAND", str(pathlib.Path(__file__).resolve().parents[3] / "build/bin/orsolva"))
 
 
 @pytest.mark.parametrize("arguments", [[], ["run"], ["run", "store"], ["nonsense"], ["run", "s", "x", "--workers", "-1"], ["run", "s", "x", "--workers", "2", "--dask", "tcp://x"]])
@@ -11,7 +18,7 @@ def test_wrong_usage(arguments):
 
 
 def test_every_command_has_help():
-    for command in ("init", "plan", "run", "check"):
+    for command in ("init", "plan", "run", "check", "trends", "page"):
         assert "STORE" in archive(command, "--help")
 
 
@@ -27,6 +34,28 @@ def test_a_source_that_is_not_there_is_an_error(tmp_path):
 
 def test_the_module_is_a_program():
     assert "usage: orsolva archive" in program("--help")
+
+
+def handed_over(python, *arguments):
+    """What the command says that becomes this package's."""
+    done = subprocess.run([COMMAND, "archive", *arguments], capture_output=True, text=True, env={**os.environ, "ORSOLVA_PYTHON": str(python)})
+    return done.returncode, done.stdout + done.stderr
+
+
+def test_the_command_hands_over_to_python():
+    assert handed_over(sys.executable, "plan", "--help")[0] == 0
+    code, output = handed_over(sys.executable, "run")
+    assert code == 2 and "usage: orsolva archive run" in output
+
+
+def test_the_command_says_what_to_install(tmp_path):
+    code, output = handed_over(tmp_path / "nothing")
+    assert code == 1 and "cannot be run. Install Python" in output
+    bare = tmp_path / "bare"
+    bare.write_text(f'#!/bin/sh\nunset PYTHONPATH\nexec {sys.executable} -S "$@"\n')
+    bare.chmod(0o755)
+    code, output = handed_over(bare)
+    assert code == 1 and "pip install 'orsolva[archive]'" in output
 
 
 def test_defaults():

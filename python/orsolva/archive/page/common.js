@@ -1,7 +1,7 @@
 'use strict';
 const data = JSON.parse(document.getElementById('data').textContent);
 const DAY = 86400000;
-// Okabe and Ito 2008: told apart with any colour vision. The word is always next to the colour.
+// Okabe and Ito 2008: distinguishable with any colour vision. The word is always next to the colour.
 const STATE_COLORS = { failing: '#d55e00', silent: '#8a929b', off: '#e69f00', changed: '#cc79a7', drifting: '#56b4e9', explained: '#0072b2', good: '#009e73' };
 const SERIES_COLORS = ['#0072b2', '#d55e00', '#009e73', '#cc79a7', '#e69f00', '#56b4e9', '#7f6fbf', '#8a929b'];
 
@@ -47,7 +47,9 @@ function begin() {
 function table(caption, heads, rows) {
   const cell = (value, place) => {
     if (place === 0) return make('th', { scope: 'row' }, value);
-    return make('td', { class: typeof value === 'string' && /^-?[\d.]+$|^-$/.test(value) ? 'number' : null }, value);
+    if (typeof value !== 'string') return make('td', { class: { SPAN: 'short', UL: 'wide' }[value.tagName] ?? null }, value);
+    if (/^-?[\d.]+$|^-$/.test(value)) return make('td', { class: 'number' }, value);
+    return make('td', { class: value.length > 24 ? 'wide' : /^[\d-]+$/.test(value) ? 'short' : null }, value);
   };
   return make('table', {}, make('caption', {}, caption), make('thead', {}, make('tr', {}, ...heads.map((head) => make('th', { scope: 'col' }, head)))),
     make('tbody', {}, ...rows.map((row) => make('tr', {}, ...row.map(cell)))));

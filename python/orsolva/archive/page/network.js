@@ -64,7 +64,7 @@ function drawHeat(canvas, f, own) {
 }
 
 function heatMap() {
-  const figure = make('select', {}, ...data.figures.map((one, i) => make('option', { value: i }, one.title)));
+  const figure = make('select', {}, ...data.figures.map((one, i) => make('option', { value: i, selected: one.key === 'snr' ? '' : null }, one.title)));
   const own = make('select', {}, make('option', { value: '1' }, 'against the station\'s own median'), make('option', { value: '' }, 'as it is'));
   const canvas = make('canvas', { role: 'img' }), readout = make('p', { id: 'readout', 'aria-live': 'polite' }, 'Point at a day to read it; press it to open the station.');
   const scale = make('span', { class: 'scale' });
@@ -121,7 +121,7 @@ function list() {
     make('div', { class: 'bar' }, make('label', {}, 'Search ', search), make('label', {}, 'State ', state), status), box);
 }
 
-/** Longitude by latitude, cut to where the stations are. */
+/** Latitude over longitude, cut to where the stations are. */
 function map() {
   const known = stations.filter((one) => one.latitude !== null);
   if (!known.length) return null;
@@ -130,17 +130,21 @@ function map() {
     return [Math.max(-limit, low - grow), Math.min(limit, high + grow)];
   };
   const [west, east] = range(known.map((one) => one.longitude), 2, 180), [south, north] = range(known.map((one) => one.latitude), 1.5, 90);
-  const shape = Math.max(0.2, Math.cos((((south + north) / 2) * Math.PI) / 180)), width = 1000;
-  const height = Math.max(160, Math.min(700, (width * (north - south)) / ((east - west) * shape)));
+  const shape = Math.max(0.2, Math.cos((((south + north) / 2) * Math.PI) / 180)), box = make('div');
+  redraw.push(() => box.replaceChildren(mapDrawing(known, [west, east, south, north], shape, Math.max(300, box.clientWidth))));
+  return make('section', { 'aria-labelledby': 'map' }, make('h2', { id: 'map' }, 'Map'), box,
+    make('p', { class: 'legend' }, ...data.states.filter((state) => stations.some((one) => one.state === state)).map(stateMark)));
+}
+
+function mapDrawing(known, [west, east, south, north], shape, width) {
+  const height = Math.max(160, Math.min(520, (width * (north - south)) / ((east - west) * shape)));
   const x = (longitude) => ((longitude - west) / (east - west)) * width, y = (latitude) => ((north - latitude) / (north - south)) * height;
   const step = [1, 2, 5, 10, 20, 30, 60].find((one) => (east - west) / one <= 8) || 60, lines = [];
   for (let d = Math.ceil(west / step) * step; d <= east; d += step) lines.push(make('line', { class: 'grid', x1: x(d), x2: x(d), y1: 0, y2: height }), make('text', { x: x(d) + 3, y: height - 4 }, `${d}°`));
   for (let d = Math.ceil(south / step) * step; d <= north; d += step) lines.push(make('line', { class: 'grid', x1: 0, x2: width, y1: y(d), y2: y(d) }), make('text', { x: 3, y: y(d) - 3 }, `${d}°`));
   const dots = [...known].reverse().map((one) => make('a', { svg: true, href: one.page }, make('circle', { cx: x(one.longitude), cy: y(one.latitude), r: known.length > 300 ? 4 : 7, fill: STATE_COLORS[one.state], stroke: 'currentColor', 'stroke-width': 0.7 },
     make('title', {}, `${one.name}: ${one.state}`))));
-  return make('section', { 'aria-labelledby': 'map' }, make('h2', { id: 'map' }, 'Map'),
-    make('svg', { viewBox: `0 0 ${width} ${height}`, role: 'group', 'aria-label': 'Map of the stations' }, make('rect', { width, height, fill: 'none', class: 'grid' }), ...lines, ...dots),
-    make('p', { class: 'legend' }, ...data.states.filter((state) => stations.some((one) => one.state === state)).map(stateMark)));
+  return make('svg', { viewBox: `0 0 ${width} ${height}`, width, height, role: 'group', 'aria-label': 'Map of the stations' }, make('rect', { width, height, fill: 'none', class: 'grid' }), ...lines, ...dots);
 }
 
 function main() {

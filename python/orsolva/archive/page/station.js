@@ -17,7 +17,7 @@ function rangeOf(series, figure) {
     if (value > high) high = value;
   }
   const room = Math.max((high - low) * 0.06, figure.least / 2);
-  return [low - room, high + room];
+  return [low >= 0 ? Math.max(0, low - room) : low - room, high + room];
 }
 
 /** Lines of a series, broken where days are missing. */
@@ -36,7 +36,7 @@ function chart(figure, series, width) {
   const x = (day) => LEFT + ((day - data.first) / Math.max(1, data.last - data.first)) * (width - LEFT - 10);
   const y = (value) => TOP + ((high - value) / (high - low)) * (HEIGHT - TOP - BOTTOM);
   const parts = steps(low, high).flatMap((value) => [make('line', { class: 'grid', x1: LEFT, x2: width - 10, y1: y(value), y2: y(value) }), make('text', { x: LEFT - 4, y: y(value) + 4, 'text-anchor': 'end' }, String(Number(value.toPrecision(6))))]);
-  const every = Math.max(1, Math.ceil(((data.last - data.first + 1) * 80) / (width - LEFT)));
+  const every = Math.max(1, Math.ceil(((data.last - data.first + 1) * 110) / (width - LEFT)));
   for (let day = data.first; day <= data.last; day += every) parts.push(make('text', { x: x(day), y: HEIGHT - 5, 'text-anchor': day === data.first ? 'start' : 'middle' }, dayText(day)));
   for (const [day, what] of data.equipment) parts.push(make('g', {}, make('title', {}, `${dayText(day)}: ${what}`), make('path', { d: `M${x(day) - 5} ${TOP - 6}h10l-5 8z`, fill: css('--ink') }), make('line', { x1: x(day), x2: x(day), y1: TOP, y2: HEIGHT - BOTTOM, stroke: css('--ink'), 'stroke-dasharray': '2 4' })));
   for (const change of data.changes) {

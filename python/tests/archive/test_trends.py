@@ -1,0 +1,106 @@
+"""Trends and pages of simulated stations whose changes are known; truth.py has the large proof."""
+import datetime
+import json
+import re
+import sys
+import pathlib
+
+import pytest
+
+import orsolva.archive
+from conftest import archive
+from orsolva.archive.pages import geographic
+from orsolva.archive.trends import Key, equipment_changes, trends
+
+sys.path.insert(0, str(pathlib.Path(__file__).parent))
+import truth
+
+SWAP_DAY = truth.FIRST_DAY + datetime.timedelta(days=80)
+
+
+@pytest.fixture(scope="module")
+def store(tmp_path_factory):
+    """Eighteen days before and twelve after an antenna swap, with its header and without."""
+    folder = tmp_path_factory.mktemp("trends")
+    for day in range(62, 92):
+        for case in ("SWAP", "HIDE"):
+            truth.simulate(folder / "source", case, 1, day)
+    # A file with a text that is markup, and that cannot be judged.
+    bad = folder / "source" / "BAD100TST_R_20251500000_04H_01M_MO.rnx"
+    bad.write_text("</script><img src=x onerror=hacked=1>\n")
+    archive("init", folder / "store")
+    archive("run", folder / "store", folder / "source")
+    return folder / "store"
+
+
+@pytest.fixture(scope="module")
+def found(store):
+    return {trend.station: trend for trend in trends(str(store))}
+
+
+@pytest.mark.parametrize("station, explained", [("SWAP01TST", True), ("HIDE01TST", False)])
+def test_a_swap_is_found_and_explained_where_the_header_says_so(found, station, explained):
+    (change,) = found[station].changes
+    assert abs((change.day - SWAP_DAY).days) <= 2 and change.kind == "step"
+    assert {part.key.figure for part in change.parts} >= {"snr"}
+    assert change.explanation == ("antenna OLD ANTENNA to NEW ANTENNA" if explained else None)
+    assert found[station].state == ("explained" if explained else "changed")
+    assert ("explained by antenna" if explained else "unexplained") in str(change)
+
+
+def test_series_are_those_of_the_store(found, store):
+    daily = found["SWAP01TST"].series[Key("snr", "G1C")]
+    assert len(daily.days) == 30 and daily.days == sorted(daily.days)
+    with orsolva.archive.open(store) as opened:
+        query = f"SELECT strength_mean_dbhz FROM signals WHERE station = 'SWAP01TST' AND signal = '1C' AND date = '{daily.days[3]}'"
+        assert opened.sql(query).fetchall() == [(daily.values[3],)]
+
+
+def test_stations_without_a_report_are_failing(found):
+    assert found["BAD100TST"].state == "failing" and "</script>" in found["BAD100TST"].reason
+
+
+def test_the_command_lists_the_worst_first(store):
+    lines = archive("trends", store, "--all").splitlines()
+    assert [line.split()[1] for line in lines if re.match(r"\w{9}  ", line)] == ["failing", "changed", "explained"]
+    assert lines[-1] == "1 failing, 1 changed, 1 explained"
+
+
+def data_of(page):
+    """The data in a page, which has nothing but them between its tags."""
+    text = page.read_text()
+    assert text.count("</script>") == 2 and "onerror" not in re.sub(r'<script type="application/json".*?</script>', "", text, flags=re.S)
+    return json.loads(re.search(r'<script type="application/json" id="data">(.*?)</script>', text, re.S)[1])
+
+
+def test_pages_hold_the_network_and_every_station(store, tmp_path):
+    archive("page", store, "--output", tmp_path, "--reports", "https://x/{year}/{day}/{name}.html")
+    network = data_of(tmp_path / "index.html")
+    assert [one["name"] for one in network["stations"]] == ["BAD100TST", "HIDE01TST", "SWAP01TST"]
+    assert network["days"] == 30 and len(network["figures"]) == 7
+    for one in network["stations"]:
+        assert (tmp_path / one["page"]).is_file()
+    station = data_of(tmp_path / "stations/SWAP01TST.html")
+    assert station["changes"][0]["explanation"] and len(station["equipment"]) == 1
+    assert station["runs"][0]["report"].startswith("https://x/2025/122/SWAP01TST_R_2025122")
+    before = (tmp_path / "index.html").read_bytes()
+    archive("page", store, "--output", tmp_path, "--reports", "https://x/{year}/{day}/{name}.html")
+    assert (tmp_path / "index.html").read_bytes() == before
+
+
+def test_equipment_is_compared_day_by_day():
+    same = {name: "x" for name in ("receiver", "receiver_serial", "receiver_firmware", "antenna", "radome", "antenna_serial")}
+    days = [{**same, "antenna_height_m": 0.0, "state": "judged", "date": datetime.date(2026, 1, day)} for day in (1, 2, 3, 4)]
+    days[1]["state"], days[1]["receiver"] = "failed", None
+    days[3]["receiver_firmware"], days[3]["antenna_height_m"] = "5.5.0", 0.1
+    assert equipment_changes(days) == [(datetime.date(2026, 1, 4), "firmware x to 5.5.0, antenna height 0.0 to 0.1")]
+
+
+@pytest.mark.parametrize("latitude, longitude, xyz", [
+    (55.4936, 8.4568, (3582105.291, 532589.7313, 5232754.8054)),
+    (0, 0, (6378137.0, 0.0, 0.0)),
+    (90, 0, (0.0, 0.0, 6356752.3142)),
+    (0, -90, (0.0, -6378137.0, 0.0)),
+])
+def test_places_on_the_map(latitude, longitude, xyz):
+    assert geographic(*xyz) == pytest.approx((latitude, longitude), abs=1e-3)

@@ -75,11 +75,18 @@ function axis(c: Colors, name: string, extra: object = {}): object {
   return { type: 'value', name, scale: true, ...axisStyle(c), ...extra };
 }
 
+/** Whole numbers around the values, since a line of one value has no range of its own. */
+const around = {
+  min: ({ min }: { min: number }) => (Number.isFinite(min) ? Math.max(0, Math.floor(min) - 1) : 0),
+  max: ({ max }: { max: number }) => (Number.isFinite(max) ? Math.ceil(max) + 1 : 1),
+};
+
 const line = (name: string, data: [number, number | null][], color: string, extra: object = {}): object => ({
   type: 'line',
   name,
   data,
-  showSymbol: false,
+  showSymbol: data.length < 5,
+  symbolSize: 5,
   connectNulls: false,
   lineStyle: { color, width: 1.6 },
   itemStyle: { color },
@@ -107,7 +114,7 @@ function completeness(shown: Shown, c: Colors, width: number): Drawing {
     points: counted(data),
     label: `Completeness by minute, ${counted(data)} minutes.`,
     option: {
-      ...frame(shown, c, width, [axis(c, '%', { max: 100 }), axis(c, 'Epochs', { min: 0, minInterval: 1, splitLine: { show: false } })], true),
+      ...frame(shown, c, width, [axis(c, '%', { min: around.min, max: 100 }), axis(c, 'Epochs', { min: 0, minInterval: 1, splitLine: { show: false } })], true),
       series: [line('Completeness', data, c.accent), bars('Lost epochs', lost, c.bad)],
     },
   };
@@ -120,7 +127,7 @@ function satellites(shown: Shown, c: Colors, width: number): Drawing {
     points: counted(data),
     label: `Satellites and slips by minute, ${counted(data)} minutes.`,
     option: {
-      ...frame(shown, c, width, [axis(c, 'Satellites'), axis(c, 'Slips', { min: 0, minInterval: 1, splitLine: { show: false } })], true),
+      ...frame(shown, c, width, [axis(c, 'Satellites', around), axis(c, 'Slips', { min: 0, minInterval: 1, splitLine: { show: false } })], true),
       series: [line('Satellites', data, c.accent), bars('Slips', slips, c.bad)],
     },
   };

@@ -15,7 +15,7 @@ function facts(station: Station): [string, string][] {
     ['Epochs', `${whole(station.epochs)} judged, ${whole(station.epochs_lost)} lost, ${whole(station.epochs_dropped)} dropped; interval ${fixed(station.interval_s, 1)} s`],
     ['Receiver', [station.receiver, station.firmware].filter((t) => t !== null).join(', ') || '-'],
     ['Antenna', station.antenna ?? '-'],
-    ['Position', llh === null ? '-' : `${fixed(llh[0], 5)}\u00b0, ${fixed(llh[1], 5)}\u00b0, ${fixed(llh[2], 1)} m`],
+    ['Position', llh === null ? '-' : `${fixed(llh[0], 5)}\u00b0, ${fixed(llh[1], 5)}\u00b0, ${fixed(llh[2], 1).replace('-0.0', '0.0')} m`],
   ];
 }
 

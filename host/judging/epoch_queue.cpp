@@ -93,6 +93,11 @@ bool EpochQueue::Put(const ObservationEpoch& epoch) {
   return true;
 }
 
+bool EpochQueue::WaitForRoom(std::chrono::milliseconds longest) {
+  std::unique_lock<std::mutex> lock(mutex_);
+  return room_.wait_for(lock, longest, [this] { return blocks_.size() < most_blocks_ || abandoned_; });
+}
+
 void EpochQueue::Close() {
   {
     const std::lock_guard<std::mutex> lock(mutex_);

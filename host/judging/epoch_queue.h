@@ -2,6 +2,7 @@
 #ifndef ORSOLVA_JUDGING_EPOCH_QUEUE_H
 #define ORSOLVA_JUDGING_EPOCH_QUEUE_H
 
+#include <chrono>
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
@@ -23,6 +24,9 @@ class EpochQueue {
   /// Copies an epoch into the queue, as soon as there is room.
   /// @return false when the queue is abandoned
   bool Put(const ObservationEpoch& epoch);
+  /// Waits until Put of an epoch of up to 2 MB would not wait, at most the time given. @return whether that
+  /// is so
+  bool WaitForRoom(std::chrono::milliseconds longest);
   /// No further epoch is put.
   void Close();
   /// Waits for the next epoch. @param epoch  keeps its memory

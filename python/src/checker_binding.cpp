@@ -6,6 +6,8 @@
 #include <nanobind/stl/string.h>
 #include <nanobind/stl/vector.h>
 
+#include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <exception>
 #include <memory>
@@ -51,13 +53,8 @@ class Checker {
   Checker(const Checker&) = delete;
   Checker& operator=(const Checker&) = delete;
 
-  void Push(const PushedRows& rows) {
-    const nb::gil_scoped_release release;
-    const std::lock_guard<std::mutex> lock(calls_);
-    Begin();
-    if (closed_) throw RunError("the checker has given its report or was closed: make another one.");
-    for (const ObservationEpoch& epoch : epochs_.Add(rows)) Put(epoch);
-  }
+  /// With Python's lock, which it gives up meanwhile. Ctrl-C ends the run: part of the rows may be missing.
+  void Push(const PushedRows& rows);
   std::shared_ptr<FinishedReport> Result(const nb::object& progress);
   void Stop();
   /// Keeps the detail of every batch, for TakeDetail.
@@ -72,6 +69,7 @@ class Checker {
  private:
   void Begin();
   void Run();
+  void WaitForRoom();
   void Put(const ObservationEpoch& epoch);
   void Close();
   bool WaitForEnd(int milliseconds);
@@ -87,6 +85,7 @@ class Checker {
   std::mutex calls_;
   bool begun_ = false;
   bool closed_ = false;
+  std::atomic<bool> interrupted_{false};
   std::mutex mutex_;
   std::condition_variable ended_;
   bool done_ = false;
@@ -118,6 +117,38 @@ void Checker::Run() {
   ended_.notify_all();
 }
 
+void Checker::Push(const PushedRows& rows) {
+  std::unique_lock<std::mutex> lock(calls_, std::defer_lock);
+  std::vector<ObservationEpoch> complete;
+  {
+    const nb::gil_scoped_release release;
+    lock.lock();
+    Begin();
+    if (closed_) throw RunError("the checker has given its report or was closed: make another one.");
+    complete = epochs_.Add(rows);
+  }
+  try {
+    for (const ObservationEpoch& epoch : complete) {
+      WaitForRoom();
+      const nb::gil_scoped_release release;
+      Put(epoch);
+    }
+  } catch (const nb::python_error&) {
+    closed_ = interrupted_ = true;
+    monitor_.stop.store(true);
+    source_.Queue().Abandon();
+    throw;
+  }
+}
+
+/// Looks for Ctrl-C while the judging is behind.
+void Checker::WaitForRoom() {
+  const auto room = [this](int milliseconds) {
+    return source_.Queue().WaitForRoom(std::chrono::milliseconds(milliseconds));
+  };
+  WaitFor(room, monitor_, nb::none());
+}
+
 void Checker::Put(const ObservationEpoch& epoch) {
   if (source_.Queue().Put(epoch)) return;
   while (!WaitForEnd(1000)) {
@@ -141,6 +172,8 @@ bool Checker::WaitForEnd(int milliseconds) {
 }
 
 std::shared_ptr<FinishedReport> Checker::Result(const nb::object& progress) {
+  if (interrupted_) throw RunError("the checker was interrupted: make another one.");
+  WaitForRoom();
   {
     const nb::gil_scoped_release release;
     Close();

@@ -1,5 +1,7 @@
 """Own data: however they are split the same bits as from the file; wrong data are refused as a whole."""
 import json
+import subprocess
+import sys
 import time as clock
 
 import numpy as np
@@ -240,6 +242,28 @@ def test_selections_apply_to_own_data(clean, tmp_path):
     with orsolva.Checker(navigation, header=read, name=str(observations), **settings) as run:
         run.push_table(read)
         assert body(run.report()) == body(from_file)
+
+
+def test_an_interrupted_push_ends_the_run():
+    script = """
+import os, signal, sys, threading, time
+import orsolva
+day = orsolva.simulate("quiet", hours=12, interval_s=2, systems="G")
+run = orsolva.Checker(day.navigation, interval_s=2)
+threading.Timer(0.05, os.kill, (os.getpid(), signal.SIGINT)).start()
+try:
+    run.push_table(day.observations)
+    time.sleep(5)
+except KeyboardInterrupt:
+    for call in (run.report, lambda: run.push_table(day.observations)):
+        try:
+            print("a report of", call().run.epochs)
+        except orsolva.RunError as error:
+            print(error)
+"""
+    done = subprocess.run([sys.executable, "-c", script], capture_output=True, text=True)
+    assert done.returncode == 0, done.stderr
+    assert "another one" in done.stdout and "a report" not in done.stdout
 
 
 def test_a_closed_checker_has_no_report():

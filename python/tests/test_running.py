@@ -22,7 +22,9 @@ def rss_kb() -> int:
 INTERRUPTED = """
     import sys, threading, time, os, signal
     import orsolva
-    file, call = sys.argv[1:]
+    file, navigation, call = sys.argv[1:]
+    if call == "push":
+        rows, records = orsolva.read_obs(file), orsolva.read_nav(navigation)
     sent = []
     def send():
         time.sleep(0.25)
@@ -35,6 +37,8 @@ INTERRUPTED = """
             while True: orsolva.read_obs(file)
         if call == "many":
             while True: list(orsolva.qc_many([file] * 20))
+        if call == "push":
+            while True: orsolva.Checker(records, interval_s=30).push_table(rows)
         while True: orsolva.simulate(hours=24)
     threading.Thread(target=send).start()
     try:
@@ -44,18 +48,21 @@ INTERRUPTED = """
 """
 
 
-@pytest.mark.parametrize("call", ["qc", "read", "many", "simulate"])
+@pytest.mark.parametrize("call", ["qc", "read", "many", "push", "simulate"])
 def test_ctrl_c_ends_a_call_soon(data, call):
     file = data / "ESBC00DNK_R_20201770000_01D_30S_MO.crx.gz"
+    navigation = data / "ESBC00DNK_R_20201770000_01D_MN.rnx.gz"
     # The best of three: the machine may be busy with something else.
     delays = []
     for _ in range(3):
-        done = subprocess.run([sys.executable, "-c", textwrap.dedent(INTERRUPTED), str(file), call], capture_output=True, text=True, timeout=60)
+        done = subprocess.run([sys.executable, "-c", textwrap.dedent(INTERRUPTED), str(file), str(navigation), call], capture_output=True, text=True, timeout=60)
         assert done.returncode == 0, done.stderr
         delays.append(float(done.stdout))
-        if delays[-1] < 0.2:
+        # Where others wait for the processor as well, so does this.
+        busy = max(1.0, os.getloadavg()[0] / os.cpu_count())
+        if delays[-1] < 0.2 * busy:
             return
-    pytest.fail(f"Ctrl-C took {delays} s")
+    pytest.fail(f"Ctrl-C took {delays} s, the machine is {busy:.1f} times as busy as it can be")
 
 
 def test_other_threads_run_during_a_call(data):

@@ -1,6 +1,7 @@
 #include "host/judging/detail_outputs.h"
 
 #include "host/report/html_writer.h"
+#include "host/report/network_html.h"
 
 namespace orsolva_host {
 
@@ -12,7 +13,7 @@ DetailFilter FilterOf(const DetailSelection& selection) {
 }
 
 DetailOutputs::DetailOutputs(const std::vector<std::string>& tables, const std::vector<std::string>& pages,
-                             const DetailSelection& selection) {
+                             const DetailSelection& selection, const std::string& index) {
   for (const std::string& path : tables) table_files_.push_back(std::make_unique<WholeFile>(path));
   for (const std::string& path : pages) page_files_.push_back(std::make_unique<WholeFile>(path));
   if (!tables.empty()) {
@@ -23,6 +24,7 @@ DetailOutputs::DetailOutputs(const std::vector<std::string>& tables, const std::
     sinks_.Add(table_.get());
   }
   if (!pages.empty()) {
+    if (!index.empty()) index_link_ = LinkTo(index, pages.front());
     collector_ = std::make_unique<DetailCollector>();
     series_ = std::make_unique<SeriesCollector>();
     sinks_.Add(collector_.get());
@@ -32,7 +34,7 @@ DetailOutputs::DetailOutputs(const std::vector<std::string>& tables, const std::
 void DetailOutputs::Finish(const Report& report) {
   for (const auto& file : table_files_) file->Commit();
   if (page_files_.empty()) return;
-  const std::string page = WriteHtml(report, *collector_, *series_);
+  const std::string page = WriteHtml(report, *collector_, *series_, index_link_);
   for (const auto& file : page_files_) {
     file->Write(page);
     file->Commit();

@@ -22,9 +22,10 @@ class DetailOutputs {
  public:
   /// @param tables, pages  files; all of a kind get the same content
   /// @param selection  of the rows of the tables; pages hold everything
+  /// @param index  the page over all inputs that the page leads back to; empty: none
   /// @throws WriteError when a file cannot be opened
   DetailOutputs(const std::vector<std::string>& tables, const std::vector<std::string>& pages,
-                const DetailSelection& selection = {});
+                const DetailSelection& selection = {}, const std::string& index = {});
 
   /// The observer of the run; null when no file is asked for.
   DetailSink* Sink() { return sinks_.Empty() ? nullptr : &sinks_; }
@@ -39,6 +40,7 @@ class DetailOutputs {
   std::vector<std::unique_ptr<WholeFile>> table_files_;
   std::unique_ptr<DetailCsv> table_;
   std::vector<std::unique_ptr<WholeFile>> page_files_;
+  std::string index_link_;
   std::unique_ptr<DetailCollector> collector_;
   std::unique_ptr<SeriesCollector> series_;
   DetailFanOut sinks_;

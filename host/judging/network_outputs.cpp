@@ -29,10 +29,7 @@ void NetworkOutputs::Write() {
   for (const char* name : {"/network.txt", "/network.csv"}) {
     WriteWholeFile(settings_.folder + name, TableFor(name));
   }
-  if (!pages_) return;
-  const std::string& asked = settings_.File(Format::kHtml);
-  const std::string index = asked.empty() ? settings_.folder + "/index.html" : asked;
-  WriteWholeFile(index, Index(index));
+  if (!index_.empty()) WriteWholeFile(index_, Index(index_));
 }
 
 }  // namespace orsolva_host

@@ -15,9 +15,9 @@ class NetworkOutputs {
  public:
   /// @param settings  must outlive the outputs
   /// @param many   whether the run has several inputs; only then the folder gets tables
-  /// @param pages  whether every input has a page in the folder
-  NetworkOutputs(const OutputSettings& settings, bool many, bool pages)
-      : settings_(settings), many_(many), pages_(pages) {}
+  /// @param index  of the pages of all inputs; empty: none
+  NetworkOutputs(const OutputSettings& settings, bool many, std::string index)
+      : settings_(settings), many_(many), index_(std::move(index)) {}
 
   void Add(NetworkRow row) { rows_.push_back(std::move(row)); }
   /// Writes the tables, worst rows first. @throws WriteError
@@ -31,7 +31,7 @@ class NetworkOutputs {
 
   const OutputSettings& settings_;
   bool many_;
-  bool pages_;
+  std::string index_;
   std::vector<NetworkRow> rows_;
 };
 

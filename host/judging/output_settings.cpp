@@ -44,6 +44,12 @@ std::vector<std::string> OutputNames::PagesOf(std::size_t input) const {
   return pages;
 }
 
+std::string OutputNames::Index() const {
+  if (!Many() || !pages_in_folder_) return {};
+  const std::string& asked = settings_.File(Format::kHtml);
+  return asked.empty() ? settings_.folder + "/index.html" : asked;
+}
+
 std::vector<std::string> OutputNames::TablesOf(std::size_t input, Format table) const {
   std::vector<std::string> tables;
   if (settings_.InFolder(table)) tables.push_back(InFolder(input, table));

@@ -37,12 +37,12 @@ class OutputNames {
   OutputNames(const OutputSettings& settings, const std::vector<std::string>& inputs);
 
   bool Many() const { return stems_.size() > 1; }
-  /// Whether every input gets a page in the folder: it is one of the formats there, or an index is asked for.
-  bool PagesInFolder() const { return pages_in_folder_; }
   /// The file of an input below the folder.
   std::string InFolder(std::size_t input, Format format) const;
   /// The files that hold the page of an input.
   std::vector<std::string> PagesOf(std::size_t input) const;
+  /// The index of the pages in the folder; empty for one input, or without pages there.
+  std::string Index() const;
   /// The files that hold the table of an input. @param table  Format::kDetail, kEvents or kSeries
   std::vector<std::string> TablesOf(std::size_t input, Format table) const;
   /// All files that are named one by one or made per input, without the tables over all inputs in the folder.
@@ -51,7 +51,7 @@ class OutputNames {
  private:
   const OutputSettings& settings_;
   std::vector<std::string> stems_;
-  bool pages_in_folder_;
+  bool pages_in_folder_;  ///< of every input: it is one of the formats there, or an index is asked for
 };
 
 /// The names below a folder that the inputs' outputs get, without ending: the input's name without the ending

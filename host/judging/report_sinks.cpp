@@ -19,7 +19,7 @@ class InputFilesWriter : public FileHooks {
       : settings_(settings),
         names_(names),
         input_(input),
-        detail_(names.TablesOf(input, Format::kDetail), names.PagesOf(input), settings.detail),
+        detail_(names.TablesOf(input, Format::kDetail), names.PagesOf(input), settings.detail, names.Index()),
         events_(names.TablesOf(input, Format::kEvents)),
         series_table_(names.TablesOf(input, Format::kSeries)) {
     if (!series_table_.Empty()) series_.Add(&series_table_);
@@ -56,7 +56,7 @@ ReportSinks::ReportSinks(const OutputSettings& settings, std::vector<std::string
     : settings_(settings),
       inputs_(std::move(inputs)),
       names_(settings_, inputs_),
-      network_(settings_, names_.Many(), names_.PagesInFolder()) {
+      network_(settings_, names_.Many(), names_.Index()) {
   if (!settings.folder.empty()) MakeFolder(settings.folder);
   const auto open = [this](Format format, const std::string& path) {
     streams_.push_back(std::make_unique<ReportStream>(format, path, names_.Many(), settings_.style));

@@ -44,6 +44,7 @@ class SelectedEpochs : public EpochSource {
   std::string NothingFound() const override;
   std::shared_ptr<const ReadNavigation> Navigation() const override { return source_.Navigation(); }
   void TakeChannels(const BroadcastRecords& records) override { source_.TakeChannels(records); }
+  std::vector<std::string> FilesOfSpan() const override { return source_.FilesOfSpan(); }
   std::optional<StreamFacts> Stream() const override { return source_.Stream(); }
 
   /// What was asked for, with times of day on their day.

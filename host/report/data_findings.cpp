@@ -251,7 +251,7 @@ void AddReceiver(const Report& report, std::vector<Finding>& findings) {
   const analysis::ReceiverClockFigures& clock = report.analysis.figures.receiver_clock;
   if (const auto times = TimesOf(events, EventKind::kPowerFailure); !times.empty()) {
     AddFinding(findings, "power-failures", kWarning, Many(times.size(), "power failure"),
-               fmt::format("The file flags them at {}.", Listed(times)));
+               fmt::format("The file flags {} at {}.", times.size() == 1 ? "it" : "them", Listed(times)));
   }
   if (const auto times = CommonSlips(report); !times.empty()) {
     AddFinding(

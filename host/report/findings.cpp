@@ -81,6 +81,10 @@ std::string GoodText(const Headline& h) {
 
 }  // namespace
 
+std::string NotableOf(const Report& report) {
+  return NotableText(report.findings, WorstText(report.findings).empty());
+}
+
 Verdict VerdictOf(const Report& report) {
   const bool judged = report.headline.satellites_with_orbit.value_or(0) > 0;
   Verdict verdict;
@@ -89,7 +93,7 @@ Verdict VerdictOf(const Report& report) {
                   : Any(report.findings, "warning") ? "fair"
                                                     : "good";
   const std::string worst = WorstText(report.findings);
-  const std::string notable = NotableText(report.findings, worst.empty());
+  const std::string notable = NotableOf(report);
   verdict.text = worst.empty() ? GoodText(report.headline) : worst;
   if (!notable.empty()) verdict.text += "; " + notable;
   return verdict;

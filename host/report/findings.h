@@ -50,6 +50,7 @@
 #ifndef ORSOLVA_REPORT_FINDINGS_H
 #define ORSOLVA_REPORT_FINDINGS_H
 
+#include <string>
 #include <vector>
 
 #include "host/report/report.h"
@@ -62,6 +63,9 @@ std::vector<Finding> FindingsOf(const Report& report);
 /// The line that every output begins with: "poor" with an error among the findings, "not judged" without any
 /// orbit, "fair" with a warning, else "good". @param report  with its headline and its findings
 Verdict VerdictOf(const Report& report);
+
+/// The end of that line: what is worth knowing although it makes nothing worse; may be empty.
+std::string NotableOf(const Report& report);
 
 }  // namespace orsolva_host
 

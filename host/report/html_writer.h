@@ -14,10 +14,12 @@ namespace orsolva_host {
 constexpr std::size_t kMaxPageBytes = 5'800'000;
 
 /// The report's page. The data are the JSON report with its satellites (without the analysis of their single
-/// signals), the events of the analysis, its figures over time and the collected detail, compressed.
-/// The detail is thinned until the page has no more than `most_bytes`, or few points are left.
+/// signals, of which it has the multipath), the events of the analysis, its figures over time and the
+/// collected detail, compressed. The detail is thinned until the page has no more than `most_bytes`, or few
+/// points are left.
+/// @param index  a link to the index of the pages of a run; empty: none
 std::string WriteHtml(const Report& report, DetailCollector& detail, const SeriesCollector& series,
-                      std::size_t most_bytes = kMaxPageBytes);
+                      const std::string& index = {}, std::size_t most_bytes = kMaxPageBytes);
 
 }  // namespace orsolva_host
 

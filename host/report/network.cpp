@@ -11,6 +11,7 @@
 
 #include "host/report/csv_writer.h"
 #include "host/report/error_groups.h"
+#include "host/report/findings.h"
 #include "host/report/median.h"
 #include "host/report/verdict_text.h"
 #include "host/rinex/civil_time.h"
@@ -77,6 +78,7 @@ NetworkRow RowOf(const Report& report) {
   row.epochs = report.run.epochs;
   row.lost_epochs = report.run.lost_epochs;
   row.verdict = report.verdict;
+  row.notable = NotableOf(report);
   row.headline = report.headline;
   row.library_headline = report.library_headline;
   row.notices = report.further_notices;
@@ -161,8 +163,9 @@ void AddBelow(const std::string& lines, TextTable& table, const TextStyle& style
 
 void AddRow(const NetworkRow& row, TextTable& table, const TextStyle& style) {
   AddFigures(row, table);
-  const bool wrong = !row.verdict.grade.empty() && row.verdict.grade != "good";
-  if (wrong) AddBelow(row.verdict.text, table, style);
+  // The columns have what a good file is known by.
+  const std::string& said = row.verdict.grade == "good" ? row.notable : row.verdict.text;
+  if (!said.empty()) AddBelow(said, table, style);
   if (!row.error.empty()) AddBelow(ErrorOf(row), table, style);
 }
 

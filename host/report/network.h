@@ -17,9 +17,10 @@ struct NetworkRow {
   std::string page;  ///< file of its HTML report; empty without one
   std::string marker;
   bool judged = true;
-  std::string error;  ///< why the file could not be judged, or not to its end; empty when it was
-  std::string grade;  ///< by the profile; empty without one
-  Verdict verdict;    ///< empty without a report
+  std::string error;    ///< why the file could not be judged, or not to its end; empty when it was
+  std::string grade;    ///< by the profile; empty without one
+  Verdict verdict;      ///< empty without a report
+  std::string notable;  ///< of the verdict, what makes nothing worse
   std::optional<Time_gbt> first_epoch;
   std::optional<Time_gbt> last_epoch;
   double duration_h = 0;

@@ -1,5 +1,7 @@
 #include "host/report/network_html.h"
 
+#include <fmt/format.h>
+
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <string_view>
@@ -51,6 +53,18 @@ Json SummaryJson(const NetworkSummary& sum) {
   return j;
 }
 
+/// How many files, and what the first is like.
+std::string DescriptionOf(const std::vector<NetworkRow>& rows) {
+  const NetworkSummary sum = SummaryOf(rows);
+  const std::string text = fmt::format("{} files, {} with errors, {} poor or not judged, {} fair, {} good",
+                                       sum.files, sum.errors, sum.failed, sum.fair, sum.good);
+  if (rows.empty()) return text;
+  const NetworkRow& worst = rows.front();
+  const std::string name = std::filesystem::path(worst.file).filename().string();
+  const std::string said = worst.verdict.text.empty() ? ErrorOf(worst) : worst.verdict.text;
+  return text + fmt::format("; {}: {} - {}", name, StateOf(worst), said);
+}
+
 }  // namespace
 
 std::string LinkTo(const std::string& file, const std::string& page) {
@@ -81,7 +95,8 @@ std::string NetworkHtml(const std::vector<NetworkRow>& rows, const NetworkHead& 
   j["rows"] = Json::array();
   for (const NetworkRow& row : rows) j["rows"].push_back(RowJson(row, path, tables));
   const std::string json = InsideScript(j.dump(1, ' ', false, Json::error_handler_t::replace));
-  return FilledPage(NetworkPage(), DataElement("network-data", "application/json", json));
+  return Described(FilledPage(NetworkPage(), DataElement("network-data", "application/json", json)),
+                   DescriptionOf(rows));
 }
 
 }  // namespace orsolva_host

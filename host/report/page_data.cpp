@@ -32,6 +32,26 @@ std::string FilledPage(std::string_view page, std::string_view elements) {
   return html;
 }
 
+std::string Described(std::string html, const std::string& description) {
+  constexpr std::string_view kMark = "content=\"Observation quality\"";
+  std::string text = "content=\"";
+  for (const char c : description) {
+    if (c == '"') {
+      text += "&quot;";
+    } else if (c == '&') {
+      text += "&amp;";
+    } else if (c == '<') {
+      text += "&lt;";
+    } else {
+      // A line end in a header's text would end the line of the description.
+      text += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
+    }
+  }
+  const std::size_t mark = html.find(kMark);
+  if (mark != std::string::npos) html.replace(mark, kMark.size(), text + "\"");
+  return html;
+}
+
 std::string DataElement(const char* id, const char* type, std::string_view data) {
   std::string element = "<script type=\"";
   element += type;

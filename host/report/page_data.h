@@ -17,6 +17,9 @@ extern const char* const kPageDataMark;
 /// The built page with elements of data in place of the mark.
 std::string FilledPage(std::string_view page, std::string_view elements);
 
+/// The page with a description in its head, which previews and searches of files show.
+std::string Described(std::string html, const std::string& description);
+
 /// A script element that is never run and holds data. @param data  InsideScript() or letters and digits
 std::string DataElement(const char* id, const char* type, std::string_view data);
 

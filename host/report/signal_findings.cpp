@@ -83,7 +83,7 @@ void AddHalfCycles(const Report& report, std::vector<Finding>& findings) {
   Finding& finding = AddFinding(
       findings, "half-cycles",
       Often(all, report.headline.tested_steps, kFindingLimits.least_steps_per_slip) ? kWarning : kInfo,
-      Many(all, "half-cycle slip"), fmt::format("Of the cycle slips; on {}.", Counted(satellites)));
+      fmt::format("{} of the cycle slips by half cycles", all), fmt::format("On {}.", Counted(satellites)));
   finding.satellites = NamesOf(satellites);
 }
 
@@ -255,7 +255,7 @@ void AddIonosphere(const Report& report, std::vector<Finding>& findings) {
   AddFinding(
       findings, "ionosphere", kWarning, fmt::format("Ionosphere disturbed: ROTI {:.1f} TECU/min", worst),
       fmt::format(
-          "At 95 % of the worst system; {:.0f} satellite-minutes in all. Slips and lost signals follow "
+          "At 95 % of the worst system; {:.0f} satellite-minutes in all. Slips and lost signals may follow "
           "from it.",
           minutes));
 }

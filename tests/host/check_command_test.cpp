@@ -403,4 +403,22 @@ TEST(Inputs, AMistypedNavigationFileIsNotReplacedByAnother) {
   EXPECT_EQ(inputs.navigation, (std::vector<std::string>{"/no/typo.nav", "n"}));
 }
 
+TEST(Explain, SaysOfAProfileWhereEveryLimitComesFrom) {
+  for (const std::string name : {"network", "station", "reference", "rtk", "phone"}) {
+    const Answer a = Orsolva("explain " + name);
+    EXPECT_EQ(a.code, 0) << a.err;
+    EXPECT_EQ(a.out.find(name + "  [profile]\n"), 0U) << a.out;
+    EXPECT_NE(a.out.find("good at "), std::string::npos) << a.out;
+  }
+  const Answer rtk = Orsolva("explain rtk");
+  EXPECT_NE(rtk.out.find("completeness: cutoff_completeness_ratio of each system\n"
+                         "  good at least 0.98, fair at least 0.9\n  Own choice: "),
+            std::string::npos)
+      << rtk.out;
+  EXPECT_NE(Orsolva("explain phone")
+                .out.find("code_noise_m of each signal of G, E, C: 1C, 2I\n"
+                          "  good at most 3, fair at most 8 m\n"),
+            std::string::npos);
+}
+
 }  // namespace

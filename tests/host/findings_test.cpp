@@ -201,7 +201,7 @@ TEST(Findings, SlipsNameTheSignalAndTheSatelliteOfMost) {
 TEST(Findings, HalfCyclesAreAlsoTheirOwn) {
   Report report = CleanDay();
   Slip(report, 2, 2, true);
-  EXPECT_EQ(Only(report, "half-cycles").title, "4 half-cycle slips");
+  EXPECT_EQ(Only(report, "half-cycles").title, "4 of the cycle slips by half cycles");
   EXPECT_EQ(Only(report, "half-cycles").severity, "warning");
 }
 

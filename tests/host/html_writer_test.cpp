@@ -168,7 +168,7 @@ TEST_F(Collected, APageTooLargeIsThinnedUntilItFits) {
   EXPECT_EQ(detail->Stride(), 1U);
   const std::size_t whole = WriteHtml(orsolva_host::Report(), *detail, {}).size();
   EXPECT_EQ(detail->Stride(), 1U);
-  const std::string page = WriteHtml(orsolva_host::Report(), *detail, {}, whole - 4000);
+  const std::string page = WriteHtml(orsolva_host::Report(), *detail, {}, {}, whole - 4000);
   EXPECT_LE(page.size(), whole - 4000);
   EXPECT_GT(detail->Stride(), 1U);
 }

@@ -6,9 +6,11 @@ usage: leading_figures_test.py PROGRAM DATA_FOLDER
 Each law judges a real file, some after a small change. Exits 77 (skipped) without the data, unless ORSOLVA_NO_SKIPS is
 set.
 """
+import csv
 import json
 import os
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
@@ -141,6 +143,41 @@ def slips_found_are_the_slips_injected(folder):
     assert {k: n for k, n in counts.items() if n > 0} == injected, (counts, injected)
 
 
+def slips_of_one_and_two_cycles_high_in_the_sky_are_found(folder):
+    """At 30 s: a test of the geometry-free phase whose threshold grows with the interval does not see them."""
+    made = folder / "small"
+    scenario = folder / "small.json"
+    scenario.write_text(json.dumps({"hours": 6, "interval_s": 30, "systems": "GE", "faults": [
+        {"kind": "slip", "size": size, "random": 10, "random_above_deg": 60} for size in (1, 2)]}), encoding="utf-8")
+    subprocess.run([program, "simulate", "--scenario", str(scenario), "--output", str(made)], check=True,
+                   stdout=subprocess.DEVNULL)
+    events = folder / "small.csv"
+    report([next(made.glob("*_MO.rnx")), next(made.glob("*_MN.rnx"))], f"--events={events}")
+    with open(events, encoding="utf-8", newline="") as table:
+        found = {(e["time_gpst"], e["satellite"], e["signals"], e["size_cycles"]) for e in csv.DictReader(table)
+                 if e["kind"] == "slip"}
+    truth = json.loads((made / "truth.json").read_text("utf-8"))["faults"]
+    injected = {(f["time_gpst"], f["satellite"], f["signal"], f"{f['size']:g}") for f in truth}
+    assert len(injected) == 20 and all(f["elevation_deg"] > 60 for f in truth)
+    assert found == injected, found ^ injected
+
+
+def no_message_names_line_0(folder):
+    """A message about a file as a whole names the file alone."""
+    empty, short = folder / "empty.21O", folder / "short.21O.gz"
+    empty.write_text("")
+    short.write_bytes(DAY[1].read_bytes()[:3000])
+    (folder / "nothing").mkdir()
+    for files in ([empty], [short], [QUARTER[0], folder / "mistyped.21P"], [folder / "mistyped.21O"],
+                  [QUARTER[0], empty], [QUARTER[0], short], [QUARTER[0], "--nav", empty], [QUARTER[1]], [folder / "nothing"]):
+        for output in ("--text", "--json", "--csv", "--sum"):
+            run = subprocess.run([program, "qc", "--no-config", f"{output}=-", *map(str, files)], check=False,
+                                 stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+            assert run.returncode == 1, (files, run.returncode)
+            for said in (run.stdout, run.stderr):
+                assert not re.search(r"[A-Za-z]:0\b", said), (files, said)
+
+
 day = report(DAY, "--sats")
 with tempfile.TemporaryDirectory() as work:
     folder = pathlib.Path(work)
@@ -154,4 +191,6 @@ with tempfile.TemporaryDirectory() as work:
     multipath_of_two_epochs_is_absent()
     flags_and_power_failures_are_counted(folder)
     slips_found_are_the_slips_injected(folder)
-print("10 laws held")
+    slips_of_one_and_two_cycles_high_in_the_sky_are_found(folder)
+    no_message_names_line_0(folder)
+print("12 laws held")

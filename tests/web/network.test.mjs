@@ -82,6 +82,30 @@ describe('index', () => {
     await context.close();
   });
 
+  it('is led back to by every page', async () => {
+    const { context, page } = await open(browser, NETWORK);
+    for (const link of await page.locator('#files tbody a').evaluateAll((all) => all.map((a) => a.href))) {
+      const file = await open(browser, fileURLToPath(link));
+      assert.equal(await file.page.locator('#index').evaluate((a) => a.href), page.url(), link);
+      await file.context.close();
+    }
+    await context.close();
+  });
+
+  it('names the worst file and what is wrong with it on the first screen, wide or narrow', async () => {
+    for (const viewport of [{ width: 1400, height: 900 }, { width: 390, height: 844 }]) {
+      const { context, page } = await open(browser, NETWORK, { viewport });
+      const line = page.locator('.verdict-line');
+      const said = await line.innerText();
+      assert.ok(said.startsWith(`Worst: ${baseName(csv[0][NAME])} \u2013 error: `) && said.length > 60, said);
+      const box = await line.boundingBox();
+      assert.ok(box.y + box.height < viewport.height && box.x + box.width <= viewport.width, JSON.stringify(box));
+      const description = await page.locator('meta[name=description]').getAttribute('content');
+      assert.ok(description.startsWith(`${csv.length} files, ${csv.filter((row) => row[STATE] === 'ERROR').length} with errors`), description);
+      await context.close();
+    }
+  });
+
   it('sorts by every column and comes back to the worst first', async () => {
     const { context, page } = await open(browser, NETWORK);
     const first = await names(page);

@@ -10,6 +10,7 @@ import { launch, open, paintAll } from './browser.mjs';
 
 const REPORT = process.env.REPORT;
 const HOSTILE = process.env.HOSTILE;
+const DEMO = process.env.DEMO;
 const json = JSON.parse(readFileSync(process.env.REPORT_JSON, 'utf8'));
 const [columns, ...lines] = readFileSync(process.env.REPORT_SERIES, 'utf8').trim().split('\n').map((line) => line.split(','));
 /** The table of figures over time; '' is no value. */
@@ -123,6 +124,21 @@ describe('headline and findings', () => {
     await context.close();
   });
 
+  it('are on the first screen: the verdict, wide or narrow', async () => {
+    for (const viewport of [{ width: 1400, height: 900 }, { width: 390, height: 844 }]) {
+      const { context, page } = await open(browser, DEMO, { viewport });
+      const box = await page.locator('.verdict-line').boundingBox();
+      assert.ok(box.y + box.height < viewport.height && box.x + box.width <= viewport.width, JSON.stringify(box));
+      const said = await page.locator('.verdict-line').innerText();
+      const description = await page.locator('meta[name=description]').getAttribute('content');
+      assert.equal(description, `${await page.locator('h1').innerText()}: ${said.replace('Verdict: ', '').replace(' \u2013 ', ' - ')}`);
+      // No tile leaves a hole at the end of its row.
+      const tiles = await page.locator('.tile').evaluateAll((all) => all.map((t) => Math.round(t.getBoundingClientRect().right)));
+      assert.equal(tiles.at(-1), Math.max(...tiles));
+      await context.close();
+    }
+  });
+
   it('lead to the plot or table that shows them', async () => {
     const { context, page, problems } = await open(browser, REPORT);
     for (const show of await page.locator('.hints button').all()) await show.click();
@@ -143,7 +159,7 @@ describe('demo day', () => {
     assert.deepEqual([...(await named('cycle slip'))].sort(), [...injected('slip')].sort());
     const jumped = await page.evaluate(() => window.orsolva.detail.satellites.filter((s) => s.codeJumps > 0).map((s) => s.name));
     assert.deepEqual(jumped.sort(), [...injected('code_jump')].sort());
-    const missing = await page.locator('.hints li', { hasText: 'epochs missing' }).first().innerText();
+    const missing = await page.locator('.hints li > div', { hasText: 'epochs missing' }).first().innerText();
     // Epochs that are there without any satellite are missing, too.
     assert.ok(Number.parseInt(missing, 10) >= truth.missing_epochs, missing);
     await context.close();

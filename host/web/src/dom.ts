@@ -36,6 +36,12 @@ export function select(
   return el('label', { class: 'control' }, el('span', {}, label), list);
 }
 
+/** A text in which no line ends within the name of a signal, "G 1C". */
+export function prose(text: string): HTMLElement {
+  const parts = text.split(/\b([GREJCIS] \d[A-Z])\b/);
+  return el('span', {}, ...parts.map((part, i) => (i % 2 === 1 ? el('span', { class: 'name' }, part) : part)));
+}
+
 /** A tooltip: a title and lines of name and value. */
 export function tip(title: string, lines: [string, string][]): HTMLElement {
   const box = el('div', { class: 'tip' }, el('strong', {}, title));

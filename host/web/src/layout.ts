@@ -14,8 +14,8 @@ function themeButton(): HTMLButtonElement {
   return b;
 }
 
-/** Title, buttons and facts at the top of a page. */
-export function head(over: string, title: string, facts: [string, string][]): void {
+/** Title, buttons and facts at the top of a page. @param index  a link to the index of the pages, or null */
+export function head(over: string, title: string, facts: [string, string][], index: string | null = null): void {
   const list = el('dl', { class: 'facts' });
   for (const [what, value] of facts) list.append(el('div', {}, el('dt', {}, what), el('dd', {}, value)));
   document.getElementById('top')!.append(
@@ -23,7 +23,7 @@ export function head(over: string, title: string, facts: [string, string][]): vo
       'div',
       { class: 'title' },
       el('div', {}, el('p', { class: 'over' }, over), el('h1', {}, title)),
-      el('div', { class: 'actions' }, themeButton(), button('Print', () => print())),
+      el('div', { class: 'actions' }, index === null ? null : el('a', { href: index, id: 'index' }, 'All files'), themeButton(), button('Print', () => print())),
     ),
     list,
   );

@@ -1,6 +1,6 @@
 // The page: reads the data inside this file and lays out verdict, plots and tables.
 import { analysisEvents, analysisTables } from './analysis';
-import { completenessFigure, multipathBars } from './charts/bars';
+import { completenessFigure, multipathBars, type SatelliteMultipath } from './charts/bars';
 import { multipathFigure, snrFigure } from './charts/elevation';
 import { happenedFigure } from './charts/happened';
 import { availabilityFigure, multipathTimeFigure, snrTimeFigure } from './charts/heat';
@@ -9,16 +9,16 @@ import { skyFigure } from './charts/sky';
 import { clockFigure, positionFigure, rotiFigure, satellitesFigure, scatterFigure } from './charts/station';
 import { timelineFigure } from './charts/timeline';
 import { decode, type Detail, unpack } from './detail';
-import { button, el, select } from './dom';
+import { button, el, prose, select } from './dom';
 import type { Figure } from './figure';
 import { type HeadlineFigures, HEADLINE } from './figures';
 import { baseName, fixed, percent, whole, withUnit } from './format';
 import { type EventData, happeningsOf } from './happenings';
 import { dataOf, head, section, tile } from './layout';
-import type { Finding, Report } from './report';
+import type { Finding, Report, Stream } from './report';
 import { Selection } from './selection';
 import { decodeSeries, type Series } from './series';
-import { eventTable, notJudgedTable, noticeTable, satelliteTable, signalTable, systemTable } from './tables';
+import { changesTable, eventTable, notJudgedTable, noticeTable, satelliteTable, signalTable, systemTable } from './tables';
 import { forPaper, startTheme } from './theme';
 import { verdictPanel } from './verdict';
 
@@ -28,6 +28,14 @@ function positionText(report: Report): string {
   if (xyz === null || xyz.some((v) => v === null)) return '-';
   const source = { computed: 'computed from codes', header: 'of the header', option: 'as given' }[position_source] ?? position_source;
   return `${xyz.map((v) => fixed(v, 1)).join(', ')} m (ECEF, ${source})`;
+}
+
+/** What a recording was made of, without its messages by type. */
+function streamText(stream: Stream): string {
+  const bad = stream.crc_errors > 0 ? `, ${whole(stream.crc_errors)} with a wrong CRC` : '';
+  const steps = stream.coarse_steps;
+  const coarse = steps === null ? '' : `; steps of ${1000 * steps.phase_m} mm in the phases of ${[...stream.coarse_systems].join(', ')}`;
+  return `${stream.format}, ${whole(stream.frames)} frames${bad}${coarse}`;
 }
 
 /** How many of the satellites observed have orbits. */
@@ -44,19 +52,19 @@ function header(report: Report): void {
   const name = run.marker || baseName(run.observation_file);
   document.title = `${name}: observation quality`;
   const facts: [string, string][] = [
-    ['File', baseName(run.observation_file)],
+    ['File', baseName(run.observation_file) + (run.joined_files.length > 1 ? ` and ${run.joined_files.length - 1} more as one span` : '')],
     ['From', run.first_epoch_gpst?.replace(/\.000$/, '') ?? '-'],
     ['To', run.last_epoch_gpst?.replace(/\.000$/, '') ?? '-'],
     ['Interval', `${fixed(run.interval_s, 3).replace(/\.?0+$/, '')} s, from the ${run.interval_source}`],
     ['Position', positionText(report)],
-    ['RINEX', run.rinex_version === null ? '-' : fixed(run.rinex_version, 2)],
+    run.stream === null ? ['RINEX', run.rinex_version === null ? '-' : fixed(run.rinex_version, 2)] : ['Stream', streamText(run.stream)],
     ['Receiver', run.receiver ?? '-'],
     ['Antenna', run.antenna ?? '-'],
     ['Cut-off', `${run.elevation_cutoff_deg ?? '-'}\u00b0`],
     ['Navigation', run.navigation_files.map(baseName).join(', ') || 'none'],
     ['Coverage', coverageText(report)],
   ];
-  head('Observation quality', name, facts);
+  head('Observation quality', name, facts, document.getElementById('index-link')?.textContent ?? null);
 }
 
 /** The tiles: figures of the headline, as the report has them. */
@@ -85,6 +93,8 @@ function tiles(report: Report): HTMLElement {
 /** The plot or table that shows a finding; slips and interruptions where it is not listed. */
 const PLOTS: Record<string, string> = {
   'antenna-moves': 'position-time',
+  'became-worse': 'changes',
+  'changed-statements': 'changes',
   'clock-resets': 'clock-time',
   'code-clock-jumps': 'clock-time',
   'gps-multipath': 'multipath-time',
@@ -94,9 +104,11 @@ const PLOTS: Record<string, string> = {
   'no-navigation': 'satellites-judged',
   'not-judged': 'satellites-judged',
   'nothing-missing': 'completeness',
+  'nothing-worse': 'changes',
   'position-far': 'position-time',
   'position-unusable': 'position-time',
   'satellite-strength-drops': 'snr-time',
+  'signals-gone': 'changes',
   'strength-drops': 'snr-time',
   'unusable-epochs': 'satellites-time',
   'weak-signals': 'snr-time',
@@ -117,7 +129,7 @@ function findingList(findings: Finding[], selection: Selection): HTMLElement {
       },
       { 'aria-label': `Show: ${finding.title}` },
     );
-    list.append(el('li', { class: finding.severity }, el('div', {}, el('strong', {}, finding.title), el('p', {}, finding.text)), show));
+    list.append(el('li', { class: finding.severity }, show, el('div', {}, el('strong', {}, prose(finding.title)), el('p', {}, prose(finding.text)))));
   }
   return list;
 }
@@ -173,13 +185,13 @@ function printing(all: Figure[]): void {
 }
 
 function verdictLine(report: Report): HTMLElement {
-  return el('p', { class: 'verdict-line' }, el('strong', {}, `Verdict: ${report.verdict.grade}`), ` \u2013 ${report.verdict.text}`);
+  return el('p', { class: 'verdict-line' }, el('strong', {}, `Verdict: ${report.verdict.grade}`), ' \u2013 ', prose(report.verdict.text));
 }
 
 const figures = (...list: Figure[]): HTMLElement => el('div', { class: 'figures' }, ...list.map((f) => f.element));
 
 /** The plots: over time and of every signal from the analysis, the others from the points of the library. */
-function plotsOf(report: Report, detail: Detail, data: EventData, selection: Selection, series: Series) {
+function plotsOf(report: Report, detail: Detail, data: EventData, selection: Selection, series: Series, multipath: SatelliteMultipath[]) {
   const happenings = happeningsOf(report, data);
   const judged = report.library.absence === null;
   return {
@@ -197,7 +209,7 @@ function plotsOf(report: Report, detail: Detail, data: EventData, selection: Sel
             positionFigure(series, happenings),
             rotiFigure(series, happenings, selection),
           ],
-    bars: [completenessFigure(report), multipathBars(report)],
+    bars: [completenessFigure(report), multipathBars(report, multipath)],
     sky: judged ? [skyFigure(detail, selection), snrFigure(detail, selection), multipathFigure(detail, selection)] : [],
     library: judged ? [timelineFigure(detail, selection), rateFigure(detail, selection)] : [],
   };
@@ -221,13 +233,15 @@ async function start(): Promise<void> {
   }
   const detail = decode(await unpack(dataOf('detail-data')));
   const series = decodeSeries(await unpack(dataOf('series-data')));
-  const events = JSON.parse(new TextDecoder().decode(await unpack(dataOf('event-data')))) as EventData;
+  const parsed = async (id: string) => JSON.parse(new TextDecoder().decode(await unpack(dataOf(id))));
+  const events = (await parsed('event-data')) as EventData;
+  const multipath = (await parsed('multipath-data')) as SatelliteMultipath[];
   const selection = new Selection(detail, series);
-  const plots = plotsOf(report, detail, events, selection, series);
+  const plots = plotsOf(report, detail, events, selection, series, multipath);
   const help = 'Ctrl and the wheel, a pinch, or + and \u2212 zoom; dragging moves; points show their values under the pointer.';
   const page = document.getElementById('report')!;
   page.append(
-    section('look-first', 'What to look at first', verdictLine(report), verdictPanel(report), tiles(report), findingList(report.findings, selection)),
+    section('look-first', 'What to look at first', verdictLine(report), verdictPanel(report), tiles(report), findingList(report.findings, selection), changesTable(report)),
     selectionBar(selection),
     section('over-time', 'Over time', el('p', { class: 'help' }, help), figures(...plots.time)),
     section('analysis', 'Analysis of every signal', figures(...plots.bars), analysisTables(report), analysisEvents(events)),

@@ -1,5 +1,5 @@
 // The index of a run over many files: a row per file, worst first, each leading to the file's own page.
-import { el, select } from './dom';
+import { el, prose, select } from './dom';
 import type { HeadlineFigures, LibraryHeadlineFigures } from './figures';
 import { baseName, fixed, percent, whole } from './format';
 import { dataOf, head, section, tile } from './layout';
@@ -202,6 +202,15 @@ function tiles(network: Network): HTMLElement {
   );
 }
 
+/** The file to look at first, and what is wrong with it. */
+function worstLine(network: Network): HTMLElement | null {
+  const worst = network.rows[0];
+  if (worst === undefined) return null;
+  if (worst.state === 'good') return el('p', { class: 'verdict-line' }, 'No file has anything wrong with it.');
+  const name = baseName(worst.file) || worst.file;
+  return el('p', { class: 'verdict-line' }, el('strong', {}, `Worst: ${name}`), ` \u2013 ${(WORDS[worst.state] ?? worst.state).toLowerCase()}: `, prose(worst.verdict ?? worst.error ?? ''));
+}
+
 function facts(network: Network): [string, string][] {
   const { summary } = network;
   return [
@@ -220,6 +229,7 @@ function start(): void {
   const { table: files, cellsOf } = table(network, judged);
   const hint = failed.length === 0 ? null : el('p', { class: 'failed' }, el('a', { href: '#failures' }, `${failed.length} ${failed.length === 1 ? 'file' : 'files'} could not be judged`), ': below, by cause.');
   for (const part of [
+    worstLine(network),
     tiles(network),
     hint,
     section('files', 'Files, worst first', filter(judged, (wanted) => files.set(cellsOf(wanted))), files.element),

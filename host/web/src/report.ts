@@ -56,8 +56,33 @@ export interface Notice {
   recovered: boolean;
 }
 
+/** What a recorded stream was made of. */
+export interface Stream {
+  format: string;
+  frames: number;
+  crc_errors: number;
+  skipped_bytes: number;
+  messages: { type: number; messages: number; damaged: number; decoded: boolean }[];
+  coarse_systems: string;
+  coarse_steps: { pseudorange_m: number; phase_m: number; snr_dbhz: number } | null;
+}
+
+/** What an earlier report has otherwise. */
+export interface Comparison {
+  file: string;
+  observation_file: string;
+  first_epoch_gpst: string | null;
+  statements: { what: string; before: string | null; after: string | null }[];
+  signals_gone: string[];
+  signals_appeared: string[];
+  figures: { subject: string | null; signal: string | null; figure: string; unit: string; before: number | null; after: number | null; worse: boolean | null }[];
+  figures_compared: number;
+}
+
 export interface Run extends RunFigures {
   observation_file: string;
+  joined_files: string[];
+  stream: Stream | null;
   navigation_files: string[];
   marker: string | null;
   receiver: string | null;
@@ -132,6 +157,7 @@ export interface Report {
   library_version: string;
   /** The report in one line; text is what is wrong, the most harmful first. */
   verdict: { grade: 'good' | 'fair' | 'poor' | 'not judged'; text: string };
+  comparison: Comparison | null;
   findings: Finding[];
   headline: HeadlineFigures;
   profile: ProfileVerdict | null;

@@ -3,7 +3,7 @@ import type { Detail } from './detail';
 import { el, select } from './dom';
 import { eventName, EVENTS, HARD } from './events';
 import { type FigureColumn, SIGNAL, WHOLE } from './figures';
-import { baseName, timeText } from './format';
+import { baseName, fixed, percent, timeText } from './format';
 import type { Report } from './report';
 import { type Cell, type Column, count, digits, hundred, number, SortTable, text } from './table';
 
@@ -52,6 +52,37 @@ export function satelliteTable(report: Report, detail: Detail): HTMLElement {
     happened.get(s.satellite)?.codeJumps ?? null,
   ]);
   return new SortTable('Satellites', columns, rows).element;
+}
+
+/** A figure as a change shows it. */
+function shown(value: number | null, unit: string, figure: string): string {
+  if (value === null) return 'none';
+  if (unit === '1' && figure.includes('ratio')) return percent(value);
+  return `${fixed(value, Number.isInteger(value) ? 0 : 3)}${unit === '1' ? '' : ` ${unit}`}`;
+}
+
+/** What differs from an earlier report; null without one. */
+export function changesTable(report: Report): HTMLElement | null {
+  const changes = report.comparison;
+  if (changes === null) return null;
+  const words = (worse: boolean | null) => (worse === null ? '' : worse ? 'worse' : 'better');
+  const rows: Cell[][] = [
+    ...changes.statements.map((s): Cell[] => ['', s.what, s.before ?? 'none', s.after ?? 'none', '']),
+    ...changes.signals_gone.map((s): Cell[] => [s, 'signal', 'there', 'gone', 'worse']),
+    ...changes.signals_appeared.map((s): Cell[] => [s, 'signal', 'none', 'there', '']),
+    ...changes.figures.map((f): Cell[] => [
+      [f.subject, f.signal].filter((t) => t !== null).join(' '),
+      f.figure,
+      shown(f.before, f.unit, f.figure),
+      shown(f.after, f.unit, f.figure),
+      words(f.worse),
+    ]),
+  ];
+  const columns = [text('Of'), text('What'), text('Before'), text('Now'), text('That is')];
+  const table = new SortTable('Changes', columns, rows, { page: 20 });
+  const of = `${baseName(changes.observation_file)} from ${changes.first_epoch_gpst?.replace(/\.000$/, '') ?? '-'} on`;
+  const help = `Against the earlier report ${baseName(changes.file)}, of ${of}: ${changes.figures_compared} figures compared.`;
+  return el('div', { id: 'changes' }, el('h3', {}, 'Changes since an earlier report'), el('p', { class: 'help' }, help), table.element);
 }
 
 const STATES: Record<string, string> = {

@@ -84,20 +84,19 @@ function satelliteCompleteness(report: Report): Bar[] {
     }));
 }
 
-/** From the library's record, whose bands the report has by satellite. */
-function satelliteMultipath(report: Report): Bar[] {
-  return (report.library.satellites ?? []).flatMap((s): Bar[] => {
-    if (s.mp_worst_rms_m === null) return [];
-    const bands = s.bands.filter((b) => b.mp_rms_m !== null);
-    return [
-      {
-        name: s.satellite,
-        letter: s.satellite[0],
-        value: s.mp_worst_rms_m,
-        lines: bands.map((b) => [`Multipath RMS ${b.band ?? b.slot}`, `${fixed(b.mp_rms_m, 3)} m`]),
-      },
-    ];
-  });
+/** Of a signal of a satellite: its name, that of the signal, RMS in metres and values. */
+export type SatelliteMultipath = [string, string, number, number];
+
+/** The RMS of the satellite's worst signal, with all of them under the pointer. */
+function satelliteMultipath(rows: SatelliteMultipath[]): Bar[] {
+  const bars = new Map<string, Bar>();
+  for (const [name, signal, rms, values] of rows) {
+    const bar = bars.get(name) ?? { name, letter: name[0], value: 0, lines: [] };
+    bar.value = Math.max(bar.value, rms);
+    bar.lines.push([`Multipath RMS ${signal}`, `${fixed(rms, 3)} m of ${whole(values)}`]);
+    bars.set(name, bar);
+  }
+  return [...bars.values()];
 }
 
 function figureOf(
@@ -138,14 +137,14 @@ export function completenessFigure(report: Report): Figure {
   );
 }
 
-export function multipathBars(report: Report): Figure {
+export function multipathBars(report: Report, satellites: SatelliteMultipath[]): Figure {
   return figureOf(
     'multipath-bars',
     'Multipath RMS',
-    'RMS about the moving mean above the cut-off, of every signal of the analysis that has a partner. By satellite it is that of the library\u2019s worst band; the hover text has all bands.',
+    'RMS about the moving mean above the cut-off, of every signal that has a partner; by satellite, of its worst signal.',
     'Multipath RMS',
     'm',
     signalMultipath(report),
-    satelliteMultipath(report),
+    satelliteMultipath(satellites),
   );
 }

@@ -171,7 +171,7 @@ export function availabilityFigure(series: Series, happenings: Happenings): Figu
   const figure: Figure = new Figure({
     id: 'availability',
     title: 'Availability of every signal',
-    help: 'A band per signal. A dark part is a time at which satellites that should have been tracked were not.',
+    help: 'A band per signal. Violet and blue are times at which satellites that should have been tracked were not; grey says nothing of that.',
     height: () => Math.max(series.signals.filter((s) => letter === '*' || s.of === letter).length, 5) * 19 + 116,
     draw: (c, width) => drawAvailability(series, happenings, letter, c, width),
     controls: [control],

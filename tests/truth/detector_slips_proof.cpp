@@ -190,11 +190,11 @@ void ProveDetectedSlips(bool long_form, Proof& proof) {
   }
   proof.tables = {cases, kinds, orbits};
   proof.notes = {
-      "What is missed. Half a cycle on the only band at 30 s is 9.5 cm of metres, which is what "
-      "satellite clocks wander, and it is named `satellite_clock`. One cycle on all bands at 30 s in "
-      "the storm leaves 10.7 cm with the ionosphere free, and the scintillation of two carriers hides "
-      "it; at 1 s it is seen with navigation. Without navigation the same slip looks like a jump of "
-      "the receiver or satellite clock.",
+      "What is missed. Half a cycle on the only band at 30 s is 9.5 cm of metres, which is what clocks "
+      "of GPS and GLONASS wander, and it is named `satellite_clock` there; of Galileo, BDS and QZSS it is a "
+      "half cycle, unsure. One cycle on all bands at 30 s in the storm leaves 10.7 cm with the ionosphere "
+      "free, and the scintillation of two carriers hides it; at 1 s it is seen with navigation. Without "
+      "navigation the same slip looks like a jump of the receiver or satellite clock.",
       "An alarm near a slip is within three epochs of one of the same satellite, at any elevation. "
       "Without navigation a slip in the first or last two steps of a pass makes such alarms: the range"
       " is predicted from two steps on both sides, and there is only one.",

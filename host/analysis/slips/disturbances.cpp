@@ -17,6 +17,7 @@ constexpr double kSameMetres = 0.05;  // relative
 constexpr double kOutlierPrior = 12;  // nats
 constexpr double kNoOutlier_cycles = 0.1;  // nearer to its neighbours, or to whole cycles from them
 constexpr double kClearlyBetter = 2;       // nats
+constexpr double kForbidsClock = 16;       // misfit of the wide lane, which no clock moves
 constexpr double kNotMuchDearer = 4;       // nats
 constexpr double kSurelyNoRange_m = 1;     // by which no range leaves a cubic within a step
 constexpr double kPlainHalfScales = 5;     // of the range
@@ -94,6 +95,7 @@ bool Decision::IsNoSlip() {
   for (const NoSlip& kind : kinds) {
     // Within a second or so no clock moves by a wavelength, but a slip on every band can look like it.
     if (kind.prior == kLargeClockPrior && interval_s_ < kQuietInterval_s) continue;
+    if (kind.prior == kLargeClockPrior && misfit > best_misfit + kForbidsClock) continue;
     if (kind.needs_two_bands && !two_bands) continue;
     const double chi2 = Chi2(case_.test, case_.test.r, kind.range_m2, kind.ionosphere_m2);
     if (kind.prior == clock_prior) clock_chi2 = chi2;

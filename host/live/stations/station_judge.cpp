@@ -18,6 +18,7 @@ constexpr std::size_t kPositionEpochs = 10;
 constexpr std::size_t kLeastSatellites = 4;
 constexpr double kWaitForEphemerides_s = 60;
 constexpr int kOutOfOrderIsNewTime = 30;
+constexpr double kFuture_s = 60;
 constexpr double kStuck_s = 60;  ///< messages come and no epoch: the decoder is restarted
 constexpr double kLook_s = 10;
 constexpr int kStepsForInterval = 600;
@@ -231,16 +232,19 @@ void StationJudge::NoteStation(std::int64_t now_ns) {
 
 // Epochs
 
-/// An epoch that repeats or goes back is dropped, and many in a row are a new time.
-bool StationJudge::IsInOrder(std::int64_t gps_ns) {
+/// An epoch that repeats or goes back is dropped: casters send again what they have kept. Only where the
+/// latest epoch lies in the host's future, many in a row are the right time, and that one was not.
+bool StationJudge::IsInOrder(std::int64_t gps_ns, std::int64_t now_ns) {
   if (!latest_ns_ || gps_ns > *latest_ns_) {
     out_of_order_ = 0;
     return true;
   }
   ++state_.epochs_dropped_total;
-  if (++out_of_order_ < kOutOfOrderIsNewTime) return false;
+  ++out_of_order_;
+  const bool impossible = !replay_ && Seconds(*latest_ns_ - now_ns) > kFuture_s;
+  if (!impossible || out_of_order_ < kOutOfOrderIsNewTime) return false;
   out_of_order_ = 0;
-  EndRun(false, gps_ns);
+  EndRun(false, now_ns);
   latest_ns_.reset();
   return false;
 }
@@ -259,7 +263,7 @@ void StationJudge::FindInterval(std::int64_t gps_ns) {
 
 void StationJudge::TakeEpoch(ObservationEpoch& epoch, std::int64_t now_ns) {
   if (!began_ns_) began_ns_ = epoch.time_ns;
-  if (!IsInOrder(epoch.time_ns)) return;
+  if (!IsInOrder(epoch.time_ns, now_ns)) return;
   RoundAsRinex(epoch);
   FindInterval(epoch.time_ns);
   const double interval_s = state_.interval_s.value_or(1);

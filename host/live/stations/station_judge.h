@@ -89,7 +89,7 @@ class StationJudge {
   void AddEphemerides(const std::vector<rtcm::EphemerisMessage>& messages, const BroadcastRecords& records,
                       std::int64_t now_ns);
   void NoteStation(std::int64_t now_ns);
-  bool IsInOrder(std::int64_t gps_ns);
+  bool IsInOrder(std::int64_t gps_ns, std::int64_t now_ns);
   void TakeEpoch(ObservationEpoch& epoch, std::int64_t now_ns);
   void FindInterval(std::int64_t gps_ns);
   void CountLost(std::int64_t gps_ns);

@@ -3,7 +3,7 @@
 usage: archive_demo.py simulate FOLDER     writes eight stations and sixty days
        archive_demo.py look FOLDER         opens every page in Chromium without a window; exit code 1 with errors
 
-A day is three hours of GPS and Galileo at 60 s, at the same sidereal time. What happens is in STORIES.
+A day is three hours of GPS at 60 s, at the same sidereal time: under the same satellites. What happens is in STORIES.
 """
 import concurrent.futures
 import datetime
@@ -57,9 +57,9 @@ def simulate_day(folder, station, day):
     second = (43200 - 236 * day) % SIDEREAL_DAY_S
     date = FIRST_DAY + datetime.timedelta(days=day)
     made = orsolva.simulate(
-        scenario={"errors": errors, "faults": faults, "signals": {"G": ["1C", "2W"], "E": ["1C", "5Q"]}},
+        scenario={"errors": errors, "faults": faults, "signals": {"G": ["1C", "2W"]}},
         seed=chance.randrange(2**31), start=f"{date} {second // 3600:02}:{second // 60 % 60:02}:00", hours=3, interval_s=60,
-        systems="GE", station=station, position=position(latitude, longitude),
+        systems="G", station=station, position=position(latitude, longitude),
     )  # fmt: skip
     observations, _, truth = made.write(pathlib.Path(folder) / f"{date:%Y/%j}" / station)
     truth.unlink()

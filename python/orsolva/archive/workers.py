@@ -11,15 +11,16 @@ from concurrent.futures import Future, ProcessPoolExecutor
 from concurrent.futures.process import BrokenProcessPool
 from typing import Any, Protocol
 
-from .judge import failure, judge_chunk, to_bytes
+from .judge import failure, from_bytes, judge_chunk, to_bytes
 from .plan import Job
 from .settings import ArchiveError, Settings
 
 Chunk = tuple[Job, ...]
 Judged = dict[str, bytes]
 
-# A chunk whose process died so often is judged file by file, each in a process of its own.
-_DEATHS_OF_A_CHUNK = 2
+# A chunk whose process died so often is judged file by file. One death ends all processes of a pool, so that a chunk counts
+# deaths of others, too; a file on its own counts none but its own.
+_DEATHS_OF_A_CHUNK = 3
 _DEATHS_OF_A_FILE = 2
 CONNECT_S = 30
 
@@ -78,7 +79,6 @@ class Processes:
     def lost(self, chunk: Chunk, settings: Settings, error: BaseException) -> Judged | None:
         if not isinstance(error, BrokenProcessPool):
             raise error
-        # One death ends all processes of the pool: the chunk of the others is as good as any.
         self._deaths[chunk] = self._deaths.get(chunk, 0) + 1
         return None if self._deaths[chunk] < _DEATHS_OF_A_CHUNK else _one_by_one(chunk, settings)
 
@@ -104,22 +104,27 @@ def _prepare(parent: int) -> None:
 
 def _one_by_one(chunk: Chunk, settings: Settings) -> Judged:
     """Finds the file that ends its process; it becomes a failed run."""
-    from .judge import from_bytes
-
     parts: dict[str, list[Any]] = {}
-    for job in chunk:
-        for table, data in _alone(job, settings).items():
-            parts.setdefault(table, []).append(from_bytes(data))
+    pool = _pool(1)
+    try:
+        for job in chunk:
+            for _ in range(_DEATHS_OF_A_FILE):
+                try:
+                    judged = pool.submit(judge_chunk, (job,), settings).result()
+                    break
+                except BrokenProcessPool:
+                    pool.shutdown()
+                    pool = _pool(1)
+            else:
+                judged = _ended(job, settings)
+            for table, data in judged.items():
+                parts.setdefault(table, []).append(from_bytes(data))
+    finally:
+        pool.shutdown()
     return {table: to_bytes(rows) for table, rows in parts.items()}
 
 
-def _alone(job: Job, settings: Settings) -> Judged:
-    for _ in range(_DEATHS_OF_A_FILE):
-        with _pool(1) as pool:
-            try:
-                return pool.submit(judge_chunk, (job,), settings).result()
-            except BrokenProcessPool:
-                continue
+def _ended(job: Job, settings: Settings) -> Judged:
     error = f"{job.path}: the process that judged it ended {_DEATHS_OF_A_FILE} times, for lack of memory or by a fault of Orsolva"
     return {table: to_bytes([rows]) for table, rows in failure(job, settings, error).items()}
 

@@ -81,17 +81,27 @@ class Started:
 
     def workers(self, count):
         """The process numbers of its workers, once there are so many."""
-        children = pathlib.Path(f"/proc/{self.process.pid}/task/{self.process.pid}/children")
-        for _ in range(600):
-            found = [int(pid) for pid in children.read_text().split() if b"spawn_main" in pathlib.Path(f"/proc/{pid}/cmdline").read_bytes()]
+        for _ in range(6000):
+            found = self.workers_now()
             if len(found) >= count:
                 return found
+            if self.process.poll() is not None:
+                break
             time.sleep(0.01)
         raise AssertionError(f"no {count} workers: {self.printed()}")
 
+    def workers_now(self):
+        """The process numbers of its workers."""
+        found = []
+        with contextlib.suppress(FileNotFoundError, ProcessLookupError):
+            for child in pathlib.Path(f"/proc/{self.process.pid}/task/{self.process.pid}/children").read_text().split():
+                if b"spawn_main" in pathlib.Path(f"/proc/{child}/cmdline").read_bytes():
+                    found.append(int(child))
+        return found
+
     def wait_for_runs(self, store):
         """Until a bundle is written."""
-        for _ in range(3000):
+        for _ in range(6000):
             if any(pathlib.Path(store).glob("runs/*/*/*/data.parquet")):
                 return
             time.sleep(0.01)
@@ -100,7 +110,7 @@ class Started:
     def printed(self):
         """What it printed. Ends it."""
         self.process.kill()
-        return self.process.communicate()[0]
+        return self.process.stdout.read()
 
 
 @contextlib.contextmanager
@@ -112,7 +122,8 @@ def started(*arguments):
         yield Started(process)
     finally:
         process.kill()
-        process.communicate()
+        process.wait()
+        process.stdout.close()
 
 
 def sums(store):

@@ -61,7 +61,7 @@ def throughput(folder, days, rounds, workers):
     for day in range(days):
         date = datetime.date(2026, 1, 1) + datetime.timedelta(days=day)
         made = orsolva.simulate("station-day", seed=day, hours=24, interval_s=30, start=str(date), station="COST00TST")
-        made.write(source / f"{day:03}", gzip=True, crinex=True)[2].unlink()
+        made.write(source, gzip=True, crinex=True)[2].unlink()
     ratios = []
     for number in range(rounds):
         store, reports = folder / f"store{number}", folder / f"reports{number}"

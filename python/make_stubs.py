@@ -26,6 +26,8 @@ OTHERS = {
         "last_epoch_gpst": TEXT,
         "interval_source": "str",
         "selection": "dict[str, Any] | None",
+        "joined_files": TEXTS,
+        "stream": "dict[str, Any] | None",
         "systems": "str",
         "excluded_satellites": TEXTS,
         "library_version": "str",

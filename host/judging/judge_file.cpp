@@ -190,7 +190,6 @@ void Run::TakeNamed(SharedNavigation& named) {
 }
 
 Report Run::Finish() {
-  if (observers_.stream != nullptr) *observers_.stream = source_.Stream();
   Report report = library_.Finish(Facts());
   report.analysis = analysis_->Result();
   const auto& header = source_.Header().position;

@@ -8,7 +8,6 @@
 #ifndef ORSOLVA_JUDGING_JUDGE_FILE_H
 #define ORSOLVA_JUDGING_JUDGE_FILE_H
 
-#include <optional>
 #include <string>
 
 #include "host/judging/epoch_source.h"
@@ -21,7 +20,6 @@
 #include "host/report/event_sink.h"
 #include "host/report/report.h"
 #include "host/report/series_sink.h"
-#include "host/report/stream_facts.h"
 #include "host/rinex/diagnostics.h"
 
 namespace orsolva_host {
@@ -35,8 +33,6 @@ struct RunObservers {
   EventSink* events = nullptr;
   /// Gets figures over time as `events` does; without it none are made.
   SeriesSink* series = nullptr;
-  /// Gets what a stream was made of, once it has ended; left alone for files of another kind.
-  std::optional<StreamFacts>* stream = nullptr;
 };
 
 /// Takes the epochs through the analysis one by one and, meanwhile, through the library in batches of 2,880;

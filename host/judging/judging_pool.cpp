@@ -48,14 +48,8 @@ void JudgingPool::ProcessFile(std::size_t file) {
   Diagnostics diagnostics;
   try {
     const std::unique_ptr<FileHooks> hooks = options_.hooks ? options_.hooks(file) : nullptr;
-    RunObservers observers;
-    observers.monitor = &monitor_;
-    if (hooks) {
-      observers.detail = hooks->Detail();
-      observers.events = hooks->Events();
-      observers.series = hooks->Series();
-      observers.stream = hooks->Stream();
-    }
+    const RunObservers observers{hooks ? hooks->Detail() : nullptr, &monitor_,
+                                 hooks ? hooks->Events() : nullptr, hooks ? hooks->Series() : nullptr};
     const JoinedFiles files = options_.joined.empty() ? JoinedFiles{files_[file]} : options_.joined[file];
     Report report = JudgeFiles(files, settings_, navigation_, diagnostics, observers);
     if (hooks) hooks->Finish(report);

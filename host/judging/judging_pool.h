@@ -23,7 +23,6 @@
 #include "host/report/event_sink.h"
 #include "host/report/report.h"
 #include "host/report/series_sink.h"
-#include "host/report/stream_facts.h"
 
 namespace orsolva_host {
 
@@ -48,8 +47,6 @@ class FileHooks {
   virtual EventSink* Events() { return nullptr; }
   /// The same for figures over time.
   virtual SeriesSink* Series() { return nullptr; }
-  /// Gets what a stream was made of, before Finish; may be null.
-  virtual std::optional<StreamFacts>* Stream() { return nullptr; }
   /// Called with the finished report. What it throws becomes the file's error, and the report is dropped.
   virtual void Finish(const Report& /*report*/) {}
 };

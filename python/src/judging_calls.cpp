@@ -51,7 +51,6 @@ RunObservers KeptRun::Observers(RunMonitor& monitor) {
   observers.monitor = &monitor;
   observers.events = Events();
   observers.series = Series();
-  observers.stream = Stream();
   return observers;
 }
 

@@ -41,7 +41,6 @@ class KeptRun : public orsolva_host::FileHooks {
   orsolva_host::DetailSink* Detail() override { return detail_.Empty() ? nullptr : &detail_; }
   orsolva_host::EventSink* Events() override { return keep_.events ? &events_ : nullptr; }
   orsolva_host::SeriesSink* Series() override { return series_.Empty() ? nullptr : &series_; }
-  std::optional<orsolva_host::StreamFacts>* Stream() override { return &finished_->stream; }
   /// Takes a further observer, before the run.
   void Add(orsolva_host::DetailSink* sink) { detail_.Add(sink); }
   orsolva_host::RunObservers Observers(orsolva_host::RunMonitor& monitor);

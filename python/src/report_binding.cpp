@@ -124,7 +124,7 @@ void BindReports(nb::module_& module) {
       .def("table", TableOf, nb::arg("name"))
       .def("detail", [](const FinishedReport& finished) { return finished.detail; })
       .def("series", [](const FinishedReport& finished) { return finished.series; })
-      .def("stream", [](const FinishedReport& finished) { return StreamRecord(finished.stream); })
+      .def("stream", [](const FinishedReport& finished) { return StreamRecord(finished.report.run.stream); })
       .def("comparison", [](const FinishedReport& finished) { return ComparisonRecord(finished.report); })
       .def("run", [](const FinishedReport& finished) { return RunRecord(finished.report); })
       .def("headline", [](const FinishedReport& finished) { return HeadlineRecord(finished.report); })

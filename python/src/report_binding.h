@@ -12,7 +12,6 @@
 #include "host/report/detail_collector.h"
 #include "host/report/report.h"
 #include "host/report/series_collector.h"
-#include "host/report/stream_facts.h"
 #include "python/src/columns.h"
 
 namespace orsolva_python {
@@ -27,7 +26,6 @@ struct FinishedReport {
   std::shared_ptr<const Table> detail;
   std::shared_ptr<const Table> series;
   std::optional<std::vector<orsolva_host::analysis::Event>> all_events;
-  std::optional<orsolva_host::StreamFacts> stream;  ///< of recordings of streams
   std::mutex page_mutex;
 };
 

@@ -110,6 +110,27 @@ void AddMembers(const char* part, const std::vector<FigureRow<Owner>>& rows, nb:
 
 }  // namespace
 
+nb::object StreamRecord(const std::optional<StreamFacts>& stream) {
+  if (!stream) return nb::none();
+  nb::dict record;
+  nb::list messages;
+  for (const StreamMessages& message : stream->messages) {
+    nb::dict row;
+    row["type"] = message.type;
+    row["messages"] = message.messages;
+    row["damaged"] = message.damaged;
+    row["decoded"] = message.decoded;
+    messages.append(row);
+  }
+  record["format"] = TextOf(stream->format);
+  record["frames"] = stream->frames;
+  record["crc_errors"] = stream->crc_errors;
+  record["skipped_bytes"] = stream->skipped_bytes;
+  record["messages"] = messages;
+  record["coarse_systems"] = TextOf(stream->coarse_systems);
+  return record;
+}
+
 nb::dict RunRecord(const Report& report) {
   const ReportRun& run = report.run;
   nb::dict record;
@@ -123,6 +144,8 @@ nb::dict RunRecord(const Report& report) {
   record["last_epoch_gpst"] = TimeOf(run.last_epoch);
   record["interval_source"] = TextOf(run.interval_source);
   record["selection"] = SelectionRecord(run.selection);
+  record["joined_files"] = TextsOf(run.joined_files);
+  record["stream"] = StreamRecord(run.stream);
   record["systems"] = TextOf(run.systems);
   record["excluded_satellites"] = TextsOf(run.excluded);
   record["library_version"] = TextOf(run.library_version);
@@ -212,27 +235,6 @@ nb::object ComparisonRecord(const Report& report) {
   record["signals_gone"] = TextsOf(comparison.signals_gone);
   record["figures_compared"] = comparison.figures_compared;
   record["figures_changed"] = comparison.figures.size();
-  return record;
-}
-
-nb::object StreamRecord(const std::optional<StreamFacts>& stream) {
-  if (!stream) return nb::none();
-  nb::dict record;
-  nb::list messages;
-  for (const StreamMessages& message : stream->messages) {
-    nb::dict row;
-    row["type"] = message.type;
-    row["messages"] = message.messages;
-    row["damaged"] = message.damaged;
-    row["decoded"] = message.decoded;
-    messages.append(row);
-  }
-  record["format"] = TextOf(stream->format);
-  record["frames"] = stream->frames;
-  record["crc_errors"] = stream->crc_errors;
-  record["skipped_bytes"] = stream->skipped_bytes;
-  record["messages"] = messages;
-  record["coarse_systems"] = TextOf(stream->coarse_systems);
   return record;
 }
 

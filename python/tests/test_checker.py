@@ -73,7 +73,7 @@ def test_the_file_gives_the_same_figures(clean, tmp_path):
     assert from_table.to_html() and from_table.events.to_dicts() == from_file.events.to_dicts()
 
 
-@pytest.mark.parametrize("package", ["pyarrow", "polars", "pandas"])
+@pytest.mark.parametrize("package", ["pyarrow", "polars", "pandas", "duckdb", "nanoarrow"])
 def test_arrow_tables_of_others_are_taken(clean, whole, package):
     module = pytest.importorskip(package)
     table = clean.observations.table
@@ -82,6 +82,12 @@ def test_arrow_tables_of_others_are_taken(clean, whole, package):
         other = module.concat_tables([other.slice(0, 5000), other.slice(5000)])
     elif package == "polars":
         other = table.to_polars().with_columns(module.col("satellite").cast(str))
+    elif package == "duckdb":
+        pytest.importorskip("pyarrow")
+        rows = table  # noqa: F841, found by its name in the query
+        other = module.sql("select * exclude (loss_of_lock), loss_of_lock from rows").to_arrow_table()
+    elif package == "nanoarrow":
+        other = module.ArrayStream(table).read_all()
     else:
         pytest.importorskip("pyarrow")
         other = table.to_pandas()

@@ -104,6 +104,7 @@ def test_consecutive_files_are_one_span(hours, command):
     joined = orsolva.qc([files[2], files[0], files[1]], navigation)
     assert joined.to_json().encode() == command("qc", *files, "--nav", navigation, "--join", "all", "--json")
     assert joined.run.epochs == orsolva.qc(whole, navigation).run.epochs > 300
+    assert joined.run.joined_files == joined.to_dict()["run"]["joined_files"] and len(joined.run.joined_files) == 3
     [day] = orsolva.qc_many(files, navigation, join="day")
     assert day.to_json() == joined.to_json()
     assert len(list(orsolva.qc_many(files, navigation))) == 3

@@ -13,6 +13,7 @@ def recording(data):
 def test_a_recording_is_judged_as_by_the_command(recording, command):
     report = orsolva.qc(recording, series=True)
     assert report.to_json().encode() == command("qc", recording, "--json")
+    assert report.run.stream == dict(report.stream) and report.to_dict()["run"]["stream"]["frames"] == report.stream.frames
     assert report.run.epochs == 1134 and len(report.series) > 0
     stream = report.stream
     assert stream.format == "RTCM 3" and stream.frames > 1133 and stream.crc_errors == 0

@@ -25,16 +25,16 @@ std::int64_t NanosecondsOf(const Time_gbt& time) {
 void RunCollector::Add(const analysis::Event& event) {
   const bool jump = event.kind == analysis::EventKind::kJump;
   if (event.satellite.system == ' ' || !(jump || analysis::IsSlip(event.kind))) return;
+  const auto epoch = std::find_if(epochs_.begin(), epochs_.end(),
+                                  [&event](const Slips& e) { return e.gps_ns == event.time_ns; });
+  const bool again = epoch != epochs_.end() && !epoch->slipped.insert(event.satellite).second;
   WindowSums sums;
-  sums.slip_events = 1;
+  sums.slip_events = again ? 0 : 1;
   for (const SignalCode code : event.signals) {
     SignalSums& signal = sums.signals[{event.satellite.system, NameOf(code)}];
     ++(jump ? signal.jumps : signal.slips);
   }
   minutes_->Add(event.time_ns, sums);
-  const auto epoch = std::find_if(epochs_.begin(), epochs_.end(),
-                                  [&event](const Slips& e) { return e.gps_ns == event.time_ns; });
-  if (epoch != epochs_.end()) ++epoch->slipped;
 }
 
 void RunCollector::OnPairEpoch(const orsolva::PairEpochDetail& detail) {

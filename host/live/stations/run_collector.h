@@ -6,6 +6,7 @@
 #include <deque>
 #include <map>
 #include <optional>
+#include <set>
 
 #include "host/live/live_state.h"
 #include "host/live/windows/minute_store.h"
@@ -29,11 +30,11 @@ class RunCollector : public EventSink, public DetailSink {
   void OnPairEpoch(const orsolva::PairEpochDetail& detail) override;
 
   /// An epoch with so many satellites was taken.
-  void AddEpoch(std::int64_t gps_ns, int satellites) { epochs_.push_back({gps_ns, satellites, 0}); }
+  void AddEpoch(std::int64_t gps_ns, int satellites) { epochs_.push_back({gps_ns, satellites, {}}); }
   struct Slips {
     std::int64_t gps_ns = 0;
     int satellites = 0;
-    int slipped = 0;
+    std::set<SatelliteId> slipped;  ///< each once, however many of its signals slip by how many cycles
   };
   /// The oldest epoch whose events are all decided; absent while there is none.
   std::optional<Slips> NextDecided();

@@ -333,7 +333,8 @@ void StationJudge::CountEpoch(const ObservationEpoch& epoch, std::int64_t now_ns
 
 void StationJudge::PassDecided(std::int64_t now_ns) {
   while (const auto decided = collector_.NextDecided()) {
-    alarms_.Slips(decided->slipped, decided->satellites, state_.interval_s.value_or(1), now_ns);
+    alarms_.Slips(static_cast<int>(decided->slipped.size()), decided->satellites,
+                  state_.interval_s.value_or(1), now_ns);
   }
 }
 

@@ -41,7 +41,7 @@ class Mount:
     name: str
     epochs: list                   # each a list of frames
     speed: float = 0.0             # of the stream against its own time; 0: as fast as the client reads
-    begun: float | None = None     # time.monotonic() of the first epoch: who connects later gets what is on then
+    begun: float | None = None     # time.monotonic() of the first epoch: who connects again gets what is on then
     plan: object = None            # called with the number of the connection from 0: a Connection, or None: 503
     user: str = ""                 # "name:password"
     nmea: bool = False             # whether the source table asks for GGA
@@ -65,7 +65,8 @@ class Mount:
         now = time.monotonic()
         if self.begun is None:
             return now - (0 if self.done() or not self.speed else self.seconds[self.at] / self.speed)
-        while not self.done() and self.due(self.begun) < now:
+        # The first client gets all, a little late perhaps: the ephemerides are in the first epoch.
+        while self.connections > 1 and not self.done() and self.due(self.begun) < now:
             self.at += 1
         return self.begun
 

@@ -138,9 +138,12 @@ class CasterTest(unittest.TestCase):
         request(caster, GET1)
         self.assertGreaterEqual(time.monotonic() - started, 0.4)
 
-    def test_who_connects_late_gets_what_is_on(self):
-        caster = self.serve(speed=10, begun=time.monotonic() - 0.15)
-        self.assertEqual(request(caster, GET1)[0][14:], joined(self.epochs[2:]))
+    def test_who_connects_again_gets_what_is_on(self):
+        size = len(joined(self.epochs[:1]))
+        caster = self.serve(Connection(end_after=size), speed=10, begun=time.monotonic() - 0.15)
+        self.assertEqual(request(caster, GET1)[0][14:], joined(self.epochs[:1]))
+        self.mount.begun = time.monotonic() - 0.25
+        self.assertEqual(request(caster, GET1)[0][14:], joined(self.epochs[3:4]))
 
     def test_times_go_on_over_the_end_of_a_week(self):
         late = [[msm(1077, 604_799_000, 1), msm(1087, 5, 0)], [msm(1077, 0, 0)], [msm(1087, 7, 0)], [msm(1097, 2000, 0)]]

@@ -1,5 +1,6 @@
 #include "host/analysis/station_analysis.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -44,21 +45,25 @@ class StationAnalysis::Figures : public DetectorObserver {
 
   void Taken(const ObservationEpoch& epoch, const ReceiverStep& receiver) override {
     epochs_.AddEpoch(epoch, receiver.station);
-    while (borders_.size() < epochs_.Borders()) borders_.push_back(receiver.number);
+    while (borders_.size() < epochs_.Borders()) {
+      borders_.push_back(receiver.number);
+      border_times_ns_.push_back(epoch.time_ns);
+    }
     phases_.AddEpoch(epoch, receiver.number);
     receiver_.AddEpoch(epoch, receiver);
     if (series_) AddToSeries(epoch);
   }
 
   void Decided(const SatelliteTrack& track, std::int64_t step) override {
-    while (phase_marks_.size() < borders_.size() && track.At(step).epoch >= borders_[phase_marks_.size()]) {
+    const std::int64_t epoch = track.At(step).epoch;
+    while (phase_marks_.size() < borders_.size() && epoch >= borders_[phase_marks_.size()]) {
       phase_marks_.push_back(phases_.Sums());
     }
-    phases_.AddStep(track, step);
+    AddUpTo(FirstAfter(borders_, epoch), [&] { phases_.AddStep(track, step); });
   }
 
   void Found(const Event& event) override {
-    phases_.AddEvent(event);
+    AddUpTo(FirstAfter(border_times_ns_, event.time_ns), [&] { phases_.AddEvent(event); });
     receiver_.AddEvent(event);
     if (series_) series_->AddEvent(event, epochs_.Roster());
   }
@@ -83,6 +88,23 @@ class StationAnalysis::Figures : public DetectorObserver {
   }
 
  private:
+  /// Of the borders whose sums are noted, the first one after an epoch.
+  std::size_t FirstAfter(const std::vector<std::int64_t>& borders, std::int64_t epoch) const {
+    const auto noted = borders.begin() + static_cast<std::ptrdiff_t>(phase_marks_.size());
+    return static_cast<std::size_t>(std::upper_bound(borders.begin(), noted, epoch) - borders.begin());
+  }
+
+  /// Where the stream ends, all steps of a satellite are decided before those of the next one, and events are
+  /// found after all of them: what belongs before a border whose sums are noted is added to those, too.
+  template <typename Add>
+  void AddUpTo(std::size_t first_border, const Add& add) {
+    if (first_border == phase_marks_.size()) return add();
+    const StreamSums before = phases_.Sums();
+    add();
+    const StreamSums after = phases_.Sums();
+    for (std::size_t i = first_border; i < phase_marks_.size(); ++i) AddLate(before, after, phase_marks_[i]);
+  }
+
   /// What the phases add to the windows.
   void FillInWindows(AnalysisResult& result) const {
     if (result.windows.empty()) return;
@@ -117,8 +139,9 @@ class StationAnalysis::Figures : public DetectorObserver {
   PhaseGroups phases_;
   ReceiverGroups receiver_;
   std::optional<TimeSeries> series_;
-  std::vector<std::int64_t> borders_;    ///< of windows: number of the first epoch after each
-  std::vector<StreamSums> phase_marks_;  ///< at those whose next step has been decided
+  std::vector<std::int64_t> borders_;          ///< of windows: number of the first epoch after each
+  std::vector<std::int64_t> border_times_ns_;  ///< and its time
+  std::vector<StreamSums> phase_marks_;        ///< at those whose next step has been decided
 };
 
 StationAnalysis::StationAnalysis(const AnalysisOptions& options, const BroadcastRecords& records)

@@ -123,6 +123,21 @@ class Laws:
             for i, system in enumerate(self.whole["analysis"]["systems"]):
                 assert sum(w["systems"][i][key] or 0 for w in windows) == (system[key] or 0), (key, system["letter"])
 
+    def windows_at_the_end_have_the_slips_of_their_time(self):
+        """The last epochs are decided together, in whatever order: a border among them divides them all the same."""
+        table = self.work / "end.csv"
+        borders = 0
+        for slip in [e for e in rows(self.events) if e["kind"] in SLIPS][20:60:5]:
+            end = seconds_of(slip["time_gpst"]) + 61
+            part = report([self.file, self.navigation], f"--events={table}", "--window", "1m", "--end",
+                          f"{int(end // 3600):02}:{int(end % 3600 // 60):02}:{int(end % 60):02}")
+            found = collections.Counter(int(seconds_of(e["time_gpst"]) // 60) for e in rows(table) if e["kind"] in SLIPS)
+            for window in part["analysis"]["windows"][-4:]:
+                slips = sum(s[key] or 0 for s in window["systems"] for key in WHOLE_SLIPS)
+                assert slips == found[int(seconds_of(window["from_gpst"]) // 60)], (slip["time_gpst"], window["from_gpst"])
+                borders += slips > 0
+        assert borders >= 4
+
     def events_are_the_slips_of_the_truth(self):
         found = {(e["time_gpst"], e["satellite"]) for e in rows(self.events) if e["kind"] in SLIPS}
         injected = {(f["time_gpst"], f["satellite"]) for f in self.truth["faults"] if f["kind"] == "slip"}

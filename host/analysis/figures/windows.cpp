@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <type_traits>
 
 #include "host/analysis/figures/result_rows.h"
 #include "host/analysis/figures/system_order.h"
@@ -14,6 +15,18 @@ constexpr std::int64_t kGpsTimeBegins_ns = 315'964'800 * kNanosecondsPerSecond;
 constexpr Count kMinMultipathValues = 50;
 
 using MaybeCount = std::optional<Count>;
+
+constexpr MaybeCount SlipFigures::*kSlipCounts[] = {&SlipFigures::sure,
+                                                    &SlipFigures::unsure,
+                                                    &SlipFigures::half_cycles,
+                                                    &SlipFigures::unknown_size,
+                                                    &SlipFigures::tested_steps,
+                                                    &SlipFigures::untested_steps,
+                                                    &SlipFigures::loss_of_lock_flags,
+                                                    &SlipFigures::loss_of_lock_with_slip};
+constexpr MaybeCount InterruptionFigures::*kInterruptionCounts[] = {
+    &InterruptionFigures::by_signal,  &InterruptionFigures::by_satellite, &InterruptionFigures::by_receiver,
+    &InterruptionFigures::continuous, &InterruptionFigures::slipped,      &InterruptionFigures::unresolved};
 
 /// Sums never fall but where an interval that is found later rescales them.
 Count Less(const MaybeCount& later, const MaybeCount& earlier) {
@@ -30,23 +43,12 @@ void Set(const SlipFigures& later, const SlipFigures& earlier, SlipFigures& diff
   if (Less(later.tested_steps, earlier.tested_steps) + Less(later.untested_steps, earlier.untested_steps) ==
       0)
     return;
-  constexpr MaybeCount SlipFigures::*kCounts[] = {&SlipFigures::sure,
-                                                  &SlipFigures::unsure,
-                                                  &SlipFigures::half_cycles,
-                                                  &SlipFigures::unknown_size,
-                                                  &SlipFigures::tested_steps,
-                                                  &SlipFigures::untested_steps,
-                                                  &SlipFigures::loss_of_lock_flags,
-                                                  &SlipFigures::loss_of_lock_with_slip};
-  for (const auto count : kCounts) Set(later.*count, earlier.*count, difference.*count);
+  for (const auto count : kSlipCounts) Set(later.*count, earlier.*count, difference.*count);
 }
 
 void Set(const InterruptionFigures& later, const InterruptionFigures& earlier,
          InterruptionFigures& difference) {
-  constexpr MaybeCount InterruptionFigures::*kCounts[] = {
-      &InterruptionFigures::by_signal,  &InterruptionFigures::by_satellite, &InterruptionFigures::by_receiver,
-      &InterruptionFigures::continuous, &InterruptionFigures::slipped,      &InterruptionFigures::unresolved};
-  for (const auto count : kCounts) Set(later.*count, earlier.*count, difference.*count);
+  for (const auto count : kInterruptionCounts) Set(later.*count, earlier.*count, difference.*count);
 }
 
 template <typename Row>
@@ -56,6 +58,27 @@ void SetTracking(const Row& later, const Row& earlier, Row& difference) {
   Set(later.interruptions, earlier.interruptions, difference.interruptions);
   Set(later.interruptions_below_cutoff, earlier.interruptions_below_cutoff,
       difference.interruptions_below_cutoff);
+}
+
+void AddMore(const MaybeCount& later, const MaybeCount& earlier, MaybeCount& sum) {
+  if (later) sum = sum.value_or(0) + Less(later, earlier);
+}
+
+void AddMore(const SlipFigures& later, const SlipFigures& earlier, SlipFigures& sum) {
+  for (const auto count : kSlipCounts) AddMore(later.*count, earlier.*count, sum.*count);
+}
+
+void AddMore(const InterruptionFigures& later, const InterruptionFigures& earlier, InterruptionFigures& sum) {
+  for (const auto count : kInterruptionCounts) AddMore(later.*count, earlier.*count, sum.*count);
+}
+
+template <typename Row>
+void AddMoreTracking(const Row& later, const Row& earlier, Row& sum) {
+  AddMore(later.slips, earlier.slips, sum.slips);
+  AddMore(later.slips_below_cutoff, earlier.slips_below_cutoff, sum.slips_below_cutoff);
+  AddMore(later.interruptions, earlier.interruptions, sum.interruptions);
+  AddMore(later.interruptions_below_cutoff, earlier.interruptions_below_cutoff,
+          sum.interruptions_below_cutoff);
 }
 
 /// Of a mean or, with squares, of a root of mean squares; absent with fewer values than the least.
@@ -162,6 +185,22 @@ StreamSums::StreamSums(AnalysisResult&& result)
 void AddDifference(const StreamSums& earlier, const StreamSums& later, WindowFigures& window) {
   AddSystems(earlier, later, window);
   AddSignals(earlier, later, window);
+}
+
+void AddLate(const StreamSums& before, const StreamSums& after, StreamSums& at_border) {
+  const auto add = [](const auto& earlier, const auto& later, auto& sums, const auto& is_same) {
+    for (const auto& row : later) {
+      const auto same = [&](const auto& other) { return is_same(other, row); };
+      const auto old = std::find_if(earlier.begin(), earlier.end(), same);
+      auto sum = std::find_if(sums.begin(), sums.end(), same);
+      // A row without its like at the border began after it, or in this step.
+      if (sum == sums.end()) continue;
+      AddMoreTracking(row, old == earlier.end() ? std::decay_t<decltype(row)>() : *old, *sum);
+    }
+  };
+  add(before.systems, after.systems, at_border.systems,
+      [](const SystemFigures& a, const SystemFigures& b) { return a.letter == b.letter; });
+  add(before.signals, after.signals, at_border.signals, IsSame);
 }
 
 void FillInEpochs(const SpanFigures& whole, std::vector<WindowFigures>& windows) {

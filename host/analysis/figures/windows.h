@@ -15,8 +15,7 @@
 //   multipath     RMS about the moving mean, of the values of the window; near a border those before it are
 //                 held against what came before it (moving_scatter.h), so that squares are exact to the part
 //                 of an arc within 315 s of a border
-//   slips         at the end of their step; the last kLead epochs of the stream are decided together, so that
-//                 at a border among them they may count to the window after it
+//   slips         at the end of their step
 //   interruptions where the signal returns
 //
 // Figures that are no sums have no difference and are absent: percentiles, arcs, noise, ROTI.
@@ -61,6 +60,10 @@ struct StreamSums {
 
 /// Adds to a window what later sums have more than earlier ones, but for completeness.
 void AddDifference(const StreamSums& earlier, const StreamSums& later, WindowFigures& window);
+
+/// Adds to the sums at a border what a step before it, decided after it, brought: its slips and
+/// interruptions.
+void AddLate(const StreamSums& before, const StreamSums& after, StreamSums& at_border);
 
 /// Expected, present and missing epochs of the windows from those present and the gaps of the whole.
 void FillInEpochs(const SpanFigures& whole, std::vector<WindowFigures>& windows);

@@ -15,7 +15,6 @@ extern char** environ;
 namespace orsolva_host::live {
 namespace {
 
-constexpr std::chrono::seconds kLongest{60};
 constexpr std::chrono::milliseconds kLook{20};
 
 /// The environment of this program without what may hold a secret of it, and with the event.
@@ -65,10 +64,10 @@ bool Spawn(const std::string& command, const LiveEvent& event, pid_t& child) {
 
 }  // namespace
 
-int RunAlarmCommand(const std::string& command, const LiveEvent& event) {
+int RunAlarmCommand(const std::string& command, const LiveEvent& event, std::chrono::milliseconds longest) {
   pid_t child = 0;
   if (!Spawn(command, event, child)) return -1;
-  const auto until = std::chrono::steady_clock::now() + kLongest;
+  const auto until = std::chrono::steady_clock::now() + longest;
   int status = 0;
   while (waitpid(child, &status, WNOHANG) == 0) {
     if (std::chrono::steady_clock::now() >= until) {

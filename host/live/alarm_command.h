@@ -2,17 +2,20 @@
 #ifndef ORSOLVA_LIVE_ALARM_COMMAND_H
 #define ORSOLVA_LIVE_ALARM_COMMAND_H
 
+#include <chrono>
 #include <string>
 
 #include "host/live/live_state.h"
 
 namespace orsolva_host::live {
 
-/// Runs a command by the shell and waits for it, at most 60 s; then it is ended. What the event says is in
-/// the environment: ORSOLVA_STATION, ORSOLVA_ALARM, ORSOLVA_SUBJECT, ORSOLVA_STATE (raised, cleared),
-/// ORSOLVA_SEVERITY, ORSOLVA_SEEN, ORSOLVA_ADVICE, ORSOLVA_EVENT (the line of JSON). Nothing of it is part of
-/// the command's text. @return its exit code; -1 when it could not be run or was ended
-int RunAlarmCommand(const std::string& command, const LiveEvent& event);
+/// Runs a command by the shell and waits for it; after the longest time it is ended with its children. What
+/// the event says is in the environment: ORSOLVA_STATION, ORSOLVA_ALARM, ORSOLVA_SUBJECT, ORSOLVA_STATE
+/// (raised, cleared), ORSOLVA_SEVERITY, ORSOLVA_SEEN, ORSOLVA_ADVICE, ORSOLVA_EVENT (the line of JSON).
+/// Nothing of it is part of the command's text. @return its exit code; -1 when it could not be run or was
+/// ended
+int RunAlarmCommand(const std::string& command, const LiveEvent& event,
+                    std::chrono::milliseconds longest = std::chrono::seconds(60));
 
 }  // namespace orsolva_host::live
 

@@ -12,6 +12,8 @@ namespace {
 
 constexpr std::size_t kEventsAtOnce = 1000;
 constexpr std::chrono::milliseconds kWait{500};
+constexpr std::chrono::seconds kLongestCommand{60};
+constexpr std::chrono::seconds kLastCommands{5};  ///< that are left when the service ends
 
 /// With a number behind it where it is taken.
 std::string FreeName(const std::string& wanted, const std::set<std::string>& taken) {
@@ -70,12 +72,14 @@ void LiveService::Start() {
 /// One after the other: an alarm command that hangs delays others, and no judging.
 void LiveService::PassEvents() {
   std::uint64_t passed = 0;
+  auto until = std::chrono::steady_clock::time_point::max();
   while (true) {
     const bool last = last_round_;
+    if (last) until = std::min(until, std::chrono::steady_clock::now() + kLastCommands);
     const auto events = last ? board_->EventsAfter(passed, kEventsAtOnce)
                              : board_->WaitForEvents(passed, kEventsAtOnce, kWait);
     for (const LiveEvent& event : events) {
-      Pass(event);
+      Pass(event, until);
       passed = event.id;
     }
     if (last && events.empty()) return;
@@ -83,10 +87,13 @@ void LiveService::PassEvents() {
   }
 }
 
-void LiveService::Pass(const LiveEvent& event) {
+void LiveService::Pass(const LiveEvent& event, std::chrono::steady_clock::time_point until) {
   if (write_) write_(event.json + "\n");
   if (settings_.on_alarm.empty() || event.state == LiveEvent::State::kNote) return;
-  RunAlarmCommand(settings_.on_alarm, event);
+  const auto now = std::chrono::steady_clock::now();
+  if (now >= until) return;
+  const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(until - now);
+  RunAlarmCommand(settings_.on_alarm, event, std::min<std::chrono::milliseconds>(left, kLongestCommand));
 }
 
 bool LiveService::Ended() const {

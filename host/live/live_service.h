@@ -3,6 +3,7 @@
 #define ORSOLVA_LIVE_LIVE_SERVICE_H
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -44,7 +45,7 @@ class LiveService {
 
  private:
   void PassEvents();
-  void Pass(const LiveEvent& event);
+  void Pass(const LiveEvent& event, std::chrono::steady_clock::time_point until);
 
   ServiceSettings settings_;
   LiveBoard* board_;

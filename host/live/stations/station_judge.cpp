@@ -308,11 +308,15 @@ void StationJudge::CountLost(std::int64_t gps_ns) {
 
 void StationJudge::Judge(ObservationEpoch& epoch, std::int64_t now_ns) {
   if (!sky_.Position()) FindPosition(epoch);
-  if (!run_ && IsReady(epoch)) StartRun(epoch);
+  if (!run_ && epoch.time_ns >= no_run_before_ns_ && IsReady(epoch)) StartRun(epoch);
   CountEpoch(epoch, now_ns);
   if (run_) {
     collector_.AddEpoch(epoch.time_ns, static_cast<int>(epoch.satellites.size()));
-    run_->Add(epoch);
+    try {
+      run_->Add(epoch);
+    } catch (const std::exception& error) {
+      RunFailed(error, now_ns);
+    }
     PassDecided(now_ns);
   }
   alarms_.EpochCame(now_ns);
@@ -396,9 +400,22 @@ void StationJudge::StartRun(const ObservationEpoch& epoch) {
   state_.phase = StreamPhase::kJudging;
 }
 
+/// Counts, strength and alarms go on without a run, and another one is tried a minute later.
+void StationJudge::RunFailed(const std::exception& error, std::int64_t now_ns) {
+  constexpr std::int64_t kPause_ns = 60 * kNanosecondsPerSecond;
+  run_.reset();
+  no_run_before_ns_ = latest_ns_.value_or(now_ns) + kPause_ns;
+  Note("not_judged", error.what(), now_ns);
+}
+
 void StationJudge::EndRun(bool whole, std::int64_t now_ns) {
   if (!run_) return;
-  const std::optional<orsolva_host::Report> report = run_->Finish();
+  std::optional<orsolva_host::Report> report;
+  try {
+    report = run_->Finish();
+  } catch (const std::exception& error) {
+    RunFailed(error, now_ns);
+  }
   run_.reset();
   PassDecided(now_ns);
   if (!report || !whole) return;
@@ -416,7 +433,11 @@ void StationJudge::EndRun(bool whole, std::int64_t now_ns) {
       text(headline.missing_epochs), text(headline.cutoff_expected), text(headline.cutoff_observed),
       text(headline.cycle_slips), text(headline.worst_multipath_m));
   Report(std::move(event));
-  WriteReport(*report, run_begin_ns_);
+  try {
+    WriteReport(*report, run_begin_ns_);
+  } catch (const std::exception& error) {
+    NotWritten(error.what(), now_ns);
+  }
 }
 
 // Minutes
@@ -439,7 +460,11 @@ void StationJudge::EndMinute(std::int64_t next_ns, std::int64_t now_ns) {
   frames.crc_errors = all_errors - std::exchange(minute_crc_errors_, all_errors);
   minutes_.Add(*latest_ns_, frames);
   alarms_.Frames(frames.messages, frames.crc_errors, now_ns);
-  if (run_) run_->EndMinute(*book_.TakeNew(settings_.name));
+  try {
+    if (run_) run_->EndMinute(*book_.TakeNew(settings_.name));
+  } catch (const std::exception& error) {
+    RunFailed(error, now_ns);
+  }
   const bool new_hour = BeginOfHour(*latest_ns_) != BeginOfHour(next_ns);
   if (new_hour) EndRun(true, now_ns);
   if (book_changed_ && run_) RefreshSky();

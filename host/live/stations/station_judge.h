@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <deque>
+#include <exception>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -59,6 +60,9 @@ class StationJudge {
     AddEphemerides(messages, records, now_ns);
   }
 
+  /// Something could not be kept or written; judging goes on.
+  void NotWritten(const std::string& why, std::int64_t now_ns) { Note("not_written", why, now_ns); }
+
   /// The time of the latest epoch.
   std::optional<std::int64_t> LatestEpoch() const { return latest_ns_; }
   /// Whether `data_gap` and the like were raised at any time; for the exit code of a replay.
@@ -103,6 +107,7 @@ class StationJudge {
   void StartRun(const ObservationEpoch& epoch);
   void EndRun(bool whole, std::int64_t now_ns);
   void WriteReport(const orsolva_host::Report& report, std::int64_t begin_ns) const;
+  void RunFailed(const std::exception& error, std::int64_t now_ns);
   void FindPosition(const ObservationEpoch& epoch);
   std::map<char, double> EphemerisAges(std::int64_t now_ns) const;
   void FillInSystems(StationState& state, std::int64_t now_ns);
@@ -135,6 +140,7 @@ class StationJudge {
   RunCollector collector_;
   std::unique_ptr<HourRun> run_;
   std::int64_t run_begin_ns_ = 0;
+  std::int64_t no_run_before_ns_ = 0;  ///< after one that failed
 
   std::optional<std::int64_t> began_ns_;   ///< first time handed in
   std::optional<std::int64_t> latest_ns_;  ///< time of the latest epoch

@@ -265,11 +265,14 @@ std::string StationThread::KeptPath() const {
 
 void StationThread::KeepEphemerides() {
   if (settings_.state_folder.empty() || judge_.Ephemerides().Size() == 0) return;
-  std::error_code ignored;
-  std::filesystem::create_directories(settings_.state_folder, ignored);
-  WholeFile file(KeptPath());
-  file.Write(judge_.Ephemerides().Frames());
-  file.Commit();
+  try {
+    std::filesystem::create_directories(settings_.state_folder);
+    WholeFile file(KeptPath());
+    file.Write(judge_.Ephemerides().Frames());
+    file.Commit();
+  } catch (const std::exception& error) {
+    judge_.NotWritten(error.what(), Now());
+  }
 }
 
 /// Those of a file given as --nav, and those of the start before. Weeks are those near the stream's time;
@@ -293,6 +296,8 @@ void StationThread::ReadKeptEphemerides() {
     rtcm::Decoder decoder(options);
     while (const auto message = frames.Next()) decoder.Take(*message);
     const auto messages = decoder.TakeEphemerides();
+    if (messages.empty() && path == navigation.path)
+      throw std::runtime_error(path + ": it holds no ephemerides of RTCM 3");
     judge_.UseEphemerides(messages, decoder.TakeBroadcast(), *options.near_ns);
   }
 }

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "host/live/alarm_command.h"
 #include "host/live/alarms/message_watch.h"
 #include "host/live/live_board.h"
 #include "host/live/live_service.h"
@@ -122,6 +123,26 @@ TEST(LiveBoard, KeepsTheLatestEventsAndTheirIds) {
   for (std::size_t i = 0; i < LiveBoard::kKeptEvents + 5; ++i) board.Add({});
   EXPECT_EQ(board.EventsAfter(0, 1).at(0).id, 6U);
   EXPECT_EQ(board.LastEventId(), LiveBoard::kKeptEvents + 5);
+}
+
+TEST(AlarmCommand, GetsTheEventInItsEnvironmentAndRunsNothingOfIt) {
+  const std::string out = testing::TempDir() + "orsolva-alarm-command";
+  std::filesystem::remove(out);
+  LiveEvent event;
+  event.kind = "latency";
+  event.state = LiveEvent::State::kRaised;
+  event.seen = "$(echo no) `echo no` \"; echo no";
+  EXPECT_EQ(RunAlarmCommand("printf '%s|%s' \"$ORSOLVA_ALARM\" \"$ORSOLVA_SEEN\" > " + out, event), 0);
+  std::ifstream file(out);
+  std::string text;
+  std::getline(file, text);
+  EXPECT_EQ(text, "latency|" + event.seen);
+  EXPECT_EQ(RunAlarmCommand("exit 3", event), 3);
+  std::filesystem::remove(out);
+}
+
+TEST(AlarmCommand, IsEndedWhenItHangs) {
+  EXPECT_EQ(RunAlarmCommand("sleep 100", {}, std::chrono::milliseconds(100)), -1);
 }
 
 TEST(ServiceSettings, NamesAreMadeUniqueAndGivenOnesMustBe) {

@@ -94,7 +94,7 @@ TABLES: dict[str, list[Column]] = {
     ],
     "events": [
         *KEY,
-        *_figures("time", "time"),
+        Column("time", "time", "epoch of the event"),
         Column("satellite", "text", "null: the receiver as a whole"),
         Column("kind", "text", "slips and events of clocks and power; see events.md"),
         Column("elevation_deg", "real", "at that epoch"),
@@ -121,7 +121,7 @@ RUNS = [
     Column("settings_id", "text", "of the settings in store.json"),
     Column("state", "text", "judged; incomplete, when the file ends early; failed, when there is no report"),
     Column("error", "text", "why it is incomplete or failed"),
-    Column("rinex_version", "real", ""),
+    Column("rinex_version", "real", "version of the format of the file"),
     *[Column(name, "text", "from the header") for name in ("marker", "receiver", "receiver_firmware", "receiver_serial")],
     *[Column(name, "text", "from the header") for name in ("antenna", "radome", "antenna_serial")],
     Column("antenna_height_m", "real", "from the header"),
@@ -148,15 +148,14 @@ ALL_TABLES = {**TABLES, "runs": RUNS}
 
 
 def text_of(column: Column) -> str:
-    """What a column holds: of figures, what the report's own explanation begins with."""
+    """What a column holds: of figures, the title of the report's own explanation and the unit."""
     if column.text:
         return column.text
     from .. import explain
 
-    try:
-        return explain(column.name).partition("\n")[0]
-    except Exception:  # a fact, not a figure
-        return "as in the report"
+    name, _, title, *_ = explain(column.name).split("\n")
+    unit = name.partition("[")[2].rstrip("]")
+    return title if unit in ("", "1") else f"{title} [{unit}]"
 
 
 def schema_of(table: str) -> pa.Schema:

@@ -72,7 +72,7 @@ def numbers(owner, skip=()):
 
 NAMES = ("rinex_version", "marker", "receiver", "antenna", "first_epoch_gpst", "last_epoch_gpst", "slot", "band",
          "first_reference", "last_reference", "position_ecef_m", "solution_ecef_m", "with_orbits", "multipath_partner",
-         "phase_noise_method", "selection")
+         "phase_noise_method", "selection", "stream")
 
 
 BINS = {"strength_mean_by_elevation": "strength_mean_dbhz", "strength_p5_by_elevation": "strength_p5_dbhz",

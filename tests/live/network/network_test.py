@@ -25,12 +25,12 @@ def size_of(epochs):
 class Disconnects:
     """Connections that end soon, at any byte, and a last one that does not.
 
-    Each begins with epochs that were sent before, as casters with a cache do; what was cut short or thrown away by a
-    reset is among them.
+    Each begins with epochs that were sent before, as casters with a cache do. A reset throws away what the kernel had
+    received and nobody read; several in a row may cost all that was sent, so that all of it is sent again.
     """
     COUNT = 8
-    REPEATED = 8
     NEW = 4
+    REPEATED = COUNT * NEW
 
     def __init__(self, seed):
         self.dice = random.Random(seed)

@@ -1,6 +1,7 @@
 """What the tests share: real files next to the checkout, a simulated day, the command."""
 import os
 import pathlib
+import signal
 import subprocess
 
 import pytest
@@ -10,6 +11,10 @@ import orsolva
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 SHARED = pathlib.Path(os.environ.get("ORSOLVA_SHARED", ROOT.parent / "shared"))
 COMMAND = os.environ.get("ORSOLVA_COMMAND", str(ROOT / "build/bin/orsolva"))
+
+# A shell that starts a job in the background has it ignore SIGINT, and so would the programs that the tests interrupt.
+if signal.getsignal(signal.SIGINT) is signal.SIG_IGN:
+    signal.signal(signal.SIGINT, signal.default_int_handler)
 
 
 def pytest_sessionfinish(session):

@@ -38,6 +38,12 @@ Hysteresis For(double time_s, double interval_s) {
 
 std::string SubjectOf(const SignalKey& key) { return std::string(1, key.system) + " " + key.signal; }
 
+/// "9.0 dB below", to be followed by what it departs from.
+std::string Departure(double level_db) {
+  if (std::abs(level_db) < 0.05) return "at";
+  return fmt::format("{:.1f} dB {}", std::abs(level_db), level_db < 0 ? "below" : "above");
+}
+
 }  // namespace
 
 double StationAlarms::GapLimit(double interval_s) const {
@@ -98,8 +104,8 @@ void StationAlarms::Strengths(const std::vector<BandDeparture>& bands, double in
         AlarmKind::kSnrDrop, band.band, Below(band.median_db, -limits_.snr_drop_db, -limits_.snr_drop_db / 2),
         For(limits_.snr_drop_s, interval_s), Utc(now_ns), [&] {
           Finding finding;
-          finding.seen = fmt::format("{} is {:.1f} dB below its usual strength on {} satellites{}", band.band,
-                                     -band.median_db, band.satellites,
+          finding.seen = fmt::format("{} is {} its usual strength on {} satellites{}", band.band,
+                                     Departure(band.median_db), band.satellites,
                                      all && bands.size() > 1 ? ", and so are all bands" : "");
           finding.advice = all && bands.size() > 1
                                ? "All bands fell: check antenna, connectors, cable and their power."

@@ -23,8 +23,9 @@ constexpr double kNiellWet[5][3] = {{5.8021897e-4, 1.4275268e-3, 4.3472961e-2},
                                     {5.9727542e-4, 1.5007428e-3, 4.4626982e-2},
                                     {6.1641693e-4, 1.7599082e-3, 5.4736038e-2}};
 
+/// Least squares may give a latitude that is not a number before they are rejected: row 0.
 double AtLatitude(const double table[5][3], int column, double latitude_deg) {
-  const double x = (std::clamp(latitude_deg, 15.0, 75.0) - 15) / 15;
+  const double x = latitude_deg > 15 ? (std::min(latitude_deg, 75.0) - 15) / 15 : 0;
   const int row = std::min(static_cast<int>(x), 3);
   const double part = x - row;
   return table[row][column] * (1 - part) + table[row + 1][column] * part;

@@ -212,10 +212,10 @@ std::vector<double> ArrowBatch::Reals(const std::string& name) const {
 }
 
 std::vector<std::uint8_t> ArrowBatch::Flags(const std::string& name) const {
-  constexpr double kMostFlags = 255;
+  constexpr double kMaxFlags = 255;
   std::vector<std::uint8_t> flags;
   for (const double value : Reals(name)) {
-    if (value < 0 || value > kMostFlags) throw ArgumentError(name + ": expected flags from 0 to 255");
+    if (value < 0 || value > kMaxFlags) throw ArgumentError(name + ": expected flags from 0 to 255");
     flags.push_back(value == value ? static_cast<std::uint8_t>(value) : std::uint8_t{0});
   }
   return flags;

@@ -17,8 +17,8 @@ namespace {
 using namespace orsolva_host;
 
 /// A distance in kilometres, or a strength as a ratio, would be judged without a word.
-constexpr double kLeastRange_m = 1e6;
-constexpr double kMostStrength_dbhz = 100;
+constexpr double kMinRange_m = 1e6;
+constexpr double kMaxStrength_dbhz = 100;
 
 void CheckLength(const char* name, std::size_t found, std::size_t rows) {
   if (found == rows || found == 0) return;
@@ -39,11 +39,11 @@ double LargestOf(std::span<const double> values) {
 
 void CheckUnits(const PushedRows& rows) {
   const double range = LargestOf(rows.pseudorange_m);
-  if (range > 0 && range < kLeastRange_m) {
+  if (range > 0 && range < kMinRange_m) {
     throw ArgumentError(fmt::format("pseudorange: the largest is {:g}, expected metres", range));
   }
   const double strength = LargestOf(rows.snr_dbhz);
-  if (strength > kMostStrength_dbhz) {
+  if (strength > kMaxStrength_dbhz) {
     throw ArgumentError(fmt::format("snr: the largest is {:g}, expected dB-Hz", strength));
   }
 }

@@ -14,10 +14,10 @@ namespace {
 
 constexpr std::int64_t kSecond_ns = 1'000'000'000;
 constexpr double kFirstEpoch_s = 30;  ///< from the start to the first epoch
-constexpr int kLeastSatellites = 5;   ///< that a burst or a lack is judged by
+constexpr int kMinSatellites = 5;     ///< that a burst or a lack is judged by
 constexpr double kHold_s = 10;        ///< a lack of satellites lasts so long
 constexpr double kQuiet_s = 60;       ///< without a burst, until it is over
-constexpr Count kLeastExpected = 600;
+constexpr Count kMinExpected = 600;
 constexpr double kWell = 0.02;  ///< completeness above its limit that is good again
 constexpr double kNine = 0.9;   ///< part of a limit below which a figure is good again
 constexpr Hysteresis kTwoMinutes = {1, 1, 2};
@@ -91,8 +91,8 @@ void StationAlarms::Satellites(const EpochCounter::Presence& all,
               "if strength fell too, antenna and cable."};
         });
   };
-  update("", all, kLeastSatellites);
-  for (const auto& [system, present] : by_system) update(std::string(1, system), present, kLeastSatellites);
+  update("", all, kMinSatellites);
+  for (const auto& [system, present] : by_system) update(std::string(1, system), present, kMinSatellites);
 }
 
 void StationAlarms::Strengths(const std::vector<BandDeparture>& bands, double interval_s,
@@ -117,7 +117,7 @@ void StationAlarms::Strengths(const std::vector<BandDeparture>& bands, double in
 }
 
 void StationAlarms::Slips(int slipped, int tracked, double interval_s, std::int64_t now_ns) {
-  const bool burst = tracked >= kLeastSatellites && slipped > limits_.burst_ratio * tracked;
+  const bool burst = tracked >= kMinSatellites && slipped > limits_.burst_ratio * tracked;
   const int good = std::max(1, static_cast<int>(std::ceil(kQuiet_s / interval_s)));
   alarms_.Update(
       AlarmKind::kSlipBurst, "", burst ? Standing::kBad : Standing::kGood, {1, 1, good}, Utc(now_ns), [&] {
@@ -158,7 +158,7 @@ void StationAlarms::Frames(Count frames, Count crc_errors, std::int64_t now_ns) 
 
 void StationAlarms::HourOfSignal(const SignalKey& key, const SignalSums& sums, std::int64_t now_ns) {
   const std::string subject = SubjectOf(key);
-  if (const auto ratio = sums.Completeness(); ratio && sums.expected >= kLeastExpected) {
+  if (const auto ratio = sums.Completeness(); ratio && sums.expected >= kMinExpected) {
     const double good = std::min(1.0, limits_.completeness + kWell);
     alarms_.Update(AlarmKind::kCompleteness, subject, Below(*ratio, limits_.completeness, good), kTwoMinutes,
                    Utc(now_ns), [&] {
@@ -183,7 +183,7 @@ void StationAlarms::HourOfSignal(const SignalKey& key, const SignalSums& sums, s
 }
 
 void StationAlarms::Hour(const WindowSums& hour, std::size_t minutes, std::int64_t now_ns) {
-  if (minutes < kLeastMinutes) return;
+  if (minutes < kMinMinutes) return;
   std::vector<std::string> subjects;
   for (const auto& [key, sums] : hour.signals) {
     subjects.push_back(SubjectOf(key));

@@ -65,7 +65,7 @@ class StationAlarms {
   std::vector<Alarm> Raised() const { return alarms_.Raised(); }
 
  private:
-  static constexpr std::size_t kLeastMinutes = 10;  ///< of an hour that is held against limits
+  static constexpr std::size_t kMinMinutes = 10;  ///< of an hour that is held against limits
 
   void HourOfSignal(const SignalKey& key, const SignalSums& sums, std::int64_t now_ns);
 

@@ -20,7 +20,7 @@ namespace {
 using std::chrono::steady_clock;
 
 constexpr long kConnectTime_s = 15;
-constexpr std::size_t kMostBuffered = std::size_t{1} << 20;
+constexpr std::size_t kMaxBuffered = std::size_t{1} << 20;
 constexpr long kUnauthorized = 401, kForbidden = 403, kNotFound = 404;
 
 /// Once for all threads.
@@ -114,7 +114,7 @@ void CasterStream::SetOptions(const SourceSpec& spec, const StreamOptions& optio
 
 std::size_t CasterStream::OnBytes(char* bytes, std::size_t size, std::size_t count, void* self) {
   auto& stream = *static_cast<CasterStream*>(self);
-  if (stream.buffer_.size() > kMostBuffered) return 0;
+  if (stream.buffer_.size() > kMaxBuffered) return 0;
   stream.buffer_.append(bytes, size * count);
   stream.last_ = steady_clock::now();
   return size * count;

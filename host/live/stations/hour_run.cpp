@@ -24,7 +24,7 @@ void HourRun::Add(ObservationEpoch& epoch) {
   last_ = batch_.back().time;
   if (epochs_++ == 0) first_ = last_;
   analysis_.Add(epoch);
-  if (batch_.size() == kMostBatched) Feed();
+  if (batch_.size() == kMaxBatched) Feed();
 }
 
 void HourRun::Feed() {

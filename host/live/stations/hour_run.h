@@ -57,7 +57,7 @@ class HourRun {
   std::optional<Report> Finish();
 
  private:
-  static constexpr std::size_t kMostBatched = 600;
+  static constexpr std::size_t kMaxBatched = 600;
 
   void Feed();
   ReportRun Facts() const;

@@ -14,7 +14,7 @@ constexpr std::size_t kDecided = 6;
 constexpr double kPerSquareMicro = 1e6;
 /// A residual beyond it is a jump that the library has not yet restarted at; its square would not be a
 /// figure.
-constexpr double kMostResidual_m = 1000;
+constexpr double kMaxResidual_m = 1000;
 
 std::int64_t NanosecondsOf(const Time_gbt& time) {
   return time.time * kNanosecondsPerSecond + std::llround(time.sec * 1e9);
@@ -38,7 +38,7 @@ void RunCollector::Add(const analysis::Event& event) {
 }
 
 void RunCollector::OnPairEpoch(const orsolva::PairEpochDetail& detail) {
-  if (!detail.has_multipath || !detail.counting || !(std::fabs(detail.residual_m) < kMostResidual_m)) return;
+  if (!detail.has_multipath || !detail.counting || !(std::fabs(detail.residual_m) < kMaxResidual_m)) return;
   const int slot = SystemSlotOfCode(detail.satellite.sys);
   if (slot < 0) return;
   WindowSums& sums = multipath_[BeginOfMinute(NanosecondsOf(detail.time))];

@@ -15,7 +15,7 @@ namespace {
 
 constexpr double kLongestGapCounted_s = 86400;
 constexpr std::size_t kPositionEpochs = 10;
-constexpr std::size_t kLeastSatellites = 4;
+constexpr std::size_t kMinSatellites = 4;
 constexpr double kWaitForEphemerides_s = 60;
 constexpr int kOutOfOrderIsNewTime = 30;
 constexpr double kFuture_s = 60;
@@ -23,7 +23,7 @@ constexpr double kStuck_s = 60;  ///< messages come and no epoch: the decoder is
 constexpr double kLook_s = 10;
 constexpr int kStepsForInterval = 600;
 constexpr double kMillisecond_ns = 1e6;
-constexpr std::size_t kMostLatencies = 6000;
+constexpr std::size_t kMaxLatencies = 6000;
 constexpr double kSamePlace_m = 0.005;
 
 double Seconds(std::int64_t ns) { return static_cast<double>(ns) / 1e9; }
@@ -281,7 +281,7 @@ void StationJudge::TakeEpoch(ObservationEpoch& epoch, std::int64_t now_ns) {
   latest_ns_ = epoch.time_ns;
   arrived_ns_ = now_ns;
   ++state_.epochs_total;
-  if (!replay_ && latencies_s_.size() < kMostLatencies) {
+  if (!replay_ && latencies_s_.size() < kMaxLatencies) {
     const double latency_s = Seconds(now_ns - epoch.time_ns);
     latencies_s_.push_back(latency_s);
     const auto& upper = LatencyHistogram::kUpper_s;
@@ -345,7 +345,7 @@ void StationJudge::PassDecided(std::int64_t now_ns) {
 // Runs
 
 void StationJudge::FindPosition(const ObservationEpoch& epoch) {
-  if (book_changed_ && book_.Satellites() >= kLeastSatellites) RefreshSky();
+  if (book_changed_ && book_.Satellites() >= kMinSatellites) RefreshSky();
   const auto solution = sky_.PointPosition(epoch);
   if (!solution) return;
   solutions_m_.push_back(*solution);
@@ -356,8 +356,8 @@ void StationJudge::FindPosition(const ObservationEpoch& epoch) {
 
 /// Four satellites have ephemerides, and all that are observed, or a minute was waited for the others.
 bool StationJudge::IsReady(const ObservationEpoch& epoch) {
-  if (book_changed_ && book_.Satellites() >= kLeastSatellites) RefreshSky();
-  if (!sky_.Known() || sky_.Satellites() < kLeastSatellites) return false;
+  if (book_changed_ && book_.Satellites() >= kMinSatellites) RefreshSky();
+  if (!sky_.Known() || sky_.Satellites() < kMinSatellites) return false;
   const bool all = std::all_of(
       epoch.satellites.begin(), epoch.satellites.end(), [&](const SatelliteObservation& satellite) {
         const bool known_system = std::string("GREC").find(satellite.id.system) != std::string::npos;

@@ -111,8 +111,8 @@ Comparison Compare(const EarlierReport& before, const EarlierReport& now) {
     if (watched == nullptr || !Holds(before, place) || !Holds(now, place)) continue;
     if (watched->grows && !similar) continue;
     ++comparison.figures_compared;
-    FigureChange change{subject,         signal, key, std::string(UnitOf(key)), before.Find(place),
-                        now.Find(place), 0, std::nullopt};
+    FigureChange change{subject,         signal, key,         std::string(UnitOf(key)), before.Find(place),
+                        now.Find(place), 0,      std::nullopt};
     change.limit = watched->LimitAt(change.before.value_or(0));
     const bool both = change.before && change.after;
     if (both && std::fabs(*change.after - *change.before) <= change.limit) continue;

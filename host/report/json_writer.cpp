@@ -48,10 +48,8 @@ Json StreamJson(const std::optional<StreamFacts>& stream) {
   j["skipped_bytes"] = stream->skipped_bytes;
   j["messages"] = Json::array();
   for (const StreamMessages& row : stream->messages) {
-    j["messages"].push_back({{"type", row.type},
-                             {"messages", row.messages},
-                             {"damaged", row.damaged},
-                             {"decoded", row.decoded}});
+    j["messages"].push_back(
+        {{"type", row.type}, {"messages", row.messages}, {"damaged", row.damaged}, {"decoded", row.decoded}});
   }
   j["coarse_systems"] = stream->coarse_systems;
   j["coarse_steps"] = nullptr;

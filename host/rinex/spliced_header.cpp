@@ -44,8 +44,8 @@ ObservationHeader SplicedHeader(const EpochBlock& block, const ObservationHeader
   for (const Notice& notice : notices.Notices()) {
     diagnostics.Add(file, block.first_record_line + notice.line - 1, notice.text, notice.recovered);
   }
-  const bool any = std::any_of(header.types.begin(), header.types.end(),
-                               [](const auto& types) { return !types.empty(); });
+  const bool any =
+      std::any_of(header.types.begin(), header.types.end(), [](const auto& types) { return !types.empty(); });
   if (!any) {
     throw FileError(file, block.line, "a second header of another form without observation types",
                     "the types of the observations after it", "Split the file there.");

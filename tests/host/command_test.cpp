@@ -324,7 +324,8 @@ TEST(Command, WhatStandsBeforeAnErrorIsJudgedAndTheErrorIsTheAnswer) {
   const Changed file("orsolva_two_forms.21O", epoch, header + "RINEX VERSION / TYPE\n" + epoch);
   const Answer a = Orsolva(file.Run());
   EXPECT_EQ(a.code, 1);
-  EXPECT_NE(a.err.find("a second header of another form without observation types"), std::string::npos) << a.err;
+  EXPECT_NE(a.err.find("a second header of another form without observation types"), std::string::npos)
+      << a.err;
   EXPECT_EQ(json::parse(a.out)["run"]["epochs"], 600);
 }
 

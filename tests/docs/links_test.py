@@ -5,7 +5,7 @@ usage: links_test.py ROOT
 
 Checks the pages (Markdown at the top and below docs/): the target and the heading of a relative link, and each path of
 the sources, in text and in code. Checks in all other sources that a page they refer to exists. A pattern such as
-tests/real/*_test.cpp has to match a file. No entry of the changelog may be repeated.
+tests/real/*_test.cpp has to match a file. No entry of the changelog may be repeated. The README stays short.
 """
 import pathlib
 import re
@@ -13,6 +13,8 @@ import sys
 
 TOPS = ("library", "host", "tests", "docs", "scripts", "bench", "fuzz", "examples", "cmake", "packaging")
 SUFFIXES = {".h", ".hpp", ".c", ".cpp", ".py", ".sh", ".ts", ".md", ".txt", ".cmake", ".json", ".in", ".toml"}
+# What someone reads before the first command; details have pages of their own.
+README_MAX_LINES = 150
 # Headers of the first release, kept as they were.
 KEPT = "tests/abi/reference/"
 
@@ -66,6 +68,11 @@ def problems_of_changelog(page):
     return [f"repeats the entry {entry[:60]}" for entry in sorted(set(entries)) if entries.count(entry) > 1]
 
 
+def problems_of_readme(page):
+    lines = len(page.read_text(encoding="utf-8").splitlines())
+    return [f"has {lines} lines, at most {README_MAX_LINES}"] if lines > README_MAX_LINES else []
+
+
 def sources_of(root):
     for top in TOPS:
         for file in sorted((root / top).rglob("*")):
@@ -80,6 +87,7 @@ def main():
     pages = sorted(root.glob("*.md")) + sorted((root / "docs").rglob("*.md"))
     found = [(page, problem) for page in pages for problem in problems_of_page(root, page)]
     found += [(root / "CHANGELOG.md", problem) for problem in problems_of_changelog(root / "CHANGELOG.md")]
+    found += [(root / "README.md", problem) for problem in problems_of_readme(root / "README.md")]
     found += [(source, problem) for source in sources_of(root) for problem in problems_of_source(root, source)]
     for file, problem in found:
         print(f"{file.relative_to(root)}: {problem}")

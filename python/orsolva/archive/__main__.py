@@ -4,6 +4,8 @@ from __future__ import annotations
 import sys
 
 from .command import main
+from .workers import without_pandas
 
 if __name__ == "__main__":
+    without_pandas()
     sys.exit(main())

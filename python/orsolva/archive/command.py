@@ -52,7 +52,7 @@ def parser() -> argparse.ArgumentParser:
     where = run.add_mutually_exclusive_group()
     where.add_argument("--workers", type=_workers_number, metavar="N", help="processes of this machine (default: one per core; 0: this process alone)")
     where.add_argument("--dask", metavar="ADDRESS", help="scheduler of a Dask cluster, such as tcp://head:8786")
-    run.add_argument("--quiet", action="store_true", help="no progress")
+    run.add_argument("--quiet", action="store_true", help="no progress and no counts; errors only")
     trends = commands.add_parser("trends", help="stations by state, and what changed")
     trends.set_defaults(run=_trends)
     _add_span(trends)
@@ -187,7 +187,8 @@ def _run(options: argparse.Namespace) -> int:
         if shard == (1, 1):
             remove_leftovers(store)
         with _planned(options, progress) as plan:
-            print(_words_of(plan.counts))
+            if not options.quiet:
+                print(_words_of(plan.counts))
             if plan.counts.to_do == 0:
                 complete_unfinished(store, plan.choice)
                 return GOOD
@@ -199,7 +200,9 @@ def _run(options: argparse.Namespace) -> int:
                 workers.close(now=outcome.interrupted)
             if not outcome.interrupted and not outcome.errors:
                 complete_unfinished(store, plan.choice)
-    return _say(outcome, time.monotonic() - begun)
+    if not options.quiet:
+        _say(outcome, time.monotonic() - begun)
+    return _result(outcome)
 
 
 def _workers(options: argparse.Namespace) -> Workers:
@@ -209,12 +212,16 @@ def _workers(options: argparse.Namespace) -> Workers:
     return Processes(count) if count > 0 else ThisProcess()
 
 
-def _say(outcome: Outcome, seconds: float) -> int:
+def _say(outcome: Outcome, seconds: float) -> None:
     files = outcome.judged + outcome.incomplete + outcome.failed
     rate = f", {files / seconds:.1f} a second" if seconds > 1 else ""
     print(f"{files} files in {span_of(seconds)}{rate}: {outcome.judged} judged, {outcome.incomplete} incomplete, {outcome.failed} failed")
     if outcome.set_aside:
         print(f"{outcome.set_aside} changed or were removed while they were judged: run again")
+
+
+def _result(outcome: Outcome) -> int:
+    """Says what went wrong. @return the exit code"""
     for error in outcome.errors:
         print(f"orsolva archive: {error}", file=sys.stderr)
     if outcome.interrupted:

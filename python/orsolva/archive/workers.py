@@ -3,6 +3,7 @@ from __future__ import annotations
 
 import concurrent.futures
 import ctypes
+import importlib.abc
 import multiprocessing
 import os
 import signal
@@ -93,8 +94,23 @@ def _pool(count: int) -> ProcessPoolExecutor:
     return ProcessPoolExecutor(count, multiprocessing.get_context("spawn"), _prepare, (os.getpid(),))
 
 
+class _NoPandas(importlib.abc.MetaPathFinder):
+    """Finds that there is no pandas."""
+
+    def find_spec(self, fullname: str, path: Any, target: Any = None) -> None:
+        if fullname == "pandas":
+            raise ModuleNotFoundError("pandas is left out of this process", name=fullname)
+
+
+def without_pandas() -> None:
+    """For processes that are only ours: pyarrow imports pandas, where there is one, to ask whether a list is one of its series, which takes a quarter of a second."""
+    if not any(isinstance(finder, _NoPandas) for finder in sys.meta_path):
+        sys.meta_path.insert(0, _NoPandas())
+
+
 def _prepare(parent: int) -> None:
     """A worker leaves Ctrl-C to the coordinator and does not outlive it."""
+    without_pandas()
     signal.signal(signal.SIGINT, signal.SIG_IGN)
     if sys.platform == "linux":
         ctypes.CDLL(None).prctl(1, signal.SIGKILL)  # PR_SET_PDEATHSIG

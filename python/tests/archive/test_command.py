@@ -61,3 +61,17 @@ def test_the_command_says_what_to_install(tmp_path):
 def test_defaults():
     options = parser().parse_args(["run", "store", "source"])
     assert options.workers is None and options.dask is None and not options.retry
+
+
+def test_a_quiet_run_says_nothing_but_errors(network, tmp_path, undisturbed):
+    archive("init", tmp_path / "store")
+    assert program("run", tmp_path / "store", network, "--workers", "0", "--quiet") == ""
+    assert program("run", tmp_path / "store", network, "--quiet") == ""
+    assert len(program("run", undisturbed, network).splitlines()) == 2
+    assert "there is no such folder" in program("run", tmp_path / "store", tmp_path / "nowhere", "--quiet", good=(1,))
+
+
+def test_the_program_leaves_pandas_out():
+    """pyarrow imports it where it can; each process would take a quarter of a second for it."""
+    code = "import sys, orsolva.archive.workers as workers, pyarrow as pa; workers.without_pandas(); pa.array(['x']); print('pandas' in sys.modules)"
+    assert subprocess.run([sys.executable, "-c", code], capture_output=True, text=True, check=True).stdout == "False\n"

@@ -3,7 +3,7 @@
 usage: archive_demo.py simulate FOLDER     writes eight stations and sixty days
        archive_demo.py look FOLDER         opens every page in Chromium without a window; exit code 1 with errors
 
-A day is three hours of GPS at 60 s, at the same sidereal time: under the same satellites. What happens is in STORIES.
+A day is three hours of GPS at 60 s, at the same sidereal time: under the same satellites. What happens is in STORIES, and once at all stations.
 """
 import concurrent.futures
 import datetime
@@ -28,6 +28,8 @@ STORIES = {
     "GDAN00POL": (54.4, 18.6, ("new firmware", 30)),
     "HELS00FIN": (60.2, 25.0, ("multipath twice as large", 38)),
 }
+# GPS lowers the power of a signal: every station sees it.
+WEAKER_SIGNAL, WEAKER_DB, WEAKER_FROM = "2W", 2, 12
 
 
 def position(latitude_deg, longitude_deg):
@@ -53,6 +55,8 @@ def simulate_day(folder, station, day):
     faults = [{"kind": "slip", "size": 1, "random": 1 + chance.randrange(3)}] if chance.random() < 0.3 else []
     if event.startswith("snr of 1C"):
         faults.append({"kind": "snr_drop", "signal": "1C", "size": 3})
+    if day >= WEAKER_FROM:
+        faults.append({"kind": "snr_drop", "signal": WEAKER_SIGNAL, "size": WEAKER_DB})
     errors = {"snr_zenith_dbhz": 50 + snr, "snr_horizon_dbhz": 33 + snr, "multipath_m": {"zenith": 0.08 * ratio, "horizon": 0.6 * ratio}}
     second = (43200 - 236 * day) % SIDEREAL_DAY_S
     date = FIRST_DAY + datetime.timedelta(days=day)

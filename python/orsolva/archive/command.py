@@ -232,7 +232,7 @@ def _result(outcome: Outcome) -> int:
 
 def _trends(options: argparse.Namespace) -> int:
     from .reading import open as open_store
-    from .trends import STATES, trends
+    from .trends import STATES, network_changes, trends
 
     with open_store(options.store) as archive:
         found = sorted(trends(archive, options.since, options.until), key=lambda one: (STATES.index(one.state), one.station))
@@ -242,6 +242,8 @@ def _trends(options: argparse.Namespace) -> int:
         print(f"{trend.station}  {trend.state:9}  {trend.reason}".rstrip())
         for change in trend.changes if options.all else []:
             print(f"{'':{len(trend.station)}}  {change}")
+    for shared in network_changes(found):
+        print(f"network: {shared}")
     states = Counter(trend.state for trend in found)
     print(", ".join(f"{states[state]} {state}" for state in STATES if states[state]) or "no stations")
     return GOOD

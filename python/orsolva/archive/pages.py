@@ -17,6 +17,7 @@ import numpy as np
 import numpy.typing as npt
 
 from .figures import BY_KEY, FIGURES, Figure
+from .network import NetworkChange
 from .reading import Archive
 from .settings import ArchiveError
 from .trends import STATES, Daily, Key, StationChange, StationTrend, trends
@@ -49,6 +50,7 @@ def write_pages(
     (folder / "stations").mkdir(parents=True, exist_ok=True)
     rows: list[dict[str, Any]] = []
     heats: list[dict[str, npt.NDArray[np.float64]]] = []
+    shared: set[NetworkChange] = set()
     last = archive.sql(f"SELECT max(date) FROM runs WHERE date <= '{until or '9999-12-31'}'").fetchall()[0][0]
     if last is None:
         raise ArchiveError(f"{archive.store.address}: there are no runs to show")
@@ -58,6 +60,7 @@ def write_pages(
         page = f"stations/{_file_name(trend.station)}.html"
         (folder / page).write_text(_station_page(archive, trend, report), encoding="utf-8")
         rows.append(_row(trend, page))
+        shared |= {change.network for change in trend.changes if change.network is not None}
         heats.append({figure.key: _daily_medians(trend, figure, first, last) for figure in FIGURES})
         done(trend.station)
     order = sorted(range(len(rows)), key=lambda place: (STATES.index(rows[place]["state"]), rows[place]["name"]))
@@ -66,6 +69,7 @@ def write_pages(
         "days": (last - first).days + 1,
         "states": STATES,
         "stations": [rows[place] for place in order],
+        "changes": [_network_change(change) for change in sorted(shared, key=lambda one: (one.day, one.figure), reverse=True)],
         "figures": [_heat(figure, [heats[place][figure.key] for place in order]) for figure in FIGURES],
     }
     subtitle = f"{len(rows)} stations, {first_of} to {last}"
@@ -175,9 +179,16 @@ def _series(key: Key, daily: Daily) -> dict[str, Any]:
     return {"figure": key.figure, "signal": key.signal, "days": [_number(day) for day in daily.days], "values": values}
 
 
+def _network_change(change: NetworkChange) -> dict[str, Any]:
+    figure = BY_KEY[change.figure]
+    size = f"{change.size:+.{figure.digits}f} {figure.unit}".strip()
+    return {"day": _number(change.day), "figure": figure.title, "size": size, "stations": f"{change.stations} of {change.watched}"}
+
+
 def _change(change: StationChange) -> dict[str, Any]:
     parts = [{"figure": part.key.figure, "text": part.text} for part in change.parts]
-    return {"day": _number(change.day), "kind": change.kind, "explanation": change.explanation, "text": str(change), "parts": parts}
+    facts = {"day": _number(change.day), "kind": change.kind, "explanation": change.explanation}
+    return {**facts, "why": change.why, "network": change.network is not None, "text": str(change), "parts": parts}
 
 
 def _run(run: dict[str, Any], station: str, report: str | None) -> dict[str, Any]:

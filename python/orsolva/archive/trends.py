@@ -2,7 +2,7 @@
 from __future__ import annotations
 
 import datetime
-from collections.abc import Iterator, Sequence
+from collections.abc import Iterable, Iterator, Sequence
 from dataclasses import dataclass, field
 from typing import TYPE_CHECKING, Any
 
@@ -10,6 +10,7 @@ import numpy as np
 
 from .change_points import Change, Series, changes, scatter_of
 from .figures import BY_KEY, FIGURES, Figure
+from .network import NetworkChange, Steps, network_change_of
 from .reading import Archive
 from .reading import open as open_store
 
@@ -38,7 +39,7 @@ EQUIPMENT = {
     "antenna_height_m": "antenna height",
 }
 # Worst first.
-STATES = ("failing", "silent", "off", "changed", "drifting", "explained", "good")
+STATES = ("failing", "silent", "off", "changed", "drifting", "network", "explained", "good")
 
 
 @dataclass(frozen=True)
@@ -80,11 +81,13 @@ class StationChange:
         day: the first one after the change
         parts: the series that changed, most certain first
         explanation: the equipment that is new; None when the headers say nothing
+        network: the step of the whole network that it belongs to; None when it is the station's own
     """
 
     day: datetime.date
     parts: list[Part]
     explanation: str | None = None
+    network: NetworkChange | None = None
 
     @property
     def kind(self) -> str:
@@ -93,8 +96,16 @@ class StationChange:
 
     def __str__(self) -> str:
         others = f" and {len(self.parts) - 1} more series" if len(self.parts) > 1 else ""
-        why = f"explained by {self.explanation}" if self.explanation else "unexplained"
-        return f"{self.day} {self.kind} of {self.parts[0].text}{others}; {why}"
+        return f"{self.day} {self.kind} of {self.parts[0].text}{others}; {self.why}"
+
+    @property
+    def why(self) -> str:
+        """Explained, of the network, or unexplained."""
+        if self.explanation:
+            return f"explained by {self.explanation}"
+        if self.network:
+            return f"network-wide, at {self.network.stations} of {self.network.watched} stations"
+        return "unexplained"
 
 
 @dataclass
@@ -123,6 +134,8 @@ class StationTrend:
 def trends(store: Archive | str, since: datetime.date | None = None, until: datetime.date | None = None) -> Iterator[StationTrend]:
     """Every station of a store, one after the other.
 
+    The store is read twice: whether a change is one of the whole network depends on all stations.
+
     Args:
         store: an open archive, or its address
         since, until: days, both included; by default all
@@ -130,12 +143,28 @@ def trends(store: Archive | str, since: datetime.date | None = None, until: date
     archive = store if isinstance(store, Archive) else open_store(store)
     days = f"date BETWEEN '{since or '0001-01-01'}' AND '{until or '9999-12-31'}'"
     today = archive.sql(f"SELECT max(date) FROM runs WHERE {days}").fetchall()[0][0]
+    known: dict[str, list[StationChange]] = {}
+    steps = Steps()
+    for trend in _stations(archive, days):
+        trend.changes = station_changes(trend.series, trend.equipment)
+        known[trend.station] = trend.changes
+        _gather(steps, trend)
+    network = steps.network_changes()
+    for trend in _stations(archive, days):
+        trend.changes = known.pop(trend.station)
+        mark(trend.changes, network)
+        trend.state, trend.reason = _state(trend, today)
+        yield trend
+
+
+def _stations(archive: Archive, days: str) -> Iterator[StationTrend]:
+    """Every station with its series, without changes and state."""
     for bucket in range(archive.store.settings.buckets):
         runs = archive.sql(f"{_DAILY_RUNS.format(where=f'bucket = {bucket} AND {days}')}").pl()
         rows = archive.sql(_SIGNALS.format(where=f"bucket = {bucket} AND {days}")).pl()
         by_station = {station: part for (station,), part in rows.group_by(["station"], maintain_order=True)}
         for (station,), of_station in runs.group_by(["station"], maintain_order=True):
-            yield trend_of(str(station), of_station, by_station.get(station, rows.clear()), today)
+            yield trend_of(str(station), of_station, by_station.get(station, rows.clear()))
 
 
 def _columns(table: str) -> str:
@@ -150,14 +179,12 @@ _DAILY_RUNS = (
 _SIGNALS = f"SELECT station, date, run_id, system || signal AS code, {_columns('signals')} FROM signals WHERE {{where}} ORDER BY station, code, date"
 
 
-def trend_of(station: str, runs: polars.DataFrame, signals: polars.DataFrame, today: datetime.date) -> StationTrend:
-    """The trend of one station from its rows."""
+def trend_of(station: str, runs: polars.DataFrame, signals: polars.DataFrame) -> StationTrend:
+    """The series of one station from its rows."""
     series = _series(runs, signals)
     facts = runs.select("date", "name", "source", "verdict", "state", "error", "cycle_slips").to_dicts()
     trend = StationTrend(station, _position(runs), series, facts, equipment_changes(runs.to_dicts()))
     trend.equipment_first = ", ".join(f"{title} {runs[name][0]}" for name, title in EQUIPMENT.items() if runs[name][0] is not None)
-    trend.changes = station_changes(series, trend.equipment)
-    trend.state, trend.reason = _state(trend, today)
     return trend
 
 
@@ -223,6 +250,32 @@ def _explanation(day: datetime.date, equipment: Sequence[tuple[datetime.date, st
     return min(near)[1] if near else None
 
 
+def _gather(steps: Steps, trend: StationTrend) -> None:
+    """Adds the steps of a station to those of the network."""
+    for key, daily in trend.series.items():
+        steps.watch(trend.station, key.figure, daily.days[0], daily.days[-1])
+    for change in trend.changes:
+        for part in change.parts if change.kind == "step" and change.explanation is None else []:
+            steps.add(trend.station, change.day, part.key.figure, part.change.before, part.change.size)
+
+
+def mark(changes: Sequence[StationChange], network: Sequence[NetworkChange]) -> None:
+    """A step is the network's when at least half of its series step with the network, and no new equipment explains it."""
+    for change in changes:
+        if change.kind != "step" or change.explanation is not None:
+            continue
+        of_parts = [network_change_of(network, change.day, part.key.figure, part.change.before, part.change.size) for part in change.parts]
+        shared = [one for one in of_parts if one is not None]
+        if 2 * len(shared) >= len(of_parts):
+            change.network = shared[0]
+
+
+def network_changes(stations: Iterable[StationTrend]) -> list[NetworkChange]:
+    """Steps of the whole network that changes of these stations belong to, by day."""
+    found = {change.network for trend in stations for change in trend.changes if change.network is not None}
+    return sorted(found, key=lambda one: (one.day, one.figure, one.size))
+
+
 def _state(trend: StationTrend, today: datetime.date) -> tuple[str, str]:
     last = trend.runs[-1]
     silent = (today - last["date"]).days
@@ -231,13 +284,15 @@ def _state(trend: StationTrend, today: datetime.date) -> tuple[str, str]:
     if last["state"] == "failed":
         return "failing", last["error"] or "the last file cannot be judged"
     recent = [one for one in trend.changes if (today - one.day).days <= _RECENT_CHANGE_DAYS]
-    unexplained = [one for one in recent if one.explanation is None and one.kind == "step"]
+    unexplained = [one for one in recent if one.explanation is None and one.network is None and one.kind == "step"]
     if off := _off(trend):
         return "off", off
     if unexplained:
         return "changed", str(unexplained[-1])
     if drift := next((one for one in reversed(trend.changes) if one.kind == "drift" and _goes_on(trend, one)), None):
         return "drifting", str(drift)
+    if shared := [one for one in recent if one.network is not None]:
+        return "network", str(shared[-1])
     if recent:
         return "explained", str(recent[-1])
     return "good", ""

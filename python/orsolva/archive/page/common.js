@@ -2,7 +2,7 @@
 const data = JSON.parse(document.getElementById('data').textContent);
 const DAY = 86400000;
 // Okabe and Ito 2008: distinguishable with any colour vision. The word is always next to the colour.
-const STATE_COLORS = { failing: '#d55e00', silent: '#8a929b', off: '#e69f00', changed: '#cc79a7', drifting: '#56b4e9', explained: '#0072b2', good: '#009e73' };
+const STATE_COLORS = { failing: '#d55e00', silent: '#8a929b', off: '#e69f00', changed: '#cc79a7', drifting: '#56b4e9', network: '#7f6fbf', explained: '#0072b2', good: '#009e73' };
 const SERIES_COLORS = ['#0072b2', '#d55e00', '#009e73', '#cc79a7', '#e69f00', '#56b4e9', '#7f6fbf', '#8a929b'];
 
 /** An element with attributes and children; texts are texts, never markup. */

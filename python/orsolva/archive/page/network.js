@@ -121,6 +121,14 @@ function list() {
     make('div', { class: 'bar' }, make('label', {}, 'Search ', search), make('label', {}, 'State ', state), status), box);
 }
 
+/** Steps of many stations at the same time: their cause is none of the stations. */
+function together() {
+  if (!data.changes.length) return null;
+  const rows = data.changes.map((change) => [dayText(change.day), change.figure, change.size, change.stations]);
+  return make('section', { 'aria-labelledby': 'together' }, make('h2', { id: 'together' }, 'Changes of the whole network'),
+    make('div', { class: 'scroll high' }, table('Last ones first; their cause is not at the stations', ['Day', 'Figure', 'Median step', 'Stations'], rows)));
+}
+
 /** Latitude over longitude, cut to where the stations are. */
 function map() {
   const known = stations.filter((one) => one.latitude !== null);
@@ -150,7 +158,7 @@ function mapDrawing(known, [west, east, south, north], shape, width) {
 function main() {
   const counts = data.states.map((state) => [state, stations.filter((one) => one.state === state).length]).filter(([, count]) => count);
   const chips = make('ul', { class: 'chips' }, ...counts.map(([state, count]) => make('li', {}, make('b', {}, String(count)), stateMark(state))));
-  document.getElementById('main').append(chips, list(), heatMap(), map() || '');
+  document.getElementById('main').append(chips, list(), together() || '', heatMap(), map() || '');
   begin();
   window.orsolva = data;
 }

@@ -41,7 +41,7 @@ function chart(figure, series, width) {
   for (const [day, what] of data.equipment) parts.push(make('g', {}, make('title', {}, `${dayText(day)}: ${what}`), make('path', { d: `M${x(day) - 5} ${TOP - 6}h10l-5 8z`, fill: css('--ink') }), make('line', { x1: x(day), x2: x(day), y1: TOP, y2: HEIGHT - BOTTOM, stroke: css('--ink'), 'stroke-dasharray': '2 4' })));
   for (const change of data.changes) {
     if (!change.parts.some((part) => part.figure === figure.key)) continue;
-    const color = change.explanation ? STATE_COLORS.explained : STATE_COLORS.failing;
+    const color = change.explanation ? STATE_COLORS.explained : change.network ? STATE_COLORS.network : STATE_COLORS.failing;
     parts.push(make('g', {}, make('title', {}, change.text), make('line', { x1: x(change.day), x2: x(change.day), y1: TOP, y2: HEIGHT - BOTTOM, stroke: color, 'stroke-width': 2, 'stroke-dasharray': change.kind === 'drift' ? '8 3' : null })));
   }
   series.forEach((one, i) => parts.push(make('path', { d: lineOf(one, x, y), fill: 'none', stroke: SERIES_COLORS[i % SERIES_COLORS.length], 'stroke-width': 1.4, 'stroke-linejoin': 'round' })));
@@ -58,7 +58,7 @@ function charts() {
     section.append(make('figure', {}, make('figcaption', {}, withUnit(figure.title, figure.unit && `(${figure.unit})`)), box, legend));
     redraw.push(() => box.replaceChildren(chart(figure, series, Math.max(320, section.clientWidth))));
   }
-  section.append(make('p', { class: 'soft' }, 'Vertical lines: a change without (orange) and with (blue) new equipment; dashed where a drift begins. Triangles: new equipment by the header.'));
+  section.append(make('p', { class: 'soft' }, 'Vertical lines: a change without (orange) and with (blue) new equipment, or of the whole network (violet); dashed where a drift begins. Triangles: new equipment by the header.'));
   return section;
 }
 
@@ -66,7 +66,7 @@ const scrolled = (id, title, content) => make('section', { 'aria-labelledby': id
 
 function changes() {
   if (!data.changes.length) return make('section', {}, make('h2', {}, 'Changes'), make('p', {}, 'None.'));
-  const rows = data.changes.map((change) => [dayText(change.day), change.kind, change.explanation ? `explained by ${change.explanation}` : 'unexplained',
+  const rows = data.changes.map((change) => [dayText(change.day), change.kind, change.why,
     make('ul', {}, ...change.parts.map((part) => make('li', {}, part.text)))]);
   return scrolled('changes', 'Changes', table('The first day after each', ['Day', 'Kind', 'Explanation', 'Series'], rows));
 }

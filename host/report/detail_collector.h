@@ -106,6 +106,8 @@ class DetailCollector : public DetailSink {
   void Finish(const total_code_qc_result& codes) override;
   void OnSatelliteEpoch(const orsolva::SatelliteEpochDetail& detail) override;
   void OnPairEpoch(const orsolva::PairEpochDetail& detail) override;
+  /// Findings do without: they ask only whether a satellite is above the cut-off.
+  bool LooksAtDirections() const override { return keep_ == Keep::kPage; }
 
   const Time_gbt& First() const { return first_; }
   double IntervalS() const { return interval_s_; }

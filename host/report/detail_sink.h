@@ -2,6 +2,7 @@
 #ifndef ORSOLVA_REPORT_DETAIL_SINK_H
 #define ORSOLVA_REPORT_DETAIL_SINK_H
 
+#include <algorithm>
 #include <vector>
 
 #include "orsolva/detail.h"
@@ -44,6 +45,10 @@ class DetailFanOut : public DetailSink {
   }
   void OnPairEpoch(const orsolva::PairEpochDetail& detail) override {
     for (DetailSink* sink : sinks_) sink->OnPairEpoch(detail);
+  }
+  bool LooksAtDirections() const override {
+    return std::any_of(sinks_.begin(), sinks_.end(),
+                       [](const DetailSink* s) { return s->LooksAtDirections(); });
   }
 
  private:

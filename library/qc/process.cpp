@@ -185,13 +185,14 @@ void PostProcessGnssQc::ReportEpoch(int number, const QcEpochData& epoch, const 
   detail.satellite = {satellite.system, satellite.prn};
   detail.time = epoch.Time;
   detail.elevation_rad = flags.ElevationRad;
+  detail.above_cutoff = flags.AboveCutoff;
+  detail.above_30 = flags.Above30;
+  if (!observer_->LooksAtDirections()) return observer_->OnSatelliteEpoch(detail);
   double azimuth_elevation[2];
   if (EleList.ExactDirection(epoch.Time, azimuth_elevation)) {
     detail.azimuth_rad = azimuth_elevation[0];
     detail.elevation_rad = azimuth_elevation[1];
   }
-  detail.above_cutoff = flags.AboveCutoff;
-  detail.above_30 = flags.Above30;
   Signal_QC_gbt signals[kBandSlots * kSignalsPerSlot];
   for (const QcSlotSignals& slot : epoch.Slots) {
     std::copy(slot.Signals, slot.Signals + slot.Count, signals + detail.signal_count);

@@ -85,6 +85,9 @@ class QcDetailObserver {
   virtual ~QcDetailObserver() = default;
   virtual void OnSatelliteEpoch(const SatelliteEpochDetail& detail) = 0;
   virtual void OnPairEpoch(const PairEpochDetail& detail) = 0;
+  /// Whether directions and signals of satellites are looked at. If not they are not computed: elevations are
+  /// those interpolated between samples 60 s apart, azimuths are 0, and there are no signals.
+  virtual bool LooksAtDirections() const { return true; }
 };
 
 /// Attaches an observer for the batches that follow.

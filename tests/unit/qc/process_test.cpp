@@ -285,6 +285,46 @@ TEST_F(Run, AnObserverSeesEveryMeasuredEpochAndChangesNothing) {
   ExpectSameResults(*watched, *alone);
 }
 
+class Glancing : public QcDetailObserver {
+ public:
+  void OnSatelliteEpoch(const SatelliteEpochDetail& detail) override {
+    Plain = Plain && detail.signal_count == 0 && detail.azimuth_rad == 0.0;
+    Above += detail.above_cutoff ? 1 : 0;
+    Elevations.push_back(detail.elevation_rad);
+  }
+  void OnPairEpoch(const PairEpochDetail&) override { ++Pairs; }
+  bool LooksAtDirections() const override { return false; }
+
+  bool Plain = true;
+  int Above = 0;
+  int Pairs = 0;
+  std::vector<double> Elevations;
+};
+
+class Looking : public Glancing {
+ public:
+  bool LooksAtDirections() const override { return true; }
+};
+
+TEST_F(Run, AnObserverThatDoesWithoutDirectionsSeesTheSameSatellitesAndPairs) {
+  const auto first = Process(sky::Config(), records_);
+  const auto second = Process(sky::Config(), records_);
+  Glancing glancing;
+  Looking looking;
+  first->SetDetailObserver(&glancing);
+  second->SetDetailObserver(&looking);
+  Take(*first, epochs_);
+  Take(*second, epochs_);
+  EXPECT_TRUE(glancing.Plain);
+  EXPECT_FALSE(looking.Plain);
+  EXPECT_EQ(glancing.Above, looking.Above);
+  EXPECT_EQ(glancing.Pairs, looking.Pairs);
+  ASSERT_EQ(glancing.Elevations.size(), looking.Elevations.size());
+  // Between samples 60 s apart elevations bend by some 1e-5 rad.
+  for (std::size_t i = 0; i < glancing.Elevations.size(); ++i)
+    EXPECT_NEAR(glancing.Elevations[i], looking.Elevations[i], 1e-4);
+}
+
 TEST_F(Run, ReleaseFreesTheRunsData) {
   const auto process = Process(sky::Config(), records_);
   Take(*process, epochs_);

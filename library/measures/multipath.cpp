@@ -47,14 +47,23 @@ double MovingWindow::Mean() const {
 }
 
 WindowSums SumBoth(const MovingWindow& first, const MovingWindow& second) {
+  constexpr int kTurn = 5;  // of the loop, which would cost as much as the additions
   const int common = std::min(first.Count(), second.Count());
+  const double *a = first.Oldest(), *b = second.Oldest();
   WindowSums sums;
-  for (int i = 0; i < common; ++i) {
-    sums.First += first.At(i);
-    sums.Second += second.At(i);
+  int i = 0;
+  for (; i + kTurn <= common; i += kTurn) {
+    for (int k = 0; k < kTurn; ++k) {
+      sums.First += a[i + k];
+      sums.Second += b[i + k];
+    }
   }
-  for (int i = common; i < first.Count(); ++i) sums.First += first.At(i);
-  for (int i = common; i < second.Count(); ++i) sums.Second += second.At(i);
+  for (; i < common; ++i) {
+    sums.First += a[i];
+    sums.Second += b[i];
+  }
+  for (int k = common; k < first.Count(); ++k) sums.First += a[k];
+  for (int k = common; k < second.Count(); ++k) sums.Second += b[k];
   return sums;
 }
 

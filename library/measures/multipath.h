@@ -39,6 +39,8 @@ class MovingWindow {
   int Count() const { return count_; }
   /// Value i, 0 the oldest; i must be below Count().
   double At(int i) const { return values_[start_ + i]; }
+  /// The values one after the other.
+  const double* Oldest() const { return values_ + start_; }
 
  private:
   // Twice the room: the window slides up the array and is moved back only when it reaches the end.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <vector>
 
 namespace orsolva_host::analysis {
@@ -35,6 +36,33 @@ TEST(SortedWindow, QuantilesEqualThoseOfSortingTheLastValues) {
       ASSERT_EQ(MergedQuantile(window.Sorted(), near, part), Expected(all, part)) << i << ' ' << part;
     }
   }
+}
+
+/// Pushes values with ties, ends and gaps, and holds every place against sorting.
+template <int N>
+void ExpectSorted() {
+  SortedWindow<N> window;
+  std::vector<double> last;
+  for (int i = 0; i < 40 * N; ++i) {
+    double value = i % 3 == 0 ? std::fmod(i * 7919.0, 11.0) : Value(i * i);
+    if (i % 17 == 0) value = i % 2 == 0 ? 1e9 + i : -1e9 - i;  // beyond all others
+    if (i % 29 == 0) value = std::nan("");
+    window.Push(value);
+    last.push_back(value);
+    if (last.size() > N) last.erase(last.begin());
+    std::vector<double> sorted;
+    std::copy_if(last.begin(), last.end(), std::back_inserter(sorted), [](double v) { return v == v; });
+    std::sort(sorted.begin(), sorted.end());
+    ASSERT_EQ(window.Count(), static_cast<int>(sorted.size()));
+    for (int k = 0; k < window.Count(); ++k)
+      ASSERT_EQ(window.Sorted()[k], sorted[static_cast<std::size_t>(k)]) << N << ' ' << i << ' ' << k;
+  }
+}
+
+TEST(SortedWindow, EveryPlaceEqualsThatOfSortingInShortAndLongWindows) {
+  ExpectSorted<9>();
+  ExpectSorted<18>();
+  ExpectSorted<64>();
 }
 
 TEST(SortedWindow, ValuesThatAreNotFiniteTakeAPlaceAndCountForNothing) {

@@ -6,15 +6,17 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <cstring>
 #include <limits>
 
 namespace orsolva_host::analysis {
 
-/// A few values in ascending order.
+/// A few values in ascending order, followed by infinities. Where a value goes is as good as random: branches
+/// that ask for it would be guessed wrong time and again, which costs more than running over all places.
 template <int N>
 class SortedList {
  public:
+  SortedList() { Clear(); }
+
   /// Values that are not finite are left out.
   void Insert(double value) {
     if (!std::isfinite(value) || count_ == N) return;
@@ -24,38 +26,50 @@ class SortedList {
   }
   /// Puts a value in the place of another that is in the list. Neither may be NaN.
   void Replace(double old, double value) {
-    int from = PlaceOf(old), to = PlaceOf(value);
-    if (to > from) {
-      --to;
-      Move(from + 1, to - from, from);
-    } else {
-      Move(to, from - to, to + 1);
+    if constexpr (N > kFew) return Shift(PlaceOf(old), PlaceOf(value), value);
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    std::array<double, N + 1> left;  // after the first place the values without the old one
+    left[0] = -kInfinity;
+    for (int i = 0; i + 1 < N; ++i) left[i + 1] = values_[i] < old ? values_[i] : values_[i + 1];
+    left[N] = values_[N - 1] < old ? values_[N - 1] : kInfinity;
+    for (int i = 0; i < N; ++i) {
+      const double least = value < left[i + 1] ? value : left[i + 1];
+      values_[i] = left[i] < least ? least : left[i];
     }
-    values_[to] = value;
   }
   void Remove(double value) {
-    const int place = PlaceOf(value);
+    Replace(value, std::numeric_limits<double>::infinity());
     --count_;
-    Move(place + 1, count_ - place, place);
   }
-  void Clear() { count_ = 0; }
+  void Clear() {
+    values_.fill(std::numeric_limits<double>::infinity());
+    count_ = 0;
+  }
   int Count() const { return count_; }
   double operator[](int i) const { return values_[i]; }
 
  private:
-  void Move(int from, int values, int to) {
-    std::memmove(&values_[to], &values_[from], static_cast<std::size_t>(values) * sizeof(double));
+  static constexpr int kFew = 32;
+
+  /// @param from, to  how many values are less than the one that goes, and the one that comes
+  void Shift(int from, int to, double value) {
+    double* const v = values_.data();
+    if (to > from) {
+      std::copy(v + from + 1, v + to, v + from);
+      v[to - 1] = value;
+    } else {
+      std::copy_backward(v + to, v + from, v + from + 1);
+      v[to] = value;
+    }
   }
   /// How many values are less, which is where the first of its like is.
   int PlaceOf(double value) const {
+    static_assert(N <= kFew || (N & (N - 1)) == 0);
     int place = 0;
-    for (int left = count_; left > 0;) {
-      const int half = left / 2;
-      const bool less = values_[place + half] < value;
-      place += less ? half + 1 : 0;
-      left = less ? left - half - 1 : half;
+    for (int half = N / 2; half > 0; half /= 2) {
+      place += half & -static_cast<int>(values_[place + half - 1] < value);
     }
-    return place;
+    return place + static_cast<int>(values_[place] < value);
   }
 
   std::array<double, N> values_;

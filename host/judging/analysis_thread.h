@@ -29,6 +29,8 @@ class AnalysisThread {
   /// @param epoch  the next one; satellites that are not chosen may be taken out of its list
   /// @throws what the analysis of an epoch before, or the sink, threw
   void Add(ObservationEpoch& epoch);
+  /// The caller will be away for a few hundred epochs at a time only: fewer need to wait.
+  void ExpectSmallBatches() { queue_.Limit(kBlocksOfSmallBatches); }
   /// No epoch follows: the figures are computed while the caller goes on.
   /// @param changes  of antenna, receiver and marker within the data
   void End(std::vector<DescriptionChange> changes);
@@ -37,6 +39,8 @@ class AnalysisThread {
   AnalysisReport Result();
 
  private:
+  static constexpr std::size_t kBlocksOfSmallBatches = 5;
+
   void Work() noexcept;
   void Join();
 

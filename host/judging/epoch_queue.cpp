@@ -98,6 +98,12 @@ bool EpochQueue::WaitForRoom(std::chrono::milliseconds longest) {
   return room_.wait_for(lock, longest, [this] { return blocks_.size() < most_blocks_ || abandoned_; });
 }
 
+void EpochQueue::Limit(std::size_t most_blocks) {
+  const std::lock_guard<std::mutex> lock(mutex_);
+  most_blocks_ = most_blocks;
+  spare_.resize(std::min(spare_.size(), most_blocks_ - std::min(most_blocks_, blocks_.size())));
+}
+
 void EpochQueue::Close() {
   {
     const std::lock_guard<std::mutex> lock(mutex_);
@@ -119,7 +125,8 @@ bool EpochQueue::Take(ObservationEpoch& epoch) {
       Block block = std::move(blocks_.front());
       blocks_.pop_front();
       read_ = block.filled = 0;
-      if (block.size == kHugePageBytes) spare_.push_back(std::move(block));
+      const bool wanted = blocks_.size() + spare_.size() < most_blocks_;
+      if (block.size == kHugePageBytes && wanted) spare_.push_back(std::move(block));
     }
     from = blocks_.front().bytes.get() + read_;
   }

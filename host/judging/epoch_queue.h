@@ -27,6 +27,9 @@ class EpochQueue {
   /// Waits until Put of an epoch of up to 2 MB would not wait, at most the time given. @return whether that
   /// is so
   bool WaitForRoom(std::chrono::milliseconds longest);
+  /// Fewer blocks from now on, as soon as those that wait are read. By the thread that puts.
+  /// @param most_blocks  at least 2
+  void Limit(std::size_t most_blocks);
   /// No further epoch is put.
   void Close();
   /// Waits for the next epoch. @param epoch  keeps its memory
@@ -49,7 +52,7 @@ class EpochQueue {
   static Block MakeBlock(std::size_t size);
   bool MakeRoom(std::size_t size);
 
-  const std::size_t most_blocks_;
+  std::size_t most_blocks_;
   std::mutex mutex_;
   std::condition_variable room_;   ///< or abandoned
   std::condition_variable epoch_;  ///< or closed, or abandoned

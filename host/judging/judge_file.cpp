@@ -26,7 +26,10 @@
 namespace orsolva_host {
 namespace {
 
-constexpr std::size_t kBatchEpochs = 2880;
+// The first batch decides which codes the library has, and holds a whole day at 30 s. What follows at 1 Hz
+// needs no such room: a batch and the library's copies of it take 40 KB per epoch.
+constexpr std::size_t kFirstBatchEpochs = 2880;
+constexpr std::size_t kLaterBatchEpochs = 720;
 
 void RequirePosition(const JudgingSettings& settings, const EpochSource& source) {
   if (settings.position.source == PositionSource::kHeader && !source.Header().position) {
@@ -76,13 +79,14 @@ class Run {
         settings_(settings),
         diagnostics_(diagnostics),
         observers_(observers),
-        batch_(MakeEpochBatch(kBatchEpochs)),
+        batch_(MakeEpochBatch(kFirstBatchEpochs)),
         library_(source, settings, diagnostics, observers.detail) {}
 
   Report Judged(SharedNavigation& named);
 
  private:
   void FillBatch();
+  void ShrinkBatch();
   bool ReadEpoch();
   void StartAnalysis(const Time_gbt& first);
   void TakeNamed(SharedNavigation& named);
@@ -96,6 +100,7 @@ class Run {
   Diagnostics& diagnostics_;
   RunObservers observers_;
   EpochBatch batch_;
+  std::size_t batch_room_ = kFirstBatchEpochs;
   std::size_t batch_size_ = 0;
   ObservationEpoch full_;
   std::shared_ptr<const ReadNavigation> named_;       ///< null when no file is named
@@ -117,6 +122,7 @@ Report Run::Judged(SharedNavigation& named) {
   library_.Start(*navigation_, batch_[0].time, interval_.interval_s);
   while (batch_size_ > 0) {
     library_.Feed(batch_.get(), batch_size_);
+    if (!ended_ && library_.KnowsItsCodes()) ShrinkBatch();
     FillBatch();
   }
   return Finish();
@@ -124,7 +130,7 @@ Report Run::Judged(SharedNavigation& named) {
 
 void Run::FillBatch() {
   batch_size_ = 0;
-  while (batch_size_ < kBatchEpochs && !ended_) {
+  while (batch_size_ < batch_room_ && !ended_) {
     if (ReadEpoch()) {
       ++batch_size_;
       continue;
@@ -132,6 +138,14 @@ void Run::FillBatch() {
     ended_ = true;
     if (analysis_) analysis_->End(source_.Changes());
   }
+}
+
+void Run::ShrinkBatch() {
+  if (batch_room_ == kLaterBatchEpochs) return;
+  batch_.reset();
+  batch_ = MakeEpochBatch(kLaterBatchEpochs);
+  batch_room_ = kLaterBatchEpochs;
+  analysis_->ExpectSmallBatches();
 }
 
 /// Reads the next epoch into the batch and hands it to the analysis. @return false at the end of the data

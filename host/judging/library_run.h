@@ -35,6 +35,8 @@ class LibraryRun {
   void AddNavigation(const NavigationSet& set);
   /// Takes a batch in time order. @throws RunError on an internal error of the library
   void Feed(const ObsEpoch_QC_gbt* epochs, std::size_t count);
+  /// Whether batches to come may be of any size: the first one taken decides which codes are measured.
+  bool KnowsItsCodes() const { return batches_taken_ > 0 || absence_.has_value(); }
   /// Ends the run. @param run  what was read and set; the library's facts are added
   /// @return a report with the library's figures, or with run.library_absence
   /// @throws RunError when memory is missing

@@ -16,6 +16,9 @@ bool LowerNumber(const StoredSatellite& a, const StoredSatellite& b) {
   return a.Number != b.Number ? a.Number < b.Number : a.First < b.First;
 }
 
+constexpr std::size_t kKeptBytes = std::size_t{1} << 20;  // of a list, however small batches become
+constexpr std::size_t kFarTooLarge = 3;                   // times what a batch needs
+
 // Exactly what is needed for a batch that is larger than those before; batches of slowly growing sizes must
 // not move the list each time.
 template <class T>
@@ -23,6 +26,13 @@ void MakeRoom(std::vector<T>& list, std::size_t more) {
   const std::size_t needed = list.size() + more;
   if (needed <= list.capacity()) return;
   list.reserve(std::max(needed, list.capacity() + list.capacity() / 2));
+}
+
+// Frees the room of a batch that was far larger than the one to come.
+template <class T>
+void ShrinkTo(std::vector<T>& list, std::size_t needed) {
+  const std::size_t room = list.capacity();
+  if (room * sizeof(T) > kKeptBytes && room > kFarTooLarge * needed) std::vector<T>().swap(list);
 }
 
 }  // namespace
@@ -40,6 +50,11 @@ void EpochStore::Insert(const CodeObservation& observation, std::size_t first) {
 }
 
 void EpochStore::Reserve(std::size_t satellites, std::size_t observations) {
+  if (satellites_.empty()) {
+    ShrinkTo(satellites_, satellites);
+    ShrinkTo(observations_, observations);
+    ShrinkTo(merged_, satellites);
+  }
   MakeRoom(satellites_, satellites);
   MakeRoom(observations_, observations);
 }

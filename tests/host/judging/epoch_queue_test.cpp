@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cstdint>
 #include <thread>
 #include <vector>
@@ -64,6 +65,30 @@ TEST(EpochQueue, AnEpochLargerThanABlockHasOneOfItsOwn) {
     ExpectEpoch(epoch, number);
   }
   EXPECT_FALSE(queue.Take(epoch));
+}
+
+TEST(EpochQueue, ALimitSetLaterHoldsOnceWhatWaitedIsRead) {
+  EpochQueue queue(8);
+  constexpr std::int64_t kWaiting = 300;  // six blocks
+  for (std::int64_t number = 0; number < kWaiting; ++number)
+    ASSERT_TRUE(queue.Put(EpochOf(number, kManySignals)));
+  queue.Limit(2);
+  using namespace std::chrono_literals;
+  EXPECT_FALSE(queue.WaitForRoom(0ms));
+  ObservationEpoch epoch;
+  std::int64_t taken = 0;
+  while (taken < kWaiting) {
+    ASSERT_TRUE(queue.Take(epoch));
+    ExpectEpoch(epoch, taken++);
+  }
+  EXPECT_TRUE(queue.WaitForRoom(0ms));
+  std::int64_t put = 0;  // as many as two blocks hold, then none
+  while (queue.WaitForRoom(0ms) && put < kWaiting) ASSERT_TRUE(queue.Put(EpochOf(put++, kManySignals)));
+  EXPECT_LT(put, 110);
+  queue.Close();
+  taken = 0;
+  while (queue.Take(epoch)) ExpectEpoch(epoch, taken++);
+  EXPECT_EQ(taken, put);
 }
 
 TEST(EpochQueue, AFullQueueWaitsForRoom) {

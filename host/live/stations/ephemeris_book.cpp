@@ -12,11 +12,10 @@ SatelliteId EphemerisBook::Entry::Satellite() const {
   return rtcm::IsStateVector(message) ? vector.satellite : kepler.satellite;
 }
 
-bool EphemerisBook::Add(const std::vector<rtcm::EphemerisMessage>& messages,
+void EphemerisBook::Add(const std::vector<rtcm::EphemerisMessage>& messages,
                         const BroadcastRecords& records) {
   auto kepler = records.kepler.begin();
   auto vector = records.state_vectors.begin();
-  bool any = false;
   for (const rtcm::EphemerisMessage& message : messages) {
     Entry entry;
     entry.message = message;
@@ -31,9 +30,8 @@ bool EphemerisBook::Add(const std::vector<rtcm::EphemerisMessage>& messages,
     });
     if (known) continue;
     entries_.push_back(std::move(entry));
-    any = true;
+    changed_ = true;
   }
-  return any;
 }
 
 void EphemerisBook::Prune(std::int64_t gps_ns) {

@@ -22,8 +22,10 @@ class EphemerisBook {
   static constexpr double kKept_s = 5 * 3600;
 
   /// @param records  made from the messages, in their order
-  /// @return whether any was new
-  bool Add(const std::vector<rtcm::EphemerisMessage>& messages, const BroadcastRecords& records);
+  void Add(const std::vector<rtcm::EphemerisMessage>& messages, const BroadcastRecords& records);
+  /// Whether any was new since ForgetChange was called last.
+  bool HasChanged() const { return changed_; }
+  void ForgetChange() { changed_ = false; }
   /// Leaves out what is too old at a time.
   void Prune(std::int64_t gps_ns);
 
@@ -50,6 +52,7 @@ class EphemerisBook {
   std::shared_ptr<ReadNavigation> NavigationFrom(std::size_t first, const std::string& name) const;
 
   std::vector<Entry> entries_;
+  bool changed_ = false;
   std::size_t taken_ = 0;  ///< entries that TakeNew has returned
 };
 

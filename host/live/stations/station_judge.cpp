@@ -15,8 +15,6 @@ namespace {
 
 constexpr double kLongestGapCounted_s = 86400;
 constexpr std::size_t kPositionEpochs = 10;
-constexpr std::size_t kMinSatellites = 4;
-constexpr double kWaitForEphemerides_s = 60;
 constexpr int kOutOfOrderIsNewTime = 30;
 constexpr double kFuture_s = 60;
 constexpr double kStuck_s = 60;  ///< messages come and no epoch: the decoder is restarted
@@ -77,7 +75,7 @@ StationJudge::StationJudge(const StationSettings& settings, std::string shown_so
       strengths_(signals_),
       sky_(settings.elevation_cutoff_deg),
       alarms_(settings.name, settings.limits, [this](LiveEvent event) { return Report(std::move(event)); }),
-      collector_(minutes_) {
+      runs_(settings_, book_, sky_, minutes_) {
   state_.name = settings_.name;
   state_.source = std::move(shown_source);
   state_.replay = replay;
@@ -114,7 +112,7 @@ void StationJudge::Connecting(std::int64_t now_ns) {
 
 void StationJudge::Connected(std::int64_t now_ns) {
   if (!began_ns_) began_ns_ = now_ns;
-  state_.phase = run_ ? StreamPhase::kJudging : StreamPhase::kWaitingForNavigation;
+  state_.phase = runs_.Running() ? StreamPhase::kJudging : StreamPhase::kWaitingForNavigation;
   state_.connected = true;
   state_.problem.clear();
   ++state_.connections_total;
@@ -181,7 +179,7 @@ void StationJudge::TakeOwnEphemerides(std::int64_t now_ns) {
 void StationJudge::AddEphemerides(const std::vector<rtcm::EphemerisMessage>& messages,
                                   const BroadcastRecords& records, std::int64_t now_ns) {
   if (!first_ephemeris_ns_) first_ephemeris_ns_ = now_ns;
-  if (book_.Add(messages, records)) book_changed_ = true;
+  book_.Add(messages, records);
   for (const StateVectorRecord& record : records.state_vectors) {
     if (record.satellite.system == 'R' && record.channel)
       decoder_->TakeChannel(record.satellite.number, *record.channel);
@@ -219,7 +217,7 @@ void StationJudge::NoteStation(std::int64_t now_ns) {
       if (moved_m > kSamePlace_m) alarms_.PositionChanged(moved_m, now_ns);
     }
     stated_position_m_ = now.position_m;
-    if (!settings_.position_m && !run_) sky_.SetPosition(*now.position_m);
+    if (!settings_.position_m && !runs_.Running()) sky_.SetPosition(*now.position_m);
   }
   // A restarted decoder forgets; what it has not yet heard is kept.
   const rtcm::StationDescription before = std::exchange(described_, now);
@@ -308,12 +306,14 @@ void StationJudge::CountLost(std::int64_t gps_ns) {
 
 void StationJudge::Judge(ObservationEpoch& epoch, std::int64_t now_ns) {
   if (!sky_.Position()) FindPosition(epoch);
-  if (!run_ && epoch.time_ns >= no_run_before_ns_ && IsReady(epoch)) StartRun(epoch);
+  if (!runs_.Running() && runs_.IsReady(epoch, first_ephemeris_ns_)) {
+    runs_.Begin(epoch, described_, stated_position_m_);
+    state_.phase = StreamPhase::kJudging;
+  }
   CountEpoch(epoch, now_ns);
-  if (run_) {
-    collector_.AddEpoch(epoch.time_ns, static_cast<int>(epoch.satellites.size()));
+  if (runs_.Running()) {
     try {
-      run_->Add(epoch);
+      runs_.Add(epoch);
     } catch (const std::exception& error) {
       RunFailed(error, now_ns);
     }
@@ -336,7 +336,7 @@ void StationJudge::CountEpoch(const ObservationEpoch& epoch, std::int64_t now_ns
 }
 
 void StationJudge::PassDecided(std::int64_t now_ns) {
-  while (const auto decided = collector_.NextDecided()) {
+  while (const auto decided = runs_.NextDecided()) {
     alarms_.Slips(static_cast<int>(decided->slipped.size()), decided->satellites,
                   state_.interval_s.value_or(1), now_ns);
   }
@@ -345,7 +345,7 @@ void StationJudge::PassDecided(std::int64_t now_ns) {
 // Runs
 
 void StationJudge::FindPosition(const ObservationEpoch& epoch) {
-  if (book_changed_ && book_.Satellites() >= kMinSatellites) RefreshSky();
+  runs_.RefreshSky();
   const auto solution = sky_.PointPosition(epoch);
   if (!solution) return;
   solutions_m_.push_back(*solution);
@@ -354,90 +354,22 @@ void StationJudge::FindPosition(const ObservationEpoch& epoch) {
   solutions_m_.clear();
 }
 
-/// Four satellites have ephemerides, and all that are observed, or a minute was waited for the others.
-bool StationJudge::IsReady(const ObservationEpoch& epoch) {
-  if (book_changed_ && book_.Satellites() >= kMinSatellites) RefreshSky();
-  if (!sky_.Known() || sky_.Satellites() < kMinSatellites) return false;
-  const bool all = std::all_of(
-      epoch.satellites.begin(), epoch.satellites.end(), [&](const SatelliteObservation& satellite) {
-        const bool known_system = std::string("GREC").find(satellite.id.system) != std::string::npos;
-        return !known_system || sky_.HasOrbit(satellite.id, epoch.time_ns);
-      });
-  return all || Seconds(epoch.time_ns - first_ephemeris_ns_.value_or(0)) > kWaitForEphemerides_s;
-}
-
-void StationJudge::RefreshSky() {
-  sky_.SetRecords(book_.Records());
-  book_changed_ = false;
-}
-
-void StationJudge::StartRun(const ObservationEpoch& epoch) {
-  JudgingSettings settings;
-  settings.elevation_cutoff_deg = settings_.elevation_cutoff_deg;
-  settings.figures = FigureChoice::kBoth;
-  settings.analysis_on_own_thread = false;
-  ObservationHeader header;
-  header.receiver = described_.receiver;
-  header.antenna = described_.antenna;
-  header.position = stated_position_m_;
-  if (settings_.position_m) {
-    settings.position = {PositionSource::kOption, *settings_.position_m};
-  } else if (stated_position_m_) {
-    settings.position.source = PositionSource::kHeader;
-    sky_.SetPosition(*stated_position_m_);
-  } else {
-    settings.position = {PositionSource::kOption, *sky_.Position()};
-  }
-  book_.Prune(epoch.time_ns);
-  RefreshSky();
-  book_.TakeNew(settings_.name);
-  const auto navigation = book_.Navigation(settings_.name);
-  for (const StateVectorRecord& record : navigation->broadcast.state_vectors) {
-    if (record.satellite.system == 'R') header.glonass_channels[record.satellite.number] = record.channel;
-  }
-  run_begin_ns_ = epoch.time_ns;
-  run_ = std::make_unique<HourRun>(settings, settings_.name, header, navigation, collector_, collector_);
-  state_.phase = StreamPhase::kJudging;
-}
-
-/// Counts, strength and alarms go on without a run, and another one is tried a minute later.
+/// Counts, strength and alarms go on without a run.
 void StationJudge::RunFailed(const std::exception& error, std::int64_t now_ns) {
-  constexpr std::int64_t kPause_ns = 60 * kNanosecondsPerSecond;
-  run_.reset();
-  no_run_before_ns_ = latest_ns_.value_or(now_ns) + kPause_ns;
+  runs_.Abandon(latest_ns_.value_or(now_ns));
   Note("not_judged", error.what(), now_ns);
 }
 
 void StationJudge::EndRun(bool whole, std::int64_t now_ns) {
-  if (!run_) return;
+  if (!runs_.Running()) return;
   std::optional<orsolva_host::Report> report;
   try {
-    report = run_->Finish();
+    report = runs_.End();
   } catch (const std::exception& error) {
     RunFailed(error, now_ns);
   }
-  run_.reset();
   PassDecided(now_ns);
-  if (!report || !whole) return;
-  const Headline& headline = report->headline;
-  const auto text = [](const auto& value) { return value ? fmt::format("{}", *value) : std::string("null"); };
-  LiveEvent event;
-  event.time_utc_ns = UtcOf(now_ns);
-  event.station = settings_.name;
-  event.kind = "hour";
-  event.seen = report->verdict.grade + ": " + report->verdict.text;
-  event.json = fmt::format(
-      R"({{"from":"{}","grade":"{}","present_epochs":{},"missing_epochs":{},"cutoff_expected":{},)"
-      R"("cutoff_observed":{},"cycle_slips":{},"worst_multipath_m":{}}})",
-      UtcText(UtcOf(run_begin_ns_)), report->verdict.grade, text(headline.present_epochs),
-      text(headline.missing_epochs), text(headline.cutoff_expected), text(headline.cutoff_observed),
-      text(headline.cycle_slips), text(headline.worst_multipath_m));
-  Report(std::move(event));
-  try {
-    WriteReport(*report, run_begin_ns_);
-  } catch (const std::exception& error) {
-    NotWritten(error.what(), now_ns);
-  }
+  if (report && whole) PublishHour(*report, now_ns);
 }
 
 // Minutes
@@ -461,13 +393,13 @@ void StationJudge::EndMinute(std::int64_t next_ns, std::int64_t now_ns) {
   minutes_.Add(*latest_ns_, frames);
   alarms_.Frames(frames.messages, frames.crc_errors, now_ns);
   try {
-    if (run_) run_->EndMinute(*book_.TakeNew(settings_.name));
+    runs_.EndMinute();
   } catch (const std::exception& error) {
     RunFailed(error, now_ns);
   }
   const bool new_hour = BeginOfHour(*latest_ns_) != BeginOfHour(next_ns);
   if (new_hour) EndRun(true, now_ns);
-  if (book_changed_ && run_) RefreshSky();
+  if (runs_.Running()) runs_.RefreshSky();
   minutes_.CloseUntil(BeginOfMinute(next_ns));
   JudgeMinute(now_ns);
   messages_.EndMinute();

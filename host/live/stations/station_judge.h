@@ -22,8 +22,7 @@
 #include "host/live/live_board.h"
 #include "host/live/settings.h"
 #include "host/live/stations/ephemeris_book.h"
-#include "host/live/stations/hour_run.h"
-#include "host/live/stations/run_collector.h"
+#include "host/live/stations/station_runs.h"
 #include "host/live/windows/epoch_counter.h"
 #include "host/live/windows/minute_store.h"
 #include "host/live/windows/sky_view.h"
@@ -102,10 +101,8 @@ class StationJudge {
   void PassDecided(std::int64_t now_ns);
   void EndMinute(std::int64_t next_ns, std::int64_t now_ns);
   void JudgeMinute(std::int64_t now_ns);
-  void RefreshSky();
-  bool IsReady(const ObservationEpoch& epoch);
-  void StartRun(const ObservationEpoch& epoch);
   void EndRun(bool whole, std::int64_t now_ns);
+  void PublishHour(const orsolva_host::Report& report, std::int64_t now_ns);
   void WriteReport(const orsolva_host::Report& report, std::int64_t begin_ns) const;
   void RunFailed(const std::exception& error, std::int64_t now_ns);
   void FindPosition(const ObservationEpoch& epoch);
@@ -132,15 +129,11 @@ class StationJudge {
   StrengthWatch strengths_;
   SkyView sky_;
   EphemerisBook book_;
-  bool book_changed_ = false;
   std::optional<std::int64_t> first_ephemeris_ns_;
   std::map<char, std::int64_t> last_ephemeris_ns_;  ///< by system, on arrival
   MessageWatch messages_;
   StationAlarms alarms_;
-  RunCollector collector_;
-  std::unique_ptr<HourRun> run_;
-  std::int64_t run_begin_ns_ = 0;
-  std::int64_t no_run_before_ns_ = 0;  ///< after one that failed
+  StationRuns runs_;
 
   std::optional<std::int64_t> began_ns_;   ///< first time handed in
   std::optional<std::int64_t> latest_ns_;  ///< time of the latest epoch

@@ -1,6 +1,10 @@
 // What a station publishes, and what it writes.
+#include <exception>
 #include <filesystem>
+#include <string>
+#include <utility>
 
+#include "host/live/event_json.h"
 #include "host/live/stations/station_judge.h"
 #include "host/output/whole_file.h"
 #include "host/report/json_writer.h"
@@ -57,6 +61,29 @@ void StationJudge::Publish(std::int64_t now_ns) {
   state->minutes = minutes_.Whole();
   state->alarms = alarms_.Raised();
   board_->Publish(std::move(state));
+}
+
+/// The event of an hour, and its report as a file.
+void StationJudge::PublishHour(const orsolva_host::Report& report, std::int64_t now_ns) {
+  const Headline& headline = report.headline;
+  const auto text = [](const auto& value) { return value ? fmt::format("{}", *value) : std::string("null"); };
+  LiveEvent event;
+  event.time_utc_ns = UtcOf(now_ns);
+  event.station = settings_.name;
+  event.kind = "hour";
+  event.seen = report.verdict.grade + ": " + report.verdict.text;
+  event.json = fmt::format(
+      R"({{"from":"{}","grade":"{}","present_epochs":{},"missing_epochs":{},"cutoff_expected":{},)"
+      R"("cutoff_observed":{},"cycle_slips":{},"worst_multipath_m":{}}})",
+      UtcText(UtcOf(runs_.BeginTime())), report.verdict.grade, text(headline.present_epochs),
+      text(headline.missing_epochs), text(headline.cutoff_expected), text(headline.cutoff_observed),
+      text(headline.cycle_slips), text(headline.worst_multipath_m));
+  Report(std::move(event));
+  try {
+    WriteReport(report, runs_.BeginTime());
+  } catch (const std::exception& error) {
+    NotWritten(error.what(), now_ns);
+  }
 }
 
 /// NAME_YYYYMMDDHH.json, of the hour in GPS time.

@@ -31,24 +31,29 @@ bool StationRuns::IsReady(const ObservationEpoch& epoch, std::optional<std::int6
   return all || epoch.time_ns - first_ephemeris_ns.value_or(0) > kWaitForEphemerides_ns;
 }
 
-void StationRuns::Begin(const ObservationEpoch& epoch, const rtcm::StationDescription& described,
-                        const std::optional<std::array<double, 3>>& stated_position_m) {
+JudgingSettings StationRuns::SettingsOf(const std::optional<std::array<double, 3>>& stated_position_m) const {
   JudgingSettings settings;
   settings.elevation_cutoff_deg = settings_.elevation_cutoff_deg;
   settings.figures = FigureChoice::kBoth;
   settings.analysis_on_own_thread = false;
-  ObservationHeader header;
-  header.receiver = described.receiver;
-  header.antenna = described.antenna;
-  header.position = stated_position_m;
   if (settings_.position_m) {
     settings.position = {PositionSource::kOption, *settings_.position_m};
   } else if (stated_position_m) {
     settings.position.source = PositionSource::kHeader;
-    sky_.SetPosition(*stated_position_m);
   } else {
     settings.position = {PositionSource::kOption, *sky_.Position()};
   }
+  return settings;
+}
+
+void StationRuns::Begin(const ObservationEpoch& epoch, const rtcm::StationDescription& described,
+                        const std::optional<std::array<double, 3>>& stated_position_m) {
+  const JudgingSettings settings = SettingsOf(stated_position_m);
+  ObservationHeader header;
+  header.receiver = described.receiver;
+  header.antenna = described.antenna;
+  header.position = stated_position_m;
+  if (settings.position.source == PositionSource::kHeader) sky_.SetPosition(*stated_position_m);
   book_.Prune(epoch.time_ns);
   sky_.SetRecords(book_.Records());
   book_.ForgetChange();
@@ -58,26 +63,47 @@ void StationRuns::Begin(const ObservationEpoch& epoch, const rtcm::StationDescri
     if (record.satellite.system == 'R') header.glonass_channels[record.satellite.number] = record.channel;
   }
   begin_ns_ = epoch.time_ns;
-  run_ = std::make_unique<HourRun>(settings, settings_.name, header, navigation, collector_, collector_);
+  run_ = std::make_unique<HourRun>(settings, settings_.name, header, navigation, *this, collector_);
+  if (!HourBridge::CanSpan(recent_, epoch.time_ns)) return recent_.Clear();
+  analysis::DetectorOptions options;
+  options.position = sky_.Position();
+  options.glonass_channels = header.glonass_channels;
+  bridge_ = std::make_unique<HourBridge>(options, navigation->broadcast, recent_, epoch.time_ns);
+}
+
+void StationRuns::Add(const analysis::Event& event) {
+  if (!bridge_ || !bridge_->Covers(event.time_ns)) collector_.Add(event);
 }
 
 void StationRuns::Add(ObservationEpoch& epoch) {
   collector_.AddEpoch(epoch.time_ns, static_cast<int>(epoch.satellites.size()));
   run_->Add(epoch);
+  recent_.Add(epoch);
+  if (!bridge_) return;
+  bridge_->Add(epoch, collector_);
+  if (bridge_->IsOver()) bridge_.reset();
 }
 
 void StationRuns::EndMinute() {
-  if (run_) run_->EndMinute(*book_.TakeNew(settings_.name));
+  if (!run_) return;
+  const auto more = book_.TakeNew(settings_.name);
+  run_->EndMinute(*more);
+  if (bridge_) bridge_->AddRecords(more->broadcast);
 }
 
 std::optional<Report> StationRuns::End() {
   if (!run_) return std::nullopt;
   const std::unique_ptr<HourRun> ended = std::move(run_);
-  return ended->Finish();
+  std::optional<Report> report = ended->Finish();
+  if (bridge_) bridge_->Finish(collector_);
+  bridge_.reset();
+  return report;
 }
 
 void StationRuns::Abandon(std::int64_t now_ns) {
   run_.reset();
+  bridge_.reset();
+  recent_.Clear();
   no_run_before_ns_ = now_ns + kPause_ns;
 }
 

@@ -26,6 +26,10 @@ endif()
 target_compile_options(orsolva_flags INTERFACE $<$<NOT:$<CONFIG:Release>>:
   -ffile-prefix-map=${PROJECT_SOURCE_DIR}=. -ffile-prefix-map=${PROJECT_BINARY_DIR}=./build>)
 
+# With these a compiler cache takes part in compiling with precompiled headers.
+set(ORSOLVA_PRECOMPILED_WITH_CACHE $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>
+  "$<$<CXX_COMPILER_ID:Clang>:SHELL:-Xclang -fno-pch-timestamp>")
+
 # Archives without times and owners: GNU's ar can be built to leave them out only on request.
 if(NOT DEFINED ORSOLVA_AR_IS_DETERMINISTIC)
   execute_process(COMMAND ${CMAKE_AR} --help OUTPUT_VARIABLE _help ERROR_VARIABLE _help)

@@ -23,7 +23,7 @@ STORIES = {
     "BERG00NOR": (60.4, 5.3, ("snr of 1C 3 dB lower", 40)),
     "CORK00IRL": (51.9, -8.5, ("new antenna, in the header", 35)),
     "DIJO00FRA": (47.3, 5.0, ("new antenna, not in the header", 45)),
-    "EVOR00PRT": (38.6, -7.9, ("snr 0.06 dB lower every day", 20)),
+    "EVOR00PRT": (38.6, -7.9, ("snr 0.08 dB lower every day", 30)),
     "FOGG00ITA": (41.5, 15.5, ("silent", 54)),
     "GDAN00POL": (54.4, 18.6, ("new firmware", 30)),
     "HELS00FIN": (60.2, 25.0, ("multipath twice as large", 38)),
@@ -50,7 +50,7 @@ def simulate_day(folder, station, day):
         return
     chance = random.Random(f"{station} {day}")
     swapped = event.startswith("new antenna")
-    snr = chance.gauss(0, 0.1) + 1.5 * swapped - 0.06 * (day - since) * event.startswith("snr 0.06")
+    snr = chance.gauss(0, 0.1) + 1.5 * swapped - 0.08 * (day - since) * event.startswith("snr 0.08")
     ratio = (1 + chance.gauss(0, 0.05)) * (0.6 if swapped else 2.0 if event.startswith("multipath") else 1.0)
     faults = [{"kind": "slip", "size": 1, "random": 1 + chance.randrange(3)}] if chance.random() < 0.3 else []
     if event.startswith("snr of 1C"):

@@ -31,7 +31,10 @@ AnalysisThread::~AnalysisThread() {
 void AnalysisThread::Work() noexcept {
   try {
     ObservationEpoch epoch;
-    while (queue_.Take(epoch)) run_->Add(epoch);
+    for (std::uint64_t taken = 0; queue_.Take(epoch); ++taken) {
+      TakeRecords(taken);
+      run_->Add(epoch);
+    }
     if (!queue_.Abandoned()) report_ = run_->Finish(std::move(changes_));
   } catch (...) {
     thrown_ = std::current_exception();
@@ -48,6 +51,21 @@ void AnalysisThread::Join() {
 void AnalysisThread::Add(ObservationEpoch& epoch) {
   if (!thread_.joinable()) return run_->Add(epoch);
   if (!queue_.Put(epoch)) Join();
+  ++put_;
+}
+
+void AnalysisThread::AddRecords(std::shared_ptr<const BroadcastRecords> records) {
+  if (!thread_.joinable()) return run_->AddRecords(*records);
+  const std::lock_guard<std::mutex> lock(records_mutex_);
+  records_.push_back({put_, std::move(records)});
+}
+
+/// Gives the analysis what was added before an epoch.
+void AnalysisThread::TakeRecords(std::uint64_t epoch) {
+  const std::lock_guard<std::mutex> lock(records_mutex_);
+  for (; !records_.empty() && records_.front().epoch <= epoch; records_.pop_front()) {
+    run_->AddRecords(*records_.front().records);
+  }
 }
 
 void AnalysisThread::End(std::vector<DescriptionChange> changes) {

@@ -3,13 +3,17 @@
 #ifndef ORSOLVA_JUDGING_ANALYSIS_THREAD_H
 #define ORSOLVA_JUDGING_ANALYSIS_THREAD_H
 
+#include <cstdint>
+#include <deque>
 #include <exception>
 #include <memory>
+#include <mutex>
 #include <thread>
 #include <vector>
 
 #include "host/judging/analysis_run.h"
 #include "host/judging/epoch_queue.h"
+#include "host/observation/broadcast_records.h"
 #include "host/observation/observation_epoch.h"
 #include "host/observation/station_description.h"
 #include "host/report/report.h"
@@ -31,6 +35,8 @@ class AnalysisThread {
   void Add(ObservationEpoch& epoch);
   /// The caller will be away for a few hundred epochs at a time only: fewer need to wait.
   void ExpectSmallBatches() { queue_.Limit(kBlocksOfSmallBatches); }
+  /// Gives records that count from the next epoch on. See StationAnalysis::AddRecords.
+  void AddRecords(std::shared_ptr<const BroadcastRecords> records);
   /// No epoch follows: the figures are computed while the caller goes on.
   /// @param changes  of antenna, receiver and marker within the data
   void End(std::vector<DescriptionChange> changes);
@@ -43,9 +49,18 @@ class AnalysisThread {
 
   void Work() noexcept;
   void Join();
+  void TakeRecords(std::uint64_t epoch);
+
+  struct Records {
+    std::uint64_t epoch = 0;  ///< before which they are given
+    std::shared_ptr<const BroadcastRecords> records;
+  };
 
   std::unique_ptr<AnalysisRun> run_;
   EpochQueue queue_;
+  std::uint64_t put_ = 0;  ///< epochs; of the caller
+  std::mutex records_mutex_;
+  std::deque<Records> records_;  ///< that no epoch needed yet
   // Of the thread until it is joined; changes_ is complete before the queue is closed.
   std::vector<DescriptionChange> changes_;
   AnalysisReport report_;

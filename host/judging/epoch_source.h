@@ -43,6 +43,9 @@ class EpochSource {
 
   /// Broadcast records that the data themselves hold, known before the first epoch; null when they hold none.
   virtual std::shared_ptr<const ReadNavigation> Navigation() const { return nullptr; }
+  /// Records that have come since the last call, for a source whose navigation arrives with its data: they
+  /// count from the epoch on that Next gave last.
+  virtual std::vector<std::shared_ptr<const ReadNavigation>> NewNavigation() { return {}; }
   /// Is given the records of navigation files before the first epoch that needs them: some formats give
   /// GLONASS phases only to those who know the channels.
   virtual void TakeChannels(const BroadcastRecords& /*records*/) {}

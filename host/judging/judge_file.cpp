@@ -10,6 +10,7 @@
 #include "host/judging/analysis_run.h"
 #include "host/judging/analysis_thread.h"
 #include "host/judging/epoch_batch.h"
+#include "host/judging/known_records.h"
 #include "host/judging/library_run.h"
 #include "host/judging/library_version.h"
 #include "host/judging/nominal_interval.h"
@@ -91,6 +92,8 @@ class Run {
   void StartAnalysis(const Time_gbt& first);
   void TakeNamed(SharedNavigation& named);
   void TakeNavigation(const Time_gbt& first);
+  void TakeFurther();
+  void Feed();
   void TakeEpoch(const Time_gbt& time);
   Report Finish();
   ReportRun Facts() const;
@@ -105,7 +108,10 @@ class Run {
   ObservationEpoch full_;
   std::shared_ptr<const ReadNavigation> named_;       ///< null when no file is named
   std::shared_ptr<const ReadNavigation> navigation_;  ///< named, or where no records are, those found
+  std::optional<KnownRecords> known_;                 ///< once records have come with the data
+  NavigationSet further_;                             ///< for the library, before the next batch
   LibraryRun library_;
+  bool library_started_ = false;
   NominalInterval interval_;
   std::optional<Time_gbt> first_, last_;
   std::uint64_t epochs_ = 0;
@@ -120,12 +126,20 @@ Report Run::Judged(SharedNavigation& named) {
   interval_ = ChooseInterval(settings_, source_, batch_.get(), batch_size_, diagnostics_);
   RequirePosition(settings_, source_);
   library_.Start(*navigation_, batch_[0].time, interval_.interval_s);
+  library_started_ = true;
   while (batch_size_ > 0) {
-    library_.Feed(batch_.get(), batch_size_);
+    Feed();
     if (!ended_ && library_.KnowsItsCodes()) ShrinkBatch();
     FillBatch();
   }
   return Finish();
+}
+
+/// Records that came within a batch count for all of it: how the batches lie does not depend on when they
+/// came.
+void Run::Feed() {
+  library_.AddNavigation(std::exchange(further_, {}));
+  library_.Feed(batch_.get(), batch_size_);
 }
 
 void Run::FillBatch() {
@@ -153,6 +167,7 @@ bool Run::ReadEpoch() {
   if (!source_.Next(batch_[batch_size_], full_)) return false;
   const Time_gbt& time = batch_[batch_size_].time;
   if (!analysis_) StartAnalysis(time);
+  TakeFurther();
   analysis_->Add(full_);
   TakeEpoch(time);
   return true;
@@ -160,6 +175,7 @@ bool Run::ReadEpoch() {
 
 void Run::StartAnalysis(const Time_gbt& first) {
   TakeNavigation(first);
+  TakeFurther();
   auto run =
       std::make_unique<AnalysisRun>(settings_, source_, navigation_->broadcast,
                                     named_ ? named_->precise : nullptr, observers_.events, observers_.series);
@@ -195,6 +211,20 @@ void Run::TakeNavigation(const Time_gbt& first) {
   navigation_ = ReadNavigationBeside(wanted, settings_.limits);
   diagnostics_.Append(navigation_->notices);
   source_.TakeChannels(navigation_->broadcast);
+}
+
+/// Records that came with the data, those before the first epoch among them.
+void Run::TakeFurther() {
+  for (const std::shared_ptr<const ReadNavigation>& more : source_.NewNavigation()) {
+    diagnostics_.Append(more->notices);
+    if (!known_) known_.emplace().New(*navigation_);
+    const ReadNavigation fresh = known_->New(*more);
+    navigation_ = Together(*navigation_, fresh);
+    source_.TakeChannels(fresh.broadcast);
+    if (!analysis_) continue;
+    analysis_->AddRecords(std::make_shared<BroadcastRecords>(fresh.broadcast));
+    if (library_started_) Append(fresh.set, further_);
+  }
 }
 
 void Run::TakeNamed(SharedNavigation& named) {

@@ -116,8 +116,20 @@ void LibraryRun::Start(const ReadNavigation& navigation, const Time_gbt& first, 
   orsolva::SetDetailObserver(session_.Handle(), observer_);
 }
 
+/// Records are added with a configuration: one without the computed position would have it computed again.
+void LibraryRun::KeepPosition() {
+  if (config_.enable_position || !orsolva::FactsOf(session_.Handle()).position_known) return;
+  const orsolva::Outcome<result_qct> result = session_.Result();
+  if (!result && result.status.Code() != StatusCode::kImplausible) return;
+  std::copy(std::begin(result->station_xyz), std::end(result->station_xyz), config_.position);
+  config_.enable_position = 1;
+}
+
 void LibraryRun::AddNavigation(const NavigationSet& set) {
-  if (set.Size() == 0 || !session_.Started()) return;
+  if (set.Size() == 0 || !coverage_) return;
+  coverage_->AddRecords(set);
+  if (!session_.Started()) return;
+  KeepPosition();
   InitialQc(set.Body(), &config_, session_.Handle());
 }
 

@@ -48,6 +48,7 @@ class LibraryRun {
   void Refuse(std::string id, std::string text);
   void RefuseNavigation(const char* found);
   void RefuseUnfed();
+  void KeepPosition();
   bool AnyCovered() const;
   bool Judge(Report& report);
 

@@ -43,6 +43,9 @@ class SelectedEpochs : public EpochSource {
   }
   std::string NothingFound() const override;
   std::shared_ptr<const ReadNavigation> Navigation() const override { return source_.Navigation(); }
+  std::vector<std::shared_ptr<const ReadNavigation>> NewNavigation() override {
+    return source_.NewNavigation();
+  }
   void TakeChannels(const BroadcastRecords& records) override { source_.TakeChannels(records); }
   std::vector<std::string> FilesOfSpan() const override { return source_.FilesOfSpan(); }
   std::optional<StreamFacts> Stream() const override { return source_.Stream(); }

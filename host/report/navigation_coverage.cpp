@@ -29,18 +29,24 @@ bool HasNoOrbit(const std::string& satellite) {
 }
 
 CoverageCounter::CoverageCounter(const NavigationSet& set, std::string_view systems) {
+  for (int slot = 0; slot < kSystems; ++slot) {
+    judged_[slot] = systems.find(kSystemTable[slot].letter) != std::string_view::npos;
+    for (int i = 0; i < kMaxSatellites; ++i)
+      satellites_[slot][i].row.satellite = SatelliteName(kSystemTable[slot].letter, i + 1);
+  }
+  AddRecords(set);
+}
+
+void CoverageCounter::AddRecords(const NavigationSet& set) {
   Take(kGps, set.gps);
   Take(kGlonass, set.glonass);
   Take(kBds, set.bds);
   Take(kGalileo, set.galileo);
   Take(kQzss, set.qzss);
-  for (int slot = 0; slot < kSystems; ++slot) {
-    judged_[slot] = systems.find(kSystemTable[slot].letter) != std::string_view::npos;
-    for (int i = 0; i < kMaxSatellites; ++i) {
-      Satellite& satellite = satellites_[slot][i];
+  for (auto& system : satellites_) {
+    for (Satellite& satellite : system) {
       std::sort(satellite.references.begin(), satellite.references.end(),
                 [](const Time_gbt& a, const Time_gbt& b) { return Difference(a, b) < 0; });
-      satellite.row.satellite = SatelliteName(kSystemTable[slot].letter, i + 1);
       satellite.row.records = satellite.references.size();
       if (satellite.references.empty()) continue;
       satellite.row.first_reference = satellite.references.front();

@@ -31,6 +31,8 @@ class CoverageCounter {
   /// @param systems  letters of the systems that are judged
   CoverageCounter(const NavigationSet& set, std::string_view systems);
 
+  /// Records that count from the next epoch on.
+  void AddRecords(const NavigationSet& set);
   /// Satellites of other systems are passed over.
   void Add(const ObsEpoch_QC_gbt& epoch);
 

@@ -193,6 +193,28 @@ class Checker:
         self._data.push_stream(stream())
         self._pass_detail()
 
+    def add_navigation(self, nav: NavigationLike) -> None:
+        """Adds broadcast records that were not there at the beginning: files, or what `read_nav` gives.
+
+        They count from the next epoch on; an epoch of which rows have been pushed is judged without them. Figures of the
+        library take them from the beginning of the batch on, the first of 2,880 epochs, later ones of 512. Records that are
+        known already are passed over, so that a file that grows may be given again and again. Records given before the
+        first epoch are as good as those given to the constructor.
+
+        Add records before the first epoch that they concern, and the figures are those of a run that had them from the
+        beginning. What comes later leaves satellites without elevation until then. A satellite that has no record before
+        the first epoch is not expected by the analysis when it is not observed; a run that has none at all stays without
+        orbits, and without the library's figures unless some come within its first batch.
+
+        Raises:
+            ArgumentError: for a wrong type, for None, and for precise orbits, which belong into the constructor
+            FileError: when a file cannot be read; nothing has been added
+            RunError: when the run has ended
+        """
+        if nav is None:
+            raise ArgumentError("nav: found None, expected files or what read_nav() gives")
+        self._data.add_navigation(navigation_of(nav, None))
+
     def report(self, *, progress: Progress | None = None) -> Report:
         """Ends the data and waits for the report; further calls return the same one.
 

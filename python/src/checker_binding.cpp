@@ -36,6 +36,8 @@ namespace {
 namespace nb = nanobind;
 using namespace orsolva_host;
 
+constexpr char kClosed[] = "the checker has given its report or was closed: make another one.";
+
 /// A run on a thread of its own, fed by calls. Calls from several threads wait for each other.
 class Checker {
  public:
@@ -55,6 +57,8 @@ class Checker {
 
   /// With Python's lock, which it gives up meanwhile. Ctrl-C ends the run: part of the rows may be missing.
   void Push(const PushedRows& rows);
+  /// Records for the epochs that have not begun.
+  void AddNavigation(std::shared_ptr<const ReadNavigation> records);
   std::shared_ptr<FinishedReport> Result(const nb::object& progress);
   void Stop();
   /// Keeps the detail of every batch, for TakeDetail.
@@ -124,7 +128,7 @@ void Checker::Push(const PushedRows& rows) {
     const nb::gil_scoped_release release;
     lock.lock();
     Begin();
-    if (closed_) throw RunError("the checker has given its report or was closed: make another one.");
+    if (closed_) throw RunError(kClosed);
     complete = epochs_.Add(rows);
   }
   try {
@@ -139,6 +143,12 @@ void Checker::Push(const PushedRows& rows) {
     source_.Queue().Abandon();
     throw;
   }
+}
+
+void Checker::AddNavigation(std::shared_ptr<const ReadNavigation> records) {
+  const std::lock_guard<std::mutex> lock(calls_);
+  if (closed_) throw RunError(kClosed);
+  source_.AddNavigation(epochs_.Begun(), std::move(records));
 }
 
 /// Looks for Ctrl-C while the judging is behind.
@@ -262,6 +272,14 @@ void BindChecker(nb::module_& module) {
            nb::arg("phase").none(), nb::arg("doppler").none(), nb::arg("snr").none(),
            nb::arg("loss_of_lock").none())
       .def("push_stream", PushStream, nb::arg("stream"))
+      .def(
+          "add_navigation",
+          [](Checker& self, const Navigation& navigation) {
+            std::shared_ptr<const ReadNavigation> records = RecordsOf(navigation);
+            const nb::gil_scoped_release release;
+            self.AddNavigation(std::move(records));
+          },
+          nb::arg("navigation"))
       .def("result", &Checker::Result, nb::arg("progress").none())
       .def("stop", &Checker::Stop, nb::call_guard<nb::gil_scoped_release>());
 }

@@ -166,6 +166,13 @@ Navigation MakeNavigation(const std::vector<std::string>& paths, std::uint64_t m
 
 }  // namespace
 
+ReadPtr RecordsOf(const Navigation& navigation) {
+  ReadPtr read = ReadOf(navigation);
+  if (read->precise)
+    throw ArgumentError("nav: precise orbits cannot be added, give them to Checker(nav=...)");
+  return read;
+}
+
 void BindNavigation(nb::module_& module) {
   nb::class_<Navigation>(module, "NavigationData", "Navigation files; orsolva.Navigation is the way to them.")
       .def_static("of_files", MakeNavigation, nb::arg("paths"), nb::arg("max_size"))

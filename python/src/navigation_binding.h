@@ -19,6 +19,11 @@ struct Navigation {
   std::shared_ptr<orsolva_host::SharedNavigation> shared;
 };
 
+/// Reads the files, unless that has been done.
+/// @throws FileError; ArgumentError when there are precise orbits, which a run has from its beginning or not
+/// at all
+std::shared_ptr<const orsolva_host::ReadNavigation> RecordsOf(const Navigation& navigation);
+
 void BindNavigation(nanobind::module_& module);
 
 }  // namespace orsolva_python

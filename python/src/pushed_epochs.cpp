@@ -169,6 +169,7 @@ std::vector<ObservationEpoch> PushedEpochs::Add(const PushedRows& rows) {
   Joiner joiner(rows, open_);
   for (std::size_t row = 0; row < count; ++row) joiner.Take(row);
   open_ = joiner.Open();
+  complete_ += joiner.complete.size();
   return std::move(joiner.complete);
 }
 

@@ -35,11 +35,14 @@ class PushedEpochs {
   /// @return the epochs that are complete
   /// @throws ArgumentError that names the row; nothing has been taken then
   std::vector<orsolva_host::ObservationEpoch> Add(const PushedRows& rows);
+  /// How many epochs have begun, the open one included.
+  std::uint64_t Begun() const { return complete_ + (open_ ? 1 : 0); }
   /// The epoch that is still open.
   std::optional<orsolva_host::ObservationEpoch> Last() { return std::move(open_); }
 
  private:
   std::optional<orsolva_host::ObservationEpoch> open_;
+  std::uint64_t complete_ = 0;
 };
 
 }  // namespace orsolva_python

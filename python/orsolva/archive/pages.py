@@ -181,8 +181,7 @@ def _series(key: Key, daily: Daily) -> dict[str, Any]:
 
 def _network_change(change: NetworkChange) -> dict[str, Any]:
     figure = BY_KEY[change.figure]
-    size = f"{change.size:+.{figure.digits}f} {figure.unit}".strip()
-    return {"day": _number(change.day), "figure": figure.title, "size": size, "stations": f"{change.stations} of {change.watched}"}
+    return {"day": _number(change.day), "figure": figure.title, "unit": figure.unit, "size": f"{change.size:+.{figure.digits}f}", "stations": f"{change.stations} of {change.watched}"}
 
 
 def _change(change: StationChange) -> dict[str, Any]:

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <memory>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -65,6 +66,43 @@ class DisturbedSource : public EpochSource {
   int epochs_left_;
   std::function<void()> disturb_;
 };
+
+/// A file with which records come before an epoch.
+class SourceWithRecords : public DisturbedSource {
+ public:
+  SourceWithRecords(const std::string& path, int epoch, std::shared_ptr<const ReadNavigation> records)
+      : DisturbedSource(path, epoch, [this] { come_ = true; }), records_(std::move(records)) {}
+  std::vector<std::shared_ptr<const ReadNavigation>> NewNavigation() override {
+    if (!std::exchange(come_, false)) return {};
+    return {records_};
+  }
+
+ private:
+  std::shared_ptr<const ReadNavigation> records_;
+  bool come_ = false;
+};
+
+TEST(AnalysisThread, TakesRecordsBeforeTheEpochThatTheyCameWith) {
+  const SimulatedFiles files;
+  SharedNavigation all({files.Path("nav.rnx")}, {});
+  const auto records = all.Get();
+  // Satellites with records from the beginning, and the same with one record each until the others come.
+  auto few = std::make_shared<ReadNavigation>(*records);
+  std::set<SatelliteId> seen;
+  std::erase_if(few->broadcast.kepler, [&](const auto& r) { return !seen.insert(r.satellite).second; });
+  std::string json[2], csv[2];
+  for (const bool own_thread : {false, true}) {
+    SourceWithRecords source(files.Path("a.rnx"), 40, records);
+    SharedNavigation navigation{std::shared_ptr<const ReadNavigation>(few)};
+    Diagnostics diagnostics;
+    ListedEvents events;
+    json[own_thread] = WriteJson(
+        JudgeEpochs(source, SettingsWith(own_thread), navigation, diagnostics, {nullptr, nullptr, &events}));
+    csv[own_thread] = events.text;
+  }
+  EXPECT_EQ(json[true], json[false]);
+  EXPECT_EQ(csv[true], csv[false]);
+}
 
 TEST(AnalysisThread, GivesTheReportAndTheEventsOfOneThread) {
   const SimulatedFiles files;

@@ -22,7 +22,8 @@ function make(name, attributes = {}, ...children) {
 
 const dayText = (day) => new Date(day * DAY).toISOString().slice(0, 10);
 const numberText = (value, digits) => (value === null || Number.isNaN(value) ? '-' : value.toFixed(digits));
-const withUnit = (text, unit) => (unit ? `${text} ${unit}` : text);
+// dB-Hz stays in one line.
+const withUnit = (text, unit) => (unit ? `${text} ${unit.replace('-', '\u2011')}` : text);
 const css = (name) => getComputedStyle(document.documentElement).getPropertyValue(name).trim();
 
 const redraw = [];
@@ -45,13 +46,15 @@ function begin() {
 
 /** A table with a caption; a cell is a text, a number with class, or an element. */
 function table(caption, heads, rows) {
+  const isNumber = (value) => typeof value === 'string' && /^-?[\d.]+$|^-$/.test(value);
+  const hasNumbers = (place) => place > 0 && rows.length > 0 && rows.every((row) => isNumber(row[place]));
   const cell = (value, place) => {
     if (place === 0) return make('th', { scope: 'row' }, value);
     if (typeof value !== 'string') return make('td', { class: { SPAN: 'short', UL: 'wide' }[value.tagName] ?? null }, value);
-    if (/^-?[\d.]+$|^-$/.test(value)) return make('td', { class: 'number' }, value);
+    if (isNumber(value)) return make('td', { class: 'number' }, value);
     return make('td', { class: value.length > 24 ? 'wide' : /^[\d-]+$/.test(value) ? 'short' : null }, value);
   };
-  return make('table', {}, make('caption', {}, caption), make('thead', {}, make('tr', {}, ...heads.map((head) => make('th', { scope: 'col' }, head)))),
+  return make('table', {}, make('caption', {}, make('span', {}, caption)), make('thead', {}, make('tr', {}, ...heads.map((head, place) => make('th', { scope: 'col', class: hasNumbers(place) ? 'number' : null }, head)))),
     make('tbody', {}, ...rows.map((row) => make('tr', {}, ...row.map(cell)))));
 }
 

@@ -124,7 +124,7 @@ function list() {
 /** Steps of many stations at the same time: their cause is none of the stations. */
 function together() {
   if (!data.changes.length) return null;
-  const rows = data.changes.map((change) => [dayText(change.day), change.figure, change.size, change.stations]);
+  const rows = data.changes.map((change) => [dayText(change.day), change.figure, withUnit(change.size, change.unit), change.stations]);
   return make('section', { 'aria-labelledby': 'together' }, make('h2', { id: 'together' }, 'Changes of the whole network'),
     make('div', { class: 'scroll high' }, table('Last ones first; their cause is not at the stations', ['Day', 'Figure', 'Median step', 'Stations'], rows)));
 }

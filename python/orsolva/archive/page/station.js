@@ -1,10 +1,10 @@
 // One station: series with changes and equipment, what changed, its files and events.
 const HEIGHT = 190, LEFT = 52, BOTTOM = 20, TOP = 8;
 
-/** Round steps for about four lines. */
+/** Round steps for three to seven lines. */
 function steps(low, high) {
-  const raw = (high - low) / 4, size = 10 ** Math.floor(Math.log10(raw)), step = [1, 2, 5, 10].map((one) => one * size).find((one) => one >= raw);
-  const lines = [];
+  const size = 10 ** Math.floor(Math.log10(high - low)), lines = [];
+  const step = [2, 1, 0.5, 0.2].map((one) => one * size).find((one) => Math.floor(high / one) - Math.ceil(low / one) >= 2) ?? size / 10;
   for (let value = Math.ceil(low / step) * step; value <= high + step / 1e6; value += step) lines.push(value);
   return lines;
 }

@@ -16,11 +16,11 @@ namespace {
 constexpr const char* kScript =
     "import sys\n"
     "try:\n"
-    "    from orsolva.archive.command import main\n"
+    "    from orsolva.archive.__main__ import program\n"
     "except ImportError as error:\n"
     "    sys.exit(f\"orsolva: archive needs more of Python ({error}). Install it: \"\n"
     "             f\"{sys.executable} -m pip install 'orsolva[archive]'\")\n"
-    "sys.exit(main(sys.argv[2:]))\n";
+    "program(sys.argv[2:])\n";
 
 }  // namespace
 

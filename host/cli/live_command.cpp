@@ -1,3 +1,4 @@
+#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <fstream>
@@ -16,6 +17,7 @@
 #include "host/judging/selection_texts.h"
 #include "host/live/live_service.h"
 #include "host/live/serving/live_server.h"
+#include "host/platform/platform.h"
 #include "host/rinex/civil_time.h"
 #include "host/terminal/interrupt.h"
 #include "host/terminal/standard_streams.h"
@@ -89,12 +91,15 @@ class EventLines {
       file_ << line << std::flush;
     } else {
       std::fwrite(line.data(), 1, line.size(), stdout);
-      std::fflush(stdout);
+      if (std::fflush(stdout) != 0 && IsOutputClosed()) nobody_reads_ = true;
     }
   }
+  /// Whether what reads standard output has gone, as after `| head -1`.
+  bool NobodyReads() const { return nobody_reads_; }
 
  private:
   std::ofstream file_;
+  std::atomic<bool> nobody_reads_{false};
 };
 
 int RunLive(const LiveRequest& request) {
@@ -117,7 +122,8 @@ int RunLive(const LiveRequest& request) {
   }
   LiveService service(settings, board, [&lines](const std::string& line) { lines.Write(line); });
   service.Start();
-  while (InterruptExitCode() == 0 && !service.Ended()) std::this_thread::sleep_for(kLook);
+  while (InterruptExitCode() == 0 && !service.Ended() && !lines.NobodyReads())
+    std::this_thread::sleep_for(kLook);
   service.Stop();
   for (const std::string& failure : service.Failures()) PrintError(failure);
   if (InterruptExitCode() != 0) return kGood;  // the usual end of a service

@@ -50,7 +50,9 @@ int main(int argc, char** argv) {
   KeepFreedMemory();
   PrepareStreams();
   const int exit_code = Run(argc, argv);
-  if (FlushStandardOutput() || exit_code != kGood) return exit_code;
+  if (FlushStandardOutput()) return exit_code;
+  if (IsOutputClosed()) return EndAsByClosedPipe();
+  if (exit_code != kGood) return exit_code;
   PrintError("standard output could not be written. Check the room on the disk and what reads it.");
   return kRunFailed;
 }

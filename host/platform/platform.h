@@ -34,6 +34,9 @@ void PrepareStreams();
 /// Makes writing to a closed pipe, or beyond the user's file size limit, fail instead of ending the program.
 void IgnoreSignalsOfWriting();
 
+/// Whether standard output is a pipe that nobody reads any more.
+bool IsOutputClosed();
+
 /// Ends the program as one that writes to a closed pipe ends, without a message: by the signal for it where
 /// there is one. @return the exit code where there is none
 int EndAsByClosedPipe();

@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <glob.h>
+#include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
@@ -98,6 +99,11 @@ void PrepareStreams() {
 void IgnoreSignalsOfWriting() {
   std::signal(SIGPIPE, SIG_IGN);
   std::signal(SIGXFSZ, SIG_IGN);
+}
+
+bool IsOutputClosed() {
+  pollfd output = {STDOUT_FILENO, 0, 0};
+  return poll(&output, 1, 0) == 1 && (output.revents & POLLERR) != 0;
 }
 
 int EndAsByClosedPipe() {

@@ -97,6 +97,8 @@ void PrepareStreams() {
 // Such writes fail on Windows anyway.
 void IgnoreSignalsOfWriting() {}
 
+bool IsOutputClosed() { return false; }
+
 int EndAsByClosedPipe() { return 1; }
 
 void KeepFreedMemory() {}

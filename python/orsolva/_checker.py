@@ -197,7 +197,7 @@ class Checker:
         """Adds broadcast records that were not there at the beginning: files, or what `read_nav` gives.
 
         They count from the next epoch on; an epoch of which rows have been pushed is judged without them. Figures of the
-        library take them from the beginning of the batch on, the first of 2,880 epochs, later ones of 512. Records that are
+        library take them from the beginning of the batch on, the first of 2,880 epochs, later ones of 720. Records that are
         known already are passed over, so that a file that grows may be given again and again. Records given before the
         first epoch are as good as those given to the constructor.
 

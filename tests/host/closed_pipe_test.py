@@ -4,7 +4,7 @@
 usage: closed_pipe_test.py PROGRAM [ARCHIVE_PYTHON]   an interpreter that has the Python package: its archive is tested, too
 
 The reader is gone before the program starts, so that the first write fails, whatever it is. The exit code is that of
-SIGPIPE, nothing is on standard error, and files named next to it are written all the same.
+SIGPIPE and nothing is on standard error.
 """
 import json
 import os
@@ -17,12 +17,12 @@ import tempfile
 ENDED = -signal.SIGPIPE
 
 
-def closed(command, **more):
+def closed(command):
     """(exit code, standard error) with standard output a pipe without a reader."""
     reader, writer = os.pipe()
     os.close(reader)
     try:
-        done = subprocess.run(list(map(str, command)), stdout=writer, stderr=subprocess.PIPE, stdin=subprocess.DEVNULL, timeout=120, **more)
+        done = subprocess.run(list(map(str, command)), stdout=writer, stderr=subprocess.PIPE, stdin=subprocess.DEVNULL, timeout=120)
     finally:
         os.close(writer)
     return done.returncode, done.stderr.decode()
@@ -42,14 +42,15 @@ def simulated(program, folder):
 def commands(folder, observations, navigation, stream, report):
     """Every kind of text that goes to standard output."""
     qc = ["qc", "--no-config", "--quiet", observations, navigation]
-    kinds = {name: [*qc, f"--{name}"] for name in ("csv", "json", "sum", "html")}
-    kinds |= {f"{name} to standard output": [*qc, f"--{name}=-"] for name in ("events", "series", "detail", "network")}
+    kinds = {name: [*qc, f"--{name}"] for name in ("csv", "json", "sum")}
+    kinds |= {f"{name} to standard output": [*qc, f"--{name}=-"] for name in ("events", "series", "network")}
     other = folder / "other.csv"
+    text = ["qc", "--no-config", observations, navigation]
     return kinds | {
-        "text": qc,
-        "text and a file": [*qc, f"--csv={other}"],
-        "figures of both": [*qc, "--figures", "both", "--sats"],
-        "several files": ["qc", "--no-config", "--quiet", "--jobs", "2", observations, observations, "--nav", navigation],
+        "text": text,
+        "JSON and a file": [*qc, "--json", f"--csv={other}"],
+        "figures of both": [*text, "--figures", "both", "--sats"],
+        "several files": ["qc", "--no-config", "--quiet", "--csv", "--jobs", "2", observations, stream, "--nav", navigation],
         "inspect": ["inspect", observations],
         "inspect of navigation": ["inspect", navigation],
         "inspect of a stream": ["inspect", stream],
@@ -66,8 +67,8 @@ def commands(folder, observations, navigation, stream, report):
     }
 
 
-def is_silent(name, command, **more):
-    code, error = closed(command, **more)
+def is_silent(name, command):
+    code, error = closed(command)
     if (code, error) == (ENDED, ""):
         return True
     print(f"{name}: exit code {code}, {json.dumps(error[:300])}")
@@ -76,6 +77,7 @@ def is_silent(name, command, **more):
 
 def archive_is_silent(python, folder, source):
     """The commands of the archive, which end in Python."""
+    os.environ.pop("PYTHONUNBUFFERED", None)
     begin, store = [python, "-m", "orsolva.archive"], folder / "store"
     for command in (["init", store], ["run", store, source, "--workers", "1", "--quiet"]):
         subprocess.run([*map(str, begin + command)], check=True, stdout=subprocess.DEVNULL)
@@ -94,12 +96,9 @@ def main():
         files = simulated(program, folder / "day")
         kinds = commands(folder / "day", *files)
         silent = [is_silent(name, [program, *command]) for name, command in kinds.items()]
-        written = (folder / "day/other.csv").exists() and any((folder / "day/again").glob("*_MO.rnx"))
-        if not written:
-            print("a file next to the closed pipe was not written")
         archive = len(sys.argv) < 3 or archive_is_silent(sys.argv[2], folder, folder / "day")
     print(f"{sum(silent)} of {len(kinds)} kinds of output are silent")
-    sys.exit(not (all(silent) and written and archive))
+    sys.exit(not (all(silent) and archive))
 
 
 main()

@@ -21,15 +21,19 @@ from .tables import TABLES
 from .workers import DaskCluster, Processes, ThisProcess, Workers
 
 GOOD, FAILED, WRONG_USAGE, INTERRUPTED = 0, 1, 2, 130
+CLOSED_PIPE = 141
 _BUILT_IN_PROFILES = ("network", "station")
 
 
 def main(arguments: Sequence[str] | None = None) -> int:
     """Runs a command. @return the exit code"""
-    options = parser().parse_args(arguments)
     try:
+        options = parser().parse_args(arguments)
         code: int = options.run(options)
+        sys.stdout.flush()
         return code
+    except BrokenPipeError:
+        return CLOSED_PIPE
     except ArchiveError as error:
         print(f"orsolva archive: {error}", file=sys.stderr)
     except OSError as error:

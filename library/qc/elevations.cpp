@@ -49,6 +49,16 @@ bool QcEleList::AboveCutoff(const Time_gbt& t) {
   return AboveLimit(bracket, t, Interpolate(bracket, t), mask_);
 }
 
+bool QcEleList::ClearUntil(const Time_gbt& t, bool& above, Time_gbt& until) {
+  SampleBracket bracket;
+  if (!samples_.Bracket(t, bracket)) return false;
+  const double least = std::fmin(bracket.ElevationBefore, bracket.ElevationAfter);
+  const double greatest = std::fmax(bracket.ElevationBefore, bracket.ElevationAfter);
+  above = least > mask_ + kClearMargin;
+  until = bracket.TimeAfter;
+  return above || greatest < mask_ - kClearMargin;
+}
+
 // The samples on either side of a time are clearly below the cut-off with it.
 double QcEleList::BelowCutoffFor(const Time_gbt& t) const {
   return view_.BelowFor(satellite_, t, mask_ - kClearMargin, static_cast<double>(kSampleStep));

@@ -36,6 +36,11 @@ class QcEleList {
   /// The cut-off flag at any time: from the samples where they bracket it, else from the exact elevation.
   bool AboveCutoff(const Time_gbt& t);
 
+  /// Whether the samples around `t` are clearly on one side of the cut-off.
+  /// @param above  which side
+  /// @param until  the later of them: up to there the cut-off flag is the same
+  bool ClearUntil(const Time_gbt& t, bool& above, Time_gbt& until);
+
   /// For how long from `t` on the cut-off flag certainly stays clear, s; 0 when nothing is known.
   double BelowCutoffFor(const Time_gbt& t) const;
 

@@ -32,7 +32,38 @@ NominalGap::NominalGap(const Time_gbt& last, const Time_gbt& current, double int
 
 std::uint64_t NominalGap::CountAboveCutoff() const {
   if (!(interval_ > 0.0) || !(gap_s_ > interval_ / 2.0) || !(gap_s_ < kLongestGap)) return 0;
-  return gap_s_ / interval_ <= kLiteralSteps ? CountOneByOne() : CountRuns();
+  if (!(gap_s_ / interval_ <= kLiteralSteps)) return CountRuns();
+  return IsWhole() ? CountBetweenSamples() : CountOneByOne();
+}
+
+// Whether repeated addition of the interval never rounds.
+bool NominalGap::IsWhole() const { return last_.sec == 0.0 && interval_ == std::floor(interval_); }
+
+std::uint64_t NominalGap::CountBetweenSamples() const {
+  std::int64_t steps = Steps(gap_s_, interval_);
+  while (steps > 0 && !(TimeDifference(current_, WholeNominal(steps)) > interval_ / 2.0)) --steps;
+  std::uint64_t count = 0;
+  for (std::int64_t k = 1; k <= steps;) {
+    bool above = false;
+    Time_gbt until{};
+    if (elevations_.ClearUntil(WholeNominal(k), above, until)) {
+      const std::int64_t end = std::min(steps, k + Steps(TimeDifference(until, WholeNominal(k)), interval_));
+      if (above) count += static_cast<std::uint64_t>(end - k + 1);
+      k = end + 1;
+      continue;
+    }
+    above = elevations_.AboveCutoff(WholeNominal(k));
+    if (above) ++count;
+    const bool pays = !above && static_cast<double>(steps - k) > kLeastSteps;
+    const double below_for = pays ? elevations_.BelowCutoffFor(WholeNominal(k)) : 0.0;
+    // Checked again at the first nominal epoch that is not earlier than that.
+    k += std::max<std::int64_t>(1, static_cast<std::int64_t>(std::ceil(below_for / interval_)));
+  }
+  return count;
+}
+
+Time_gbt NominalGap::WholeNominal(std::int64_t k) const {
+  return {last_.time + k * static_cast<std::int64_t>(interval_), 0.0};
 }
 
 std::uint64_t NominalGap::CountOneByOne() const {

@@ -16,12 +16,13 @@ namespace orsolva {
 
 /// Nominal epochs strictly between two epochs, and how many of them are above the cut-off.
 ///
-/// Up to kLiteralSteps nominal epochs are visited one by one. In a longer gap the flag is checked once per
-/// minute where broadcast records cover the satellite (every second close to the cut-off, where a satellite
-/// may graze it) and at both ends of spans where none do; between two checks it changes at most once, and the
-/// step at which it does is found by halving. So neither a tiny interval nor a gap of years makes the count
-/// long. In a long gap the nominal epochs are last + k * interval in one product, which differs from repeated
-/// addition by rounding only. Gaps count at most 2^52 nominal epochs.
+/// Up to kLiteralSteps nominal epochs are visited one by one, or where they are whole seconds all at once
+/// that lie between two samples of the elevation on one side of the cut-off. In a longer gap the flag is
+/// checked once per minute where broadcast records cover the satellite (every second close to the cut-off,
+/// where a satellite may graze it) and at both ends of spans where none do; between two checks it changes at
+/// most once, and the step at which it does is found by halving. So neither a tiny interval nor a gap of
+/// years makes the count long. In a long gap the nominal epochs are last + k * interval in one product, which
+/// differs from repeated addition by rounding only. Gaps count at most 2^52 nominal epochs.
 ///
 /// Nominal epochs at which the satellite cannot have risen to the cut-off yet, because it does not move fast
 /// enough, are not checked: they count nothing either way.
@@ -36,6 +37,9 @@ class NominalGap {
 
  private:
   std::uint64_t CountOneByOne() const;
+  bool IsWhole() const;
+  std::uint64_t CountBetweenSamples() const;
+  Time_gbt WholeNominal(std::int64_t k) const;
   std::uint64_t CountRuns() const;
   std::uint64_t CountRun(std::int64_t first, std::int64_t last) const;
   std::uint64_t CountMonotone(std::int64_t first, std::int64_t last) const;

@@ -87,6 +87,32 @@ TEST(NominalGap, CountsAsTheLiteralWalkDoesInEverySystem) {
   EXPECT_GT(total, 100000U);
 }
 
+// Of whole seconds and others, with batches that begin between two seconds, through rise and set.
+TEST(NominalGap, CountsShortGapsAsTheLiteralWalkDoes) {
+  const Ephemeris whole_day = sky::Store(sky::Records(0.0, 86400.0));
+  const Ephemeris with_gap = sky::Store(sky::Records(0.0, 86400.0, 36000.0));
+  std::uint64_t total = 0, all = 0;
+  for (const Ephemeris* ephemeris : {&whole_day, &with_gap}) {
+    for (int prn = 1; prn <= 30; prn += 7) {
+      for (const double fraction : {0.0, 0.5}) {
+        QcEleList list = Opened(*ephemeris, prn, At(2.0 * fraction), At(86400.0));
+        for (double from = 10.0; from < 80000.0; from += 231.0) {
+          for (const double interval : {1.0, 7.0, 30.0, 0.5}) {
+            const Time_gbt last = At(from + fraction), current = At(from + 230.5);
+            const std::uint64_t counted = NominalGap(last, current, interval, list).CountAboveCutoff();
+            ASSERT_EQ(counted, Literal(last, current, interval, list))
+                << prn << " " << from << " " << interval;
+            total += counted;
+            all += static_cast<std::uint64_t>(230.0 / interval);
+          }
+        }
+      }
+    }
+  }
+  EXPECT_GT(total, all / 10);
+  EXPECT_LT(total, all - all / 10);
+}
+
 TEST(NominalGap, IsEmptyBelowOneAndAHalfIntervals) {
   const Ephemeris ephemeris = sky::Store(sky::Records(0.0, 86400.0));
   for (int prn = 1; prn <= 30; ++prn) {

@@ -20,6 +20,11 @@ if(ORSOLVA_SANITIZE)
   target_compile_options(orsolva_flags INTERFACE
     $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-maybe-uninitialized>)
   target_link_options(orsolva_flags INTERFACE -fsanitize=${_sanitizers})
+  # A fuzz target is led by what it reaches of the product. Code of tests does not count its edges.
+  if("fuzzer-no-link" IN_LIST ORSOLVA_SANITIZE)
+    target_compile_options(orsolva_flags INTERFACE
+      $<$<BOOL:$<TARGET_PROPERTY:ORSOLVA_TEST_CODE>>:-fno-sanitize=fuzzer-no-link>)
+  endif()
 endif()
 
 # Debug information names sources relative to the project, so that the folder of a build leaves no trace in it.

@@ -1,5 +1,5 @@
 # Sourced by run: steps in chains that run at the same time, and a table of what they took.
-# $logs is the folder of what each step said.
+# $logs is the folder of what each step said, $scratch that of temporary files.
 
 file_of() { printf '%s/%s' "$logs" "${1//[^A-Za-z0-9+]/-}"; }
 
@@ -39,11 +39,11 @@ after() {
 # chain FUNCTION  starts a chain of steps next to the others, with a folder of its own for temporary files
 chains=()
 chain() {
-  mkdir -p "$logs/tmp/$1"
+  mkdir -p "$scratch/$1"
   set -m  # a process group each, in which signals have their ordinary effect
   (
     set +m
-    export TMPDIR=$logs/tmp/$1
+    export TMPDIR=$scratch/$1
     "$1"
   ) &
   chains+=("$!")

@@ -88,6 +88,7 @@ const std::vector<ProofEntry>& AllProofs() {
       {"detected-slips", ProveDetectedSlips},
       {"detected-clocks", ProveDetectedClocks},
       {"counted-epochs", ProveCountedEpochs},
+      {"tracking", ProveTracking},
       {"code-figures", ProveCodeFigures},
       {"receiver-figures", ProveReceiverFigures},
       {"signal-figures", ProveSignalFigures},

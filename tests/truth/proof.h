@@ -77,6 +77,7 @@ void ProveLaws(bool long_form, Proof& proof);
 void ProveDetectedSlips(bool long_form, Proof& proof);
 void ProveDetectedClocks(bool long_form, Proof& proof);
 void ProveCountedEpochs(bool long_form, Proof& proof);
+void ProveTracking(bool long_form, Proof& proof);
 void ProveCodeFigures(bool long_form, Proof& proof);
 void ProveReceiverFigures(bool long_form, Proof& proof);
 void ProveSignalFigures(bool long_form, Proof& proof);

@@ -41,6 +41,7 @@ TEST(Truth, LawsHoldOnTroubledSkies) { Hold("laws", 800); }
 TEST(Truth, DetectorFindsInjectedSlipsAndNoOthers) { Hold("detected-slips", 30); }
 TEST(Truth, DetectorNamesClocksGlitchesAndFlagsAndNoSlips) { Hold("detected-clocks", 20); }
 TEST(Truth, AnalysisCountsEpochsGapsAndCompletenessExactly) { Hold("counted-epochs", 1500); }
+TEST(Truth, AnalysisFindsArcsAndInterruptionsByCause) { Hold("tracking", 1000); }
 TEST(Truth, CodeFiguresAreTheInjectedNoiseAndMultipath) { Hold("code-figures", 150); }
 TEST(Truth, PositionAndReceiverClockAreTheInjectedOnes) { Hold("receiver-figures", 45); }
 TEST(Truth, StrengthPhaseNoiseAndIonosphericRateAreTheInjectedOnes) { Hold("signal-figures", 150); }

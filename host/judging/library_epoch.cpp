@@ -1,6 +1,8 @@
 #include "host/judging/library_epoch.h"
 
+#include <array>
 #include <cmath>
+#include <cstddef>
 #include <cstring>
 #include <string_view>
 
@@ -14,10 +16,39 @@ constexpr double kCurrentVersion = 4;  // of the names of signals
 
 double OrZero(double value) { return std::isnan(value) ? 0 : value; }
 
+int NumberOf(int slot, SignalCode code) {
+  const char name[] = {code.band, code.attribute};
+  return SignalNumber(kSystemTable[slot].code, std::string_view(name, sizeof name), kCurrentVersion);
+}
+
+/// Numbers of signals by system, band and attribute: no table is searched for every observation.
+class SignalNumbers {
+ public:
+  SignalNumbers() {
+    for (int slot = 0; slot < kSystems; ++slot) {
+      for (char band = '0'; band <= '9'; ++band) {
+        for (char attribute = 'A'; attribute <= 'Z'; ++attribute) {
+          numbers_[static_cast<std::size_t>(slot)][static_cast<std::size_t>(band - '0')]
+                  [static_cast<std::size_t>(attribute - 'A')] = NumberOf(slot, {band, attribute});
+        }
+      }
+    }
+  }
+  int Of(int slot, SignalCode code) const {
+    if (code.band < '0' || code.band > '9' || code.attribute < 'A' || code.attribute > 'Z')
+      return NumberOf(slot, code);
+    return numbers_[static_cast<std::size_t>(slot)][static_cast<std::size_t>(code.band - '0')]
+                   [static_cast<std::size_t>(code.attribute - 'A')];
+  }
+
+ private:
+  std::array<std::array<std::array<int, 26>, 10>, kSystems> numbers_;
+};
+
 /// @return false when there is no place for the signal
-bool AddSignal(const SignalObservation& signal, const SystemRow& system, Satellite_gbt& satellite) {
-  const char name[] = {signal.code.band, signal.code.attribute};
-  const int number = SignalNumber(system.code, std::string_view(name, sizeof name), kCurrentVersion);
+bool AddSignal(const SignalObservation& signal, int slot, Satellite_gbt& satellite) {
+  static const SignalNumbers numbers;
+  const int number = numbers.Of(slot, signal.code);
   if (number == 0) return true;
   if (satellite.signal_num >= ORSOLVA_MAX_SIGNALS) return false;
   Signal_QC_gbt& to = satellite.signals[satellite.signal_num++];
@@ -50,7 +81,7 @@ void FillLibraryEpoch(const ObservationEpoch& epoch, const std::string& name, Di
     satellite.sys = static_cast<std::uint8_t>(kSystemTable[slot].code);
     satellite.prn = from.id.number;
     for (std::size_t i = 0; i < from.signal_count; ++i) {
-      if (AddSignal(epoch.signals[from.first_signal + i], kSystemTable[slot], satellite)) continue;
+      if (AddSignal(epoch.signals[from.first_signal + i], slot, satellite)) continue;
       diagnostics.Add(name, 0, "more than 8 signals of a satellite; the rest are ignored", false);
       break;
     }

@@ -4,7 +4,7 @@
 
 namespace orsolva_host::rtcm {
 
-std::uint64_t BitReader::Unsigned(int bits) {
+std::uint64_t BitReader::UnsignedByBytes(int bits) {
   if (static_cast<std::size_t>(bits) > BitsLeft()) {
     overrun_ = true;
     position_ = bytes_.size() * 8;
@@ -20,12 +20,6 @@ std::uint64_t BitReader::Unsigned(int bits) {
     bits -= take;
   }
   return value;
-}
-
-std::int64_t BitReader::Signed(int bits) {
-  const std::uint64_t value = Unsigned(bits);
-  const std::uint64_t sign = std::uint64_t{1} << (bits - 1);
-  return static_cast<std::int64_t>((value ^ sign) - sign);
 }
 
 std::int64_t BitReader::SignMagnitude(int bits) {

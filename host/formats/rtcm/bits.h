@@ -16,9 +16,24 @@ class BitReader {
   explicit BitReader(std::string_view bytes) : bytes_(bytes) {}
 
   /// @param bits  0 to 64
-  std::uint64_t Unsigned(int bits);
+  std::uint64_t Unsigned(int bits) {
+    // Eight bytes at once hold a field of up to 57 bits, wherever in a byte it begins.
+    const std::size_t first = position_ >> 3;
+    if (bits < 1 || bits > 57 || first + sizeof(std::uint64_t) > bytes_.size()) return UnsignedByBytes(bits);
+    std::uint64_t word = 0;
+    for (std::size_t i = 0; i < sizeof word; ++i) {
+      word = word << 8 | static_cast<unsigned char>(bytes_[first + i]);
+    }
+    const auto used = static_cast<int>(position_ & 7);
+    position_ += static_cast<std::size_t>(bits);
+    return word << used >> (64 - bits);
+  }
   /// Two's complement.
-  std::int64_t Signed(int bits);
+  std::int64_t Signed(int bits) {
+    const std::uint64_t value = Unsigned(bits);
+    const std::uint64_t sign = std::uint64_t{1} << (bits - 1);
+    return static_cast<std::int64_t>((value ^ sign) - sign);
+  }
   /// A sign bit, then the magnitude (intS of the standard, GLONASS).
   std::int64_t SignMagnitude(int bits);
 
@@ -26,6 +41,8 @@ class BitReader {
   bool Overrun() const { return overrun_; }
 
  private:
+  std::uint64_t UnsignedByBytes(int bits);
+
   std::string_view bytes_;
   std::size_t position_ = 0;
   bool overrun_ = false;

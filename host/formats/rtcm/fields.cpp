@@ -2,12 +2,6 @@
 
 namespace orsolva_host::rtcm {
 
-std::int64_t ReadField(BitReader& bits, int width, FieldKind kind) {
-  if (kind == FieldKind::kSigned) return bits.Signed(width);
-  if (kind == FieldKind::kSignMagnitude) return bits.SignMagnitude(width);
-  return static_cast<std::int64_t>(bits.Unsigned(width));
-}
-
 void WriteField(BitWriter& bits, std::int64_t value, int width, FieldKind kind) {
   if (kind == FieldKind::kSignMagnitude) return bits.SignMagnitude(value, width);
   bits.Signed(value, width);

@@ -31,7 +31,11 @@ constexpr double Power2(int exponent) {
   return value;
 }
 
-std::int64_t ReadField(BitReader& bits, int width, FieldKind kind);
+inline std::int64_t ReadField(BitReader& bits, int width, FieldKind kind) {
+  if (kind == FieldKind::kSigned) return bits.Signed(width);
+  if (kind == FieldKind::kSignMagnitude) return bits.SignMagnitude(width);
+  return static_cast<std::int64_t>(bits.Unsigned(width));
+}
 void WriteField(BitWriter& bits, std::int64_t value, int width, FieldKind kind);
 
 /// Reads every row into values[row.term].

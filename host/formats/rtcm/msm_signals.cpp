@@ -1,5 +1,8 @@
 #include "host/formats/rtcm/msm_signals.h"
 
+#include <array>
+#include <cstddef>
+
 namespace orsolva_host::rtcm {
 namespace {
 
@@ -39,6 +42,21 @@ constexpr SignalRow kSignalTable[] = {
     {'I', 8, {'9', 'A'}},  {'I', 22, {'5', 'A'}},
 };
 
+constexpr int kPlaces = 33;
+constexpr int kLetters = 26;
+using CodesByPlace = std::array<std::array<SignalCode, kPlaces>, kLetters>;
+
+/// The same rows by letter and place; a band of 0 where there is none.
+constexpr CodesByPlace ByPlace() {
+  CodesByPlace codes = {};
+  for (auto& row : codes) row.fill({'\0', '\0'});
+  for (const SignalRow& row : kSignalTable) {
+    codes[static_cast<std::size_t>(row.system - 'A')][static_cast<std::size_t>(row.place)] = row.code;
+  }
+  return codes;
+}
+constexpr CodesByPlace kCodesByPlace = ByPlace();
+
 struct SatelliteRow {
   char system;
   int places;
@@ -51,10 +69,10 @@ constexpr SatelliteRow kSatelliteTable[] = {{'G', 63, 0}, {'R', 63, 0}, {'E', 50
 }  // namespace
 
 std::optional<SignalCode> MsmSignal(char system, int place) {
-  for (const SignalRow& row : kSignalTable) {
-    if (row.system == system && row.place == place) return row.code;
-  }
-  return std::nullopt;
+  if (system < 'A' || system > 'Z' || place < 0 || place >= kPlaces) return std::nullopt;
+  const SignalCode code =
+      kCodesByPlace[static_cast<std::size_t>(system - 'A')][static_cast<std::size_t>(place)];
+  return code.band == '\0' ? std::nullopt : std::optional(code);
 }
 
 int MsmPlace(char system, SignalCode code) {

@@ -1,6 +1,8 @@
 #include "host/formats/rtcm/signal_decoder.h"
 
+#include <array>
 #include <cmath>
+#include <cstddef>
 
 #include "host/formats/rtcm/msm_signals.h"
 #include "host/observation/carriers.h"
@@ -16,21 +18,49 @@ constexpr std::int64_t kInvalidRough_ms = 255;
 constexpr std::int64_t kLongestCompletion_ns = 100 * kNanosecondsPerSecond;
 constexpr int kUnknownChannel = 14;  // DF419: 14 is reserved, 15 not known
 
-/// The value of a cell's field in its unit; absent when the kind has none or it is marked invalid.
+/// The column of a field in messages of a kind; null when it has none.
 template <class Row>
-std::optional<double> Scaled(std::span<const MsmColumn<Row>> columns, int kind, const Row& row,
-                             std::int32_t Row::*member) {
+const MsmColumn<Row>* ColumnOf(std::span<const MsmColumn<Row>> columns, int kind, std::int32_t Row::*member) {
   for (const MsmColumn<Row>& column : columns) {
-    if (column.member != member || !column.In(kind)) continue;
-    if (row.*member == column.invalid) return std::nullopt;
-    return row.*member * column.scale;
+    if (column.member == member && column.In(kind)) return &column;
   }
-  return std::nullopt;
+  return nullptr;
+}
+
+/// The columns that observations are made of.
+struct KindColumns {
+  explicit KindColumns(int kind)
+      : range(ColumnOf(MsmCellColumns(), kind, &MsmCell::range)),
+        phase(ColumnOf(MsmCellColumns(), kind, &MsmCell::phase)),
+        strength(ColumnOf(MsmCellColumns(), kind, &MsmCell::strength)),
+        rate(ColumnOf(MsmCellColumns(), kind, &MsmCell::rate)),
+        rough_rate(ColumnOf(MsmSatelliteColumns(), kind, &MsmSatellite::rough_rate)) {}
+
+  const MsmColumn<MsmCell>* range;
+  const MsmColumn<MsmCell>* phase;
+  const MsmColumn<MsmCell>* strength;
+  const MsmColumn<MsmCell>* rate;
+  const MsmColumn<MsmSatellite>* rough_rate;
+};
+
+/// @param kind  1 to 7
+const KindColumns& ColumnsOf(int kind) {
+  static const std::array<KindColumns, 8> columns = {KindColumns(0), KindColumns(1), KindColumns(2),
+                                                     KindColumns(3), KindColumns(4), KindColumns(5),
+                                                     KindColumns(6), KindColumns(7)};
+  return columns[static_cast<std::size_t>(kind)];
+}
+
+/// The value of a field in its unit; absent when the kind has none or it is marked invalid.
+template <class Row>
+std::optional<double> Scaled(const MsmColumn<Row>* column, const Row& row) {
+  if (column == nullptr || row.*column->member == column->invalid) return std::nullopt;
+  return row.*column->member * column->scale;
 }
 
 /// A field of range or phase in steps of 2^-31 ms.
-std::optional<std::int64_t> Steps(int kind, const MsmCell& cell, std::int32_t MsmCell::*member) {
-  const std::optional<double> milliseconds = Scaled(MsmCellColumns(), kind, cell, member);
+std::optional<std::int64_t> Steps(const MsmColumn<MsmCell>* column, const MsmCell& cell) {
+  const std::optional<double> milliseconds = Scaled(column, cell);
   if (!milliseconds) return std::nullopt;
   return static_cast<std::int64_t>(*milliseconds / kStep_ms);
 }
@@ -115,6 +145,7 @@ void SignalDecoder::AddCells(const MsmMessage& message, std::size_t satellite, E
 ReceivedSignal SignalDecoder::SignalOf(const MsmMessage& message, const MsmCell& cell, SatelliteId id,
                                        SignalCode code, std::optional<std::int64_t> rough) {
   const int kind = message.type.kind;
+  const KindColumns& columns = ColumnsOf(kind);
   ReceivedSignal signal;
   signal.satellite = id;
   signal.family = kind >= 6 ? Family::kFineMsm : Family::kCoarseMsm;
@@ -122,8 +153,8 @@ ReceivedSignal SignalDecoder::SignalOf(const MsmMessage& message, const MsmCell&
   signal.lock = kind >= 6 ? LockTimeOf10Bits(cell.lock) : LockTimeOf4Bits(cell.lock);
   SignalObservation& o = signal.observation;
   o.code = code;
-  const std::optional<std::int64_t> range = Steps(kind, cell, &MsmCell::range);
-  const std::optional<std::int64_t> phase = Steps(kind, cell, &MsmCell::phase);
+  const std::optional<std::int64_t> range = Steps(columns.range, cell);
+  const std::optional<std::int64_t> phase = Steps(columns.phase, cell);
   if (rough && range) o.pseudorange_m = static_cast<double>(*rough + *range) * kStep_ms * kLightMillisecond_m;
   if (rough && phase && signal.carrier_hz > 0) {
     o.phase_cycles = static_cast<double>(*rough + *phase) * kStep_ms * (signal.carrier_hz / 1000);
@@ -131,13 +162,13 @@ ReceivedSignal SignalDecoder::SignalOf(const MsmMessage& message, const MsmCell&
   }
   if (phase && signal.carrier_hz == 0) ++counts_.phases_without_channel;
   const MsmSatellite& satellite = message.satellites[static_cast<std::size_t>(cell.satellite)];
-  const auto rough_rate = Scaled(MsmSatelliteColumns(), kind, satellite, &MsmSatellite::rough_rate);
-  const auto rate = Scaled(MsmCellColumns(), kind, cell, &MsmCell::rate);
+  const auto rough_rate = Scaled(columns.rough_rate, satellite);
+  const auto rate = Scaled(columns.rate, cell);
   // A range that grows lowers the frequency.
   if (rough_rate && rate && signal.carrier_hz > 0) {
     o.doppler_hz = -(*rough_rate + *rate) * (signal.carrier_hz / kLightSpeed_m_s);
   }
-  o.snr_dbhz = Scaled(MsmCellColumns(), kind, cell, &MsmCell::strength).value_or(kAbsent);
+  o.snr_dbhz = Scaled(columns.strength, cell).value_or(kAbsent);
   return signal;
 }
 

@@ -20,23 +20,27 @@ HourRun::HourRun(const JudgingSettings& settings, std::string name, ObservationH
       analysis_(settings_, source_, navigation_->broadcast, nullptr, &events, nullptr) {}
 
 void HourRun::Add(ObservationEpoch& epoch) {
-  FillLibraryEpoch(epoch, source_.Name(), diagnostics_, batch_.emplace_back());
-  last_ = batch_.back().time;
+  if (batched_ == batch_.size()) batch_.emplace_back();
+  ObsEpoch_QC_gbt& record = batch_[batched_++];
+  FillLibraryEpoch(epoch, source_.Name(), diagnostics_, record);
+  last_ = record.time;
   if (epochs_++ == 0) first_ = last_;
   analysis_.Add(epoch);
-  if (batch_.size() == kMaxBatched) Feed();
+  if (batched_ == (started_ ? kLaterBatches : kFirstBatch)) Feed();
 }
 
 void HourRun::Feed() {
-  if (batch_.empty()) return;
-  if (!started_) {
-    if (batch_.size() < 2 && !settings_.interval_s) return;
-    interval_ = ChooseInterval(settings_, source_, batch_.data(), batch_.size(), diagnostics_);
+  if (batched_ == 0) return;
+  const bool first = !started_;
+  if (first) {
+    if (batched_ < 2 && !settings_.interval_s) return;
+    interval_ = ChooseInterval(settings_, source_, batch_.data(), batched_, diagnostics_);
     library_.Start(*navigation_, batch_.front().time, interval_.interval_s);
     started_ = true;
   }
-  library_.Feed(batch_.data(), batch_.size());
-  batch_.clear();
+  library_.Feed(batch_.data(), batched_);
+  batched_ = 0;
+  if (first) batch_ = std::vector<ObsEpoch_QC_gbt>(kLaterBatches);
 }
 
 void HourRun::EndMinute(const ReadNavigation& more) {

@@ -57,7 +57,9 @@ class HourRun {
   std::optional<Report> Finish();
 
  private:
-  static constexpr std::size_t kMaxBatched = 600;
+  static constexpr std::size_t kFirstBatch =
+      600;  ///< at most; the library takes the signals of the run from it
+  static constexpr std::size_t kLaterBatches = 20;  ///< an epoch of a batch takes 22 kB
 
   void Feed();
   ReportRun Facts() const;
@@ -68,7 +70,8 @@ class HourRun {
   Diagnostics diagnostics_;
   LibraryRun library_;
   AnalysisRun analysis_;
-  std::vector<ObsEpoch_QC_gbt> batch_;
+  std::vector<ObsEpoch_QC_gbt> batch_;  ///< of which the first batched_ are filled
+  std::size_t batched_ = 0;
   NominalInterval interval_;
   bool started_ = false;
   std::uint64_t epochs_ = 0;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string>
 
 #include "host/rinex/satellite_names.h"
 #include "host/rinex/signal_codes.h"
@@ -37,22 +38,38 @@ void RunCollector::Add(const analysis::Event& event) {
   minutes_->Add(event.time_ns, sums);
 }
 
+RunCollector::PairSums& RunCollector::SumsOf(const orsolva::PairEpochDetail& detail) {
+  const auto system = static_cast<std::uint8_t>(detail.satellite.sys);
+  const auto code = static_cast<std::uint32_t>(detail.code);
+  for (PairSums& sums : pairs_) {
+    if (sums.system == system && sums.code == code) return sums;
+  }
+  return pairs_.emplace_back(PairSums{system, code});
+}
+
 void RunCollector::OnPairEpoch(const orsolva::PairEpochDetail& detail) {
   if (!detail.has_multipath || !detail.counting || !(std::fabs(detail.residual_m) < kMaxResidual_m)) return;
-  const int slot = SystemSlotOfCode(detail.satellite.sys);
-  if (slot < 0) return;
-  WindowSums& sums = multipath_[BeginOfMinute(NanosecondsOf(detail.time))];
-  SignalSums& signal =
-      sums.signals[{kSystemTable[slot].letter,
-                    std::string(SignalName(detail.satellite.sys, static_cast<int>(detail.code)))}];
-  ++signal.multipath_values;
-  signal.multipath_square_um2 +=
+  const std::int64_t minute_ns = BeginOfMinute(NanosecondsOf(detail.time));
+  if (minute_ns != minute_ns_) FlushMinute();
+  minute_ns_ = minute_ns;
+  PairSums& sums = SumsOf(detail);
+  ++sums.values;
+  sums.square_um2 +=
       static_cast<Count>(std::llround(detail.residual_m * detail.residual_m * kPerSquareMicro));
 }
 
-void RunCollector::EndBatch() {
-  for (const auto& [begin_ns, sums] : multipath_) minutes_->Add(begin_ns, sums);
-  multipath_.clear();
+void RunCollector::FlushMinute() {
+  WindowSums sums;
+  for (PairSums& pair : pairs_) {
+    const int slot = SystemSlotOfCode(pair.system);
+    if (slot < 0 || pair.values == 0) continue;
+    const std::string name(SignalName(pair.system, static_cast<int>(pair.code)));
+    SignalSums& signal = sums.signals[{kSystemTable[slot].letter, name}];
+    signal.multipath_values += pair.values;
+    signal.multipath_square_um2 += pair.square_um2;
+    pair.values = pair.square_um2 = 0;
+  }
+  if (!sums.signals.empty()) minutes_->Add(minute_ns_, sums);
 }
 
 std::optional<RunCollector::Slips> RunCollector::NextDecided() {

@@ -4,9 +4,9 @@
 
 #include <cstdint>
 #include <deque>
-#include <map>
 #include <optional>
 #include <set>
+#include <vector>
 
 #include "host/live/live_state.h"
 #include "host/live/windows/minute_store.h"
@@ -24,7 +24,7 @@ class RunCollector : public EventSink, public DetailSink {
 
   void Begin(const Time_gbt&, double) override {}
   /// Hands the multipath of a batch over to the minutes.
-  void EndBatch() override;
+  void EndBatch() override { FlushMinute(); }
   void Finish(const total_code_qc_result&) override {}
   void OnSatelliteEpoch(const orsolva::SatelliteEpochDetail&) override {}
   void OnPairEpoch(const orsolva::PairEpochDetail& detail) override;
@@ -40,8 +40,19 @@ class RunCollector : public EventSink, public DetailSink {
   std::optional<Slips> NextDecided();
 
  private:
+  /// Of a signal of the library.
+  struct PairSums {
+    std::uint8_t system = 0;
+    std::uint32_t code = 0;
+    Count values = 0;
+    Count square_um2 = 0;
+  };
+  PairSums& SumsOf(const orsolva::PairEpochDetail& detail);
+  void FlushMinute();
+
   MinuteStore* minutes_;
-  std::map<std::int64_t, WindowSums> multipath_;  ///< by beginning of the minute, of the batch at hand
+  std::int64_t minute_ns_ = -1;  ///< beginning of the one at hand
+  std::vector<PairSums> pairs_;  ///< its multipath
   std::deque<Slips> epochs_;
 };
 

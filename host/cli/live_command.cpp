@@ -110,6 +110,7 @@ int RunLive(const LiveRequest& request) {
     address = live::ParseListenAddress(settings.listen);
     if (!address) throw UsageError("--listen: found \"" + settings.listen + "\", expected HOST:PORT");
   }
+  ReturnFreedMemory();
   RecordInterrupts();
   EventLines lines(settings.events);
   live::LiveBoard board;

@@ -55,6 +55,10 @@ int RunProgram(const std::vector<std::string>& words, const std::string& input);
 /// its pages would be zeroed again while threads wait for one another.
 void KeepFreedMemory();
 
+/// The opposite, for a service that runs for months: what an hour needed for a moment goes back to the
+/// system, and threads share the memory that they have freed. Before threads are started.
+void ReturnFreedMemory();
+
 /// Requests huge pages for memory aligned to such pages; does nothing where they are not available.
 inline constexpr std::size_t kHugePageBytes = std::size_t{1} << 21;
 void PreferHugePages(void* memory, std::size_t bytes);

@@ -122,6 +122,17 @@ void KeepFreedMemory() {
 #endif
 }
 
+void ReturnFreedMemory() {
+#ifdef __GLIBC__
+  constexpr int kOfOwnPages = 128 << 10;
+  constexpr int kKept = 512 << 10;
+  constexpr int kArenas = 2;
+  mallopt(M_MMAP_THRESHOLD, kOfOwnPages);
+  mallopt(M_TRIM_THRESHOLD, kKept);
+  mallopt(M_ARENA_MAX, kArenas);
+#endif
+}
+
 void PreferHugePages(void* memory, std::size_t bytes) {
 #ifdef MADV_HUGEPAGE
   // If refused, only page faults are lost.

@@ -103,6 +103,8 @@ int EndAsByClosedPipe() { return 1; }
 
 void KeepFreedMemory() {}
 
+void ReturnFreedMemory() {}
+
 void PreferHugePages(void*, std::size_t) {}
 
 }  // namespace orsolva_host

@@ -37,6 +37,10 @@ constexpr Case kCases[] = {
 // The analysis takes epochs one at a time.
 constexpr const char* kAnalysisCase = "analysis-hour-30s";
 constexpr const char* kAnalysisWithoutRecords = "analysis-no-navigation";
+// Library and analysis over as many epochs in a row, and over one in fifty of a span fifty times as long.
+constexpr const char* kWhole = "whole-1s";
+constexpr const char* kHoles = "holes-1s";
+constexpr int kOneIn = 50;
 
 orsolva_test::SkyOptions Options(const Case& chosen) {
   orsolva_test::SkyOptions options;
@@ -72,6 +76,25 @@ extern "C" __attribute__((noinline)) void CountedRunOfAnalysis(const orsolva_tes
   std::printf("%zu signals\n", analysis.Result().signals.size());
 }
 
+/// @param spacing_s  of the epochs; both are told that there should be one every second
+void RunBoth(double spacing_s) {
+  orsolva_test::SkyOptions options;
+  options.LowestElevation = 0.2;
+  options.Interval = spacing_s;
+  options.Epochs = 300;
+  const SimulatedSky sky(options);
+  orsolva_test::AnalysisSky analysis_sky(sky);
+  analysis_sky.Options.detector.interval_s = 1;
+  config_qct config = sky.Config();
+  config.interval = 1;
+  std::size_t satellite_epochs = 0;
+  for (const orsolva_host::ObservationEpoch& epoch : analysis_sky.Epochs)
+    satellite_epochs += epoch.satellites.size();
+  std::printf("%zu satellite-epochs\n", satellite_epochs);
+  CountedRun(sky, config, options.Epochs);
+  CountedRunOfAnalysis(analysis_sky, true);
+}
+
 /// An hour from 11 degrees up, where the sky's troposphere and that of the analysis agree.
 void RunAnalysis(bool with_records) {
   orsolva_test::SkyOptions options;
@@ -94,6 +117,10 @@ int main(int count, char** arguments) {
     RunAnalysis(name == kAnalysisCase);
     return 0;
   }
+  if (name == kWhole || name == kHoles) {
+    RunBoth(name == kWhole ? 1 : kOneIn);
+    return 0;
+  }
 #endif
   for (const Case& chosen : kCases) {
     if (name != chosen.Name) continue;
@@ -108,6 +135,6 @@ int main(int count, char** arguments) {
   }
   std::fprintf(stderr, "usage: instruction_case NAME; names:");
   for (const Case& one : kCases) std::fprintf(stderr, " %s", one.Name);
-  std::fprintf(stderr, " %s %s\n", kAnalysisCase, kAnalysisWithoutRecords);
+  std::fprintf(stderr, " %s %s %s %s\n", kAnalysisCase, kAnalysisWithoutRecords, kWhole, kHoles);
   return 2;
 }

@@ -49,14 +49,14 @@ bool QcEleList::AboveCutoff(const Time_gbt& t) {
   return AboveLimit(bracket, t, Interpolate(bracket, t), mask_);
 }
 
-bool QcEleList::ClearUntil(const Time_gbt& t, bool& above, Time_gbt& until) {
+CutoffSide QcEleList::SideUntil(const Time_gbt& t, Time_gbt& until) {
   SampleBracket bracket;
-  if (!samples_.Bracket(t, bracket)) return false;
-  const double least = std::fmin(bracket.ElevationBefore, bracket.ElevationAfter);
-  const double greatest = std::fmax(bracket.ElevationBefore, bracket.ElevationAfter);
-  above = least > mask_ + kClearMargin;
+  if (!samples_.Bracket(t, bracket)) return CutoffSide::kUnknown;
   until = bracket.TimeAfter;
-  return above || greatest < mask_ - kClearMargin;
+  if (std::fmin(bracket.ElevationBefore, bracket.ElevationAfter) > mask_ + kClearMargin)
+    return CutoffSide::kAbove;
+  const double greatest = std::fmax(bracket.ElevationBefore, bracket.ElevationAfter);
+  return greatest < mask_ - kClearMargin ? CutoffSide::kBelow : CutoffSide::kNear;
 }
 
 // The samples on either side of a time are clearly below the cut-off with it.

@@ -11,6 +11,13 @@ namespace orsolva {
 
 inline constexpr double kElevationSplit = 0.5235987755982988;  ///< 30 degrees, rad
 
+enum class CutoffSide {
+  kUnknown,  ///< no samples bracket the time
+  kNear,     ///< within half a degree of it, or on both sides
+  kAbove,
+  kBelow,
+};
+
 struct ElevationFlags {
   bool AboveCutoff = false;
   bool Above30 = false;
@@ -36,10 +43,9 @@ class QcEleList {
   /// The cut-off flag at any time: from the samples where they bracket it, else from the exact elevation.
   bool AboveCutoff(const Time_gbt& t);
 
-  /// Whether the samples around `t` are clearly on one side of the cut-off.
-  /// @param above  which side
-  /// @param until  the later of them: up to there the cut-off flag is the same
-  bool ClearUntil(const Time_gbt& t, bool& above, Time_gbt& until);
+  /// On which side of the cut-off the samples around `t` clearly are.
+  /// @param until  the later of them: up to there it is the same
+  CutoffSide SideUntil(const Time_gbt& t, Time_gbt& until);
 
   /// For how long from `t` on the cut-off flag certainly stays clear, s; 0 when nothing is known.
   double BelowCutoffFor(const Time_gbt& t) const;

@@ -1,6 +1,7 @@
 #include "host/formats/rtcm/epoch_joiner.h"
 
 #include <algorithm>
+#include <cmath>
 #include <tuple>
 #include <utility>
 
@@ -81,13 +82,7 @@ bool EpochJoiner::Next(ObservationEpoch& epoch) {
   const EpochPart& part = complete_.front();
   epoch.Clear();
   epoch.time_ns = part.time_ns;
-  for (const ReceivedSignal& signal : part.signals) {
-    if (epoch.satellites.empty() || !(epoch.satellites.back().id == signal.satellite)) {
-      epoch.satellites.push_back({signal.satellite, epoch.signals.size(), 0});
-    }
-    epoch.signals.push_back(signal.observation);
-    ++epoch.satellites.back().signal_count;
-  }
+  for (const ReceivedSignal& signal : part.signals) AppendSignal(signal.satellite, signal.observation, epoch);
   complete_.pop_front();
   return true;
 }

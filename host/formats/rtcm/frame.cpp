@@ -29,7 +29,21 @@ unsigned ByteAt(std::string_view bytes, std::size_t place) {
 
 std::size_t LengthOf(std::string_view frame) { return (ByteAt(frame, 1) & 3) << 8 | ByteAt(frame, 2); }
 
+FrameCandidate Examine(std::string_view rest) {
+  using Kind = FrameCandidate::Kind;
+  if (rest.size() > 1 && (ByteAt(rest, 1) & 0xFC) != 0) return {};
+  if (rest.size() < kFrameHeadBytes) return {Kind::kIncomplete, 0, {}};
+  const std::size_t checked = kFrameHeadBytes + LengthOf(rest);
+  if (rest.size() < checked + kFrameCrcBytes) return {Kind::kIncomplete, 0, {}};
+  std::uint32_t crc = 0;
+  for (std::size_t i = 0; i < kFrameCrcBytes; ++i) crc = crc << 8 | ByteAt(rest, checked + i);
+  if (Crc24q(rest.substr(0, checked)) != crc) return {Kind::kWrongCrc, 0, {}};
+  return {Kind::kFrame, checked + kFrameCrcBytes, rest.substr(kFrameHeadBytes, LengthOf(rest))};
+}
+
 }  // namespace
+
+const FrameForm kFrameForm = {static_cast<char>(kPreamble), Examine};
 
 std::uint32_t Crc24q(std::string_view bytes) {
   std::uint32_t crc = 0;
@@ -49,61 +63,6 @@ std::string FrameOf(std::string_view message) {
   const std::uint32_t crc = Crc24q(frame);
   for (const int shift : {16, 8, 0}) frame.push_back(static_cast<char>(crc >> shift & 0xFF));
   return frame;
-}
-
-void FrameScanner::Append(std::string_view bytes) {
-  buffer_.erase(0, begin_);
-  begin_ = 0;
-  buffer_.append(bytes);
-}
-
-FrameScanner::Candidate FrameScanner::Examine(std::string_view rest) const {
-  if (ByteAt(rest, 0) != kPreamble) return Candidate::kNone;
-  if (rest.size() > 1 && (ByteAt(rest, 1) & 0xFC) != 0) return Candidate::kNone;
-  if (rest.size() < kFrameHeadBytes) return Candidate::kIncomplete;
-  const std::size_t checked = kFrameHeadBytes + LengthOf(rest);
-  if (rest.size() < checked + kFrameCrcBytes) return Candidate::kIncomplete;
-  std::uint32_t crc = 0;
-  for (std::size_t i = 0; i < kFrameCrcBytes; ++i) crc = crc << 8 | ByteAt(rest, checked + i);
-  return Crc24q(rest.substr(0, checked)) == crc ? Candidate::kFrame : Candidate::kWrongCrc;
-}
-
-void FrameScanner::Skip(std::size_t bytes) {
-  begin_ += bytes;
-  counts_.skipped_bytes += bytes;
-  expected_ = false;
-}
-
-std::optional<std::string_view> FrameScanner::Next() {
-  while (begin_ < buffer_.size()) {
-    const std::string_view rest = std::string_view(buffer_).substr(begin_);
-    switch (Examine(rest)) {
-      case Candidate::kFrame: {
-        const std::string_view message = rest.substr(kFrameHeadBytes, LengthOf(rest));
-        const std::size_t size = kFrameHeadBytes + message.size() + kFrameCrcBytes;
-        begin_ += size;
-        ++counts_.frames;
-        counts_.frame_bytes += size;
-        expected_ = true;
-        return message;
-      }
-      case Candidate::kIncomplete:
-        if (!finished_) return std::nullopt;
-        if (expected_) ++counts_.cut_frames;
-        Skip(1);
-        break;
-      case Candidate::kWrongCrc:
-        if (expected_) ++counts_.crc_errors;
-        Skip(1);
-        break;
-      case Candidate::kNone: {
-        const std::size_t next = rest.find(static_cast<char>(kPreamble), 1);
-        Skip(next == std::string_view::npos ? rest.size() : next);
-        break;
-      }
-    }
-  }
-  return std::nullopt;
 }
 
 }  // namespace orsolva_host::rtcm

@@ -1,17 +1,14 @@
-// How long a signal has been tracked without loss of lock, as indicators give it.
+// Lock times, as indicators give them.
 #ifndef ORSOLVA_FORMATS_RTCM_LOCK_TIME_H
 #define ORSOLVA_FORMATS_RTCM_LOCK_TIME_H
 
 #include <cstdint>
-#include <limits>
+
+#include "host/formats/streams/lock_time.h"
 
 namespace orsolva_host::rtcm {
 
-/// Closed below, open above, ms.
-struct LockTime {
-  std::int64_t from_ms = 0;
-  std::int64_t below_ms = std::numeric_limits<std::int64_t>::max();
-};
+using orsolva_host::LockTime;
 
 /// DF013, DF019, DF043, DF049: 7 bits, to 937 s.
 LockTime LockTimeOf7Bits(int indicator);

@@ -30,7 +30,7 @@ void PhaseTracker::Take(std::int64_t time_ns, ReceivedSignal& signal) {
   const bool known = state.lock_from_ms >= 0;
   const double phase_less_range = o.phase_cycles - o.pseudorange_m * (signal.carrier_hz / kLightSpeed_m_s);
   const std::int64_t passed_ms = (time_ns - state.time_ns) / kMillisecond_ns;
-  if (known && (signal.lock.from_ms < state.lock_from_ms || signal.lock.below_ms <= passed_ms)) {
+  if (known && LockLost(state.lock_from_ms, signal.lock, passed_ms)) {
     o.loss_of_lock |= kLossOfLock;
     state.rolled_cycles = 0;
   } else if (known) {

@@ -1,14 +1,11 @@
 #include "host/formats/rtcm/reader.h"
 
-#include <algorithm>
-#include <array>
 #include <utility>
 
 namespace orsolva_host::rtcm {
 namespace {
 
-constexpr std::size_t kReadAtOnce = 64 * 1024;
-constexpr std::size_t kReadAhead = 4 * 1024 * 1024;
+constexpr std::size_t kMaxAhead = 4 * 1024 * 1024;
 
 bool IsObservation(std::string_view message) {
   BitReader bits(message);
@@ -19,107 +16,42 @@ bool IsObservation(std::string_view message) {
 
 Reader::Reader(std::unique_ptr<ByteSource> source, std::string name, Diagnostics& diagnostics,
                const ReaderOptions& options)
-    : source_(std::move(source)),
-      name_(std::move(name)),
-      diagnostics_(diagnostics),
+    : RecordingReader(std::move(source), std::move(name), diagnostics, kFrameForm),
       decoder_({options.near_ns, options.epoch_end, options.epochs}) {
-  ReadAhead();
+  ReadUpToDate();
 }
 
-/// Reads messages until the date is known, and keeps them.
-void Reader::ReadAhead() {
+/// Reads ahead until the date is known.
+void Reader::ReadUpToDate() {
   std::size_t kept = 0;
-  while (!decoder_.Clock().Known() && kept < kReadAhead) {
-    const auto message = frames_.Next();
-    if (!message) {
-      // Anything may follow a frame, but a file of 4 MB without one is something else.
-      if (frames_.Counts().frames == 0 && frames_.Counts().skipped_bytes > kReadAhead) break;
-      if (!ReadMore()) break;
-      continue;
-    }
+  bool any_observation = false;
+  while (!decoder_.Clock().Known() && kept < kMaxAhead) {
+    const auto message = ReadAhead();
+    if (!message) break;
     decoder_.TakeDateOnly(*message);
+    any_observation = any_observation || IsObservation(*message);
     kept += message->size();
-    ahead_.emplace_back(*message);
   }
-  if (!decoder_.Clock().Known() && frames_.Counts().frames == 0) {
-    throw FileError(name_, 0, "no RTCM 3 frame", "frames that begin with D3 hex and have a correct CRC",
+  if (!decoder_.Clock().Known() && Frames().frames == 0) {
+    throw FileError(Name(), 0, "no RTCM 3 frame", "frames that begin with D3 hex and have a correct CRC",
                     "Check that the file is a recording of an RTCM 3 stream.");
   }
-  if (decoder_.UseWeakDate()) return;
-  if (std::any_of(ahead_.begin(), ahead_.end(), IsObservation)) {
-    throw FileError(name_, 0, std::string(kFoundNoDate),
+  if (!decoder_.UseWeakDate() && any_observation) {
+    throw FileError(Name(), 0, std::string(kFoundNoDate),
                     "a week in an ephemeris, or the date of the recording",
                     "Name a navigation file of the day with --nav, or say with --start at which date the "
                     "recording begins.");
   }
 }
 
-bool Reader::ReadMore() {
-  if (at_end_) return false;
-  std::array<char, kReadAtOnce> bytes;
-  const std::size_t count = source_->Read(bytes.data(), bytes.size());
-  at_end_ = count == 0;
-  if (at_end_) {
-    frames_.Finish();
-  } else {
-    frames_.Append({bytes.data(), count});
-  }
-  return true;
-}
-
-bool Reader::Next(ObservationEpoch& epoch) {
-  if (failure_) return decoder_.Next(epoch);
-  try {
-    const bool found = Advance(epoch);
-    any_epoch_ = any_epoch_ || found;
-    return found;
-  } catch (const FileError& error) {
-    if (!any_epoch_) throw;
-    failure_ = error;
-    diagnostics_.Add(name_, 0,
-                     "reading stops here: found " + error.Found() + ", expected " + error.Expected() + ". " +
-                         error.Advice(),
-                     false);
-    Finish();
-    return decoder_.Next(epoch);
-  }
-}
-
-bool Reader::Advance(ObservationEpoch& epoch) {
-  while (!decoder_.Next(epoch)) {
-    if (finished_) return false;
-    if (!ahead_.empty()) {
-      decoder_.Take(ahead_.front());
-      ahead_.pop_front();
-    } else if (const auto message = frames_.Next()) {
-      decoder_.Take(*message);
-    } else if (!ReadMore()) {
-      Finish();
-    }
-  }
-  return true;
-}
-
-void Reader::Finish() {
-  decoder_.Finish();
-  AddNotices();
-  finished_ = true;
-}
-
 void Reader::AddNotices() {
-  const auto add = [&](std::uint64_t count, const std::string& text, bool recovered) {
-    if (count == 0) return;
-    const std::size_t kind = diagnostics_.AddKind(name_, 0, text, recovered);
-    diagnostics_.Again(kind, static_cast<long>(count) - 1);
+  const auto add = [this](std::uint64_t count, const char* text, bool recovered) {
+    AddNotice(count, text, recovered);
   };
-  const FrameCounts& frames = frames_.Counts();
   const MessageCounts& messages = decoder_.Counts();
   const FieldCounts& fields = decoder_.Fields();
   std::uint64_t damaged = 0;
   for (const auto& [type, count] : messages.types) damaged += count.damaged;
-  add(frames.crc_errors, "frame with a wrong CRC", false);
-  add(frames.cut_frames, "the data end within a frame", false);
-  add(frames.skipped_bytes, "byte outside frames skipped", true);
   add(damaged, "message shorter than its fields", false);
   add(messages.undecoded, "message of a type that is not decoded", true);
   add(messages.undated, "observations before any date", false);

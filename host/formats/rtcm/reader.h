@@ -3,7 +3,6 @@
 #define ORSOLVA_FORMATS_RTCM_READER_H
 
 #include <cstdint>
-#include <deque>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,6 +10,7 @@
 
 #include "host/formats/rtcm/decoder.h"
 #include "host/formats/rtcm/frame.h"
+#include "host/formats/streams/recording_reader.h"
 #include "host/rinex/byte_source.h"
 #include "host/rinex/diagnostics.h"
 
@@ -34,7 +34,7 @@ struct ReaderOptions {
 /// Damaged frames and messages, impossible fields and messages of other types are counted and cost only
 /// themselves; notices with their numbers are added at the end of the data. Epochs are delivered in the order
 /// of the file.
-class Reader {
+class Reader : public RecordingReader {
  public:
   /// Reads up to the first date.
   /// @throws FileError when there is no frame, or when observations come without any date
@@ -44,12 +44,6 @@ class Reader {
   /// What messages read so far say of the station.
   const StationDescription& Station() const { return decoder_.Station(); }
 
-  /// Fills the next epoch. If reading fails after the first epoch, a notice says so and Failure() returns the
-  /// error; the epochs delivered before are valid.
-  /// @return false at the end of the data that can be read
-  /// @throws FileError when reading fails before the first epoch
-  bool Next(ObservationEpoch& epoch);
-
   /// The ephemerides read since the last call.
   BroadcastRecords TakeBroadcast() { return decoder_.TakeBroadcast(); }
   std::vector<EphemerisMessage> TakeEphemerides() { return decoder_.TakeEphemerides(); }
@@ -57,29 +51,16 @@ class Reader {
   /// GLONASS channels from outside, such as a navigation file. @param channel  -7 to 13; others are ignored
   void TakeChannel(int glonass_number, int channel) { decoder_.TakeChannel(glonass_number, channel); }
 
-  /// Why reading ended before the end of the file; absent when it did not.
-  const std::optional<FileError>& Failure() const { return failure_; }
-
-  const FrameCounts& Frames() const { return frames_.Counts(); }
   const Decoder& Messages() const { return decoder_; }
 
  private:
-  void ReadAhead();
-  bool ReadMore();
-  bool Advance(ObservationEpoch& epoch);
-  void Finish();
-  void AddNotices();
+  void ReadUpToDate();
+  void TakeMessage(std::string_view message) override { decoder_.Take(message); }
+  bool TakeEpoch(ObservationEpoch& epoch) override { return decoder_.Next(epoch); }
+  void EndMessages() override { decoder_.Finish(); }
+  void AddNotices() override;
 
-  std::unique_ptr<ByteSource> source_;
-  std::string name_;
-  Diagnostics& diagnostics_;
-  FrameScanner frames_;
   Decoder decoder_;
-  std::deque<std::string> ahead_;  ///< messages before the first date
-  std::optional<FileError> failure_;
-  bool any_epoch_ = false;
-  bool at_end_ = false;
-  bool finished_ = false;
 };
 
 }  // namespace orsolva_host::rtcm

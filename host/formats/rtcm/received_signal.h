@@ -2,11 +2,11 @@
 #ifndef ORSOLVA_FORMATS_RTCM_RECEIVED_SIGNAL_H
 #define ORSOLVA_FORMATS_RTCM_RECEIVED_SIGNAL_H
 
-#include <cmath>
 #include <cstdint>
 #include <vector>
 
 #include "host/formats/rtcm/lock_time.h"
+#include "host/formats/streams/epoch_signals.h"
 #include "host/observation/observation_epoch.h"
 #include "host/observation/physical_constants.h"
 
@@ -27,11 +27,6 @@ struct ReceivedSignal {
   LockTime lock;
   SignalObservation observation;
 };
-
-inline bool HasValue(const SignalObservation& o) {
-  return !std::isnan(o.pseudorange_m) || !std::isnan(o.phase_cycles) || !std::isnan(o.doppler_hz) ||
-         !std::isnan(o.snr_dbhz);
-}
 
 /// What one observation message adds to an epoch.
 struct EpochPart {

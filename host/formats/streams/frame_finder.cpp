@@ -1,0 +1,48 @@
+#include "host/formats/streams/frame_finder.h"
+
+namespace orsolva_host {
+
+void FrameFinder::Append(std::string_view bytes) {
+  buffer_.erase(0, begin_);
+  begin_ = 0;
+  buffer_.append(bytes);
+}
+
+void FrameFinder::Skip(std::size_t bytes) {
+  begin_ += bytes;
+  counts_.skipped_bytes += bytes;
+  expected_ = false;
+}
+
+std::optional<std::string_view> FrameFinder::Next() {
+  using Kind = FrameCandidate::Kind;
+  while (begin_ < buffer_.size()) {
+    const std::string_view rest = std::string_view(buffer_).substr(begin_);
+    const FrameCandidate found = rest.front() == form_.first_byte ? form_.examine(rest) : FrameCandidate{};
+    switch (found.kind) {
+      case Kind::kFrame:
+        begin_ += found.size;
+        ++counts_.frames;
+        counts_.frame_bytes += found.size;
+        expected_ = true;
+        return found.message;
+      case Kind::kIncomplete:
+        if (!finished_) return std::nullopt;
+        if (expected_) ++counts_.cut_frames;
+        Skip(1);
+        break;
+      case Kind::kWrongCrc:
+        if (expected_) ++counts_.crc_errors;
+        Skip(1);
+        break;
+      case Kind::kNone: {
+        const std::size_t next = rest.find(form_.first_byte, 1);
+        Skip(next == std::string_view::npos ? rest.size() : next);
+        break;
+      }
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace orsolva_host

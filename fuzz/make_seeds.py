@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
-"""Cuts small seeds for the fuzz targets from the real files next to the checkout.
+"""Cuts small seeds for the fuzz targets from the real files next to the checkout, and makes up others.
 
 usage: make_seeds.py DATA_FOLDER OUT_FOLDER     (seeds go to OUT_FOLDER/<target>/)
 """
 import gzip
 import pathlib
 import random
+import struct
 import sys
 
 # The files that are cut; others in the folder are left alone.
@@ -81,8 +82,39 @@ def seeds_of(path, out):
     write(out, "compressed_input", f"{name}.members", b"\x03" + two)
 
 
+def raw_measurements(second, satellites):
+    """Class, ID and payload of RXM-RAWX. satellites: (gnssId, svId, sigId)"""
+    payload = struct.pack("<dHbBBB2x", second, 2200, 18, len(satellites), 1, 1)
+    for gnss, number, signal in satellites:
+        payload += struct.pack("<ddfBBBBHBBBBBx", 2.2e7 + number, 1.1e8 + number, -120.5, gnss, number, signal, 7,
+                               int(1000 * second) % 64500, 40, 2, 3, 4, 7)
+    return b"\x02\x15" + payload
+
+
+def ubx_frame(message):
+    body = message[:2] + struct.pack("<H", len(message) - 2) + message[2:]
+    first = second = 0
+    for byte in body:
+        first = (first + byte) % 256
+        second = (second + first) % 256
+    return b"\xb5\x62" + body + bytes((first, second))
+
+
+def ubx_seeds(out):
+    """Made up, as no real recording is at hand."""
+    version = b"\x0a\x04" + b"EXT CORE 1.00".ljust(30, b"\0") + bytes(10) + b"MOD=ZED-F9P".ljust(30, b"\0")
+    messages = [version, b"\x01\x07position"]
+    for second in range(3):
+        messages.append(raw_measurements(second, [(0, 5, 0), (0, 5, 3), (2, 11, 0), (3, 30, 0), (6, 4, 2), (5, 1, 0)]))
+    write(out, "ubx_recording", "recording", b"\0" + b"$GNGGA," + b"".join(map(ubx_frame, messages)))
+    counted = b"".join(struct.pack(">H", len(message)) + message for message in messages)
+    write(out, "ubx_recording", "messages", b"\1" + counted)
+    write(out, "ubx_recording", "survey", b"\3" + counted)
+
+
 def main(data_folder, out_folder):
     out = pathlib.Path(out_folder)
+    ubx_seeds(out)
     for name in FILES:
         seeds_of(pathlib.Path(data_folder) / name, out)
     choice = random.Random(1)

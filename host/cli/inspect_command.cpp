@@ -191,8 +191,8 @@ void InspectPreciseOrbits(std::unique_ptr<ByteSource> bytes, const std::string& 
   ShowOrbits(contents, "point", file);
 }
 
-void InspectStream(std::unique_ptr<ByteSource> bytes, const std::string& file, Diagnostics& diagnostics) {
-  ShowStream(std::move(bytes), file, diagnostics,
+void InspectStream(OpenedFile opened, const std::string& file, Diagnostics& diagnostics) {
+  ShowStream(*opened.stream, std::move(opened.bytes), file, diagnostics,
              [](const std::string& name, const std::string& text) { Row(name, text); });
 }
 
@@ -204,7 +204,7 @@ void InspectContents(const std::string& file, const InputLimits& limits, Diagnos
     case ContentKind::kPreciseOrbits:
       return InspectPreciseOrbits(std::move(opened.bytes), file, limits, diagnostics);
     case ContentKind::kStream:
-      return InspectStream(std::move(opened.bytes), file, diagnostics);
+      return InspectStream(std::move(opened), file, diagnostics);
     case ContentKind::kObservations:
       return InspectObservations(std::move(opened.bytes), file, limits, diagnostics);
   }
@@ -242,9 +242,10 @@ int InspectAll(const InspectSettings& settings) {
 
 Command InspectCommand() {
   auto settings = std::make_shared<InspectSettings>();
-  Option files = ListOption("FILE", "FILE", settings->files,
-                            "RINEX observation or navigation files, RTCM 3 streams or precise orbits (SP3), "
-                            "compressed or not; - for standard input");
+  Option files =
+      ListOption("FILE", "FILE", settings->files,
+                 "RINEX observation or navigation files, recordings of streams (RTCM 3, u-blox UBX) or "
+                 "precise orbits (SP3), compressed or not; - for standard input");
   files.many = true;
   std::vector<Option> options = {
       Positional(std::move(files), true),

@@ -38,7 +38,7 @@ struct SimulateSettings {
   std::optional<double> hours;
   std::optional<double> interval_s;
   std::optional<double> cutoff_deg;
-  FileSetOptions files = {".", false, false, 0};
+  FileSetOptions files = {".", false, false, 0, false};
   bool list_presets = false;
 };
 
@@ -191,6 +191,10 @@ Command SimulateCommand() {
       Parsed("rtcm", "KIND", "", ParseMsm, s->files.rtcm,
              "Write an RTCM 3 stream of MSM4 (4) or MSM7 (7) too, and the observations that a reader of it "
              "gets"),
+      Switch(
+          "ubx", s->files.ubx,
+          "Write a recording of a u-blox receiver (RXM-RAWX) too, and the observations that a reader of it "
+          "gets"),
   };
   for (Option& row : rows) {
     if (row.name == "preset") {
@@ -198,6 +202,7 @@ Command SimulateCommand() {
     }
     if (row.name == "scenario") row.excludes = "preset";
     if (row.name == "rtcm") row.words = {"4", "7"};
+    if (row.name == "ubx") row.excludes = "rtcm";
     row.many = row.name == "faults";
   }
   return {"simulate",

@@ -6,8 +6,8 @@
 #include <filesystem>
 #include <utility>
 
-#include "host/judging/rtcm_detection.h"
-#include "host/judging/rtcm_source.h"
+#include "host/judging/stream_detection.h"
+#include "host/judging/stream_source.h"
 #include "host/rinex/byte_source.h"
 #include "host/rinex/observation_reader.h"
 #include "host/rinex/station_statements.h"
@@ -113,7 +113,8 @@ std::optional<std::int64_t> TimeAskedFor(const EpochSelection& selection) {
 
 std::unique_ptr<EpochSource> OpenFile(const std::string& path, const JudgingSettings& settings,
                                       Diagnostics& diagnostics, RunMonitor* monitor) {
-  if (RtcmContentOf(path) == RtcmContent::kNone) {
+  const std::optional<DetectedStream> stream = DetectStream(path);
+  if (!stream) {
     return std::make_unique<RinexSource>(OpenRegular(path, settings, diagnostics, monitor), path, settings,
                                          diagnostics);
   }
@@ -121,7 +122,8 @@ std::unique_ptr<EpochSource> OpenFile(const std::string& path, const JudgingSett
   const auto open = [path, settings, monitor, &diagnostics](Diagnostics& notices) {
     return OpenRegular(path, settings, notices, &notices == &diagnostics ? monitor : nullptr);
   };
-  return std::make_unique<RtcmSource>(path, open, TimeAskedFor(settings.selection), diagnostics);
+  return std::make_unique<StreamSource>(stream->format, path, open, TimeAskedFor(settings.selection),
+                                        diagnostics);
 }
 
 }  // namespace
@@ -135,12 +137,14 @@ std::unique_ptr<EpochSource> OpenObservations(const std::string& path, const Jud
     return OpenFile(path, settings, diagnostics, monitor);
   }
   std::unique_ptr<ByteSource> source = OpenBytes(path, diagnostics, settings.limits);
-  if (RtcmContentOf(source) == RtcmContent::kNone) {
+  const std::optional<DetectedStream> stream = DetectStream(source);
+  if (!stream) {
     return std::make_unique<RinexSource>(std::move(source), path, settings, diagnostics);
   }
   const auto copy = CopyOf(*source, path);
   const auto open = [copy](Diagnostics& /*notices*/) { return std::make_unique<TemporaryBytes>(copy); };
-  return std::make_unique<RtcmSource>(path, open, TimeAskedFor(settings.selection), diagnostics);
+  return std::make_unique<StreamSource>(stream->format, path, open, TimeAskedFor(settings.selection),
+                                        diagnostics);
 }
 
 }  // namespace orsolva_host

@@ -55,9 +55,8 @@ class EpochSource {
   virtual std::optional<StreamFacts> Stream() const { return std::nullopt; }
 };
 
-/// A RINEX observation file or a recording of an RTCM 3 stream, compressed or not, as the
-/// content shows;
-/// "-" is standard input. What cannot be read twice, such as a pipe, is copied to a temporary file where it
+/// A RINEX observation file or a recording of a stream, compressed or not, as the content shows; "-" is
+/// standard input. What cannot be read twice, such as a pipe, is copied to a temporary file where it
 /// is a stream.
 /// @param monitor  one that counts bytes is given those of a regular file as they are read; may be null
 /// @throws FileError

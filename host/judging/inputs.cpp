@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
+#include <optional>
 
 #include "host/formats/sp3_reader.h"
-#include "host/judging/rtcm_detection.h"
+#include "host/judging/stream_detection.h"
 #include "host/platform/platform.h"
 #include "host/rinex/file_names.h"
 #include "host/rinex/input_files.h"
@@ -27,13 +28,13 @@ bool IsFolder(const std::string& path) {
 }
 
 /// Whether the name is one that people give observation files: .rnx, .crx, .obs, .20o, .20d, .rtcm3, .rtcm,
-/// compressed or not.
+/// .ubx, compressed or not.
 bool LooksLikeObservations(const std::string& path) {
   std::string name = std::filesystem::path(path).filename().string();
   for (char& c : name) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   const std::string ending = std::filesystem::path(WithoutCompressionSuffix(name)).extension().string();
   if (ending == ".rnx" || ending == ".crx" || ending == ".obs") return true;
-  if (ending == ".rtcm3" || ending == ".rtcm") return true;
+  if (ending == ".rtcm3" || ending == ".rtcm" || ending == ".ubx") return true;
   return ending.size() == 4 && std::isdigit(static_cast<unsigned char>(ending[1])) != 0 &&
          std::isdigit(static_cast<unsigned char>(ending[2])) != 0 && (ending[3] == 'o' || ending[3] == 'd');
 }
@@ -42,12 +43,16 @@ void Append(const std::vector<std::string>& files, std::vector<std::string>& to)
   to.insert(to.end(), files.begin(), files.end());
 }
 
+bool IsNavigationStream(const std::string& path) {
+  const std::optional<DetectedStream> stream = DetectStream(path);
+  return stream && stream->navigation;
+}
+
 void AddFolder(const std::string& path, bool for_navigation, RunInputs& inputs) {
   InputFiles sorted = SortInputs({path});
   for (const std::string& file : sorted.others) {
-    const RtcmContent content = RtcmContentOf(file);
-    if (content == RtcmContent::kObservations) sorted.observations.push_back(file);
-    if (content == RtcmContent::kNavigation) sorted.navigation.push_back(file);
+    const std::optional<DetectedStream> stream = DetectStream(file);
+    if (stream) (stream->navigation ? sorted.navigation : sorted.observations).push_back(file);
   }
   std::sort(sorted.observations.begin(), sorted.observations.end());
   if (for_navigation) {
@@ -66,7 +71,7 @@ void AddFile(const std::string& path, RunInputs& inputs) {
   std::error_code ignored;
   const bool there = path == "-" || std::filesystem::exists(path, ignored);
   bool navigation = path != "-" && (KindOfFile(path) == FileKind::kNavigation || IsSp3File(path) ||
-                                    RtcmContentOf(path) == RtcmContent::kNavigation);
+                                    IsNavigationStream(path));
   // A mistyped name of a navigation file must not let other navigation files take its place.
   if (!there && !inputs.observations.empty() && !LooksLikeObservations(path)) navigation = true;
   (navigation ? inputs.navigation : inputs.observations).push_back(path);

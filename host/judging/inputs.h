@@ -20,9 +20,9 @@ struct RunInputs {
 /// Joins observation files to spans, each of which is called by its first file.
 void JoinObservations(JoinRule rule, RunInputs& inputs);
 
-/// Sorts paths into observations (RINEX, RTCM 3) and navigation (also precise orbits) by what the files hold,
-/// in any order. A stream is navigation when it begins with ephemerides and has no observations in its first
-/// 64 KB.
+/// Sorts paths into observations (RINEX, recordings of streams) and navigation (also precise orbits) by what
+/// the files hold, in any order. A stream is navigation when it begins with ephemerides and has no
+/// observations in its first 64 KB.
 ///
 /// Patterns with * ? [ that name no file themselves are replaced by the files they match. A folder is
 /// replaced by the observation files in it; by its navigation files when it holds no observations, or follows

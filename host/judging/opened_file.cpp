@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "host/formats/sp3_reader.h"
-#include "host/judging/rtcm_detection.h"
+#include "host/judging/stream_detection.h"
 #include "host/rinex/input_files.h"
 
 namespace orsolva_host {
@@ -24,8 +24,11 @@ OpenedFile OpenAnyFile(const std::string& path, Diagnostics& diagnostics, const 
   OpenedFile file;
   file.bytes = OpenBytes(path, diagnostics, limits);
   file.kind = KindOfBeginning(Peek(file.bytes, kFirstLine));
-  const bool may_be_stream = file.kind == ContentKind::kObservations;
-  if (may_be_stream && RtcmContentOf(file.bytes) != RtcmContent::kNone) file.kind = ContentKind::kStream;
+  if (file.kind != ContentKind::kObservations) return file;
+  if (const auto detected = DetectStream(file.bytes)) {
+    file.kind = ContentKind::kStream;
+    file.stream = detected->format;
+  }
   return file;
 }
 

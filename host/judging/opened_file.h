@@ -3,8 +3,10 @@
 #define ORSOLVA_JUDGING_OPENED_FILE_H
 
 #include <memory>
+#include <optional>
 #include <string>
 
+#include "host/judging/stream_reading.h"
 #include "host/rinex/byte_source.h"
 #include "host/rinex/diagnostics.h"
 
@@ -16,6 +18,7 @@ enum class ContentKind { kObservations, kNavigation, kPreciseOrbits, kStream };
 struct OpenedFile {
   std::unique_ptr<ByteSource> bytes;  ///< from the first one on, decompressed
   ContentKind kind = ContentKind::kObservations;
+  std::optional<StreamFormat> stream;  ///< of a stream
 };
 
 /// @param path  "-" is standard input @throws FileError when it cannot be opened or read

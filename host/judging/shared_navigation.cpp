@@ -5,11 +5,11 @@
 #include <set>
 #include <utility>
 
-#include "host/formats/rtcm/reader.h"
 #include "host/formats/sp3_reader.h"
 #include "host/judging/opened_file.h"
 #include "host/judging/settings.h"
 #include "host/judging/stream_navigation.h"
+#include "host/judging/stream_reading.h"
 #include "host/rinex/input_files.h"
 #include "host/rinex/navigation_reader.h"
 #include "host/rinex/satellite_names.h"
@@ -22,14 +22,12 @@ void TakeRecords(NavigationReader& reader, ReadNavigation& read) {
   read.broadcast = reader.TakeBroadcast();
 }
 
-void TakeStream(std::unique_ptr<ByteSource> bytes, const std::string& file, Diagnostics& notices,
-                StreamNavigation& records) {
-  rtcm::ReaderOptions options;
-  options.epochs = false;
-  rtcm::Reader reader(std::move(bytes), file, notices, options);
+void TakeStream(StreamFormat format, std::unique_ptr<ByteSource> bytes, const std::string& file,
+                Diagnostics& notices, StreamNavigation& records) {
+  const auto reading = ReadStream(format, std::move(bytes), file, notices, {std::nullopt, false});
   ObservationEpoch none;
-  while (reader.Next(none)) continue;
-  records.Take(reader);
+  while (reading->Recording().Next(none)) continue;
+  reading->GiveEphemerides(records);
 }
 
 /// Appends the records of satellites that are not among the first.
@@ -188,7 +186,7 @@ std::shared_ptr<const ReadNavigation> SharedNavigation::Get() {
       }
       read->has_record_files = true;
       if (opened.kind == ContentKind::kStream) {
-        TakeStream(std::move(opened.bytes), file, read->notices, streams);
+        TakeStream(*opened.stream, std::move(opened.bytes), file, read->notices, streams);
       } else {
         reader.Read(std::move(opened.bytes), file);
       }

@@ -9,9 +9,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/formats/rtcm/reader.h"
 #include "host/judging/nominal_interval.h"
-#include "host/judging/rtcm_source.h"
 #include "host/judging/settings.h"
 #include "host/report/stream_text.h"
 #include "host/rinex/civil_time.h"
@@ -97,30 +95,38 @@ void Contents::ShowSystem(char letter, const ContentRow& row) const {
   row(std::string(1, letter), text);
 }
 
-void ShowStation(const rtcm::Reader& reader, const ContentRow& row) {
-  const rtcm::StationDescription& station = reader.Messages().FirstStation();
-  row("Receiver", station.receiver);
-  row("Antenna", station.antenna);
-  const auto& p = station.position_m;
+void ShowStation(const StreamReading& reading, const ContentRow& row) {
+  ObservationHeader header;
+  reading.Describe(header);
+  if (!header.marker.empty()) row("Marker", header.marker);
+  row("Receiver", header.receiver);
+  row("Antenna", header.antenna);
+  const auto& p = header.position;
   row("Position X Y Z", p ? fmt::format("{:.4f} {:.4f} {:.4f} m, of the stream", (*p)[0], (*p)[1], (*p)[2])
                           : "none in the stream");
 }
 
 }  // namespace
 
-void ShowStream(std::unique_ptr<ByteSource> bytes, const std::string& name, Diagnostics& diagnostics,
-                const ContentRow& row) {
-  rtcm::Reader reader(std::move(bytes), name, diagnostics);
+void ShowStream(StreamFormat format, std::unique_ptr<ByteSource> bytes, const std::string& name,
+                Diagnostics& diagnostics, const ContentRow& row) {
+  const std::unique_ptr<StreamReading> reading = ReadStream(format, std::move(bytes), name, diagnostics);
+  RecordingReader& recording = reading->Recording();
   Contents contents;
   ObservationEpoch epoch;
-  while (reader.Next(epoch)) contents.Add(epoch);
-  contents.Add(reader.TakeBroadcast());
-  const StreamFacts stream = StreamOf(reader);
+  while (recording.Next(epoch)) contents.Add(epoch);
+  StreamNavigation navigation;
+  reading->GiveEphemerides(navigation);
+  NavigationSet unused;
+  BroadcastRecords records;
+  navigation.AppendTo(unused, records);
+  contents.Add(records);
+  const StreamFacts stream = reading->Facts();
   row("Kind", StreamText(stream));
   row("Messages", MessagesText(stream));
-  ShowStation(reader, row);
+  ShowStation(*reading, row);
   contents.Show(row);
-  if (reader.Failure()) throw FileError(*reader.Failure());
+  if (recording.Failure()) throw FileError(*recording.Failure());
 }
 
 }  // namespace orsolva_host

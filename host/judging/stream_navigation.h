@@ -21,8 +21,6 @@ double AccuracyOf(char system, int index);
 /// Collects ephemerides in the order of the stream, each once.
 class StreamNavigation {
  public:
-  /// Takes what the reader has read since the last call.
-  void Take(rtcm::Reader& reader) { Take(reader.TakeEphemerides(), reader.TakeBroadcast()); }
   /// @param records  made from the messages, in their order
   void Take(const std::vector<rtcm::EphemerisMessage>& messages, const BroadcastRecords& records);
 

@@ -3,6 +3,15 @@
 #include <fmt/format.h>
 
 namespace orsolva_host {
+namespace {
+
+/// "1077"; class and ID of UBX as its documents write them, "02-15".
+std::string NameOf(const StreamMessages& row, const StreamFacts& stream) {
+  if (stream.format != "u-blox UBX") return fmt::format("{}", row.type);
+  return fmt::format("{:02X}-{:02X}", row.type >> 8, row.type & 0xFF);
+}
+
+}  // namespace
 
 std::string StreamText(const StreamFacts& stream) {
   std::string text = fmt::format("{}, {} frames", stream.format, stream.frames);
@@ -14,7 +23,7 @@ std::string StreamText(const StreamFacts& stream) {
 std::string MessagesText(const StreamFacts& stream) {
   std::string text;
   for (const StreamMessages& row : stream.messages) {
-    text += fmt::format("{}{}={}", text.empty() ? "" : " ", row.type, row.messages);
+    text += fmt::format("{}{}={}", text.empty() ? "" : " ", NameOf(row, stream), row.messages);
     if (row.damaged > 0) text += fmt::format(" ({} damaged)", row.damaged);
     if (!row.decoded) text += " (not decoded)";
   }

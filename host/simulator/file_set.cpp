@@ -17,6 +17,7 @@
 #include "host/simulator/simulation.h"
 #include "host/simulator/stream_writer.h"
 #include "host/simulator/truth_json.h"
+#include "host/simulator/ubx_recording.h"
 
 namespace orsolva_host {
 namespace {
@@ -63,24 +64,33 @@ BroadcastRecords RecordsOf(const std::string& navigation) {
   return reader.TakeBroadcast();
 }
 
-/// The stream, and the observations that a reader of it gets.
+std::unique_ptr<RecordingWriter> Recording(const Scenario& scenario, const FileSetOptions& options,
+                                           const std::array<double, 3>& position_m,
+                                           const std::string& navigation, std::unique_ptr<ByteSink> sink) {
+  if (options.ubx) return std::make_unique<UbxRecording>(std::move(sink), RecordsOf(navigation));
+  return std::make_unique<StreamWriter>(std::move(sink), options.rtcm, RecordsOf(navigation), position_m,
+                                        scenario.start.time * kNanosecondsPerSecond);
+}
+
+/// The recording, and the observations that a reader of it gets, with no position where it has none.
 void WriteTwins(Simulation& simulation, const FileSet& names, const FileSetOptions& options,
                 const std::string& navigation, WholeFiles& files, const SimulationProgress& progress) {
   const Scenario& scenario = simulation.Settings();
   const std::array<double, 3>& position_m = simulation.TruthSoFar().header_position_m;
-  StreamWriter stream(files.Begin(names.stream), options.rtcm, RecordsOf(navigation), position_m,
-                      scenario.start.time * kNanosecondsPerSecond);
-  ObservationWriter twin(files.Begin(names.observations), scenario, position_m, options.crinex,
+  const std::unique_ptr<RecordingWriter> recording =
+      Recording(scenario, options, position_m, navigation, files.Begin(names.stream));
+  ObservationWriter twin(files.Begin(names.observations), scenario,
+                         options.ubx ? std::array<double, 3>() : position_m, options.crinex,
                          SignalOrder::kCodes);
   const auto record = std::make_unique<ObsEpoch_QC_gbt>();
   ObservationEpoch epoch;
   while (simulation.Next(*record, epoch)) {
-    stream.Write(epoch);
-    while (stream.Next(epoch)) twin.Write(epoch);
+    recording->Write(epoch);
+    while (recording->Next(epoch)) twin.Write(epoch);
     progress(simulation.NominalEpochsDone(), simulation.NominalEpochs());
   }
-  stream.Close();
-  while (stream.Next(epoch)) twin.Write(epoch);
+  recording->Close();
+  while (recording->Next(epoch)) twin.Write(epoch);
   twin.Close();
 }
 
@@ -99,6 +109,7 @@ FileSet FileNames(const Scenario& scenario, const FileSetOptions& options) {
   names.navigation = (folder / (stem + "_MN.rnx" + tail)).string();
   names.truth = (folder / "truth.json").string();
   if (options.rtcm != 0) names.stream = (folder / (stem + ".rtcm3" + tail)).string();
+  if (options.ubx) names.stream = (folder / (stem + ".ubx" + tail)).string();
   return names;
 }
 
@@ -110,7 +121,7 @@ Truth WriteFileSet(const Scenario& scenario, const FileSetOptions& options,
   const std::string navigation = NavigationText(simulation.Navigation(), LeapSeconds(scenario.start.time));
   WholeFiles files;
   WriteText(names.navigation, navigation, files);
-  if (options.rtcm == 0) {
+  if (names.stream.empty()) {
     WriteObservations(simulation, files.Begin(names.observations), options, progress);
   } else {
     WriteTwins(simulation, names, options, navigation, files, progress);

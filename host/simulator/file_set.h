@@ -18,6 +18,9 @@ struct FileSetOptions {
   /// 4 or 7: also writes an RTCM 3 stream of MSM4 or MSM7 (stream_writer.h), and the observations are its
   /// twin: what a reader of the stream gets.
   int rtcm = 0;
+  /// Also writes a recording of a u-blox receiver (ubx_recording.h), of which the observations are the twin;
+  /// not together with `rtcm`.
+  bool ubx = false;
 };
 
 struct FileSet {

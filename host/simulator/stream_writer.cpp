@@ -44,6 +44,8 @@ std::map<SatelliteId, const Record*> Nearest(const std::vector<Record>& records,
   return nearest;
 }
 
+}  // namespace
+
 rtcm::ChannelTable ChannelsOf(const BroadcastRecords& records) {
   rtcm::ChannelTable channels;
   for (const StateVectorRecord& record : records.state_vectors) {
@@ -51,8 +53,6 @@ rtcm::ChannelTable ChannelsOf(const BroadcastRecords& records) {
   }
   return channels;
 }
-
-}  // namespace
 
 StreamWriter::StreamWriter(std::unique_ptr<ByteSink> sink, int kind, BroadcastRecords records,
                            const std::array<double, 3>& position_m, std::int64_t start_ns)

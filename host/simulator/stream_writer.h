@@ -14,27 +14,27 @@
 #include "host/formats/rtcm/rtcm_writer.h"
 #include "host/observation/broadcast_records.h"
 #include "host/output/byte_sink.h"
+#include "host/simulator/recording_writer.h"
 
 namespace orsolva_host {
+
+/// GLONASS channels by satellite number.
+rtcm::ChannelTable ChannelsOf(const BroadcastRecords& records);
 
 /// Epochs as MSM4 or MSM7, and every five minutes the station (1006, 1033) and the ephemerides nearest to the
 /// time (1019, 1020, 1042, 1044, 1046).
 ///
-/// The stream is decoded as it is written, so that its twin in another format can be made of what a reader of
-/// the stream gets: an epoch that comes twice is one, epochs have no power failures, values lie on the grid
-/// of the messages, and phases differ from those simulated by whole cycles.
-class StreamWriter {
+/// An epoch that comes twice is one, epochs have no power failures, values lie on the grid of the messages,
+/// and phases differ from those simulated by whole cycles.
+class StreamWriter : public RecordingWriter {
  public:
   /// @param kind  4 or 7 @param records  ephemerides of the whole span @param start_ns  of the span, GPS time
   StreamWriter(std::unique_ptr<ByteSink> sink, int kind, BroadcastRecords records,
                const std::array<double, 3>& position_m, std::int64_t start_ns);
 
-  /// Writes an epoch. @throws WriteError, as Close
-  void Write(const ObservationEpoch& epoch);
-  void Close();
-
-  /// The next epoch that a reader of the stream gets, the last ones after Close.
-  bool Next(ObservationEpoch& epoch) { return decoder_.Next(epoch); }
+  void Write(const ObservationEpoch& epoch) override;
+  void Close() override;
+  bool Next(ObservationEpoch& epoch) override { return decoder_.Next(epoch); }
 
  private:
   void Send(std::string_view message);

@@ -44,7 +44,7 @@ class Observations:
             site, 8 external event, 16 slip records) and `receiver_clock_offset_s`
         notices: oddities that were passed over or repaired
         read_error: why reading ended before the end of the file; None when it did not
-        stream: of a recording of an RTCM 3 stream, what it was made of up to here; None for other files
+        stream: of a recording of a stream, what it was made of up to here; None for other files
     """
 
     __slots__ = ("_header_data", "epochs", "header", "notices", "read_error", "stream", "table")
@@ -180,8 +180,8 @@ def read_obs(
     """Reads an observation file: every satellite, signal and flag.
 
     Args:
-        path: RINEX 2, 3 or 4, plain or Hatanaka-compressed (CRINEX), or a recording of an RTCM 3 stream, also inside
-            gzip, .Z, zip, bzip2, xz or zstd
+        path: RINEX 2, 3 or 4, plain or Hatanaka-compressed (CRINEX), or a recording of a stream (RTCM 3, u-blox
+            UBX), also inside gzip, .Z, zip, bzip2, xz or zstd
         systems: letters of the systems to keep, such as "GE"; None keeps all
         signals: such as ["1C", "5Q"], or of one system "G1C"; None keeps all
         fields: out of "pseudorange", "phase", "doppler", "snr"

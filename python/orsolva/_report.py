@@ -139,7 +139,7 @@ class Report:
 
     @property
     def stream(self) -> StreamFacts | None:
-        """What a recording of an RTCM 3 stream was made of; None for other files."""
+        """What a recording of a stream was made of; None for other files."""
         record = self._data.stream()
         return None if record is None else StreamFacts(record)
 
@@ -450,8 +450,8 @@ def qc(
     """Judges the quality of one observation file, or of consecutive files of a station as one span.
 
     Args:
-        observations: RINEX 2, 3 or 4, plain or Hatanaka-compressed (CRINEX), or a recording of an RTCM 3 stream, also
-            inside gzip, .Z, zip, bzip2, xz or zstd; a list: files of one station and interval that are joined
+        observations: RINEX 2, 3 or 4, plain or Hatanaka-compressed (CRINEX), or a recording of a stream (RTCM 3,
+            u-blox UBX), also inside gzip, .Z, zip, bzip2, xz or zstd; a list: files of one station and interval that are joined
         nav: a navigation file or folder, a list of them, or what `read_nav` returned; None takes those next to the
             observation file
         elevation_deg: elevation cut-off, degrees, 0 to 90

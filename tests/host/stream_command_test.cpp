@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <utility>
 
 #include "tests/host/folder.h"
 #include "tests/host/program.h"
@@ -77,6 +78,34 @@ TEST_F(StreamCommand, InspectListsWhatItHolds) {
        {"RTCM 3, ", "1074=24", "ORSOLVA SIMULATED", "Interval          30 s", " ephemerides"}) {
     EXPECT_NE(a.out.find(text), std::string::npos) << text << a.out;
   }
+}
+
+TEST(UbxCommand, JudgesAndInspectsARecordingCompressedAndFromAPipe) {
+  const Folder folder;
+  const Answer made = Orsolva("simulate --hours 0.2 --systems GRE --ubx --output " + folder.Path());
+  ASSERT_EQ(made.code, 0) << made.err;
+  const std::string path = folder / "SIMU00ORS_R_20201770000_12M.ubx";
+  EXPECT_NE(made.out.find(path), std::string::npos);
+  const std::string navigation = " --nav " + (folder / "SIMU00ORS_R_20201770000_12M_MN.rnx");
+  ASSERT_EQ(std::system(("gzip -k " + path).c_str()), 0);
+  for (const auto& [file, input] :
+       {std::pair(path, std::string("/dev/null")), {path + ".gz", "/dev/null"}, {"-", path}}) {
+    const Answer a = Orsolva("qc --no-config --quiet --json " + file + navigation, input);
+    ASSERT_EQ(a.code, 0) << a.err;
+    const json report = json::parse(a.out);
+    EXPECT_EQ(report["run"]["epochs"], 24);
+    EXPECT_EQ(report["run"]["stream"]["format"], "u-blox UBX");
+    EXPECT_EQ(report["run"]["receiver"], "ORSOLVA SIMULATED");
+  }
+  const Answer inspected = Orsolva("inspect " + path);
+  EXPECT_EQ(inspected.code, 0) << inspected.err;
+  for (const char* text : {"u-blox UBX, 25 frames", "02-15=24", "Interval          30 s"}) {
+    EXPECT_NE(inspected.out.find(text), std::string::npos) << text << inspected.out;
+  }
+}
+
+TEST(UbxCommand, ExcludesARtcmStream) {
+  EXPECT_EQ(Orsolva("simulate --ubx --rtcm 7 --output /nonexistent").code, 2);
 }
 
 }  // namespace

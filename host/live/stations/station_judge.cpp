@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "host/formats/rtcm/stream_clock.h"
-#include "host/judging/rtcm_source.h"
+#include "host/judging/stream_source.h"
 #include "host/live/event_json.h"
 
 namespace orsolva_host::live {

@@ -1,6 +1,6 @@
-// A recording of an RTCM 3 stream as a source of epochs.
-#ifndef ORSOLVA_JUDGING_RTCM_SOURCE_H
-#define ORSOLVA_JUDGING_RTCM_SOURCE_H
+// A recording of a stream as a source of epochs.
+#ifndef ORSOLVA_JUDGING_STREAM_SOURCE_H
+#define ORSOLVA_JUDGING_STREAM_SOURCE_H
 
 #include <functional>
 #include <memory>
@@ -8,9 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "host/formats/rtcm/reader.h"
 #include "host/judging/epoch_source.h"
 #include "host/judging/shared_navigation.h"
+#include "host/judging/stream_reading.h"
 
 namespace orsolva_host {
 
@@ -19,32 +19,32 @@ namespace orsolva_host {
 /// noise. What rounds to 0 is absent, as it is in RINEX.
 void RoundAsRinex(ObservationEpoch& epoch);
 
-/// What a reader has found so far.
-StreamFacts StreamOf(const rtcm::Reader& reader);
-
 /// A recording without any date gets its week from `near_ns`, else from the records of named navigation files
 /// (TakeChannels).
 ///
 /// Reads the recording twice: first the ephemerides, the station and the time at which it begins, so that
 /// epochs before the first ephemerides are judged as all others are, then the epochs.
-class RtcmSource : public EpochSource {
+class StreamSource : public EpochSource {
  public:
   using Open = std::function<std::unique_ptr<ByteSource>(Diagnostics&)>;
 
   /// @param open  returns the bytes from the beginning on, each time that it is called; kept
   /// @param near_ns  a time within half a week of the beginning, GPS time, used where the stream has no date
   /// @throws FileError
-  RtcmSource(std::string name, Open open, std::optional<std::int64_t> near_ns, Diagnostics& diagnostics);
+  StreamSource(StreamFormat format, std::string name, Open open, std::optional<std::int64_t> near_ns,
+               Diagnostics& diagnostics);
 
   const std::string& Name() const override { return name_; }
   const ObservationHeader& Header() const override { return header_; }
   bool Next(ObsEpoch_QC_gbt& epoch, ObservationEpoch& full) override;
-  const std::optional<FileError>& Failure() const override { return reader_ ? reader_->Failure() : undated_; }
+  const std::optional<FileError>& Failure() const override {
+    return reader_ ? reader_->Recording().Failure() : undated_;
+  }
   std::vector<DescriptionChange> Changes() const override { return changes_; }
   std::shared_ptr<const ReadNavigation> Navigation() const override { return navigation_; }
   void TakeChannels(const BroadcastRecords& records) override;
   std::optional<StreamFacts> Stream() const override {
-    return reader_ ? std::optional(StreamOf(*reader_)) : std::nullopt;
+    return reader_ ? std::optional(reader_->Facts()) : std::nullopt;
   }
 
  private:
@@ -52,12 +52,13 @@ class RtcmSource : public EpochSource {
   void Survey(std::optional<std::int64_t> near_ns);
   void NoteChanges();
 
+  StreamFormat format_;
   std::string name_;
   Open open_;
   Diagnostics& diagnostics_;
   ObservationHeader header_;
   std::shared_ptr<const ReadNavigation> navigation_;  ///< null without ephemerides
-  std::unique_ptr<rtcm::Reader> reader_;              ///< null while there is no date
+  std::unique_ptr<StreamReading> reader_;             ///< null while there is no date
   std::optional<FileError> undated_;
   std::string antenna_, receiver_;  ///< as stated last
   std::vector<DescriptionChange> changes_;
@@ -65,4 +66,4 @@ class RtcmSource : public EpochSource {
 
 }  // namespace orsolva_host
 
-#endif  // ORSOLVA_JUDGING_RTCM_SOURCE_H
+#endif  // ORSOLVA_JUDGING_STREAM_SOURCE_H

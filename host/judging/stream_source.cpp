@@ -1,9 +1,10 @@
-#include "host/judging/rtcm_source.h"
+#include "host/judging/stream_source.h"
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
+#include "host/formats/rtcm/reader.h"
 #include "host/judging/library_epoch.h"
 #include "host/judging/stream_navigation.h"
 
@@ -25,9 +26,6 @@ std::optional<double> TimeOf(const BroadcastRecords& records) {
   return std::nullopt;
 }
 
-/// Whether messages give phases in the steps of MSM4 and MSM5.
-bool IsCoarse(rtcm::MsmType type) { return type.kind == 4 || type.kind == 5; }
-
 }  // namespace
 
 void RoundAsRinex(ObservationEpoch& epoch) {
@@ -39,25 +37,9 @@ void RoundAsRinex(ObservationEpoch& epoch) {
   }
 }
 
-StreamFacts StreamOf(const rtcm::Reader& reader) {
-  StreamFacts stream;
-  stream.format = "RTCM 3";
-  const rtcm::FrameCounts& frames = reader.Frames();
-  stream.frames = frames.frames;
-  stream.crc_errors = frames.crc_errors;
-  stream.skipped_bytes = frames.skipped_bytes;
-  for (const auto& [type, count] : reader.Messages().Counts().types) {
-    stream.messages.push_back({type, count.messages, count.damaged, rtcm::IsDecoded(type)});
-    const auto msm = rtcm::MsmTypeOf(type);
-    if (!msm || !IsCoarse(*msm) || stream.coarse_systems.find(msm->system) != std::string::npos) continue;
-    stream.coarse_systems += msm->system;
-  }
-  return stream;
-}
-
-RtcmSource::RtcmSource(std::string name, Open open, std::optional<std::int64_t> near_ns,
-                       Diagnostics& diagnostics)
-    : name_(std::move(name)), open_(std::move(open)), diagnostics_(diagnostics) {
+StreamSource::StreamSource(StreamFormat format, std::string name, Open open,
+                           std::optional<std::int64_t> near_ns, Diagnostics& diagnostics)
+    : format_(format), name_(std::move(name)), open_(std::move(open)), diagnostics_(diagnostics) {
   try {
     Begin(std::nullopt);
   } catch (const FileError& error) {
@@ -67,27 +49,25 @@ RtcmSource::RtcmSource(std::string name, Open open, std::optional<std::int64_t> 
   }
 }
 
-void RtcmSource::Begin(std::optional<std::int64_t> near_ns) {
+void StreamSource::Begin(std::optional<std::int64_t> near_ns) {
   Survey(near_ns);
-  rtcm::ReaderOptions options;
+  StreamOptions options;
   options.near_ns = header_.first_epoch ? header_.first_epoch->time * kNanosecondsPerSecond : near_ns;
   header_.first_epoch.reset();
-  reader_ = std::make_unique<rtcm::Reader>(open_(diagnostics_), name_, diagnostics_, options);
+  reader_ = ReadStream(format_, open_(diagnostics_), name_, diagnostics_, options);
   undated_.reset();
   if (navigation_) TakeChannels(navigation_->broadcast);
 }
 
 /// Reads the whole recording without its epochs. Its notices are those of the second reading.
-void RtcmSource::Survey(std::optional<std::int64_t> near_ns) {
+void StreamSource::Survey(std::optional<std::int64_t> near_ns) {
   Diagnostics unused;
-  rtcm::ReaderOptions options;
-  options.near_ns = near_ns;
-  options.epochs = false;
-  rtcm::Reader reader(open_(unused), name_, unused, options);
+  const std::unique_ptr<StreamReading> reading =
+      ReadStream(format_, open_(unused), name_, unused, {near_ns, false});
   ObservationEpoch none;
-  while (reader.Next(none)) continue;
+  while (reading->Recording().Next(none)) continue;
   StreamNavigation ephemerides;
-  ephemerides.Take(reader);
+  reading->GiveEphemerides(ephemerides);
   if (!ephemerides.Empty()) {
     auto navigation = std::make_shared<ReadNavigation>();
     navigation->files = {name_};
@@ -95,18 +75,15 @@ void RtcmSource::Survey(std::optional<std::int64_t> near_ns) {
     ephemerides.AppendTo(navigation->set, navigation->broadcast);
     navigation_ = std::move(navigation);
   }
-  const rtcm::StationDescription& station = reader.Messages().FirstStation();
-  header_.receiver = station.receiver;
-  header_.antenna = station.antenna;
-  header_.position = station.position_m;
+  reading->Describe(header_);
   antenna_ = header_.antenna;
   receiver_ = header_.receiver;
-  if (const auto first = reader.Messages().FirstTime()) {
+  if (const auto first = reading->FirstTime()) {
     header_.first_epoch = Time_gbt{*first / kNanosecondsPerSecond, 0};
   }
 }
 
-void RtcmSource::TakeChannels(const BroadcastRecords& records) {
+void StreamSource::TakeChannels(const BroadcastRecords& records) {
   if (undated_) {
     const std::optional<double> near_s = TimeOf(records);
     if (near_s) Begin(static_cast<std::int64_t>(*near_s) * kNanosecondsPerSecond);
@@ -119,24 +96,23 @@ void RtcmSource::TakeChannels(const BroadcastRecords& records) {
   }
 }
 
-bool RtcmSource::Next(ObsEpoch_QC_gbt& epoch, ObservationEpoch& full) {
+bool StreamSource::Next(ObsEpoch_QC_gbt& epoch, ObservationEpoch& full) {
   if (undated_) throw FileError(*undated_);
-  if (!reader_->Next(full)) return false;
+  if (!reader_->Recording().Next(full)) return false;
   RoundAsRinex(full);
   FillLibraryEpoch(full, name_, diagnostics_, epoch);
   NoteChanges();
   return true;
 }
 
-void RtcmSource::NoteChanges() {
-  const rtcm::StationDescription& now = reader_->Station();
+void StreamSource::NoteChanges() {
   const auto compare = [this](const char* what, std::string& known, const std::string& stated) {
     if (stated.empty() || stated == known) return;
     if (changes_.size() < kMaxChanges) changes_.push_back({what, known, stated});
     known = stated;
   };
-  compare("antenna", antenna_, now.antenna);
-  compare("receiver", receiver_, now.receiver);
+  compare("antenna", antenna_, reader_->Antenna());
+  compare("receiver", receiver_, reader_->Receiver());
 }
 
 }  // namespace orsolva_host

@@ -1,4 +1,4 @@
-#include "host/judging/rtcm_source.h"
+#include "host/judging/stream_source.h"
 
 #include <gtest/gtest.h>
 
@@ -9,8 +9,11 @@
 
 #include "host/formats/rtcm/ephemeris.h"
 #include "host/formats/rtcm/frame.h"
+#include "host/formats/ubx/frame.h"
+#include "host/formats/ubx/messages.h"
+#include "host/formats/ubx/raw_measurements.h"
 #include "host/judging/inputs.h"
-#include "host/judging/rtcm_detection.h"
+#include "host/judging/stream_detection.h"
 #include "host/judging/stream_navigation.h"
 #include "tests/formats/rtcm/frames.h"
 #include "tests/host/folder.h"
@@ -35,33 +38,55 @@ std::string Epoch(char system, std::int64_t time_ms) {
   return rtcm::FrameOf(rtcm::WriteMsm(OneCell(system, 7, time_ms)));
 }
 
-RtcmSource Open(const std::string& bytes, Diagnostics& diagnostics,
-                std::optional<std::int64_t> near_ns = std::nullopt) {
-  return RtcmSource(
-      "stream", [bytes](Diagnostics& /*notices*/) { return TextBytes(bytes); }, near_ns, diagnostics);
+StreamSource Open(const std::string& bytes, Diagnostics& diagnostics,
+                  std::optional<std::int64_t> near_ns = std::nullopt) {
+  return StreamSource(
+      StreamFormat::kRtcm, "stream", [bytes](Diagnostics& /*notices*/) { return TextBytes(bytes); }, near_ns,
+      diagnostics);
 }
 
-RtcmContent ContentOf(const std::string& bytes) {
+std::optional<DetectedStream> Detected(const std::string& bytes) {
   std::unique_ptr<ByteSource> source = TextBytes(bytes);
-  const RtcmContent content = RtcmContentOf(source);
+  const std::optional<DetectedStream> stream = DetectStream(source);
   EXPECT_EQ(Peek(source, bytes.size() + 1), bytes);
-  return content;
+  return stream;
 }
 
-TEST(RtcmDetection, GoesByFramesAndNotByNames) {
+std::string UbxEpoch() {
+  return ubx::FrameOf(ubx::MessageOf(ubx::kRawMeasurements, ubx::WriteRaw({1000, 2200, {}})));
+}
+
+constexpr DetectedStream kRtcmObservations = {StreamFormat::kRtcm, false};
+constexpr DetectedStream kRtcmNavigation = {StreamFormat::kRtcm, true};
+constexpr DetectedStream kUbxObservations = {StreamFormat::kUbx, false};
+
+TEST(StreamDetection, GoesByFramesAndNotByNames) {
   const std::string observations = Epoch('G', 1000), records = Ephemeris(1045, 'E', 3, GpsTime(2200, 600));
-  EXPECT_EQ(ContentOf(observations), RtcmContent::kObservations);
-  EXPECT_EQ(ContentOf("ICY 200 OK\r\n\r\n" + records + observations), RtcmContent::kObservations);
-  EXPECT_EQ(ContentOf(records), RtcmContent::kNavigation);
-  EXPECT_EQ(ContentOf(observations.substr(0, observations.size() - 1)), RtcmContent::kNone);
-  EXPECT_EQ(ContentOf(""), RtcmContent::kNone);
-  EXPECT_EQ(ContentOf("     3.05           OBSERVATION DATA    M                   RINEX VERSION / TYPE\n" +
-                      observations),
-            RtcmContent::kNone);
-  EXPECT_EQ(RtcmContentOf(std::string("/no/such.rtcm3")), RtcmContent::kNone);
+  EXPECT_EQ(Detected(observations), kRtcmObservations);
+  EXPECT_EQ(Detected("ICY 200 OK\r\n\r\n" + records + observations), kRtcmObservations);
+  EXPECT_EQ(Detected(records), kRtcmNavigation);
+  EXPECT_EQ(Detected(observations.substr(0, observations.size() - 1)), std::nullopt);
+  EXPECT_EQ(Detected(""), std::nullopt);
+  EXPECT_EQ(Detected("     3.05           OBSERVATION DATA    M                   RINEX VERSION / TYPE\n" +
+                     observations),
+            std::nullopt);
+  EXPECT_EQ(DetectStream(std::string("/no/such.rtcm3")), std::nullopt);
 }
 
-TEST(RtcmDetection, SortsStreamsAmongOtherFiles) {
+TEST(StreamDetection, TakesTheFormatWithObservations) {
+  const std::string records = Ephemeris(1045, 'E', 3, GpsTime(2200, 600));
+  const std::string version = ubx::FrameOf(ubx::MessageOf(ubx::kVersion, ""));
+  EXPECT_EQ(Detected("$GNGGA,1" + UbxEpoch()), kUbxObservations);
+  EXPECT_EQ(Detected(version), kUbxObservations);
+  EXPECT_EQ(Detected(records + UbxEpoch()), kUbxObservations);
+  EXPECT_EQ(Detected(version + records), kRtcmNavigation);
+  EXPECT_EQ(Detected(UbxEpoch() + Epoch('G', 1000)), kRtcmObservations);
+  std::string damaged = UbxEpoch();
+  damaged[9] ^= 1;
+  EXPECT_EQ(Detected(damaged), std::nullopt);
+}
+
+TEST(StreamDetection, SortsStreamsAmongOtherFiles) {
   const Folder folder;
   std::ofstream(folder / "b", std::ios::binary) << Epoch('G', 1000);
   std::ofstream(folder / "a", std::ios::binary) << Ephemeris(1045, 'E', 3, GpsTime(2200, 600));
@@ -72,10 +97,10 @@ TEST(RtcmDetection, SortsStreamsAmongOtherFiles) {
   EXPECT_EQ(InputsOf({folder.Path()}, {}).observations, std::vector<std::string>{folder / "b"});
 }
 
-TEST(RtcmSource, KnowsEphemeridesBeforeTheFirstEpoch) {
+TEST(StreamSource, KnowsEphemeridesBeforeTheFirstEpoch) {
   Diagnostics diagnostics;
   const std::string bytes = Epoch('G', 1000) + Epoch('G', 2000) + Ephemeris(1045, 'E', 3, GpsTime(2200, 600));
-  RtcmSource source = Open(bytes, diagnostics);
+  StreamSource source = Open(bytes, diagnostics);
   ASSERT_TRUE(source.Navigation());
   EXPECT_EQ(source.Navigation()->set.galileo.size(), 1U);
   ObsEpoch_QC_gbt record;
@@ -91,9 +116,9 @@ TEST(RtcmSource, KnowsEphemeridesBeforeTheFirstEpoch) {
   EXPECT_TRUE(source.Stream()->coarse_systems.empty());
 }
 
-TEST(RtcmSource, WithoutADateAsksForNavigation) {
+TEST(StreamSource, WithoutADateAsksForNavigation) {
   Diagnostics diagnostics;
-  RtcmSource source = Open(Epoch('G', 1000), diagnostics);
+  StreamSource source = Open(Epoch('G', 1000), diagnostics);
   ObsEpoch_QC_gbt record;
   ObservationEpoch full;
   try {
@@ -105,9 +130,9 @@ TEST(RtcmSource, WithoutADateAsksForNavigation) {
   }
 }
 
-TEST(RtcmSource, TakesTheWeekOfNamedRecordsWhereItHasNone) {
+TEST(StreamSource, TakesTheWeekOfNamedRecordsWhereItHasNone) {
   Diagnostics diagnostics;
-  RtcmSource source = Open(Epoch('G', 1000), diagnostics);
+  StreamSource source = Open(Epoch('G', 1000), diagnostics);
   BroadcastRecords records;
   records.kepler.emplace_back().toe_s = static_cast<double>(GpsTime(2150, 7200) / kSecond);
   source.TakeChannels(records);
@@ -117,20 +142,20 @@ TEST(RtcmSource, TakesTheWeekOfNamedRecordsWhereItHasNone) {
   EXPECT_EQ(full.time_ns, GpsTime(2150, 1));
 }
 
-TEST(RtcmSource, TakesTheWeekOfTheTimeAskedForOnlyWhereItHasNone) {
+TEST(StreamSource, TakesTheWeekOfTheTimeAskedForOnlyWhereItHasNone) {
   ObsEpoch_QC_gbt record;
   ObservationEpoch full;
   Diagnostics diagnostics;
-  RtcmSource undated = Open(Epoch('G', 1000), diagnostics, GpsTime(2150, 7200));
+  StreamSource undated = Open(Epoch('G', 1000), diagnostics, GpsTime(2150, 7200));
   ASSERT_TRUE(undated.Next(record, full));
   EXPECT_EQ(full.time_ns, GpsTime(2150, 1));
   const std::string dated = Ephemeris(1045, 'E', 3, GpsTime(2200, 600)) + Epoch('G', 1000);
-  RtcmSource other = Open(dated, diagnostics, GpsTime(2150, 7200));
+  StreamSource other = Open(dated, diagnostics, GpsTime(2150, 7200));
   ASSERT_TRUE(other.Next(record, full));
   EXPECT_EQ(full.time_ns, GpsTime(2200, 1));
 }
 
-TEST(RtcmSource, RoundsAsAFileDoes) {
+TEST(StreamSource, RoundsAsAFileDoes) {
   ObservationEpoch epoch;
   SignalObservation signal;
   signal.pseudorange_m = 21234567.12349;

@@ -26,8 +26,8 @@ class LockTracker {
  public:
   /// @param half_cycle_subtracted  the receiver has resolved the half-cycle ambiguity by subtracting half a
   /// cycle; where that changes, the phase changes by half a cycle
-  /// @return whether lock was lost, or the phase was set anew, since the last epoch of the signal with a
-  /// phase
+  /// @return whether lock was lost, or the phase stepped by half a cycle, since the last epoch of the signal
+  /// with a phase
   bool Lost(std::int64_t time_ns, SatelliteId satellite, SignalCode code, LockTime lock,
             bool half_cycle_subtracted = false);
 

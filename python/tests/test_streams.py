@@ -1,4 +1,4 @@
-"""Recordings of RTCM 3 streams."""
+"""Recordings of RTCM 3 streams and of u-blox receivers."""
 import numpy as np
 import pytest
 
@@ -77,3 +77,16 @@ def test_a_stream_without_a_date_is_a_file_error(data):
     with pytest.raises(orsolva.FileError, match="date") as caught:
         orsolva.read_obs(data.parent / "rtcm" / "msm7.rtcm")
     assert caught.value.advice
+
+
+def test_a_recording_of_a_u_blox_receiver_is_read_and_judged(command, tmp_path):
+    command("simulate", "--hours", "0.2", "--systems", "GRE", "--ubx", "--output", tmp_path)
+    recording, twin = next(tmp_path.glob("*.ubx")), next(tmp_path.glob("*_MO.rnx"))
+    navigation = next(tmp_path.glob("*_MN.rnx"))
+    read, expected = orsolva.read_obs(recording), orsolva.read_obs(twin)
+    assert read.stream.format == "u-blox UBX" and read.stream.messages[0]["type"] == 0x0215
+    for column in ("time", "satellite", "signal", "pseudorange_m", "phase_cycles", "doppler_hz", "snr_dbhz"):
+        assert np.array_equal(read.table[column], expected.table[column], equal_nan=read.table[column].dtype.kind == "f")
+    assert sum(len(part.epochs) for part in orsolva.iter_obs(recording, epochs=7)) == 24
+    report = orsolva.qc(recording, navigation)
+    assert report.run.epochs == 24 and report.stream == read.stream

@@ -1,4 +1,4 @@
-"""Station, time and kind of a RINEX file from its name, long (RINEX 3.05, appendix A1) or short (RINEX 2.11, section 4)."""
+"""Station, time and kind of a RINEX file, or of a recording named like one, from its name, long (RINEX 3.05, appendix A1) or short (RINEX 2.11, section 4)."""
 from __future__ import annotations
 
 import datetime
@@ -8,7 +8,7 @@ from dataclasses import dataclass
 _COMPRESSED = r"(?:\.(?:gz|z|zip|bz2|xz|zst))?"
 _LONG = re.compile(
     r"(?P<stem>(?P<station>[A-Z0-9]{4}(?:[A-Z0-9]{5})?)_[RSU]_(?P<year>\d{4})(?P<day>\d{3})(?P<hour>\d\d)(?P<minute>\d\d)"
-    r"_\d\d[SMHDYU](?:_\d\d[CZSMHDU])?_[GREJCISM](?P<kind>[ON]))\.(?:rnx|crx)" + _COMPRESSED,
+    r"_\d\d[SMHDYU](?:_\d\d[CZSMHDU])?_[GREJCISM](?P<kind>[ON]))\.(?:rnx|crx|rtcm3|ubx)" + _COMPRESSED,
     re.IGNORECASE,
 )
 _SHORT = re.compile(
@@ -40,7 +40,7 @@ class FileName:
 
 
 def parse(name: str) -> FileName | None:
-    """What the name of a file says; None when it is no RINEX name."""
+    """What the name of a file says; None when it is no RINEX name, nor one of a recording."""
     if found := _LONG.fullmatch(name):
         start = _day(int(found["year"]), int(found["day"]), int(found["hour"]), int(found["minute"]))
         stem = found["stem"].upper()

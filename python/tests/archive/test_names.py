@@ -12,6 +12,8 @@ from orsolva.archive.store import Bundle, bucket_of
 @pytest.mark.parametrize("name, station, start, observations, stem", [
     ("ESBC00DNK_R_20201770000_01D_30S_MO.crx.gz", "ESBC00DNK", (2020, 6, 25), True, "ESBC00DNK_R_20201770000_01D_30S_MO"),
     ("ESBC00DNK_R_20201770000_01D_30S_MO.rnx", "ESBC00DNK", (2020, 6, 25), True, "ESBC00DNK_R_20201770000_01D_30S_MO"),
+    ("ESBC00DNK_R_20201770000_01D_30S_MO.rtcm3.gz", "ESBC00DNK", (2020, 6, 25), True, "ESBC00DNK_R_20201770000_01D_30S_MO"),
+    ("ESBC00DNK_R_20201770000_01D_01S_MO.ubx", "ESBC00DNK", (2020, 6, 25), True, "ESBC00DNK_R_20201770000_01D_01S_MO"),
     ("BRDC00IGS_R_20203660000_01D_MN.rnx.gz", "BRDC00IGS", (2020, 12, 31), False, "BRDC00IGS_R_20203660000_01D_MN"),
     ("esbc177b.20o", "ESBC", (2020, 6, 25, 1), True, "ESBC177B.20O"),
     ("esbc1770.20d.Z", "ESBC", (2020, 6, 25), True, "ESBC1770.20O"),

@@ -14,6 +14,7 @@ namespace {
 constexpr std::int64_t kGpsBegins_s = 315964800;  // 1980-01-06
 constexpr std::int64_t kWeek_s = 604800;
 constexpr int kFirstWeek = 1356;           // 2006-01-01, before any receiver with this message
+constexpr int kLastWeek = 6260;            // to the end of 2099; nanoseconds reach to 2262
 constexpr double kMaxRange_m = 1e8;        // a third of a second of light
 constexpr double kMaxPhase_cycles = 1e10;  // what a RINEX file can hold
 constexpr double kMaxDoppler_hz = 1e6;
@@ -28,7 +29,8 @@ std::optional<std::int64_t> TimeOf(const RawMessage& message) {
   constexpr double kTicks = 1e7;
   constexpr std::int64_t kTick_ns = 100;
   const double second = message.second_of_week;
-  if (message.week < kFirstWeek || !(second >= 0) || second >= static_cast<double>(kWeek_s))
+  if (message.week < kFirstWeek || message.week > kLastWeek || !(second >= 0) ||
+      second >= static_cast<double>(kWeek_s))
     return std::nullopt;
   return (kGpsBegins_s + message.week * kWeek_s) * kNanosecondsPerSecond +
          std::llround(second * kTicks) * kTick_ns;
@@ -54,7 +56,7 @@ void Decoder::Take(std::string_view message) {
 }
 
 bool Decoder::TakeRaw(std::string_view payload) {
-  const std::optional<RawMessage> message = epochs_ ? ReadRaw(payload) : ReadRawHead(payload);
+  const std::optional<RawMessage> message = ReadRaw(payload);
   if (!message) return false;
   const std::optional<std::int64_t> time_ns = TimeOf(*message);
   if (!time_ns) {
@@ -62,6 +64,7 @@ bool Decoder::TakeRaw(std::string_view payload) {
     return true;
   }
   if (!first_ns_) first_ns_ = time_ns;
+  for (const RawMeasurement& measurement : message->measurements) TakeChannel(measurement);
   if (!epochs_) return true;
   std::vector<SatelliteSignal> signals;
   for (const RawMeasurement& measurement : message->measurements) {
@@ -70,6 +73,12 @@ bool Decoder::TakeRaw(std::string_view payload) {
   }
   counts_.duplicates += FillEpoch(*time_ns, std::move(signals), complete_.emplace_back());
   return true;
+}
+
+void Decoder::TakeChannel(const RawMeasurement& m) {
+  const std::optional<SatelliteId> satellite = SatelliteOf(m.gnss_id, m.sv_id);
+  if (!satellite || satellite->system != 'R' || m.channel > kMaxChannel) return;
+  channels_[satellite->number] = m.channel - kChannelOffset;
 }
 
 /// The value, or absent and counted where it is none that a satellite can have.
@@ -89,9 +98,6 @@ std::optional<SatelliteSignal> Decoder::SignalFrom(const RawMeasurement& m, std:
   if (!code) {
     ++counts_.unknown_signals;
     return std::nullopt;
-  }
-  if (satellite->system == 'R' && m.channel <= kMaxChannel) {
-    channels_[satellite->number] = m.channel - kChannelOffset;
   }
   SatelliteSignal signal;
   signal.satellite = *satellite;

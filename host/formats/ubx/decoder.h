@@ -53,7 +53,7 @@ struct ReceiverTexts {
 ///   used.
 class Decoder {
  public:
-  /// @param epochs  off: of raw measurements the time alone is read
+  /// @param epochs  off: of raw measurements the time and the channels of GLONASS alone are read
   explicit Decoder(bool epochs = true) : epochs_(epochs) {}
 
   /// Takes in a message, from the class on.
@@ -70,6 +70,7 @@ class Decoder {
  private:
   bool TakeRaw(std::string_view payload);
   bool TakeVersion(std::string_view payload);
+  void TakeChannel(const RawMeasurement& measurement);
   std::optional<SatelliteSignal> SignalFrom(const RawMeasurement& measurement, std::int64_t time_ns);
   double Possible(double value, double limit);
 

@@ -43,7 +43,7 @@ RawMeasurement MeasurementAt(std::string_view block) {
 
 }  // namespace
 
-std::optional<RawMessage> ReadRawHead(std::string_view payload) {
+std::optional<RawMessage> ReadRaw(std::string_view payload) {
   if (payload.size() < kHeadBytes || FieldAt<std::uint8_t>(payload, kVersionField) != kReadVersion) {
     return std::nullopt;
   }
@@ -52,14 +52,8 @@ std::optional<RawMessage> ReadRawHead(std::string_view payload) {
   RawMessage message;
   message.second_of_week = FieldAt<double>(payload, kTimeOfWeek);
   message.week = FieldAt<std::uint16_t>(payload, kWeek);
-  return message;
-}
-
-std::optional<RawMessage> ReadRaw(std::string_view payload) {
-  std::optional<RawMessage> message = ReadRawHead(payload);
-  if (!message) return message;
   for (std::size_t at = kHeadBytes; at < payload.size(); at += kBlockBytes) {
-    message->measurements.push_back(MeasurementAt(payload.substr(at, kBlockBytes)));
+    message.measurements.push_back(MeasurementAt(payload.substr(at, kBlockBytes)));
   }
   return message;
 }

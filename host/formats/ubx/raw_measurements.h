@@ -42,9 +42,6 @@ struct RawMessage {
 /// takes
 std::optional<RawMessage> ReadRaw(std::string_view payload);
 
-/// The head alone, with no measurements.
-std::optional<RawMessage> ReadRawHead(std::string_view payload);
-
 /// The payload. Leap seconds are marked unknown, standard deviations 0. @pre at most kMaxMeasurements
 std::string WriteRaw(const RawMessage& message);
 

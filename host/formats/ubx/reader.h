@@ -14,7 +14,7 @@ namespace orsolva_host::ubx {
 /// frames and messages, impossible fields and messages of other types are counted and cost only themselves.
 class Reader : public RecordingReader {
  public:
-  /// @param epochs  off: of raw measurements the time alone is read, and there are no epochs
+  /// @param epochs  off: of raw measurements the time and the channels of GLONASS alone are read
   /// @throws FileError when there is no frame
   Reader(std::unique_ptr<ByteSource> source, std::string name, Diagnostics& diagnostics, bool epochs = true);
 

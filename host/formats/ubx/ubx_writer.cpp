@@ -40,6 +40,7 @@ void FillValues(const SignalObservation& signal, RawMeasurement& m) {
 }  // namespace
 
 std::string RawxWriter::Write(const ObservationEpoch& epoch) {
+  ++epochs_;
   RawMessage message;
   const std::int64_t since_ns = epoch.time_ns - kGpsBegins_ns;
   message.week = static_cast<std::uint16_t>(since_ns / kWeek_ns);
@@ -69,9 +70,10 @@ std::uint16_t RawxWriter::LockOf(std::int64_t time_ns, SatelliteId satellite,
                                  const SignalObservation& signal) {
   if (std::isnan(signal.phase_cycles)) return 0;
   const std::pair key(satellite, *SigIdOf(satellite.system, signal.code));
-  const auto [since, is_new] = locked_since_ns_.try_emplace(key, time_ns);
-  if (!is_new && (signal.loss_of_lock & kLossOfLock) != 0) since->second = time_ns;
-  const std::int64_t lock_ms = (time_ns - since->second) / kMillisecond_ns;
+  Lock& lock = locks_[key];
+  if (lock.last_epoch + 1 != epochs_ || (signal.loss_of_lock & kLossOfLock) != 0) lock.since_ns = time_ns;
+  lock.last_epoch = epochs_;
+  const std::int64_t lock_ms = (time_ns - lock.since_ns) / kMillisecond_ns;
   return static_cast<std::uint16_t>(std::min<std::int64_t>(lock_ms, kMaxLock_ms));
 }
 

@@ -13,7 +13,8 @@
 
 namespace orsolva_host::ubx {
 
-/// Keeps the lock times from one epoch to the next.
+/// Keeps the lock times from one epoch to the next: they begin again with kLossOfLock, and when the epoch
+/// before had no phase of the signal.
 ///
 /// Pseudoranges and phases are written as they are, Doppler in single precision, strengths as whole dB-Hz.
 /// Left out, because UBX cannot hold them: signals and satellites without a number in signals.h, and what is
@@ -30,7 +31,12 @@ class RawxWriter {
   std::uint16_t LockOf(std::int64_t time_ns, SatelliteId satellite, const SignalObservation& signal);
 
   std::array<std::optional<int>, 64> channels_;
-  std::map<std::pair<SatelliteId, int>, std::int64_t> locked_since_ns_;  ///< by satellite and sigId
+  struct Lock {
+    std::int64_t since_ns = 0;
+    std::uint64_t last_epoch = 0;  ///< with a phase
+  };
+  std::uint64_t epochs_ = 0;
+  std::map<std::pair<SatelliteId, int>, Lock> locks_;  ///< by satellite and sigId
 };
 
 /// MON-VER with the name of a receiver.

@@ -229,13 +229,16 @@ TEST(UbxReader, DamageCostsOnlyItself) {
   signal.sig_id = 9;
   RawMessage undated = MessageAt(3, {Gps5()});
   undated.week = 0;
+  RawMessage far_future = undated;
+  far_future.week = 65535;
   const std::string cut =
       FrameOf(MessageOf(kRawMeasurements, WriteRaw(MessageAt(4, {Gps5()})).substr(0, 40)));
   Diagnostics diagnostics;
   const auto epochs =
       EpochsOf(FrameAt(1, {far, wild, unknown, signal, Gps5(), Gps5()}) +
-                   FrameOf(MessageOf(kRawMeasurements, WriteRaw(undated))) + cut + FrameAt(604800, {Gps5()}) +
-                   FrameOf(MessageOf(0x0107, "payload")) + FrameAt(5, {Gps5()}),
+                   FrameOf(MessageOf(kRawMeasurements, WriteRaw(undated))) +
+                   FrameOf(MessageOf(kRawMeasurements, WriteRaw(far_future))) + cut +
+                   FrameAt(604800, {Gps5()}) + FrameOf(MessageOf(0x0107, "payload")) + FrameAt(5, {Gps5()}),
                diagnostics);
   ASSERT_EQ(epochs.size(), 2U);
   ASSERT_EQ(epochs[0].satellites.size(), 3U);
@@ -247,7 +250,7 @@ TEST(UbxReader, DamageCostsOnlyItself) {
   const std::vector<std::pair<std::string, long>> expected = {
       {"message of another length or version than is read", 1},
       {"message of a type that is not decoded", 1},
-      {"observations with an impossible time", 2},
+      {"observations with an impossible time", 3},
       {"value that no satellite can have", 2},
       {"satellite number that is not known", 1},
       {"signal that is not known", 1},

@@ -9,7 +9,7 @@ const [report, index, folder] = process.argv.slice(2, 5).map((path) => resolve(p
 /** Only these, such as page-top-dark; all where none is named. */
 const wanted = process.argv.slice(5);
 mkdirSync(folder, { recursive: true });
-const WIDE = { viewport: { width: 1400, height: 900 }, deviceScaleFactor: 0.6 };
+const WIDE = { viewport: { width: 1400, height: 900 }, deviceScaleFactor: 0.75 };
 const PHONE = { viewport: { width: 390, height: 844 }, deviceScaleFactor: 0.8, hasTouch: true, isMobile: true };
 /** Name, page, window, element at the top of the picture. */
 const SHOTS = [

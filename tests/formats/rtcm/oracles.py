@@ -10,6 +10,9 @@ and with 1 when anything differs that is not listed below with its reason.
 """
 import argparse
 import collections
+import contextlib
+import functools
+import itertools
 import json
 import os
 import pathlib
@@ -59,17 +62,21 @@ def step_of(raw, value):
 
 # pyrtcm ------------------------------------------------------------------------------------------------------
 
+@functools.lru_cache(maxsize=None)
+def pyrtcm_number(name):
+    """The DF number of an attribute such as "DF405_03"; None where it is no field."""
+    match = re.match(r"DF(\d+)(?:_\d+)*$", name)
+    if match:
+        return int(match.group(1))
+    return 419 if re.match(r"ExtSatInfo(_\d+)*$", name) else None
+
+
 def pyrtcm_fields(message):
     """(DF number, value) in the order of the message."""
-    names = {"ExtSatInfo": 419}
     for name, value in message.__dict__.items():
-        match = re.match(r"DF(\d+)(?:_\d+)*$", name)
-        if match:
-            yield int(match.group(1)), value
-        else:
-            plain = re.sub(r"(_\d+)+$", "", name)
-            if plain in names:
-                yield names[plain], value
+        number = pyrtcm_number(name)
+        if number is not None:
+            yield number, value
 
 
 def our_fields(ours):
@@ -261,30 +268,43 @@ def compare_rust_msm(ours, body, findings):
 
 # Files -------------------------------------------------------------------------------------------------------
 
-def compare_file(program, rust, path, findings):
+@contextlib.contextmanager
+def json_lines(*command):
+    """What a program prints, message by message: streams of any length take little memory."""
+    with subprocess.Popen(command, stdout=subprocess.PIPE) as running:
+        yield (json.loads(line) for line in running.stdout)
+    if running.returncode != 0:
+        raise subprocess.CalledProcessError(running.returncode, command)
+
+
+def compare_with_pyrtcm(mine, findings):
     from pyrtcm import RTCMReader
 
-    def lines(command):
-        return subprocess.run(command, check=True, stdout=subprocess.PIPE).stdout.splitlines()
+    if mine["type"] in PYRTCM_FAILS:
+        return
+    body = bytes.fromhex(mine["bytes"])
+    findings.messages["pyrtcm"] += 1
+    try:
+        # Without its CRC: the frame is found by the program and, independently, by rtcm-rs.
+        frame = b"\xd3" + len(body).to_bytes(2, "big") + body + b"\0\0\0"
+        compare_pyrtcm(mine, RTCMReader.parse(frame, validate=0), findings)
+    except Exception as error:  # pylint: disable=broad-except
+        findings.add(("pyrtcm", mine["type"], "exception"), repr(error))
 
-    ours = [json.loads(line) for line in lines([program, "dump", path])]
-    rust_messages = [json.loads(line) for line in lines([rust, path])] if rust else []
-    if rust and len(rust_messages) != len(ours):
-        findings.add(("rtcm-rs", 0, f"count of messages in {path}"), (len(ours), len(rust_messages)))
-    for mine in ours:
-        if mine["type"] in PYRTCM_FAILS:
-            continue
-        body = bytes.fromhex(mine["bytes"])
-        findings.messages["pyrtcm"] += 1
-        try:
-            # Without its CRC: the frame is found by the program and, independently, by rtcm-rs.
-            frame = b"\xd3" + len(body).to_bytes(2, "big") + body + b"\0\0\0"
-            compare_pyrtcm(mine, RTCMReader.parse(frame, validate=0), findings)
-        except Exception as error:  # pylint: disable=broad-except
-            findings.add(("pyrtcm", mine["type"], "exception"), repr(error))
-    for mine, theirs in zip(ours, rust_messages):
-        findings.messages["rtcm-rs"] += 1
-        compare_rust(mine, theirs, findings)
+
+def compare_file(program, rust, path, findings):
+    with contextlib.ExitStack() as open_programs:
+        ours = open_programs.enter_context(json_lines(program, "dump", path))
+        rust_messages = open_programs.enter_context(json_lines(rust, path)) if rust else ()
+        missing = object()
+        for mine, theirs in itertools.zip_longest(ours, rust_messages, fillvalue=missing):
+            if mine is missing or (rust and theirs is missing):
+                findings.add(("rtcm-rs", 0, f"count of messages in {path}"), None)
+            if mine is not missing:
+                compare_with_pyrtcm(mine, findings)
+            if missing not in (mine, theirs):
+                findings.messages["rtcm-rs"] += 1
+                compare_rust(mine, theirs, findings)
 
 
 def compare_random(program, rust, count, seed, findings):
@@ -295,7 +315,7 @@ def compare_random(program, rust, count, seed, findings):
             compare_file(program, rust, path, findings)
             count -= AT_A_TIME
             seed += 1
-            print(f"{findings.messages['pyrtcm']} messages", file=sys.stderr, flush=True)
+            print(f"{findings.messages['pyrtcm']} messages, {sum(findings.kinds.values())} findings", file=sys.stderr, flush=True)
 
 
 def main():

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "host/live/sources/source_spec.h"
+#include "host/live/sources/source_table.h"
 
 namespace orsolva_host::live {
 
@@ -38,6 +39,7 @@ class ByteStream {
 struct StreamOptions {
   std::string certificates;                  ///< file of authorities; empty: those of the system
   std::optional<std::array<double, 3>> llh;  ///< where the caster asks for a position: degrees and metres
+  MountWishes* wishes = nullptr;             ///< outlives the stream; null: the caster is not asked
   std::chrono::seconds silence{60};          ///< without a byte the connection is given up
 };
 

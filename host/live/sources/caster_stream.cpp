@@ -1,39 +1,21 @@
-// A mount point of an NTRIP caster, by libcurl.
-//
-// NTRIP 1 replies "ICY 200 OK" and sends the stream, or "SOURCETABLE 200 OK" where the mount point is
-// unknown; NTRIP 2 is HTTP 1.1 with chunks (RTCM 10410.1 as the caster operators' public guides describe it:
-// software.rtcm-ntrip.org, gssc.esa.int/navipedia, "NTRIP"). libcurl takes such status lines for those of
-// HTTP 1.0 where it is given them.
-#include <curl/curl.h>
-
+// A mount point of an NTRIP caster: first the source table where it is not known what the mount point asks
+// for, then the stream.
 #include <chrono>
-#include <ctime>
-#include <mutex>
+#include <memory>
 #include <utility>
 
 #include "host/live/sources/byte_stream.h"
-#include "host/live/sources/gga_line.h"
+#include "host/live/sources/caster_request.h"
 
 namespace orsolva_host::live {
 namespace {
 
 using std::chrono::steady_clock;
 
-constexpr long kConnectTime_s = 15;
-constexpr std::size_t kMaxBuffered = std::size_t{1} << 20;
+constexpr std::chrono::seconds kTableTime{10};
+constexpr std::chrono::hours kAskAgain{1};
+constexpr std::chrono::seconds kSilenceWithoutPosition{20};
 constexpr long kUnauthorized = 401, kForbidden = 403, kNotFound = 404;
-
-/// Once for all threads.
-void InitialiseCurl() {
-  static std::once_flag once;
-  std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
-}
-
-std::string UrlOf(const SourceSpec& spec) {
-  const bool six = spec.host.find(':') != std::string::npos;
-  return std::string(spec.tls ? "https://" : "http://") + (six ? "[" + spec.host + "]" : spec.host) + ":" +
-         std::to_string(spec.port) + "/" + spec.mount;
-}
 
 class CasterStream : public ByteStream {
  public:
@@ -44,105 +26,99 @@ class CasterStream : public ByteStream {
   ReadOutcome Read(std::chrono::milliseconds longest) override;
 
  private:
-  static std::size_t OnBytes(char* bytes, std::size_t size, std::size_t count, void* self);
-  static std::size_t OnHeader(char* bytes, std::size_t size, std::size_t count, void* self);
+  void Begin(const std::string& mount);
+  void BeginStream();
+  bool KnowsWishes() const;
+  /// Both: what Read returns, or nothing while it waits. @param running  whether libcurl has more to do
+  std::optional<ReadOutcome> LookAtTable(bool running);
+  std::optional<ReadOutcome> LookAtStream(bool running);
+  CURLcode Result() const;
   ReadOutcome Ended(CURLcode code) const;
   ReadOutcome Refusal(long status) const;
-  void SetOptions(const SourceSpec& spec, const StreamOptions& options);
+  ReadOutcome Silence() const;
+  bool MissesPosition() const { return wants_position_ && !options_.llh; }
 
-  CURL* easy_;
+  SourceSpec spec_;
+  StreamOptions options_;
   CURLM* multi_;
-  curl_slist* headers_ = nullptr;
-  curl_slist* status_lines_ = nullptr;
-  std::string buffer_;
-  bool is_table_ = false;  ///< a source table came instead of a stream
-  std::chrono::seconds silence_;
-  steady_clock::time_point last_ = steady_clock::now();
+  std::unique_ptr<CasterRequest> request_;
+  std::unique_ptr<SourceTableSearch> search_;  ///< while the table is read
+  steady_clock::time_point begun_;
+  bool wants_position_ = false;  ///< as the table says
 };
 
-CasterStream::CasterStream(const SourceSpec& spec, const StreamOptions& options) : silence_(options.silence) {
-  InitialiseCurl();
-  easy_ = curl_easy_init();
-  multi_ = curl_multi_init();
-  SetOptions(spec, options);
-  curl_multi_add_handle(multi_, easy_);
+CasterStream::CasterStream(const SourceSpec& spec, const StreamOptions& options)
+    : spec_(spec), options_(options), multi_(curl_multi_init()) {
+  if (KnowsWishes()) {
+    BeginStream();
+  } else {
+    search_ = std::make_unique<SourceTableSearch>(spec.mount);
+    Begin("");
+  }
 }
 
 CasterStream::~CasterStream() {
-  curl_multi_remove_handle(multi_, easy_);
+  curl_multi_remove_handle(multi_, request_->Handle());
   curl_multi_cleanup(multi_);
-  curl_easy_cleanup(easy_);
-  curl_slist_free_all(headers_);
-  curl_slist_free_all(status_lines_);
 }
 
-void CasterStream::SetOptions(const SourceSpec& spec, const StreamOptions& options) {
-  const auto set = [this](CURLoption option, auto value) { curl_easy_setopt(easy_, option, value); };
-  set(CURLOPT_URL, UrlOf(spec).c_str());
-  set(CURLOPT_PROTOCOLS_STR, "http,https");
-  set(CURLOPT_FOLLOWLOCATION, 0L);
-  set(CURLOPT_USERAGENT, "NTRIP Orsolva");
-  set(CURLOPT_HTTP09_ALLOWED, 0L);
-  set(CURLOPT_NOSIGNAL, 1L);
-  set(CURLOPT_CONNECTTIMEOUT, kConnectTime_s);
-  set(CURLOPT_TCP_KEEPALIVE, 1L);
-  // A password goes to this host and nowhere else, and no file of the user adds one.
-  set(CURLOPT_NETRC, static_cast<long>(CURL_NETRC_IGNORED));
-  if (!spec.user.empty()) {
-    set(CURLOPT_HTTPAUTH, static_cast<long>(CURLAUTH_BASIC));
-    set(CURLOPT_USERNAME, spec.user.c_str());
-    set(CURLOPT_PASSWORD, spec.password.c_str());
-  }
-  if (!options.certificates.empty()) set(CURLOPT_CAINFO, options.certificates.c_str());
-  headers_ = curl_slist_append(headers_, "Ntrip-Version: Ntrip/2.0");
-  headers_ = curl_slist_append(headers_, "Connection: close");
-  // NTRIP 2 takes the position of a rover as a header of the request; a caster that asks for none ignores it.
-  if (options.llh) {
-    const std::string line = "Ntrip-GGA: " + GgaLine(*options.llh, std::time(nullptr));
-    headers_ = curl_slist_append(headers_, line.c_str());
-  }
-  set(CURLOPT_HTTPHEADER, headers_);
-  // Those of NTRIP 1; without them libcurl takes such an answer for no HTTP at all.
-  status_lines_ = curl_slist_append(status_lines_, "ICY 200 OK");
-  status_lines_ = curl_slist_append(status_lines_, "SOURCETABLE 200 OK");
-  set(CURLOPT_HTTP200ALIASES, status_lines_);
-  set(CURLOPT_WRITEFUNCTION, &CasterStream::OnBytes);
-  set(CURLOPT_WRITEDATA, static_cast<void*>(this));
-  set(CURLOPT_HEADERFUNCTION, &CasterStream::OnHeader);
-  set(CURLOPT_HEADERDATA, static_cast<void*>(this));
+bool CasterStream::KnowsWishes() const {
+  const MountWishes* const wishes = options_.wishes;
+  return wishes == nullptr || (wishes->asked && steady_clock::now() - *wishes->asked < kAskAgain);
 }
 
-std::size_t CasterStream::OnBytes(char* bytes, std::size_t size, std::size_t count, void* self) {
-  auto& stream = *static_cast<CasterStream*>(self);
-  if (stream.buffer_.size() > kMaxBuffered) return 0;
-  stream.buffer_.append(bytes, size * count);
-  stream.last_ = steady_clock::now();
-  return size * count;
+void CasterStream::Begin(const std::string& mount) {
+  if (request_) curl_multi_remove_handle(multi_, request_->Handle());
+  request_ = std::make_unique<CasterRequest>(spec_, mount, options_);
+  begun_ = steady_clock::now();
+  if (mount.empty()) curl_multi_add_handle(multi_, request_->Handle());
 }
 
-std::size_t CasterStream::OnHeader(char* bytes, std::size_t size, std::size_t count, void* self) {
-  const std::string line(bytes, size * count);
-  auto& stream = *static_cast<CasterStream*>(self);
-  if (line.rfind("SOURCETABLE", 0) == 0 || line.find("gnss/sourcetable") != std::string::npos)
-    stream.is_table_ = true;
-  return size * count;
+/// Who is known to want no position gets none; where no table says so, NTRIP 2 gets it in the header.
+void CasterStream::BeginStream() {
+  search_.reset();
+  Begin(spec_.mount);
+  const std::optional<bool> wanted = options_.wishes == nullptr ? std::nullopt : options_.wishes->position;
+  wants_position_ = wanted.value_or(false);
+  if (options_.llh && wanted.value_or(true)) request_->AddPosition(*options_.llh);
+  if (options_.llh && wants_position_) request_->SendPositions(*options_.llh);
+  if (MissesPosition()) options_.silence = std::min(options_.silence, kSilenceWithoutPosition);
+  curl_multi_add_handle(multi_, request_->Handle());
+}
+
+CURLcode CasterStream::Result() const {
+  int left = 0;
+  const CURLMsg* const message = curl_multi_info_read(multi_, &left);
+  return message == nullptr ? CURLE_RECV_ERROR : message->data.result;
 }
 
 ReadOutcome CasterStream::Refusal(long status) const {
   const auto refused = [](std::string problem) {
     return ReadOutcome{ReadOutcome::State::kRefused, "", std::move(problem)};
   };
-  if (is_table_ || status == kNotFound) return refused("the caster does not know the mount point");
+  if (request_->IsTable() || status == kNotFound) return refused("the caster does not know the mount point");
   if (status == kUnauthorized || status == kForbidden)
     return refused("the caster refuses user or password (" + std::to_string(status) + ")");
   return {ReadOutcome::State::kEnd, "", "the caster replied with status " + std::to_string(status)};
 }
 
+ReadOutcome CasterStream::Silence() const {
+  const std::string silent = "no byte came for " + std::to_string(options_.silence.count()) + " s";
+  if (!MissesPosition()) return {ReadOutcome::State::kEnd, "", silent};
+  return {ReadOutcome::State::kRefused, "",
+          silent +
+              ": this mount point sends nothing before it has a position (GGA), and that of the antenna is "
+              "not known; give it as position of the station"};
+}
+
 ReadOutcome CasterStream::Ended(CURLcode code) const {
-  long status = 0;
-  curl_easy_getinfo(easy_, CURLINFO_RESPONSE_CODE, &status);
-  if (is_table_ || status >= 300) return Refusal(status);
-  if (code == CURLE_OK) return {ReadOutcome::State::kEnd, "", "the caster ended the stream"};
+  const long status = request_->Status();
+  if (request_->IsTable() || status >= 300) return Refusal(status);
+  if (code == CURLE_OK) {
+    return {ReadOutcome::State::kEnd, "",
+            std::string("the caster ended the stream") +
+                (MissesPosition() ? "; it asks for a position (GGA): give that of the station" : "")};
+  }
   if (code == CURLE_WEIRD_SERVER_REPLY || code == CURLE_UNSUPPORTED_PROTOCOL) {
     return {ReadOutcome::State::kRefused, "",
             "what replies is no caster that this program reads. One that sends data right behind "
@@ -151,24 +127,39 @@ ReadOutcome CasterStream::Ended(CURLcode code) const {
   return {ReadOutcome::State::kEnd, "", curl_easy_strerror(code)};
 }
 
+/// The stream follows whatever comes of the table, unless there was no connection at all.
+std::optional<ReadOutcome> CasterStream::LookAtTable(bool running) {
+  const bool more = search_->Take(request_->TakeBytes());
+  const CURLcode result = running ? CURLE_OK : Result();
+  const bool late = steady_clock::now() - begun_ > kTableTime && request_->WasConnected();
+  if (running && more && !late) return std::nullopt;
+  if (result != CURLE_OK && !request_->WasConnected()) return Ended(result);
+  *options_.wishes = {search_->WantsPosition(), steady_clock::now()};
+  BeginStream();
+  return std::nullopt;
+}
+
+std::optional<ReadOutcome> CasterStream::LookAtStream(bool running) {
+  const long status = request_->Status();
+  if (!request_->Bytes().empty() && !request_->IsTable() && status < 300)
+    return ReadOutcome{ReadOutcome::State::kData, request_->TakeBytes(), ""};
+  if (!running) return Ended(Result());
+  if (request_->IsTable()) return Refusal(status);
+  if (steady_clock::now() - request_->LastByte() > options_.silence) return Silence();
+  return std::nullopt;
+}
+
 ReadOutcome CasterStream::Read(std::chrono::milliseconds longest) {
   const auto until = steady_clock::now() + longest;
   while (true) {
+    request_->SendDueLine();
     int running = 0;
     curl_multi_perform(multi_, &running);
-    long status = 0;
-    curl_easy_getinfo(easy_, CURLINFO_RESPONSE_CODE, &status);
-    if (!buffer_.empty() && !is_table_ && status < 300)
-      return {ReadOutcome::State::kData, std::exchange(buffer_, {}), ""};
-    if (running == 0) {
-      int left = 0;
-      const CURLMsg* const message = curl_multi_info_read(multi_, &left);
-      return Ended(message == nullptr ? CURLE_RECV_ERROR : message->data.result);
-    }
-    if (is_table_) return Refusal(status);
+    const bool was_table = search_ != nullptr;
+    auto outcome = was_table ? LookAtTable(running > 0) : LookAtStream(running > 0);
+    if (outcome) return *std::move(outcome);
+    if (was_table && !search_) continue;  // the stream has yet to begin
     const auto now = steady_clock::now();
-    if (now - last_ > silence_)
-      return {ReadOutcome::State::kEnd, "", "no byte came for " + std::to_string(silence_.count()) + " s"};
     if (now >= until) return {};
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(until - now);
     curl_multi_poll(multi_, nullptr, 0, static_cast<int>(left.count()) + 1, nullptr);

@@ -196,6 +196,22 @@ void StationJudge::TakeEphemerides(const std::vector<rtcm::EphemerisMessage>& me
                            records.state_vectors.end());
 }
 
+void StationJudge::EphemeridesFailed(const std::string& problem) {
+  const std::lock_guard lock(foreign_.mutex);
+  foreign_.problem = problem;
+}
+
+void StationJudge::TakeForeignEphemerides(std::int64_t now_ns) {
+  const std::lock_guard lock(foreign_.mutex);
+  if (!foreign_.messages.empty()) {
+    AddEphemerides(foreign_.messages, foreign_.records, now_ns);
+    for (const auto& message : foreign_.messages) last_ephemeris_ns_[SystemOf(message)] = now_ns;
+    foreign_.messages.clear();
+    foreign_.records = {};
+  }
+  if (!foreign_.problem.empty()) Note("no_ephemerides", std::exchange(foreign_.problem, {}), now_ns);
+}
+
 // What the stream says of its station
 
 void StationJudge::NoteStation(std::int64_t now_ns) {
@@ -376,15 +392,7 @@ void StationJudge::EndRun(bool whole, std::int64_t now_ns) {
 
 void StationJudge::EndMinute(std::int64_t next_ns, std::int64_t now_ns) {
   counter_.Flush();
-  {
-    const std::lock_guard lock(foreign_.mutex);
-    if (!foreign_.messages.empty()) {
-      AddEphemerides(foreign_.messages, foreign_.records, now_ns);
-      for (const auto& message : foreign_.messages) last_ephemeris_ns_[SystemOf(message)] = now_ns;
-      foreign_.messages.clear();
-      foreign_.records = {};
-    }
-  }
+  TakeForeignEphemerides(now_ns);
   WindowSums frames;
   const Count all_frames = earlier_frames_.frames + frames_.Counts().frames;
   const Count all_errors = earlier_frames_.crc_errors + frames_.Counts().crc_errors;

@@ -53,7 +53,10 @@ class StationJudge {
   /// Ephemerides from elsewhere; may be called from another thread. @param records  made from the messages
   void TakeEphemerides(const std::vector<rtcm::EphemerisMessage>& messages, const BroadcastRecords& records);
 
-  /// The same before the first byte, by the station's thread.
+  /// Why there are none from elsewhere; may be called from another thread. @param problem  without secrets
+  void EphemeridesFailed(const std::string& problem);
+
+  /// Ephemerides from elsewhere, by the station's thread.
   void UseEphemerides(const std::vector<rtcm::EphemerisMessage>& messages, const BroadcastRecords& records,
                       std::int64_t now_ns) {
     AddEphemerides(messages, records, now_ns);
@@ -81,6 +84,7 @@ class StationJudge {
     std::mutex mutex;
     std::vector<rtcm::EphemerisMessage> messages;
     BroadcastRecords records;
+    std::string problem;  ///< to be noted
   };
 
   std::int64_t UtcOf(std::int64_t gps_ns) const;
@@ -89,6 +93,7 @@ class StationJudge {
   void TakeMessage(std::string_view message, std::int64_t now_ns);
   void NewDecoder(std::optional<std::int64_t> near_ns);
   void TakeOwnEphemerides(std::int64_t now_ns);
+  void TakeForeignEphemerides(std::int64_t now_ns);
   void AddEphemerides(const std::vector<rtcm::EphemerisMessage>& messages, const BroadcastRecords& records,
                       std::int64_t now_ns);
   void NoteStation(std::int64_t now_ns);

@@ -6,11 +6,10 @@
 #include <cmath>
 #include <exception>
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <utility>
 
+#include "host/analysis/geometry/station.h"
 #include "host/formats/rtcm/reader.h"
 #include "host/formats/rtcm/stream_clock.h"
 #include "host/output/whole_file.h"
@@ -24,6 +23,7 @@ using std::chrono::steady_clock;
 
 constexpr milliseconds kPublishEvery{1000};
 constexpr std::chrono::minutes kKeepEvery{10};
+constexpr std::chrono::minutes kLookEvery{1};
 constexpr milliseconds kReadFor{500};
 constexpr std::size_t kReplayAtOnce = 4096;
 constexpr Count kCostEpochs = 60;
@@ -45,6 +45,13 @@ std::int64_t ThreadTime_us() {
 bool IsReplay(const SourceSpec& spec, const StationSettings& settings) {
   return spec.kind == SourceKind::kFile ||
          (spec.kind == SourceKind::kStandardInput && settings.start_gps_ns.has_value());
+}
+
+/// Latitude and longitude in degrees, height in metres.
+std::array<double, 3> DegreesOf(const std::array<double, 3>& xyz_m) {
+  constexpr double kDegree = 180 / 3.14159265358979323846;
+  const analysis::Geodetic place = analysis::ToGeodetic(xyz_m);
+  return {place.latitude_rad * kDegree, place.longitude_rad * kDegree, place.height_m};
 }
 
 /// When a recording begins, within half a week. @throws FileError
@@ -145,6 +152,15 @@ void StationThread::PublishNow() {
   next_keep_ = now + kKeepEvery;
 }
 
+/// The settings' position, which any thread may read.
+StreamOptions StationThread::OptionsOf(MountWishes& wishes) const {
+  StreamOptions options;
+  options.certificates = settings_.certificates;
+  options.wishes = &wishes;
+  if (settings_.position_m) options.llh = DegreesOf(*settings_.position_m);
+  return options;
+}
+
 void StationThread::MeasureCost() {
   const Count epochs = judge_.Epochs() - cost_epochs_;
   if (epochs < kCostEpochs) return;
@@ -186,8 +202,7 @@ void StationThread::Follow() {
   BackOff back_off(std::hash<std::string>()(settings_.name) ^ static_cast<std::size_t>(Now()));
   while (!stop_.Stopped()) {
     judge_.Connecting(Now());
-    StreamOptions options;
-    options.certificates = settings_.certificates;
+    StreamOptions options = OptionsOf(wishes_);
     if (const auto place = judge_.PlaceForCaster()) options.llh = place;
     const auto stream = OpenStream(spec_, options);
     FollowOnce(*stream, back_off);
@@ -214,8 +229,11 @@ void StationThread::FollowOnce(ByteStream& stream, BackOff& back_off) {
       connected = true;
       back_off.Succeeded();
       judge_.Take(outcome.bytes, now_ns);
+      if (spec_.kind != SourceKind::kStandardInput)
+        stop_.WaitFor(budget_.Spend(outcome.bytes.size(), steady_clock::now()));
     }
     judge_.Tick(now_ns);
+    ReadChangedFile();
     MeasureCost();
     PublishNow();
     if (outcome.state == ReadOutcome::State::kData || outcome.state == ReadOutcome::State::kNothing) continue;
@@ -228,10 +246,11 @@ void StationThread::FollowOnce(ByteStream& stream, BackOff& back_off) {
 /// A second connection, whose ephemerides are handed to the judge.
 void StationThread::FollowNavigation(const SourceSpec& spec) {
   BackOff back_off(std::hash<std::string>()(settings_.name + " navigation"));
+  MountWishes wishes;
+  ByteBudget budget;
+  std::string problem;  // that was noted, until it is over
   while (!stop_.Stopped()) {
-    StreamOptions options;
-    options.certificates = settings_.certificates;
-    const auto stream = OpenStream(spec, options);
+    const auto stream = OpenStream(spec, OptionsOf(wishes));
     rtcm::FrameScanner frames;
     rtcm::DecoderOptions decoding;
     decoding.near_ns = Now();
@@ -243,12 +262,16 @@ void StationThread::FollowNavigation(const SourceSpec& spec) {
       if (outcome.state == ReadOutcome::State::kNothing) continue;
       if (outcome.state != ReadOutcome::State::kData) break;
       back_off.Succeeded();
+      problem.clear();
       frames.Append(outcome.bytes);
       while (const auto message = frames.Next()) decoder.Take(*message);
       const auto messages = decoder.TakeEphemerides();
       const BroadcastRecords records = decoder.TakeBroadcast();
       if (!messages.empty()) judge_.TakeEphemerides(messages, records);
+      stop_.WaitFor(budget.Spend(outcome.bytes.size(), steady_clock::now()));
     }
+    if (outcome.problem != problem) judge_.EphemeridesFailed(spec.Shown() + ": " + outcome.problem);
+    problem = outcome.problem;
     stop_.WaitFor(back_off.Next(outcome.state == ReadOutcome::State::kRefused));
   }
 }
@@ -278,27 +301,36 @@ void StationThread::KeepEphemerides() {
 /// Those of a file given as --nav, and those of the start before. Weeks are those near the stream's time;
 /// what is too old is never selected.
 void StationThread::ReadKeptEphemerides() {
-  std::vector<std::string> paths;
   SourceSpec navigation;
   if (!settings_.navigation.empty() && ParseSource(settings_.navigation, navigation).empty() &&
-      navigation.kind == SourceKind::kFile)
-    paths.push_back(navigation.path);
-  if (!KeptPath().empty() && std::filesystem::exists(KeptPath())) paths.push_back(KeptPath());
-  for (const std::string& path : paths) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw std::runtime_error(path + ": the ephemerides cannot be read");
-    rtcm::FrameScanner frames;
-    frames.Append(std::string(std::istreambuf_iterator<char>(file), {}));
-    frames.Finish();
-    rtcm::DecoderOptions options;
-    options.near_ns = settings_.start_gps_ns.value_or(Now());
-    options.epochs = false;
-    rtcm::Decoder decoder(options);
-    while (const auto message = frames.Next()) decoder.Take(*message);
-    const auto messages = decoder.TakeEphemerides();
-    if (messages.empty() && path == navigation.path)
-      throw std::runtime_error(path + ": it holds no ephemerides of RTCM 3");
-    judge_.UseEphemerides(messages, decoder.TakeBroadcast(), *options.near_ns);
+      navigation.kind == SourceKind::kFile) {
+    ephemeris_file_.emplace(navigation.path);
+    ephemeris_file_->Changed();
+    ReadEphemerisFile();
+  }
+  if (KeptPath().empty() || !std::filesystem::exists(KeptPath())) return;
+  const std::int64_t near_ns = settings_.start_gps_ns.value_or(Now());
+  const FileEphemerides kept = ReadEphemerides(KeptPath(), near_ns);
+  judge_.UseEphemerides(kept.messages, kept.records, near_ns);
+}
+
+void StationThread::ReadEphemerisFile() {
+  const std::int64_t near_ns = settings_.start_gps_ns.value_or(Now());
+  const FileEphemerides found = ReadEphemerides(settings_.navigation, near_ns);
+  judge_.UseEphemerides(found.messages, found.records, near_ns);
+}
+
+/// A file that someone keeps up to date, as long as the stream runs. It is read once more when it has
+/// changed; a bad one is noted and the ephemerides that there are stay.
+void StationThread::ReadChangedFile() {
+  const auto now = steady_clock::now();
+  if (!ephemeris_file_ || now < next_look_) return;
+  next_look_ = now + kLookEvery;
+  if (!ephemeris_file_->Changed()) return;
+  try {
+    ReadEphemerisFile();
+  } catch (const std::exception& error) {
+    judge_.EphemeridesFailed(error.what());
   }
 }
 

@@ -8,13 +8,16 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
 #include "host/live/live_board.h"
 #include "host/live/settings.h"
 #include "host/live/sources/back_off.h"
+#include "host/live/sources/byte_budget.h"
 #include "host/live/sources/byte_stream.h"
+#include "host/live/stations/ephemeris_file.h"
 #include "host/live/stations/station_judge.h"
 
 namespace orsolva_host::live {
@@ -59,6 +62,9 @@ class StationThread {
   void MeasureCost();
   void KeepEphemerides();
   void ReadKeptEphemerides();
+  void ReadEphemerisFile();
+  void ReadChangedFile();
+  StreamOptions OptionsOf(MountWishes& wishes) const;
   std::string KeptPath() const;
 
   std::string failure_;
@@ -69,7 +75,10 @@ class StationThread {
   std::thread thread_, navigation_thread_;
   std::atomic<bool> ended_{false}, any_alarm_{false};
   bool refused_ = false;  ///< the last connection, by the other side
-  std::chrono::steady_clock::time_point next_publish_, next_keep_;
+  MountWishes wishes_;    ///< of the stream's mount point
+  ByteBudget budget_;
+  std::optional<FileWatch> ephemeris_file_;  ///< where the second source of ephemerides is a file
+  std::chrono::steady_clock::time_point next_publish_, next_keep_, next_look_;
   std::int64_t cost_from_us_ = 0;
   Count cost_epochs_ = 0;
 };

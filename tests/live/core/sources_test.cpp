@@ -5,8 +5,10 @@
 #include "host/live/live_board.h"
 #include "host/live/live_service.h"
 #include "host/live/sources/back_off.h"
+#include "host/live/sources/byte_budget.h"
 #include "host/live/sources/gga_line.h"
 #include "host/live/sources/source_spec.h"
+#include "host/live/sources/source_table.h"
 
 #include <thread>
 
@@ -67,6 +69,56 @@ TEST(GgaLine, HasDegreesMinutesAndChecksum) {
 
 TEST(GgaLine, DoesNotRoundToSixtyMinutes) {
   EXPECT_NE(GgaLine({49.99999999, 0, 0}, 0).find("5000.0000,N"), std::string::npos);
+}
+
+std::optional<bool> WantsPosition(const std::string& table, std::size_t piece) {
+  SourceTableSearch search("HILL");
+  for (std::size_t at = 0; at < table.size() && search.Take(table.substr(at, piece)); at += piece) continue;
+  return search.WantsPosition();
+}
+
+TEST(SourceTable, SaysWhoHasToSendAPositionHoweverItIsCut) {
+  const std::string head = "CAS;c.example;2101;C;O;0;DEU;50;8;0.0.0.0;0;none\r\n";
+  const std::string start = "RTCM 3.3;1006(5),\"a;b\";2;GPS+GLO;NET;DEU;50.10;8.70;";
+  const std::string end = ";0;gen;none;B;N;9600;\r\n";
+  const std::string table = head + "STR;DALE;Dale;" + start + "0" + end + "STR;HILL;Hill;" + start + "1" +
+                            end + "STR;HILL;Second;" + start + "0" + end + "ENDSOURCETABLE\r\n";
+  for (const std::size_t piece : {std::size_t{1}, std::size_t{7}, table.size()}) {
+    EXPECT_EQ(WantsPosition(table, piece), true);
+    EXPECT_EQ(WantsPosition(head + "STR;HILL;Hill;" + start + "0" + end, piece), false);
+    EXPECT_EQ(WantsPosition(head + "STR;HILL;Hill;" + start + end, piece), std::nullopt);
+    EXPECT_EQ(WantsPosition("ENDSOURCETABLE\r\nSTR;HILL;Hill;" + start + "1" + end, piece), std::nullopt);
+    EXPECT_EQ(WantsPosition("STR;hill;Hill;" + start + "1" + end, piece), std::nullopt);
+  }
+}
+
+TEST(SourceTable, OneWithoutAnEndIsGivenUp) {
+  SourceTableSearch search("HILL");
+  std::size_t pieces = 0;
+  while (search.Take(std::string(1 << 20, 'x'))) ASSERT_LT(++pieces, 100U);
+  EXPECT_FALSE(search.Take("\nSTR;HILL;;;;;;;;;;1;;\n"));
+  EXPECT_EQ(search.WantsPosition(), std::nullopt);
+}
+
+TEST(ByteBudget, LetsAStationAtFiftyHertzPassAndABurstAfterAPause) {
+  ByteBudget budget;
+  auto now = ByteBudget::Clock::now();
+  for (int i = 0; i < 3000; ++i, now += std::chrono::milliseconds(20))
+    ASSERT_EQ(budget.Spend(1800, now).count(), 0) << i;
+  EXPECT_EQ(budget.Spend(4'000'000, now).count(), 0);
+}
+
+TEST(ByteBudget, HoldsAFloodToAQuarterOfAMegabytePerSecond) {
+  ByteBudget budget;
+  const auto start = ByteBudget::Clock::now();
+  auto now = start;
+  double sent = 0;
+  while (now < start + std::chrono::seconds(100)) {
+    sent += 16384;
+    now += budget.Spend(16384, now) + std::chrono::microseconds(10);
+  }
+  EXPECT_LT(sent, 4 * 1048576 + 100 * 262144 * 1.05);
+  EXPECT_GT(sent, 4 * 1048576 + 100 * 262144 * 0.9);
 }
 
 TEST(BackOff, DoublesToAMinuteWithJitterAndBeginsAgainAfterData) {

@@ -45,6 +45,7 @@ class Mount:
     plan: object = None            # called with the number of the connection from 0: a Connection, or None: 503
     user: str = ""                 # "name:password"
     nmea: bool = False             # whether the source table asks for GGA
+    silent: bool = False           # sends nothing before a line of GGA has come on the connection
     hold: bool = True              # keeps the connection open after the last epoch
     at: int = 0                    # the next epoch
     connections: int = 0
@@ -156,6 +157,8 @@ class Caster:
             client.sendall(b"HTTP/1.1 200 OK\r\nNtrip-Version: Ntrip/2.0\r\nServer: test caster\r\n"
                            b"Content-Type: gnss/data\r\nTransfer-Encoding: chunked\r\nConnection: close\r\n\r\n")
         sender = Sender(client, plan, version, number)
+        while mount.silent and not mount.gga and not self.closing.is_set():
+            listen(client, mount, 0.05)
         begun = mount.start()
         for epoch in mount.epochs[max(0, mount.at - plan.repeat):mount.at]:
             if not sender.send_epoch(epoch):
@@ -230,18 +233,16 @@ def read_request(client):
 
 
 def listen(client, mount, seconds):
-    """Waits and keeps the lines of GGA that the client sends meanwhile; those under TLS are not read.
+    """Waits and keeps the lines of GGA that the client sends meanwhile.
 
     @throws Ended when the client has closed
     """
     until = time.monotonic() + seconds
     while True:
         left = max(0.0, until - time.monotonic())
-        if isinstance(client, ssl.SSLSocket):
-            time.sleep(left)
-        elif select.select([client], [], [], left)[0]:
+        if select.select([client], [], [], left)[0]:
             data = client.recv(1024)
-            mount.gga += [line.strip().decode("latin-1") for line in data.split(b"\n") if line.startswith(b"$")]
+            mount.gga += [line.decode("latin-1") for line in data.splitlines(keepends=True)]
             if not data:
                 raise Ended
         if left == 0.0:

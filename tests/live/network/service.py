@@ -24,14 +24,19 @@ def simulate(program, folder, seconds, *options):
     return next(pathlib.Path(folder).glob("*.rtcm3"))
 
 
+def table_of(name, keys):
+    """A station of the file: its source, or a dictionary of its keys."""
+    keys = {"name": name, **(keys if isinstance(keys, dict) else {"source": keys})}
+    return "[[station]]\n" + "".join(f'{key} = "{text}"\n' for key, text in keys.items()) + "\n"
+
+
 class Service:
-    """The program with stations by name and source; ends with the block."""
+    """The program with stations by name and source, or keys with texts; ends with the block."""
 
     def __init__(self, program, stations, *options):
         self.folder = tempfile.TemporaryDirectory()
         network = pathlib.Path(self.folder.name, "network.toml")
-        network.write_text("".join(f'[[station]]\nname = "{name}"\nsource = "{source}"\n\n'
-                                   for name, source in stations.items()), encoding="utf-8")
+        network.write_text("".join(table_of(name, keys) for name, keys in stations.items()), encoding="utf-8")
         self.events_file = pathlib.Path(self.folder.name, "events.jsonl")
         self.log = pathlib.Path(self.folder.name, "log.txt").open("w+", encoding="utf-8", errors="replace")
         self.url = f"http://127.0.0.1:{free_port()}/"

@@ -1,0 +1,36 @@
+// How fast a stream may come.
+#ifndef ORSOLVA_LIVE_SOURCES_BYTE_BUDGET_H
+#define ORSOLVA_LIVE_SOURCES_BYTE_BUDGET_H
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+
+namespace orsolva_host::live {
+
+/// 256 KiB per second, and 4 MiB at once after a pause. A station at 50 Hz sends 90 kB per second; what sends
+/// more, garbage as a rule, waits in its connection, so that it costs the other stations no processor time.
+class ByteBudget {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  /// @return how long to wait before more is read
+  std::chrono::milliseconds Spend(std::size_t bytes, Clock::time_point now) {
+    const double left_s = std::chrono::duration<double>(now - last_).count();
+    owed_ = std::max(0.0, owed_ - left_s * kPerSecond) + static_cast<double>(bytes);
+    last_ = now;
+    const double wait_s = std::clamp((owed_ - kAtOnce) / kPerSecond, 0.0, kLongest_s);
+    return std::chrono::milliseconds(static_cast<long>(wait_s * 1000));
+  }
+
+ private:
+  static constexpr double kPerSecond = 256 * 1024;
+  static constexpr double kAtOnce = 16 * kPerSecond;
+  static constexpr double kLongest_s = 0.5;  ///< then alarms are looked after again
+  double owed_ = 0;
+  Clock::time_point last_ = Clock::now();
+};
+
+}  // namespace orsolva_host::live
+
+#endif  // ORSOLVA_LIVE_SOURCES_BYTE_BUDGET_H

@@ -11,25 +11,19 @@ ConnectionThreads::ConnectionThreads(std::size_t threads) {
 ConnectionThreads::~ConnectionThreads() { Join(); }
 
 void ConnectionThreads::Run(std::function<void()> job) {
-  std::unique_lock<std::mutex> lock(mutex_);
-  changed_.wait(lock, [this] { return idle_ > jobs_.size() || stop_waiting_; });
-  jobs_.push_back(std::move(job));
-  changed_.notify_all();
-}
-
-void ConnectionThreads::StopWaiting() {
-  const std::lock_guard<std::mutex> lock(mutex_);
-  stop_waiting_ = true;
-  changed_.notify_all();
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    jobs_.push_back(std::move(job));
+  }
+  changed_.notify_one();
 }
 
 void ConnectionThreads::Join() {
   {
     const std::lock_guard<std::mutex> lock(mutex_);
-    stop_waiting_ = true;
     ending_ = true;
-    changed_.notify_all();
   }
+  changed_.notify_all();
   for (std::thread& thread : threads_) thread.join();
   threads_.clear();
 }
@@ -37,10 +31,7 @@ void ConnectionThreads::Join() {
 void ConnectionThreads::Work() {
   std::unique_lock<std::mutex> lock(mutex_);
   while (true) {
-    ++idle_;
-    changed_.notify_all();
     changed_.wait(lock, [this] { return !jobs_.empty() || ending_; });
-    --idle_;
     if (jobs_.empty()) return;
     const std::function<void()> job = std::move(jobs_.front());
     jobs_.pop_front();

@@ -1,4 +1,4 @@
-// A fixed number of threads for connections.
+// A fixed number of threads for the requests of clients.
 #ifndef ORSOLVA_LIVE_SERVING_CONNECTION_THREADS_H
 #define ORSOLVA_LIVE_SERVING_CONNECTION_THREADS_H
 
@@ -12,8 +12,7 @@
 
 namespace orsolva_host::live {
 
-/// Runs jobs on its threads. While all of them are busy Run() waits, so that no queue grows: further clients
-/// stay with the operating system, which refuses them when it has enough.
+/// Runs jobs on its threads, in their order. Who gives them limits their number: a client has one at a time.
 class ConnectionThreads {
  public:
   explicit ConnectionThreads(std::size_t threads);
@@ -22,8 +21,6 @@ class ConnectionThreads {
   ConnectionThreads& operator=(const ConnectionThreads&) = delete;
 
   void Run(std::function<void()> job);
-  /// Ends the waiting of Run(): jobs given from now on run as threads come free.
-  void StopWaiting();
   /// Returns when every job has run.
   void Join();
 
@@ -33,8 +30,6 @@ class ConnectionThreads {
   std::mutex mutex_;
   std::condition_variable changed_;
   std::deque<std::function<void()>> jobs_;
-  std::size_t idle_ = 0;
-  bool stop_waiting_ = false;
   bool ending_ = false;
   std::vector<std::thread> threads_;
 };

@@ -141,6 +141,26 @@ class SilentClient {
   }
   ~SilentClient() { close(socket_); }
   bool Connected() const { return connected_; }
+  void Send(const std::string& text) const {
+    send(socket_, text.data(), text.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+  }
+  /// At most so many bytes, if there are any.
+  void Read(std::size_t most) const {
+    std::string bytes(most, '\0');
+    recv(socket_, bytes.data(), most, MSG_DONTWAIT);
+  }
+  /// To the end of the connection.
+  std::string ReadAll() const {
+    std::string all;
+    char byte = 0;
+    while (recv(socket_, &byte, 1, 0) == 1) all += byte;
+    return all;
+  }
+  bool IsClosed() const {
+    char byte = 0;
+    const ssize_t count = recv(socket_, &byte, 1, MSG_DONTWAIT);
+    return count == 0 || (count < 0 && errno != EAGAIN && errno != EWOULDBLOCK);
+  }
 
  private:
   int socket_;
@@ -169,6 +189,82 @@ TEST_F(ServingTest, ClientsThatReadNothingNeverSlowThePublishing) {
   const auto answer = client.Get("/metrics");
   ASSERT_TRUE(answer);
   EXPECT_EQ(answer->status, 200);
+}
+
+/// Whether another client gets the state each time within a second, over some time.
+void ExpectServed(httplib::Client client, double seconds) {
+  const auto begun = Clock::now();
+  while (SecondsSince(begun) < seconds) {
+    const auto start = Clock::now();
+    const auto answer = client.Get("/state.json");
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->status, 200);
+    EXPECT_LT(SecondsSince(start), 1);
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
+}
+
+TEST_F(ServingTest, ClientsThatSendByteByByteHoldNobodyUpAndLoseTheirConnections) {
+  std::vector<std::unique_ptr<SilentClient>> clients;
+  for (int i = 0; i < 50; ++i)
+    clients.push_back(
+        std::make_unique<SilentClient>(server.Address().port, "GET /state.json HTTP/1.1\r\nX: "));
+  std::atomic<bool> over{false};
+  std::thread dripping([&] {
+    while (!over) {
+      for (const auto& client : clients) client->Send("x");
+      std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+  });
+  ExpectServed(Client(), 3.6);  // they have 3 s for their requests
+  over = true;
+  dripping.join();
+  for (const auto& client : clients) EXPECT_TRUE(client->IsClosed());
+}
+
+TEST_F(ServingTest, ClientsThatReadSlowlyHoldNobodyUp) {
+  std::vector<std::unique_ptr<SilentClient>> clients;
+  for (int i = 0; i < 50; ++i) {
+    const char* const path = i % 2 == 0 ? "/state.json?station=BERN" : "/events.json?after=0";
+    clients.push_back(std::make_unique<SilentClient>(
+        server.Address().port, std::string("GET ") + path + " HTTP/1.1\r\nHost: x\r\n\r\n"));
+  }
+  std::atomic<bool> over{false};
+  std::thread sipping([&] {
+    while (!over) {
+      for (const auto& client : clients) client->Read(1);
+      std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+  });
+  ExpectServed(Client(), 3);
+  over = true;
+  sipping.join();
+}
+
+TEST_F(ServingTest, OfTooManyClientsTheSlowestLeave) {
+  std::vector<std::unique_ptr<SilentClient>> clients;
+  for (int i = 0; i < 300; ++i)
+    clients.push_back(std::make_unique<SilentClient>(server.Address().port, "GET / HTTP/1.1\r\n"));
+  ExpectServed(Client(), 0.2);
+  EXPECT_TRUE(clients.front()->IsClosed());
+}
+
+TEST_F(ServingTest, ARequestWithoutAnEndIsGivenUp) {
+  SilentClient client(server.Address().port, "GET /state.json HTTP/1.1\r\n");
+  const auto start = Clock::now();
+  const std::string line = "X: " + std::string(1000, 'x') + "\r\n";
+  while (!client.IsClosed() && SecondsSince(start) < 2) client.Send(line);
+  EXPECT_LT(SecondsSince(start), 2);
+}
+
+TEST_F(ServingTest, RequestsOfOneConnectionAreAnsweredInTheirOrder) {
+  SilentClient client(
+      server.Address().port,
+      "GET /events.json?after=1000 HTTP/1.1\r\nHost: x\r\n\r\nGET /none HTTP/1.1\r\nHost: x\r\n"
+      "Connection: close\r\n\r\n");
+  const std::string replies = client.ReadAll();
+  EXPECT_EQ(replies.rfind("HTTP/1.1 200 OK", 0), 0U) << replies;
+  EXPECT_GT(replies.find("HTTP/1.1 404"), replies.find("last_event_id")) << replies;
 }
 
 TEST_F(ServingTest, RequestsForPartsAreRefusedHoweverMany) {

@@ -147,7 +147,7 @@ std::vector<Option> Rows(const std::shared_ptr<LiveRequest>& r) {
           false),
       FileOption("stations", "FILE", r->stations_file, "TOML file of stations"),
       TextOption("nav", "SOURCE", r->navigation,
-                 "Second source, of ephemerides: RTCM 3 as SOURCES, or a RINEX navigation file"),
+                 "Second source of ephemerides: RTCM 3 as SOURCES, or a RINEX navigation file"),
       TextOption("user", "NAME", r->user, "User of the caster; else ORSOLVA_NTRIP_USER"),
       FileOption("password-file", "FILE", r->password_file,
                  "File whose first line is the password; else ORSOLVA_NTRIP_PASSWORD"),

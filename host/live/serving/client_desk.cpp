@@ -225,7 +225,7 @@ void ClientDesk::CloseLate() {
 void ClientDesk::MakeRoom() {
   while (clients_.size() > limits_.clients) {
     if (!CloseSlowest(Phase::kClosing) && !CloseSlowest(Phase::kReading) && !CloseSlowest(Phase::kSending))
-      return Close(std::prev(clients_.end()));  // the newest: all others wait for their answers
+      return Close(std::prev(clients_.end()));  // the newest: all others wait for their replies
   }
 }
 

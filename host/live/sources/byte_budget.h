@@ -14,19 +14,27 @@ class ByteBudget {
  public:
   using Clock = std::chrono::steady_clock;
 
-  /// @return how long to wait before more is read
-  std::chrono::milliseconds Spend(std::size_t bytes, Clock::time_point now) {
-    const double left_s = std::chrono::duration<double>(now - last_).count();
-    owed_ = std::max(0.0, owed_ - left_s * kPerSecond) + static_cast<double>(bytes);
+  void Spend(std::size_t bytes, Clock::time_point now) {
+    owed_ = Owed(now) + static_cast<double>(bytes);
     last_ = now;
-    const double wait_s = std::clamp((owed_ - kAtOnce) / kPerSecond, 0.0, kLongest_s);
+  }
+
+  /// How long to wait before more is read, at most half a second: then alarms are looked after, and it is
+  /// asked again.
+  std::chrono::milliseconds Wait(Clock::time_point now) const {
+    const double wait_s = std::clamp((Owed(now) - kAtOnce) / kPerSecond, 0.0, kLongest_s);
     return std::chrono::milliseconds(static_cast<long>(wait_s * 1000));
   }
 
  private:
   static constexpr double kPerSecond = 256 * 1024;
   static constexpr double kAtOnce = 16 * kPerSecond;
-  static constexpr double kLongest_s = 0.5;  ///< then alarms are looked after again
+  static constexpr double kLongest_s = 0.5;
+
+  double Owed(Clock::time_point now) const {
+    return std::max(0.0, owed_ - std::chrono::duration<double>(now - last_).count() * kPerSecond);
+  }
+
   double owed_ = 0;
   Clock::time_point last_ = Clock::now();
 };

@@ -222,15 +222,19 @@ void StationThread::FollowOnce(ByteStream& stream, BackOff& back_off) {
   bool connected = false;
   refused_ = false;
   while (!stop_.Stopped()) {
-    const ReadOutcome outcome = stream.Read(kReadFor);
+    ReadOutcome outcome;
+    if (const milliseconds wait = budget_.Wait(steady_clock::now()); wait.count() > 0) {
+      stop_.WaitFor(wait);
+    } else {
+      outcome = stream.Read(kReadFor);
+    }
     const std::int64_t now_ns = Now();
     if (outcome.state == ReadOutcome::State::kData) {
       if (!connected) judge_.Connected(now_ns);
       connected = true;
       back_off.Succeeded();
       judge_.Take(outcome.bytes, now_ns);
-      if (spec_.kind != SourceKind::kStandardInput)
-        stop_.WaitFor(budget_.Spend(outcome.bytes.size(), steady_clock::now()));
+      if (spec_.kind != SourceKind::kStandardInput) budget_.Spend(outcome.bytes.size(), steady_clock::now());
     }
     judge_.Tick(now_ns);
     ReadChangedFile();
@@ -258,6 +262,10 @@ void StationThread::FollowNavigation(const SourceSpec& spec) {
     rtcm::Decoder decoder(decoding);
     ReadOutcome outcome;
     while (!stop_.Stopped()) {
+      if (const milliseconds wait = budget.Wait(steady_clock::now()); wait.count() > 0) {
+        stop_.WaitFor(wait);
+        continue;
+      }
       outcome = stream->Read(kReadFor);
       if (outcome.state == ReadOutcome::State::kNothing) continue;
       if (outcome.state != ReadOutcome::State::kData) break;
@@ -268,7 +276,7 @@ void StationThread::FollowNavigation(const SourceSpec& spec) {
       const auto messages = decoder.TakeEphemerides();
       const BroadcastRecords records = decoder.TakeBroadcast();
       if (!messages.empty()) judge_.TakeEphemerides(messages, records);
-      stop_.WaitFor(budget.Spend(outcome.bytes.size(), steady_clock::now()));
+      budget.Spend(outcome.bytes.size(), steady_clock::now());
     }
     if (outcome.problem != problem) judge_.EphemeridesFailed(spec.Shown() + ": " + outcome.problem);
     problem = outcome.problem;

@@ -1,5 +1,6 @@
 """A running `orsolva live` for tests."""
 import json
+import os
 import pathlib
 import socket
 import subprocess
@@ -33,7 +34,7 @@ def table_of(name, keys):
 class Service:
     """The program with stations by name and source, or keys with texts; ends with the block."""
 
-    def __init__(self, program, stations, *options):
+    def __init__(self, program, stations, *options, environment=None):
         self.folder = tempfile.TemporaryDirectory()
         network = pathlib.Path(self.folder.name, "network.toml")
         network.write_text("".join(table_of(name, keys) for name, keys in stations.items()), encoding="utf-8")
@@ -42,7 +43,7 @@ class Service:
         self.url = f"http://127.0.0.1:{free_port()}/"
         self.process = subprocess.Popen(
             [program, "live", "--stations", network, "--listen", self.url[7:-1], "--events", self.events_file, *options],
-            stdout=subprocess.DEVNULL, stderr=self.log)
+            stdout=subprocess.DEVNULL, stderr=self.log, env={**os.environ, **(environment or {})})
 
     def __enter__(self):
         self.until(lambda: self.get("metrics"), 20)

@@ -76,7 +76,7 @@ extern "C" __attribute__((noinline)) void CountedRunOfAnalysis(const orsolva_tes
   std::printf("%zu signals\n", analysis.Result().signals.size());
 }
 
-/// @param spacing_s  of the epochs; both are told that there should be one every second
+/// @param spacing_s  of the epochs; the nominal interval given to both is one second
 void RunBoth(double spacing_s) {
   orsolva_test::SkyOptions options;
   options.LowestElevation = 0.2;

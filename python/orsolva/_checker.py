@@ -97,8 +97,8 @@ class Checker:
     def on_detail(self) -> Callable[[Table], object] | None:
         """Called with a table of the rows of `Report.detail` whenever a batch of epochs has been judged.
 
-        The judging takes batches of 2,880 epochs; the last comes with `report()`. It is called by `push`, `push_table`
-        and `report` on their thread, after they have taken their rows; what it raises comes out of them.
+        The judging takes a batch of 2,880 epochs, then of 720; the last comes with `report()`. It is called by `push`,
+        `push_table` and `report` on their thread, after they have taken their rows; what it raises comes out of them.
 
         Raises:
             RunError: when it is set after the first rows

@@ -59,6 +59,11 @@ class Record {
     delivered_.push_back(epoch.time_ns);
     for (const SatelliteObservation& s : epoch.satellites) {
       with_phase_[s.id].insert(epoch.time_ns);
+      observed_deg_.push_back(elevations[s.id]);
+      for (std::size_t i = 0; i < s.signal_count; ++i) {
+        const orsolva_host::SignalObservation& o = epoch.signals[s.first_signal + i];
+        strengths_[s.id.system + NameOf(o.code)].push_back(static_cast<double>(o.snr_dbhz));
+      }
       if (elevations[s.id] < simulation.Settings().truth_cutoff_deg) continue;
       for (std::size_t i = 0; i < s.signal_count; ++i)
         times_[{s.id, NameOf(epoch.signals[s.first_signal + i].code)}].push_back(epoch.time_ns);
@@ -93,7 +98,16 @@ class Record {
     return times_;
   }
 
+  /// The least value with at least a twentieth at or below it.
+  double WeakStrength(const std::string& signal) const { return LeastWith(0.05, strengths_.at(signal)); }
+  double LowestElevation() const { return LeastWith(0.01, observed_deg_); }
+
  private:
+  static double LeastWith(double part, std::vector<double> values) {
+    const auto place = static_cast<std::ptrdiff_t>(std::ceil(part * static_cast<double>(values.size()))) - 1;
+    std::nth_element(values.begin(), values.begin() + place, values.end());
+    return values[static_cast<std::size_t>(place)];
+  }
   bool AreNext(std::int64_t a, std::int64_t b) const { return b - a == delivered_[1] - delivered_[0]; }
   /// Acquired again: away in an epoch that was delivered, or after a power failure.
   bool IsBroken(std::int64_t a, std::int64_t b) const {
@@ -120,6 +134,8 @@ class Record {
 
   std::map<std::pair<SatelliteId, std::string>, std::vector<std::int64_t>> times_;
   std::map<SatelliteId, std::set<std::int64_t>> with_phase_;
+  std::map<std::string, std::vector<double>> strengths_;
+  std::vector<double> observed_deg_;
   std::vector<std::int64_t> delivered_, restarts_;
 };
 
@@ -161,6 +177,24 @@ Count CheckInterruptions(const SignalFigures& row, const Tracked& truth, const s
   return unresolved;
 }
 
+/// Bins of 0.25 dB that are centred on their multiples; the mask to 0.1 degree.
+void CheckWeakest(const AnalyzedRun& run, const Record& record, Proof& proof) {
+  constexpr double kHalfBin_db = 0.125 + 1e-9, kMaskTolerance_deg = 0.1;
+  ProofTable table{"Weak strengths, and the receiver's mask.", {"of", "true", "found"}, {}, 1};
+  for (const SignalFigures& row : run.result.signals) {
+    const std::string signal = row.system + NameOf(row.code);
+    const double truth = record.WeakStrength(signal);
+    const bool near = row.strength.p5_dbhz && std::fabs(*row.strength.p5_dbhz - truth) <= kHalfBin_db;
+    proof.Check(near, fmt::format("{}: 5th percentile {} instead of {} dB-Hz", signal,
+                                  row.strength.p5_dbhz.value_or(0), truth));
+    table.rows.push_back({signal + ", dB-Hz", Number(truth, 2), Number(row.strength.p5_dbhz.value_or(0), 2)});
+  }
+  const double mask = run.result.mask.lowest_deg.value_or(-1);
+  proof.Check(std::fabs(mask - record.LowestElevation()) <= kMaskTolerance_deg, fmt::format("mask {}", mask));
+  table.rows.push_back({"mask, degrees", Number(record.LowestElevation(), 2), Number(mask, 1)});
+  proof.tables.push_back(table);
+}
+
 }  // namespace
 
 void ProveTracking(bool long_form, Proof& proof) {
@@ -172,9 +206,13 @@ void ProveTracking(bool long_form, Proof& proof) {
       "a power failure. After an outage signals are acquired again with other cycles";
   proof.must_say =
       "per signal of a satellite the arcs from 10 degrees up with their median and longest length, the "
-      "interruptions by signal, satellite and receiver, and which of them are continuous";
+      "interruptions by signal, satellite and receiver, and which of them are continuous; the 5th percentile "
+      "of "
+      "the strengths of each signal, and the first one of the elevations observed";
   proof.tolerance =
-      "none for counts; 2 s for lengths, and 1 % for the median, which comes from classes of that width";
+      "none for counts; 2 s for lengths, and 1 % for the median, which comes from classes of that width; "
+      "half a "
+      "bin of 0.25 dB; 0.1 degrees";
   proof.reason =
       "counts are integers; an elevation that is off by 0.005 degrees begins an arc an epoch earlier or "
       "later";
@@ -209,6 +247,7 @@ void ProveTracking(bool long_form, Proof& proof) {
                           std::to_string(unresolved[system])});
   }
   proof.tables.push_back(table);
+  CheckWeakest(run, record, proof);
 }
 
 }  // namespace orsolva_test

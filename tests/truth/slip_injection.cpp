@@ -266,7 +266,9 @@ void Score(const std::vector<Event>& events, std::vector<InjectedSlip>& slips) {
   std::map<std::pair<SatelliteId, std::int64_t>, std::vector<const Event*>> at;
   for (const Event& event : events) at[{event.satellite, event.time_ns}].push_back(&event);
   for (InjectedSlip& slip : slips) {
+    bool sure = false;
     for (const Event* event : at[{slip.satellite, slip.time_ns}]) {
+      sure = sure || event->sure;
       slip.answer += Described(*event) + "; ";
       const EventKind kind = event->kind;
       if (kind == EventKind::kGapUnresolved || kind == EventKind::kSignalGapUnresolved) slip.left_open = true;
@@ -280,6 +282,7 @@ void Score(const std::vector<Event>& events, std::vector<InjectedSlip>& slips) {
       slip.size_right =
           slip.size_right || Sorted(event->signals, event->sizes) == Sorted(slip.signals, slip.sizes);
     }
+    slip.sure_and_wrong = sure && !slip.size_right;
   }
 }
 
@@ -299,8 +302,8 @@ std::string Described(const Event& event) {
     std::snprintf(number, sizeof number, " %g", size);
     text += number;
   }
-  std::snprintf(number, sizeof number, " (el %.1f, chi2 %.0f, score %.1f, margin %.1f)", event.elevation_deg,
-                event.chi2, event.score, event.margin);
+  std::snprintf(number, sizeof number, " (el %.1f, chi2 %.0f, score %.1f, margin %.1f%s)",
+                event.elevation_deg, event.chi2, event.score, event.margin, event.sure ? ", sure" : "");
   return text + number;
 }
 

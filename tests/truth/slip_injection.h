@@ -33,9 +33,10 @@ struct InjectedSlip {
   /// An event in exactly that epoch says a slip, half cycle or jump; of a hole without a slip, that it is
   /// none.
   bool found = false;
-  bool size_right = false;  ///< with exactly these signals and sizes
-  bool left_open = false;   ///< a hole that is reported as unresolved
-  std::string answer;       ///< what was found there
+  bool size_right = false;      ///< with exactly these signals and sizes
+  bool sure_and_wrong = false;  ///< not right, but an event of that epoch is sure of something else
+  bool left_open = false;       ///< a hole that is reported as unresolved
+  std::string answer;           ///< what was found there
 };
 
 struct InjectionResult {

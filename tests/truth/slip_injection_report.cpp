@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -86,6 +87,19 @@ std::string Target(const InjectedSlip& slip) {
          (low ? ", 5-10 deg" : ", from 10 deg");
 }
 
+/// Whether every band slips by the same number of cycles.
+bool IsEqualOnAll(const InjectedSlip& slip) {
+  std::set<char> bands;
+  for (const auto code : slip.signals) bands.insert(code.band);
+  return static_cast<int>(bands.size()) == slip.bands &&
+         std::all_of(slip.sizes.begin(), slip.sizes.end(), [&](double z) { return z == slip.sizes[0]; });
+}
+
+/// Whole cycles on satellites of two bands and more: those that only the ionosphere-free phase shows apart.
+std::string Equality(const InjectedSlip& slip) {
+  return IsEqualOnAll(slip) ? "equal on all bands" : "all but equal on all bands";
+}
+
 /// Ends of the 95 % interval of a rate (Wilson 1927, JASA 22:209), per cent.
 struct Interval {
   double from, to;
@@ -103,7 +117,7 @@ Interval Wilson(int right, int all) {
 void Table(const char* title, const std::vector<InjectedSlip>& slips,
            const std::function<std::string(const InjectedSlip&)>& key) {
   struct Row {
-    int slips = 0, found = 0, right = 0;
+    int slips = 0, found = 0, right = 0, sure_and_wrong = 0;
   };
   std::map<std::string, Row> rows;
   for (const InjectedSlip& slip : slips) {
@@ -111,14 +125,17 @@ void Table(const char* title, const std::vector<InjectedSlip>& slips,
     ++row.slips;
     row.found += slip.found;
     row.right += slip.size_right;
+    row.sure_and_wrong += slip.sure_and_wrong;
   }
-  std::printf("\n| %s | injected | missed | found %% | right %% | 95 %% interval of right |\n", title);
-  std::printf("|---|---|---|---|---|---|\n");
+  std::printf(
+      "\n| %s | injected | missed | found %% | right %% | 95 %% interval of right | sure and wrong %% |\n",
+      title);
+  std::printf("|---|---|---|---|---|---|---|\n");
   for (const auto& [name, row] : rows) {
     const Interval interval = Wilson(row.right, row.slips);
-    std::printf("| %s | %d | %d | %.2f | %.2f | %.2f-%.2f |\n", name.c_str(), row.slips,
+    std::printf("| %s | %d | %d | %.2f | %.2f | %.2f-%.2f | %.2f |\n", name.c_str(), row.slips,
                 row.slips - row.found, 100.0 * row.found / row.slips, 100.0 * row.right / row.slips,
-                interval.from, interval.to);
+                interval.from, interval.to, 100.0 * row.sure_and_wrong / row.slips);
   }
 }
 
@@ -168,6 +185,14 @@ std::vector<InjectedSlip> FromTenDegrees(const std::vector<InjectedSlip>& slips)
   return kept;
 }
 
+std::vector<InjectedSlip> WholeOnSeveralBands(const std::vector<InjectedSlip>& slips) {
+  std::vector<InjectedSlip> kept;
+  for (const InjectedSlip& slip : slips) {
+    if (slip.whole && slip.bands > 1 && !slip.signals.empty()) kept.push_back(slip);
+  }
+  return kept;
+}
+
 int Run(const std::string& folder, const std::string& set, const Request& request) {
   std::vector<std::string> files = Split(FilesOf(set));
   for (std::string& file : files) file = folder + "/" + file;
@@ -206,6 +231,7 @@ int Run(const std::string& folder, const std::string& set, const Request& reques
     std::printf("Of the %lld that are missed %lld are reported as unresolved.\n",
                 static_cast<long long>(missed), static_cast<long long>(open));
   Table("target", slips, Target);
+  Table("whole, 2 bands and more, from 10 degrees", WholeOnSeveralBands(FromTenDegrees(slips)), Equality);
   Table("kind, from 10 degrees", FromTenDegrees(slips),
         [](const InjectedSlip& s) { return s.kind + (s.bands == 1 ? " (one-band satellite)" : ""); });
   Table("system", slips, [](const InjectedSlip& s) { return std::string(1, s.satellite.system); });

@@ -12,6 +12,7 @@
 #include "host/analysis/slips/prediction.h"
 #include "host/analysis/slips/satellite_track.h"
 #include "host/analysis/slips/scales.h"
+#include "host/analysis/slips/step_departure.h"
 #include "host/analysis/slips/wide_lane.h"
 
 namespace orsolva_host::analysis {
@@ -64,6 +65,8 @@ class Decision {
   void RankSlips();
   Explanation Weighed(const Cycles& cycles, double enough);
   void RankExplanations();
+  void CompareEqualParts();
+  double RepairedDeparture(const StepDeparture& departure, const Cycles& cycles);
   double WindowChi2(const SatelliteTrack& track, std::int64_t first, std::int64_t last,
                     double enough = 1e300);
   double RepairedWindow(const Cycles& cycles, double enough);
@@ -71,8 +74,10 @@ class Decision {
   double FitOf(const Cycles& cycles) const;
   bool CloseGap();
   bool IsBlind() const;
+  double BlindSlipPrior() const;
   bool IsPlainHalf() const;
   bool IsStormy() const;
+  bool IsStormySky() const;
   bool RestsOnRangeAlone(const Cycles& cycles) const;
   bool IsNoSlip();
   bool TakeSlip();

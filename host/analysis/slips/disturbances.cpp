@@ -57,6 +57,11 @@ bool Decision::IsBlind() const {
   return !step.HasGeometry() && !case_.gap && step.dt_s >= kQuietInterval_s;
 }
 
+/// What a slip of every signal costs more where the range is predicted from the steps around.
+double Decision::BlindSlipPrior() const {
+  return HasTwoBands(case_.band, case_.test.count) ? kBlindSlipPrior : kBlindOneBandPrior;
+}
+
 /// Whether half a cycle of every signal is far more than the range of the satellite is wrong by, and its
 /// clock not one that jumps.
 bool Decision::IsPlainHalf() const {
@@ -81,7 +86,7 @@ bool Decision::IsNoSlip() {
   // What only the steps around predict may bend at the ends of a pass as if it were a clock's.
   const bool steady = IsSteadyClock(case_.track->satellite.system) && !(IsBlind() && two_bands);
   const double usual_clock_prior = steady ? kSteadyClockPrior : kSatelliteClockPrior;
-  const double clock_prior = usual_clock_prior + (IsBlind() && !two_bands ? kBlindSlipPrior : 0);
+  const double clock_prior = usual_clock_prior + (IsBlind() && !two_bands ? BlindSlipPrior() : 0);
   const NoSlip kinds[] = {
       {EventKind::kSatelliteClock, clock_m * clock_m, 0, clock_prior, false},
       {EventKind::kSatelliteClock, kLargeClock_m * kLargeClock_m, 0, kLargeClockPrior, true},
@@ -106,7 +111,9 @@ bool Decision::IsNoSlip() {
                                  0.5 * (fit + best_misfit) + PriorOf(best.cycles);
     if (chi2 >= kFitChi2 || !(cheapest || fits_better)) continue;
     case_.track->At(case_.step).settled = true;
-    if (case_.chi2 >= kReportedChi2) AddEvent(kind.kind, nullptr, 0.5 * (case_.chi2 - chi2), 0, true);
+    // In a storm the clock or the ionosphere may as well be an equal slip on all bands.
+    if (case_.chi2 >= kReportedChi2)
+      AddEvent(kind.kind, nullptr, 0.5 * (case_.chi2 - chi2), 0, !IsStormySky());
     return true;
   }
   if (IsHalfOnAll(best, case_.test.count) && !IsPlainHalf() && clock_chi2 < kFitChi2 &&
@@ -120,12 +127,17 @@ bool Decision::IsNoSlip() {
   return false;
 }
 
+/// Whether the ionosphere of all satellites together is not quiet.
+bool Decision::IsStormySky() const {
+  return interval_s_ >= kQuietInterval_s &&
+         around_.ionosphere_m > kQuietIonosphere_m * std::sqrt(interval_s_ / kUsualInterval_s);
+}
+
 /// Whether an equal slip on all bands rests on a few centimetres: where neighbours predict the ionosphere
 /// better than the median, or for a satellite of one band where that of the others is not quiet.
 bool Decision::IsStormy() const {
-  if (interval_s_ < kQuietInterval_s) return false;
-  if (HasTwoBands(case_.band, case_.test.count)) return case_.track->At(case_.step).ionosphere_by_neighbours;
-  return around_.ionosphere_m > kQuietIonosphere_m * std::sqrt(interval_s_ / kUsualInterval_s);
+  if (!HasTwoBands(case_.band, case_.test.count)) return IsStormySky();
+  return interval_s_ >= kQuietInterval_s && case_.track->At(case_.step).ionosphere_by_neighbours;
 }
 
 /// Whether every signal slips where nothing predicts the range, so that slips are known by their differences
@@ -143,7 +155,8 @@ bool Decision::TakeSlip() {
   const Explanation& best = case_.ranked.front();
   if (TakeUnstable(best.cycles)) return true;
   const double margin = case_.ranked.size() > 1 ? case_.ranked[1].total - best.total : 99;
-  const bool sure = margin > kSureMargin && FitOf(best.cycles) < kFitChi2 &&
+  const bool sure = margin > (IsStormySky() ? kSureStormMargin : kSureMargin) &&
+                    FitOf(best.cycles) < kFitChi2 &&
                     !(IsStormy() && IsSameOnAll(best.cycles, case_.test.count)) &&
                     !IsHalfOnAll(best, case_.test.count) && !RestsOnRangeAlone(best.cycles);
   bool half = false;

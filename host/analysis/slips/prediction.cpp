@@ -10,6 +10,7 @@ constexpr double kFree_m = 1e4;   // prior of a quantity that nothing is known o
 constexpr double kTied_m = 1e-5;  // prior of one that shall take nothing
 constexpr double kLargestScale_m = 1e3;
 constexpr double kLargestGapScale_m = 3;
+constexpr double kApart_mu = 0.1;  // of bands that tell range and ionosphere apart by themselves
 constexpr double kStencilsAgree =
     2;  // of the range scale; beyond, a slip three steps away may be in the wide one
 
@@ -41,6 +42,8 @@ struct NormalEquations {
     ++count;
   }
   bool OneBand() const { return greatest_mu - least_mu < 1e-6; }
+  /// As E5b and E5 of Galileo: with a free range the ionosphere would take decimetres of noise.
+  bool NearlyOneBand() const { return greatest_mu - least_mu < kApart_mu; }
 };
 
 /// Rates of a step with one band of a satellite that has two: the ionosphere goes on as its median did.
@@ -236,7 +239,8 @@ void FitRates(SatelliteTrack& track, std::int64_t i) {
   if (!n.OneBand()) track.two_band_step = std::max(track.two_band_step, i);
   step.lone_band = n.OneBand() && i - track.two_band_step <= kTrail;
   if (step.lone_band) return TakeOthersIonosphere(track, i, n);
-  const RatePriors prior = PriorsOf(step, n.OneBand());
+  const bool inseparable = step.HasGeometry() ? n.OneBand() : n.NearlyOneBand();
+  const RatePriors prior = PriorsOf(step, inseparable);
   const double a00 = n.one + 1 / (prior.range_m * prior.range_m);
   const double a11 = n.mu2 + 1 / (prior.ionosphere_m * prior.ionosphere_m);
   const double determinant = a00 * a11 - n.mu * n.mu;

@@ -9,7 +9,18 @@ namespace {
 
 constexpr std::size_t kTriedInFull = 5;
 constexpr double kNone_cycles = 0.01;
+constexpr double kMostEqual_cycles = 2;
 constexpr double kFar_nats = 1e300;
+
+bool IsCheaper(const Explanation& a, const Explanation& b) { return a.total < b.total; }
+
+/// Whether the same number of cycles on every signal leads from one slip vector to the other.
+bool DifferEqually(const Cycles& a, const Cycles& b, int count) {
+  for (std::size_t i = 1; i < static_cast<std::size_t>(count); ++i) {
+    if (std::fabs(a[i] - b[i] - (a[0] - b[0])) > kNone_cycles) return false;
+  }
+  return true;
+}
 
 /// Epochs of a track from one on, kept while a repair is tried.
 class SavedEpochs {
@@ -173,7 +184,7 @@ Explanation Decision::Weighed(const Cycles& cycles, double enough) {
   const double prior = PriorOf(cycles);
   e.window_chi2 = RepairedWindow(cycles, 2 * (enough - prior) - misfit);
   e.total = 0.5 * (e.window_chi2 + misfit) + prior;
-  if (IsBlind() && slipped == case_.test.count) e.total += kBlindSlipPrior;
+  if (IsBlind() && slipped == case_.test.count) e.total += BlindSlipPrior();
   return e;
 }
 
@@ -195,8 +206,53 @@ void Decision::RankExplanations() {
     case_.none = Weighed(candidates_.List()[no_slip_].cycles, kFar_nats);
     case_.ranked.push_back(case_.none);
   }
-  std::stable_sort(case_.ranked.begin(), case_.ranked.end(),
-                   [](const Explanation& a, const Explanation& b) { return a.total < b.total; });
+  std::stable_sort(case_.ranked.begin(), case_.ranked.end(), IsCheaper);
+  if (IsStormy() && IsStormySky()) CompareEqualParts();
+}
+
+/// In a storm the window hardly tells slips apart that differ by the same cycles on all signals: those around
+/// the best are weighed by the departure of the step instead.
+void Decision::CompareEqualParts() {
+  SatelliteTrack& track = *case_.track;
+  const Explanation best = case_.ranked.front();
+  if (!best.any || case_.gap || case_.test.returning != 0 || !track.At(case_.step).HasGeometry()) return;
+  if (case_.band[0] == case_.band[static_cast<std::size_t>(case_.test.count - 1)]) return;
+  const auto departure = StepDeparture::Settle(track, case_.step);
+  if (!departure) return;
+  std::vector<Explanation> near;
+  for (double equal = -kMostEqual_cycles; equal <= kMostEqual_cycles; equal += 0.5) {
+    Explanation e;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
+      e.cycles[i] = best.cycles[i] + equal;
+      e.any = e.any || std::fabs(e.cycles[i]) > kNone_cycles;
+    }
+    if (!e.any) continue;
+    e.total = 0.5 * RepairedDeparture(*departure, e.cycles) + PriorOf(e.cycles);
+    near.push_back(e);
+  }
+  std::stable_sort(near.begin(), near.end(), IsCheaper);
+  near.resize(2);
+  const double least = near.front().total;
+  for (Explanation& e : near) {
+    e.total += best.total - least;
+    e.window_chi2 = RepairedWindow(e.cycles, kFar_nats);
+  }
+  for (const Explanation& e : case_.ranked) {
+    if (!e.any || !DifferEqually(e.cycles, best.cycles, case_.test.count)) near.push_back(e);
+  }
+  std::stable_sort(near.begin(), near.end(), IsCheaper);
+  case_.ranked = near;
+}
+
+double Decision::RepairedDeparture(const StepDeparture& departure, const Cycles& cycles) {
+  SatelliteTrack& track = *case_.track;
+  const SavedEpochs saved(track, case_.step, case_.test);
+  for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
+    const std::size_t signal = case_.test.signal[i];
+    Repair(track, case_.step, signal, track.signals[signal].wavelength_m * cycles[i]);
+  }
+  FitRates(track, case_.step);
+  return departure.Chi2(track);
 }
 
 }  // namespace orsolva_host::analysis

@@ -114,7 +114,12 @@ void SetRangeScale(StepState& step, double scale, const NoiseShare& noise, doubl
   double variance = Square(scale);
   if (step.modelled) variance = std::max(variance - noise.range_m2, 0.0);
   variance += Square(kRangeFloor_m / step.sin_elevation * root);
-  if (!step.modelled) variance = Square(kWithoutModelFactor) * variance + Square(kWithoutModelFloor_m * root);
+  if (!step.modelled) {
+    // A cycle on the only band is little more than what an old clock wanders: no doubt beyond its scale.
+    const bool alone = noise.one_band && step.dt_s >= kQuietInterval_s;
+    const double factor = alone ? 1.0 : kWithoutModelFactor;
+    variance = Square(factor) * variance + Square(kWithoutModelFloor_m * root);
+  }
   variance += Square(step.shift_doubt_m);
   if (!step.gap) variance += Square(kTroposphereDoubt * step.troposphere_change_m);
   step.range_scale_m = std::sqrt(variance);

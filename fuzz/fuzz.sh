@@ -11,7 +11,8 @@ shift || true
 targets=("$@")
 [ ${#targets[@]} -gt 0 ] ||
   targets=(boundary_records analysis observation_reader crinex_decoder navigation_reader compressed_input
-    config_file profile rtcm_stream scenario sp3_reader ubx_recording)
+    config_file profile rtcm_stream scenario sp3_reader ubx_recording caster_text live_station stations_file
+    http_request)
 build=${ORSOLVA_FUZZ_BUILD:-build-fuzz}
 
 cmake --preset "${ORSOLVA_FUZZ_PRESET:-fuzz}" -B "$build" >/dev/null
@@ -21,7 +22,7 @@ shared=${ORSOLVA_SHARED:-../shared}/data
 
 dictionary_of() {
   case $1 in
-    config_file | profile | scenario) echo settings.dict ;;
+    config_file | profile | scenario | stations_file) echo settings.dict ;;
     *) echo rinex.dict ;;
   esac
 }

@@ -112,9 +112,18 @@ def ubx_seeds(out):
     write(out, "ubx_recording", "survey", b"\3" + counted)
 
 
+def stream_seeds(path, out):
+    """The beginning of a recording as it is, in pieces of 17 bytes, for the stations of live streams."""
+    for size in (2000, 12000):
+        write(out, "live_station", f"{path.name}.{size}", b"\0\x10" + path.read_bytes()[:size])
+        write(out, "rtcm_stream", f"{path.name}.{size}", b"\0" + path.read_bytes()[:size])
+
+
 def main(data_folder, out_folder):
     out = pathlib.Path(out_folder)
     ubx_seeds(out)
+    for path in sorted((pathlib.Path(data_folder).parent / "rtcm").glob("*.log")):
+        stream_seeds(path, out)
     for name in FILES:
         seeds_of(pathlib.Path(data_folder) / name, out)
     choice = random.Random(1)

@@ -42,7 +42,7 @@ void CheckReply(const HttpReply& reply, bool is_head) {
   const std::size_t at = bytes.find(name);
   if (at == std::string::npos || at > end || is_head) return;
   const std::size_t length = std::strtoul(bytes.c_str() + at + name.size(), nullptr, 10);
-  // An interim reply (100 Continue) may stand before.
+  // An interim reply (100 Continue) may come before it.
   Require(bytes.size() >= end + 4 + length, "a reply is as long as it says");
 }
 

@@ -20,10 +20,7 @@ class BitReader {
     // Eight bytes at once hold a field of up to 57 bits, wherever in a byte it begins.
     const std::size_t first = position_ >> 3;
     if (bits < 1 || bits > 57 || first + sizeof(std::uint64_t) > bytes_.size()) return UnsignedByBytes(bits);
-    std::uint64_t word = 0;
-    for (std::size_t i = 0; i < sizeof word; ++i) {
-      word = word << 8 | static_cast<unsigned char>(bytes_[first + i]);
-    }
+    const std::uint64_t word = WordAt(first);
     const auto used = static_cast<int>(position_ & 7);
     position_ += static_cast<std::size_t>(bits);
     return word << used >> (64 - bits);
@@ -42,6 +39,13 @@ class BitReader {
 
  private:
   std::uint64_t UnsignedByBytes(int bits);
+  /// Written out, so that compilers see one load and one swap.
+  std::uint64_t WordAt(std::size_t first) const {
+    const auto* b = reinterpret_cast<const unsigned char*>(bytes_.data() + first);
+    return std::uint64_t{b[0]} << 56 | std::uint64_t{b[1]} << 48 | std::uint64_t{b[2]} << 40 |
+           std::uint64_t{b[3]} << 32 | std::uint64_t{b[4]} << 24 | std::uint64_t{b[5]} << 16 |
+           std::uint64_t{b[6]} << 8 | std::uint64_t{b[7]};
+  }
 
   std::string_view bytes_;
   std::size_t position_ = 0;

@@ -2,18 +2,21 @@
 
 #include <algorithm>
 #include <cmath>
-#include <tuple>
+#include <cstddef>
 #include <utility>
 
 namespace orsolva_host::rtcm {
 namespace {
 
-auto OrderOf(const ReceivedSignal& s) {
-  return std::tuple(s.satellite.system, s.satellite.number, s.observation.code.band,
-                    s.observation.code.attribute);
+/// Satellites by system and number, signals by code: what is smaller comes first.
+std::uint64_t OrderOf(const ReceivedSignal& s) {
+  std::uint64_t order = 0;
+  for (const int part : {int{s.satellite.system}, int{s.satellite.number}, int{s.observation.code.band},
+                         int{s.observation.code.attribute}}) {
+    order = order << 8 | static_cast<std::uint64_t>(part & 0xFF);
+  }
+  return order;
 }
-
-bool IsSame(const ReceivedSignal& a, const ReceivedSignal& b) { return OrderOf(a) == OrderOf(b); }
 
 }  // namespace
 
@@ -46,15 +49,20 @@ void EpochJoiner::Finish() {
 
 void EpochJoiner::Complete() {
   std::vector<ReceivedSignal>& signals = open_->signals;
-  // The finest family first, and among equals the first one.
-  std::stable_sort(signals.begin(), signals.end(), [](const ReceivedSignal& a, const ReceivedSignal& b) {
-    const auto left = OrderOf(a);
-    const auto right = OrderOf(b);
-    return left != right ? left < right : a.family > b.family;
-  });
-  const auto end = std::unique(signals.begin(), signals.end(), IsSame);
-  duplicates_ += static_cast<std::uint64_t>(signals.end() - end);
-  signals.erase(end, signals.end());
+  order_.clear();
+  for (std::uint32_t i = 0; i < signals.size(); ++i) {
+    // The finest family first, and among equals the first one.
+    order_.push_back({OrderOf(signals[i]) << 8 | (0xFFU - static_cast<unsigned>(signals[i].family)), i});
+  }
+  std::sort(order_.begin(), order_.end());
+  std::vector<ReceivedSignal> ordered;
+  ordered.reserve(signals.size());
+  for (std::size_t i = 0; i < order_.size(); ++i) {
+    const bool again = i > 0 && order_[i].first >> 8 == order_[i - 1].first >> 8;
+    duplicates_ += again ? 1 : 0;
+    if (!again) ordered.push_back(signals[order_[i].second]);
+  }
+  signals.swap(ordered);
   MarkFamilies();
   last_complete_ns_ = open_->time_ns;
   complete_.push_back(std::move(*open_));
@@ -62,9 +70,14 @@ void EpochJoiner::Complete() {
 }
 
 void EpochJoiner::MarkFamilies() {
+  const ReceivedSignal* before = nullptr;
+  std::vector<std::pair<SignalCode, Family>>* of_satellite = nullptr;
   for (ReceivedSignal& signal : open_->signals) {
     if (std::isnan(signal.observation.phase_cycles)) continue;
-    auto& known = families_[signal.satellite];
+    if (before == nullptr || !(before->satellite == signal.satellite))
+      of_satellite = &families_[signal.satellite];
+    before = &signal;
+    auto& known = *of_satellite;
     const auto place = std::find_if(known.begin(), known.end(), [&](const auto& entry) {
       return entry.first == signal.observation.code;
     });

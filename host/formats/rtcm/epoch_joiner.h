@@ -51,6 +51,7 @@ class EpochJoiner {
   std::optional<EpochPart> open_;
   std::optional<std::int64_t> last_complete_ns_;
   std::deque<EpochPart> complete_;
+  std::vector<std::pair<std::uint64_t, std::uint32_t>> order_;  ///< of the signals of an epoch, with places
   std::map<SatelliteId, std::vector<std::pair<SignalCode, Family>>> families_;
   std::uint64_t late_ = 0;
   std::uint64_t other_stations_ = 0;

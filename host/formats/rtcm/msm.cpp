@@ -99,6 +99,8 @@ void LayOut(MsmMessage& m) {
   const auto satellites = static_cast<std::uint64_t>(m.header[kSatellites]);
   const auto signals = static_cast<std::uint32_t>(m.header[kSignals]);
   int left = std::popcount(satellites) * std::popcount(signals);
+  m.satellites.reserve(static_cast<std::size_t>(std::popcount(satellites)));
+  m.cells.reserve(static_cast<std::size_t>(std::popcount(m.cell_mask)));
   for (int number = 1; number <= kSatelliteBits; ++number) {
     if ((satellites >> (kSatelliteBits - number) & 1) == 0) continue;
     for (int signal = 1; signal <= kSignalBits; ++signal) {

@@ -10,7 +10,7 @@ constexpr double kFree_m = 1e4;   // prior of a quantity that nothing is known o
 constexpr double kTied_m = 1e-5;  // prior of one that shall take nothing
 constexpr double kLargestScale_m = 1e3;
 constexpr double kLargestGapScale_m = 3;
-constexpr double kApart_mu = 0.1;  // of bands that tell range and ionosphere apart by themselves
+constexpr double kApart_mu = 0.1;  // of bands that separate range and ionosphere by themselves
 constexpr double kStencilsAgree =
     2;  // of the range scale; beyond, a slip three steps away may be in the wide one
 

@@ -210,7 +210,7 @@ void Decision::RankExplanations() {
   if (IsStormy() && IsStormySky()) CompareEqualParts();
 }
 
-/// In a storm the window hardly tells slips apart that differ by the same cycles on all signals: those around
+/// In a storm the window hardly separates slips that differ by the same cycles on all signals: those around
 /// the best are weighed by the departure of the step instead.
 void Decision::CompareEqualParts() {
   SatelliteTrack& track = *case_.track;

@@ -233,7 +233,7 @@ def read_request(client):
 
 
 def listen(client, mount, seconds):
-    """Waits and keeps the lines of GGA that the client sends meanwhile.
+    """Waits and keeps the lines of GGA that the client sends meanwhile, with their ends.
 
     @throws Ended when the client has closed
     """

@@ -151,8 +151,8 @@ class CasterTest(unittest.TestCase):
 
     def test_lines_of_position_are_kept(self):
         caster = self.serve(speed=50)
-        gga = b"$GPGGA,120000,5000.0,N,01400.0,E,4,12,0.8,300.0,M,45.0,M,,*5A"
-        request(caster, GET1 + gga + b"\r\n")
+        gga = b"$GPGGA,120000,5000.0,N,01400.0,E,4,12,0.8,300.0,M,45.0,M,,*5A\r\n"
+        request(caster, GET1 + gga)
         self.assertEqual(self.mount.gga, [gga.decode()])
 
     def test_tls_with_a_certificate_of_its_own(self):

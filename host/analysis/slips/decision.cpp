@@ -139,7 +139,7 @@ bool Decision::Explain() {
   const Explanation& best = case_.ranked.front();
   if (!best.any) return FitOf(case_.none.cycles) > 1.5 * kFitChi2 && TakeOther(nullptr);
   if (FitOf(best.cycles) > kFitChi2 && TakeOther(&best)) return true;
-  return case_.none.total - best.total >= kMinGain && TakeSlip();
+  return case_.none.total - best.total >= LeastGain() && TakeSlip();
 }
 
 void Decision::MakeCase(SatelliteTrack& track, std::int64_t step) {

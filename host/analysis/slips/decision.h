@@ -78,6 +78,7 @@ class Decision {
   bool IsPlainHalf() const;
   bool IsStormy() const;
   bool IsStormySky() const;
+  double LeastGain() const;
   bool RestsOnRangeAlone(const Cycles& cycles) const;
   bool IsNoSlip();
   bool TakeSlip();

@@ -56,6 +56,7 @@ constexpr double kSizePrior = 0.25;       // times the mean of ln|cycles|
 constexpr double kBlindSlipPrior = 4;     // a slip on all bands where the range is not modelled
 constexpr double kBlindOneBandPrior = 1;  // of one band, which has no other way to show
 constexpr double kMinGain = 1.5;          // over "no slip"
+constexpr double kMinStormGain = 4;       // of an equal slip on all bands in a storm
 constexpr double kSureMargin = 3;
 constexpr double kSureGapMargin = 5;
 constexpr double kSureStormMargin = 7;  // where equal parts rest on a few centimetres

@@ -140,6 +140,13 @@ bool Decision::IsStormy() const {
   return interval_s_ >= kQuietInterval_s && case_.track->At(case_.step).ionosphere_by_neighbours;
 }
 
+/// What the best slip must gain over "no slip".
+double Decision::LeastGain() const {
+  const bool hidden =
+      IsStormy() && IsStormySky() && IsSameOnAll(case_.ranked.front().cycles, case_.test.count);
+  return hidden ? kMinStormGain : kMinGain;
+}
+
 /// Whether every signal slips where nothing predicts the range, so that slips are known by their differences
 /// alone, or only the steps around do, which a low satellite or an old clock leaves by decimetres.
 bool Decision::RestsOnRangeAlone(const Cycles& cycles) const {

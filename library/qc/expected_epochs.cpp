@@ -63,7 +63,9 @@ std::uint64_t NominalGap::CountBetweenSamples() const {
 }
 
 Time_gbt NominalGap::WholeNominal(std::int64_t k) const {
-  return {last_.time + k * static_cast<std::int64_t>(interval_), 0.0};
+  // Wraps as every sum of times does, whatever the host's times are.
+  const auto step = static_cast<std::uint64_t>(interval_) * static_cast<std::uint64_t>(k);
+  return {static_cast<std::int64_t>(static_cast<std::uint64_t>(last_.time) + step), 0.0};
 }
 
 std::uint64_t NominalGap::CountOneByOne() const {

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <memory>
+#include <utility>
 
 #include "qc/base/config.h"
 #include "qc/base/epoch_time.h"
@@ -94,8 +95,8 @@ TEST(NominalGap, CountsShortGapsAsTheLiteralWalkDoes) {
   std::uint64_t total = 0, all = 0;
   for (const Ephemeris* ephemeris : {&whole_day, &with_gap}) {
     for (int prn = 1; prn <= 30; prn += 7) {
-      for (const double fraction : {0.0, 0.5}) {
-        QcEleList list = Opened(*ephemeris, prn, At(2.0 * fraction), At(86400.0));
+      for (const auto& [batch, fraction] : {std::pair{0.0, 0.0}, {0.5, 0.0}, {0.25, 0.0}, {0.25, 0.5}}) {
+        QcEleList list = Opened(*ephemeris, prn, At(batch), At(86400.0));
         for (double from = 10.0; from < 80000.0; from += 231.0) {
           for (const double interval : {1.0, 7.0, 30.0, 0.5}) {
             const Time_gbt last = At(from + fraction), current = At(from + 230.5);

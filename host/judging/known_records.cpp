@@ -34,6 +34,23 @@ void KnownRecords::TakeNew(char letter, const std::vector<Record>& from, std::ve
   }
 }
 
+/// One reading has one message of a satellite for the library, I/NAV where it holds both.
+std::vector<GalEph_gbt> KnownRecords::OfOneMessage(const ReadNavigation& read) {
+  std::map<int, bool> is_inav;
+  for (const KeplerRecord& record : read.broadcast.kepler) {
+    if (record.satellite.system != 'E') continue;
+    bool& inav = is_inav[record.satellite.number];
+    inav = inav || !record.second_message;
+  }
+  for (const auto& [number, inav] : is_inav) galileo_is_inav_.try_emplace(number, inav);
+  std::vector<GalEph_gbt> kept;
+  for (const auto& record : read.set.galileo) {
+    const auto found = is_inav.find(record.prn);
+    if (found == is_inav.end() || found->second == galileo_is_inav_[record.prn]) kept.push_back(record);
+  }
+  return kept;
+}
+
 ReadNavigation KnownRecords::New(const ReadNavigation& read) {
   ReadNavigation fresh;
   fresh.files = read.files;
@@ -41,7 +58,7 @@ ReadNavigation KnownRecords::New(const ReadNavigation& read) {
   TakeNew('g', read.set.gps, fresh.set.gps);
   TakeNew('r', read.set.glonass, fresh.set.glonass);
   TakeNew('c', read.set.bds, fresh.set.bds);
-  TakeNew('e', read.set.galileo, fresh.set.galileo);
+  TakeNew('e', OfOneMessage(read), fresh.set.galileo);
   TakeNew('j', read.set.qzss, fresh.set.qzss);
   for (const KeplerRecord& record : read.broadcast.kepler) {
     if (IsNew(record.satellite.system, record.satellite.number, record.toe_s, record.second_message))

@@ -43,6 +43,27 @@ TEST(KnownRecords, MessagesOfGalileoAreRecordsOfTheirOwn) {
   EXPECT_EQ(known.New(RecordsOf(7200, true)).broadcast.kepler.size(), 1U);
 }
 
+/// The library's records of a Galileo satellite that are new, of a message at a time.
+std::size_t NewForLibrary(KnownRecords& known, double toe_s, bool second_message) {
+  ReadNavigation read = RecordsOf(toe_s, second_message);
+  GalEph_gbt galileo = {};
+  galileo.prn = 5;
+  galileo.toc.time = static_cast<std::int64_t>(toe_s);
+  read.set.galileo = {galileo};
+  return known.New(read).set.galileo.size();
+}
+
+TEST(KnownRecords, ASatelliteOfGalileoKeepsItsMessageForTheLibrary) {
+  KnownRecords inav_first;
+  EXPECT_EQ(NewForLibrary(inav_first, 7200, false), 1U);
+  EXPECT_EQ(NewForLibrary(inav_first, 7800, true), 0U) << "F/NAV, another clock";
+  EXPECT_EQ(NewForLibrary(inav_first, 7800, false), 1U);
+  KnownRecords fnav_first;
+  EXPECT_EQ(NewForLibrary(fnav_first, 7200, true), 1U);
+  EXPECT_EQ(NewForLibrary(fnav_first, 7800, false), 0U) << "I/NAV, another clock";
+  EXPECT_EQ(NewForLibrary(fnav_first, 7800, true), 1U);
+}
+
 TEST(KnownRecords, PassesOverRecordsWithoutATime) {
   KnownRecords known;
   ReadNavigation read = RecordsOf(0);

@@ -8,6 +8,9 @@
 namespace orsolva_host::rtcm {
 namespace {
 
+/// Of an epoch: more than all satellites of all systems send. What repeats itself without end stays bounded.
+constexpr std::size_t kMaxSignals = 16384;
+
 /// Satellites by system and number, signals by code: what is smaller comes first.
 std::uint64_t OrderOf(const ReceivedSignal& s) {
   std::uint64_t order = 0;
@@ -37,6 +40,8 @@ void EpochJoiner::Add(EpochPart part) {
   const bool last = end_ == EpochEnd::kLastMessage && !part.more;
   if (!open_) {
     open_ = std::move(part);
+  } else if (open_->signals.size() > kMaxSignals) {
+    duplicates_ += part.signals.size();
   } else {
     open_->signals.insert(open_->signals.end(), part.signals.begin(), part.signals.end());
   }

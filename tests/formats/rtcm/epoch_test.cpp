@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "host/formats/rtcm/decoder.h"
+#include "host/formats/rtcm/epoch_joiner.h"
 #include "tests/formats/rtcm/frames.h"
 
 namespace {
@@ -176,6 +177,20 @@ TEST(Epochs, HalfCycleIsAFlagOfItsOwn) {
   m.cells[0].half_cycle = 1;
   decoder.Take(WriteMsm(m));
   EXPECT_EQ(EpochsOf(decoder).at(0).signals.at(0).loss_of_lock, kHalfCycle);
+}
+
+TEST(EpochJoiner, AMessageRepeatedWithoutEndStaysBounded) {
+  EpochJoiner joiner(EpochEnd::kLastMessage);
+  EpochPart part;
+  part.more = true;
+  part.signals.resize(64);
+  constexpr std::uint64_t kMessages = 2000;
+  for (std::uint64_t i = 0; i < kMessages; ++i) joiner.Add(part);
+  EXPECT_GT(joiner.Duplicates(), kMessages * 64 / 2) << "counted at once, not kept until the end";
+  joiner.Finish();
+  EXPECT_EQ(joiner.Duplicates(), kMessages * 64 - 1);
+  ObservationEpoch epoch;
+  EXPECT_TRUE(joiner.Next(epoch));
 }
 
 }  // namespace

@@ -27,7 +27,7 @@ Limits EpnRealtime() {
 
 const std::vector<LimitsProfile>& LimitsProfiles() {
   static const std::vector<LimitsProfile> profiles = {
-      {"default", "Defaults of this program; docs/user/live.md says why.", {}},
+      {"default", "Defaults of this program.", {}},
       {"centipede", "What the Centipede-RTK network asks of a base station; the rest are defaults.",
        Centipede()},
       {"epn-realtime", "Limits of the EUREF Permanent Network for real-time streams; the rest are defaults.",

@@ -196,14 +196,15 @@ void StationAlarms::Hour(const WindowSums& hour, std::size_t minutes, std::int64
 void StationAlarms::Ephemerides(const std::map<char, double>& age_s, std::int64_t now_ns) {
   for (const auto& [system, age] : age_s) {
     const double limit_s = system == 'R' ? limits_.glonass_ephemeris_age_s : limits_.ephemeris_age_s;
-    alarms_.Update(AlarmKind::kEphemerisOld, std::string(1, system), Above(age, limit_s, limit_s), {1, 1, 1},
-                   Utc(now_ns), [&, system = system, age = age] {
-                     return Finding{
-                         Severity::kWarning,
-                         fmt::format("no ephemeris of {} for {:.0f} min", NameOfSystem(system), age / 60),
-                         "Let the receiver send ephemerides (1019, 1020, 1042, 1045, 1046), or give a "
-                         "stream of them with --nav."};
-                   });
+    alarms_.Update(
+        AlarmKind::kEphemerisOld, std::string(1, system), Above(age, limit_s, limit_s), {1, 1, 1},
+        Utc(now_ns), [&, system = system, age = age] {
+          return Finding{
+              Severity::kWarning,
+              fmt::format("no ephemeris of {} for {:.0f} min", NameOfSystem(system), age / 60),
+              "Let the receiver send ephemerides (1019, 1020, 1041, 1042, 1044, 1045, 1046), or give a "
+              "stream of them with --nav."};
+        });
   }
 }
 

@@ -1,7 +1,8 @@
 // The service's HTTP server: /metrics, /state.json, /events.json and the page at /.
 //
-// It reads the board and nothing else, on threads of its own: a client that is slow, silent or hostile holds
-// one of them for a limited time and never the judging. There is no TLS and no password; a proxy has both.
+// It reads the board and nothing else. One thread takes all requests in and sends all replies out
+// (client_desk.h), so that no slow, silent or hostile client holds a thread, and none holds the judging.
+// There is no TLS and no password; a proxy has both.
 #ifndef ORSOLVA_LIVE_SERVING_LIVE_SERVER_H
 #define ORSOLVA_LIVE_SERVING_LIVE_SERVER_H
 

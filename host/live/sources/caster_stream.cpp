@@ -134,7 +134,9 @@ std::optional<ReadOutcome> CasterStream::LookAtTable(bool running) {
   const bool late = steady_clock::now() - begun_ > kTableTime && request_->WasConnected();
   if (running && more && !late) return std::nullopt;
   if (result != CURLE_OK && !request_->WasConnected()) return Ended(result);
-  *options_.wishes = {search_->WantsPosition(), steady_clock::now()};
+  // A table that did not come says nothing; what an earlier one said stays.
+  if (const auto wants = search_->WantsPosition()) options_.wishes->position = wants;
+  options_.wishes->asked = steady_clock::now();
   BeginStream();
   return std::nullopt;
 }

@@ -135,4 +135,12 @@ std::string SourceSpec::StationName() const {
   return name.substr(0, name.find('.'));
 }
 
+void ShareLogin(const SourceSpec& first, SourceSpec& second) {
+  if (second.kind != SourceKind::kNtrip || !second.user.empty()) return;
+  const bool same = first.host == second.host && first.port == second.port && (second.tls || !first.tls);
+  if (first.kind == SourceKind::kNtrip && !same) return;
+  second.user = first.user;
+  second.password = first.password;
+}
+
 }  // namespace orsolva_host::live

@@ -31,6 +31,11 @@ struct SourceSpec {
 /// @return an empty text, or what is wrong with it, without secrets
 std::string ParseSource(const std::string& text, SourceSpec& spec);
 
+/// Gives a second source without a user the user and password of the first: on the same caster, and not
+/// without TLS where the first has it. Another caster, which may be another operator's, gets neither; where
+/// the first source is no caster they can only be meant for the second.
+void ShareLogin(const SourceSpec& first, SourceSpec& second);
+
 /// "%41b" is "Ab".
 std::string PercentDecoded(const std::string& text);
 

@@ -1,7 +1,6 @@
 #include "host/live/stations/ephemeris_book.h"
 
 #include <algorithm>
-#include <set>
 
 #include "host/formats/rtcm/frame.h"
 #include "host/judging/stream_navigation.h"
@@ -12,8 +11,9 @@ SatelliteId EphemerisBook::Entry::Satellite() const {
   return rtcm::IsStateVector(message) ? vector.satellite : kepler.satellite;
 }
 
-void EphemerisBook::Add(const std::vector<rtcm::EphemerisMessage>& messages,
-                        const BroadcastRecords& records) {
+std::set<char> EphemerisBook::Add(const std::vector<rtcm::EphemerisMessage>& messages,
+                                  const BroadcastRecords& records) {
+  std::set<char> systems;
   auto kepler = records.kepler.begin();
   auto vector = records.state_vectors.begin();
   for (const rtcm::EphemerisMessage& message : messages) {
@@ -29,9 +29,11 @@ void EphemerisBook::Add(const std::vector<rtcm::EphemerisMessage>& messages,
              e.ReferenceTime() == entry.ReferenceTime();
     });
     if (known) continue;
+    systems.insert(entry.Satellite().system);
     entries_.push_back(std::move(entry));
     changed_ = true;
   }
+  return systems;
 }
 
 void EphemerisBook::Prune(std::int64_t gps_ns) {

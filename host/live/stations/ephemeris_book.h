@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -21,8 +22,8 @@ class EphemerisBook {
  public:
   static constexpr double kKept_s = 5 * 3600;
 
-  /// @param records  made from the messages, in their order
-  void Add(const std::vector<rtcm::EphemerisMessage>& messages, const BroadcastRecords& records);
+  /// @param records  made from the messages, in their order @return the systems of those that are new
+  std::set<char> Add(const std::vector<rtcm::EphemerisMessage>& messages, const BroadcastRecords& records);
   /// Whether any was new since ForgetChange was called last.
   bool HasChanged() const { return changed_; }
   void ForgetChange() { changed_ = false; }

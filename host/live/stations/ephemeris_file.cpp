@@ -87,6 +87,25 @@ FileEphemerides ReadEphemerides(const std::string& path, std::int64_t near_ns) {
   return found;
 }
 
+FileEphemerides Since(const FileEphemerides& all, double oldest_s) {
+  FileEphemerides kept;
+  auto kepler = all.records.kepler.begin();
+  auto vector = all.records.state_vectors.begin();
+  for (const rtcm::EphemerisMessage& message : all.messages) {
+    if (rtcm::IsStateVector(message)) {
+      const StateVectorRecord& record = *vector++;
+      if (record.toe_s < oldest_s) continue;
+      kept.records.state_vectors.push_back(record);
+    } else {
+      const KeplerRecord& record = *kepler++;
+      if (record.toe_s < oldest_s) continue;
+      kept.records.kepler.push_back(record);
+    }
+    kept.messages.push_back(message);
+  }
+  return kept;
+}
+
 bool FileWatch::Changed() {
   std::error_code failed;
   const auto written = std::filesystem::last_write_time(path_, failed);

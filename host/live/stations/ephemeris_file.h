@@ -25,6 +25,9 @@ struct FileEphemerides {
 /// @param near_ns  a time within half a week of a recording @throws FileError; RunError when it holds none
 FileEphemerides ReadEphemerides(const std::string& path, std::int64_t near_ns);
 
+/// Without those whose reference time is earlier, s on the GPS time scale.
+FileEphemerides Since(const FileEphemerides& all, double oldest_s);
+
 /// Whether a file has been written since it was last looked at.
 class FileWatch {
  public:

@@ -176,14 +176,20 @@ void StationJudge::TakeOwnEphemerides(std::int64_t now_ns) {
   if (!messages.empty()) AddEphemerides(messages, records, now_ns);
 }
 
-void StationJudge::AddEphemerides(const std::vector<rtcm::EphemerisMessage>& messages,
-                                  const BroadcastRecords& records, std::int64_t now_ns) {
+std::set<char> StationJudge::AddEphemerides(const std::vector<rtcm::EphemerisMessage>& messages,
+                                            const BroadcastRecords& records, std::int64_t now_ns) {
   if (!first_ephemeris_ns_) first_ephemeris_ns_ = now_ns;
-  book_.Add(messages, records);
+  std::set<char> systems = book_.Add(messages, records);
   for (const StateVectorRecord& record : records.state_vectors) {
     if (record.satellite.system == 'R' && record.channel)
       decoder_->TakeChannel(record.satellite.number, *record.channel);
   }
+  return systems;
+}
+
+void StationJudge::UseFile(const std::vector<rtcm::EphemerisMessage>& messages,
+                           const BroadcastRecords& records, std::int64_t now_ns) {
+  for (const char system : AddEphemerides(messages, records, now_ns)) last_ephemeris_ns_[system] = now_ns;
 }
 
 void StationJudge::TakeEphemerides(const std::vector<rtcm::EphemerisMessage>& messages,
@@ -448,6 +454,11 @@ void StationJudge::Tick(std::int64_t now_ns) {
     NewDecoder(now_ns);
   if (Seconds(now_ns - last_look_ns_) < kLook_s) return;
   last_look_ns_ = now_ns;
+  // Minutes end with epochs only; what a second source sends without them must not pile up.
+  if (silent_s > kStuck_s) {
+    TakeForeignEphemerides(now_ns);
+    if (!settings_.start_gps_ns) book_.Prune(now_ns);
+  }
   if (state_.connected && !alarms_.InGap()) alarms_.Messages(messages_, now_ns);
 }
 

@@ -11,6 +11,7 @@
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -56,7 +57,11 @@ class StationJudge {
   /// Why there are none from elsewhere; may be called from another thread. @param problem  without secrets
   void EphemeridesFailed(const std::string& problem);
 
-  /// Ephemerides from elsewhere, by the station's thread.
+  /// The same of a file that is kept up to date, by the station's thread.
+  void UseFile(const std::vector<rtcm::EphemerisMessage>& messages, const BroadcastRecords& records,
+               std::int64_t now_ns);
+
+  /// Those kept from the start before, by the station's thread.
   void UseEphemerides(const std::vector<rtcm::EphemerisMessage>& messages, const BroadcastRecords& records,
                       std::int64_t now_ns) {
     AddEphemerides(messages, records, now_ns);
@@ -94,8 +99,8 @@ class StationJudge {
   void NewDecoder(std::optional<std::int64_t> near_ns);
   void TakeOwnEphemerides(std::int64_t now_ns);
   void TakeForeignEphemerides(std::int64_t now_ns);
-  void AddEphemerides(const std::vector<rtcm::EphemerisMessage>& messages, const BroadcastRecords& records,
-                      std::int64_t now_ns);
+  std::set<char> AddEphemerides(const std::vector<rtcm::EphemerisMessage>& messages,
+                                const BroadcastRecords& records, std::int64_t now_ns);
   void NoteStation(std::int64_t now_ns);
   bool IsInOrder(std::int64_t gps_ns, std::int64_t now_ns);
   void TakeEpoch(ObservationEpoch& epoch, std::int64_t now_ns);

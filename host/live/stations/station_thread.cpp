@@ -107,10 +107,7 @@ void StationThread::Start() {
   thread_ = std::thread([this] { Run(); });
   SourceSpec navigation;
   if (settings_.navigation.empty() || !ParseSource(settings_.navigation, navigation).empty()) return;
-  if (navigation.kind == SourceKind::kNtrip && navigation.user.empty()) {
-    navigation.user = spec_.user;
-    navigation.password = spec_.password;
-  }
+  ShareLogin(spec_, navigation);
   if (navigation.kind == SourceKind::kFile) return;  // read before the first epoch
   navigation_thread_ = std::thread([this, navigation] { FollowNavigation(navigation); });
 }
@@ -324,8 +321,11 @@ void StationThread::ReadKeptEphemerides() {
 
 void StationThread::ReadEphemerisFile() {
   const std::int64_t near_ns = settings_.start_gps_ns.value_or(Now());
-  const FileEphemerides found = ReadEphemerides(settings_.navigation, near_ns);
-  judge_.UseEphemerides(found.messages, found.records, near_ns);
+  FileEphemerides found = ReadEphemerides(settings_.navigation, near_ns);
+  const auto latest_ns = judge_.LatestEpoch();
+  // What has been let go for its age would be new again.
+  if (latest_ns) found = Since(found, static_cast<double>(*latest_ns) / 1e9 - EphemerisBook::kKept_s);
+  judge_.UseFile(found.messages, found.records, latest_ns.value_or(near_ns));
 }
 
 /// A file that someone keeps up to date, as long as the stream runs. It is read once more when it has

@@ -62,6 +62,30 @@ TEST_F(EphemerisFileTest, ANavigationFileHoldsWhatTheStreamSends) {
   EXPECT_EQ(file.messages.size(), file.records.kepler.size() + file.records.state_vectors.size());
 }
 
+TEST(FileEphemerides, WhatIsOlderIsLeftOutMessageAndRecord) {
+  FileEphemerides all;
+  for (const double toe_s : {1000.0, 9000.0, 5000.0}) {
+    KeplerRecord kepler = {};
+    kepler.satellite = SatelliteId{'G', 3};
+    kepler.toe_s = toe_s;
+    all.messages.push_back(rtcm::MessageOf(kepler, 1019));
+    all.records.kepler.push_back(kepler);
+    StateVectorRecord vector = {};
+    vector.satellite = SatelliteId{'R', 4};
+    vector.toe_s = toe_s + 1;
+    all.messages.push_back(rtcm::MessageOf(vector));
+    all.records.state_vectors.push_back(vector);
+  }
+  const FileEphemerides kept = Since(all, 5000.5);
+  ASSERT_EQ(kept.messages.size(), 3U);
+  EXPECT_EQ(kept.records.kepler.size(), 1U);
+  EXPECT_EQ(kept.records.kepler[0].toe_s, 9000);
+  ASSERT_EQ(kept.records.state_vectors.size(), 2U);
+  EXPECT_EQ(kept.records.state_vectors[1].toe_s, 5001);
+  EXPECT_FALSE(rtcm::IsStateVector(kept.messages[0]));
+  EXPECT_TRUE(rtcm::IsStateVector(kept.messages[2]));
+}
+
 TEST_F(EphemerisFileTest, WhatHoldsNoneIsRefusedByName) {
   const std::string path = (folder_ / "note.txt").string();
   std::ofstream(path) << "no ephemerides here\n";

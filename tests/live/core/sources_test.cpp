@@ -57,6 +57,28 @@ TEST(SourceSpec, RefusesWhatIsNoSourceWithoutRepeatingIt) {
   }
 }
 
+/// The user that a second source gets from the first.
+std::string SharedUser(const char* first, const char* second) {
+  SourceSpec from, to;
+  EXPECT_EQ(ParseSource(first, from), "");
+  EXPECT_EQ(ParseSource(second, to), "");
+  if (from.user.empty()) from.user = "settings";
+  ShareLogin(from, to);
+  EXPECT_EQ(to.password.empty(), to.user.empty() || to.user == "settings");
+  return to.user;
+}
+
+TEST(SourceSpec, LoginsGoToTheSameCasterOnly) {
+  EXPECT_EQ(SharedUser("ntrip://me:p@h/M", "ntrip://h/EPH"), "me");
+  EXPECT_EQ(SharedUser("ntrips://me:p@h:443/M", "ntrips://h:443/EPH"), "me");
+  EXPECT_EQ(SharedUser("ntrip://me:p@h/M", "ntrip://other/EPH"), "");
+  EXPECT_EQ(SharedUser("ntrip://me:p@h/M", "ntrip://h:2102/EPH"), "");
+  EXPECT_EQ(SharedUser("ntrips://me:p@h:443/M", "ntrip://h:443/EPH"), "") << "in the clear";
+  EXPECT_EQ(SharedUser("ntrip://me:p@h/M", "ntrip://you:q@h/EPH"), "you");
+  EXPECT_EQ(SharedUser("ntrip://me:p@h/M", "tcp://h:5"), "");
+  EXPECT_EQ(SharedUser("tcp://h:5", "ntrip://other/EPH"), "settings") << "can be meant for this one only";
+}
+
 TEST(GgaLine, HasDegreesMinutesAndChecksum) {
   // The checksum is the exclusive or of the characters between $ and *, here summed by hand from the line.
   const std::string line = GgaLine({-33.5, 151.25, 12.34}, 3661);

@@ -151,6 +151,8 @@ def trends(store: Archive | str, since: datetime.date | None = None, until: date
         _gather(steps, trend)
     network = steps.network_changes()
     for trend in _stations(archive, days):
+        if trend.station not in known:
+            continue  # written since the first reading
         trend.changes = known.pop(trend.station)
         mark(trend.changes, network)
         trend.state, trend.reason = _state(trend, today)

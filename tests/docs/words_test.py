@@ -13,7 +13,7 @@ import sys
 # word: (what to say instead, pattern, limit)
 WORDS = {
     "told": ("detected, notified, given", r"told", 1),
-    "tells": ("says, shows, reports", r"tells?", 2),
+    "tells": ("says, shows, reports", r"tells?", 1),
     "stands": ("is, appears, is listed in", r"stands?(?! (?:for|alone)\b)", 2),
     "beside": ("next to, besides, with", r"beside", 6),
     "anew": ("again, restarted", r"anew", 0),

@@ -132,7 +132,8 @@ class HostileTest(unittest.TestCase):
                 print(f"{passed:.0f} s: {core:.2f} of a core, {grown_kb} kB more, {rate:.1f} connections of the storm per second,"
                       f" {states['NOISE']['bytes']} bytes of noise", file=sys.stderr)
                 self.assertLess(core, MOST_CORE)
-                self.assertLess(grown_kb, MOST_GROWTH_KB)
+                if "ORSOLVA_SANITIZED" not in os.environ:  # a sanitizer keeps what was freed
+                    self.assertLess(grown_kb, MOST_GROWTH_KB)
                 self.assertLess(rate, 3)
                 for name in ("NOISE", "FRAMES", "RAW"):
                     self.assertLess(states[name]["bytes"], (4 << 20) + (time.monotonic() - begun + 40) * (256 << 10), name)

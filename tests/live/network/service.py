@@ -36,6 +36,7 @@ class Service:
 
     def __init__(self, program, stations, *options, environment=None):
         self.folder = tempfile.TemporaryDirectory()
+        self.count = len(stations)
         network = pathlib.Path(self.folder.name, "network.toml")
         network.write_text("".join(table_of(name, keys) for name, keys in stations.items()), encoding="utf-8")
         self.events_file = pathlib.Path(self.folder.name, "events.jsonl")
@@ -47,6 +48,7 @@ class Service:
 
     def __enter__(self):
         self.until(lambda: self.get("metrics"), 20)
+        self.until(lambda: len(self.stations()) == self.count, 20)
         return self
 
     def __exit__(self, kind, *_):

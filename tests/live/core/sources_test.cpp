@@ -10,6 +10,7 @@
 #include "host/live/sources/source_spec.h"
 #include "host/live/sources/source_table.h"
 
+#include <fstream>
 #include <thread>
 
 namespace {

@@ -13,26 +13,14 @@
 #include "host/report/json_writer.h"
 #include "host/report/text_writer.h"
 #include "host/simulator/file_set.h"
-#include "host/simulator/scenario_json.h"
 #include "tests/host/folder.h"
+#include "tests/host/judging/faulty_hour.h"
 
 namespace {
 
 using namespace orsolva_host;
 
-Scenario FaultyHour() {
-  Scenario scenario;
-  ReadScenario(R"({"hours": 1, "interval_s": 15, "systems": "GREJC", "faults": [
-    {"kind": "slip", "size": 0.5, "random": 8},
-    {"kind": "slip", "size": 1, "random": 8},
-    {"kind": "slip", "size": 10, "random": 8},
-    {"kind": "code_jump", "size": 20, "random": 3},
-    {"kind": "outage", "satellite": "E", "duration_s": 300, "random": 3},
-    {"kind": "missing_epoch", "at_s": 1200, "duration_s": 60},
-    {"kind": "clock_jump", "size": 1, "at_s": 1800}]})",
-               scenario);
-  return scenario;
-}
+using orsolva_test::FaultyHour;
 
 /// The files of a span, with navigation and stream in folders of their own.
 class Twins {

@@ -12,27 +12,17 @@
 #include "host/report/json_writer.h"
 #include "host/report/text_writer.h"
 #include "host/simulator/file_set.h"
-#include "host/simulator/scenario_json.h"
 #include "tests/host/folder.h"
+#include "tests/host/judging/faulty_hour.h"
 
 namespace {
 
 using namespace orsolva_host;
 
+/// With signals whose numbers the format has.
 Scenario FaultyHour() {
-  Scenario scenario;
-  ReadScenario(R"({"hours": 1, "interval_s": 15, "systems": "GREJC",
-    "signals": {"G": ["1C", "2L", "5Q"], "E": ["1C", "5Q", "7Q"], "C2": ["2I", "7I"], "C3": ["2I", "1P", "5P"]},
-    "faults": [
-    {"kind": "slip", "size": 0.5, "random": 8},
-    {"kind": "slip", "size": 1, "random": 8},
-    {"kind": "slip", "size": 10, "random": 8},
-    {"kind": "code_jump", "size": 20, "random": 3},
-    {"kind": "outage", "satellite": "E", "duration_s": 300, "random": 3},
-    {"kind": "missing_epoch", "at_s": 1200, "duration_s": 60},
-    {"kind": "clock_jump", "size": 1, "at_s": 1800}]})",
-               scenario);
-  return scenario;
+  return orsolva_test::FaultyHour(
+      R"("signals": {"G": ["1C", "2L", "5Q"], "E": ["1C", "5Q", "7Q"], "C2": ["2I", "7I"], "C3": ["2I", "1P", "5P"]}, )");
 }
 
 class UbxTwins : public testing::Test {

@@ -59,6 +59,9 @@ std::string ParseCaster(std::string_view text, SourceSpec& spec) {
   return spec.mount.empty() ? "the mount point is missing: ntrip://host:2101/MOUNT" : "";
 }
 
+/// Empty for a folder, as in "data/".
+std::string FileName(const std::string& path) { return std::filesystem::path(path).filename().string(); }
+
 std::string ParseSerial(std::string_view text, SourceSpec& spec) {
   spec.kind = SourceKind::kSerial;
   spec.baud = kDefaultBaud;
@@ -66,7 +69,7 @@ std::string ParseSerial(std::string_view text, SourceSpec& spec) {
   spec.path = text.substr(0, colon);
   if (colon != std::string_view::npos && !ParseWhole(text.substr(colon + 1), spec.baud))
     return "the speed is no whole number";
-  return spec.path.empty() ? "the device is missing: serial:/dev/ttyUSB0:115200" : "";
+  return FileName(spec.path).empty() ? "the device is missing: serial:/dev/ttyUSB0:115200" : "";
 }
 
 std::string HostText(const SourceSpec& spec) {
@@ -108,7 +111,8 @@ std::string ParseSource(const std::string& text, SourceSpec& spec) {
     return "of sources there are ntrip://, ntrips://, tcp://, serial:, files and -";
   spec.kind = text == "-" ? SourceKind::kStandardInput : SourceKind::kFile;
   spec.path = text;
-  return text.empty() ? "the source is empty" : "";
+  if (text.empty()) return "the source is empty";
+  return FileName(spec.path).empty() ? "the source is a folder" : "";
 }
 
 std::string SourceSpec::Shown() const {
@@ -131,8 +135,8 @@ std::string SourceSpec::StationName() const {
   if (kind == SourceKind::kNtrip) return mount;
   if (kind == SourceKind::kTcp) return host;
   if (kind == SourceKind::kStandardInput) return "stdin";
-  std::string name = std::filesystem::path(path).filename().string();
-  return name.substr(0, name.find('.'));
+  const std::string name = FileName(path);
+  return name.substr(0, name.find('.', 1));  // a file may begin with a dot
 }
 
 void ShareLogin(const SourceSpec& first, SourceSpec& second) {

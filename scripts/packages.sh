@@ -35,5 +35,5 @@ aarch64_packages=(g++-aarch64-linux-gnu qemu-user cmake ninja-build googletest p
 mingw_packages=(g++-mingw-w64-x86-64-posix libz-mingw-w64-dev wine64 cmake ninja-build googletest python3)
 docs_packages=(doxygen)
 bench_packages=(libbenchmark-dev linux-perf valgrind python3-matplotlib)
-wheel_packages=(python3-venv python3-dev libarchive-dev libbz2-dev liblzma-dev libzstd-dev nettle-dev)
+wheel_packages=(debootstrap python3-venv python3-dev libarchive-dev libbz2-dev liblzma-dev libzstd-dev nettle-dev)
 package_packages=(dpkg-dev file lintian debootstrap)

@@ -115,7 +115,7 @@ T = np.datetime64("2020-06-25T00:00:00", "ns")
         ((T, ["G01"], ["1C", "2W"], [2e7]), "signals"),
         (([T, T], ["G01"], ["1C"], [2e7]), "time: found 2"),
         ((3.0, ["G01"], ["1C"], [2e7]), "time: found float64"),
-        ((np.datetime64("NaT"), ["G01"], ["1C"], [2e7]), "time"),
+        ((np.datetime64("NaT", "ns"), ["G01"], ["1C"], [2e7]), "time"),
         ((T, ["X01"], ["1C"], [2e7]), "satellites: found 'X01'"),
         ((T, [1], ["1C"], [2e7]), "satellites: found int64"),
         ((T, ["G01"], ["L1"], [2e7]), "signals: found 'L1'"),

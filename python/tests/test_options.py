@@ -165,7 +165,7 @@ def test_a_history_is_a_profile(hours, tmp_path, command):
     [
         ({"start": "yesterday"}, orsolva.ArgumentError, "start: 'yesterday'"),
         ({"start": 3}, orsolva.ArgumentTypeError, "start"),
-        ({"end": np.datetime64("NaT")}, orsolva.ArgumentError, "end: found no time"),
+        ({"end": np.datetime64("NaT", "ns")}, orsolva.ArgumentError, "end: found no time"),
         ({"start": ""}, orsolva.ArgumentError, "start: found no time"),
         ({"start": "2020-06-25T02:00", "end": "2020-06-25"}, orsolva.ArgumentError, "start and end"),
         ({"sampling_s": 0}, orsolva.ArgumentError, "sampling_s"),

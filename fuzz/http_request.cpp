@@ -53,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   static Service service;
   const std::string request(reinterpret_cast<const char*>(data), size);
   // The server skips blanks before the method.
-  const std::size_t method = std::min(request.find_first_not_of(' '), size);
+  const std::size_t method = std::min(request.find_first_not_of(" \t"), size);
   CheckReply(service.Answer(request + "\r\n\r\n"), request.compare(method, 4, "HEAD") == 0);
   return 0;
 }

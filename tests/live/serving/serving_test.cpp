@@ -51,6 +51,17 @@ TEST_F(ServingTest, EveryPathHasItsTypeAndOthersAreNotFound) {
   EXPECT_EQ(client.Get("/events.json?after=-1")->status, 400);
 }
 
+TEST_F(ServingTest, CompressesWithGzipAloneWhateverElseAClientTakes) {
+  httplib::Client client = Client();
+  client.set_decompress(false);
+  const auto encoding = [&](const char* accepted) {
+    return client.Get("/", {{"Accept-Encoding", accepted}})->get_header_value("Content-Encoding");
+  };
+  EXPECT_EQ(encoding("gzip, deflate, br, zstd"), "gzip");
+  EXPECT_EQ(encoding("br"), "");
+  EXPECT_EQ(encoding("identity"), "");
+}
+
 TEST_F(ServingTest, AStationIsFoundByTheNameThatIsShown) {
   httplib::Client client = Client();
   const Json network = Json::parse(client.Get("/state.json")->body);

@@ -42,26 +42,42 @@ print(orsolva.compare(report, orsolva.simulate(hours=1)), orsolva.explain("mp1")
 '''
 
 
-def test_mypy_is_content_with_the_package(tmp_path):
+# What they found out of NumPy, pandas and others, which takes most of their time, serves the next run too.
+@pytest.fixture(scope="module")
+def mypy(tmp_path_factory):
     pytest.importorskip("mypy")
-    arguments = ["--strict", "--python-version", "3.11", "--ignore-missing-imports", "--cache-dir", str(tmp_path)]
-    command = [sys.executable, "-m", "mypy", *arguments, "-p", "orsolva"]
-    done = subprocess.run(command, capture_output=True, text=True, cwd=PACKAGE.parent)
+    cache = tmp_path_factory.mktemp("mypy")
+    return [sys.executable, "-m", "mypy", "--strict", "--python-version", "3.11", "--ignore-missing-imports", "--cache-dir", str(cache)]
+
+
+@pytest.fixture()
+def examples(tmp_path):
+    """A right use of the package and a wrong one."""
+    (tmp_path / "right.py").write_text(EXAMPLE)
+    (tmp_path / "wrong.py").write_text(EXAMPLE.replace("epochs: int | None", "epochs: str"))
+    return tmp_path
+
+
+def test_mypy_is_content_with_the_package(mypy):
+    done = subprocess.run([*mypy, "-p", "orsolva"], capture_output=True, text=True, cwd=PACKAGE.parent)
     assert done.returncode == 0, done.stdout + done.stderr
 
 
-@pytest.mark.parametrize("right", [True, False])
-@pytest.mark.parametrize("checker", ["mypy", "pyright"])
-def test_checkers_follow_the_types_in_an_example(tmp_path, checker, right):
-    pytest.importorskip(checker)
-    example = tmp_path / "example.py"
-    example.write_text(EXAMPLE if right else EXAMPLE.replace("epochs: int | None", "epochs: str"))
-    (tmp_path / "pyrightconfig.json").write_text(json.dumps({"extraPaths": [str(PACKAGE.parent)], "typeCheckingMode": "strict"}))
-    arguments = ["--strict", "--ignore-missing-imports"] if checker == "mypy" else ["--pythonpath", sys.executable]
-    environment = {**os.environ, "MYPYPATH": str(PACKAGE.parent), "PYRIGHT_PYTHON_IGNORE_WARNINGS": "1"}
-    command = [sys.executable, "-m", checker, *arguments, str(example)]
-    done = subprocess.run(command, capture_output=True, text=True, cwd=tmp_path, env=environment)
-    assert (done.returncode == 0) == right, done.stdout + done.stderr
+@pytest.mark.parametrize("name", ["right", "wrong"])
+def test_mypy_follows_the_types_in_an_example(mypy, examples, name):
+    environment = {**os.environ, "MYPYPATH": str(PACKAGE.parent)}
+    done = subprocess.run([*mypy, f"{name}.py"], capture_output=True, text=True, cwd=examples, env=environment)
+    assert (done.returncode == 0) == (name == "right"), done.stdout + done.stderr
+
+
+def test_pyright_follows_the_types_in_an_example(examples):
+    pytest.importorskip("pyright")
+    (examples / "pyrightconfig.json").write_text(json.dumps({"extraPaths": [str(PACKAGE.parent)], "typeCheckingMode": "strict"}))
+    environment = {**os.environ, "PYRIGHT_PYTHON_IGNORE_WARNINGS": "1"}
+    command = [sys.executable, "-m", "pyright", "--pythonpath", sys.executable, "--outputjson", "right.py", "wrong.py"]
+    done = subprocess.run(command, capture_output=True, text=True, cwd=examples, env=environment)
+    errors = [d for d in json.loads(done.stdout)["generalDiagnostics"] if d["severity"] == "error"]
+    assert {pathlib.Path(d["file"]).name for d in errors} == {"wrong.py"}, done.stdout + done.stderr
 
 
 def members(name):

@@ -43,7 +43,7 @@ bool Decision::IsCandidate(const SatelliteTrack& track, std::int64_t step, const
 void Decision::DecideNext(SatelliteTrack& track) {
   const std::int64_t step = track.decide;
   StepState& state = track.At(step);
-  SettleScales(track, step, around_);
+  const SettledScales settled = SettleScales(track, step, around_);
   track.budget = std::min(track.budget + kBudgetPerStep, kLargestBudget);
   for (int tries = 0; tries < kMaxTries && !state.broken && !state.settled; ++tries) {
     MakeTest(track, step, interval_s_, scratch_);
@@ -52,18 +52,20 @@ void Decision::DecideNext(SatelliteTrack& track) {
     if (tries == 0) state.chi2 = chi2;
     const bool hole = state.gap || scratch_.returning != 0;
     if (!hole && !IsCandidate(track, step, scratch_, chi2)) break;
-    if (tries == 0) RefreshScales(track, step, around_);
+    if (tries == 0 && !state.gap) RefreshScales(track, step, settled, around_);
     if (state.gap && IsHopeless(track, scratch_)) {
-      GiveUp(track, step, hole, "one cycle would be lost in what the hole leaves open");
+      GiveUp(track, step, chi2, "one cycle would be lost in what the hole leaves open");
       break;
     }
     if (track.budget < (hole ? 1 : kMinBudget)) {
-      GiveUp(track, step, hole, "not searched: too many holes and breaks of this satellite");
+      if (hole || chi2 > kFitChi2)
+        GiveUp(track, step, chi2, "not searched: too many holes and breaks of this satellite");
       break;
     }
     track.budget -= 1;
+    if (state.gap) RefreshScales(track, step, settled, around_);
     const std::int64_t target = RankMostTelling(track, step);
-    if (!Explain()) break;
+    if (!Explain() || state.gap) break;  // no rate leads over a hole: nothing changes those around
     FitRates(track, target);
     RefreshScales(track, step, around_);
     if (hole) break;  // a hole is closed once
@@ -83,14 +85,15 @@ bool Decision::IsHopeless(const SatelliteTrack& track, const StepTest& test) {
 }
 
 /// A step for which no search is left: a hole stays open, and what fits nothing is a break.
-void Decision::GiveUp(SatelliteTrack& track, std::int64_t step, bool hole, const char* why) {
-  if (!hole && !(Chi2(scratch_) > kFitChi2)) return;
+/// @param chi2  of the step
+void Decision::GiveUp(SatelliteTrack& track, std::int64_t step, double chi2, const char* why) {
+  const bool hole = track.At(step).gap || scratch_.returning != 0;
   case_.track = &track;
   case_.step = step;
   case_.test = scratch_;
   case_.gap = track.At(step).gap;
   case_.lost_lock = AnyFlag(track, scratch_, step, &SignalTrack::lost_lock);
-  case_.chi2 = Chi2(scratch_);
+  case_.chi2 = chi2;
   AddEventWithoutEvidence(hole ? HoleKind() : EventKind::kJump, nullptr, 0, 0, false);
   track.events.back().second.evidence = why;
   if (hole) return LeaveUnresolved(track, step);

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "host/analysis/slips/hole_window.h"
 #include "host/analysis/slips/integer_search.h"
 #include "host/analysis/slips/prediction.h"
 #include "host/analysis/slips/satellite_track.h"
@@ -99,7 +100,7 @@ class Decision {
   void AddEvent(EventKind kind, const Cycles* sizes, double score, double margin, bool sure);
   void AddEventWithoutEvidence(EventKind kind, const Cycles* sizes, double score, double margin, bool sure);
   static bool IsHopeless(const SatelliteTrack& track, const StepTest& test);
-  void GiveUp(SatelliteTrack& track, std::int64_t step, bool hole, const char* why);
+  void GiveUp(SatelliteTrack& track, std::int64_t step, double chi2, const char* why);
   void Carry(SatelliteTrack& track, std::int64_t step) const;
 
   double interval_s_;
@@ -112,6 +113,7 @@ class Decision {
   std::vector<double> costs_;  ///< of the candidates by the step alone, twice nats
   CheapestFirst cheapest_;
   IntegerSearch search_;
+  HoleWindow hole_window_;
 };
 
 }  // namespace orsolva_host::analysis

@@ -307,7 +307,7 @@ Cycles Decision::Returning() const {
 
 /// The satellite, or the signals that return, begin again here.
 void Decision::LeaveUnresolved(SatelliteTrack& track, std::int64_t step) {
-  MakeTest(track, step, interval_s_, scratch_);
+  if (!track.At(step).gap) MakeTest(track, step, interval_s_, scratch_);
   if (track.At(step).gap || scratch_.returning == 0) {
     track.At(step).broken = true;
     return;

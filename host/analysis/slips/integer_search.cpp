@@ -29,11 +29,16 @@ bool IsHalf(double cycles) {
 }  // namespace
 
 std::size_t SlipCandidates::Add(const Cycles& cycles, int count) {
+  double mark = 0;  // tells most vectors apart at once
+  for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i)
+    mark += static_cast<double>(i + 1) * cycles[i];
   std::size_t place = 0;
   for (; place < list_.size(); ++place) {
-    if (std::equal(cycles.begin(), cycles.begin() + count, list_[place].cycles.begin())) return place;
+    if (list_[place].mark == mark &&
+        std::equal(cycles.begin(), cycles.begin() + count, list_[place].cycles.begin()))
+      return place;
   }
-  list_.push_back({cycles, 0});
+  list_.push_back({cycles, mark});
   return place;
 }
 

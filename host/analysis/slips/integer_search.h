@@ -22,7 +22,7 @@ using Cycles = std::array<double, kMaxSignals>;  ///< by place in the StepTest
 
 struct SlipCandidate {
   Cycles cycles = {};
-  double cost = 0;  ///< for ranking, twice nats
+  double mark = 0;  ///< the same for equal vectors
 };
 
 /// A list of different slip vectors.

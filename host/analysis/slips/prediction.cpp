@@ -287,6 +287,20 @@ void MakeTest(const SatelliteTrack& track, std::int64_t i, double interval_s, St
     ++test.count;
   }
   test.free_range = !std::isfinite(p.range_factor);
+  test.predicted_range_m = p.range_m;
+  test.predicted_ionosphere_m = p.ionosphere_m;
+  if (test.free_range && test.count > 0) TakeOffCommon(test);
+}
+
+void TakePhases(const SatelliteTrack& track, std::int64_t step, std::int64_t from, const SignalMetres& metres,
+                StepTest& test) {
+  for (std::size_t i = 0; i < static_cast<std::size_t>(test.count); ++i) {
+    const SignalTrack& s = track.signals[test.signal[i]];
+    const double off = metres[test.signal[i]];
+    const double end = s.X(step) - (step >= from ? off : 0);
+    const double begin = s.X(step - 1) - (step - 1 >= from ? off : 0);
+    test.r[i] = end - begin - test.predicted_range_m + s.mu * test.predicted_ionosphere_m;
+  }
   if (test.free_range && test.count > 0) TakeOffCommon(test);
 }
 

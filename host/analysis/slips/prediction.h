@@ -55,10 +55,19 @@ struct StepTest {
   double ionosphere_m2 = 0;                  ///< s_I^2
   std::uint32_t returning = 0;               ///< bits by place in this test: carried until the epoch before
   bool free_range = false;                   ///< nothing predicts the range: r is what is not common to all
+  double predicted_range_m = 0;
+  double predicted_ionosphere_m = 0;
 };
 
 /// @param interval_s  nominal interval of the stream
 void MakeTest(const SatelliteTrack& track, std::int64_t step, double interval_s, StepTest& test);
+
+using SignalMetres = std::array<double, kMaxSignals>;  ///< by place in the track
+
+/// Makes r of a test again as if metres had been taken off the signals' phases.
+/// @param from  epoch from which on they are taken off
+void TakePhases(const SatelliteTrack& track, std::int64_t step, std::int64_t from, const SignalMetres& metres,
+                StepTest& test);
 
 /// r' C^-1 r by Woodbury's identity of rank two; 0 for no signal.
 /// @param r  instead of the test's own

@@ -12,6 +12,7 @@ namespace {
 constexpr int kMinErrors = 6;
 constexpr std::int64_t kSettledSteps = 3;      // that one settlement serves
 constexpr double kSigmaOfFourFifths = 0.7803;  // of normal errors over the 80th percentile of their sizes
+constexpr std::int64_t kServedToo = 2;         // after a candidate
 constexpr double kFewErrorsFactor = 1.5;
 constexpr double kUsualIonosphere_m = 0.02;  // at 30 s
 constexpr double kNeighboursMustBeBetter = 0.8;
@@ -160,24 +161,26 @@ void SettleMedians(SatelliteTrack& track, std::int64_t step) {
 }
 
 /// Scales of the step, also given to some after it, which have their own elevation and kind.
-void SettleFrom(SatelliteTrack& track, std::int64_t step, int steps, double range, double ionosphere,
-                const Surroundings& around) {
+/// @param first, last  steps that get them
+void SettleFrom(SatelliteTrack& track, std::int64_t step, std::int64_t first, std::int64_t last,
+                const SettledScales& scales, const Surroundings& around) {
   const double root = std::sqrt(around.interval_s / kUsualInterval_s);
   const StepState& own = track.At(step);
-  for (std::int64_t i = step; i < std::min(track.next, step + steps); ++i) {
+  for (std::int64_t i = first; i < std::min(track.next, last + 1); ++i) {
     StepState& s = track.At(i);
     s.range_by_neighbours = own.range_by_neighbours;
     s.ionosphere_by_neighbours = own.ionosphere_by_neighbours;
     const NoiseShare noise = NoiseOf(track, i);
-    SetRangeScale(s, range, noise, root);
-    SetIonosphereScale(s, ionosphere, noise, root);
+    SetRangeScale(s, scales.range_m, noise, root);
+    SetIonosphereScale(s, scales.ionosphere_m, noise, root);
     if (noise.one_band) WidenOneBand(track, i, s, around);
   }
 }
 
 /// Medians, predictors and scales as the steps are now.
-/// @param steps  how many get the scales, this one first
-void Settle(SatelliteTrack& track, std::int64_t step, int steps, const Surroundings& around) {
+/// @param last  step that gets the scales
+SettledScales Settle(SatelliteTrack& track, std::int64_t step, std::int64_t last,
+                     const Surroundings& around) {
   SettleMedians(track, step);
   const OfBoth range = ScalesOf(track, step, track.range_errors, RangeErrors);
   const OfBoth ionosphere = ScalesOf(track, step, track.ionosphere_errors, IonosphereErrors);
@@ -205,7 +208,8 @@ void Settle(SatelliteTrack& track, std::int64_t step, int steps, const Surroundi
                    (std::isfinite(track.usual_ionosphere_scale_m) ? track.usual_ionosphere_scale_m : usual);
     if (around.ionosphere_m > ionosphere_m) ionosphere_m = around.ionosphere_m;
   }
-  SettleFrom(track, step, steps, range_m, ionosphere_m, around);
+  SettleFrom(track, step, step, last, {range_m, ionosphere_m}, around);
+  return {range_m, ionosphere_m};
 }
 
 /// Whether a step may take over what was settled a step or two before it.
@@ -223,7 +227,7 @@ void TakeOver(SatelliteTrack& track, std::int64_t step, const Surroundings& arou
   SettleMedians(track, step);
   own.range_by_neighbours = before.range_by_neighbours;
   own.ionosphere_by_neighbours = before.ionosphere_by_neighbours;
-  SettleFrom(track, step, 1, track.usual_range_scale_m, track.usual_ionosphere_scale_m, around);
+  SettleFrom(track, step, step, step, {track.usual_range_scale_m, track.usual_ionosphere_scale_m}, around);
 }
 
 void PushErrors(ErrorWindows& windows, const OfBoth& errors) {
@@ -233,7 +237,7 @@ void PushErrors(ErrorWindows& windows, const OfBoth& errors) {
 
 }  // namespace
 
-void SettleScales(SatelliteTrack& track, std::int64_t step, const Surroundings& around) {
+SettledScales SettleScales(SatelliteTrack& track, std::int64_t step, const Surroundings& around) {
   const std::int64_t past = step - 3;
   const bool known = past > track.first && track.Has(past) && !track.At(past).lone_band;
   PushErrors(track.range_errors, known ? RangeErrors(track, past) : OfBoth{kAbsent, kAbsent});
@@ -241,15 +245,19 @@ void SettleScales(SatelliteTrack& track, std::int64_t step, const Surroundings& 
   const bool before = step - 1 > track.first && !track.At(step - 1).lone_band;
   track.range_rates.Push(before && track.At(step - 1).HasGeometry() ? track.RangeRate(step - 1) : kAbsent);
   track.ionosphere_rates.Push(before ? track.IonosphereRate(step - 1) : kAbsent);
-  if (GoesOn(track, step)) {
-    TakeOver(track, step, around);
-  } else {
-    Settle(track, step, 1, around);
-  }
+  if (!GoesOn(track, step)) return Settle(track, step, step, around);
+  TakeOver(track, step, around);
+  return {};
 }
 
 void RefreshScales(SatelliteTrack& track, std::int64_t step, const Surroundings& around) {
-  Settle(track, step, 3, around);
+  Settle(track, step, step + kServedToo, around);
+}
+
+void RefreshScales(SatelliteTrack& track, std::int64_t step, const SettledScales& settled,
+                   const Surroundings& around) {
+  if (std::isnan(settled.range_m)) return RefreshScales(track, step, around);
+  SettleFrom(track, step, step + 1, step + kServedToo, settled, around);
 }
 
 }  // namespace orsolva_host::analysis

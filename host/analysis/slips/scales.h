@@ -24,13 +24,24 @@ struct Surroundings {
   double ionosphere_m = kAbsent;
 };
 
+/// Scales of range and ionosphere before the step's own elevation and kind widen them, m.
+struct SettledScales {
+  double range_m = kAbsent;  ///< NaN where they were taken over from a step before
+  double ionosphere_m = kAbsent;
+};
+
 /// Gives medians, predictor and scales to the step that is to be decided next. Must be called once per
 /// step, in order: it moves the windows on.
-void SettleScales(SatelliteTrack& track, std::int64_t step, const Surroundings& around);
+SettledScales SettleScales(SatelliteTrack& track, std::int64_t step, const Surroundings& around);
 
 /// The same from the steps as they are now, without moving the windows, and provisionally for the two steps
 /// after it: before a candidate is looked at together with those, and after a repair among them.
 void RefreshScales(SatelliteTrack& track, std::int64_t step, const Surroundings& around);
+
+/// The same while the step is as it was when it was settled: only the two steps after it remain to be served.
+/// @param settled  what SettleScales returned
+void RefreshScales(SatelliteTrack& track, std::int64_t step, const SettledScales& settled,
+                   const Surroundings& around);
 
 }  // namespace orsolva_host::analysis
 

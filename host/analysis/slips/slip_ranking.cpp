@@ -1,6 +1,7 @@
 // Ranks the explanations of a step: slip vectors and no slip.
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "host/analysis/slips/decision.h"
 
@@ -11,6 +12,7 @@ constexpr std::size_t kTriedInFull = 5;
 constexpr double kNone_cycles = 0.01;
 constexpr double kMostEqual_cycles = 2;
 constexpr double kFar_nats = 1e300;
+constexpr double kRounding_nats = 1e-3;  // far more than rounding of phases makes of the totals compared
 
 bool IsCheaper(const Explanation& a, const Explanation& b) { return a.total < b.total; }
 
@@ -21,6 +23,22 @@ bool DifferEqually(const Cycles& a, const Cycles& b, int count) {
   }
   return true;
 }
+
+/// The N least of some values.
+template <int N>
+class LeastValues {
+ public:
+  LeastValues() { values_.fill(std::numeric_limits<double>::infinity()); }
+  void Add(double value) {
+    for (double& kept : values_) {
+      if (value < kept) std::swap(value, kept);
+    }
+  }
+  double Greatest() const { return values_.back(); }
+
+ private:
+  std::array<double, N> values_;  ///< ascending
+};
 
 /// Epochs of a track from one on, kept while a repair is tried.
 class SavedEpochs {
@@ -96,7 +114,7 @@ double Decision::PriorOf(const Cycles& cycles) const {
     const auto place = static_cast<std::size_t>(i);
     const double size = std::fabs(cycles[place]);
     if (size < kNone_cycles) continue;
-    logarithms += std::log(std::max(size, 1.0));
+    if (size > 1) logarithms += std::log(size);
     bool new_group = true, new_size = true;  // a further value within a band counts as a further band
     for (std::size_t j = 0; j < place; ++j) {
       if (case_.band[j] == case_.band[place] && cycles[j] == cycles[place]) new_group = false;
@@ -138,6 +156,14 @@ double Decision::WindowChi2(const SatelliteTrack& track, std::int64_t first, std
 
 double Decision::RepairedWindow(const Cycles& cycles, double enough) {
   SatelliteTrack& track = *case_.track;
+  if (case_.gap) {
+    SignalMetres metres = {};
+    for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
+      const std::size_t signal = case_.test.signal[i];
+      metres[signal] = track.signals[signal].wavelength_m * cycles[i];
+    }
+    return hole_window_.Chi2Without(track, metres, enough);
+  }
   const SavedEpochs saved(track, case_.step, case_.test);
   for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
     if (cycles[i] == 0) continue;
@@ -162,13 +188,17 @@ void Decision::RankSlips() {
   }
   no_slip_ = candidates_.Add(Cycles{}, case_.test.count);
   costs_.clear();
+  LeastValues<kTriedInFull> least;
   for (const SlipCandidate& candidate : candidates_.List()) {
     std::array<double, kMaxSignals> r;
     for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
       r[i] = case_.test.r[i] - track.signals[case_.test.signal[i]].wavelength_m * candidate.cycles[i];
     }
-    costs_.push_back(Chi2(case_.test, r) + WideLaneMisfit(case_.wide_lanes, candidate.cycles) +
-                     2 * PriorOf(candidate.cycles));
+    // Without its prior, which is not negative, a candidate may already cost too much to be tried.
+    double cost = Chi2(case_.test, r) + WideLaneMisfit(case_.wide_lanes, candidate.cycles);
+    if (cost < least.Greatest()) cost += 2 * PriorOf(candidate.cycles);
+    least.Add(cost);
+    costs_.push_back(cost);
   }
 }
 
@@ -188,15 +218,20 @@ Explanation Decision::Weighed(const Cycles& cycles, double enough) {
   return e;
 }
 
-/// The cheapest candidates and "no slip", weighed in full as far as they may be the best or next best.
+/// The cheapest candidates and "no slip", weighed in full as far as they may be the best or next best. In a
+/// hole all totals are the candidates' costs plus what the steps around it cost, which no slip in it changes:
+/// only those that rounding might bring before the next best are weighed.
 void Decision::RankExplanations() {
   RankSlips();
+  if (case_.gap) hole_window_.Settle(*case_.track, case_.step, interval_s_);
   case_.ranked.clear();
   bool has_none = false;
-  double best = kFar_nats, next = kFar_nats;
+  double best = kFar_nats, next = kFar_nats, around = 0;
   for (const std::size_t i : cheapest_.Of(costs_, kTriedInFull)) {
     const bool none = i == no_slip_;
+    if (case_.gap && around + 0.5 * costs_[i] > next + kRounding_nats) break;
     case_.ranked.push_back(Weighed(candidates_.List()[i].cycles, none ? kFar_nats : next));
+    if (case_.ranked.size() == 1) around = case_.ranked.front().total - 0.5 * costs_[i];
     if (none) case_.none = case_.ranked.back();
     has_none = has_none || none;
     next = std::min(next, std::max(best, case_.ranked.back().total));

@@ -171,7 +171,8 @@ SatelliteState StateVectorOrbit::At(const Instant& time) {
     return state;
   }
   const double span = std::fabs(tk);
-  const auto steps = static_cast<std::size_t>(span / kGridStep_s);
+  // A time that is no number has no whole step, and no position.
+  const auto steps = span >= kGridStep_s ? static_cast<std::size_t>(span / kGridStep_s) : 0;
   const double rest = span - kGridStep_s * static_cast<double>(steps);
   const Motion motion = RungeKutta(GridPoint(steps, tk >= 0), tk >= 0 ? rest : -rest, r.acceleration_m_s2);
   state.position_m = {motion[0], motion[1], motion[2]};

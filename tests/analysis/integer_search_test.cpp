@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
+#include <vector>
 
 #include "host/analysis/geometry/constants.h"
 
@@ -64,6 +66,28 @@ TEST_F(IntegerSearchTest, OffersTheVectorThatSlipped) {
   EXPECT_TRUE(Finds({77, 60, 60, 0}));
   EXPECT_TRUE(Finds({0, 0.5, 0.5, 0}));
   EXPECT_TRUE(Finds({-3, 5, 4, 2}));
+}
+
+/// Where range and ionosphere leave dozens of cycles open, a narrow beam limits the wide one.
+TEST_F(IntegerSearchTest, OffersTheCheapestOfAllVectorsWhereManyAreLikely) {
+  track_.signals.erase(track_.signals.begin() + 2, track_.signals.end());
+  test_.count = 2;
+  test_.range_m2 = 0.9 * 0.9;
+  test_.ionosphere_m2 = 0.02 * 0.02;
+  test_.r = {0.31, -0.17};
+  std::vector<std::pair<double, Cycles>> all;
+  for (int first = -40; first <= 40; ++first) {
+    for (int second = -40; second <= 40; ++second) {
+      const Cycles cycles = {static_cast<double>(first), static_cast<double>(second)};
+      std::array<double, kMaxSignals> r = test_.r;
+      for (std::size_t i = 0; i < 2; ++i) r[i] -= cycles[i] * track_.signals[i].wavelength_m;
+      all.emplace_back(Chi2(test_, r), cycles);
+    }
+  }
+  std::sort(all.begin(), all.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+  SlipCandidates found;
+  IntegerSearch().Offer(track_, test_, test_.r, WideLaneEvidence(), false, found);
+  for (std::size_t i = 0; i < 12; ++i) EXPECT_EQ(found.List()[i].cycles, all[i].second) << i;
 }
 
 TEST_F(IntegerSearchTest, OffersEachVectorOnce) {

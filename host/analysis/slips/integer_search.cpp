@@ -9,7 +9,10 @@ namespace orsolva_host::analysis {
 namespace {
 
 constexpr std::size_t kBeam = 400;
+constexpr std::size_t kNarrowBeam = 24;
 constexpr std::size_t kKept = 12;
+constexpr double kWide_steps =
+    4;  // around the mean of the first band, from which on a narrow beam saves time
 constexpr double kWidth_sigma = 4;
 constexpr double kMinWidth_cycles = 1;
 constexpr double kMaxWidth_cycles = 60;
@@ -86,26 +89,42 @@ void IntegerSearch::TieBands(const SatelliteTrack& track, const StepTest& test,
   }
 }
 
-/// Grows every branch by the next band: row of L, conditional variance, then whole numbers around the
-/// conditional mean.
-void IntegerSearch::Extend(const StepTest& test, std::size_t b, double step) {
-  const Band& band = bands_[b];
-  std::array<double, kMaxBands> row = {};
-  double variance = test.range_m2 + test.ionosphere_m2 * band.mu * band.mu + band.noise_m2;
-  for (std::size_t j = 0; j < b; ++j) {
-    double covariance = test.range_m2 + test.ionosphere_m2 * band.mu * bands_[j].mu;
-    for (std::size_t k = 0; k < j; ++k) covariance -= row[k] * factor_[j][k] * diagonal_[k];
-    row[j] = covariance / diagonal_[j];
-    variance -= row[j] * row[j] * diagonal_[j];
+/// Rows of L and conditional variances of all bands.
+void IntegerSearch::Factorize(const StepTest& test) {
+  factor_.clear();
+  diagonal_.clear();
+  for (std::size_t b = 0; b < bands_.size(); ++b) {
+    const Band& band = bands_[b];
+    std::array<double, kMaxBands> row = {};
+    double variance = test.range_m2 + test.ionosphere_m2 * band.mu * band.mu + band.noise_m2;
+    for (std::size_t j = 0; j < b; ++j) {
+      double covariance = test.range_m2 + test.ionosphere_m2 * band.mu * bands_[j].mu;
+      for (std::size_t k = 0; k < j; ++k) covariance -= row[k] * factor_[j][k] * diagonal_[k];
+      row[j] = covariance / diagonal_[j];
+      variance -= row[j] * row[j] * diagonal_[j];
+    }
+    factor_.push_back(row);
+    diagonal_.push_back(std::max(variance, 1e-9));
   }
-  variance = std::max(variance, 1e-9);
-  factor_.push_back(row);
-  diagonal_.push_back(variance);
-  const double width =
-      std::clamp(kWidth_sigma * std::sqrt(variance) / band.wavelength_m, kMinWidth_cycles, kMaxWidth_cycles);
+}
+
+/// How many cycles on both sides of the conditional mean are tried.
+double IntegerSearch::Width_cycles(std::size_t b) const {
+  return std::clamp(kWidth_sigma * std::sqrt(diagonal_[b]) / bands_[b].wavelength_m, kMinWidth_cycles,
+                    kMaxWidth_cycles);
+}
+
+/// Grows every branch by the next band: whole numbers around the conditional mean.
+/// @param most, limit  of the beam, see Grow
+void IntegerSearch::Extend(std::size_t b, double step, std::size_t most, double limit) {
+  const Band& band = bands_[b];
+  const std::array<double, kMaxBands>& row = factor_[b];
+  const double variance = diagonal_[b];
+  const double width = Width_cycles(b);
   grown_.clear();
   costs_.clear();
-  too_expensive_ = std::numeric_limits<double>::infinity();
+  most_ = most;
+  too_expensive_ = limit;
   for (std::size_t parent = 0; parent < beam_.size(); ++parent) {
     const Branch& branch = beam_[parent];
     double mean = band.mean_m;
@@ -134,16 +153,16 @@ double IntegerSearch::Reach_m(double cost, double variance) const {
 bool IntegerSearch::MayStay(double cost) {
   if (!(cost < too_expensive_)) return false;
   costs_.push_back(cost);
-  if (costs_.size() >= 2 * kBeam) FindTooExpensive();
+  if (costs_.size() >= 2 * most_) FindTooExpensive();
   return true;
 }
 
 /// The beam is full with the branches that are cheaper than the first one beyond it.
 void IntegerSearch::FindTooExpensive() {
-  if (costs_.size() <= kBeam) return;
-  std::nth_element(costs_.begin(), costs_.begin() + kBeam, costs_.end());
-  too_expensive_ = costs_[kBeam];
-  costs_.resize(kBeam + 1);
+  if (costs_.size() <= most_) return;
+  std::nth_element(costs_.begin(), costs_.begin() + static_cast<std::ptrdiff_t>(most_), costs_.end());
+  too_expensive_ = costs_[most_];
+  costs_.resize(most_ + 1);
 }
 
 void IntegerSearch::KeepCheapestGrown(std::size_t b) {
@@ -179,27 +198,59 @@ void IntegerSearch::OfferSingles(const SatelliteTrack& track, const StepTest& te
   }
 }
 
-void IntegerSearch::Offer(const SatelliteTrack& track, const StepTest& test,
-                          const std::array<double, kMaxSignals>& r, const WideLaneEvidence& wide_lanes,
-                          bool halves, SlipCandidates& out) {
-  const double step = halves ? 0.5 : 1;
-  TieBands(track, test, r, step);
-  factor_.clear();
-  diagonal_.clear();
+/// Grows a beam from nothing through all bands.
+/// @param most   branches that it holds
+/// @param limit  cost from which on branches are left out
+void IntegerSearch::Grow(double step, std::size_t most, double limit) {
   beam_.assign(1, Branch{{}, {}, 0});
-  for (std::size_t b = 0; b < bands_.size(); ++b) Extend(test, b, step);
-  const auto with_offsets = [&](const Branch& branch, Cycles& cycles) {
-    for (std::size_t i = 0; i < static_cast<std::size_t>(test.count); ++i)
-      cycles[i] = branch.cycles[static_cast<std::size_t>(band_of_[i])] + offset_[i];
-  };
+  for (std::size_t b = 0; b < bands_.size(); ++b) Extend(b, step, most, limit);
+}
+
+void IntegerSearch::CyclesOf(const Branch& branch, int count, Cycles& cycles) const {
+  for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i)
+    cycles[i] = branch.cycles[static_cast<std::size_t>(band_of_[i])] + offset_[i];
+}
+
+/// Costs of the grown beam together with the wide lanes.
+void IntegerSearch::AddWideLanes(const WideLaneEvidence& wide_lanes, int count) {
   Cycles cycles = {};
   costs_.clear();
   for (const Branch& branch : beam_) {
-    with_offsets(branch, cycles);
+    CyclesOf(branch, count, cycles);
     costs_.push_back(branch.cost + WideLaneMisfit(wide_lanes, cycles));
   }
+}
+
+/// What the last of those kept costs in a narrow beam, and so at most in a wide one that holds them. Branches
+/// that cost more without their wide lanes need not be grown.
+double IntegerSearch::LimitByNarrowBeam(double step, const WideLaneEvidence& wide_lanes, int count) {
+  constexpr double kNone = std::numeric_limits<double>::infinity();
+  if (bands_.size() < 2 || Width_cycles(0) < kWide_steps * step) return kNone;
+  Grow(step, kNarrowBeam, kNone);
+  AddWideLanes(wide_lanes, count);
+  if (costs_.size() < kKept) return kNone;
+  std::nth_element(costs_.begin(), costs_.begin() + (kKept - 1), costs_.end());
+  return std::nextafter(costs_[kKept - 1], kNone);
+}
+
+void IntegerSearch::Offer(const SatelliteTrack& track, const StepTest& test,
+                          const std::array<double, kMaxSignals>& r, const WideLaneEvidence& wide_lanes,
+                          bool halves, SlipCandidates& out) {
+  constexpr double kNone = std::numeric_limits<double>::infinity();
+  const double step = halves ? 0.5 : 1;
+  TieBands(track, test, r, step);
+  Factorize(test);
+  const double limit = LimitByNarrowBeam(step, wide_lanes, test.count);
+  Grow(step, kBeam, limit);
+  AddWideLanes(wide_lanes, test.count);
+  const auto within = std::count_if(costs_.begin(), costs_.end(), [&](double cost) { return cost < limit; });
+  if (limit < kNone && within < static_cast<std::ptrdiff_t>(kKept)) {  // the wide beam lost some of them
+    Grow(step, kBeam, kNone);
+    AddWideLanes(wide_lanes, test.count);
+  }
+  Cycles cycles = {};
   for (const std::size_t i : cheapest_.Of(costs_, kKept)) {
-    with_offsets(beam_[i], cycles);
+    CyclesOf(beam_[i], test.count, cycles);
     out.Add(cycles, test.count);
   }
   OfferSingles(track, test, r, out);

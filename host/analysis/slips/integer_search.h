@@ -78,11 +78,17 @@ class IntegerSearch {
 
   void TieBands(const SatelliteTrack& track, const StepTest& test, const std::array<double, kMaxSignals>& r,
                 double step);
-  void Extend(const StepTest& test, std::size_t band, double step);
+  void Factorize(const StepTest& test);
+  double Width_cycles(std::size_t band) const;
+  void Grow(double step, std::size_t most, double limit);
+  void Extend(std::size_t band, double step, std::size_t most, double limit);
   double Reach_m(double cost, double variance) const;
   bool MayStay(double cost);
   void FindTooExpensive();
   void KeepCheapestGrown(std::size_t band);
+  void CyclesOf(const Branch& branch, int count, Cycles& cycles) const;
+  void AddWideLanes(const WideLaneEvidence& wide_lanes, int count);
+  double LimitByNarrowBeam(double step, const WideLaneEvidence& wide_lanes, int count);
   void OfferSingles(const SatelliteTrack& track, const StepTest& test,
                     const std::array<double, kMaxSignals>& r, SlipCandidates& out) const;
 
@@ -92,6 +98,7 @@ class IntegerSearch {
   std::vector<Branch> beam_, next_;
   std::vector<Growth> grown_;
   std::vector<double> costs_;
+  std::size_t most_ = 0;      ///< branches that the beam holds
   double too_expensive_ = 0;  ///< for the beam, as far as the costs of grown branches show
   CheapestFirst cheapest_;
   std::vector<std::array<double, kMaxBands>> factor_;  ///< rows of L in the L D L' of the bands' covariance

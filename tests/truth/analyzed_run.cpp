@@ -32,6 +32,16 @@ BroadcastRecords RecordsOf(const Simulation& simulation) {
   return reader.Broadcast();
 }
 
+/// @param left_out  letters of systems
+BroadcastRecords Without(const std::string& left_out, BroadcastRecords records) {
+  const auto is_left_out = [&](const auto& record) {
+    return left_out.find(record.satellite.system) != std::string::npos;
+  };
+  std::erase_if(records.kepler, is_left_out);
+  std::erase_if(records.state_vectors, is_left_out);
+  return records;
+}
+
 analysis::AnalysisOptions OptionsOf(const Simulation& simulation, const RunOptions& options) {
   analysis::AnalysisOptions all;
   all.elevation_cutoff_deg = simulation.Settings().truth_cutoff_deg;
@@ -90,7 +100,8 @@ std::string Described(const Event& event) {
 
 AnalyzedRun Analyze(const Scenario& scenario, const RunOptions& options, const EpochListener& listener) {
   Simulation simulation(scenario);
-  const BroadcastRecords records = options.navigation ? RecordsOf(simulation) : BroadcastRecords();
+  const BroadcastRecords records =
+      options.navigation ? Without(options.without_records, RecordsOf(simulation)) : BroadcastRecords();
   analysis::StationAnalysis analysis(OptionsOf(simulation, options), records);
   AnalyzedRun run;
   const auto record = std::make_unique<ObsEpoch_QC_gbt>();
@@ -108,6 +119,7 @@ AnalyzedRun Analyze(const Scenario& scenario, const RunOptions& options, const E
   run.truth = simulation.TruthSoFar();
   StationDescription stated;
   stated.position_m = run.truth.header_position_m;
+  stated.given_position_m = options.given_position_m;
   run.result = analysis.Result(stated);
   for (const analysis::SystemFigures& system : run.result.systems) {
     run.tested_steps += system.slips.tested_steps.value_or(0);

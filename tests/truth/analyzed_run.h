@@ -2,9 +2,11 @@
 #ifndef ORSOLVA_TESTS_TRUTH_ANALYZED_RUN_H
 #define ORSOLVA_TESTS_TRUTH_ANALYZED_RUN_H
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,7 +30,9 @@ struct AnalyzedRun {
 /// What is kept from the analysis.
 struct RunOptions {
   bool navigation = true;
-  double interval_s = 0;  ///< that a header states; 0: none
+  double interval_s = 0;                                  ///< that a header states; 0: none
+  std::string without_records;                            ///< systems whose records are left out, by letter
+  std::optional<std::array<double, 3>> given_position_m;  ///< by the user
 };
 
 AnalyzedRun Analyze(const orsolva_host::Scenario& scenario, const RunOptions& options = {},

@@ -48,6 +48,16 @@ std::vector<std::string> Compare(const std::string& what, const SignalFigures& s
           fmt::format("{:+.2f}", 100 * off)};
 }
 
+/// Observations of a signal from the cut-off up, over the satellites of its system.
+std::uint64_t AboveCutoff(const orsolva_host::Truth& truth, const SignalFigures& signal) {
+  std::uint64_t count = 0;
+  for (const orsolva_host::SatelliteTruth& s : truth.satellites) {
+    for (const SignalTruth& t : s.signals)
+      count += s.system == signal.system && t.name == NameOf(signal.code) ? t.above_cutoff : 0;
+  }
+  return count;
+}
+
 /// Root mean square over periods of 0.8 to 1.25 times the nominal one of what the moving mean leaves.
 double PartLeft(double period_s) {
   constexpr int kParts = 1000;
@@ -65,6 +75,11 @@ void ProveWhiteNoise(double interval_s, double hours, ProofTable& table, Proof& 
       Analyze(Codes(R"({"errors": {"code_noise_m": {"zenith": 0.4, "horizon": 0.4}}})", interval_s, hours));
   const std::string at = fmt::format(", {:g} s", interval_s);
   for (const SignalFigures& signal : run.result.signals) {
+    // Arcs shorter than the moving mean have no value.
+    const std::uint64_t values = signal.multipath.values.value_or(0);
+    const std::uint64_t most = AboveCutoff(run.truth, signal);
+    proof.Check(1000 * values <= 1005 * most && 100 * values >= 95 * most,
+                fmt::format("{} of {} values of {}{}", values, most, signal.system, NameOf(signal.code)));
     table.rows.push_back(
         Compare("white noise: moving mean" + at, signal, kNoise_m, signal.multipath.moving_m, 0.02, proof));
     table.rows.push_back(
@@ -159,6 +174,7 @@ void ProveThermal(ProofTable& table, Proof& proof) {
 }  // namespace
 
 void ProveCodeFigures(bool long_form, Proof& proof) {
+  proof.figures = {"multipath_moving_rms_m", "multipath_arc_rms_m", "multipath_values", "code_noise_m"};
   proof.injected =
       "phases without noise; codes with white noise of 0.4 m, with a sine of 0.5 m on each signal with a "
       "period of "

@@ -137,6 +137,9 @@ void CheckCompleteness(const orsolva_host::analysis::CompletenessFigures& figure
   proof.Check((figures.expected && figures.observed && figures.ratio) || expected <= doubtful,
               name + ": absent");
   if (!figures.expected || !figures.observed) return;
+  proof.Check(!figures.ratio || *figures.ratio == static_cast<double>(*figures.observed) /
+                                                      static_cast<double>(*figures.expected),
+              name + ": ratio");
   const Count off =
       std::max(difference(*figures.expected, expected), difference(*figures.observed, observed));
   proof.Check(off <= doubtful,
@@ -173,6 +176,21 @@ void CheckSatellites(const AnalyzedRun& run, const Recount& recount, Shift& hori
 }  // namespace
 
 void ProveCountedEpochs(bool long_form, Proof& proof) {
+  proof.figures = {"data_interval_s",
+                   "nominal_epochs",
+                   "present_epochs",
+                   "usable_epochs",
+                   "missing_epochs",
+                   "data_gaps",
+                   "horizon_expected_epochs",
+                   "horizon_observed_epochs",
+                   "horizon_completeness_ratio",
+                   "cutoff_expected_epochs",
+                   "cutoff_observed_epochs",
+                   "cutoff_completeness_ratio",
+                   "code_values",
+                   "phase_values",
+                   "strength_values"};
   proof.injected =
       "a receiver that starts late and lists satellites a minute after they rise, G5Q later still; missing "
       "epochs, "

@@ -119,6 +119,10 @@ std::string Scientific(const std::optional<double>& value) {
 }  // namespace
 
 void ProveReceiverFigures(bool long_form, Proof& proof) {
+  proof.figures = {"solution_ecef_m",       "position_solutions",      "antenna_moves",
+                   "solution_to_header_m",  "receiver_clock_offset_s", "receiver_clock_drift_s_per_s",
+                   "receiver_clock_resets", "code_clock_jumps",        "receiver_clock_steered",
+                   "allan_deviation",       "allan_deviation_10"};
   proof.injected =
       "a receiver at rest and one on a circle, a header 25 m off, clocks that drift, are reset, jump, walk "
       "and are "

@@ -198,6 +198,17 @@ void CheckWeakest(const AnalyzedRun& run, const Record& record, Proof& proof) {
 }  // namespace
 
 void ProveTracking(bool long_form, Proof& proof) {
+  proof.figures = {"arcs",
+                   "median_arc_s",
+                   "longest_arc_s",
+                   "interruptions_of_signals",
+                   "interruptions_of_satellites",
+                   "interruptions_of_receiver",
+                   "continuous_interruptions",
+                   "slipped_interruptions",
+                   "unresolved_interruptions",
+                   "strength_p5_dbhz",
+                   "receiver_mask_deg"};
   proof.injected =
       "at 1 s: slips of three cycles on random signals, outages of random signals, of all GPS, of all "
       "Galileo "

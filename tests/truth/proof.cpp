@@ -1,6 +1,7 @@
 #include "tests/truth/proof.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <stdexcept>
 
@@ -13,6 +14,14 @@ std::string Row(const std::vector<std::string>& cells) {
   std::string row = "|";
   for (const std::string& cell : cells) row += " " + cell + " |";
   return row + "\n";
+}
+
+constexpr const char* kFigures = "- **Figures:** ";
+
+/// Empty without figures.
+std::string FigureLine(const std::vector<std::string>& figures) {
+  if (figures.empty()) return {};
+  return fmt::format("{}`{}`\n", kFigures, fmt::join(figures, "`, `"));
 }
 
 bool FindSection(const std::string& id, const std::string& page, std::size_t& from, std::size_t& end) {
@@ -36,6 +45,7 @@ std::string TableText(const ProofTable& table, const std::string& section) {
 
 std::vector<std::string> Proof::MissingFrom(const std::string& section) const {
   std::vector<std::string> missing;
+  if (section.find(FigureLine(figures)) == std::string::npos) missing.push_back("the list of its figures");
   for (const ProofTable& table : tables) {
     const std::string text = TableText(table, section);
     if (text.rfind(Row(table.columns), 0) != 0) {
@@ -63,6 +73,7 @@ std::string Proof::Markdown() const {
       "- **Form:** {}\n- **Injected:** {}\n- **Expected:** {}\n- **Tolerance:** {}\n- **Why:** {}\n- "
       "**Outcome:** {} comparisons, {} failed.\n",
       long_form ? "long" : "short", injected, must_say, tolerance, reason, checks_, failed_);
+  text += FigureLine(figures);
   for (const ProofTable& table : tables) {
     text += "\n" + table.caption + "\n\n" + Row(table.columns);
     text += Row(std::vector<std::string>(table.columns.size(), "---"));
@@ -92,6 +103,10 @@ const std::vector<ProofEntry>& AllProofs() {
       {"code-figures", ProveCodeFigures},
       {"receiver-figures", ProveReceiverFigures},
       {"signal-figures", ProveSignalFigures},
+      {"point-figures", ProvePointFigures},
+      {"pooled-figures", ProvePooledFigures},
+      {"slip-counts", ProveSlipCounts},
+      {"statements", ProveStatements},
   };
   // clang-format on
   return kProofs;
@@ -114,6 +129,19 @@ bool ReplaceSection(const std::string& id, const std::string& section, std::stri
   if (!FindSection(id, page, from, end)) return false;
   page.replace(from, end - from, section);
   return true;
+}
+
+std::vector<std::string> FiguresIn(const std::string& section) {
+  std::vector<std::string> keys;
+  const std::size_t line = section.find(kFigures);
+  if (line == std::string::npos) return keys;
+  const std::size_t end = section.find('\n', line);
+  for (std::size_t open = section.find('`', line); open < end; open = section.find('`', open)) {
+    const std::size_t close = section.find('`', open + 1);
+    keys.push_back(section.substr(open + 1, close - open - 1));
+    open = close + 1;
+  }
+  return keys;
 }
 
 std::string SectionOf(const std::string& id, const std::string& page) {

@@ -24,6 +24,8 @@ class Proof {
   std::string id;
   bool long_form = false;
   std::string injected, must_say, tolerance, reason;
+  /// Keys of the report's figures that are held against the truth here.
+  std::vector<std::string> figures;
   std::vector<ProofTable> tables;
   std::vector<std::string> notes;  ///< what a reader of the tables has to know, a paragraph each
 
@@ -36,7 +38,8 @@ class Proof {
 
   /// The section of the page, without its heading.
   std::string Markdown() const;
-  /// What the section of a page lacks of these tables: a table, its columns, or a row with the same keys.
+  /// What the section of a page lacks of this: the figures, a table, its columns, or a row with the same
+  /// keys.
   std::vector<std::string> MissingFrom(const std::string& section) const;
 
  private:
@@ -61,6 +64,9 @@ Proof Prove(const std::string& id, bool long_form);
 /// @return false when the page lacks the markers
 bool ReplaceSection(const std::string& id, const std::string& section, std::string& page);
 
+/// The keys of figures that a section of the page says it proves.
+std::vector<std::string> FiguresIn(const std::string& section);
+
 /// The text between the markers of a proof; empty when the page lacks them.
 std::string SectionOf(const std::string& id, const std::string& page);
 
@@ -81,6 +87,10 @@ void ProveTracking(bool long_form, Proof& proof);
 void ProveCodeFigures(bool long_form, Proof& proof);
 void ProveReceiverFigures(bool long_form, Proof& proof);
 void ProveSignalFigures(bool long_form, Proof& proof);
+void ProvePointFigures(bool long_form, Proof& proof);
+void ProvePooledFigures(bool long_form, Proof& proof);
+void ProveSlipCounts(bool long_form, Proof& proof);
+void ProveStatements(bool long_form, Proof& proof);
 
 }  // namespace orsolva_test
 

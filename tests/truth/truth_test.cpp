@@ -3,7 +3,11 @@
 
 #include <filesystem>
 #include <fstream>
+#include <set>
+#include <string>
 
+#include "host/report/figure_tables.h"
+#include "host/report/figures.h"
 #include "tests/support/text_file.h"
 #include "tests/truth/proof.h"
 
@@ -45,6 +49,40 @@ TEST(Truth, AnalysisFindsArcsAndInterruptionsByCause) { Hold("tracking", 1000); 
 TEST(Truth, CodeFiguresAreTheInjectedNoiseAndMultipath) { Hold("code-figures", 150); }
 TEST(Truth, PositionAndReceiverClockAreTheInjectedOnes) { Hold("receiver-figures", 45); }
 TEST(Truth, StrengthPhaseNoiseAndIonosphericRateAreTheInjectedOnes) { Hold("signal-figures", 150); }
+TEST(Truth, PositionsScatterAsGeometryAndNoiseSay) { Hold("point-figures", 60); }
+TEST(Truth, WideLanesAndDisturbedMinutesAreTheInjectedOnes) { Hold("pooled-figures", 90); }
+TEST(Truth, AnalysisCountsSlipsStepsFlagsAndInterruptionsExactly) { Hold("slip-counts", 5000); }
+TEST(Truth, WrongStatementsOfHeaderAndNameAreNamedAlone) { Hold("statements", 60); }
+
+/// The keys of the figures of the analysis.
+std::set<std::string> AnalysisKeys() {
+  std::set<std::string> keys;
+  const auto add = [&keys](const auto& rows) {
+    for (const auto& row : rows) keys.insert(row.key);
+  };
+  const orsolva_host::FigureTables& all = orsolva_host::AllFigures();
+  add(all.analysis);
+  add(all.analysis_system);
+  add(all.analysis_signal);
+  add(all.analysis_satellite);
+  add(all.wide_lane);
+  return keys;
+}
+
+TEST(ValidationPage, HasAProofOfEveryFigureOfTheAnalysis) {
+  const std::string page = CommittedPage();
+  const std::set<std::string> keys = AnalysisKeys();
+  ASSERT_GE(keys.size(), 90u);
+  std::set<std::string> proved;
+  for (const ProofEntry& entry : AllProofs()) {
+    for (const std::string& key : FiguresIn(SectionOf(entry.id, page))) {
+      EXPECT_NE(orsolva_host::FindFigure(key), nullptr)
+          << entry.id << " proves " << key << ", which is no figure";
+      proved.insert(key);
+    }
+  }
+  for (const std::string& key : keys) EXPECT_EQ(proved.count(key), 1u) << key << " has no proof";
+}
 
 TEST(ValidationPage, ShowsEveryProofInItsLongFormWithTheCommand) {
   const std::string page = CommittedPage();
@@ -75,6 +113,17 @@ TEST(ValidationPage, TableWithoutARowOfTheSameKeysIsNoticed) {
   proof.tables[0].rows[1] = {"3", "60"};
   EXPECT_EQ(proof.MissingFrom(page).size(), 1u);
   proof.tables[0].columns[1] = "share";
+  EXPECT_EQ(proof.MissingFrom(page).size(), 1u);
+}
+
+TEST(ValidationPage, ListsTheFiguresOfAProof) {
+  Proof proof;
+  EXPECT_TRUE(FiguresIn(proof.Markdown()).empty());
+  proof.figures = {"arcs", "pdop_p95"};
+  const std::string page = proof.Markdown();
+  EXPECT_EQ(FiguresIn(page), proof.figures);
+  EXPECT_TRUE(proof.MissingFrom(page).empty());
+  proof.figures.pop_back();
   EXPECT_EQ(proof.MissingFrom(page).size(), 1u);
 }
 

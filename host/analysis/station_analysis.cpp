@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "host/analysis/figures/epoch_groups.h"
@@ -70,10 +71,20 @@ class StationAnalysis::Figures : public DetectorObserver {
 
   /// No step follows.
   void Finish() {
+    if (series_ || keeps_multipath_) phases_.Multipath().EndAll();
     if (!series_) return;
-    phases_.Multipath().EndAll();
     phases_.Ionosphere().EndAll();
     CloseBins(true);
+  }
+
+  void KeepMultipath() {
+    keeps_multipath_ = true;
+    phases_.Multipath().KeepBlocks();
+  }
+
+  std::vector<MultipathBlock> TakeMultipath() {
+    TakeBlocks();
+    return std::exchange(multipath_, {});
   }
 
   std::vector<SeriesRow> TakeSeries() { return series_ ? series_->Take() : std::vector<SeriesRow>(); }
@@ -126,19 +137,28 @@ class StationAnalysis::Figures : public DetectorObserver {
 
   void CloseBins(bool all) {
     const SignalRoster& roster = epochs_.Roster();
-    phases_.Multipath().TakeBlocks([&](SatelliteId id, SignalCode code, const JudgedBlock& block) {
-      series_->AddMultipath(id, code, block, roster);
-    });
+    TakeBlocks();
     for (const RotiWindow& window : phases_.Ionosphere().TakeWindows()) series_->AddRoti(window, roster);
     series_->Close(roster, all);
   }
 
+  /// Hands blocks of multipath to those who want them.
+  void TakeBlocks() {
+    phases_.Multipath().TakeBlocks([&](SatelliteId id, SignalCode code, const JudgedBlock& block) {
+      if (series_) series_->AddMultipath(id, code, block, epochs_.Roster());
+      if (keeps_multipath_)
+        multipath_.push_back({id, code, block.time_ns, block.squares, static_cast<Count>(block.values)});
+    });
+  }
+
   double cutoff_deg_;
   bool with_orbits_ = false;
+  bool keeps_multipath_ = false;
   EpochGroups epochs_;
   PhaseGroups phases_;
   ReceiverGroups receiver_;
   std::optional<TimeSeries> series_;
+  std::vector<MultipathBlock> multipath_;      ///< since the last call
   std::vector<std::int64_t> borders_;          ///< of windows: number of the first epoch after each
   std::vector<std::int64_t> border_times_ns_;  ///< and its time
   std::vector<StreamSums> phase_marks_;        ///< at those whose next step has been decided
@@ -159,6 +179,10 @@ void StationAnalysis::Finish() {
 }
 
 std::vector<Event> StationAnalysis::TakeEvents() { return detector_.TakeEvents(); }
+
+void StationAnalysis::KeepMultipath() { figures_->KeepMultipath(); }
+
+std::vector<MultipathBlock> StationAnalysis::TakeMultipath() { return figures_->TakeMultipath(); }
 
 std::vector<SeriesRow> StationAnalysis::TakeSeries() { return figures_->TakeSeries(); }
 

@@ -5,6 +5,7 @@
 #ifndef ORSOLVA_ANALYSIS_STATION_ANALYSIS_H
 #define ORSOLVA_ANALYSIS_STATION_ANALYSIS_H
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -20,6 +21,16 @@ struct AnalysisOptions {
   double elevation_cutoff_deg = 10;
   bool series = false;  ///< figures over time are made, too
   double window_s = 0;  ///< of AnalysisResult::windows; 0: none
+};
+
+/// Values of the moving multipath of a signal of a satellite, from the cut-off up; see
+/// MultipathFigures::moving_m.
+struct MultipathBlock {
+  SatelliteId satellite;
+  SignalCode signal;
+  std::int64_t time_ns = 0;  ///< at which it begins; it lasts 30 s
+  double squares_m2 = 0;     ///< sum over the values
+  Count values = 0;
 };
 
 class StationAnalysis {
@@ -41,6 +52,13 @@ class StationAnalysis {
 
   /// Rows of figures over time that are complete since the last call; see TimeSeries.
   std::vector<SeriesRow> TakeSeries();
+
+  /// From now on blocks of multipath are kept until TakeMultipath.
+  void KeepMultipath();
+  /// Those judged since the last call, by satellite, signal and time: about five minutes after their time,
+  /// the first ten and a half minutes of an arc together, and what is left with Finish. Their sums are those
+  /// of the result.
+  std::vector<MultipathBlock> TakeMultipath();
 
   /// The figures of everything decided so far.
   /// @param stated  to hold the data against

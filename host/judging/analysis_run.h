@@ -34,6 +34,9 @@ class AnalysisRun {
   void Add(ObservationEpoch& epoch);
   /// See StationAnalysis::AddRecords.
   void AddRecords(const BroadcastRecords& records) { analysis_.AddRecords(records); }
+  /// See StationAnalysis::KeepMultipath.
+  void KeepMultipath() { analysis_.KeepMultipath(); }
+  std::vector<analysis::MultipathBlock> TakeMultipath() { return analysis_.TakeMultipath(); }
   /// Decides what is still open. @return the figures, with the first kMaxEventsKept events
   /// @param changes  of antenna, receiver and marker within the data
   AnalysisReport Finish(std::vector<DescriptionChange> changes);

@@ -32,7 +32,7 @@ struct SignalSums {
   Count snr_low_values = 0;       ///< from the cut-off to below 30 degrees
   std::int64_t snr_low_milli_db = 0;
   Count multipath_values = 0;      ///< above the cut-off
-  Count multipath_square_um2 = 0;  ///< sum of squares of the multipath residual, each rounded to 1e-6 m^2
+  Count multipath_square_um2 = 0;  ///< sum of squares about the moving mean, each block rounded to 1e-6 m^2
   Count slips = 0;        ///< events with this signal: whole or half cycles, within tracking or over a gap
   Count jumps = 0;        ///< the phase is broken by an unknown size
   Count lock_losses = 0;  ///< flags of the receiver: its lock time fell
@@ -44,7 +44,7 @@ struct SignalSums {
   std::optional<double> SnrDbhz() const;       ///< mean
   std::optional<double> SnrLowDbhz() const;    ///< mean below 30 degrees
   std::optional<double> SnrHighDbhz() const;   ///< mean from 30 degrees on
-  std::optional<double> MultipathM() const;    ///< RMS; absent with fewer than 50 values
+  std::optional<double> MultipathM() const;    ///< RMS about a moving mean of 630 s; absent below 50 values
 };
 
 /// A system letter (G R E C J I S) and a signal as RINEX names it ("1C").

@@ -15,6 +15,7 @@ Limits Centipede() {
 
 /// EUREF Permanent Network, monitoring of real-time streams (epncb.oma.be): latency below 3 s is good, from
 /// 5 s on bad. Completeness: guidelines for EPN stations ask for at least 95 % of the observations.
+/// Multipath: docs/internals/live.md, where from.
 Limits EpnRealtime() {
   Limits limits;
   limits.completeness = 0.95;

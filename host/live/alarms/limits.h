@@ -18,7 +18,7 @@ struct Limits {
   double snr_drop_db = 3;         ///< snr_drop: median of a band below the usual
   double snr_drop_s = 10;         ///< for so long
   double completeness = 0.9;      ///< of a signal in the last hour, 0 to 1
-  double multipath_m = 1;         ///< RMS of a signal in the last hour
+  double multipath_m = 1;         ///< RMS of a signal in the last hour; twice that of GLONASS C/A
   double few_ratio = 0.3;         ///< satellites_few: part of those expected that is missing
   double ephemeris_age_s = 7200;  ///< ephemeris_old: since one of the system came
   double glonass_ephemeris_age_s = 1800;

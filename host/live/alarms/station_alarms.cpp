@@ -38,6 +38,14 @@ Hysteresis For(double time_s, double interval_s) {
 
 std::string SubjectOf(const SignalKey& key) { return std::string(1, key.system) + " " + key.signal; }
 
+/// Multipath and noise of a code grow with the length of its chips: those of GLONASS C/A (0.511 MHz, GLONASS
+/// ICD, L1, L2, edition 5.1) are twice as long as those of GPS C/A (1.023 MHz, IS-GPS-200), for which and for
+/// shorter ones the limits are made.
+double MultipathLimit(const SignalKey& key, const Limits& limits) {
+  const bool long_chips = key.system == 'R' && (key.signal == "1C" || key.signal == "2C");
+  return (long_chips ? 2 : 1) * limits.multipath_m;
+}
+
 /// "9.0 dB below", to be followed by what it departs from.
 std::string Departure(double level_db) {
   if (std::abs(level_db) < 0.05) return "at";
@@ -171,14 +179,15 @@ void StationAlarms::HourOfSignal(const SignalKey& key, const SignalSums& sums, s
                    });
   }
   if (const auto rms_m = sums.MultipathM()) {
-    alarms_.Update(
-        AlarmKind::kMultipath, subject, Above(*rms_m, limits_.multipath_m, kNine * limits_.multipath_m),
-        kTwoMinutes, Utc(now_ns), [&] {
-          return Finding{Severity::kWarning,
+    const double limit_m = MultipathLimit(key, limits_);
+    alarms_.Update(AlarmKind::kMultipath, subject, Above(*rms_m, limit_m, kNine * limit_m), kTwoMinutes,
+                   Utc(now_ns), [&] {
+                     return Finding{
+                         Severity::kWarning,
                          fmt::format("multipath of {} is {:.2f} m in the last hour", subject, *rms_m),
                          "Look for something new that reflects near the antenna, water or snow on it, "
                          "and whether it is still level."};
-        });
+                   });
   }
 }
 

@@ -12,12 +12,14 @@
 namespace orsolva_host::live {
 
 HourRun::HourRun(const JudgingSettings& settings, std::string name, ObservationHeader header,
-                 std::shared_ptr<const ReadNavigation> navigation, EventSink& events, DetailSink& detail)
+                 std::shared_ptr<const ReadNavigation> navigation, EventSink& events)
     : settings_(settings),
       source_(std::move(name), std::move(header)),
       navigation_(std::move(navigation)),
-      library_(source_, settings_, diagnostics_, &detail),
-      analysis_(settings_, source_, navigation_->broadcast, nullptr, &events, nullptr) {}
+      library_(source_, settings_, diagnostics_, nullptr),
+      analysis_(settings_, source_, navigation_->broadcast, nullptr, &events, nullptr) {
+  analysis_.KeepMultipath();
+}
 
 void HourRun::Add(ObservationEpoch& epoch) {
   if (batched_ == batch_.size()) batch_.emplace_back();

@@ -20,7 +20,6 @@
 #include "host/judging/settings.h"
 #include "host/judging/shared_navigation.h"
 #include "host/live/live_state.h"
-#include "host/report/detail_sink.h"
 #include "host/report/event_sink.h"
 #include "host/report/report.h"
 #include "host/rinex/diagnostics.h"
@@ -46,13 +45,14 @@ class PushedSource : public EpochSource {
 class HourRun {
  public:
   /// @param navigation  known at the beginning @param events  gets those of the analysis as they are decided
-  /// @param detail      gets what the library measures, a minute at a time
   HourRun(const JudgingSettings& settings, std::string name, ObservationHeader header,
-          std::shared_ptr<const ReadNavigation> navigation, EventSink& events, DetailSink& detail);
+          std::shared_ptr<const ReadNavigation> navigation, EventSink& events);
 
   void Add(ObservationEpoch& epoch);
   /// Hands the epochs since the last call to the library, with records that came since.
   void EndMinute(const ReadNavigation& more);
+  /// Multipath judged since the last call; see StationAnalysis::TakeMultipath. Also after Finish.
+  std::vector<analysis::MultipathBlock> TakeMultipath() { return analysis_.TakeMultipath(); }
   /// Ends the run; no epoch may follow. Absent where no epoch was judged.
   std::optional<Report> Finish();
 

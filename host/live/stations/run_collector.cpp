@@ -2,10 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <string>
-
-#include "host/rinex/satellite_names.h"
-#include "host/rinex/signal_codes.h"
+#include <map>
 
 namespace orsolva_host::live {
 namespace {
@@ -13,13 +10,8 @@ namespace {
 /// Epochs after which every event of an epoch is decided, one more than the detector's lead.
 constexpr std::size_t kDecided = 6;
 constexpr double kPerSquareMicro = 1e6;
-/// A residual beyond it is a jump that the library has not yet restarted at; its square would not be a
-/// figure.
+/// An RMS beyond it is a fault of the codes that is no multipath; its square would hide all others.
 constexpr double kMaxResidual_m = 1000;
-
-std::int64_t NanosecondsOf(const Time_gbt& time) {
-  return time.time * kNanosecondsPerSecond + std::llround(time.sec * 1e9);
-}
 
 }  // namespace
 
@@ -38,38 +30,16 @@ void RunCollector::Add(const analysis::Event& event) {
   minutes_->Add(event.time_ns, sums);
 }
 
-RunCollector::PairSums& RunCollector::SumsOf(const orsolva::PairEpochDetail& detail) {
-  const auto system = static_cast<std::uint8_t>(detail.satellite.sys);
-  const auto code = static_cast<std::uint32_t>(detail.code);
-  for (PairSums& sums : pairs_) {
-    if (sums.system == system && sums.code == code) return sums;
+void RunCollector::AddMultipath(const std::vector<analysis::MultipathBlock>& blocks) {
+  std::map<std::int64_t, WindowSums> minutes;
+  for (const analysis::MultipathBlock& block : blocks) {
+    if (!(block.squares_m2 < static_cast<double>(block.values) * kMaxResidual_m * kMaxResidual_m)) continue;
+    SignalSums& signal =
+        minutes[BeginOfMinute(block.time_ns)].signals[{block.satellite.system, NameOf(block.signal)}];
+    signal.multipath_values += block.values;
+    signal.multipath_square_um2 += static_cast<Count>(std::llround(block.squares_m2 * kPerSquareMicro));
   }
-  return pairs_.emplace_back(PairSums{system, code});
-}
-
-void RunCollector::OnPairEpoch(const orsolva::PairEpochDetail& detail) {
-  if (!detail.has_multipath || !detail.counting || !(std::fabs(detail.residual_m) < kMaxResidual_m)) return;
-  const std::int64_t minute_ns = BeginOfMinute(NanosecondsOf(detail.time));
-  if (minute_ns != minute_ns_) FlushMinute();
-  minute_ns_ = minute_ns;
-  PairSums& sums = SumsOf(detail);
-  ++sums.values;
-  sums.square_um2 +=
-      static_cast<Count>(std::llround(detail.residual_m * detail.residual_m * kPerSquareMicro));
-}
-
-void RunCollector::FlushMinute() {
-  WindowSums sums;
-  for (PairSums& pair : pairs_) {
-    const int slot = SystemSlotOfCode(pair.system);
-    if (slot < 0 || pair.values == 0) continue;
-    const std::string name(SignalName(pair.system, static_cast<int>(pair.code)));
-    SignalSums& signal = sums.signals[{kSystemTable[slot].letter, name}];
-    signal.multipath_values += pair.values;
-    signal.multipath_square_um2 += pair.square_um2;
-    pair.values = pair.square_um2 = 0;
-  }
-  if (!sums.signals.empty()) minutes_->Add(minute_ns_, sums);
+  for (const auto& [begin_ns, sums] : minutes) minutes_->Add(begin_ns, sums);
 }
 
 std::optional<RunCollector::Slips> RunCollector::NextDecided() {

@@ -8,26 +8,22 @@
 #include <set>
 #include <vector>
 
+#include "host/analysis/station_analysis.h"
 #include "host/live/live_state.h"
 #include "host/live/windows/minute_store.h"
-#include "host/report/detail_sink.h"
 #include "host/report/event_sink.h"
 
 namespace orsolva_host::live {
 
-class RunCollector : public EventSink, public DetailSink {
+class RunCollector : public EventSink {
  public:
   explicit RunCollector(MinuteStore& minutes) : minutes_(&minutes) {}
 
   /// A slip or jump of a satellite, with each of its signals.
   void Add(const analysis::Event& event) override;
 
-  void Begin(const Time_gbt&, double) override {}
-  /// Hands the multipath of a batch over to the minutes.
-  void EndBatch() override { FlushMinute(); }
-  void Finish(const total_code_qc_result&) override {}
-  void OnSatelliteEpoch(const orsolva::SatelliteEpochDetail&) override {}
-  void OnPairEpoch(const orsolva::PairEpochDetail& detail) override;
+  /// Multipath of the analysis, into the minutes in which its blocks lie.
+  void AddMultipath(const std::vector<analysis::MultipathBlock>& blocks);
 
   /// An epoch with so many satellites was taken.
   void AddEpoch(std::int64_t gps_ns, int satellites) { epochs_.push_back({gps_ns, satellites, {}}); }
@@ -40,19 +36,7 @@ class RunCollector : public EventSink, public DetailSink {
   std::optional<Slips> NextDecided();
 
  private:
-  /// Of a signal of the library.
-  struct PairSums {
-    std::uint8_t system = 0;
-    std::uint32_t code = 0;
-    Count values = 0;
-    Count square_um2 = 0;
-  };
-  PairSums& SumsOf(const orsolva::PairEpochDetail& detail);
-  void FlushMinute();
-
   MinuteStore* minutes_;
-  std::int64_t minute_ns_ = -1;  ///< beginning of the one at hand
-  std::vector<PairSums> pairs_;  ///< its multipath
   std::deque<Slips> epochs_;
 };
 

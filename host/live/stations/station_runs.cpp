@@ -63,7 +63,7 @@ void StationRuns::Begin(const ObservationEpoch& epoch, const rtcm::StationDescri
     if (record.satellite.system == 'R') header.glonass_channels[record.satellite.number] = record.channel;
   }
   begin_ns_ = epoch.time_ns;
-  run_ = std::make_unique<HourRun>(settings, settings_.name, header, navigation, *this, collector_);
+  run_ = std::make_unique<HourRun>(settings, settings_.name, header, navigation, *this);
   if (!HourBridge::CanSpan(recent_, epoch.time_ns)) return recent_.Clear();
   analysis::DetectorOptions options;
   options.position = sky_.Position();
@@ -88,6 +88,7 @@ void StationRuns::EndMinute() {
   if (!run_) return;
   const auto more = book_.TakeNew(settings_.name);
   run_->EndMinute(*more);
+  collector_.AddMultipath(run_->TakeMultipath());
   if (bridge_) bridge_->AddRecords(more->broadcast);
 }
 
@@ -95,6 +96,7 @@ std::optional<Report> StationRuns::End() {
   if (!run_) return std::nullopt;
   const std::unique_ptr<HourRun> ended = std::move(run_);
   std::optional<Report> report = ended->Finish();
+  collector_.AddMultipath(ended->TakeMultipath());
   if (bridge_) bridge_->Finish(collector_);
   bridge_.reset();
   return report;

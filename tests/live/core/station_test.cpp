@@ -57,6 +57,12 @@ TEST(Station, AQuietHourRaisesNothingAndIsThatOfQcToTheBit) {
     EXPECT_EQ(sums.observed, signal.cutoff.observed) << signal.system << NameOf(signal.code);
     EXPECT_NEAR(static_cast<double>(sums.expected), static_cast<double>(*signal.cutoff.expected),
                 static_cast<double>(*signal.cutoff.expected) * 0.01);
+    EXPECT_EQ(sums.multipath_values, signal.multipath.values) << signal.system << NameOf(signal.code);
+    ASSERT_EQ(sums.MultipathM().has_value(), signal.multipath.moving_m.has_value());
+    // Blocks are rounded to 1e-6 m^2, some thousand of them.
+    if (sums.MultipathM()) {
+      EXPECT_NEAR(*sums.MultipathM(), *signal.multipath.moving_m, 1e-6);
+    }
   }
 }
 

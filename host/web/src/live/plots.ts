@@ -160,7 +160,7 @@ export function stationFigures(shown: Shown): Figure[] {
     new Figure({ id: 'live-completeness', title: 'Completeness', help: 'Observed of expected observations above the cut-off, all signals; bars are epochs that did not come.', height, draw: (c, width) => completeness(shown, c, width) }),
     new Figure({ id: 'live-satellites', title: 'Satellites and slips', help: 'Mean number of satellites; bars are satellites with a slip or jump.', height, draw: (c, width) => satellites(shown, c, width) }),
     new Figure({ id: 'live-snr', title: 'SNR', help: 'Mean of each signal above the cut-off. A step of one band points to interference, of all to antenna or cable.', height, draw: (c, width) => bySignal(shown, c, width, 'dB-Hz', 'SNR', (s) => s.snr_dbhz) }),
-    new Figure({ id: 'live-multipath', title: 'Multipath RMS', help: 'Of the code of each signal above the cut-off; a minute has a value from 50 residuals on.', height, draw: (c, width) => bySignal(shown, c, width, 'm', 'Multipath RMS', (s) => s.multipath_rms_m) }),
+    new Figure({ id: 'live-multipath', title: 'Multipath RMS', help: 'Of the code of each signal above the cut-off, about a moving mean of 630 s; a minute has a value from 50 observations on, five to ten minutes later.', height, draw: (c, width) => bySignal(shown, c, width, 'm', 'Multipath RMS', (s) => s.multipath_rms_m) }),
   ];
 }
 

@@ -52,7 +52,7 @@ const SIGNAL_COLUMNS = [
   number('24 h', digits(2), 'The same of the last day'),
   number('SNR 1 h', digits(1), 'Mean, dB-Hz'),
   number('24 h', digits(1), 'The same of the last day'),
-  number('Multipath 1 h', digits(3), 'RMS, m'),
+  number('Multipath 1 h', digits(3), 'RMS of the code about a moving mean of 630 s, m'),
   number('24 h', digits(3), 'The same of the last day'),
   number('Slips 1 h', count, 'Cycle slips with the signal'),
   number('24 h', count, 'The same of the last day'),

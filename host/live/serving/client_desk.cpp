@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdio>
+#include <exception>
 #include <utility>
 
 namespace orsolva_host::live {
@@ -19,6 +21,8 @@ constexpr std::size_t kReadAtOnce = 4096;
 constexpr milliseconds kClosingTime{1000};  ///< for a client to see the reply before its connection ends
 constexpr milliseconds kLook{250};
 constexpr const char* kEndOfHead = "\r\n\r\n";
+constexpr const char* kInternalError =
+    "HTTP/1.1 500 Internal Server Error\r\nConnection: close\r\nContent-Length: 0\r\n\r\n";
 constexpr std::size_t kEndOfHeadSize = 4;
 
 bool WouldWait(ssize_t count) {
@@ -75,14 +79,22 @@ void ClientDesk::Run() {
       const std::lock_guard lock(mutex_);
       if (stopped_) return;
     }
-    for (const std::uint64_t id : ready) {
-      const auto client = clients_.find(id);
-      Serve(id, client->second);
-      if (client->second.socket < 0) clients_.erase(client);
+    try {
+      Round(ready);
+    } catch (const std::exception& error) {  // of memory: clients keep their limits of time
+      Failed(error.what());
     }
-    TakeArrivals();
-    CloseLate();
   }
+}
+
+void ClientDesk::Round(const std::vector<std::uint64_t>& ready) {
+  for (const std::uint64_t id : ready) {
+    const auto client = clients_.find(id);
+    Serve(id, client->second);
+    if (client->second.socket < 0) clients_.erase(client);
+  }
+  TakeArrivals();
+  CloseLate();
 }
 
 void ClientDesk::Wait(std::vector<std::uint64_t>& ready) {
@@ -166,16 +178,38 @@ void ClientDesk::Begin(std::uint64_t id, Client& client) {
   if (end == std::string::npos) return;
   std::string request = client.in.substr(0, end + kEndOfHeadSize);
   client.in.erase(0, request.size());
-  client.phase = Phase::kAnswering;
+  Enter(client, Phase::kAnswering, limits_.reply_time);
   const bool last = ++client.requests >= limits_.requests;
-  workers_.Run([this, id, last, request = std::move(request)]() mutable {
-    HttpReply reply = answer_(std::move(request), last);
-    {
-      const std::lock_guard lock(mutex_);
-      replies_.emplace_back(id, std::move(reply));
+  workers_.Run(
+      [this, id, last, request = std::move(request)]() mutable { AnswerFor(id, std::move(request), last); });
+}
+
+/// On a thread of the workers, which an exception would end, and the program with it.
+void ClientDesk::AnswerFor(std::uint64_t id, std::string request, bool last) {
+  try {
+    HttpReply reply;
+    try {
+      reply = answer_(std::move(request), last);
+    } catch (const std::exception& error) {
+      reply = Failed(error.what());
+    } catch (...) {
+      reply = Failed("unknown exception");
     }
-    Wake();
-  });
+    const std::lock_guard lock(mutex_);
+    replies_.emplace_back(id, std::move(reply));
+  } catch (const std::exception&) {
+    ++failures_;  // without memory for a reply; the client's time runs out
+  }
+  Wake();
+}
+
+HttpReply ClientDesk::Failed(const char* why) {
+  const std::uint64_t count = ++failures_;
+  if ((count & (count - 1)) == 0) {
+    std::fprintf(stderr, "orsolva: the service failed on a request (%llu so far): %s\n",
+                 static_cast<unsigned long long>(count), why);
+  }
+  return {kInternalError, true};
 }
 
 void ClientDesk::SendMore(std::uint64_t id, Client& client) {
@@ -208,7 +242,6 @@ void ClientDesk::Discard(Client& client) {
 }
 
 bool ClientDesk::IsLate(const Client& client, Clock::time_point now) const {
-  if (client.phase == Phase::kAnswering) return false;
   return now > client.until || (client.phase == Phase::kSending && now > client.moved + limits_.stall_time);
 }
 

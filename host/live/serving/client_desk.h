@@ -6,6 +6,7 @@
 #ifndef ORSOLVA_LIVE_SERVING_CLIENT_DESK_H
 #define ORSOLVA_LIVE_SERVING_CLIENT_DESK_H
 
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -33,11 +34,13 @@ struct DeskLimits {
   std::size_t requests = 100;                        ///< of a connection
   std::chrono::milliseconds head_time{3000};         ///< for a whole request, or until the next one begins
   std::chrono::milliseconds stall_time{5000};        ///< in which a client reads at least something
-  std::chrono::milliseconds reply_time{60'000};      ///< for a whole reply
+  std::chrono::milliseconds reply_time{60'000};      ///< to make a reply, and for the client to take it
 };
 
 class ClientDesk {
  public:
+  /// A request whose reply cannot be made, for whatever exception, is refused with 500 and counted, and the
+  /// first, second, fourth, eighth ... of them is said on standard error.
   /// @param request  with its empty line @param last  whether the connection takes no further request
   using Answer = std::function<HttpReply(std::string request, bool last)>;
 
@@ -49,6 +52,8 @@ class ClientDesk {
 
   /// Takes a connection over, which it closes in the end. May be called from any thread.
   void Take(int socket);
+  /// Requests that ended with an exception.
+  std::uint64_t Failures() const { return failures_; }
   /// Closes what is idle; replies under way to the desk are dropped.
   void Stop();
 
@@ -69,6 +74,9 @@ class ClientDesk {
   using Clients = std::map<std::uint64_t, Client>;
 
   void Run();
+  void Round(const std::vector<std::uint64_t>& ready);
+  void AnswerFor(std::uint64_t id, std::string request, bool last);
+  HttpReply Failed(const char* why);
   void Wake() const;
   void TakeArrivals();
   void Wait(std::vector<std::uint64_t>& ready);
@@ -88,6 +96,7 @@ class ClientDesk {
   ConnectionThreads& workers_;
   Answer answer_;
   DeskLimits limits_;
+  std::atomic<std::uint64_t> failures_{0};
   int wake_[2] = {-1, -1};  ///< a pipe
   Clients clients_;         ///< of the desk's thread
   std::uint64_t next_id_ = 1;

@@ -1,8 +1,10 @@
 #include "host/live/serving/live_http.h"
 
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 #include "host/live/serving/live_page.h"
@@ -20,7 +22,10 @@ constexpr std::size_t kMaxEventsPerAnswer = 200;
 constexpr Milliseconds kLongestPoll(20'000);
 constexpr Milliseconds kFresh(500);
 constexpr std::size_t kKeptTexts = 8;
-constexpr std::size_t kMaxBody = 1024;  // no request has one
+constexpr const char* kBodyRefused =
+    "HTTP/1.1 400 Bad Request\r\nConnection: close\r\nCache-Control: no-store\r\n"
+    "X-Content-Type-Options: nosniff\r\nContent-Type: text/plain\r\nContent-Length: 29\r\n\r\n"
+    "requests here have no bodies\n";
 constexpr const char* kJson = "application/json";
 
 /// A request that is there as a whole, and the reply as it is written.
@@ -86,6 +91,29 @@ void CompressWithGzipOnly(Request& request) {
   if (gzip) request.set_header("Accept-Encoding", "gzip");
 }
 
+/// Whether a body follows the head of a request, whatever its method: what follows is not read, and must not
+/// be taken for the next request.
+bool AnnouncesBody(std::string_view head) {
+  constexpr std::string_view kBlank = " \t";
+  for (std::size_t begin = 0; begin < head.size();) {
+    const std::size_t end = std::min(head.find('\n', begin), head.size());
+    const std::string_view line = head.substr(begin, end - begin);
+    begin = end + 1;
+    const std::size_t colon = line.find(':');
+    if (colon == std::string_view::npos) continue;
+    std::string name(line.substr(0, line.find_first_of(" \t:")));
+    std::transform(name.begin(), name.end(), name.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    if (name == "transfer-encoding") return true;
+    if (name != "content-length") continue;
+    const std::size_t value = line.find_first_not_of(kBlank, colon + 1);
+    if (value == std::string_view::npos ||
+        line.substr(value, line.find_last_not_of(" \t\r") + 1 - value) != "0")
+      return true;
+  }
+  return false;
+}
+
 void Refuse(Response& response, int status, const char* why) {
   response.status = status;
   response.set_content(std::string(why) + "\n", "text/plain");
@@ -104,6 +132,7 @@ bool LiveHttp::process_and_close_socket(socket_t socket) {
 }
 
 HttpReply LiveHttp::Answer(const std::string& request, bool last) {
+  if (AnnouncesBody(request)) return {kBodyRefused, true};
   WholeRequest stream(request);
   HttpReply reply;
   reply.last = last;
@@ -117,7 +146,6 @@ void LiveHttp::Configure() {
   new_task_queue = [] { return new AtOnce; };
   set_socket_options(SetSocketOptions);
   set_tcp_nodelay(true);
-  set_payload_max_length(kMaxBody);
   set_default_headers({{"Cache-Control", "no-store"}, {"X-Content-Type-Options", "nosniff"}});
   // A request for many parts of a page would return many times its size.
   set_pre_routing_handler([](const Request& request, Response& response) {

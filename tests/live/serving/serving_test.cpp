@@ -294,6 +294,23 @@ TEST_F(ServingTest, RequestsWithBodiesAndOtherMethodsAreRefused) {
   EXPECT_EQ(Client().Get("/metrics")->status, 200);
 }
 
+TEST_F(ServingTest, AGetWithABodyIsRefusedAndItsBodyIsNoRequest) {
+  const char* const bodies[] = {"Content-Length: 36",        "content-length:5",   "Content-Length : 1",
+                                "Content-Length:",           "Content-Length: 00", "Content-Length: 0, 5",
+                                "Transfer-Encoding: chunked"};
+  for (const std::string header : bodies) {
+    SilentClient client(server.Address().port, "GET /metrics HTTP/1.1\r\nHost: x\r\n" + header +
+                                                   "\r\n\r\nGET /state.json HTTP/1.1\r\nHost: x\r\n\r\n");
+    const std::string replies = client.ReadAll();
+    EXPECT_EQ(replies.rfind("HTTP/1.1 400", 0), 0U) << header;
+    EXPECT_EQ(replies.find("HTTP/1.1", 1), std::string::npos) << header;
+    const std::size_t body = replies.find("\r\n\r\n") + 4;
+    EXPECT_NE(replies.find("Content-Length: " + std::to_string(replies.size() - body) + "\r\n"),
+              std::string::npos);
+  }
+  EXPECT_EQ(Client().Get("/metrics", {{"Content-Length", "0"}})->status, 200);
+}
+
 TEST_F(ServingTest, APortInUseIsAnErrorWithAdvice) {
   try {
     const LiveServer second(board, server.Address());

@@ -16,7 +16,7 @@ std::uint32_t KeyOf(SatelliteId satellite, SignalCode code) {
 }  // namespace
 
 bool LockLost(std::int64_t before_ms, LockTime now, std::int64_t passed_ms) {
-  return now.from_ms < before_ms || now.below_ms <= passed_ms;
+  return now.below_ms <= before_ms || now.below_ms <= passed_ms;
 }
 
 bool LockTracker::Lost(std::int64_t time_ns, SatelliteId satellite, SignalCode code, LockTime lock,

@@ -16,8 +16,8 @@ struct LockTime {
   std::int64_t below_ms = std::numeric_limits<std::int64_t>::max();
 };
 
-/// Whether lock was lost since an epoch `passed_ms` before with a lock time from `before_ms` on: the lock
-/// time is below the one before, or below the time passed since then.
+/// Whether lock was lost since an epoch `passed_ms` before with a lock time from `before_ms` on: the whole
+/// range of the lock time is below the one before, or below the time passed since then.
 bool LockLost(std::int64_t before_ms, LockTime now, std::int64_t passed_ms);
 
 /// Follows the lock of every signal from epoch to epoch. It says nothing of whether cycles were lost: finding

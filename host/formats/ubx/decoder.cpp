@@ -36,9 +36,12 @@ std::optional<std::int64_t> TimeOf(const RawMessage& message) {
          std::llround(second * kTicks) * kTick_ns;
 }
 
+/// A count may be less than the time by up to its resolution, and that of the epoch before may not: what
+/// falls by so much, or is behind the time passed by so much, has gone on. The same holds at the counter's
+/// end.
 LockTime LockOf(int lock_ms) {
-  if (lock_ms >= kMaxLock_ms) return {kMaxLock_ms};
-  return {lock_ms, lock_ms + 1};
+  if (lock_ms + kLockResolution_ms >= kMaxLock_ms) return {lock_ms};
+  return {lock_ms, lock_ms + 2 * kLockResolution_ms};
 }
 
 }  // namespace

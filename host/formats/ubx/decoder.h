@@ -42,15 +42,13 @@ struct ReceiverTexts {
 
 /// Of RXM-RAWX:
 ///
-/// - Pseudorange and phase count where trkStat says that they are valid. A phase whose half-cycle ambiguity
-/// is
-///   not resolved has kHalfCycle.
-/// - kLossOfLock: the lock time is below that of the epoch before, or below the time passed since then; or
-///   half a cycle is subtracted now and was not before, or the other way round.
+/// - Pseudorange and phase count where trkStat says that they are valid. A phase whose half-cycle
+///   ambiguity is not resolved has kHalfCycle.
+/// - kLossOfLock: the lock time is below that of the epoch before, or below the time passed since then, by
+///   more than its resolution; or half a cycle is subtracted now and was not before, or the other way round.
 /// - The time is rounded to 100 ns, the last decimal of an epoch in RINEX.
 /// - The flag for resets of the receiver clock (recStat), the standard deviations and the leap seconds are
-/// not
-///   used.
+///   not used.
 class Decoder {
  public:
   /// @param epochs  off: of raw measurements the time and the channels of GLONASS alone are read

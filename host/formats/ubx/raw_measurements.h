@@ -17,6 +17,8 @@ constexpr std::uint8_t kHalfCycleResolved = 4;
 constexpr std::uint8_t kHalfCycleSubtracted = 8;
 
 constexpr int kMaxLock_ms = 64500;  ///< the lock time counts up to here
+/// Of the lock time, a count of whole milliseconds; how it is rounded is not stated.
+constexpr int kLockResolution_ms = 1;
 constexpr int kMaxMeasurements = 255;
 
 struct RawMeasurement {

@@ -208,17 +208,46 @@ TEST(UbxReader, TakesWhatTheTrackingStatusCallsValid) {
 
 TEST(UbxReader, MarksLossOfLock) {
   const auto second_flags = [](std::uint16_t lock_ms, double second, std::uint8_t more_tracking = 0) {
-    RawMeasurement before = Gps5(), after = Gps5();
+    RawMeasurement before = Gps5(), after = Gps5();  // 2000 ms at second 1
     after.lock_ms = lock_ms;
     after.tracking |= more_tracking;
     return OnlySignal(EpochsOf(FrameAt(1, {before}) + FrameAt(second, {after}))[1]).loss_of_lock;
   };
   EXPECT_EQ(second_flags(3000, 2), 0);
-  EXPECT_EQ(second_flags(1999, 2), kLossOfLock);  // below the one before
-  EXPECT_EQ(second_flags(2999, 4), kLossOfLock);  // less than the 3 s passed
+  EXPECT_EQ(second_flags(500, 2), kLossOfLock);  // less than the second passed, and below the one before
   EXPECT_EQ(second_flags(3000, 4), 0);
-  EXPECT_EQ(second_flags(64500, 200), 0);  // the counter's end
   EXPECT_EQ(second_flags(3000, 2, kHalfCycleSubtracted), kLossOfLock);
+}
+
+/// Flags of the second of two epochs.
+std::uint8_t FlagsAfter(std::uint16_t before_ms, std::uint16_t after_ms, double passed_s) {
+  RawMeasurement before = Gps5(), after = Gps5();
+  before.lock_ms = before_ms;
+  after.lock_ms = after_ms;
+  return OnlySignal(EpochsOf(FrameAt(1, {before}) + FrameAt(1 + passed_s, {after}))[1]).loss_of_lock;
+}
+
+TEST(UbxReader, ALockTimeHasAResolutionOfAMillisecond) {
+  EXPECT_EQ(FlagsAfter(2000, 2000, 1), 0);
+  EXPECT_EQ(FlagsAfter(2000, 1999, 1), 0);
+  EXPECT_EQ(FlagsAfter(2000, 1998, 1), kLossOfLock);
+  EXPECT_EQ(FlagsAfter(0, 1000, 1), 0);
+  EXPECT_EQ(FlagsAfter(0, 999, 1), 0);
+  EXPECT_EQ(FlagsAfter(0, 998, 1), kLossOfLock);
+  EXPECT_EQ(FlagsAfter(2000, 2999, 3), 0);
+  EXPECT_EQ(FlagsAfter(2000, 2998, 3), kLossOfLock);
+  EXPECT_EQ(FlagsAfter(0, 0, 0.001), 0);
+  EXPECT_EQ(FlagsAfter(0, 0, 0.002), kLossOfLock);
+}
+
+TEST(UbxReader, ALockTimeThatHasReachedItsEndGoesOn) {
+  EXPECT_EQ(FlagsAfter(64000, 64500, 1), 0);
+  EXPECT_EQ(FlagsAfter(64500, 64500, 1), 0);
+  EXPECT_EQ(FlagsAfter(64500, 64500, 200), 0);
+  EXPECT_EQ(FlagsAfter(64500, 64499, 200), 0);
+  EXPECT_EQ(FlagsAfter(64500, 64498, 1), kLossOfLock);
+  EXPECT_EQ(FlagsAfter(64000, 64498, 64.499), 0);
+  EXPECT_EQ(FlagsAfter(64000, 64498, 64.500), kLossOfLock);
 }
 
 TEST(UbxReader, DamageCostsOnlyItself) {

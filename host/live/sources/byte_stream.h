@@ -36,7 +36,7 @@ class ByteStream {
 };
 
 /// What opening a stream needs besides its source.
-struct StreamOptions {
+struct ConnectionOptions {
   std::string certificates;                  ///< file of authorities; empty: those of the system
   std::optional<std::array<double, 3>> llh;  ///< where the caster asks for a position: degrees and metres
   MountWishes* wishes = nullptr;             ///< outlives the stream; null: the caster is not asked
@@ -44,12 +44,12 @@ struct StreamOptions {
 };
 
 /// Connects, or begins to; a failure is reported by the first Read.
-std::unique_ptr<ByteStream> OpenStream(const SourceSpec& spec, const StreamOptions& options);
+std::unique_ptr<ByteStream> OpenStream(const SourceSpec& spec, const ConnectionOptions& options);
 
 // One each.
-std::unique_ptr<ByteStream> OpenCaster(const SourceSpec& spec, const StreamOptions& options);
-std::unique_ptr<ByteStream> OpenTcp(const SourceSpec& spec, const StreamOptions& options);
-std::unique_ptr<ByteStream> OpenSerial(const SourceSpec& spec, const StreamOptions& options);
+std::unique_ptr<ByteStream> OpenCaster(const SourceSpec& spec, const ConnectionOptions& options);
+std::unique_ptr<ByteStream> OpenTcp(const SourceSpec& spec, const ConnectionOptions& options);
+std::unique_ptr<ByteStream> OpenSerial(const SourceSpec& spec, const ConnectionOptions& options);
 std::unique_ptr<ByteStream> OpenStandardInput();
 
 /// Whether this build reads from casters.

@@ -13,7 +13,7 @@ class NoCaster : public ByteStream {
 
 }  // namespace
 
-std::unique_ptr<ByteStream> OpenCaster(const SourceSpec&, const StreamOptions&) {
+std::unique_ptr<ByteStream> OpenCaster(const SourceSpec&, const ConnectionOptions&) {
   return std::make_unique<NoCaster>();
 }
 

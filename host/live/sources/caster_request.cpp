@@ -29,7 +29,8 @@ std::string LineNow(const std::array<double, 3>& llh) { return GgaLine(llh, std:
 
 }  // namespace
 
-CasterRequest::CasterRequest(const SourceSpec& spec, const std::string& mount, const StreamOptions& options) {
+CasterRequest::CasterRequest(const SourceSpec& spec, const std::string& mount,
+                             const ConnectionOptions& options) {
   InitialiseCurl();
   easy_ = curl_easy_init();
   SetOptions(spec, mount, options);
@@ -42,7 +43,7 @@ CasterRequest::~CasterRequest() {
 }
 
 void CasterRequest::SetOptions(const SourceSpec& spec, const std::string& mount,
-                               const StreamOptions& options) {
+                               const ConnectionOptions& options) {
   Set(CURLOPT_URL, UrlOf(spec, mount).c_str());
   Set(CURLOPT_PROTOCOLS_STR, "http,https");
   Set(CURLOPT_FOLLOWLOCATION, 0L);

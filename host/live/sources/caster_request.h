@@ -23,7 +23,7 @@ namespace orsolva_host::live {
 class CasterRequest {
  public:
   /// For a mount point, with user and password, or with an empty one for the table, without them.
-  CasterRequest(const SourceSpec& spec, const std::string& mount, const StreamOptions& options);
+  CasterRequest(const SourceSpec& spec, const std::string& mount, const ConnectionOptions& options);
   ~CasterRequest();
   CasterRequest(const CasterRequest&) = delete;
   CasterRequest& operator=(const CasterRequest&) = delete;
@@ -53,7 +53,7 @@ class CasterRequest {
   static std::size_t OnBytes(char* bytes, std::size_t size, std::size_t count, void* self);
   static std::size_t OnHeader(char* bytes, std::size_t size, std::size_t count, void* self);
   static std::size_t OnSend(char* bytes, std::size_t size, std::size_t count, void* self);
-  void SetOptions(const SourceSpec& spec, const std::string& mount, const StreamOptions& options);
+  void SetOptions(const SourceSpec& spec, const std::string& mount, const ConnectionOptions& options);
   void AddHeader(const std::string& line) { headers_ = curl_slist_append(headers_, line.c_str()); }
   template <typename Value>
   void Set(CURLoption option, Value value) {

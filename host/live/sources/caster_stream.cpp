@@ -19,7 +19,7 @@ constexpr long kUnauthorized = 401, kForbidden = 403, kNotFound = 404;
 
 class CasterStream : public ByteStream {
  public:
-  CasterStream(const SourceSpec& spec, const StreamOptions& options);
+  CasterStream(const SourceSpec& spec, const ConnectionOptions& options);
   ~CasterStream() override;
   CasterStream(const CasterStream&) = delete;
   CasterStream& operator=(const CasterStream&) = delete;
@@ -39,7 +39,7 @@ class CasterStream : public ByteStream {
   bool MissesPosition() const { return wants_position_ && !options_.llh; }
 
   SourceSpec spec_;
-  StreamOptions options_;
+  ConnectionOptions options_;
   CURLM* multi_;
   std::unique_ptr<CasterRequest> request_;
   std::unique_ptr<SourceTableSearch> search_;  ///< while the table is read
@@ -47,7 +47,7 @@ class CasterStream : public ByteStream {
   bool wants_position_ = false;  ///< as the table says
 };
 
-CasterStream::CasterStream(const SourceSpec& spec, const StreamOptions& options)
+CasterStream::CasterStream(const SourceSpec& spec, const ConnectionOptions& options)
     : spec_(spec), options_(options), multi_(curl_multi_init()) {
   if (KnowsWishes()) {
     BeginStream();
@@ -170,7 +170,7 @@ ReadOutcome CasterStream::Read(std::chrono::milliseconds longest) {
 
 }  // namespace
 
-std::unique_ptr<ByteStream> OpenCaster(const SourceSpec& spec, const StreamOptions& options) {
+std::unique_ptr<ByteStream> OpenCaster(const SourceSpec& spec, const ConnectionOptions& options) {
   return std::make_unique<CasterStream>(spec, options);
 }
 

@@ -147,14 +147,14 @@ std::string SetLine(int descriptor, unsigned baud) {
 
 }  // namespace
 
-std::unique_ptr<ByteStream> OpenTcp(const SourceSpec& spec, const StreamOptions& options) {
+std::unique_ptr<ByteStream> OpenTcp(const SourceSpec& spec, const ConnectionOptions& options) {
   std::string problem;
   Descriptor descriptor = Connect(spec, problem);
   return std::make_unique<DescriptorStream>(std::move(descriptor), problem, options.silence,
                                             "the other side closed the connection");
 }
 
-std::unique_ptr<ByteStream> OpenSerial(const SourceSpec& spec, const StreamOptions& options) {
+std::unique_ptr<ByteStream> OpenSerial(const SourceSpec& spec, const ConnectionOptions& options) {
   Descriptor descriptor(open(spec.path.c_str(), O_RDONLY | O_NOCTTY | O_NONBLOCK | O_CLOEXEC));
   const std::string problem =
       descriptor.Number() < 0 ? spec.path + ": " + Reason(errno) : SetLine(descriptor.Number(), spec.baud);
@@ -167,7 +167,7 @@ std::unique_ptr<ByteStream> OpenStandardInput() {
                                             "standard input ended");
 }
 
-std::unique_ptr<ByteStream> OpenStream(const SourceSpec& spec, const StreamOptions& options) {
+std::unique_ptr<ByteStream> OpenStream(const SourceSpec& spec, const ConnectionOptions& options) {
   if (spec.kind == SourceKind::kNtrip) return OpenCaster(spec, options);
   if (spec.kind == SourceKind::kTcp) return OpenTcp(spec, options);
   if (spec.kind == SourceKind::kSerial) return OpenSerial(spec, options);

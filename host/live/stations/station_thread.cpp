@@ -150,8 +150,8 @@ void StationThread::PublishNow() {
 }
 
 /// The settings' position, which any thread may read.
-StreamOptions StationThread::OptionsOf(MountWishes& wishes) const {
-  StreamOptions options;
+ConnectionOptions StationThread::OptionsOf(MountWishes& wishes) const {
+  ConnectionOptions options;
   options.certificates = settings_.certificates;
   options.wishes = &wishes;
   if (settings_.position_m) options.llh = DegreesOf(*settings_.position_m);
@@ -199,7 +199,7 @@ void StationThread::Follow() {
   BackOff back_off(std::hash<std::string>()(settings_.name) ^ static_cast<std::size_t>(Now()));
   while (!stop_.Stopped()) {
     judge_.Connecting(Now());
-    StreamOptions options = OptionsOf(wishes_);
+    ConnectionOptions options = OptionsOf(wishes_);
     if (const auto place = judge_.PlaceForCaster()) options.llh = place;
     const auto stream = OpenStream(spec_, options);
     FollowOnce(*stream, back_off);

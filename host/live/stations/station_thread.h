@@ -64,7 +64,7 @@ class StationThread {
   void ReadKeptEphemerides();
   void ReadEphemerisFile();
   void ReadChangedFile();
-  StreamOptions OptionsOf(MountWishes& wishes) const;
+  ConnectionOptions OptionsOf(MountWishes& wishes) const;
   std::string KeptPath() const;
 
   std::string failure_;

@@ -56,6 +56,13 @@ class Sender:
             self.talk(client)
 
 
+def raw_flood(data):
+    def talk(client):
+        while True:
+            client.sendall(data)
+    return talk
+
+
 def flood(data):
     def talk(client):
         client.recv(4096)
@@ -112,13 +119,13 @@ class HostileTest(unittest.TestCase):
         noise = random.Random(1).randbytes(1 << 20)
         false_frames = b"\xd3\x03\xff" * 100_000  # a CRC over a thousand bytes at every third byte
         talks = {"NOISE": flood(noise), "FRAMES": flood(false_frames), "STORM": storm, "HEADER": endless_header,
-                 "TABLE": endless_table}
+                 "TABLE": endless_table, "RAW": raw_flood(noise)}
         with contextlib.ExitStack() as stack:
             good = [Mount("GOOD", self.epochs, speed=1), Mount("FINE", self.epochs, speed=1)]
             caster = stack.enter_context(Caster(good))
             senders = {name: stack.enter_context(Sender(talk)) for name, talk in talks.items()}
             stations = {name: f"ntrip://127.0.0.1:{sender.port}/{name}" for name, sender in senders.items()}
-            stations["RAW"] = f"tcp://127.0.0.1:{senders['NOISE'].port}"
+            stations["RAW"] = f"tcp://127.0.0.1:{senders['RAW'].port}"
             stations.update({mount.name: f"ntrip://127.0.0.1:{caster.port}/{mount.name}" for mount in good})
             with Service(PROGRAM, stations) as service:
                 service.until(lambda: service.stations()["GOOD"]["epochs"] >= 10, 60)
@@ -135,10 +142,36 @@ class HostileTest(unittest.TestCase):
                 if "ORSOLVA_SANITIZED" not in os.environ:  # a sanitizer keeps what was freed
                     self.assertLess(grown_kb, MOST_GROWTH_KB)
                 self.assertLess(rate, 3)
-                for name in ("NOISE", "FRAMES", "RAW"):
-                    self.assertLess(states[name]["bytes"], (4 << 20) + (time.monotonic() - begun + 40) * (256 << 10), name)
-                    self.assertEqual(states[name]["epochs"], 0)
-                self.assertTrue(states["HEADER"]["problem"])
+                self.assert_misbehaviour_is_told(service, senders, time.monotonic() - begun + 40)
+
+    def assert_misbehaviour_is_told(self, service, senders, most_seconds):
+        """What each station that misbehaves has come to."""
+        for name in senders:
+            state = service.until(lambda: (s := service.stations()[name])["alarms"] and s, 60)
+            with self.subTest(name, state=state):
+                self.assertEqual([alarm["kind"] for alarm in state["alarms"]], ["data_gap"])
+                self.assertEqual((state["epochs"], state["frames"]), (0, 0))
+                if name in ("NOISE", "FRAMES", "RAW"):
+                    # Read at its rate, and found to hold nothing; a frame's length may wait for its end.
+                    self.assertGreater(state["bytes"], 1 << 20)
+                    self.assertLess(state["bytes"], (4 << 20) + most_seconds * (256 << 10))
+                    self.assertGreater(state["skipped_bytes"], 0.99 * state["bytes"])
+                if name == "FRAMES":
+                    self.assertGreater(state["crc_errors"], 0)
+                if name == "RAW":
+                    self.assertEqual((state["connected"], state["connections"], state["problem"]), (True, 1, None))
+                if name == "STORM":
+                    self.assertEqual(state["bytes"], state["connections"])
+                    self.assertGreater(state["connections"], 5)
+                if name in ("HEADER", "TABLE"):
+                    self.assertEqual((state["connected"], state["connections"], state["bytes"]), (False, 0, 0))
+                if name == "HEADER":
+                    self.assertTrue(state["problem"])
+                    self.assertIn(state["problem"], state["alarms"][0]["seen"])
+                if name == "TABLE":
+                    # Asked for the table and for the stream, and again after a minute.
+                    self.assertEqual(state["problem"], "the caster does not know the mount point")
+                    self.assertLessEqual(senders[name].connections, 4)
 
     def test_clients_that_drip_and_sip_slow_neither_the_judging_nor_others(self):
         mounts = [Mount(f"M{i}", self.epochs, speed=1) for i in range(5)]

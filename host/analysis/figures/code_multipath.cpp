@@ -160,7 +160,7 @@ void CodeMultipath::AddPhase(const Place& at, std::size_t place, Satellite& sate
   Signal& signal = satellite.signals[at.outcome.number[place]];
   Run& run = signal.run;
   if (run.open && at.time_ns - run.last_ns > kLongestHole_ns) End(signal);
-  if (run.open && (run.lone || (run.rank > 0 && !run.moving.Full()))) {
+  if (run.open && (run.lone || (run.rank > 0 && !signal.moving.Full()))) {
     const auto better = FindPartner(*at.outcome.track, place, at.epoch);
     if (better && (run.lone || better->rank < run.rank)) End(signal);
   }
@@ -177,7 +177,7 @@ void CodeMultipath::AddPhase(const Place& at, std::size_t place, Satellite& sate
   run.last_ns = at.time_ns;
   run.last_m = value;
   if (run.lone) return;
-  run.moving.Add(at.time_ns, value, at.elevation_deg, at.up, signal.sums.moving, signal.blocks);
+  signal.moving.Add(at.time_ns, value, at.elevation_deg, at.up, signal.sums.moving, signal.blocks);
   if (!at.up) return;
   run.arc.Add(value);
   if (CountsWideLane(at, place, satellite)) AddWideLane(at, place, run);
@@ -238,7 +238,7 @@ void CodeMultipath::End(Signal& signal) {
   Run& run = signal.run;
   const bool open = run.open && !run.lone;
   run.open = false;
-  if (!open || !run.moving.End(signal.sums.moving, signal.blocks)) return;
+  if (!open || !signal.moving.End(signal.sums.moving, signal.blocks)) return;
   signal.sums.arcs.Add(run.arc);
   MultipathSums::ByPartner& with = signal.sums.With(run.partner);
   with.values += run.arc.count;

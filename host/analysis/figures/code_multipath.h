@@ -105,13 +105,13 @@ class CodeMultipath {
     std::int64_t last_ns = 0;
     double last_m = kAbsent;
     double last_change_m = kAbsent;
-    MovingScatter moving;
     Scatter arc;
     Scatter wide_lane;
   };
   struct Signal {
     SignalCode code;
     Run run;
+    MovingScatter moving;  ///< of the run; empty where none is open
     MultipathSums sums;
     JudgedBlocks blocks;
   };

@@ -54,7 +54,9 @@ bool MovingScatter::End(ScatterByElevation& sums, JudgedBlocks& blocks) {
   if (open_.values > 0) Close(sums, blocks);
   const bool full = Full();
   for (int k = kHalf + 1; full && k < kBlocks; ++k) Judge(k, sums, blocks);
-  *this = MovingScatter();
+  oldest_ = closed_ = values_ = 0;  // blocks are written before they are read
+  open_ = Block();
+  sum_ = 0;
   return full;
 }
 

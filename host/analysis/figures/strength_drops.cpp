@@ -69,7 +69,11 @@ double StrengthCurve::At(double elevation_deg) const {
 
 StrengthDrops::StrengthDrops(const SignalRoster& roster, const std::vector<StrengthCurves>& curves,
                              const std::vector<std::vector<StrengthWindow>>& windows)
-    : roster_(&roster), residuals_(windows.size()), common_(curves.size()), is_common_(curves.size()) {
+    : roster_(&roster),
+      residuals_(windows.size()),
+      own_(windows.size()),
+      common_(curves.size()),
+      is_common_(curves.size()) {
   for (std::size_t shared = 0; shared < curves.size(); ++shared) FindCommon(shared, curves[shared], windows);
   for (std::size_t i = 0; i < windows.size(); ++i)
     FindOwn(i, curves[roster.Signals()[i].shared].means, windows[i]);
@@ -129,7 +133,21 @@ void StrengthDrops::FindOwn(std::size_t signal, const StrengthCurve& means,
   residuals.erase(std::remove_if(residuals.begin(), residuals.end(),
                                  [&](const Residual& r) { return IsCommon(shared, r.number); }),
                   residuals.end());
-  residuals_[signal] = AgainstOwnCurve(std::move(residuals));
+  residuals_[signal] = std::move(residuals);
+}
+
+/// The own curve lies between the least and the greatest residual: where these are nearer than a drop is deep
+/// (less a hundredth for rounding), there is none.
+bool StrengthDrops::MayDrop(const Residuals& residuals) {
+  const auto lower = [](const Residual& a, const Residual& b) { return a.db < b.db; };
+  const auto [least, greatest] = std::minmax_element(residuals.begin(), residuals.end(), lower);
+  return least != residuals.end() && greatest->db - least->db > 0.99 * kDrop_db;
+}
+
+const StrengthDrops::Residuals& StrengthDrops::OwnOf(std::size_t signal) const {
+  std::optional<Residuals>& own = own_[signal];
+  if (!own) own = AgainstOwnCurve(residuals_[signal]);
+  return *own;
 }
 
 StrengthDrops::Residuals StrengthDrops::AgainstOwnCurve(Residuals residuals) {
@@ -198,14 +216,15 @@ std::vector<StrengthDrop> StrengthDrops::OfSatellite(std::size_t signal) const {
       for (std::size_t i = 0; i < residuals_.size(); ++i) {
         const ListedSignal& other = roster_->Signals()[i];
         if (other.satellite != own.satellite || other.code.band == own.code.band) continue;
-        const auto mean = MeanOver(residuals_[i], run.First(), run.Last());
+        const auto mean = MeanOver(OwnOf(i), run.First(), run.Last());
         if (mean) drops.back().other_bands = drops.back().other_bands.value_or(true) && *mean <= -kSlight_db;
       }
     }
     run = Run();
   };
+  if (!MayDrop(residuals_[signal])) return drops;
   Run run;
-  for (const Residual& residual : residuals_[signal]) {
+  for (const Residual& residual : OwnOf(signal)) {
     if (!run.Empty() && residual.number > run.Last() + 2) finish(run);
     if (residual.db <= -kSlight_db) run.Add(residual.number, residual.db);
   }

@@ -105,13 +105,16 @@ class StrengthDrops {
                   const std::vector<std::vector<StrengthWindow>>& windows);
   void FindOwn(std::size_t signal, const StrengthCurve& means, const std::vector<StrengthWindow>& windows);
   bool IsCommon(std::size_t shared, std::int32_t number) const;
+  static bool MayDrop(const Residuals& residuals);
+  const Residuals& OwnOf(std::size_t signal) const;
   static Residuals AgainstOwnCurve(Residuals residuals);
   static std::optional<double> MeanOver(const Residuals& residuals, std::int32_t first, std::int32_t last);
 
   const SignalRoster* roster_;
-  std::vector<Residuals> residuals_;          ///< of each signal
-  std::vector<Residuals> common_;             ///< of each shared signal: medians over its satellites
-  std::vector<std::vector<char>> is_common_;  ///< whether a window of common_ is a drop
+  std::vector<Residuals> residuals_;                   ///< of each signal against the curve of all satellites
+  mutable std::vector<std::optional<Residuals>> own_;  ///< against its own, made where it is asked for
+  std::vector<Residuals> common_;                      ///< of each shared signal: medians over its satellites
+  std::vector<std::vector<char>> is_common_;           ///< whether a window of common_ is a drop
 };
 
 }  // namespace orsolva_host::analysis

@@ -11,6 +11,8 @@
 namespace orsolva_host::analysis {
 namespace {
 
+constexpr std::size_t kUsualLength = 160;  // of a text, which then takes memory once
+
 /// As "%.*f" prints it, but zero without a sign. @param digits  0 to 3
 std::string Fixed(double value, int digits) {
   constexpr std::array<int, 4> kScales = {1, 10, 100, 1000};
@@ -78,12 +80,17 @@ std::string OtherSignals(const SatelliteTrack& track, const StepTest& test, cons
 }
 
 std::string TestVector(const SatelliteTrack& track, const StepTest& test) {
-  std::string text = "phases off by";
+  std::string text;
+  text.reserve(kUsualLength);
+  text += "phases off by";
   for (int i = 0; i < test.count; ++i) {
     const SignalTrack& s = SignalAt(track, test, i);
-    text += " " + NameOf(s.code) + " " + Fixed(test.r[static_cast<std::size_t>(i)] / s.wavelength_m, 2);
+    const char name[] = {' ', s.code.band, s.code.attribute, ' '};
+    text.append(name, sizeof name);
+    text += Fixed(test.r[static_cast<std::size_t>(i)] / s.wavelength_m, 2);
   }
-  return text + " cycles";
+  text += " cycles";
+  return text;
 }
 
 /// The wide lane that the slip changes and that is known best; without such a one the best known.
@@ -125,8 +132,14 @@ std::string EvidenceText(const SatelliteTrack& track, std::int64_t step, const S
   for (int i = 0; i < test.count; ++i) slips = slips || Slips(slip, i);
   if (slips) return OtherSignals(track, test, slip) + WideLane(wide_lanes, slip);
   const StepState& s = track.At(step);
-  return TestVector(track, test) + WideLane(wide_lanes, slip) + "; range +- " + Fixed(s.range_scale_m, 3) +
-         " m, ionosphere +- " + Fixed(s.ionosphere_scale_m, 3) + " m";
+  std::string text = TestVector(track, test);
+  text += WideLane(wide_lanes, slip);
+  text += "; range +- ";
+  text += Fixed(s.range_scale_m, 3);
+  text += " m, ionosphere +- ";
+  text += Fixed(s.ionosphere_scale_m, 3);
+  text += " m";
+  return text;
 }
 
 }  // namespace orsolva_host::analysis

@@ -32,7 +32,7 @@ bool IsHalf(double cycles) {
 }  // namespace
 
 std::size_t SlipCandidates::Add(const Cycles& cycles, int count) {
-  double mark = 0;  // tells most vectors apart at once
+  double mark = 0;  // differs for most different vectors
   for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i)
     mark += static_cast<double>(i + 1) * cycles[i];
   std::size_t place = 0;

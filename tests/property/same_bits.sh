@@ -26,7 +26,7 @@ for build in "$@"; do
   compiler=$(sed -n 's/^CMAKE_CXX_COMPILER:[^=]*=//p' "$build/CMakeCache.txt")
   unoptimised=$scratch/$(basename "$build")
   cmake -S . -B "$unoptimised" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_FLAGS_DEBUG=-O0 \
-    -DCMAKE_CXX_COMPILER="$compiler" >/dev/null
+    -DORSOLVA_UNITY=all -DORSOLVA_PRECOMPILE=ON -DCMAKE_CXX_COMPILER="$compiler" >/dev/null
   cmake --build "$unoptimised" --target result_digest analysis_digest >/dev/null
   compare "$build -O0" "$unoptimised/bin"
 done

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <optional>
 #include <tuple>
 #include <utility>
@@ -62,9 +63,13 @@ Placed PlaceOf(const std::string& file) {
   return placed;
 }
 
-bool AreOneSpan(const Placed& a, const Placed& b, JoinRule rule) {
-  if (a.station.empty() || a.station != b.station || a.interval_s != b.interval_s) return false;
-  return rule == JoinRule::kAll || a.begin_ns / kDay_ns == b.begin_ns / kDay_ns;
+/// Files that agree in it are one span: station, interval and day, or 0 for any day.
+using SpanKey = std::tuple<std::string, double, std::int64_t>;
+
+/// @return nothing for a file that nothing is known of
+std::optional<SpanKey> SpanKeyOf(const Placed& placed, JoinRule rule) {
+  if (placed.station.empty() || std::isnan(placed.interval_s)) return std::nullopt;
+  return SpanKey(placed.station, placed.interval_s, rule == JoinRule::kAll ? 0 : placed.begin_ns / kDay_ns);
 }
 
 class JoinedSource : public EpochSource {
@@ -268,20 +273,14 @@ JoinRule JoinRuleOf(std::string_view name) {
 
 std::vector<JoinedFiles> SpansOf(const std::vector<std::string>& files, JoinRule rule) {
   std::vector<std::vector<Placed>> spans;
+  std::map<SpanKey, std::size_t> known;
   for (const std::string& file : files) {
-    if (rule == JoinRule::kNone) {
-      spans.push_back({Placed{{}, 0, 0, file}});
-      continue;
-    }
-    Placed placed = PlaceOf(file);
-    const auto known = std::find_if(spans.begin(), spans.end(), [&](const std::vector<Placed>& span) {
-      return AreOneSpan(span.front(), placed, rule);
-    });
-    if (known == spans.end()) {
-      spans.push_back({std::move(placed)});
-    } else {
-      known->push_back(std::move(placed));
-    }
+    Placed placed = rule == JoinRule::kNone ? Placed{{}, 0, 0, file} : PlaceOf(file);
+    std::size_t span = spans.size();
+    if (const std::optional<SpanKey> key = SpanKeyOf(placed, rule))
+      span = known.emplace(*key, span).first->second;
+    if (span == spans.size()) spans.emplace_back();
+    spans[span].push_back(std::move(placed));
   }
   std::vector<JoinedFiles> joined;
   for (std::vector<Placed>& span : spans) {

@@ -59,6 +59,7 @@ orsolva_unity(host_command
   tests/host/outputs_command_test.cpp)
 orsolva_unity(host_judging
   tests/host/judging/report_sinks_test.cpp
+  tests/host/judging/sbf_twins_test.cpp
   tests/host/judging/ubx_twins_test.cpp)
 orsolva_unity(host_cli)
 orsolva_unity(live_core)

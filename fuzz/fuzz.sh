@@ -11,7 +11,7 @@ shift || true
 targets=("$@")
 [ ${#targets[@]} -gt 0 ] ||
   targets=(boundary_records analysis observation_reader crinex_decoder navigation_reader compressed_input
-    config_file profile rtcm_stream scenario sp3_reader ubx_recording caster_text live_station stations_file
+    config_file profile rtcm_stream sbf_recording scenario sp3_reader ubx_recording caster_text live_station stations_file
     http_request)
 build=${ORSOLVA_FUZZ_BUILD:-build-fuzz}
 

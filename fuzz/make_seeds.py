@@ -112,6 +112,57 @@ def ubx_seeds(out):
     write(out, "ubx_recording", "survey", b"\3" + counted)
 
 
+SBF_NUMBERS = (4027, 5891, 4004, 4002, 4081, 4095, 5902)  # as fuzz/sbf_recording.cpp has them
+
+
+def sbf_measurements(second):
+    """Body of MeasEpoch: three signals of a GPS satellite, two of a GLONASS and one of a Galileo satellite."""
+    def first(signal, satellite, others, channel=0):
+        return struct.pack("<BBBBIiHbBHBB", 1, signal, satellite, 5, 1000 * satellite + second, -12345000, 250, 0, 136,
+                           20 + second, channel << 3, others)
+
+    def other(signal):
+        return struct.pack("<BBBBbBHHH", signal, 20 + second, 120, 0, -1, 0, 500, 64036, 100)
+
+    body = struct.pack("<IHBBBBBB", 1000 * second, 2200, 3, 20, 12, 0, 0, 0)
+    return body + first(0, 5, 2) + other(2) + other(3) + first(8, 41, 1, 5) + other(11) + first(17, 81, 0)
+
+
+def sbf_ephemeris(number, satellite):
+    """Body of a block of ephemerides, its elements those of no orbit."""
+    size = {5891: 132, 4004: 88, 4002: 144, 4081: 132, 4095: 132}[number]
+    body = bytearray(struct.pack("<IHBB", 2000, 2200, satellite, 2) + bytes(size - 8))
+    places = {4002: (16 - 8, 100 - 8, 104 - 8), 4004: (16 - 8, 76 - 8, 76 - 8)}.get(number, (80 - 8, 88 - 8, 32 - 8))
+    struct.pack_into("<d", body, places[0], 5153.5)
+    for place in places[1:]:
+        struct.pack_into("<I", body, place, 7200)
+    return bytes(body)
+
+
+def sbf_block(number, body):
+    body += bytes(-len(body) % 4)
+    checked = struct.pack("<HH", number, 8 + len(body)) + body
+    crc = 0
+    for byte in checked:
+        crc ^= byte << 8
+        for _ in range(8):
+            crc = (crc << 1 ^ 0x1021 if crc & 0x8000 else crc << 1) & 0xFFFF
+    return b"$@" + struct.pack("<H", crc) + checked
+
+
+def sbf_seeds(out):
+    """Made up, as no real recording is at hand."""
+    setup = struct.pack("<IH2x", 0, 2200) + b"STATION".ljust(252, b"\0")
+    blocks = [(6, setup)]
+    blocks += [(k, sbf_ephemeris(SBF_NUMBERS[k], satellite)) for k, satellite in enumerate((5, 41, 81, 150, 183), 1)]
+    blocks += [(0, sbf_measurements(second)) for second in range(3)] + [(16, struct.pack("<IH", 0, 2200))]
+    recording = b"".join(sbf_block(SBF_NUMBERS[k] if k < 7 else k << 8, body) for k, body in blocks)
+    write(out, "sbf_recording", "recording", b"\0$GPGGA," + recording)
+    counted = b"".join(struct.pack(">HBB", 2 + len(body), k, 1) + body for k, body in blocks)
+    write(out, "sbf_recording", "blocks", b"\1" + counted)
+    write(out, "sbf_recording", "survey", b"\3" + counted)
+
+
 def stream_seeds(path, out):
     """The beginning of a recording as it is, in pieces of 17 bytes, for the stations of live streams."""
     for size in (2000, 12000):
@@ -121,6 +172,7 @@ def stream_seeds(path, out):
 
 def main(data_folder, out_folder):
     out = pathlib.Path(out_folder)
+    sbf_seeds(out)
     ubx_seeds(out)
     for path in sorted((pathlib.Path(data_folder).parent / "rtcm").glob("*.log")):
         stream_seeds(path, out)

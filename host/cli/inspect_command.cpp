@@ -242,10 +242,10 @@ int InspectAll(const InspectSettings& settings) {
 
 Command InspectCommand() {
   auto settings = std::make_shared<InspectSettings>();
-  Option files =
-      ListOption("FILE", "FILE", settings->files,
-                 "RINEX observation or navigation files, recordings of streams (RTCM 3, u-blox UBX) or "
-                 "precise orbits (SP3), compressed or not; - for standard input");
+  Option files = ListOption(
+      "FILE", "FILE", settings->files,
+      "RINEX observation or navigation files, recordings of streams (RTCM 3, Septentrio SBF, u-blox UBX) or "
+      "precise orbits (SP3), compressed or not; - for standard input");
   files.many = true;
   std::vector<Option> options = {
       Positional(std::move(files), true),

@@ -26,7 +26,7 @@ void AddFiles(QcRequest& request, std::vector<Option>& options) {
   Option files = ListOption(
       "FILES", "FILES", request.paths,
       "RINEX 2, 3 and 4 observation files, plain or Hatanaka-compressed (CRINEX 1 and "
-      "3), and recordings of streams (RTCM 3, u-blox UBX), also inside gzip, .Z, zip, "
+      "3), and recordings of streams (RTCM 3, Septentrio SBF, u-blox UBX), also inside gzip, .Z, zip, "
       "bzip2, xz or zstd; folders or patterns of them; - for standard input. Navigation files among "
       "them are used for all, otherwise "
       "those next to each file");

@@ -195,14 +195,18 @@ Command SimulateCommand() {
           "ubx", s->files.ubx,
           "Write a recording of a u-blox receiver (RXM-RAWX) too, and the observations that a reader of it "
           "gets"),
+      Switch("sbf", s->files.sbf,
+             "Write a recording of a Septentrio receiver (SBF) too, and the observations that a reader of it "
+             "gets"),
   };
   for (Option& row : rows) {
     if (row.name == "preset") {
       for (const Preset& preset : Presets()) row.words.emplace_back(preset.name);
     }
     if (row.name == "scenario") row.excludes = "preset";
-    if (row.name == "rtcm") row.words = {"4", "7"};
+    if (row.name == "rtcm") row.words = {"4", "7"}, row.excludes = "sbf";
     if (row.name == "ubx") row.excludes = "rtcm";
+    if (row.name == "sbf") row.excludes = "ubx";
     row.many = row.name == "faults";
   }
   return {"simulate",

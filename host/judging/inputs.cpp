@@ -28,13 +28,13 @@ bool IsFolder(const std::string& path) {
 }
 
 /// Whether the name is one that people give observation files: .rnx, .crx, .obs, .20o, .20d, .rtcm3, .rtcm,
-/// .ubx, compressed or not.
+/// .sbf, .ubx, compressed or not.
 bool LooksLikeObservations(const std::string& path) {
   std::string name = std::filesystem::path(path).filename().string();
   for (char& c : name) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   const std::string ending = std::filesystem::path(WithoutCompressionSuffix(name)).extension().string();
   if (ending == ".rnx" || ending == ".crx" || ending == ".obs") return true;
-  if (ending == ".rtcm3" || ending == ".rtcm" || ending == ".ubx") return true;
+  if (ending == ".rtcm3" || ending == ".rtcm" || ending == ".sbf" || ending == ".ubx") return true;
   return ending.size() == 4 && std::isdigit(static_cast<unsigned char>(ending[1])) != 0 &&
          std::isdigit(static_cast<unsigned char>(ending[2])) != 0 && (ending[3] == 'o' || ending[3] == 'd');
 }

@@ -8,6 +8,7 @@
 #include "host/formats/rtcm/decoder.h"
 #include "host/formats/rtcm/ephemeris_fields.h"
 #include "host/formats/rtcm/frame.h"
+#include "host/formats/sbf/frame.h"
 #include "host/formats/ubx/frame.h"
 #include "host/formats/ubx/messages.h"
 #include "host/rinex/header_labels.h"
@@ -28,6 +29,12 @@ Content RtcmContent(std::string_view message) {
   return rtcm::EphemerisRows(type).empty() ? Content::kOther : Content::kEphemeris;
 }
 
+Content SbfContent(std::string_view block) {
+  const int number = sbf::NumberOf(block);
+  if (number == sbf::kMeasEpoch) return Content::kObservations;
+  return sbf::HoldsEphemeris(number) ? Content::kEphemeris : Content::kOther;
+}
+
 Content UbxContent(std::string_view message) {
   return ubx::TypeOf(message) == ubx::kRawMeasurements ? Content::kObservations : Content::kOther;
 }
@@ -39,6 +46,7 @@ struct FormatRow {
 };
 
 const FormatRow kFormats[] = {{StreamFormat::kRtcm, &rtcm::kFrameForm, RtcmContent},
+                              {StreamFormat::kSbf, &sbf::kFrameForm, SbfContent},
                               {StreamFormat::kUbx, &ubx::kFrameForm, UbxContent}};
 
 bool BeginsAsRinex(std::string_view text) {

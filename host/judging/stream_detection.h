@@ -19,7 +19,8 @@ struct DetectedStream {
 };
 
 /// Looks at the beginning of a source, which delivers it again. Where frames of several formats lie in the
-/// first 64 KB, that with observations counts, then that with ephemerides; of equals RTCM 3 comes first.
+/// first 64 KB, that with observations counts, then that with ephemerides; of equals RTCM 3 comes first, then
+/// SBF.
 /// @return absent where there is no frame with a correct check sum, and for a RINEX header
 std::optional<DetectedStream> DetectStream(std::unique_ptr<ByteSource>& source);
 

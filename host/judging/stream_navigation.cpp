@@ -1,5 +1,6 @@
 #include "host/judging/stream_navigation.h"
 
+#include <bit>
 #include <cmath>
 #include <utility>
 
@@ -96,16 +97,30 @@ void StreamNavigation::Take(const std::vector<EphemerisMessage>& messages, const
   auto vector = records.state_vectors.begin();
   for (const EphemerisMessage& message : messages) {
     if (rtcm::IsStateVector(message)) {
-      Add(message, RecordOf(message, *vector++));
+      Add({message.values.begin(), message.values.end()}, RecordOf(message, *vector++));
     } else {
-      Add(message, RecordOf(message, *kepler++));
+      Add({message.values.begin(), message.values.end()}, RecordOf(message, *kepler++));
     }
   }
 }
 
-void StreamNavigation::Add(const EphemerisMessage& ephemeris, const NavigationRecord& record) {
+void StreamNavigation::Take(const std::vector<NavigationRecord>& records) {
+  for (NavigationRecord record : records) {
+    std::vector<std::int64_t> transmitted{record.number};
+    for (const double value : record.v) transmitted.push_back(std::bit_cast<std::int64_t>(value));
+    if (record.letter == 'R') {
+      record.time.time -= rtcm::LeapSecondsAtGps(record.time.time);
+    } else {
+      record.v[23] = AccuracyOf(record.letter, static_cast<int>(record.v[23]));
+    }
+    Add(transmitted, record);
+  }
+}
+
+/// @param transmitted  fields by which records of one system and time differ
+void StreamNavigation::Add(const std::vector<std::int64_t>& transmitted, const NavigationRecord& record) {
   std::vector<std::int64_t> key{record.letter, record.time.time};
-  key.insert(key.end(), ephemeris.values.begin(), ephemeris.values.end());
+  key.insert(key.end(), transmitted.begin(), transmitted.end());
   if (!seen_.insert(std::move(key)).second) return;
   AddBroadcast(record, "", broadcast_);
   const int slot = SystemSlot(record.letter);

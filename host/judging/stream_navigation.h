@@ -1,4 +1,4 @@
-// The ephemerides of an RTCM 3 stream as records of a run, as if they came from a navigation file.
+// The ephemerides of a stream as records of a run, as if they came from a navigation file.
 #ifndef ORSOLVA_JUDGING_STREAM_NAVIGATION_H
 #define ORSOLVA_JUDGING_STREAM_NAVIGATION_H
 
@@ -24,12 +24,16 @@ class StreamNavigation {
   /// @param records  made from the messages, in their order
   void Take(const std::vector<rtcm::EphemerisMessage>& messages, const BroadcastRecords& records);
 
+  /// Records with times of GLONASS in GPS time and indices of accuracy, as host/formats/sbf/ephemeris.h has
+  /// them.
+  void Take(const std::vector<NavigationRecord>& records);
+
   /// Appends what was collected, for the library with Galileo I/NAV preferred over F/NAV.
   void AppendTo(NavigationSet& set, BroadcastRecords& records) const;
   bool Empty() const { return broadcast_.kepler.empty() && broadcast_.state_vectors.empty(); }
 
  private:
-  void Add(const rtcm::EphemerisMessage& ephemeris, const NavigationRecord& record);
+  void Add(const std::vector<std::int64_t>& transmitted, const NavigationRecord& record);
 
   NavigationSet set_;  ///< without Galileo
   std::vector<GalileoRecord> galileo_;

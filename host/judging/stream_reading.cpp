@@ -3,6 +3,8 @@
 #include <utility>
 
 #include "host/formats/rtcm/reader.h"
+#include "host/formats/sbf/frame.h"
+#include "host/formats/sbf/reader.h"
 #include "host/formats/ubx/messages.h"
 #include "host/formats/ubx/reader.h"
 
@@ -48,6 +50,40 @@ class RtcmReading : public StreamReading {
   rtcm::Reader reader_;
 };
 
+class SbfReading : public StreamReading {
+ public:
+  SbfReading(std::unique_ptr<ByteSource> bytes, const std::string& name, Diagnostics& diagnostics,
+             const StreamOptions& options)
+      : reader_(std::move(bytes), name, diagnostics, options.epochs) {}
+
+  RecordingReader& Recording() override { return reader_; }
+  void Describe(ObservationHeader& header) const override {
+    const sbf::ReceiverSetup& setup = reader_.Messages().FirstSetup();
+    header.marker = setup.marker;
+    header.marker_number = setup.marker_number;
+    header.receiver = setup.receiver;
+    header.receiver_number = setup.receiver_number;
+    header.receiver_firmware = setup.firmware;
+    header.antenna = setup.antenna;
+    header.antenna_number = setup.antenna_number;
+    header.glonass_channels = reader_.Messages().Channels();
+  }
+  std::string Receiver() const override { return reader_.Messages().Setup().receiver; }
+  std::string Antenna() const override { return reader_.Messages().Setup().antenna; }
+  std::optional<std::int64_t> FirstTime() const override { return reader_.Messages().FirstTime(); }
+  void GiveEphemerides(StreamNavigation& navigation) override { navigation.Take(reader_.TakeEphemerides()); }
+
+ private:
+  void AddFacts(StreamFacts& stream) const override {
+    stream.format = "Septentrio SBF";
+    for (const auto& [number, count] : reader_.Messages().Counts().types) {
+      stream.messages.push_back({number, count.blocks, count.damaged, sbf::IsDecoded(number)});
+    }
+  }
+
+  sbf::Reader reader_;
+};
+
 class UbxReading : public StreamReading {
  public:
   UbxReading(std::unique_ptr<ByteSource> bytes, const std::string& name, Diagnostics& diagnostics,
@@ -90,6 +126,9 @@ StreamFacts StreamReading::Facts() {
 std::unique_ptr<StreamReading> ReadStream(StreamFormat format, std::unique_ptr<ByteSource> bytes,
                                           const std::string& name, Diagnostics& diagnostics,
                                           const StreamOptions& options) {
+  if (format == StreamFormat::kSbf) {
+    return std::make_unique<SbfReading>(std::move(bytes), name, diagnostics, options);
+  }
   if (format == StreamFormat::kUbx) {
     return std::make_unique<UbxReading>(std::move(bytes), name, diagnostics, options);
   }

@@ -14,7 +14,7 @@
 
 namespace orsolva_host {
 
-enum class StreamFormat : std::uint8_t { kRtcm, kUbx };
+enum class StreamFormat : std::uint8_t { kRtcm, kSbf, kUbx };
 
 struct StreamOptions {
   /// A time within half a week of the beginning, for formats whose times may lack a date.

@@ -14,6 +14,7 @@
 #include "host/simulator/broadcast.h"
 #include "host/simulator/navigation_writer.h"
 #include "host/simulator/observation_writer.h"
+#include "host/simulator/sbf_recording.h"
 #include "host/simulator/simulation.h"
 #include "host/simulator/stream_writer.h"
 #include "host/simulator/truth_json.h"
@@ -68,6 +69,9 @@ std::unique_ptr<RecordingWriter> Recording(const Scenario& scenario, const FileS
                                            const std::array<double, 3>& position_m,
                                            const std::string& navigation, std::unique_ptr<ByteSink> sink) {
   if (options.ubx) return std::make_unique<UbxRecording>(std::move(sink), RecordsOf(navigation));
+  if (options.sbf) {
+    return std::make_unique<SbfRecording>(std::move(sink), scenario, RecordsOf(navigation));
+  }
   return std::make_unique<StreamWriter>(std::move(sink), options.rtcm, RecordsOf(navigation), position_m,
                                         scenario.start.time * kNanosecondsPerSecond);
 }
@@ -80,7 +84,7 @@ void WriteTwins(Simulation& simulation, const FileSet& names, const FileSetOptio
   const std::unique_ptr<RecordingWriter> recording =
       Recording(scenario, options, position_m, navigation, files.Begin(names.stream));
   ObservationWriter twin(files.Begin(names.observations), scenario,
-                         options.ubx ? std::array<double, 3>() : position_m, options.crinex,
+                         options.ubx || options.sbf ? std::array<double, 3>() : position_m, options.crinex,
                          SignalOrder::kCodes);
   const auto record = std::make_unique<ObsEpoch_QC_gbt>();
   ObservationEpoch epoch;
@@ -110,6 +114,7 @@ FileSet FileNames(const Scenario& scenario, const FileSetOptions& options) {
   names.truth = (folder / "truth.json").string();
   if (options.rtcm != 0) names.stream = (folder / (stem + ".rtcm3" + tail)).string();
   if (options.ubx) names.stream = (folder / (stem + ".ubx" + tail)).string();
+  if (options.sbf) names.stream = (folder / (stem + ".sbf" + tail)).string();
   return names;
 }
 

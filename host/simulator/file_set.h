@@ -21,6 +21,9 @@ struct FileSetOptions {
   /// Also writes a recording of a u-blox receiver (ubx_recording.h), of which the observations are the twin;
   /// not together with `rtcm`.
   bool ubx = false;
+  /// Also writes a recording of a Septentrio receiver (sbf_recording.h), as above; not together with `rtcm`
+  /// or `ubx`.
+  bool sbf = false;
 };
 
 struct FileSet {

@@ -180,8 +180,8 @@ def read_obs(
     """Reads an observation file: every satellite, signal and flag.
 
     Args:
-        path: RINEX 2, 3 or 4, plain or Hatanaka-compressed (CRINEX), or a recording of a stream (RTCM 3, u-blox
-            UBX), also inside gzip, .Z, zip, bzip2, xz or zstd
+        path: RINEX 2, 3 or 4, plain or Hatanaka-compressed (CRINEX), or a recording of a stream (RTCM 3,
+            Septentrio SBF, u-blox UBX), also inside gzip, .Z, zip, bzip2, xz or zstd
         systems: letters of the systems to keep, such as "GE"; None keeps all
         signals: such as ["1C", "5Q"], or of one system "G1C"; None keeps all
         fields: out of "pseudorange", "phase", "doppler", "snr"

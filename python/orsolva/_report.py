@@ -451,7 +451,7 @@ def qc(
 
     Args:
         observations: RINEX 2, 3 or 4, plain or Hatanaka-compressed (CRINEX), or a recording of a stream (RTCM 3,
-            u-blox UBX), also inside gzip, .Z, zip, bzip2, xz or zstd; a list: files of one station and interval that are joined
+            Septentrio SBF, u-blox UBX), also inside gzip, .Z, zip, bzip2, xz or zstd; a list: files of one station and interval that are joined
         nav: a navigation file or folder, a list of them, or what `read_nav` returned; None takes those next to the
             observation file
         elevation_deg: elevation cut-off, degrees, 0 to 90

@@ -1,4 +1,4 @@
-"""Recordings of RTCM 3 streams and of u-blox receivers."""
+"""Recordings of RTCM 3 streams and of receivers."""
 import numpy as np
 import pytest
 
@@ -79,14 +79,26 @@ def test_a_stream_without_a_date_is_a_file_error(data):
     assert caught.value.advice
 
 
-def test_a_recording_of_a_u_blox_receiver_is_read_and_judged(command, tmp_path):
-    command("simulate", "--hours", "0.2", "--systems", "GRE", "--ubx", "--output", tmp_path)
-    recording, twin = next(tmp_path.glob("*.ubx")), next(tmp_path.glob("*_MO.rnx"))
+@pytest.mark.parametrize(("option", "form", "kind"), [("--ubx", "u-blox UBX", 0x0215), ("--sbf", "Septentrio SBF", 4027)])
+def test_a_recording_of_a_receiver_is_read_and_judged(command, tmp_path, option, form, kind):
+    command("simulate", "--hours", "0.2", "--systems", "GRE", option, "--output", tmp_path)
+    recording, twin = next(tmp_path.glob(f"*.{option[2:]}")), next(tmp_path.glob("*_MO.rnx"))
     navigation = next(tmp_path.glob("*_MN.rnx"))
     read, expected = orsolva.read_obs(recording), orsolva.read_obs(twin)
-    assert read.stream.format == "u-blox UBX" and read.stream.messages[0]["type"] == 0x0215
+    assert read.stream.format == form and kind in {row["type"] for row in read.stream.messages}
     for column in ("time", "satellite", "signal", "pseudorange_m", "phase_cycles", "doppler_hz", "snr_dbhz"):
         assert np.array_equal(read.table[column], expected.table[column], equal_nan=read.table[column].dtype.kind == "f")
     assert sum(len(part.epochs) for part in orsolva.iter_obs(recording, epochs=7)) == 24
     report = orsolva.qc(recording, navigation)
     assert report.run.epochs == 24 and report.stream == read.stream
+
+
+def test_ephemerides_of_an_sbf_recording_are_navigation(command, tmp_path):
+    command("simulate", "--hours", "0.2", "--systems", "GREC", "--sbf", "--output", tmp_path)
+    recording, navigation = next(tmp_path.glob("*.sbf")), next(tmp_path.glob("*_MN.rnx"))
+    own, named = orsolva.read_nav(recording), orsolva.read_nav(navigation)
+    for systems in ("GEC", "R"):
+        mine, other = own.table(systems), named.table(systems)
+        assert len(mine) == len(other) > 10
+    report = orsolva.qc(recording)
+    assert report.run.navigation_files == [str(recording)] and report.run.epochs == 24

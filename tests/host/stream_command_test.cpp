@@ -1,4 +1,4 @@
-// Recordings of RTCM 3 streams wherever a RINEX file may be named.
+// Recordings of streams wherever a RINEX file may be named.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -102,6 +102,50 @@ TEST(UbxCommand, JudgesAndInspectsARecordingCompressedAndFromAPipe) {
   for (const char* text : {"u-blox UBX, 25 frames", "02-15=24", "Interval          30 s"}) {
     EXPECT_NE(inspected.out.find(text), std::string::npos) << text << inspected.out;
   }
+}
+
+TEST(SbfCommand, JudgesAndInspectsARecordingCompressedAndFromAPipe) {
+  const Folder folder;
+  const Answer made = Orsolva("simulate --hours 0.2 --systems GRE --sbf --output " + folder.Path());
+  ASSERT_EQ(made.code, 0) << made.err;
+  const std::string made_path = folder / "SIMU00ORS_R_20201770000_12M.sbf", path = folder / "recording";
+  EXPECT_NE(made.out.find(made_path), std::string::npos);
+  std::filesystem::rename(made_path, path);
+  ASSERT_EQ(std::system(("gzip -k " + path).c_str()), 0);
+  for (const auto& [file, input] :
+       {std::pair(path, std::string("/dev/null")), {path + ".gz", "/dev/null"}, {"-", path}}) {
+    const Answer a = Orsolva("qc --no-config --quiet --json " + file, input);
+    ASSERT_EQ(a.code, 0) << a.err;
+    const json report = json::parse(a.out);
+    EXPECT_EQ(report["run"]["epochs"], 24);
+    EXPECT_EQ(report["run"]["stream"]["format"], "Septentrio SBF");
+    EXPECT_EQ(report["run"]["receiver"], "ORSOLVA SIMULATED");
+    EXPECT_EQ(report["run"]["navigation_files"].size(), 1U);
+  }
+  const Answer inspected = Orsolva("inspect " + path);
+  EXPECT_EQ(inspected.code, 0) << inspected.err;
+  for (const char* text :
+       {"Septentrio SBF, ", "4027=24", "5902=1", "Interval          30 s", " ephemerides"}) {
+    EXPECT_NE(inspected.out.find(text), std::string::npos) << text << inspected.out;
+  }
+}
+
+TEST(SbfCommand, DamageCostsOnlyItself) {
+  const Folder folder;
+  ASSERT_EQ(Orsolva("simulate --hours 0.2 --systems GRE --sbf --output " + folder.Path()).code, 0);
+  std::string bytes = ReadText(folder / "SIMU00ORS_R_20201770000_12M.sbf");
+  bytes[bytes.size() - 1000] ^= 0x10;
+  std::ofstream(folder / "damaged", std::ios::binary) << "leading text" << bytes << "$@";
+  const Answer a = Orsolva("qc --no-config --quiet --json " + (folder / "damaged"));
+  ASSERT_EQ(a.code, 0) << a.err;
+  const json report = json::parse(a.out);
+  EXPECT_EQ(report["run"]["epochs"], 23);
+  EXPECT_EQ(report["run"]["stream"]["crc_errors"], 1);
+}
+
+TEST(SbfCommand, ExcludesOtherRecordings) {
+  EXPECT_EQ(Orsolva("simulate --sbf --rtcm 7 --output /nonexistent").code, 2);
+  EXPECT_EQ(Orsolva("simulate --sbf --ubx --output /nonexistent").code, 2);
 }
 
 TEST(UbxCommand, ExcludesARtcmStream) {

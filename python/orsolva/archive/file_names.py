@@ -8,7 +8,7 @@ from dataclasses import dataclass
 _COMPRESSED = r"(?:\.(?:gz|z|zip|bz2|xz|zst))?"
 _LONG = re.compile(
     r"(?P<stem>(?P<station>[A-Z0-9]{4}(?:[A-Z0-9]{5})?)_[RSU]_(?P<year>\d{4})(?P<day>\d{3})(?P<hour>\d\d)(?P<minute>\d\d)"
-    r"_\d\d[SMHDYU](?:_\d\d[CZSMHDU])?_[GREJCISM](?P<kind>[ON]))\.(?:rnx|crx|rtcm3|ubx)" + _COMPRESSED,
+    r"_\d\d[SMHDYU](?:_\d\d[CZSMHDU])?_[GREJCISM](?P<kind>[ON]))\.(?:rnx|crx|rtcm3|sbf|ubx)" + _COMPRESSED,
     re.IGNORECASE,
 )
 _SHORT = re.compile(

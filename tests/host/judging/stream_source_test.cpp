@@ -9,6 +9,9 @@
 
 #include "host/formats/rtcm/ephemeris.h"
 #include "host/formats/rtcm/frame.h"
+#include "host/formats/sbf/ephemeris.h"
+#include "host/formats/sbf/frame.h"
+#include "host/formats/sbf/measurements.h"
 #include "host/formats/ubx/frame.h"
 #include "host/formats/ubx/messages.h"
 #include "host/formats/ubx/raw_measurements.h"
@@ -56,8 +59,22 @@ std::string UbxEpoch() {
   return ubx::FrameOf(ubx::MessageOf(ubx::kRawMeasurements, ubx::WriteRaw({1000, 2200, {}})));
 }
 
+std::string SbfEpoch() { return sbf::WriteMeasEpoch({GpsTime(2200, 1000), false, false, {}}); }
+
+/// Of Galileo, with a time of reference 100 s before the block's.
+std::string SbfEphemeris(int number, int toe_s) {
+  NavigationRecord record;
+  record.letter = 'E';
+  record.number = number;
+  record.time.time = GpsTime(2200, toe_s) / kSecond;
+  record.v[10] = 5440.5, record.v[11] = toe_s, record.v[20] = 1 | 4 | 512, record.v[23] = 107;
+  return sbf::WriteEphemeris(record, GpsTime(2200, toe_s + 100));
+}
+
 constexpr DetectedStream kRtcmObservations = {StreamFormat::kRtcm, false};
 constexpr DetectedStream kRtcmNavigation = {StreamFormat::kRtcm, true};
+constexpr DetectedStream kSbfObservations = {StreamFormat::kSbf, false};
+constexpr DetectedStream kSbfNavigation = {StreamFormat::kSbf, true};
 constexpr DetectedStream kUbxObservations = {StreamFormat::kUbx, false};
 
 TEST(StreamDetection, GoesByFramesAndNotByNames) {
@@ -84,6 +101,20 @@ TEST(StreamDetection, TakesTheFormatWithObservations) {
   std::string damaged = UbxEpoch();
   damaged[9] ^= 1;
   EXPECT_EQ(Detected(damaged), std::nullopt);
+}
+
+TEST(StreamDetection, KnowsSbfByItsBlocks) {
+  const std::string records = Ephemeris(1045, 'E', 3, GpsTime(2200, 600));
+  const std::string setup = sbf::BlockOf(sbf::kReceiverSetup, std::string(260, '\0'));
+  EXPECT_EQ(Detected("$GPGGA,1\r\n" + SbfEpoch()), kSbfObservations);
+  EXPECT_EQ(Detected(setup), kSbfObservations);
+  EXPECT_EQ(Detected(SbfEphemeris(3, 600)), kSbfNavigation);
+  EXPECT_EQ(Detected(SbfEphemeris(3, 600) + SbfEpoch()), kSbfObservations);
+  EXPECT_EQ(Detected(records + SbfEpoch()), kSbfObservations);
+  EXPECT_EQ(Detected(SbfEphemeris(3, 600) + UbxEpoch()), kUbxObservations);
+  EXPECT_EQ(Detected(UbxEpoch() + SbfEpoch()), kSbfObservations);
+  EXPECT_EQ(Detected(SbfEpoch() + Epoch('G', 1000)), kRtcmObservations);
+  EXPECT_EQ(Detected("$@" + SbfEpoch().substr(3)), std::nullopt);
 }
 
 TEST(StreamDetection, SortsStreamsAmongOtherFiles) {
@@ -114,6 +145,35 @@ TEST(StreamSource, KnowsEphemeridesBeforeTheFirstEpoch) {
   EXPECT_EQ(source.Stream()->frames, 3U);
   EXPECT_EQ(source.Stream()->messages.size(), 2U);
   EXPECT_TRUE(source.Stream()->coarse_systems.empty());
+}
+
+TEST(StreamSource, OfSbfKnowsEachEphemerisOnce) {
+  Diagnostics diagnostics;
+  NavigationRecord state;
+  state.letter = 'R';
+  state.number = 4;
+  state.time.time = GpsTime(2200, 900) / kSecond;
+  state.v[3] = 12345.5, state.v[10] = 6;
+  const std::string glonass = sbf::WriteEphemeris(state, GpsTime(2200, 700));
+  const std::string bytes = SbfEphemeris(3, 600) + SbfEpoch() + SbfEphemeris(3, 600) + SbfEphemeris(3, 1200) +
+                            SbfEphemeris(4, 600) + SbfEphemeris(3, 1200) + glonass + glonass;
+  StreamSource source(
+      StreamFormat::kSbf, "recording", [bytes](Diagnostics& /*notices*/) { return TextBytes(bytes); },
+      std::nullopt, diagnostics);
+  ASSERT_TRUE(source.Navigation());
+  const NavigationSet& set = source.Navigation()->set;
+  ASSERT_EQ(set.galileo.size(), 3U);
+  EXPECT_EQ(set.galileo[0].toes, 600);
+  EXPECT_EQ(set.galileo[0].week, 2200);
+  EXPECT_NEAR(set.galileo[0].ura, 3.12, 1e-12);
+  ASSERT_EQ(set.glonass.size(), 1U);
+  EXPECT_EQ(set.glonass[0].frequency_channel, 6);
+  EXPECT_EQ(set.glonass[0].toe.time, GpsTime(2200, 900 - 18) / kSecond);  // UTC
+  ObsEpoch_QC_gbt record;
+  ObservationEpoch full;
+  ASSERT_TRUE(source.Next(record, full));
+  EXPECT_EQ(full.time_ns, GpsTime(2200, 1000));
+  EXPECT_FALSE(source.Next(record, full));
 }
 
 TEST(StreamSource, WithoutADateAsksForNavigation) {

@@ -325,6 +325,11 @@ InjectionResult Inject(const InjectionData& data, const InjectionPlan& plan) {
   }
   const DetectorRun run = RunDetector(changed);
   Score(run.events, result.slips);
+  std::set<std::pair<SatelliteId, std::int64_t>> weak;
+  for (const DecidedStep& step : run.steps) {
+    if (step.weak) weak.insert({step.satellite, step.time_ns});
+  }
+  for (InjectedSlip& slip : result.slips) slip.weakly_tested = weak.count({slip.satellite, slip.time_ns}) > 0;
   std::map<std::int64_t, std::int64_t> number;
   for (std::size_t e = 0; e < data.epochs.size(); ++e)
     number[data.epochs[e].time_ns] = static_cast<std::int64_t>(e);
@@ -340,7 +345,9 @@ InjectionResult Inject(const InjectionData& data, const InjectionPlan& plan) {
     }
   }
   for (const DecidedStep& step : run.steps) {
-    result.tested_steps += std::isfinite(step.chi2) && !(step.elevation_deg < plan.least_elevation_deg);
+    if (!std::isfinite(step.chi2) || step.elevation_deg < plan.least_elevation_deg) continue;
+    ++result.tested_steps;
+    result.weakly_tested_steps += step.weak;
   }
   for (const Event& event : base.events) result.base_slips += IsAlarm(event, plan.least_elevation_deg);
   return result;

@@ -36,6 +36,7 @@ struct InjectedSlip {
   bool size_right = false;      ///< with exactly these signals and sizes
   bool sure_and_wrong = false;  ///< not right, but an event of that epoch is sure of something else
   bool left_open = false;       ///< a hole that is reported as unresolved
+  bool weakly_tested = false;   ///< its step is counted so
   std::string answer;           ///< what was found there
 };
 
@@ -44,6 +45,7 @@ struct InjectionResult {
   std::vector<orsolva_host::analysis::Event> base;   ///< of the unchanged file
   std::vector<orsolva_host::analysis::Event> fresh;  ///< slips and jumps that neither file nor injection has
   std::int64_t tested_steps = 0;                     ///< at or above the least elevation
+  std::int64_t weakly_tested_steps = 0;              ///< of those
   std::int64_t base_slips = 0;  ///< slips, half cycles and jumps of the unchanged file there
 };
 

@@ -139,6 +139,29 @@ void Table(const char* title, const std::vector<InjectedSlip>& slips,
   }
 }
 
+/// How many of those that are missed lie in steps that the report calls weakly tested.
+void WeakTable(const std::vector<InjectedSlip>& slips, std::int64_t tested, std::int64_t weak) {
+  struct Row {
+    int slips = 0, weak = 0, missed = 0, missed_weak = 0;
+  };
+  std::map<std::string, Row> rows;
+  for (const InjectedSlip& slip : slips) {
+    Row& row = rows[Target(slip) + (slip.whole && slip.bands > 1 ? ", " + Equality(slip) : "")];
+    ++row.slips;
+    row.weak += slip.weakly_tested;
+    row.missed += !slip.found;
+    row.missed_weak += !slip.found && slip.weakly_tested;
+  }
+  std::printf("\nOf the tested steps %lld, %.1f %%, are weakly tested.\n", static_cast<long long>(weak),
+              100.0 * static_cast<double>(weak) / static_cast<double>(tested));
+  std::printf("\n| weakly tested | injected | in such steps | missed | of these in such steps | %% |\n");
+  std::printf("|---|---|---|---|---|---|\n");
+  for (const auto& [name, row] : rows) {
+    std::printf("| %s | %d | %d | %d | %d | %.1f |\n", name.c_str(), row.slips, row.weak, row.missed,
+                row.missed_weak, row.missed > 0 ? 100.0 * row.missed_weak / row.missed : 100.0);
+  }
+}
+
 void PrintEvents(const InjectionData& data) {
   std::printf(
       "time_gpst,satellite,elevation_deg,kind,signals,size_cycles,sure,score,margin,gap_s,loss_of_lock,"
@@ -207,7 +230,7 @@ int Run(const std::string& folder, const std::string& set, const Request& reques
   }
   std::vector<InjectedSlip> slips;
   std::vector<orsolva_host::analysis::Event> fresh;
-  std::int64_t tested = 0, of_the_file = 0;
+  std::int64_t tested = 0, weak = 0, of_the_file = 0;
   for (int run = 0; run < request.runs; ++run) {
     InjectionPlan plan = request.plan;
     plan.seed += static_cast<std::uint64_t>(run);
@@ -215,6 +238,7 @@ int Run(const std::string& folder, const std::string& set, const Request& reques
     slips.insert(slips.end(), result.slips.begin(), result.slips.end());
     fresh.insert(fresh.end(), result.fresh.begin(), result.fresh.end());
     tested += result.tested_steps;
+    weak += result.weakly_tested_steps;
     of_the_file = result.base_slips;
   }
   const auto missed = std::count_if(slips.begin(), slips.end(), [](const auto& s) { return !s.found; });
@@ -231,6 +255,7 @@ int Run(const std::string& folder, const std::string& set, const Request& reques
     std::printf("Of the %lld that are missed %lld are reported as unresolved.\n",
                 static_cast<long long>(missed), static_cast<long long>(open));
   Table("target", slips, Target);
+  if (request.storm) WeakTable(slips, tested, weak);
   Table("whole, 2 bands and more, from 10 degrees", WholeOnSeveralBands(FromTenDegrees(slips)), Equality);
   Table("kind, from 10 degrees", FromTenDegrees(slips),
         [](const InjectedSlip& s) { return s.kind + (s.bands == 1 ? " (one-band satellite)" : ""); });

@@ -31,6 +31,7 @@ SlipFigures FiguresOf(const SlipCounts& counts) {
   figures.unknown_size = counts.unknown_size;
   figures.tested_steps = counts.tested;
   figures.untested_steps = counts.untested;
+  figures.weakly_tested_steps = counts.weak;
   figures.loss_of_lock_flags = counts.flags;
   figures.loss_of_lock_with_slip = counts.flags_with_slip;
   const Count slips = counts.sure + counts.unsure + counts.half_cycles + counts.unknown_size;
@@ -61,6 +62,7 @@ void SlipCounts::Add(const SlipCounts& other) {
   unknown_size += other.unknown_size;
   tested += other.tested;
   untested += other.untested;
+  weak += other.weak;
   flags += other.flags;
   flags_with_slip += other.flags_with_slip;
 }
@@ -100,6 +102,7 @@ void SlipSums::AddStep(const StepOutcome& outcome) {
     const std::size_t j = TakeFirst(left);
     SlipCounts& counts = satellite.signals[outcome.number[j]].counts[outcome.up];
     ++(Has(outcome.tested, j) ? counts.tested : counts.untested);
+    counts.weak += Has(outcome.weak, j);
     counts.flags += Has(outcome.flagged, j);
     counts.flags_with_slip += Has(slipped, j);
   }
@@ -107,6 +110,7 @@ void SlipSums::AddStep(const StepOutcome& outcome) {
   if (steps == 0) return;
   SlipCounts& counts = satellite.counts[outcome.up];
   ++(outcome.tested != 0 ? counts.tested : counts.untested);
+  counts.weak += outcome.weak != 0;
   counts.flags += (outcome.flagged & steps) != 0;
   counts.flags_with_slip += slipped != 0;
 }

@@ -10,6 +10,12 @@
 // the satellite or a predicted range. Everything else observed is untested, but for the first phase of an
 // arc, which ends no step. Carriers of SBAS at 5 s and longer are untested throughout (detector_constants.h).
 //
+// Weakly tested, of these, is a step in which one cycle on all signals of the satellite at once, the slip of
+// whole cycles that shows least, would be missed in one case of six or more: storms, old clocks and low
+// elevations hide it. Other slips would have been seen. With d the wavelengths and C the covariance of the
+// step (prediction.h) it gains g = d' C^-1 d / 2 in the mean; g - sqrt(2 g) is below the priors and the least
+// gain of detector_constants.h.
+//
 // Observations per slip: tested steps over slips of every size (sure, unsure, half cycles, unknown). It and
 // slips per 1,000 are absent with fewer than kMinTestedSteps tested steps: a signal that is soon left out as
 // unstable has slips and hardly a tested step.
@@ -30,6 +36,7 @@ namespace orsolva_host::analysis {
 struct SlipCounts {
   Count sure = 0, unsure = 0, half_cycles = 0, unknown_size = 0;
   Count tested = 0, untested = 0;
+  Count weak = 0;  ///< of those tested
   Count flags = 0, flags_with_slip = 0;
 
   void Add(const SlipCounts& other);

@@ -134,7 +134,8 @@ const StepOutcome& OutcomeReader::Read(const SatelliteTrack& track, std::int64_t
   const StepState& state = track.At(step);
   Numbers& numbers = numbers_[track.satellite];
   StepOutcome& o = outcome_;
-  o.begins = o.continuous = o.repaired = o.broken = o.unstable = o.returns = o.tested = o.flagged = 0;
+  o.begins = o.continuous = o.repaired = o.broken = o.unstable = o.returns = o.tested = o.weak = o.flagged =
+      0;
   o.track = &track;
   o.step = step;
   o.state = &state;
@@ -156,8 +157,9 @@ const StepOutcome& OutcomeReader::Read(const SatelliteTrack& track, std::int64_t
   o.continuous = known & ~(o.broken | o.repaired);
   o.tested = std::isfinite(state.chi2) ? known & ~open : 0;
   if (IsBlind(o.tested, state)) o.tested = 0;
-  o.quiet = o.continuous == o.Present() && o.tested == o.continuous && o.flagged == 0 && o.returns == 0 &&
-            !o.begins_arc;
+  if (state.weak) o.weak = o.tested;
+  o.quiet = o.continuous == o.Present() && o.tested == o.continuous && o.weak == 0 && o.flagged == 0 &&
+            o.returns == 0 && !o.begins_arc;
   return outcome_;
 }
 

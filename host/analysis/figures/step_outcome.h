@@ -36,6 +36,7 @@ struct StepOutcome {
   SignalMask unstable = 0;    ///< left out by the detector
   SignalMask returns = 0;     ///< the epoch before had no phase of it, but one of its arc had
   SignalMask tested = 0;      ///< a slip would have been seen
+  SignalMask weak = 0;        ///< tested, but one cycle on all signals at once would not have been seen
   SignalMask flagged = 0;     ///< loss of lock, by the receiver
 
   const SatelliteTrack* track = nullptr;
@@ -45,7 +46,8 @@ struct StepOutcome {
   bool up = true;                  ///< from the cut-off up
   bool begins_arc = false;         ///< the epoch before the step is the first of the satellite's arc
   bool rearranged = false;         ///< places in the track are not those of the satellite's step before
-  bool quiet = false;  ///< all phases continuous, tested and without a flag, and there at both ends
+  /// All phases continuous, tested and not weakly, without a flag, and there at both ends.
+  bool quiet = false;
   std::array<std::uint8_t, kMaxSignals> number = {};  ///< of each signal, by place; a satellite's stay
 
   SignalMask Present() const { return begins | continuous | repaired | broken | unstable; }

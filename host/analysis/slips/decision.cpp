@@ -40,6 +40,18 @@ bool Decision::IsCandidate(const SatelliteTrack& track, std::int64_t step, const
   return chi2 > kScreenChi2Flagged && AnyFlag(track, test, step, &SignalTrack::lost_lock);
 }
 
+bool Decision::IsWeak(const SatelliteTrack& track, const StepTest& test) const {
+  std::array<double, kMaxSignals> cycle;
+  int bands = 0;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(test.count); ++i) {
+    cycle[i] = track.signals[test.signal[i]].wavelength_m;
+    bands += i == 0 || cycle[i] != cycle[i - 1];
+  }
+  const double least = IsStormySky() ? kMinStormGain : kMinGain;
+  const double gain = 0.5 * Chi2(test, cycle);  // in the mean, with the deviation sqrt(2 gain)
+  return gain - std::sqrt(2 * gain) < kSlipPrior + kFurtherBandPrior * (bands - 1) + least;
+}
+
 void Decision::DecideNext(SatelliteTrack& track) {
   const std::int64_t step = track.decide;
   StepState& state = track.At(step);
@@ -49,7 +61,10 @@ void Decision::DecideNext(SatelliteTrack& track) {
     MakeTest(track, step, interval_s_, scratch_);
     if (scratch_.count == 0) break;
     const double chi2 = Chi2(scratch_);
-    if (tries == 0) state.chi2 = chi2;
+    if (tries == 0) {
+      state.chi2 = chi2;
+      state.weak = IsWeak(track, scratch_);
+    }
     const bool hole = state.gap || scratch_.returning != 0;
     if (!hole && !IsCandidate(track, step, scratch_, chi2)) break;
     if (tries == 0 && !state.gap) RefreshScales(track, step, settled, around_);

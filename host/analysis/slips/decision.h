@@ -56,6 +56,10 @@ class Decision {
   void DecideNext(SatelliteTrack& track);
 
  private:
+  /// Whether range, ionosphere and noise of the step hide one cycle on all signals at once, of all slips of
+  /// whole cycles the one that shows least, in one case of six or more: what it gains, less one standard
+  /// deviation of it, is less than a slip has to.
+  bool IsWeak(const SatelliteTrack& track, const StepTest& test) const;
   bool IsCandidate(const SatelliteTrack& track, std::int64_t step, const StepTest& test, double chi2) const;
   std::int64_t RankMostTelling(SatelliteTrack& track, std::int64_t step);
   double GainOfRepair() const;

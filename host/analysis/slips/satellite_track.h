@@ -62,6 +62,7 @@ struct StepState {
   bool broken = false;     ///< nothing is predicted over it
   bool lone_band = false;  ///< one band where the satellite has two: the ionosphere is taken from other steps
   bool settled = false;    ///< explained by something that is no slip
+  bool weak = false;       ///< one cycle on all signals at once would not be reported: Decision::IsWeak
   double range_rate = kAbsent;       ///< u: range left after the model, m/s
   double ionosphere_rate = kAbsent;  ///< v: m/s at 1575.42 MHz
   double common_m = kAbsent;         ///< common part of unmodelled satellites in the stencil of the cubic

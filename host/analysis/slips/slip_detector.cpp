@@ -343,7 +343,7 @@ void SlipDetector::Decide(SatelliteIntake& intake) {
   }
   counts.lost_lock_epochs += lost;
   if (keeps_steps_)
-    steps_.push_back({track.satellite, s.time_ns, s.elevation_rad * 180 / kPi, s.chi2, signals});
+    steps_.push_back({track.satellite, s.time_ns, s.elevation_rad * 180 / kPi, s.chi2, signals, s.weak});
 }
 
 /// Events of decided steps, one slip a step.

@@ -42,6 +42,7 @@ struct DecidedStep {
   double elevation_deg = kAbsent;
   double chi2 = kAbsent;  ///< before repair; NaN: not tested
   int signals = 0;
+  bool weak = false;  ///< see StepState
 };
 
 class SlipDetector {

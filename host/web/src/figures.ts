@@ -175,6 +175,7 @@ export interface AnalysisSystemFigures {
   phase_jumps: number | null;
   tested_steps: number | null;
   untested_steps: number | null;
+  weakly_tested_steps: number | null;
   observations_per_slip: number | null;
   observations_without_slip: number | null;
   slips_per_1000_observations: number | null;
@@ -186,6 +187,7 @@ export interface AnalysisSystemFigures {
   below_cutoff_phase_jumps: number | null;
   below_cutoff_tested_steps: number | null;
   below_cutoff_untested_steps: number | null;
+  below_cutoff_weakly_tested_steps: number | null;
   below_cutoff_observations_per_slip: number | null;
   below_cutoff_observations_without_slip: number | null;
   below_cutoff_slips_per_1000_observations: number | null;
@@ -242,6 +244,7 @@ export interface AnalysisSignalFigures {
   phase_jumps: number | null;
   tested_steps: number | null;
   untested_steps: number | null;
+  weakly_tested_steps: number | null;
   observations_per_slip: number | null;
   observations_without_slip: number | null;
   slips_per_1000_observations: number | null;
@@ -253,6 +256,7 @@ export interface AnalysisSignalFigures {
   below_cutoff_phase_jumps: number | null;
   below_cutoff_tested_steps: number | null;
   below_cutoff_untested_steps: number | null;
+  below_cutoff_weakly_tested_steps: number | null;
   below_cutoff_observations_per_slip: number | null;
   below_cutoff_observations_without_slip: number | null;
   below_cutoff_slips_per_1000_observations: number | null;
@@ -291,6 +295,7 @@ export interface AnalysisSatelliteFigures {
   phase_jumps: number | null;
   tested_steps: number | null;
   untested_steps: number | null;
+  weakly_tested_steps: number | null;
   observations_per_slip: number | null;
   observations_without_slip: number | null;
   slips_per_1000_observations: number | null;
@@ -302,6 +307,7 @@ export interface AnalysisSatelliteFigures {
   below_cutoff_phase_jumps: number | null;
   below_cutoff_tested_steps: number | null;
   below_cutoff_untested_steps: number | null;
+  below_cutoff_weakly_tested_steps: number | null;
   below_cutoff_observations_per_slip: number | null;
   below_cutoff_observations_without_slip: number | null;
   below_cutoff_slips_per_1000_observations: number | null;
@@ -465,6 +471,7 @@ export const ANALYSIS_SYSTEM: FigureColumn[] = [
   { key: 'phase_jumps', unit: 'events', column: "Jumps of phase", title: "Breaks of the phase by an unknown size", digits: 0 },
   { key: 'tested_steps', unit: 'steps', column: "Tested steps", title: "Steps at whose end a slip would have been seen", digits: 0 },
   { key: 'untested_steps', unit: 'steps', column: "", title: "Steps that could not be tested", digits: 0 },
+  { key: 'weakly_tested_steps', unit: 'steps', column: "", title: "Tested steps that would hide a slip on all signals at once", digits: 0 },
   { key: 'observations_per_slip', unit: 'epochs', column: "", title: "Tested observations per cycle slip", digits: 0 },
   { key: 'observations_without_slip', unit: 'epochs', column: "", title: "Tested observations where there is no slip", digits: 0 },
   { key: 'slips_per_1000_observations', unit: '1', column: "", title: "Cycle slips per 1,000 tested observations", digits: 0 },
@@ -476,6 +483,7 @@ export const ANALYSIS_SYSTEM: FigureColumn[] = [
   { key: 'below_cutoff_phase_jumps', unit: 'events', column: "", title: "Breaks of the phase by an unknown size, below the cut-off", digits: 0 },
   { key: 'below_cutoff_tested_steps', unit: 'steps', column: "", title: "Steps below the cut-off at whose end a slip would have been seen", digits: 0 },
   { key: 'below_cutoff_untested_steps', unit: 'steps', column: "", title: "Steps below the cut-off that could not be tested", digits: 0 },
+  { key: 'below_cutoff_weakly_tested_steps', unit: 'steps', column: "", title: "Tested steps below the cut-off that would hide a slip on all signals at once", digits: 0 },
   { key: 'below_cutoff_observations_per_slip', unit: 'epochs', column: "", title: "Tested observations per cycle slip, below the cut-off", digits: 0 },
   { key: 'below_cutoff_observations_without_slip', unit: 'epochs', column: "", title: "Tested observations below the cut-off where there is no slip", digits: 0 },
   { key: 'below_cutoff_slips_per_1000_observations', unit: '1', column: "", title: "Cycle slips per 1,000 tested observations, below the cut-off", digits: 0 },
@@ -532,6 +540,7 @@ export const ANALYSIS_SIGNAL: FigureColumn[] = [
   { key: 'phase_jumps', unit: 'events', column: "Jumps of phase", title: "Breaks of the phase by an unknown size", digits: 0 },
   { key: 'tested_steps', unit: 'steps', column: "Tested steps", title: "Steps at whose end a slip would have been seen", digits: 0 },
   { key: 'untested_steps', unit: 'steps', column: "", title: "Steps that could not be tested", digits: 0 },
+  { key: 'weakly_tested_steps', unit: 'steps', column: "", title: "Tested steps that would hide a slip on all signals at once", digits: 0 },
   { key: 'observations_per_slip', unit: 'epochs', column: "", title: "Tested observations per cycle slip", digits: 0 },
   { key: 'observations_without_slip', unit: 'epochs', column: "", title: "Tested observations where there is no slip", digits: 0 },
   { key: 'slips_per_1000_observations', unit: '1', column: "", title: "Cycle slips per 1,000 tested observations", digits: 0 },
@@ -543,6 +552,7 @@ export const ANALYSIS_SIGNAL: FigureColumn[] = [
   { key: 'below_cutoff_phase_jumps', unit: 'events', column: "", title: "Breaks of the phase by an unknown size, below the cut-off", digits: 0 },
   { key: 'below_cutoff_tested_steps', unit: 'steps', column: "", title: "Steps below the cut-off at whose end a slip would have been seen", digits: 0 },
   { key: 'below_cutoff_untested_steps', unit: 'steps', column: "", title: "Steps below the cut-off that could not be tested", digits: 0 },
+  { key: 'below_cutoff_weakly_tested_steps', unit: 'steps', column: "", title: "Tested steps below the cut-off that would hide a slip on all signals at once", digits: 0 },
   { key: 'below_cutoff_observations_per_slip', unit: 'epochs', column: "", title: "Tested observations per cycle slip, below the cut-off", digits: 0 },
   { key: 'below_cutoff_observations_without_slip', unit: 'epochs', column: "", title: "Tested observations below the cut-off where there is no slip", digits: 0 },
   { key: 'below_cutoff_slips_per_1000_observations', unit: '1', column: "", title: "Cycle slips per 1,000 tested observations, below the cut-off", digits: 0 },

@@ -170,15 +170,15 @@ void CheckHoles(const InterruptionFigures& found, const Side& truth, Count doubt
 void CheckSatellites(const AnalyzedRun& run, const Recounted& truth, Proof& proof) {
   std::map<char, Count> satellites;
   for (const auto& row : run.result.satellites) {
+    const std::string name = NameOf(row.id);
     const auto counted = truth.satellites.find(row.id);
-    proof.Check(counted != truth.satellites.end(), NameOf(row.id) + " was never delivered");
+    proof.Check(counted != truth.satellites.end(), name + " was never delivered");
     if (counted == truth.satellites.end()) continue;
     const SatelliteCount& one = counted->second;
-    proof.Check(row.observed_epochs == one.epochs, NameOf(row.id) + ": epochs");
-    proof.Check(row.first_ns == one.first_ns && row.last_ns == one.last_ns,
-                NameOf(row.id) + ": first or last");
+    proof.Check(row.observed_epochs == one.epochs, name + ": epochs");
+    proof.Check(row.first_ns == one.first_ns && row.last_ns == one.last_ns, name + ": first or last");
     proof.Check(!row.has_record || std::fabs(row.highest_deg.value_or(0) - one.highest_deg) < 0.01,
-                NameOf(row.id) + ": highest elevation");
+                name + ": highest elevation");
     ++satellites[row.id.system];
   }
   for (const auto& system : run.result.systems) {

@@ -17,27 +17,49 @@ int BadOf(std::uint64_t history, int of) {
 
 }  // namespace
 
+AlarmSet::Machine* AlarmSet::Find(const Key& key, Standing standing) {
+  const auto place = machines_.find(key);
+  if (place != machines_.end()) return &place->second;
+  return standing == Standing::kBad ? &machines_[key] : nullptr;
+}
+
 void AlarmSet::Update(AlarmKind kind, const std::string& subject, Standing standing,
                       const Hysteresis& hysteresis, std::int64_t now_utc_ns,
                       const std::function<Finding()>& finding) {
   const Key key{kind, subject};
-  auto place = machines_.find(key);
-  if (place == machines_.end()) {
-    if (standing != Standing::kBad) return;
-    place = machines_.emplace(key, Machine()).first;
-  }
-  Machine& machine = place->second;
-  machine.bad_history = machine.bad_history << 1 | (standing == Standing::kBad ? 1U : 0U);
-  machine.good = standing == Standing::kGood ? machine.good + 1 : 0;
+  Machine* const machine = Find(key, standing);
+  if (machine == nullptr) return;
+  machine->bad_history = machine->bad_history << 1 | (standing == Standing::kBad ? 1U : 0U);
+  machine->good = standing == Standing::kGood ? machine->good + 1 : 0;
+  const Step step = {standing, BadOf(machine->bad_history, hysteresis.of) >= hysteresis.bad,
+                     machine->good >= hysteresis.good, machine->bad_history == 0};
+  Move(key, *machine, step, now_utc_ns, finding);
+}
+
+void AlarmSet::Update(AlarmKind kind, const std::string& subject, Standing standing, const Lasting& lasting,
+                      std::int64_t now_utc_ns, const std::function<Finding()>& finding) {
+  const Key key{kind, subject};
+  Machine* const machine = Find(key, standing);
+  if (machine == nullptr) return;
+  machine->bad_ns = standing == Standing::kBad ? machine->bad_ns + lasting.step_ns : 0;
+  machine->good_ns = standing == Standing::kGood ? machine->good_ns + lasting.step_ns : 0;
+  const bool bad = standing == Standing::kBad, good = standing == Standing::kGood;
+  const Step step = {standing, bad && machine->bad_ns >= lasting.time_ns,
+                     good && machine->good_ns >= lasting.time_ns, !bad};
+  Move(key, *machine, step, now_utc_ns, finding);
+}
+
+void AlarmSet::Move(const Key& key, Machine& machine, const Step& step, std::int64_t now_utc_ns,
+                    const std::function<Finding()>& finding) {
   if (!machine.raised) {
-    if (BadOf(machine.bad_history, hysteresis.of) >= hysteresis.bad)
+    if (step.raise)
       Raise(key, machine, finding(), now_utc_ns);
-    else if (machine.bad_history == 0)
-      machines_.erase(place);
+    else if (step.forget)
+      machines_.erase(key);
     return;
   }
-  if (machine.good >= hysteresis.good) return Clear(key, machine, finding().seen, now_utc_ns);
-  if (standing != Standing::kBad) return;
+  if (step.clear) return Clear(key, machine, finding().seen, now_utc_ns);
+  if (step.standing != Standing::kBad) return;
   Finding now = finding();
   if (now.severity > machine.alarm.severity) return Raise(key, machine, std::move(now), now_utc_ns);
   machine.alarm.seen = std::move(now.seen);
@@ -77,6 +99,7 @@ void AlarmSet::Raise(const Key& key, Machine& machine, Finding finding, std::int
   alarm.advice = std::move(finding.advice);
   machine.raised = true;
   machine.good = 0;
+  machine.good_ns = 0;
   alarm.event_id = report_(std::move(event));
 }
 

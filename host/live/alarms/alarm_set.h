@@ -46,6 +46,13 @@ struct Hysteresis {
   int good = 1;
 };
 
+/// Raised when figures were bad without a break for a time; cleared when they were good for so long. An
+/// update stands for a step of time; time without updates does not count.
+struct Lasting {
+  std::int64_t time_ns = 0;
+  std::int64_t step_ns = 0;
+};
+
 /// What an update says, made only when it is shown.
 struct Finding {
   Severity severity = Severity::kBad;
@@ -63,6 +70,8 @@ class AlarmSet {
   /// @param finding  asked when the alarm is raised, becomes worse, is cleared, or stays raised and bad
   void Update(AlarmKind kind, const std::string& subject, Standing standing, const Hysteresis& hysteresis,
               std::int64_t now_utc_ns, const std::function<Finding()>& finding);
+  void Update(AlarmKind kind, const std::string& subject, Standing standing, const Lasting& lasting,
+              std::int64_t now_utc_ns, const std::function<Finding()>& finding);
   /// Clears every alarm of a kind whose subject is not among those given, as those that are no more.
   void Keep(AlarmKind kind, const std::vector<std::string>& subjects, std::int64_t now_utc_ns);
   bool IsRaised(AlarmKind kind, const std::string& subject) const;
@@ -75,11 +84,22 @@ class AlarmSet {
   struct Machine {
     std::uint64_t bad_history = 0;  ///< the latest in the lowest bit
     int good = 0;
+    std::int64_t bad_ns = 0, good_ns = 0;  ///< without a break, where time counts
     bool raised = false;
     Alarm alarm;
   };
   using Key = std::pair<AlarmKind, std::string>;
 
+  /// What becomes of an alarm with an update.
+  struct Step {
+    Standing standing;
+    bool raise, clear;
+    bool forget;  ///< nothing bad is remembered
+  };
+  /// Null while nothing was bad.
+  Machine* Find(const Key& key, Standing standing);
+  void Move(const Key& key, Machine& machine, const Step& step, std::int64_t now_utc_ns,
+            const std::function<Finding()>& finding);
   void Raise(const Key& key, Machine& machine, Finding finding, std::int64_t now_utc_ns);
   void Clear(const Key& key, Machine& machine, std::string seen, std::int64_t now_utc_ns);
 

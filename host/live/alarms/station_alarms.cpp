@@ -14,7 +14,6 @@ namespace {
 
 constexpr std::int64_t kSecond_ns = 1'000'000'000;
 constexpr double kFirstEpoch_s = 30;  ///< from the start to the first epoch
-constexpr int kMinSatellites = 5;     ///< that a burst or a lack is judged by
 constexpr double kHold_s = 10;        ///< a lack of satellites lasts so long
 constexpr double kQuiet_s = 60;       ///< without a burst, until it is over
 constexpr Count kMinExpected = 600;
@@ -26,14 +25,12 @@ std::int64_t Utc(std::int64_t gps_ns) {
   return gps_ns - rtcm::LeapSecondsAtGps(gps_ns / kSecond_ns) * kSecond_ns;
 }
 
-/// Updates in a time, at least one and no more than a machine remembers.
-int Updates(double time_s, double interval_s) {
-  return std::clamp(static_cast<int>(std::ceil(time_s / std::max(interval_s, 0.01))), 1, 60);
-}
-
-Hysteresis For(double time_s, double interval_s) {
-  const int n = Updates(time_s, interval_s);
-  return {n, n, n};
+/// Of figures that come with every epoch.
+Lasting For(double time_s, double interval_s) {
+  constexpr double kMost_s = 1e9;  // 30 years
+  constexpr double kPerSecond = 1e9;
+  const double within_s = time_s < kMost_s ? time_s : kMost_s;
+  return {std::llround(within_s * kPerSecond), std::llround(interval_s * kPerSecond)};
 }
 
 std::string SubjectOf(const SignalKey& key) { return std::string(1, key.system) + " " + key.signal; }
@@ -84,8 +81,10 @@ void StationAlarms::EpochCame(std::int64_t now_ns) {
 void StationAlarms::Satellites(const EpochCounter::Presence& all,
                                const std::map<char, EpochCounter::Presence>& by_system, double interval_s,
                                std::int64_t now_ns) {
-  const auto update = [&](const std::string& subject, const EpochCounter::Presence& present, int least) {
-    if (present.expected < least) return;
+  std::vector<std::string> subjects;
+  const auto update = [&](const std::string& subject, const EpochCounter::Presence& present) {
+    if (present.expected < kMinSatellites) return;
+    subjects.push_back(subject);
     const double ratio = static_cast<double>(present.observed) / present.expected;
     const double limit = 1 - limits_.few_ratio;
     alarms_.Update(
@@ -99,15 +98,18 @@ void StationAlarms::Satellites(const EpochCounter::Presence& all,
               "if strength fell too, antenna and cable."};
         });
   };
-  update("", all, kMinSatellites);
-  for (const auto& [system, present] : by_system) update(std::string(1, system), present, kMinSatellites);
+  update("", all);
+  for (const auto& [system, present] : by_system) update(std::string(1, system), present);
+  alarms_.Keep(AlarmKind::kSatellitesFew, subjects, Utc(now_ns));
 }
 
 void StationAlarms::Strengths(const std::vector<BandDeparture>& bands, double interval_s,
                               std::int64_t now_ns) {
   const auto down = [this](const BandDeparture& band) { return band.median_db < -limits_.snr_drop_db; };
   const bool all = std::all_of(bands.begin(), bands.end(), down);
+  std::vector<std::string> subjects;
   for (const BandDeparture& band : bands) {
+    subjects.push_back(band.band);
     alarms_.Update(
         AlarmKind::kSnrDrop, band.band, Below(band.median_db, -limits_.snr_drop_db, -limits_.snr_drop_db / 2),
         For(limits_.snr_drop_s, interval_s), Utc(now_ns), [&] {
@@ -122,6 +124,7 @@ void StationAlarms::Strengths(const std::vector<BandDeparture>& bands, double in
           return finding;
         });
   }
+  alarms_.Keep(AlarmKind::kSnrDrop, subjects, Utc(now_ns));
 }
 
 void StationAlarms::Slips(int slipped, int tracked, double interval_s, std::int64_t now_ns) {
@@ -203,7 +206,9 @@ void StationAlarms::Hour(const WindowSums& hour, std::size_t minutes, std::int64
 }
 
 void StationAlarms::Ephemerides(const std::map<char, double>& age_s, std::int64_t now_ns) {
+  std::vector<std::string> subjects;
   for (const auto& [system, age] : age_s) {
+    subjects.emplace_back(1, system);
     const double limit_s = system == 'R' ? limits_.glonass_ephemeris_age_s : limits_.ephemeris_age_s;
     alarms_.Update(
         AlarmKind::kEphemerisOld, std::string(1, system), Above(age, limit_s, limit_s), {1, 1, 1},
@@ -215,6 +220,7 @@ void StationAlarms::Ephemerides(const std::map<char, double>& age_s, std::int64_
               "stream of them with --nav."};
         });
   }
+  alarms_.Keep(AlarmKind::kEphemerisOld, subjects, Utc(now_ns));
 }
 
 void StationAlarms::Messages(const MessageWatch& watch, std::int64_t now_ns) {

@@ -21,6 +21,8 @@ namespace orsolva_host::live {
 /// Times are on the GPS time scale; events get them as UTC.
 class StationAlarms {
  public:
+  static constexpr int kMinSatellites = 5;  ///< that a burst, a lack or a drop is judged by
+
   StationAlarms(std::string station, const Limits& limits, AlarmSet::Report report)
       : limits_(limits), alarms_(std::move(station), std::move(report)) {}
 

@@ -38,4 +38,74 @@ TEST(StationAlarms, MultipathOfLongChipsMayBeTwiceAsLarge) {
                                                       "multipath R 3Q"}));
 }
 
+/// Alarms with what they report.
+struct Watched {
+  explicit Watched(const Limits& limits = {})
+      : alarms("S", limits, [this](const LiveEvent& event) {
+          texts.push_back(event.kind + " " + event.subject + " " + NameOf(event.state));
+          return static_cast<std::uint64_t>(texts.size());
+        }) {}
+  std::vector<std::string> texts;
+  StationAlarms alarms;
+};
+
+constexpr std::int64_t kNow_ns = 1'800'000'000'000'000'000;
+
+TEST(StationAlarms, ASystemThatIsSwitchedOffIsNoLongerShortOfSatellites) {
+  Watched watched;
+  const EpochCounter::Presence all = {20, 16}, none = {8, 0}, gps = {12, 12};
+  for (int i = 0; i < 12; ++i) watched.alarms.Satellites(all, {{'E', none}, {'G', gps}}, 1, kNow_ns);
+  EXPECT_EQ(watched.texts, (std::vector<std::string>{"satellites_few E raised"}));
+  watched.alarms.Satellites(gps, {{'G', gps}}, 1, kNow_ns);
+  EXPECT_EQ(watched.texts, (std::vector<std::string>{"satellites_few E raised", "satellites_few E cleared"}));
+}
+
+TEST(StationAlarms, ASystemThatIsSwitchedOffNeedsNoEphemerides) {
+  Watched watched;
+  watched.alarms.Ephemerides({{'E', 9000}, {'G', 10}}, kNow_ns);
+  watched.alarms.Ephemerides({{'G', 10}}, kNow_ns);
+  EXPECT_EQ(watched.texts, (std::vector<std::string>{"ephemeris_old E raised", "ephemeris_old E cleared"}));
+}
+
+TEST(StationAlarms, ABandThatIsNoLongerComparedIsNotDown) {
+  Watched watched;
+  for (int i = 0; i < 12; ++i) watched.alarms.Strengths({{"L2", 6, -9}, {"L5", 6, 0}}, 1, kNow_ns);
+  watched.alarms.Strengths({{"L5", 6, 0}}, 1, kNow_ns);
+  EXPECT_EQ(watched.texts, (std::vector<std::string>{"snr_drop L2 raised", "snr_drop L2 cleared"}));
+}
+
+/// Epochs with a band that is down, until the alarm is raised.
+int EpochsUntilRaised(double snr_drop_s, double interval_s) {
+  Limits limits;
+  limits.snr_drop_s = snr_drop_s;
+  Watched watched(limits);
+  for (int epochs = 1; epochs <= 20'000; ++epochs) {
+    watched.alarms.Strengths({{"L2", 6, -9}}, interval_s, kNow_ns);
+    if (!watched.texts.empty()) return epochs;
+  }
+  return -1;
+}
+
+TEST(StationAlarms, ADropLastsItsTimeAtEveryInterval) {
+  EXPECT_EQ(EpochsUntilRaised(10, 1), 10);
+  EXPECT_EQ(EpochsUntilRaised(300, 1), 300);
+  EXPECT_EQ(EpochsUntilRaised(10, 0.02), 500);
+  EXPECT_EQ(EpochsUntilRaised(10, 30), 1);
+  EXPECT_EQ(EpochsUntilRaised(0, 1), 1);
+  EXPECT_EQ(EpochsUntilRaised(1e300, 30), -1);
+}
+
+TEST(StationAlarms, ALackOfSatellitesLastsTenSecondsAt50Hz) {
+  Watched watched;
+  const EpochCounter::Presence none = {8, 0}, all = {8, 8};
+  for (int i = 0; i < 499; ++i) watched.alarms.Satellites(none, {}, 0.02, kNow_ns);
+  EXPECT_TRUE(watched.texts.empty());
+  watched.alarms.Satellites(none, {}, 0.02, kNow_ns);
+  EXPECT_EQ(watched.texts.size(), 1U);
+  for (int i = 0; i < 499; ++i) watched.alarms.Satellites(all, {}, 0.02, kNow_ns);
+  EXPECT_EQ(watched.texts.size(), 1U);
+  watched.alarms.Satellites(all, {}, 0.02, kNow_ns);
+  EXPECT_EQ(watched.texts, (std::vector<std::string>{"satellites_few  raised", "satellites_few  cleared"}));
+}
+
 }  // namespace

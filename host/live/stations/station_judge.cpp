@@ -263,10 +263,22 @@ bool StationJudge::IsInOrder(std::int64_t gps_ns, std::int64_t now_ns) {
   ++out_of_order_;
   const bool impossible = !replay_ && Seconds(*latest_ns_ - now_ns) > kFuture_s;
   if (!impossible || out_of_order_ < kOutOfOrderIsNewTime) return false;
+  ForgetFuture(now_ns);
+  return false;
+}
+
+/// What was counted and remembered at times that were wrong would keep the windows and alarms from the right
+/// ones until those times come. The decoder leaves out ephemerides that it has given, and those that came
+/// before the wrong times may have been pruned at them, so it is a new one.
+void StationJudge::ForgetFuture(std::int64_t now_ns) {
   out_of_order_ = 0;
   EndRun(false, now_ns);
+  runs_.ForgetTimes();
+  counter_.EndMinutes();
+  minutes_.Restart();
+  signals_.ForgetTimes();
   latest_ns_.reset();
-  return false;
+  NewDecoder(now_ns);
 }
 
 void StationJudge::FindInterval(std::int64_t gps_ns) {
@@ -351,8 +363,8 @@ void StationJudge::CountEpoch(const ObservationEpoch& epoch, std::int64_t now_ns
   counter_.Add(epoch, sky);
   latest_epoch_ = epoch;
   if (sky == nullptr) return;
-  const auto departures =
-      strengths_.Add(epoch, counter_.Elevations(), interval_s, settings_.limits.snr_drop_db, 5);
+  const auto departures = strengths_.Add(epoch, counter_.Elevations(), interval_s,
+                                         settings_.limits.snr_drop_db, StationAlarms::kMinSatellites);
   alarms_.Strengths(departures, interval_s, now_ns);
   alarms_.Satellites(counter_.Present(), counter_.PresentOfSystems(), interval_s, now_ns);
 }

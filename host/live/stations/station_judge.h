@@ -103,6 +103,7 @@ class StationJudge {
                                 const BroadcastRecords& records, std::int64_t now_ns);
   void NoteStation(std::int64_t now_ns);
   bool IsInOrder(std::int64_t gps_ns, std::int64_t now_ns);
+  void ForgetFuture(std::int64_t now_ns);
   void TakeEpoch(ObservationEpoch& epoch, std::int64_t now_ns);
   void FindInterval(std::int64_t gps_ns);
   void CountLost(std::int64_t gps_ns);

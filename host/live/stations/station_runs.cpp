@@ -109,4 +109,9 @@ void StationRuns::Abandon(std::int64_t now_ns) {
   no_run_before_ns_ = now_ns + kPause_ns;
 }
 
+void StationRuns::ForgetTimes() {
+  recent_.Clear();
+  no_run_before_ns_ = 0;
+}
+
 }  // namespace orsolva_host::live

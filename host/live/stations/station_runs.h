@@ -50,6 +50,9 @@ class StationRuns : public EventSink {
   /// After a failure: another run is tried a minute later.
   void Abandon(std::int64_t now_ns);
 
+  /// The times of the stream were wrong: a run may begin at any time. @pre not Running
+  void ForgetTimes();
+
   /// Takes the ephemerides of the book over into the sky, once there are those of four satellites.
   void RefreshSky();
   /// The oldest epoch whose slips are all decided; absent while there is none.

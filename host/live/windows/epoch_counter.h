@@ -1,9 +1,8 @@
 // Counts what epochs hold, and what they lack, into minutes.
 //
 //   expected  nominal epochs times healthy satellites above the cut-off, for each signal that the satellite
-//   was
-//             observed with (code and phase) within the last 24 hours; nominal epochs that were lost count at
-//             their nominal times. Without orbits or a position nothing is expected.
+//             was observed with (code and phase) within the last 24 hours; nominal epochs that were lost
+//             count at their nominal times. Without orbits or a position nothing is expected.
 //   observed  those of them with code and phase
 //   strength  C/N0 of satellites above the cut-off, in whole 0.001 dB-Hz as a file holds them; without orbits
 //             of all, and all of them as high
@@ -33,6 +32,11 @@ class EpochCounter {
   void AddLost(std::int64_t gps_ns, SkyView* sky);
   /// Hands what was counted over to the minutes.
   void Flush();
+  /// The same, and any time may follow.
+  void EndMinutes() {
+    Flush();
+    minute_ns_ = -1;
+  }
 
   /// Elevations of the satellites of the epoch taken last, degrees; NaN where they are not known.
   const std::vector<double>& Elevations() const { return elevations_deg_; }

@@ -48,14 +48,16 @@ Minute& MinuteStore::Writable(std::size_t place) {
   return *minute;
 }
 
+void MinuteStore::Restart() {
+  minutes_.clear();
+  whole_ = 0;
+  hour_ = day_ = {};
+}
+
 /// Makes minutes up to the one that begins at a time.
 void MinuteStore::Grow(std::int64_t begin_gps_ns) {
   constexpr auto kDay_ns = static_cast<std::int64_t>(kKept) * kMinute_ns;
-  if (!minutes_.empty() && begin_gps_ns - minutes_.back()->begin_gps_ns >= kDay_ns) {
-    minutes_.clear();
-    whole_ = 0;
-    hour_ = day_ = {};
-  }
+  if (!minutes_.empty() && begin_gps_ns - minutes_.back()->begin_gps_ns >= kDay_ns) Restart();
   if (minutes_.empty()) {
     minutes_.push_back(std::make_shared<Minute>());
     minutes_.back()->begin_gps_ns = begin_gps_ns;

@@ -28,8 +28,10 @@ class MinuteStore {
   static constexpr std::size_t kKept = 1440;
 
   /// Adds to the minute of a time. Minutes that have ended may be added to; what lies before the kept ones
-  /// is left out. A time a day or more behind the last minute empties the store first.
+  /// is left out. A time a day or more after the last minute empties the store first.
   void Add(std::int64_t gps_ns, const WindowSums& sums);
+  /// Forgets all minutes and keeps the total: the time that follows may lie before them.
+  void Restart();
   /// Minutes that end at or before a time are whole: they enter the windows.
   void CloseUntil(std::int64_t gps_ns);
 

@@ -41,6 +41,12 @@ std::size_t TrackedSignals::SharedPlace(char system, SignalCode code) {
   return shared_.size() - 1;
 }
 
+void TrackedSignals::ForgetTimes() {
+  for (TrackedSatellite& satellite : satellites_) {
+    for (TrackedSignal& signal : satellite.signals) signal.last_seen_ns = 0;
+  }
+}
+
 bool TrackedSignals::IsTracked(char system, std::int64_t gps_ns) const {
   constexpr std::int64_t kDay_ns = 24 * kHour_ns;
   return std::any_of(satellites_.begin(), satellites_.end(), [=](const TrackedSatellite& satellite) {

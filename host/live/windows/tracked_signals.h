@@ -55,6 +55,8 @@ class TrackedSignals {
 
   std::vector<SharedStrength>& Shared() { return shared_; }
   const std::vector<SharedStrength>& Shared() const { return shared_; }
+  /// Forgets when each signal was observed last, and keeps its usual strength.
+  void ForgetTimes();
   /// Whether a satellite of the system was observed within a day before a time.
   bool IsTracked(char system, std::int64_t gps_ns) const;
 

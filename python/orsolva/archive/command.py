@@ -178,6 +178,8 @@ def _words_of(counts: Counts) -> str:
         parts.append(f"{counts.other} other files")
     if counts.doubles:
         parts.append(f"{counts.doubles} left out, as another has the same data")
+    if counts.unreadable:
+        parts.append(f"{counts.unreadable} left out that cannot be read (the first: {counts.first_unreadable})")
     to_do = [f"{counts.new} new", f"{counts.changed} changed", f"{counts.repaired} to repair", f"{counts.done} done"]
     return f"{', '.join(parts)}\n{', '.join(to_do)}"
 

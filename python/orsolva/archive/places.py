@@ -7,7 +7,7 @@ import hashlib
 import os
 import pathlib
 import tempfile
-from collections.abc import Iterator
+from collections.abc import Callable, Iterator
 from dataclasses import dataclass
 from typing import Any, Protocol
 
@@ -16,6 +16,7 @@ from .settings import ArchiveError
 # Of a file that is being written; the next writer replaces or removes it.
 PART = ".part"
 _BLOCK = 1 << 20
+LeftOut = Callable[[OSError], object]
 
 
 @dataclass(frozen=True, slots=True)
@@ -50,8 +51,12 @@ class Place(Protocol):
         """The names of all files below a folder, in any order, one at a time."""
         ...
 
-    def listing(self) -> Iterator[Found]:
-        """All files, in any order, one at a time."""
+    def listing(self, left_out: LeftOut | None = None) -> Iterator[Found]:
+        """All files, in any order, one at a time.
+
+        Args:
+            left_out: called for every folder or file below the place that cannot be read. Without it the first one ends the listing
+        """
         ...
 
 
@@ -102,14 +107,14 @@ class Folder:
         for entry in _entries(str(top)):
             yield os.path.relpath(entry.path, self.root)
 
-    def listing(self) -> Iterator[Found]:
+    def listing(self, left_out: LeftOut | None = None) -> Iterator[Found]:
         if self.root.is_file():
             yield self._found(str(self.root), self.root.stat())
             return
         if not self.root.is_dir():
             raise ArchiveError(f"{self.root}: there is no such folder. Is the disk mounted?")
-        for entry in _entries(str(self.root)):
-            with contextlib.suppress(FileNotFoundError):  # removed in the meantime
+        for entry in _entries(str(self.root), left_out):
+            with _tolerant(left_out):
                 yield self._found(entry.path, entry.stat())
 
     @staticmethod
@@ -117,20 +122,32 @@ class Folder:
         return Found(path, status.st_size, f"time:{status.st_mtime_ns}")
 
 
-def _entries(top: str) -> Iterator[os.DirEntry[str]]:
+def _entries(top: str, left_out: LeftOut | None = None) -> Iterator[os.DirEntry[str]]:
     """Files below a folder; links to folders are followed. Holds the names of the folders on the way only."""
     folders = [top]
     while folders:
-        try:
-            with os.scandir(folders.pop()) as entries:
-                for entry in entries:
-                    if entry.is_dir():
-                        if not _leads_up(entry):
-                            folders.append(entry.path)
-                    elif entry.is_file():
-                        yield entry
-        except FileNotFoundError:
-            continue
+        folder = folders.pop()
+        with _tolerant(None if folder == top else left_out), os.scandir(folder) as entries:
+            for entry in entries:
+                with _tolerant(left_out):
+                    if not entry.is_dir():
+                        if entry.is_file():
+                            yield entry
+                    elif not _leads_up(entry):
+                        folders.append(entry.path)
+
+
+@contextlib.contextmanager
+def _tolerant(left_out: LeftOut | None) -> Iterator[None]:
+    """Passes over what has been removed in the meantime, and hands on what cannot be read."""
+    try:
+        yield
+    except FileNotFoundError:
+        pass
+    except OSError as error:
+        if left_out is None:
+            raise
+        left_out(error)
 
 
 def _leads_up(entry: os.DirEntry[str]) -> bool:
@@ -184,7 +201,7 @@ class ObjectStore:
         for path, _ in self._walk(self._path(below)):
             yield path[start:]
 
-    def listing(self) -> Iterator[Found]:
+    def listing(self, left_out: LeftOut | None = None) -> Iterator[Found]:
         for path, facts in self._walk(self.root):
             yield Found(f"{self.scheme}://{path}", int(facts["size"] or 0), _mark(facts))
 

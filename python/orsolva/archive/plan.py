@@ -51,6 +51,8 @@ class Counts:
     changed: int = 0
     repaired: int = 0
     done: int = 0
+    unreadable: int = 0
+    first_unreadable: str = ""
 
     @property
     def to_do(self) -> int:
@@ -127,12 +129,16 @@ class Plan:
         names = 0
         for source, address in enumerate([*sources, *navigation]):
             is_source = source < len(sources)
-            for found in place(address).listing():
+            for found in place(address).listing(self._leave_out):
                 self._take_file(found, source, is_source, is_source != bool(navigation))
                 names += 1
                 if names % _BATCH == 0:
                     listed(names)
         self._rows.execute("COMMIT")
+
+    def _leave_out(self, error: OSError) -> None:
+        self.counts.first_unreadable = self.counts.first_unreadable or str(error)
+        self.counts.unreadable += 1
 
     def _take_file(self, found: Found, source: int, observations: bool, navigation: bool) -> None:
         name = parse(found.path.rpartition("/")[2])

@@ -1,4 +1,5 @@
 """Leases, bad input, and runs that end early."""
+import errno
 import os
 import pathlib
 import shutil
@@ -108,6 +109,27 @@ def test_ctrl_c_leaves_a_store_that_the_next_run_completes(tmp_path, network, un
     archive("check", store)
     archive("run", store, network)
     assert sums(store) == sums(undisturbed)
+
+
+def test_a_folder_that_cannot_be_read_is_left_out(tmp_path, own_network, monkeypatch):
+    """Such as lost+found. Tests may run as root, who reads everything."""
+    (own_network / "lost+found").mkdir()
+    closed, real = {str(own_network / "lost+found")}, os.scandir
+
+    def scandir(path):
+        if str(path) in closed:
+            raise PermissionError(errno.EACCES, os.strerror(errno.EACCES), str(path))
+        return real(path)
+
+    monkeypatch.setattr(os, "scandir", scandir)
+    archive("init", tmp_path / "store")
+    printed = archive("plan", tmp_path / "store", own_network)
+    assert "12 new" in printed and f"1 left out that cannot be read (the first: [Errno 13] Permission denied: '{own_network}/lost+found')" in printed
+    closed.add(str(own_network))
+    assert "Permission denied" in archive("plan", tmp_path / "store", own_network, good=(1,))
+    closed.add(str(tmp_path / "store"))
+    with pytest.raises(PermissionError):  # rows must not seem to be absent
+        list(Folder(str(tmp_path / "store")).names())
 
 
 class Terminal(list):

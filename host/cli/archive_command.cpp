@@ -14,7 +14,6 @@ namespace {
 /// Says what to install where the package is missing; what the package itself cannot import is its own
 /// message.
 constexpr const char* kScript =
-    "import sys\n"
     "try:\n"
     "    from orsolva.archive.__main__ import program\n"
     "except ImportError as error:\n"
@@ -26,7 +25,7 @@ constexpr const char* kScript =
 
 int RunArchive(std::vector<std::string> arguments) {
   const std::string python = PythonInterpreter();
-  std::vector<std::string> words = {python, "-c", kScript};
+  std::vector<std::string> words = {python, "-c", std::string(kNotFromCurrentFolder) + kScript};
   for (std::string& argument : arguments) words.push_back(std::move(argument));
   const int code = BecomeProgram(words);
   constexpr int kNotFound = 127;

@@ -124,7 +124,10 @@ StationSettings StationOf(const std::string& path, const toml::table& table, Sta
   }
   if (limits != nullptr) TakeTable(path, *limits, KeysOf(station.limits));
   if (!password_file.empty()) station.password = SecretFromFile(password_file);
-  if (!password_env.empty()) station.password = EnvironmentText(password_env);
+  if (!password_env.empty()) {
+    station.password = EnvironmentText(password_env);
+    station.password_variable = password_env;
+  }
   if (station.source.empty()) Refuse(path, table, "a station needs a source");
   return station;
 }

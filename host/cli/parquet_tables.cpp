@@ -16,7 +16,6 @@ namespace {
 /// Of the script below and of python/orsolva/_parquet.py, where a package cannot be imported.
 constexpr int kNotInstalled = 64;
 constexpr const char* kScript =
-    "import sys\n"
     "try:\n"
     "    from orsolva._parquet import main\n"
     "except ImportError:\n"
@@ -50,7 +49,8 @@ std::string ParquetTask(const QcRequest& request, const RunInputs& inputs) {
 
 int WriteParquet(const QcRequest& request, const RunInputs& inputs) {
   const std::string python = PythonInterpreter();
-  const int code = RunProgram({python, "-c", kScript}, ParquetTask(request, inputs));
+  const int code =
+      RunProgram({python, "-c", std::string(kNotFromCurrentFolder) + kScript}, ParquetTask(request, inputs));
   if (const int interrupted = InterruptExitCode(); interrupted != 0) return interrupted;
   if (IsKnown(code)) return code;
   if (code == kNotInstalled) {

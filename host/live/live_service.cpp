@@ -93,7 +93,10 @@ void LiveService::Pass(const LiveEvent& event, std::chrono::steady_clock::time_p
   const auto now = std::chrono::steady_clock::now();
   if (now >= until) return;
   const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(until - now);
-  RunAlarmCommand(settings_.on_alarm, event, std::min<std::chrono::milliseconds>(left, kLongestCommand));
+  std::set<std::string> hidden;
+  for (const StationSettings& station : settings_.stations) hidden.insert(station.password_variable);
+  RunAlarmCommand(settings_.on_alarm, event, std::min<std::chrono::milliseconds>(left, kLongestCommand),
+                  hidden);
 }
 
 bool LiveService::Ended() const {

@@ -42,6 +42,14 @@ def handed_over(python, *arguments):
     return done.returncode, done.stdout + done.stderr
 
 
+def test_nothing_is_imported_from_the_current_folder(tmp_path, monkeypatch):
+    for name in ("json", "orsolva"):
+        (tmp_path / f"{name}.py").write_text("raise SystemExit('a stranger was imported')\n")
+    monkeypatch.chdir(tmp_path)
+    code, output = handed_over(sys.executable, "plan", "--help")
+    assert code == 0 and "stranger" not in output
+
+
 def test_the_command_hands_over_to_python():
     assert handed_over(sys.executable, "plan", "--help")[0] == 0
     code, output = handed_over(sys.executable, "run")

@@ -10,6 +10,12 @@
 #include "host/live/sources/source_spec.h"
 #include "host/live/sources/source_table.h"
 
+#include <signal.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <thread>
 
@@ -225,8 +231,33 @@ TEST(AlarmCommand, GetsTheEventInItsEnvironmentAndRunsNothingOfIt) {
   std::filesystem::remove(out);
 }
 
-TEST(AlarmCommand, IsEndedWhenItHangs) {
-  EXPECT_EQ(RunAlarmCommand("sleep 100", {}, std::chrono::milliseconds(100)), -1);
+TEST(AlarmCommand, IsEndedWithItsChildrenWhenItHangs) {
+  const std::string out = testing::TempDir() + "orsolva-alarm-hangs";
+  EXPECT_EQ(
+      RunAlarmCommand("sleep 100 & echo $$ > " + out + "; sleep 100", {}, std::chrono::milliseconds(500)),
+      -1);
+  std::ifstream file(out);
+  pid_t group = 0;
+  ASSERT_TRUE(file >> group);
+  std::filesystem::remove(out);
+  // Killed children remain until their new parent has looked at them.
+  for (int look = 0; look < 500 && kill(-group, 0) == 0; ++look) usleep(10'000);
+  EXPECT_EQ(kill(-group, 0), -1);
+  EXPECT_EQ(errno, ESRCH);
+}
+
+TEST(AlarmCommand, ReadsNothingOfTheStandardInput) {
+  EXPECT_EQ(RunAlarmCommand("test \"$(readlink /proc/self/fd/0)\" = /dev/null", {}), 0);
+  EXPECT_EQ(RunAlarmCommand("read line", {}), 1);
+}
+
+TEST(AlarmCommand, GetsNoVariableThatHasAPassword) {
+  setenv("ALARM_TEST_SECRET", "word", 1);
+  EXPECT_EQ(RunAlarmCommand("test -n \"$ALARM_TEST_SECRET\"", {}), 0);
+  EXPECT_EQ(
+      RunAlarmCommand("test -z \"$ALARM_TEST_SECRET\"", {}, std::chrono::seconds(60), {"ALARM_TEST_SECRET"}),
+      0);
+  unsetenv("ALARM_TEST_SECRET");
 }
 
 TEST(ServiceSettings, NamesAreMadeUniqueAndGivenOnesMustBe) {

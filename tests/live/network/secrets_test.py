@@ -53,7 +53,7 @@ def stations_of(port, folder):
     return {
         "URL": address("URL", LOGINS["URL"]),
         "FILE": {"source": address("FILE"), "user": LOGINS["FILE"][0], "password_file": password_file},
-        "ENVIRONMENT": {"source": address("ENVIRONMENT"), "user": LOGINS["ENVIRONMENT"][0], "password_env": "ORSOLVA_TEST"},
+        "ENVIRONMENT": {"source": address("ENVIRONMENT"), "user": LOGINS["ENVIRONMENT"][0], "password_env": "CASTER_WORD"},
         "NAV": {"source": address("NAV", LOGINS["NAV"]), "nav": address("NONE", LOGINS["NAV"])},
         "REFUSED": address("REFUSED", LOGINS["URL"]),
     }
@@ -63,7 +63,7 @@ def check_service(program, folder, epochs):
     said = pathlib.Path(folder, "environment.txt")
     with Caster(mounts_of(epochs)) as caster:
         service = Service(program, stations_of(caster.port, folder), "--state", f"{folder}/state", "--reports",
-                          f"{folder}/reports", "--on-alarm", f"env >> {said}", environment={"ORSOLVA_TEST": LOGINS["ENVIRONMENT"][1]})
+                          f"{folder}/reports", "--on-alarm", f"env >> {said}", environment={"CASTER_WORD": LOGINS["ENVIRONMENT"][1]})
         with service:
             for name in ("FILE", "ENVIRONMENT", "NAV"):
                 service.until(lambda: service.stations()[name]["epochs"] >= SECONDS, 60)

@@ -89,7 +89,7 @@ struct SlipFigures {
   std::optional<Count> unknown_size;  ///< jumps
   std::optional<Count> tested_steps;
   std::optional<Count> untested_steps;
-  std::optional<Count> weakly_tested_steps;  ///< of those tested; see slip_sums.h
+  std::optional<Count> weakly_tested_steps;        ///< of those tested; see slip_sums.h
   std::optional<double> observations_per_slip;     ///< absent without a slip
   std::optional<Count> observations_without_slip;  ///< "more than n" where there is no slip
   std::optional<double> slips_per_1000;

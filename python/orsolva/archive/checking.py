@@ -73,7 +73,11 @@ def _problems_of(store: Store, bundle: Bundle, findings: Findings) -> Iterator[s
 def _sources_of(store: Store, bundle: Bundle) -> Iterator[str]:
     runs = store.read("runs", bundle)
     for source, content in zip(runs["source"].to_pylist(), runs["source_id"].to_pylist()):
-        now = content_now(source, content.partition(":")[0])
+        try:
+            now = content_now(source, content.partition(":")[0])
+        except OSError as error:
+            yield f"{source}: cannot be read ({error.strerror})"
+            continue
         if now is None:
             yield f"{source}: is gone; its figures stay"
         elif now != content:

@@ -76,13 +76,14 @@ class _Judge:
     def rows_of(self, job: Job) -> Rows:
         """The rows of one file. @throws Changed"""
         kind = job.content.partition(":")[0]
-        self._check(job, kind)
         try:
-            report, header = self._report(job)
-        except (Unjudged, orsolva.OrsolvaError, OSError) as error:
             self._check(job, kind)
+            report, header = self._report(job)
+            self._check(job, kind)
+        except (Unjudged, orsolva.OrsolvaError, OSError) as error:
+            with contextlib.suppress(OSError):
+                self._check(job, kind)
             return failure(job, self._settings, str(error))
-        self._check(job, kind)
         tables = _tables(report)
         rows = {name: _fitted(name, tables[name], job) for name in TABLES if name not in self._settings.without}
         run = {**_facts(job, self._settings), **_header_facts(header), **_report_facts(report)}

@@ -15,6 +15,8 @@ from .settings import ArchiveError
 
 # Of a file that is being written; the next writer replaces or removes it.
 PART = ".part"
+# In place of what identifies the content of a file, when it was to be read for that and could not be.
+UNREADABLE = "unreadable"
 _BLOCK = 1 << 20
 LeftOut = Callable[[OSError], object]
 
@@ -238,8 +240,8 @@ def is_remote(address: str) -> bool:
 
 
 def content_now(path: str, kind: str) -> str | None:
-    """What identifies the content of a source file at this moment; None when it is gone."""
-    if kind == "sha256":
+    """What identifies the content of a source file at this moment; None when it is gone. @throws OSError when it cannot be read"""
+    if kind in ("sha256", UNREADABLE):
         try:
             return "sha256:" + _sha256(path)
         except FileNotFoundError:

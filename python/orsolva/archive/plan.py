@@ -16,7 +16,7 @@ from typing import Any
 
 from .. import __version__
 from .file_names import FileName, parse
-from .places import Found, content_now, place
+from .places import UNREADABLE, Found, content_now, place
 from .settings import ArchiveError, digest
 from .store import Bundle, Store, bucket_of, runs_with_rows_missing
 
@@ -215,7 +215,7 @@ class Plan:
                 navigation[day, station] = self._navigation(day, station, own_navigation)
             used = navigation[day, station]
             if self.store.settings.content == "sha256":
-                content = content_now(path, "sha256") or "gone"
+                content = _sum_of(path)
             run_id = run_key(name, size, content, [mark for _, mark in used], self.store.settings.id)
             if not self._is_due(known.get(name), run_id):
                 continue
@@ -245,7 +245,7 @@ class Plan:
         """What identifies a file as the store is set to; computed once."""
         if self.store.settings.content == "time" or listed.startswith("sha256:"):
             return listed
-        content = content_now(path, "sha256") or "gone"
+        content = _sum_of(path)
         self._rows.execute("UPDATE navigation SET content=? WHERE path=?", (content, path))
         return content
 
@@ -255,6 +255,13 @@ class Plan:
             query = "SELECT job FROM jobs WHERE year=? AND month=? AND bucket=? ORDER BY day, name"
             rows = self._rows.execute(query, (bundle.year, bundle.month, bundle.bucket))
             yield bundle, [_job(json.loads(text)) for (text,) in rows.fetchall()]
+
+
+def _sum_of(path: str) -> str:
+    try:
+        return content_now(path, "sha256") or "gone"
+    except OSError:  # its run fails, and says why
+        return UNREADABLE
 
 
 def _job(values: list[Any]) -> Job:

@@ -132,6 +132,36 @@ def test_a_folder_that_cannot_be_read_is_left_out(tmp_path, own_network, monkeyp
         list(Folder(str(tmp_path / "store")).names())
 
 
+@pytest.mark.parametrize("settings, sum_", [([], "os.stat"), (["--verify"], "opened")])
+def test_a_file_that_cannot_be_read_is_a_failed_run(tmp_path, own_network, monkeypatch, settings, sum_):
+    """Others of its bundle are judged, and so is it once it can be read. A disk fails for one file."""
+    from orsolva.archive import places
+
+    file = sorted(own_network.rglob("*_MO.rnx"))[1]
+    failing, stat, opened = [str(file)], os.stat, places.opened
+
+    def fail(real):
+        def call(path, *arguments, **more):
+            if str(path) in failing:
+                raise OSError(errno.EIO, os.strerror(errno.EIO), str(path))
+            return real(path, *arguments, **more)
+
+        return call
+
+    archive("init", tmp_path / "store", *settings)
+    with monkeypatch.context() as patched:
+        if sum_ == "opened":
+            patched.setattr(places, "opened", fail(opened))
+        else:
+            patched.setattr(places.os, "stat", fail(stat))
+        assert "11 judged, 0 incomplete, 1 failed" in archive("run", tmp_path / "store", own_network)
+        assert f"{file}: cannot be read" in archive("check", tmp_path / "store", "--sources")
+    with orsolva.archive.open(tmp_path / "store") as opened_store:
+        ((error,),) = opened_store.sql("SELECT error FROM runs WHERE state = 'failed'").fetchall()
+    assert "Input/output error" in error and str(file) in error
+    assert "1 judged, 0 incomplete, 0 failed" in archive("run", tmp_path / "store", own_network, *([] if settings else ["--retry"]))
+
+
 class Terminal(list):
     def write(self, text):
         self.append(text)

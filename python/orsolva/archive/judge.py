@@ -44,9 +44,19 @@ def judge_chunk(jobs: Sequence[Job], settings: Settings) -> dict[str, bytes]:
     parts: dict[str, list[pa.Table]] = {table: [] for table in ALL_TABLES}
     for job in jobs:
         with contextlib.suppress(Changed):
-            for table, rows in judge.rows_of(job).items():
+            for table, rows in _rows_or_failure(judge, job, settings).items():
                 parts[table].append(rows)
     return {table: to_bytes(rows) for table, rows in parts.items() if rows}
+
+
+def _rows_or_failure(judge: _Judge, job: Job, settings: Settings) -> Rows:
+    """A fault of this program or a lack of memory costs the file at which it shows, not the others of the run."""
+    try:
+        return judge.rows_of(job)
+    except Changed:
+        raise
+    except Exception as error:
+        return failure(job, settings, f"{job.path}: {type(error).__name__}: {error}")
 
 
 def to_bytes(tables: Sequence[pa.Table]) -> bytes:

@@ -44,6 +44,7 @@ class _Open:
     bundle: Bundle
     waiting: int
     files: int
+    lost: bool = False
     parts: list[Judged] = field(default_factory=list)
 
 
@@ -106,15 +107,16 @@ class Run:
     def _take(self, future: Future[Judged]) -> None:
         bundle, chunk = self._futures.pop(future)
         error = future.exception() if not future.cancelled() else concurrent.futures.CancelledError()
+        opened = self._open[bundle]
         try:
             judged = future.result() if error is None else self._workers.lost(chunk, self._store.settings, error)
         except ArchiveError as lost:
             self.outcome.errors.append(str(lost))
+            opened.lost = True
             judged = {}
         if judged is None:
             self._again.append((bundle, chunk))
             return
-        opened = self._open[bundle]
         opened.parts.append(judged)
         opened.waiting -= 1
         self._done += len(chunk)
@@ -142,7 +144,7 @@ class Run:
         self.outcome.judged += states.count("judged")
         self.outcome.incomplete += states.count("incomplete")
         self.outcome.failed += states.count("failed")
-        if not self.outcome.interrupted and not self.outcome.errors:
+        if not self.outcome.interrupted and not opened.lost:
             self.outcome.set_aside += opened.files - len(states)
 
 

@@ -36,7 +36,7 @@ class Workers(Protocol):
         ...
 
     def lost(self, chunk: Chunk, settings: Settings, error: BaseException) -> Judged | None:
-        """What a chunk gives whose worker was lost: None when it is to be submitted again. @throws the error when it is another"""
+        """What a chunk gives whose worker was lost: None when it is to be submitted again. @throws ArchiveError when it is left to the next run"""
         ...
 
     def close(self, now: bool) -> None:
@@ -51,14 +51,21 @@ class ThisProcess:
 
     def submit(self, chunk: Chunk, settings: Settings) -> Future[Judged]:
         future: Future[Judged] = Future()
-        future.set_result(judge_chunk(chunk, settings))
+        try:
+            future.set_result(judge_chunk(chunk, settings))
+        except Exception as error:
+            future.set_exception(error)
         return future
 
     def lost(self, chunk: Chunk, settings: Settings, error: BaseException) -> Judged | None:
-        raise error
+        raise _unexpected(chunk, error) from error
 
     def close(self, now: bool) -> None:
         pass
+
+
+def _unexpected(chunk: Chunk, error: BaseException) -> ArchiveError:
+    return ArchiveError(f"{chunk[0].path} and {len(chunk) - 1} more were not judged ({type(error).__name__}: {error}). Run again.")
 
 
 class Processes:
@@ -79,7 +86,7 @@ class Processes:
 
     def lost(self, chunk: Chunk, settings: Settings, error: BaseException) -> Judged | None:
         if not isinstance(error, BrokenProcessPool):
-            raise error
+            raise _unexpected(chunk, error) from error
         self._deaths[chunk] = self._deaths.get(chunk, 0) + 1
         return None if self._deaths[chunk] < _DEATHS_OF_A_CHUNK else _one_by_one(chunk, settings)
 
@@ -131,6 +138,8 @@ def _one_by_one(chunk: Chunk, settings: Settings) -> Judged:
                 except BrokenProcessPool:
                     pool.shutdown()
                     pool = _pool(1)
+                except Exception as error:
+                    raise _unexpected((job,), error) from error
             else:
                 judged = _ended(job, settings)
             for table, data in judged.items():
@@ -169,7 +178,7 @@ class DaskCluster:
         from distributed.scheduler import KilledWorker
 
         if not isinstance(error, (KilledWorker, concurrent.futures.CancelledError)):
-            raise error
+            raise _unexpected(chunk, error) from error
         raise ArchiveError(f"the Dask workers that judged {chunk[0].path} and {len(chunk) - 1} more were lost. Run again; if it "
                            "happens again, run without --dask, which finds the file that ends its process.") from error
 

@@ -8,8 +8,10 @@ import subprocess
 import sys
 import time
 
+import pyarrow as pa
 import pytest
 
+import orsolva
 import orsolva.archive
 from conftest import archive, started, sums
 from orsolva.archive.lease import EXPIRES_S, Lease
@@ -160,6 +162,48 @@ def test_a_file_that_cannot_be_read_is_a_failed_run(tmp_path, own_network, monke
         ((error,),) = opened_store.sql("SELECT error FROM runs WHERE state = 'failed'").fetchall()
     assert "Input/output error" in error and str(file) in error
     assert "1 judged, 0 incomplete, 0 failed" in archive("run", tmp_path / "store", own_network, *([] if settings else ["--retry"]))
+
+
+@pytest.mark.parametrize("error", [pa.ArrowInvalid("no rows"), MemoryError("too large"), UnicodeDecodeError("utf-8", b"x", 0, 1, "bad byte")])
+def test_any_exception_of_a_file_is_a_failed_run(tmp_path, network, monkeypatch, error):
+    file, real = sorted(network.rglob("*_MO.rnx"))[5], orsolva.qc
+
+    def qc(path, *arguments, **more):
+        if path == str(file):
+            raise error
+        return real(path, *arguments, **more)
+
+    archive("init", tmp_path / "store")
+    monkeypatch.setattr(orsolva, "qc", qc)
+    assert "11 judged, 0 incomplete, 1 failed" in archive("run", tmp_path / "store", network)
+    with orsolva.archive.open(tmp_path / "store") as opened:
+        assert opened.sql("SELECT name, error FROM runs WHERE state = 'failed'").fetchall() == [(file.stem, f"{file}: {type(error).__name__}: {error}")]
+
+
+def test_a_chunk_that_cannot_be_judged_costs_no_other(tmp_path, own_network, monkeypatch):
+    """What changed in other bundles is still counted."""
+    from orsolva.archive import workers
+
+    files = sorted(own_network.rglob("*_MO.rnx"), key=lambda file: file.name)
+    january, february = (next(file for file in files if f"_2026{day}" in file.name) for day in ("030", "032"))
+    real = workers.judge_chunk
+
+    def judge_chunk(chunk, settings):
+        if any(job.path == str(january) for job in chunk):
+            raise MemoryError("no room")
+        if any(job.path == str(february) for job in chunk):
+            os.utime(february)
+        return real(chunk, settings)
+
+    archive("init", tmp_path / "store")
+    with monkeypatch.context() as patched:
+        patched.setattr(workers, "judge_chunk", judge_chunk)
+        printed = archive("run", tmp_path / "store", own_network, good=(1,))
+    assert "were not judged (MemoryError: no room). Run again." in printed and "\n1 changed or were removed" in printed
+    assert "6 changed" not in printed
+    archive("run", tmp_path / "store", own_network)
+    with orsolva.archive.open(tmp_path / "store") as opened:
+        assert opened.sql("SELECT count(*) FROM runs WHERE state = 'judged'").fetchall() == [(12,)]
 
 
 class Terminal(list):

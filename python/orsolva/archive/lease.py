@@ -1,7 +1,7 @@
 """Who runs: two coordinators never write the same bundles.
 
-A lease is a file that its holder renews. One whose holder has ended is taken over: on the same machine when its process is
-gone, from another one when it has not been renewed for EXPIRES_S.
+A lease is a file that its holder renews. One whose holder has ended is taken over: when it has not been renewed for
+EXPIRES_S, and on the same machine as soon as its process is gone.
 """
 from __future__ import annotations
 
@@ -92,8 +92,11 @@ def _holder(data: bytes | None) -> dict[str, Any] | None:
 
 
 def _is_alive(holder: dict[str, Any]) -> bool:
+    # On this machine, too: its process number may be another's by now.
+    if time.time() - float(holder["time"]) >= EXPIRES_S:
+        return False
     if holder["host"] != socket.gethostname():
-        return time.time() - float(holder["time"]) < EXPIRES_S
+        return True
     try:
         os.kill(holder["process"], 0)
     except ProcessLookupError:

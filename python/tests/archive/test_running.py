@@ -50,6 +50,19 @@ def test_the_lease_of_a_process_that_is_gone_is_taken_over(tmp_path):
         pass
 
 
+def test_a_lease_does_not_outlast_its_age_when_its_process_number_is_anothers(tmp_path):
+    place = Folder(str(tmp_path))
+    text = '{"host": "%s", "process": %d, "token": "x", "time": %f}'
+    for age, held in ((EXPIRES_S / 2, True), (EXPIRES_S + 1, False)):
+        place.write("lease/1-of-1", (text % (os.uname().nodename, os.getpid(), time.time() - age)).encode())
+        if held:
+            with pytest.raises(ArchiveError, match="runs on this store"):
+                Lease(place).__enter__()
+        else:
+            with Lease(place):
+                pass
+
+
 def test_nothing_is_written_once_the_lease_is_lost(tmp_path):
     place = Folder(str(tmp_path))
     with Lease(place) as lease:

@@ -7,6 +7,7 @@ one step per station and year, that four of eight step within five days by chanc
 from __future__ import annotations
 
 import datetime
+import heapq
 from collections import defaultdict
 from collections.abc import Iterator, Sequence
 from dataclasses import dataclass, field
@@ -81,26 +82,54 @@ class Steps:
         return sorted(found, key=lambda one: (one.day, one.figure, one.size))
 
     def _of_figure(self, figure: str, steps: Sequence[Step]) -> Iterator[NetworkChange]:
-        left = sorted(steps)
-        while len(left) >= LEAST_STATIONS:
-            near = max((_near(left, day) for day in sorted({step.day for step in left})), key=lambda some: len(_largest(some)))
+        for near in _most_together(steps):
             each = _largest(near)
             day = _day_of_most(near)
             watched = self._watched(figure, day)
-            if len(each) < LEAST_STATIONS:
-                return
             if len(each) >= LEAST_SHARE * watched:
                 size = float(np.median([step.size for step in each.values()]))
                 yield NetworkChange(day, figure, size, len(each), max(watched, len(each)))
-            left = [step for step in left if step not in near]
 
     def _watched(self, figure: str, day: datetime.date) -> int:
         around = datetime.timedelta(days=SHORTEST)
         return sum(first <= day - around and last >= day + around for first, last in self._spans[figure].values())
 
 
-def _near(steps: Sequence[Step], day: datetime.date) -> list[Step]:
-    return [step for step in steps if abs((step.day - day).days) <= NEAR_DAYS]
+def _most_together(steps: Sequence[Step]) -> Iterator[list[Step]]:
+    """Steps at the same time, of LEAST_STATIONS or more: those of most stations first, then of most among the rest.
+
+    Taking steps away changes the number of stations of the days around alone; a day's earlier entries on the heap then do not hold.
+    """
+    by_day: dict[int, list[Step]] = defaultdict(list)
+    for step in sorted(steps):
+        by_day[step.day.toordinal()].append(step)
+    stations = {day: _stations_near(by_day, day) for day in by_day}
+    heap = [(-count, day) for day, count in stations.items()]
+    heapq.heapify(heap)
+    while heap and -heap[0][0] >= LEAST_STATIONS:
+        count, day = heapq.heappop(heap)
+        if stations.get(day) != -count:
+            continue
+        yield _near(by_day, day)
+        for taken in _around(day, NEAR_DAYS):
+            by_day.pop(taken, None)
+            stations.pop(taken, None)
+        for changed in _around(day, 2 * NEAR_DAYS):
+            if changed in by_day:
+                stations[changed] = _stations_near(by_day, changed)
+                heapq.heappush(heap, (-stations[changed], changed))
+
+
+def _around(day: int, days: int) -> range:
+    return range(day - days, day + days + 1)
+
+
+def _near(by_day: dict[int, list[Step]], day: int) -> list[Step]:
+    return [step for near in _around(day, NEAR_DAYS) for step in by_day.get(near, [])]
+
+
+def _stations_near(by_day: dict[int, list[Step]], day: int) -> int:
+    return len({step.station for step in _near(by_day, day)})
 
 
 def _largest(steps: Sequence[Step]) -> dict[str, Step]:

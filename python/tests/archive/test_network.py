@@ -5,7 +5,8 @@ import numpy as np
 import pytest
 
 from orsolva.archive.trends import Daily, Key, StationTrend, _gather, mark, network_changes, station_changes
-from orsolva.archive.network import Steps
+from orsolva.archive import network as network_module
+from orsolva.archive.network import Step, Steps, _most_together
 
 FIRST, DAYS = datetime.date(2026, 1, 1), 120
 SNR, MULTIPATH = Key("snr", "G1C"), Key("multipath", "G1C")
@@ -60,6 +61,42 @@ def test_steps_of_stations_on_days_of_their_own_are_not_the_networks(seed):
     found = network(40, seed, steps)
     assert network_changes(found) == []
     assert sum(len(trend.changes) for trend in found) >= 70
+
+
+def plainly_together(steps):
+    """The rule as it reads: each time the five days with steps of most stations, the first of them where several have as many."""
+    left = sorted(steps)
+    while left:
+        windows = [[step for step in left if abs((step.day - day).days) <= 2] for day in sorted({step.day for step in left})]
+        near = max(windows, key=lambda window: len({step.station for step in window}))
+        if len({step.station for step in near}) < 4:
+            return
+        yield near
+        left = [step for step in left if step not in near]
+
+
+@pytest.mark.parametrize("seed", range(40))
+def test_steps_are_grouped_as_the_rule_reads(seed):
+    chance = np.random.default_rng(seed)
+    stations, days, count = chance.integers(4, 40), chance.integers(5, 200), chance.integers(0, 300)
+    steps = [
+        Step(FIRST + datetime.timedelta(days=int(chance.integers(days))), f"ST{chance.integers(stations):02}", float(chance.integers(1, 4)), 1.0)
+        for _ in range(count)
+    ]
+    assert list(_most_together(steps)) == list(plainly_together(steps))
+
+
+def test_the_cost_of_grouping_grows_with_the_number_of_steps():
+    """Days that are looked at, for as many steps a day."""
+    def looks(days):
+        steps = [Step(FIRST + datetime.timedelta(days=day), f"ST{station:02}", 1.0, 1.0) for day in range(days) for station in range(8)]
+        with pytest.MonkeyPatch.context() as patched:
+            patched.setattr(network_module, "_near", lambda by_day, day, real=network_module._near: seen.append(day) or real(by_day, day))
+            seen = []
+            assert sum(map(len, _most_together(steps))) == len(steps)
+        return len(seen)
+
+    assert looks(1000) < 11 * looks(100)
 
 
 def test_a_quiet_network_has_no_changes():

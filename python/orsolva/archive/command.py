@@ -2,8 +2,10 @@
 from __future__ import annotations
 
 import argparse
+import calendar
 import datetime
 import pathlib
+import re
 import sys
 import time
 from collections import Counter
@@ -116,16 +118,26 @@ def _workers_number(text: str) -> int:
 
 
 def _since(text: str) -> datetime.date:
-    parts = [int(part) for part in text.split("-")]
-    return datetime.date(*(parts + [1, 1])[:3])
+    return _span(text)[0]
 
 
 def _until(text: str) -> datetime.date:
-    parts = [int(part) for part in text.split("-")]
-    if len(parts) == 3:
-        return datetime.date(*parts)
-    year, month = parts if len(parts) == 2 else (parts[0], 12)
-    return datetime.date(year + month // 12, month % 12 + 1, 1) - datetime.timedelta(days=1)
+    return _span(text)[1]
+
+
+def _span(text: str) -> tuple[datetime.date, datetime.date]:
+    """First and last day of a year, a month or a day."""
+    parts = re.fullmatch(r"(\d{4})(?:-(\d{1,2})(?:-(\d{1,2}))?)?", text, re.ASCII)
+    try:
+        if parts is None:
+            raise ValueError("of another form")
+        year, first, day = (None if part is None else int(part) for part in parts.groups())
+        assert year is not None
+        begin = datetime.date(year, 1 if first is None else first, 1 if day is None else day)
+        last = 12 if first is None else first
+        return begin, datetime.date(year, last, calendar.monthrange(year, last)[1] if day is None else day)
+    except ValueError as error:
+        raise argparse.ArgumentTypeError(f"{text}: expected a year, month or day of the calendar, such as 2020, 2020-06 or 2020-06-25") from error
 
 
 def _init(options: argparse.Namespace) -> int:

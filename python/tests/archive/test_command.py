@@ -27,6 +27,13 @@ def test_dates_may_be_years_or_months():
     assert [str(_until(text)) for text in ("2020", "2020-02", "2020-12", "2020-02-03")] == ["2020-12-31", "2020-02-29", "2020-12-31", "2020-02-03"]
 
 
+@pytest.mark.parametrize("text", ["2020-13", "2020-00", "2020-06-25-9", "2021-02-29", "2020-06-00", "20", "0000", "2020-", "-2020", "x", "", "2020-06-2x"])
+@pytest.mark.parametrize("option", ["--since", "--until"])
+def test_dates_that_are_none_are_refused(option, text):
+    printed = archive("plan", "store", "source", f"{option}={text}", good=(2,))
+    assert f"{text}: expected a year, month or day of the calendar, such as 2020" in printed
+
+
 def test_a_source_that_is_not_there_is_an_error(tmp_path):
     archive("init", tmp_path / "store")
     assert "there is no such folder" in archive("run", tmp_path / "store", tmp_path / "nowhere", good=(1,))

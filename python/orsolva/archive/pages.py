@@ -47,7 +47,8 @@ def write_pages(
     Returns:
         stations by state
     """
-    (folder / "stations").mkdir(parents=True, exist_ok=True)
+    if report is not None:
+        _check_address(report)
     rows: list[dict[str, Any]] = []
     heats: list[dict[str, npt.NDArray[np.float64]]] = []
     shared: set[NetworkChange] = set()
@@ -55,6 +56,9 @@ def write_pages(
     if last is None:
         raise ArchiveError(f"{archive.store.address}: there are no runs to show")
     first_of = archive.sql(f"SELECT min(date) FROM runs WHERE date >= '{since or '0001-01-01'}'").fetchall()[0][0]
+    if first_of is None or first_of > last:
+        raise ArchiveError(f"{archive.store.address}: there are no runs from {since} to {until or last}. Choose another --since or --until.")
+    (folder / "stations").mkdir(parents=True, exist_ok=True)
     first = max(first_of, last - datetime.timedelta(days=heat_days - 1))
     for trend in trends(archive, since, until):
         page = f"stations/{_file_name(trend.station)}.html"
@@ -190,12 +194,25 @@ def _change(change: StationChange) -> dict[str, Any]:
     return {**facts, "why": change.why, "network": change.network is not None, "text": str(change), "parts": parts}
 
 
+def _address(report: str, station: str, name: str, date: datetime.date) -> str:
+    return report.format(station=station, name=name, year=date.year, day=f"{date:%j}", date=str(date))
+
+
+def _check_address(report: str) -> None:
+    try:
+        _address(report, "", "", _EPOCH)
+    except (LookupError, ValueError, AttributeError, TypeError) as error:
+        raise ArchiveError(
+            f"--reports {report}: only {{station}}, {{name}}, {{year}}, {{day}} and {{date}} can be filled in. A brace of the address itself is written twice."
+        ) from error
+
+
 def _run(run: dict[str, Any], station: str, report: str | None) -> dict[str, Any]:
     date = run["date"]
-    names = {"station": station, "name": run["name"], "year": date.year, "day": f"{date:%j}", "date": str(date)}
     shown = {name: run[name] for name in ("name", "verdict", "state", "error")}
     slips = run["cycle_slips"]
-    return {**shown, "date": str(date), "slips": slips, "report": report.format(**names) if report and run["state"] != "failed" else None}
+    address = _address(report, station, run["name"], date) if report and run["state"] != "failed" else None
+    return {**shown, "date": str(date), "slips": slips, "report": address}
 
 
 def _events(archive: Archive, trend: StationTrend) -> list[dict[str, Any]]:

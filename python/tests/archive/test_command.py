@@ -86,6 +86,24 @@ def test_a_quiet_run_says_nothing_but_errors(network, tmp_path, undisturbed):
     assert "there is no such folder" in program("run", tmp_path / "store", tmp_path / "nowhere", "--quiet", good=(1,))
 
 
+@pytest.mark.parametrize("span", [["--since", "2031"], ["--until", "2025"], ["--since", "2026-02-02", "--until", "2026-01-31"]])
+def test_a_page_of_days_without_runs_is_refused(undisturbed, tmp_path, span):
+    printed = archive("page", undisturbed, "--output", tmp_path / "pages", *span, good=(1,))
+    assert "there are no runs" in printed and not (tmp_path / "pages").exists()
+
+
+@pytest.mark.parametrize("address", ["{foo}", "{}", "{", "{year.x}", "{year[0]}", "{name:d}"])
+def test_an_address_of_reports_that_cannot_be_filled_in_is_refused(undisturbed, tmp_path, address):
+    printed = archive("page", undisturbed, "--output", tmp_path / "pages", "--reports", address, good=(1,))
+    assert f"--reports {address}: only {{station}}, {{name}}" in printed and not (tmp_path / "pages").exists()
+
+
+def test_an_address_of_reports_is_filled_in(undisturbed, tmp_path):
+    archive("page", undisturbed, "--output", tmp_path / "pages", "--reports", "{station}/{year}/{day}/{date}/{name}{{}}")
+    page = (tmp_path / "pages/stations/ST0000DNK.html").read_text()
+    assert '"ST0000DNK/2026/030/2026-01-30/ST0000DNK_R_20260300000_12M_01M_MO{}"' in page
+
+
 def test_the_program_leaves_pandas_out():
     """pyarrow imports it where it can; each process would take a quarter of a second for it."""
     code = "import sys, orsolva.archive.workers as workers, pyarrow as pa; workers.without_pandas(); pa.array(['x']); print('pandas' in sys.modules)"

@@ -1,7 +1,9 @@
 """One file from its bytes to rows: what a worker does. Workers write nothing."""
 from __future__ import annotations
 
+import atexit
 import contextlib
+import functools
 import io
 import os
 import tempfile
@@ -128,12 +130,19 @@ class _Judge:
         return self._navigation[1]
 
 
+@functools.cache
 def _written(profile: str) -> str:
-    """A file with a profile's text, for the life of this process."""
-    path = os.path.join(tempfile.gettempdir(), f"orsolva-profile-{os.getpid()}.toml")
-    with open(path, "w", encoding="utf-8") as file:
+    """A file with a profile's text, for the life of this process. It is new: the folder is everybody's."""
+    handle, path = tempfile.mkstemp(prefix="orsolva-profile-", suffix=".toml")
+    atexit.register(_remove, path)
+    with open(handle, "w", encoding="utf-8") as file:
         file.write(profile)
     return path
+
+
+def _remove(path: str) -> None:
+    with contextlib.suppress(OSError):
+        os.unlink(path)
 
 
 def failure(job: Job, settings: Settings, error: str) -> Rows:

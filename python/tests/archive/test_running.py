@@ -13,7 +13,7 @@ import pytest
 
 import orsolva
 import orsolva.archive
-from conftest import archive, started, sums
+from conftest import archive, program, started, sums
 from orsolva.archive.lease import EXPIRES_S, Lease
 from orsolva.archive.places import Folder
 from orsolva.archive.progress import Progress, span_of
@@ -217,6 +217,35 @@ def test_a_chunk_that_cannot_be_judged_costs_no_other(tmp_path, own_network, mon
     archive("run", tmp_path / "store", own_network)
     with orsolva.archive.open(tmp_path / "store") as opened:
         assert opened.sql("SELECT count(*) FROM runs WHERE state = 'judged'").fetchall() == [(12,)]
+
+
+def test_a_profile_is_written_to_a_file_of_its_own_that_is_removed(tmp_path):
+    """Once per process; a link that waits under a name that can be guessed leads nowhere."""
+    code = """
+import os, pathlib, sys, tempfile
+victim = pathlib.Path(sys.argv[1]) / "victim"
+victim.write_text("mine")
+os.symlink(victim, f"{tempfile.gettempdir()}/orsolva-profile-{os.getpid()}.toml")
+from orsolva.archive.judge import _written
+path = _written("text")
+assert path == _written("text") and open(path).read() == "text" and os.stat(path).st_mode & 0o077 == 0
+assert victim.read_text() == "mine"
+print(path)
+"""
+    (tmp_path / "shared").mkdir()
+    environment = {**os.environ, "TMPDIR": str(tmp_path / "shared")}
+    done = subprocess.run([sys.executable, "-c", code, str(tmp_path)], capture_output=True, text=True, env=environment)
+    assert done.returncode == 0, done.stderr
+    assert done.stdout.startswith(f"{tmp_path}/shared/") and not pathlib.Path(done.stdout.strip()).exists()
+
+
+def test_workers_leave_no_profile_behind(tmp_path, network):
+    (tmp_path / "shared").mkdir()
+    archive("init", tmp_path / "store", "--profile", pathlib.Path(__file__).resolve().parents[3] / "host/report/profiles/station.toml")
+    program("run", tmp_path / "store", network, "--workers", 2, env={**os.environ, "TMPDIR": str(tmp_path / "shared")})
+    assert list((tmp_path / "shared").iterdir()) == []
+    with orsolva.archive.open(tmp_path / "store") as opened:
+        assert opened.sql("SELECT count(*) FROM runs WHERE profile_passed IS NOT NULL").fetchall() == [(12,)]
 
 
 class Terminal(list):

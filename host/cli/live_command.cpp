@@ -53,8 +53,8 @@ live::StationSettings StationOf(const LiveRequest& request, const std::string& s
   live::StationSettings station;
   station.source = source;
   station.navigation = request.navigation;
-  station.user = request.user.empty() ? live::EnvironmentText("ORSOLVA_NTRIP_USER") : request.user;
-  station.password = PasswordOf(request);
+  station.common_user = request.user.empty() ? live::EnvironmentText("ORSOLVA_NTRIP_USER") : request.user;
+  station.common_password = PasswordOf(request);
   station.certificates = request.certificates;
   station.elevation_cutoff_deg = request.cutoff_deg;
   if (request.position.source == PositionSource::kOption) station.position_m = request.position.xyz_m;

@@ -17,7 +17,8 @@ struct StationSettings {
   std::string name;
   std::string source;                               ///< with secrets: never shown; StationState::source is
   std::string navigation;                           ///< second source, of ephemerides alone; empty: none
-  std::string user, password;                       ///< of a caster; empty: those in the source
+  std::string user, password;                       ///< of the station's caster alone; empty: see below
+  std::string common_user, common_password;         ///< of every caster whose station and source have none
   std::string password_variable;                    ///< of the environment, that has the password; else empty
   std::optional<std::array<double, 3>> position_m;  ///< absent: of the stream, else computed
   double elevation_cutoff_deg = 10;

@@ -139,6 +139,18 @@ std::string SourceSpec::StationName() const {
   return name.substr(0, name.find('.', 1));  // a file may begin with a dot
 }
 
+void ChooseLogin(const Login& own, const Login& common, SourceSpec& spec) {
+  Login chosen;
+  for (const Login& login : {own, Login{spec.user, spec.password}, common}) {
+    const bool fits = login.user.empty() || chosen.user.empty() || login.user == chosen.user;
+    if (!fits) continue;
+    if (chosen.user.empty()) chosen.user = login.user;
+    if (chosen.password.empty()) chosen.password = login.password;
+  }
+  spec.user = chosen.user;
+  spec.password = chosen.password;
+}
+
 void ShareLogin(const SourceSpec& first, SourceSpec& second) {
   if (second.kind != SourceKind::kNtrip || !second.user.empty()) return;
   const bool same = first.host == second.host && first.port == second.port && (second.tls || !first.tls);

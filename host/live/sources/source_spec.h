@@ -31,6 +31,16 @@ struct SourceSpec {
 /// @return an empty text, or what is wrong with it, without secrets
 std::string ParseSource(const std::string& text, SourceSpec& spec);
 
+struct Login {
+  std::string user, password;  ///< empty: none
+};
+
+/// Chooses user and password of a caster: the station's own come before those in the source's address, and
+/// these before the common ones. Both come from one place. Only a password that is missing is completed from
+/// the next place, where that names the same user or none; so no caster gets the password of another one's
+/// user.
+void ChooseLogin(const Login& own, const Login& common, SourceSpec& spec);
+
 /// Gives a second source without a user the user and password of the first: on the same caster, and not
 /// without TLS where the first has it. Another caster, which may be another operator's, gets neither; where
 /// the first source is no caster they can only be meant for the second.

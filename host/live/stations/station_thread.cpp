@@ -93,8 +93,8 @@ StationThread::StationThread(StationSettings settings, SourceSpec spec, LiveBoar
     : settings_(Dated(std::move(settings), spec, failure_)),
       spec_(std::move(spec)),
       judge_(settings_, spec_.Shown(), IsReplay(spec_, settings_), board) {
-  if (!settings_.user.empty()) spec_.user = settings_.user;
-  if (!settings_.password.empty()) spec_.password = settings_.password;
+  ChooseLogin({settings_.user, settings_.password}, {settings_.common_user, settings_.common_password},
+              spec_);
 }
 
 StationThread::~StationThread() {

@@ -88,6 +88,32 @@ TEST(SourceSpec, LoginsGoToTheSameCasterOnly) {
   EXPECT_EQ(SharedUser("tcp://h:5", "ntrip://other/EPH"), "settings") << "can be meant for this one only";
 }
 
+/// What a caster is sent, "user:password".
+std::string Chosen(const Login& own, const char* address, const Login& common) {
+  SourceSpec spec;
+  EXPECT_EQ(ParseSource(address, spec), "");
+  ChooseLogin(own, common, spec);
+  return spec.user + ":" + spec.password;
+}
+
+TEST(SourceSpec, TheStationsLoginComesBeforeTheAddressAndThatBeforeTheCommonOne) {
+  const Login common = {"common", "c"};
+  EXPECT_EQ(Chosen({"own", "o"}, "ntrip://me:p@h/M", common), "own:o");
+  EXPECT_EQ(Chosen({}, "ntrip://me:p@h/M", common), "me:p");
+  EXPECT_EQ(Chosen({}, "ntrip://h/M", common), "common:c");
+  EXPECT_EQ(Chosen({}, "ntrip://me:p@h/M", {}), "me:p");
+}
+
+TEST(SourceSpec, APasswordGoesWithItsUserOnly) {
+  const Login common = {"common", "c"};
+  EXPECT_EQ(Chosen({"own", ""}, "ntrip://me:p@h/M", common), "own:");
+  EXPECT_EQ(Chosen({}, "ntrip://me@h/M", common), "me:");
+  EXPECT_EQ(Chosen({}, "ntrip://common@h/M", common), "common:c");
+  EXPECT_EQ(Chosen({}, "ntrip://me@h/M", {"", "c"}), "me:c")
+      << "a password without a user can be meant only so";
+  EXPECT_EQ(Chosen({"", "o"}, "ntrip://me:p@h/M", common), "me:o");
+}
+
 TEST(GgaLine, HasDegreesMinutesAndChecksum) {
   // The checksum is the exclusive or of the characters between $ and *, here summed by hand from the line.
   const std::string line = GgaLine({-33.5, 151.25, 12.34}, 3661);

@@ -18,7 +18,8 @@ from service import Service, simulate  # noqa: E402
 SECONDS = 20
 # (user, password) by where they are given; characters that are coded in an address.
 LOGINS = {"URL": ("url-User-31", "url/Secret:77"), "FILE": ("file-User-32", "file-Secret-78"),
-          "ENVIRONMENT": ("env-User-33", "env-Secret-79"), "NAV": ("nav-User-34", "nav-Secret-80")}
+          "ENVIRONMENT": ("env-User-33", "env-Secret-79"), "NAV": ("nav-User-34", "nav-Secret-80"),
+          "COMMON": ("common-User-35", "common-Secret-81")}
 PATHS = ("", "state.json", "metrics", "events.json?after=0&wait=0", *(f"state.json?station={name}" for name in LOGINS),
          "state.json?station=REFUSED", "none")
 
@@ -55,6 +56,8 @@ def stations_of(port, folder):
         "FILE": {"source": address("FILE"), "user": LOGINS["FILE"][0], "password_file": password_file},
         "ENVIRONMENT": {"source": address("ENVIRONMENT"), "user": LOGINS["ENVIRONMENT"][0], "password_env": "CASTER_WORD"},
         "NAV": {"source": address("NAV", LOGINS["NAV"]), "nav": address("NONE", LOGINS["NAV"])},
+        # The login of the environment goes to the one that has no other; NAV and the rest keep theirs.
+        "COMMON": address("COMMON"),
         "REFUSED": address("REFUSED", LOGINS["URL"]),
     }
 
@@ -63,9 +66,11 @@ def check_service(program, folder, epochs):
     said = pathlib.Path(folder, "environment.txt")
     with Caster(mounts_of(epochs)) as caster:
         service = Service(program, stations_of(caster.port, folder), "--state", f"{folder}/state", "--reports",
-                          f"{folder}/reports", "--on-alarm", f"env >> {said}", environment={"CASTER_WORD": LOGINS["ENVIRONMENT"][1]})
+                          f"{folder}/reports", "--on-alarm", f"env >> {said}", environment={
+                              "CASTER_WORD": LOGINS["ENVIRONMENT"][1], "ORSOLVA_NTRIP_USER": LOGINS["COMMON"][0],
+                              "ORSOLVA_NTRIP_PASSWORD": LOGINS["COMMON"][1]})
         with service:
-            for name in ("FILE", "ENVIRONMENT", "NAV"):
+            for name in ("FILE", "ENVIRONMENT", "NAV", "COMMON"):
                 service.until(lambda: service.stations()[name]["epochs"] >= SECONDS, 60)
             service.until(lambda: "401" in (service.stations()["REFUSED"]["problem"] or ""), 30)
             service.until(lambda: said.exists() and "ORSOLVA_ALARM=data_gap" in said.read_text(encoding="utf-8"), 60)

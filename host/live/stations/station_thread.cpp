@@ -313,10 +313,14 @@ void StationThread::ReadKeptEphemerides() {
     ephemeris_file_->Changed();
     ReadEphemerisFile();
   }
-  if (KeptPath().empty() || !std::filesystem::exists(KeptPath())) return;
-  const std::int64_t near_ns = settings_.start_gps_ns.value_or(Now());
-  const FileEphemerides kept = ReadEphemerides(KeptPath(), near_ns);
-  judge_.UseEphemerides(kept.messages, kept.records, near_ns);
+  try {
+    if (KeptPath().empty() || !std::filesystem::exists(KeptPath())) return;
+    const std::int64_t near_ns = settings_.start_gps_ns.value_or(Now());
+    const FileEphemerides kept = ReadEphemerides(KeptPath(), near_ns);
+    judge_.UseEphemerides(kept.messages, kept.records, near_ns);
+  } catch (const std::exception& error) {  // a loss of minutes: the stream sends them again
+    judge_.EphemeridesFailed(error.what());
+  }
 }
 
 void StationThread::ReadEphemerisFile() {

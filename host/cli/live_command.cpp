@@ -81,7 +81,7 @@ live::ServiceSettings ServiceOf(const LiveRequest& request) {
 class EventLines {
  public:
   /// @throws RunError when the file cannot be opened
-  explicit EventLines(const std::string& path) {
+  explicit EventLines(const std::string& path) : path_(path) {
     if (path.empty() || path == "-") return;
     file_.open(path, std::ios::app | std::ios::binary);
     if (!file_) throw RunError(path + ": the file of events cannot be written.");
@@ -89,6 +89,7 @@ class EventLines {
   void Write(const std::string& line) {
     if (file_.is_open()) {
       file_ << line << std::flush;
+      if (!file_) LineLost();
     } else {
       std::fwrite(line.data(), 1, line.size(), stdout);
       if (std::fflush(stdout) != 0 && IsOutputClosed()) nobody_reads_ = true;
@@ -96,9 +97,19 @@ class EventLines {
   }
   /// Whether what reads standard output has gone, as after `| head -1`.
   bool NobodyReads() const { return nobody_reads_; }
+  /// Whether a line could not be written to the file.
+  bool LostAny() const { return lost_any_; }
 
  private:
+  /// Said once; the next line is tried again, as when there is room on the disk again.
+  void LineLost() {
+    file_.clear();
+    if (!lost_any_.exchange(true)) PrintError(path_ + ": events could not be written.");
+  }
+
+  std::string path_;
   std::ofstream file_;
+  std::atomic<bool> lost_any_{false};
   std::atomic<bool> nobody_reads_{false};
 };
 
@@ -127,6 +138,7 @@ int RunLive(const LiveRequest& request) {
     std::this_thread::sleep_for(kLook);
   service.Stop();
   for (const std::string& failure : service.Failures()) PrintError(failure);
+  if (lines.LostAny()) return kRunFailed;
   if (InterruptExitCode() != 0) return kGood;  // the usual end of a service
   if (!service.Failures().empty()) return kRunFailed;
   return request.exit_by_alarms && service.AnyAlarm() ? kVerdictFailed : kGood;

@@ -1,4 +1,4 @@
-"""What `orsolva live` does when one of the files that it keeps or writes is bad.
+"""What `orsolva live` does when a file that it keeps or writes is bad.
 
 usage: own_files_test.py PROGRAM
 """
@@ -44,6 +44,15 @@ class OwnFilesTest(unittest.TestCase):
             self.assertIn(str(kept), notes[0])
             self.assertGreater(len(kept.read_bytes()), 1000)
             self.assertNotEqual(kept.read_bytes(), damaged)
+
+    def test_events_that_cannot_be_written_are_said_once_and_in_the_exit_code(self):
+        done = self.replay("--events", "/dev/full")
+        self.assertEqual(done.returncode, 1, done.stderr)
+        self.assertEqual(done.stderr.count("/dev/full"), 1, done.stderr)
+        good = pathlib.Path(self.folder.name, "events.jsonl")
+        done = self.replay("--events", good)
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        self.assertGreater(good.stat().st_size, 0)
 
 
 if __name__ == "__main__":

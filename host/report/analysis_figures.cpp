@@ -106,7 +106,7 @@ Rows<Owner> SlipRows() {
       Row<Owner>("phase_jumps",                FigureKind::kEvents,      In<&Owner::slips, &SlipFigures::unknown_size>, {"Jumps", 6, 0}),
       SumRow<Owner>("tested_steps",               FigureKind::kSteps,       In<&Owner::slips, &SlipFigures::tested_steps>),
       Row<Owner>("untested_steps",             FigureKind::kSteps,       In<&Owner::slips, &SlipFigures::untested_steps>),
-      SumRow<Owner>("weakly_tested_steps",        FigureKind::kSteps,       In<&Owner::slips, &SlipFigures::weakly_tested_steps>),
+      Row<Owner>("weakly_tested_steps",        FigureKind::kSteps,       In<&Owner::slips, &SlipFigures::weakly_tested_steps>),
       SumRow<Owner>("observations_per_slip",      FigureKind::kObservations, In<&Owner::slips, &SlipFigures::observations_per_slip>),
       SumRow<Owner>("observations_without_slip",  FigureKind::kEpochs,      In<&Owner::slips, &SlipFigures::observations_without_slip>),
       Row<Owner>("slips_per_1000_observations", FigureKind::kNumber,     In<&Owner::slips, &SlipFigures::slips_per_1000>),

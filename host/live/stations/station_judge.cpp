@@ -173,11 +173,12 @@ void StationJudge::TakeMessage(std::string_view message, std::int64_t now_ns) {
 void StationJudge::TakeOwnEphemerides(std::int64_t now_ns) {
   const auto messages = decoder_->TakeEphemerides();
   const BroadcastRecords records = decoder_->TakeBroadcast();
-  if (!messages.empty()) AddEphemerides(messages, records, now_ns);
+  if (!messages.empty()) AddEphemerides(messages, records, EphemerisBook::Origin::kStream, now_ns);
 }
 
 std::set<char> StationJudge::AddEphemerides(const std::vector<rtcm::EphemerisMessage>& messages,
-                                            const BroadcastRecords& records, std::int64_t now_ns) {
+                                            const BroadcastRecords& records, EphemerisBook::Origin origin,
+                                            std::int64_t now_ns) {
   if (!first_ephemeris_ns_) first_ephemeris_ns_ = now_ns;
   std::set<char> systems = book_.Add(messages, records);
   for (const StateVectorRecord& record : records.state_vectors) {
@@ -189,7 +190,8 @@ std::set<char> StationJudge::AddEphemerides(const std::vector<rtcm::EphemerisMes
 
 void StationJudge::UseFile(const std::vector<rtcm::EphemerisMessage>& messages,
                            const BroadcastRecords& records, std::int64_t now_ns) {
-  for (const char system : AddEphemerides(messages, records, now_ns)) last_ephemeris_ns_[system] = now_ns;
+  for (const char system : AddEphemerides(messages, records, EphemerisBook::Origin::kFile, now_ns))
+    last_ephemeris_ns_[system] = now_ns;
 }
 
 void StationJudge::TakeEphemerides(const std::vector<rtcm::EphemerisMessage>& messages,
@@ -208,14 +210,18 @@ void StationJudge::EphemeridesFailed(const std::string& problem) {
 }
 
 void StationJudge::TakeForeignEphemerides(std::int64_t now_ns) {
-  const std::lock_guard lock(foreign_.mutex);
-  if (!foreign_.messages.empty()) {
-    AddEphemerides(foreign_.messages, foreign_.records, now_ns);
-    for (const auto& message : foreign_.messages) last_ephemeris_ns_[SystemOf(message)] = now_ns;
-    foreign_.messages.clear();
-    foreign_.records = {};
+  std::vector<rtcm::EphemerisMessage> messages;
+  BroadcastRecords records;
+  std::string problem;
+  {
+    const std::lock_guard lock(foreign_.mutex);
+    messages.swap(foreign_.messages);
+    std::swap(records, foreign_.records);
+    problem.swap(foreign_.problem);
   }
-  if (!foreign_.problem.empty()) Note("no_ephemerides", std::exchange(foreign_.problem, {}), now_ns);
+  if (!messages.empty()) AddEphemerides(messages, records, EphemerisBook::Origin::kStream, now_ns);
+  for (const auto& message : messages) last_ephemeris_ns_[SystemOf(message)] = now_ns;
+  if (!problem.empty()) Note("no_ephemerides", std::move(problem), now_ns);
 }
 
 // What the stream says of its station

@@ -64,7 +64,7 @@ class StationJudge {
   /// Those kept from the start before, by the station's thread.
   void UseEphemerides(const std::vector<rtcm::EphemerisMessage>& messages, const BroadcastRecords& records,
                       std::int64_t now_ns) {
-    AddEphemerides(messages, records, now_ns);
+    AddEphemerides(messages, records, EphemerisBook::Origin::kStream, now_ns);
   }
 
   /// Something could not be kept or written; judging goes on.
@@ -100,7 +100,8 @@ class StationJudge {
   void TakeOwnEphemerides(std::int64_t now_ns);
   void TakeForeignEphemerides(std::int64_t now_ns);
   std::set<char> AddEphemerides(const std::vector<rtcm::EphemerisMessage>& messages,
-                                const BroadcastRecords& records, std::int64_t now_ns);
+                                const BroadcastRecords& records, EphemerisBook::Origin origin,
+                                std::int64_t now_ns);
   void NoteStation(std::int64_t now_ns);
   bool IsInOrder(std::int64_t gps_ns, std::int64_t now_ns);
   void ForgetFuture(std::int64_t now_ns);

@@ -11,7 +11,7 @@ namespace {
 
 constexpr double kShortest_s = 30;
 constexpr double kLongestTimes = 3;
-constexpr double kMinute_s = 60;
+constexpr double kLeastMinute_s = 1;
 constexpr double kOneBurst_s = 0.9;
 constexpr double kObservations_s = 120, kOthers_s = 600;
 
@@ -38,24 +38,33 @@ std::vector<int> TypesOf(const std::string& required) {
 }  // namespace
 
 void MessageWatch::Take(int type, std::int64_t now_ns) {
-  if (!began_ns_) began_ns_ = now_ns;
+  if (!began_ns_) began_ns_ = minute_ns_ = now_ns;
+  latest_ns_ = now_ns;
   Track& track = tracks_[type];
-  const double step_s = track.total > 0 ? Seconds(now_ns, track.last_ns) : kOneBurst_s;
+  const double step_s = track.total > 0 ? Seconds(now_ns, track.absent_since_ns) : kOneBurst_s;
   if (step_s >= kOneBurst_s) ++track.times;
   if (track.total > 0) track.longest_s = std::max(track.longest_s, step_s);
-  track.last_ns = now_ns;
+  track.last_ns = track.absent_since_ns = now_ns;
   ++track.total;
-  ++track.this_minute;
+  // Those at the beginning of the first minute end no interval.
+  if (now_ns > minute_ns_) ++track.this_minute;
 }
 
 void MessageWatch::Resume(std::int64_t now_ns) {
-  if (began_ns_) began_ns_ = now_ns;
-  for (auto& [type, track] : tracks_) track.last_ns = now_ns;
+  if (!began_ns_) return;
+  const std::int64_t away_ns = std::max<std::int64_t>(0, now_ns - latest_ns_);
+  latest_ns_ = now_ns;
+  *began_ns_ += away_ns;
+  minute_ns_ += away_ns;
+  for (auto& [type, track] : tracks_) track.absent_since_ns += away_ns;
 }
 
-void MessageWatch::EndMinute() {
+void MessageWatch::EndMinute(std::int64_t now_ns) {
+  const double covered_s = Seconds(now_ns, minute_ns_);
+  if (covered_s < kLeastMinute_s) return;
+  minute_ns_ = now_ns;
   for (auto& [type, track] : tracks_) {
-    if (track.this_minute > 0) track.interval_s = kMinute_s / static_cast<double>(track.this_minute);
+    if (track.this_minute > 0) track.interval_s = covered_s / static_cast<double>(track.this_minute);
     track.this_minute = 0;
   }
 }
@@ -65,7 +74,7 @@ std::vector<MessageWatch::Missing> MessageWatch::Announced(std::int64_t now_ns) 
   for (const auto& [type, track] : tracks_) {
     if (track.times < kAnnounced || !rtcm::IsDecoded(type) || !IsGlobal(type)) continue;
     const double allowed_s = std::max(kShortest_s, kLongestTimes * track.longest_s);
-    const double age_s = Seconds(now_ns, track.last_ns);
+    const double age_s = Seconds(now_ns, track.absent_since_ns);
     if (age_s > allowed_s) missing.push_back({std::to_string(type), age_s, allowed_s});
   }
   return missing;
@@ -81,7 +90,7 @@ std::vector<MessageWatch::Missing> MessageWatch::Required(const std::vector<std:
     for (const int type : TypesOf(entry)) {
       if (rtcm::HoldsObservations(type)) allowed_s = kObservations_s;
       const auto track = tracks_.find(type);
-      if (track != tracks_.end()) age_s = std::min(age_s, Seconds(now_ns, track->second.last_ns));
+      if (track != tracks_.end()) age_s = std::min(age_s, Seconds(now_ns, track->second.absent_since_ns));
     }
     if (age_s > allowed_s) missing.push_back({entry, age_s, allowed_s});
   }

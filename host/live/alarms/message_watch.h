@@ -20,10 +20,11 @@ class MessageWatch {
   static constexpr int kAnnounced = 4;
 
   void Take(int type, std::int64_t now_ns);
-  /// The stream was away: the time until now is nobody's absence.
+  /// The stream was away: the time since the last message is nobody's absence.
   void Resume(std::int64_t now_ns);
-  /// Begins another minute, of which mean intervals are.
-  void EndMinute();
+  /// Begins another minute, of which mean intervals are. Of the first one and of one in which the stream was
+  /// away, the time that was really covered counts.
+  void EndMinute(std::int64_t now_ns);
 
   struct Missing {
     std::string subject;  ///< "1077", or of required ones "1074|1077"
@@ -43,12 +44,15 @@ class MessageWatch {
     Count total = 0;
     int times = 0;
     std::int64_t last_ns = 0;
+    std::int64_t absent_since_ns = 0;  ///< last_ns, later by what the stream was away since
     double longest_s = 0;
     Count this_minute = 0;
     std::optional<double> interval_s;
   };
   std::map<int, Track> tracks_;
-  std::optional<std::int64_t> began_ns_;
+  std::optional<std::int64_t> began_ns_;  ///< later by what the stream was away
+  std::int64_t latest_ns_ = 0;            ///< of any type, or when the stream came back
+  std::int64_t minute_ns_ = 0;            ///< begin of the minute at hand, later by what the stream was away
 };
 
 }  // namespace orsolva_host::live

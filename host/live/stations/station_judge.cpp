@@ -434,7 +434,7 @@ void StationJudge::EndMinute(std::int64_t next_ns, std::int64_t now_ns) {
   if (runs_.Running()) runs_.RefreshSky();
   minutes_.CloseUntil(BeginOfMinute(next_ns));
   JudgeMinute(now_ns);
-  messages_.EndMinute();
+  messages_.EndMinute(now_ns);
   if (new_hour) book_.Prune(next_ns);
 }
 

@@ -14,13 +14,12 @@ namespace orsolva_host::live {
 namespace {
 
 constexpr double kLongestGapCounted_s = 86400;
+constexpr std::int64_t kLostOneByOne = 3600;
 constexpr std::size_t kPositionEpochs = 10;
 constexpr int kOutOfOrderIsNewTime = 30;
 constexpr double kFuture_s = 60;
 constexpr double kStuck_s = 60;  ///< messages come and no epoch: the decoder is restarted
 constexpr double kLook_s = 10;
-constexpr int kStepsForInterval = 600;
-constexpr double kMillisecond_ns = 1e6;
 constexpr std::size_t kMaxLatencies = 6000;
 constexpr double kSamePlace_m = 0.005;
 
@@ -137,6 +136,9 @@ void StationJudge::NewDecoder(std::optional<std::int64_t> near_ns) {
   rtcm::DecoderOptions options;
   options.near_ns = near_ns;
   options.epoch_end = rtcm::EpochEnd::kLastMessage;
+  if (decoder_) {
+    for (const auto& [type, count] : decoder_->Counts().types) earlier_damaged_[type] += count.damaged;
+  }
   decoder_ = std::make_unique<rtcm::Decoder>(options);
   if (near_ns) decoder_since_ns_ = *near_ns;
   for (const StateVectorRecord& record : book_.Records().state_vectors) {
@@ -180,7 +182,7 @@ std::set<char> StationJudge::AddEphemerides(const std::vector<rtcm::EphemerisMes
                                             const BroadcastRecords& records, EphemerisBook::Origin origin,
                                             std::int64_t now_ns) {
   if (!first_ephemeris_ns_) first_ephemeris_ns_ = now_ns;
-  std::set<char> systems = book_.Add(messages, records);
+  std::set<char> systems = book_.Add(messages, records, origin);
   for (const StateVectorRecord& record : records.state_vectors) {
     if (record.satellite.system == 'R' && record.channel)
       decoder_->TakeChannel(record.satellite.number, *record.channel);
@@ -288,15 +290,9 @@ void StationJudge::ForgetFuture(std::int64_t now_ns) {
 }
 
 void StationJudge::FindInterval(std::int64_t gps_ns) {
-  if (!latest_ns_ || steps_counted_ >= kStepsForInterval) return;
-  const auto step_ms =
-      static_cast<std::int64_t>(std::llround(static_cast<double>(gps_ns - *latest_ns_) / kMillisecond_ns));
-  if (step_ms <= 0) return;
-  ++steps_[step_ms];
-  ++steps_counted_;
-  const auto most = std::max_element(steps_.begin(), steps_.end(),
-                                     [](const auto& a, const auto& b) { return a.second < b.second; });
-  state_.interval_s = static_cast<double>(most->first) / 1000;
+  if (!latest_ns_) return;
+  steps_.Add(gps_ns - *latest_ns_);
+  state_.interval_s = steps_.Seconds();
 }
 
 void StationJudge::TakeEpoch(ObservationEpoch& epoch, std::int64_t now_ns) {
@@ -330,17 +326,24 @@ void StationJudge::TakeEpoch(ObservationEpoch& epoch, std::int64_t now_ns) {
   Judge(epoch, now_ns);
 }
 
-/// Nominal epochs between the latest and this one. After a day without any the count is restarted.
+/// Nominal epochs between the latest and this one. After a day without any the count is restarted. Beyond
+/// kLostOneByOne the sky is that of each minute's middle one: the work is that of the minutes of a day.
 void StationJudge::CountLost(std::int64_t gps_ns) {
   if (!latest_ns_ || !state_.interval_s) return;
   const double step_s = Seconds(gps_ns - *latest_ns_);
   const std::int64_t steps = std::llround(step_s / *state_.interval_s);
   if (steps < 2 || step_s > kLongestGapCounted_s) return;
   state_.epochs_lost_total += static_cast<Count>(steps - 1);
-  for (std::int64_t i = 1; i < steps; ++i) {
-    const std::int64_t lost_ns = *latest_ns_ + (gps_ns - *latest_ns_) / steps * i;
+  const std::int64_t step_ns = (gps_ns - *latest_ns_) / steps;
+  for (std::int64_t first = 1, last = 1; first < steps; first = last + 1) {
+    last = first;
+    if (steps > kLostOneByOne) {
+      const std::int64_t minute_ns = BeginOfMinute(*latest_ns_ + step_ns * first) + kMinute_ns;
+      last = std::min((minute_ns - 1 - *latest_ns_) / step_ns, steps - 1);
+    }
+    const std::int64_t lost_ns = *latest_ns_ + step_ns * ((first + last) / 2);
     if (sky_.Known()) sky_.MoveTo(lost_ns);
-    counter_.AddLost(lost_ns, sky_.Known() ? &sky_ : nullptr);
+    counter_.AddLost(lost_ns, static_cast<Count>(last - first + 1), sky_.Known() ? &sky_ : nullptr);
   }
 }
 

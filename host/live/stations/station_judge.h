@@ -27,6 +27,7 @@
 #include "host/live/windows/epoch_counter.h"
 #include "host/live/windows/minute_store.h"
 #include "host/live/windows/sky_view.h"
+#include "host/live/windows/step_interval.h"
 #include "host/live/windows/strength_watch.h"
 #include "host/live/windows/tracked_signals.h"
 
@@ -129,6 +130,7 @@ class StationJudge {
 
   rtcm::FrameScanner frames_;
   rtcm::FrameCounts earlier_frames_;                 ///< of connections before
+  std::map<int, Count> earlier_damaged_;             ///< of decoders before, by type
   Count minute_frames_ = 0, minute_crc_errors_ = 0;  ///< totals when the minute began
   std::unique_ptr<rtcm::Decoder> decoder_;
   std::int64_t decoder_since_ns_ = 0;
@@ -147,12 +149,11 @@ class StationJudge {
   StationAlarms alarms_;
   StationRuns runs_;
 
-  std::optional<std::int64_t> began_ns_;   ///< first time handed in
-  std::optional<std::int64_t> latest_ns_;  ///< time of the latest epoch
-  std::int64_t arrived_ns_ = 0;            ///< of the latest epoch
-  std::int64_t last_look_ns_ = 0;          ///< at messages
-  std::map<std::int64_t, int> steps_;      ///< between epochs, ms: how many
-  int steps_counted_ = 0;
+  std::optional<std::int64_t> began_ns_;            ///< first time handed in
+  std::optional<std::int64_t> latest_ns_;           ///< time of the latest epoch
+  std::int64_t arrived_ns_ = 0;                     ///< of the latest epoch
+  std::int64_t last_look_ns_ = 0;                   ///< at messages
+  StepInterval steps_;                              ///< between epochs
   int out_of_order_ = 0;                            ///< epochs in a row
   ObservationEpoch latest_epoch_;                   ///< of the last whole minute
   std::vector<double> latencies_s_;                 ///< of the minute at hand

@@ -43,7 +43,8 @@ void StationJudge::Publish(std::int64_t now_ns) {
   state->crc_errors_total = earlier_frames_.crc_errors + frames_.Counts().crc_errors;
   state->skipped_bytes_total = earlier_frames_.skipped_bytes + frames_.Counts().skipped_bytes;
   messages_.FillIn(now_ns, state->messages);
-  for (const auto& [type, count] : decoder_->Counts().types) state->messages[type].damaged = count.damaged;
+  for (const auto& [type, damaged] : earlier_damaged_) state->messages[type].damaged = damaged;
+  for (const auto& [type, count] : decoder_->Counts().types) state->messages[type].damaged += count.damaged;
   state->epoch_gps_ns = latest_ns_;
   StationIdentity& identity = state->identity;
   identity.id = described_.id;

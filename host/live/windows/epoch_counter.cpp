@@ -17,11 +17,11 @@ bool HasCodeAndPhase(const SignalObservation& signal) {
 
 }  // namespace
 
-void EpochCounter::BeginEpoch(std::int64_t gps_ns) {
+void EpochCounter::BeginEpochs(std::int64_t gps_ns, Count epochs) {
   const std::int64_t begin_ns = BeginOfMinute(gps_ns);
   if (begin_ns != minute_ns_) Flush();
   minute_ns_ = begin_ns;
-  ++sums_.epochs_expected;
+  sums_.epochs_expected += epochs;
 }
 
 void EpochCounter::Flush() {
@@ -34,20 +34,20 @@ void EpochCounter::Flush() {
   minutes_->Add(minute_ns_, std::exchange(sums_, {}));
 }
 
-void EpochCounter::AddExpected(std::int64_t gps_ns, const SkyView& sky) {
+void EpochCounter::AddExpected(std::int64_t gps_ns, Count epochs, const SkyView& sky) {
   for (const SatelliteId id : sky.Expected()) {
     TrackedSatellite* const satellite = signals_->Find(id);
     if (satellite == nullptr) continue;
     for (const TrackedSignal& signal : satellite->signals) {
       if (signal.last_seen_ns != 0 && gps_ns - signal.last_seen_ns < kDay_ns)
-        ++by_signal_[signal.shared].expected;
+        by_signal_[signal.shared].expected += epochs;
     }
   }
 }
 
-void EpochCounter::AddLost(std::int64_t gps_ns, SkyView* sky) {
-  BeginEpoch(gps_ns);
-  if (sky != nullptr) AddExpected(gps_ns, *sky);
+void EpochCounter::AddLost(std::int64_t gps_ns, Count epochs, SkyView* sky) {
+  BeginEpochs(gps_ns, epochs);
+  if (sky != nullptr) AddExpected(gps_ns, epochs, *sky);
 }
 
 void EpochCounter::AddSignal(const SignalObservation& observed, TrackedSignal& tracked, double elevation_deg,
@@ -65,7 +65,7 @@ void EpochCounter::AddSignal(const SignalObservation& observed, TrackedSignal& t
 }
 
 void EpochCounter::Add(const ObservationEpoch& epoch, SkyView* sky) {
-  BeginEpoch(epoch.time_ns);
+  BeginEpochs(epoch.time_ns, 1);
   if (!epoch.signals.empty()) ++sums_.epochs_present;
   sums_.satellite_epochs += epoch.satellites.size();
   elevations_deg_.assign(epoch.satellites.size(), kAbsent);
@@ -82,7 +82,7 @@ void EpochCounter::Add(const ObservationEpoch& epoch, SkyView* sky) {
   }
   by_signal_.resize(signals_->Shared().size());
   if (sky != nullptr) {
-    AddExpected(epoch.time_ns, *sky);
+    AddExpected(epoch.time_ns, 1, *sky);
     for (const SatelliteId id : sky->Expected()) ++by_system_[id.system].expected;
   }
   for (std::size_t s = 0; s < epoch.satellites.size(); ++s) {

@@ -28,8 +28,9 @@ class EpochCounter {
 
   /// Takes an epoch. @param sky  moved to its time; null while elevations are not known
   void Add(const ObservationEpoch& epoch, SkyView* sky);
-  /// Counts a nominal epoch that was lost. @param sky  moved to its time
-  void AddLost(std::int64_t gps_ns, SkyView* sky);
+  /// Counts nominal epochs of one minute that were lost. @param gps_ns  of one of them, for all
+  /// @param sky  moved to that time
+  void AddLost(std::int64_t gps_ns, Count epochs, SkyView* sky);
   /// Hands what was counted over to the minutes.
   void Flush();
   /// The same, and any time may follow.
@@ -49,8 +50,8 @@ class EpochCounter {
   const std::map<char, Presence>& PresentOfSystems() const { return by_system_; }
 
  private:
-  void BeginEpoch(std::int64_t gps_ns);
-  void AddExpected(std::int64_t gps_ns, const SkyView& sky);
+  void BeginEpochs(std::int64_t gps_ns, Count epochs);
+  void AddExpected(std::int64_t gps_ns, Count epochs, const SkyView& sky);
   void AddSignal(const SignalObservation& observed, TrackedSignal& tracked, double elevation_deg,
                  bool expected);
 

@@ -1,6 +1,7 @@
 // Streams whose times or messages are wrong for a while.
 #include <gtest/gtest.h>
 
+#include <ctime>
 #include <string>
 
 #include "host/formats/rtcm/frame.h"
@@ -74,6 +75,36 @@ TEST(WrongTimes, AfterThirtyEpochsBehindAFutureTheWindowsFollowThem) {
   // From 280 s on; the last whole minute ends at 960 s.
   EXPECT_EQ(state.windows[1].sums.epochs_present, 680U);
   EXPECT_EQ(state.windows[2].sums.epochs_present, 680U);
+}
+
+TEST(WrongTimes, AFineIntervalAndALongGapAreCountedByTheMinute) {
+  Station station;
+  std::int64_t now_ns = kStart_ns;
+  for (int i = 0; i < 5; ++i, now_ns += kSecond_ns / 1000) station.Send(now_ns, now_ns);
+  const auto begin = std::clock();
+  for (int day = 1; day <= 5; ++day) station.Send(now_ns + day * (kDay_ns - kSecond_ns), now_ns);
+  const double taken_s = static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
+  const StationState state = station.State(now_ns);
+  const Count lost = static_cast<Count>(5 * (kDay_ns - kSecond_ns) / (kSecond_ns / 1000)) - 4;
+  EXPECT_EQ(state.epochs_lost_total, lost);
+  EXPECT_EQ(state.windows[2].sums.epochs_expected, 86'400'000U);
+  EXPECT_LT(taken_s, 1.0);  // one by one they are 432 million
+}
+
+/// 1077 with its type and nothing else.
+std::string DamagedMessage() { return std::string("\x43\x50", 2); }
+
+TEST(WrongTimes, ANewDecoderKeepsTheCountOfDamagedMessages) {
+  Station station;
+  station.judge.Take(rtcm::FrameOf(DamagedMessage()), kStart_ns);
+  EXPECT_EQ(station.State(kStart_ns).messages.at(1077).damaged, 1U);
+  station.judge.Disconnected("gone", false, kStart_ns);
+  station.judge.Connected(kStart_ns + kSecond_ns);  // without an epoch so far: dates may differ
+  EXPECT_EQ(station.State(kStart_ns).messages.at(1077).damaged, 1U);
+  station.judge.Take(rtcm::FrameOf(DamagedMessage()), kStart_ns + kSecond_ns);
+  const StationState state = station.State(kStart_ns);
+  EXPECT_EQ(state.messages.at(1077).damaged, 2U);
+  EXPECT_EQ(state.messages.at(1077).total, 2U);
 }
 
 }  // namespace

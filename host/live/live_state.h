@@ -111,8 +111,9 @@ struct LiveEvent {
   std::uint64_t id = 0;
   std::int64_t time_utc_ns = 0;  ///< of the host; of a replay the time of the stream as UTC
   std::string station;
-  std::string kind;     ///< of kAlarmKinds, or "connected", "disconnected", "hour", "ended",
-                        ///< "not_written" (a file), "not_judged" (a run failed; another follows)
+  std::string kind;     ///< of kAlarmKinds, or "connected", "disconnected", "hour", "ended", "not_written"
+                        ///< (a file), "no_ephemerides" (of the second source), "not_judged" (a run failed;
+                        ///< another follows)
   std::string subject;  ///< as in Alarm
   /// Of alarms whether it is raised or cleared; kNote for the other kinds.
   enum class State : std::uint8_t { kRaised, kCleared, kNote } state = State::kNote;

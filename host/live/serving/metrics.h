@@ -13,7 +13,7 @@ namespace orsolva_host::live {
 extern const char* const kPlainMetricsType;
 extern const char* const kOpenMetricsType;
 
-/// All metrics in the text format of Prometheus 0.0.4, some 200 series per station and none per satellite.
+/// All metrics in the text format of Prometheus 0.0.4, 100 to 200 series per station and none per satellite.
 /// Families that have no value yet are absent.
 std::string MetricsText(const std::vector<LiveBoard::StatePointer>& stations);
 

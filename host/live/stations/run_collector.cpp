@@ -4,11 +4,14 @@
 #include <cmath>
 #include <map>
 
+#include "host/analysis/slips/detector_constants.h"
+
 namespace orsolva_host::live {
 namespace {
 
-/// Epochs after which every event of an epoch is decided, one more than the detector's lead.
-constexpr std::size_t kDecided = 6;
+/// Epochs that are kept until the oldest one's events are all decided: itself, and one more after it than the
+/// detector's lead.
+constexpr std::size_t kDecided = analysis::kLead + 2;
 constexpr double kPerSquareMicro = 1e6;
 /// An RMS beyond it is a fault of the codes that is no multipath; its square would hide all others.
 constexpr double kMaxResidual_m = 1000;

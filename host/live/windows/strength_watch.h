@@ -20,7 +20,7 @@ namespace orsolva_host::live {
 
 /// Of a band in an epoch.
 struct BandDeparture {
-  std::string band;      ///< "L1/E1", "L2", "B3" and so on
+  std::string band;      ///< "L1/E1/B1C", "L2", "B3I" and so on
   int satellites = 0;    ///< that are compared
   double median_db = 0;  ///< negative: weaker than usual
 };

@@ -50,4 +50,16 @@ TEST(RunCollector, LeavesOutWhatIsNoMultipath) {
   EXPECT_EQ(store.Hour().signals.at({'G', "1C"}).multipath_values, 30U);
 }
 
+TEST(RunCollector, AnEpochIsDecidedFiveEpochsLater) {
+  MinuteStore store;
+  RunCollector collector(store);
+  for (int epoch = 0; epoch < 5; ++epoch) collector.AddEpoch(epoch, 7);
+  EXPECT_FALSE(collector.NextDecided());
+  collector.AddEpoch(5, 7);
+  const auto decided = collector.NextDecided();
+  ASSERT_TRUE(decided);
+  EXPECT_EQ(decided->gps_ns, 0);
+  EXPECT_FALSE(collector.NextDecided());
+}
+
 }  // namespace

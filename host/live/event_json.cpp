@@ -4,12 +4,12 @@
 
 #include <nlohmann/json.hpp>
 
+#include "host/live/windows/minute_store.h"
 #include "host/rinex/civil_time.h"
 
 namespace orsolva_host::live {
 
 std::string UtcText(std::int64_t utc_ns) {
-  constexpr std::int64_t kSecond_ns = 1'000'000'000;
   std::int64_t seconds = utc_ns / kSecond_ns;
   std::int64_t rest_ns = utc_ns % kSecond_ns;
   if (rest_ns < 0) {

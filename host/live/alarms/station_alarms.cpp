@@ -12,7 +12,6 @@
 namespace orsolva_host::live {
 namespace {
 
-constexpr std::int64_t kSecond_ns = 1'000'000'000;
 constexpr double kFirstEpoch_s = 30;  ///< from the start to the first epoch
 constexpr double kHold_s = 10;        ///< a lack of satellites lasts so long
 constexpr double kQuiet_s = 60;       ///< without a burst, until it is over

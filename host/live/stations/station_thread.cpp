@@ -12,6 +12,7 @@
 #include "host/analysis/geometry/station.h"
 #include "host/formats/rtcm/reader.h"
 #include "host/formats/rtcm/stream_clock.h"
+#include "host/live/windows/minute_store.h"
 #include "host/output/whole_file.h"
 #include "host/rinex/byte_source.h"
 
@@ -32,7 +33,6 @@ constexpr Count kCostEpochs = 60;
 std::int64_t Now() {
   const auto utc = std::chrono::system_clock::now().time_since_epoch();
   const std::int64_t utc_ns = std::chrono::duration_cast<std::chrono::nanoseconds>(utc).count();
-  constexpr std::int64_t kSecond_ns = 1'000'000'000;
   return utc_ns + rtcm::LeapSecondsAtUtc(utc_ns / kSecond_ns) * kSecond_ns;
 }
 

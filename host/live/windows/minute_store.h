@@ -16,7 +16,8 @@
 
 namespace orsolva_host::live {
 
-constexpr std::int64_t kMinute_ns = 60'000'000'000;
+constexpr std::int64_t kSecond_ns = 1'000'000'000;
+constexpr std::int64_t kMinute_ns = 60 * kSecond_ns;
 constexpr std::int64_t kHour_ns = 60 * kMinute_ns;
 
 /// The minute or hour of GPS time that a time lies in: GPS time began at a whole one of 1970's seconds.

@@ -1,5 +1,6 @@
 // Messages of streams that are away at times.
 #include "host/live/alarms/message_watch.h"
+#include "host/live/windows/minute_store.h"
 
 #include <gtest/gtest.h>
 
@@ -8,8 +9,6 @@
 namespace {
 
 using namespace orsolva_host::live;
-
-constexpr std::int64_t kSecond_ns = 1'000'000'000;
 
 MessageState StateOf(const MessageWatch& watch, int type, std::int64_t at_s) {
   std::map<int, MessageState> messages;

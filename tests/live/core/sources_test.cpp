@@ -9,6 +9,7 @@
 #include "host/live/sources/gga_line.h"
 #include "host/live/sources/source_spec.h"
 #include "host/live/sources/source_table.h"
+#include "host/live/windows/minute_store.h"
 
 #include <signal.h>
 #include <unistd.h>
@@ -22,8 +23,6 @@
 namespace {
 
 using namespace orsolva_host::live;
-
-constexpr std::int64_t kSecond_ns = 1'000'000'000;
 
 TEST(SourceSpec, ReadsACasterWithSecretsAndShowsNone) {
   SourceSpec spec;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/judging/judge_file.h"
+#include "host/live/windows/minute_store.h"
 #include "host/report/json_writer.h"
 #include "tests/live/core/judged_stream.h"
 
@@ -17,8 +18,6 @@ using namespace orsolva_host;
 using namespace orsolva_host::live;
 
 using namespace orsolva_test;
-
-constexpr std::int64_t kSecond_ns = 1'000'000'000;
 
 /// The report as JSON without what names the file and the part of it.
 nlohmann::json FiguresOf(nlohmann::json report) {

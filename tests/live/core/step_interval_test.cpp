@@ -1,12 +1,11 @@
 #include "host/live/windows/step_interval.h"
+#include "host/live/windows/minute_store.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
 using orsolva_host::live::StepInterval;
-
-constexpr std::int64_t kSecond_ns = 1'000'000'000;
 
 TEST(StepInterval, IsTheMostFrequentStep) {
   StepInterval interval;

@@ -8,13 +8,13 @@
 #include "host/formats/rtcm/rtcm_writer.h"
 #include "host/live/live_board.h"
 #include "host/live/stations/station_judge.h"
+#include "host/live/windows/minute_store.h"
 
 namespace {
 
 using namespace orsolva_host;
 using namespace orsolva_host::live;
 
-constexpr std::int64_t kSecond_ns = 1'000'000'000;
 constexpr std::int64_t kDay_ns = 24 * kHour_ns;
 /// 2020-06-23 00:00:00, a Tuesday: two days later is the same week.
 constexpr std::int64_t kStart_ns = 1'592'870'400 * kSecond_ns;

@@ -1,4 +1,5 @@
 #include "tests/live/serving/sample_board.h"
+#include "host/live/windows/minute_store.h"
 
 #include <cmath>
 #include <utility>
@@ -6,8 +7,6 @@
 namespace orsolva_host::live {
 namespace {
 
-constexpr std::int64_t kSecond_ns = 1'000'000'000;
-constexpr std::int64_t kMinute_ns = 60 * kSecond_ns;
 constexpr std::int64_t kGpsMinusUtc_ns = 18 * kSecond_ns;
 constexpr int kMinutesOfDay = 1440;
 

@@ -85,9 +85,8 @@ std::string WrongUsage(const CLI::App& parser, const CLI::ParseError& error) {
   return extras.empty() ? what : "'" + extras.front() + "' is one argument too many";
 }
 
-/// Refuses an option where a value belongs; the parser takes any word there. A file of such a name is given
-/// as
-/// ./--name or --option=--name.
+/// Refuses an option where a value belongs; the parser takes any word there.
+/// A file of such a name is given as ./--name or --option=--name.
 void RefuseOptionsAsValues(const Command& command, const std::vector<std::string>& arguments) {
   const auto find = [&command](const std::string& word) {
     return std::find_if(command.options.begin(), command.options.end(),

@@ -88,8 +88,7 @@ SignalReport SignalOf(const SystemRow& system, const code_qc_entry& e) {
   return s;
 }
 
-// Columns: key, kind, value, heading with width and decimals in the text report, decimals in the lines for
-// grep.
+// Columns: key, kind, value, heading with width and decimals in the text report, decimals in lines for grep.
 // clang-format off
 std::vector<FigureRow<Figures>> WholeRows() {
   return {

@@ -20,9 +20,13 @@ using namespace orsolva_host;
 constexpr double kMinRange_m = 1e6;
 constexpr double kMaxStrength_dbhz = 100;
 
-void CheckLength(const char* name, std::size_t found, std::size_t rows) {
-  if (found == rows || found == 0) return;
+[[noreturn]] void RefuseLength(const char* name, std::size_t found, std::size_t rows) {
   throw ArgumentError(fmt::format("{}: found {} values, expected one per row, {}", name, found, rows));
+}
+
+/// Of an array that may be missing.
+void CheckLength(const char* name, std::size_t found, std::size_t rows) {
+  if (found != rows && found != 0) RefuseLength(name, found, rows);
 }
 
 void CheckFinite(const char* name, std::span<const double> values) {
@@ -49,7 +53,7 @@ void CheckUnits(const PushedRows& rows) {
 }
 
 void CheckNames(const char* name, const NamesOfRows& names, std::size_t rows) {
-  if (names.places.size() != rows) CheckLength(name, names.places.size() + (rows == 0 ? 0 : rows + 1), rows);
+  if (names.places.size() != rows) RefuseLength(name, names.places.size(), rows);
   const auto words = static_cast<std::int32_t>(names.words.size());
   for (std::size_t row = 0; row < rows; ++row) {
     if (names.places[row] < 0 || names.places[row] >= words)

@@ -48,8 +48,8 @@ class StreamClock {
 
   bool Known() const { return latest_ns_.has_value(); }
   std::optional<std::int64_t> Latest() const { return latest_ns_; }
-  /// Sets the clock from a date of GLONASS, else from a week modulo 1024, if there was none better. @return
-  /// Known()
+  /// Sets the clock from a date of GLONASS, else from a week modulo 1024, if there was none better.
+  /// @return Known()
   bool UseWeakDate();
 
   // What ephemerides and texts say of the date. False: impossible, and ignored.

@@ -12,8 +12,7 @@ class LiveServer::Implementation {
 LiveServer::LiveServer(LiveBoard&, const ListenAddress&) {
   throw RunError(
       "this program was built without a server of metrics and pages: build it with cpp-httplib and "
-      "prometheus-cpp "
-      "(Debian: libcpp-httplib-dev and prometheus-cpp-dev), or leave the option --listen out");
+      "prometheus-cpp (Debian: libcpp-httplib-dev and prometheus-cpp-dev), or leave the option --listen out");
 }
 
 LiveServer::~LiveServer() = default;

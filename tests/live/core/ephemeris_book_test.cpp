@@ -12,7 +12,7 @@ using namespace orsolva_host::live;
 using Origin = EphemerisBook::Origin;
 
 constexpr double kNow_s = 1'592'870'400;
-constexpr std::int64_t kNow_ns = 1'592'870'400'000'000'000;
+constexpr std::int64_t kReferenceTime_ns = 1'592'870'400'000'000'000;
 
 /// A message 1019 of a satellite. @param content  makes it another one
 std::set<char> Add(EphemerisBook& book, int satellite, double toe_s, std::int64_t content,
@@ -64,7 +64,7 @@ TEST(EphemerisBook, PrunesWhatIsOldAndWhatAStreamHasFarAhead) {
   Add(book, 2, kNow_s + 7200, 2);
   Add(book, 3, kNow_s + 3 * 86400, 3);
   Add(book, 4, kNow_s + 86400, 4, Origin::kFile);  // of a file of the day that is replayed
-  book.Prune(kNow_ns);
+  book.Prune(kReferenceTime_ns);
   const BroadcastRecords records = book.Records();
   ASSERT_EQ(records.kepler.size(), 2U);
   EXPECT_EQ(records.kepler[0].satellite.number, 2);

@@ -191,9 +191,13 @@ def _words_of(counts: Counts) -> str:
     if counts.doubles:
         parts.append(f"{counts.doubles} left out, as another has the same data")
     if counts.unreadable:
-        parts.append(f"{counts.unreadable} left out that cannot be read (the first: {counts.first_unreadable})")
+        parts.append(_unreadable(counts))
     to_do = [f"{counts.new} new", f"{counts.changed} changed", f"{counts.repaired} to repair", f"{counts.done} done"]
     return f"{', '.join(parts)}\n{', '.join(to_do)}"
+
+
+def _unreadable(counts: Counts) -> str:
+    return f"{counts.unreadable} left out that cannot be read (the first: {counts.first_unreadable})"
 
 
 def _run(options: argparse.Namespace) -> int:
@@ -207,6 +211,8 @@ def _run(options: argparse.Namespace) -> int:
         with _planned(options, progress) as plan:
             if not options.quiet:
                 print(_words_of(plan.counts))
+            elif plan.counts.unreadable:
+                print(f"orsolva archive: {_unreadable(plan.counts)}", file=sys.stderr)
             if plan.counts.to_do == 0:
                 complete_unfinished(store, plan.choice)
                 return GOOD

@@ -3,6 +3,7 @@ from __future__ import annotations
 
 import contextlib
 import datetime
+import errno
 import hashlib
 import os
 import pathlib
@@ -17,6 +18,8 @@ from .settings import ArchiveError
 PART = ".part"
 # In place of what identifies the content of a file, when it was to be read for that and could not be.
 UNREADABLE = "unreadable"
+# The folder at the root of a file system that keeps what a repair finds; only root may read it.
+_OF_THE_FILE_SYSTEM = "lost+found"
 _BLOCK = 1 << 20
 LeftOut = Callable[[OSError], object]
 
@@ -106,7 +109,7 @@ class Folder:
 
     def names(self, below: str = "") -> Iterator[str]:
         top = self.root / below
-        for entry in _entries(str(top)):
+        for entry in _entries(str(top), passed_over=str(self.root / _OF_THE_FILE_SYSTEM)):
             yield os.path.relpath(entry.path, self.root)
 
     def listing(self, left_out: LeftOut | None = None) -> Iterator[Found]:
@@ -121,11 +124,22 @@ class Folder:
 
     @staticmethod
     def _found(path: str, status: os.stat_result) -> Found:
+        if not _is_utf8(path):
+            raise OSError(errno.EILSEQ, "the name is not UTF-8: rename it", path)
         return Found(path, status.st_size, f"time:{status.st_mtime_ns}")
 
 
-def _entries(top: str, left_out: LeftOut | None = None) -> Iterator[os.DirEntry[str]]:
-    """Files below a folder; links to folders are followed. Holds the names of the folders on the way only."""
+def _is_utf8(path: str) -> bool:
+    """Tables and databases hold names as UTF-8; those of files may be any bytes."""
+    try:
+        path.encode()
+    except UnicodeEncodeError:
+        return False
+    return True
+
+
+def _entries(top: str, left_out: LeftOut | None = None, passed_over: str = "") -> Iterator[os.DirEntry[str]]:
+    """Files below a folder but those of one folder; links to folders are followed. Holds the names of the folders on the way only."""
     folders = [top]
     while folders:
         folder = folders.pop()
@@ -135,7 +149,7 @@ def _entries(top: str, left_out: LeftOut | None = None) -> Iterator[os.DirEntry[
                     if not entry.is_dir():
                         if entry.is_file():
                             yield entry
-                    elif not _leads_up(entry):
+                    elif entry.path != passed_over and not _leads_up(entry):
                         folders.append(entry.path)
 
 

@@ -1,6 +1,7 @@
 """The command line: usage, errors, exit codes."""
 import os
 import pathlib
+import shutil
 import subprocess
 import sys
 
@@ -84,6 +85,21 @@ def test_a_quiet_run_says_nothing_but_errors(network, tmp_path, undisturbed):
     assert program("run", tmp_path / "store", network, "--quiet") == ""
     assert len(program("run", undisturbed, network).splitlines()) == 2
     assert "there is no such folder" in program("run", tmp_path / "store", tmp_path / "nowhere", "--quiet", good=(1,))
+
+
+@pytest.mark.parametrize("quiet", [[], ["--quiet"]])
+def test_a_name_that_is_not_utf8_costs_only_itself(network, tmp_path, quiet):
+    source = tmp_path / "source"
+    first, second, *_ = sorted(network.rglob("*_MO.rnx"))
+    odd = os.fsencode(source) + b"/caf\xe9"
+    os.makedirs(odd)
+    shutil.copy(first, source)
+    shutil.copy(os.fsencode(second), odd)
+    archive("init", tmp_path / "store")
+    printed = program("run", tmp_path / "store", source, "--workers", "0", *quiet)
+    assert "1 left out that cannot be read (the first: [Errno" in printed and "the name is not UTF-8" in printed
+    assert bool(quiet) == ("1 judged" not in printed)
+    assert "1 done" in archive("plan", tmp_path / "store", source)
 
 
 @pytest.mark.parametrize("span", [["--since", "2031"], ["--until", "2025"], ["--since", "2026-02-02", "--until", "2026-01-31"]])

@@ -8,6 +8,7 @@ import pytest
 import orsolva
 import orsolva.archive
 from conftest import FIRST_DAY, archive, simulate_file, sums
+from orsolva.archive.places import place
 from orsolva.archive.plan import Choice, Plan
 from orsolva.archive.store import Bundle, Store
 from orsolva.archive.tables import ALL_TABLES, TABLES, fitted, in_order, text_of
@@ -185,3 +186,10 @@ def test_a_plan_takes_days_and_shards():
     bundles = [Bundle(2026, month, bucket) for month in range(1, 13) for bucket in range(8)]
     shards = [[b for b in bundles if Choice(shard=(k, 3)).has(b)] for k in (1, 2, 3)]
     assert sorted(sum(shards, [])) == bundles and all(shards)
+
+
+def test_a_store_at_the_root_of_a_file_system_passes_over_lost_and_found(tmp_path):
+    for name in ("lost+found/a", "runs/lost+found/b", "c"):
+        (tmp_path / name).parent.mkdir(parents=True, exist_ok=True)
+        (tmp_path / name).touch()
+    assert sorted(place(str(tmp_path)).names()) == ["c", "runs/lost+found/b"]

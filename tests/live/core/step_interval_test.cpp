@@ -5,6 +5,7 @@
 
 namespace {
 
+using orsolva_host::live::kSecond_ns;
 using orsolva_host::live::StepInterval;
 
 TEST(StepInterval, IsTheMostFrequentStep) {

@@ -112,7 +112,7 @@ class NoEvents : public EventSink {
 void RunJudging(const std::string& path, Timing& timing) {
   DecodedStream stream(path);
   EphemerisBook book;
-  book.Add(stream.messages, stream.records);
+  book.Add(stream.messages, stream.records, EphemerisBook::Origin::kStream);
   const auto navigation = book.Navigation("bench");
   const ReadNavigation no_more;
   JudgingSettings settings;

@@ -1,7 +1,6 @@
 #include "host/formats/sbf/frame.h"
 
-#include <array>
-
+#include "host/formats/streams/crc.h"
 #include "host/formats/streams/little_endian.h"
 #include "host/observation/observation_epoch.h"
 
@@ -10,6 +9,7 @@ namespace {
 
 constexpr char kSync1 = '$';
 constexpr char kSync2 = '@';
+constexpr std::size_t kCheckSum = 2;
 constexpr std::size_t kChecked = 4;  // where the checked bytes begin
 constexpr std::size_t kId = 4;
 constexpr std::size_t kLength = 6;
@@ -23,33 +23,28 @@ constexpr std::int64_t kMillisecond_ns = kNanosecondsPerSecond / 1000;
 constexpr int kFirstWeek = 1356;  // 2006-01-01
 constexpr int kLastWeek = 6260;   // to the end of 2099; nanoseconds reach to 2262
 
-constexpr std::array<std::uint16_t, 256> CrcTable() {
-  std::array<std::uint16_t, 256> table = {};
-  for (unsigned byte = 0; byte < 256; ++byte) {
-    unsigned crc = byte << 8;
-    for (int bit = 0; bit < 8; ++bit) crc = (crc & 0x8000) != 0 ? crc << 1 ^ 0x1021 : crc << 1;
-    table[byte] = static_cast<std::uint16_t>(crc & 0xFFFF);
-  }
-  return table;
-}
+using Crc16 = Crc<16, 0x1021>;
 
-constexpr std::array<std::uint16_t, 256> kCrcTable = CrcTable();
-
-FrameCandidate Examine(std::string_view rest) {
+FrameCandidate Measure(std::string_view rest) {
   using Kind = FrameCandidate::Kind;
   if (rest.size() > 1 && rest[1] != kSync2) return {};
-  if (rest.size() < kHeadBytes) return {Kind::kIncomplete, 0, {}};
-  const std::size_t length = FieldAt<std::uint16_t>(rest, kLength);
-  if (length < kTimedHeadBytes || length % 4 != 0 || length > kMaxBlockBytes) return {};
-  if (rest.size() < length) return {Kind::kIncomplete, 0, {}};
-  const std::string_view block = rest.substr(0, length);
-  if (CrcCcitt(block.substr(kChecked)) != FieldAt<std::uint16_t>(block, 2)) return {Kind::kWrongCrc, 0, {}};
-  return {Kind::kFrame, length, block};
+  FrameCandidate found;
+  found.kind = Kind::kIncomplete;
+  if (rest.size() < kHeadBytes) return found;
+  found.size = FieldAt<std::uint16_t>(rest, kLength);
+  if (found.size < kTimedHeadBytes || found.size % 4 != 0 || found.size > kMaxBlockBytes) return {};
+  if (rest.size() < found.size) return found;
+  found.kind = Kind::kMeasured;
+  found.message = rest.substr(0, found.size);
+  found.checked_begin = kChecked;
+  found.checked_end = found.size;
+  found.check_sum = FieldAt<std::uint16_t>(rest, kCheckSum);
+  return found;
 }
 
 }  // namespace
 
-const FrameForm kFrameForm = {kSync1, Examine};
+const FrameForm kFrameForm = {kSync1, Measure, Crc16::Sum, Crc16::OfPart};
 
 bool HoldsEphemeris(int number) {
   return number == kGpsNav || number == kGloNav || number == kGalNav || number == kBdsNav ||
@@ -60,13 +55,7 @@ bool IsDecoded(int number) {
   return number == kMeasEpoch || number == kReceiverSetup || HoldsEphemeris(number);
 }
 
-std::uint16_t CrcCcitt(std::string_view bytes) {
-  unsigned crc = 0;
-  for (const char c : bytes) {
-    crc = (crc << 8 & 0xFFFF) ^ kCrcTable[(crc >> 8 ^ static_cast<unsigned char>(c)) & 0xFF];
-  }
-  return static_cast<std::uint16_t>(crc);
-}
+std::uint16_t CrcCcitt(std::string_view bytes) { return static_cast<std::uint16_t>(Crc16::Of(bytes)); }
 
 int NumberOf(std::string_view block) { return FieldAt<std::uint16_t>(block, kId) & kNumberMask; }
 

@@ -19,8 +19,8 @@ namespace orsolva_host::sbf {
 constexpr std::size_t kHeadBytes = 8;
 constexpr std::size_t kTimedHeadBytes = 14;  ///< with TOW and WNc, which every block has
 
-/// Far above 100 satellites with 6 signals each. A longer block is taken for chance: it would make every
-/// false beginning cost its length.
+/// Far above 100 satellites with 6 signals each. A longer block is taken for chance: a stream would wait for
+/// its end.
 constexpr std::size_t kMaxBlockBytes = 32768;
 
 // Numbers of blocks.

@@ -7,23 +7,30 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace orsolva_host {
 
-/// What bytes that begin like a frame are.
+/// What bytes that begin like a frame claim to be.
 struct FrameCandidate {
-  enum class Kind : std::uint8_t { kFrame, kWrongCrc, kNone, kIncomplete };
+  enum class Kind : std::uint8_t { kNone, kIncomplete, kMeasured };
 
   Kind kind = Kind::kNone;
-  std::size_t size = 0;      ///< of a frame, with its head and check sum
-  std::string_view message;  ///< of a frame: what the finder gives
+  std::size_t size = 0;                            ///< with head and check sum
+  std::size_t checked_begin = 0, checked_end = 0;  ///< of the bytes that the check sum is of
+  std::uint32_t check_sum = 0;                     ///< as the frame states it
+  std::string_view message;                        ///< what the finder gives
 };
 
-/// A kind of frames.
+/// A kind of frames. Its check sum is one of those whose value for a part follows from the sums before the
+/// part and before its end: so a false beginning does not cost the length that it claims.
 struct FrameForm {
   char first_byte;
   /// @param rest  at least one byte, the first byte of a frame
-  FrameCandidate (*examine)(std::string_view rest);
+  FrameCandidate (*measure)(std::string_view rest);
+  /// Appends the check sum of everything so far after each byte. @param sums  at first a single 0
+  void (*sum)(std::string_view bytes, std::vector<std::uint32_t>& sums);
+  std::uint32_t (*sum_of_part)(std::uint32_t before, std::uint32_t until, std::size_t bytes);
 };
 
 struct FrameCounts {
@@ -50,10 +57,13 @@ class FrameFinder {
   const FrameCounts& Counts() const { return counts_; }
 
  private:
+  bool IsRight(const FrameCandidate& found) const;
   void Skip(std::size_t bytes);
 
   FrameForm form_;
   std::string buffer_;
+  std::vector<std::uint32_t> sums_ = {
+      0};  ///< check sums of all bytes before each byte of the buffer, and its end
   std::size_t begin_ = 0;
   bool expected_ = true;  ///< a frame must begin here: the beginning, or right behind another frame
   bool finished_ = false;

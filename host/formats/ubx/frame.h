@@ -13,8 +13,8 @@
 
 namespace orsolva_host::ubx {
 
-/// The longest raw measurements have 16 + 255 * 32 bytes. A longer payload is taken for chance: its frame
-/// would make every false beginning cost its length.
+/// The longest raw measurements have 16 + 255 * 32 bytes. A longer payload is taken for chance: a stream
+/// would wait for its end.
 constexpr std::size_t kMaxPayloadBytes = 8192;
 
 /// CK_A in the low byte, CK_B in the high one (RFC 1145, 8-bit Fletcher). @param bytes  from the class on

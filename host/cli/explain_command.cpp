@@ -71,9 +71,8 @@ int Explain(const std::string& name) {
     std::fputs(FigureLines().c_str(), stdout);
     return kGood;
   }
-  const Figure* figure = FindFigure(name);
-  if (figure != nullptr) {
-    std::fputs(Explanation(*figure).c_str(), stdout);
+  if (const std::string text = ExplanationOf(name); !text.empty()) {
+    std::fputs(text.c_str(), stdout);
     return kGood;
   }
   if (IsBuiltInProfile(name)) {

@@ -29,7 +29,7 @@ std::vector<std::string> FactsOf(const Option& row) {
   std::vector<std::string> facts;
   if (!row.range.empty()) facts.push_back(row.range);
   if (row.kind == OptionKind::kChoice) facts.push_back(Joined(row.words, ", "));
-  if (!row.excludes.empty()) facts.push_back("not with --" + row.excludes);
+  if (!row.excludes.empty()) facts.push_back("not with --" + Joined(row.excludes, " or --"));
   return facts;
 }
 
@@ -151,12 +151,13 @@ const Option* Command::Find(const std::string& option) const {
 
 void CheckExclusions(const std::vector<GivenValue>& values) {
   for (const GivenValue& value : values) {
-    const std::string& other = value.option->excludes;
-    if (other.empty() || !IsOn(value)) continue;
-    const bool both = std::any_of(values.begin(), values.end(), [&other](const GivenValue& v) {
-      return v.option->name == other && IsOn(v);
-    });
-    if (both) throw UsageError("--" + value.option->name + " excludes --" + other);
+    if (!IsOn(value)) continue;
+    for (const std::string& other : value.option->excludes) {
+      const bool both = std::any_of(values.begin(), values.end(), [&other](const GivenValue& v) {
+        return v.option->name == other && IsOn(v);
+      });
+      if (both) throw UsageError("--" + value.option->name + " excludes --" + other);
+    }
   }
 }
 

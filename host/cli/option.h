@@ -40,9 +40,9 @@ struct Option {
   std::string group;               ///< heading in the help
   bool positional = false;
   bool required = false;
-  bool many = false;               ///< takes several values at a time; every option may be repeated
-  std::string excludes;            ///< name of an option that contradicts this one
-  bool command_line_only = false;  ///< makes no sense in a configuration file
+  bool many = false;                  ///< takes several values at a time; every option may be repeated
+  std::vector<std::string> excludes;  ///< names of options that contradict this one
+  bool command_line_only = false;     ///< makes no sense in a configuration file
 
   bool TakesValue() const { return kind != OptionKind::kSwitch && kind != OptionKind::kReport; }
   bool TakesFile() const {

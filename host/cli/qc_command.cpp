@@ -147,7 +147,7 @@ void AddGeneralOptions(QcRequest& request, std::vector<Option>& options) {
   };
   for (Option& row : rows) {
     row.group = "General";
-    if (row.name == "verbose") row.excludes = "quiet";
+    if (row.name == "verbose") row.excludes = {"quiet"};
     row.command_line_only = row.name == "config" || row.name == "no-config";
     options.push_back(std::move(row));
   }

@@ -12,6 +12,7 @@ namespace orsolva_host {
 namespace {
 
 std::filesystem::path WholePath(const std::string& path) {
+  if (path.empty()) throw ValidationError("the name of a file is empty: is a variable of the script unset?");
   return std::filesystem::absolute(path).lexically_normal();
 }
 

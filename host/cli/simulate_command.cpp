@@ -129,7 +129,9 @@ void WarnOfLateFaults(const Scenario& scenario) {
     return fault.random == 0 && fault.at_s >= scenario.hours * 3600;
   });
   if (late > 0) {
-    std::fprintf(stderr, "orsolva: %td faults begin after the end of the span and do not happen\n", late);
+    const char* text = late == 1 ? "fault begins after the end of the span and does not happen"
+                                 : "faults begin after the end of the span and do not happen";
+    std::fprintf(stderr, "orsolva: %td %s\n", late, text);
   }
 }
 
@@ -203,10 +205,10 @@ Command SimulateCommand() {
     if (row.name == "preset") {
       for (const Preset& preset : Presets()) row.words.emplace_back(preset.name);
     }
-    if (row.name == "scenario") row.excludes = "preset";
-    if (row.name == "rtcm") row.words = {"4", "7"}, row.excludes = "sbf";
-    if (row.name == "ubx") row.excludes = "rtcm";
-    if (row.name == "sbf") row.excludes = "ubx";
+    if (row.name == "scenario") row.excludes = {"preset"};
+    if (row.name == "rtcm") row.words = {"4", "7"}, row.excludes = {"sbf", "ubx"};
+    if (row.name == "ubx") row.excludes = {"rtcm", "sbf"};
+    if (row.name == "sbf") row.excludes = {"rtcm", "ubx"};
     row.many = row.name == "faults";
   }
   return {"simulate",

@@ -20,6 +20,8 @@ extern const char* const kFigureTexts;
 
 namespace {
 
+constexpr std::size_t kWidth = 80;
+
 constexpr std::pair<const char*, std::string Figure::*> kFields[] = {
     {"aliases", &Figure::aliases}, {"title", &Figure::title},
     {"column", &Figure::column},   {"formula", &Figure::formula},
@@ -85,9 +87,32 @@ std::string FieldOf(const toml::table& all, const toml::table& figure, const cha
   return OneLine(all["default"][field].value_or(std::string()));
 }
 
+constexpr const char* kByAnalysis = "the analysis of this program";
+
 const char* TextOf(FigureSource source) {
-  if (source == FigureSource::kAnalysis) return "the analysis of this program";
+  if (source == FigureSource::kAnalysis) return kByAnalysis;
   return source == FigureSource::kFile ? "this program, from the files" : "the library";
+}
+
+bool HasHeading(const Figure& figure, const std::string& name) {
+  return name == Lower(figure.column) ||
+         std::any_of(figure.headings.begin(), figure.headings.end(),
+                     [&name](const std::string& heading) { return name == Lower(heading); });
+}
+
+/// The figures of a heading or another name: those of the analysis, whose tables come first, before the
+/// library's.
+std::vector<const Figure*> FiguresCalled(const std::string& name) {
+  std::vector<const Figure*> called;
+  for (const Figure& figure : FigureTexts()) {
+    if (name == figure.key || HasHeading(figure, name) || HasAlias(figure, name)) called.push_back(&figure);
+  }
+  std::stable_partition(called.begin(), called.end(), [&name](const Figure* figure) {
+    return HasHeading(*figure, name) && figure->computed_by == kByAnalysis;
+  });
+  std::stable_partition(called.begin(), called.end(),
+                        [&name](const Figure* figure) { return name == figure->key; });
+  return called;
 }
 
 }  // namespace
@@ -104,6 +129,7 @@ std::vector<Figure> ParseFigures(std::string_view text, const FigureTables& tabl
       if (figure.key != row.key) return;
       figure.unit = UnitOf(row.kind);
       figure.computed_by = TextOf(row.source);
+      if (row.text.heading != nullptr) figure.headings.emplace_back(row.text.heading);
     });
     found.emplace_back(node.source().begin.line, std::move(figure));
   }
@@ -124,6 +150,42 @@ const Figure* FindFigure(std::string_view name) {
     if (wanted == figure.key || HasAlias(figure, wanted)) return &figure;
   }
   return nullptr;
+}
+
+std::string Explanation(const Figure& f) {
+  constexpr std::size_t kNameWidth = 13;
+  std::string text = fmt::format("{}{}\n\n", f.key, f.unit.empty() ? "" : fmt::format("  [{}]", f.unit));
+  text += Wrapped(f.title, "", "", kWidth) + "\n";
+  const auto paragraph = [&text](std::string name, const std::string& what) {
+    if (what.empty()) return;
+    name.resize(kNameWidth, ' ');
+    text += Wrapped(what, name, std::string(kNameWidth, ' '), kWidth);
+  };
+  paragraph("Formula", f.formula);
+  paragraph("Window", f.window);
+  paragraph("Reset", f.reset);
+  paragraph("Cut-off", f.cutoff);
+  paragraph("Denominator", f.denominator);
+  paragraph("Source", f.source);
+  paragraph("Computed by", f.computed_by);
+  paragraph("Also called", f.aliases);
+  return text;
+}
+
+std::string ExplanationOf(std::string_view name) {
+  // A heading copied from a report may have the mark of a note: "PG slips[3]".
+  const std::string wanted = Lower(name.substr(0, name.find('[')));
+  if (wanted.empty()) return {};
+  const std::vector<const Figure*> called = FiguresCalled(wanted);
+  if (called.empty()) return {};
+  std::string text = Explanation(*called.front());
+  if (called.size() == 1) return text;
+  std::string others;
+  for (std::size_t i = 1; i < called.size(); ++i) {
+    others += fmt::format("{}{} ({}, computed by {})", i == 1 ? "" : "; ", called[i]->key, called[i]->title,
+                          called[i]->computed_by);
+  }
+  return text + "\n" + Wrapped(others, "Called so, too: ", "  ", kWidth);
 }
 
 std::vector<std::string> FiguresLike(std::string_view name) {
@@ -156,27 +218,6 @@ bool IsCount(std::string_view key) {
     if (key == row.key) count = IsCount(row.kind);
   });
   return count;
-}
-
-std::string Explanation(const Figure& f) {
-  constexpr std::size_t kWidth = 80;
-  constexpr std::size_t kNameWidth = 13;
-  std::string text = fmt::format("{}{}\n\n", f.key, f.unit.empty() ? "" : fmt::format("  [{}]", f.unit));
-  text += Wrapped(f.title, "", "", kWidth) + "\n";
-  const auto paragraph = [&text](std::string name, const std::string& what) {
-    if (what.empty()) return;
-    name.resize(kNameWidth, ' ');
-    text += Wrapped(what, name, std::string(kNameWidth, ' '), kWidth);
-  };
-  paragraph("Formula", f.formula);
-  paragraph("Window", f.window);
-  paragraph("Reset", f.reset);
-  paragraph("Cut-off", f.cutoff);
-  paragraph("Denominator", f.denominator);
-  paragraph("Source", f.source);
-  paragraph("Computed by", f.computed_by);
-  paragraph("Also called", f.aliases);
-  return text;
 }
 
 }  // namespace orsolva_host

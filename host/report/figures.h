@@ -16,6 +16,7 @@ struct Figure {
   std::string key;
   std::string unit;     ///< of CSV and texts; empty for times and names
   std::string aliases;  ///< further names it is known by, between blanks; column headings among them
+  std::vector<std::string> headings;  ///< of its columns in text reports
   std::string title;
   std::string column;  ///< its heading in the page's tables; empty: in none
   std::string formula;
@@ -38,17 +39,22 @@ const std::vector<Figure>& FigureTexts();
 /// The figure of a key or another of its names, whatever the case; null when there is none.
 const Figure* FindFigure(std::string_view name);
 
+/// What `orsolva explain` prints about a key, a heading of a column or another name, whatever the case. Of
+/// several figures with the name that of the key is explained, else the one whose column comes first in a
+/// report, and the others are named. @return empty when there is none
+std::string ExplanationOf(std::string_view name);
+
 /// The keys whose names are nearest to a text that names none, at most three.
 std::vector<std::string> FiguresLike(std::string_view name);
 
 /// The unit of a key; empty when the key is unknown.
 std::string_view UnitOf(std::string_view key);
 
+/// A text about a figure, 80 columns wide.
+std::string Explanation(const Figure& figure);
+
 /// Whether the figure of a key counts something, so that it is written as a whole number.
 bool IsCount(std::string_view key);
-
-/// The text that `orsolva explain` prints about a figure, 80 columns wide.
-std::string Explanation(const Figure& figure);
 
 }  // namespace orsolva_host
 

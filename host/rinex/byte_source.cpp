@@ -23,6 +23,10 @@ class FileBytes : public ByteSource {
   std::size_t Read(char* out, std::size_t size) override {
     const std::size_t count = std::fread(out, 1, size, file_);
     if (count == 0 && std::ferror(file_)) {
+      if (errno == EISDIR) {
+        throw FileError(path_, 0, "a folder", "a file",
+                        "Name the files; orsolva qc takes a folder that has observation files in it.");
+      }
       throw FileError(path_, 0, std::strerror(errno), "readable data", "Check the path and the disk.");
     }
     return count;

@@ -99,7 +99,7 @@ ReportPtr Qc(const std::vector<std::string>& files, const Navigation& navigation
 }
 
 std::string Explain(const std::string& name) {
-  if (const Figure* figure = FindFigure(name)) return Explanation(*figure);
+  if (std::string text = ExplanationOf(name); !text.empty()) return text;
   std::string near;
   for (const std::string& key : FiguresLike(name)) near += (near.empty() ? "; did you mean " : ", ") + key;
   throw ArgumentError("'" + name + "' is not a figure" + near);

@@ -138,7 +138,9 @@ class ReadErrors(Faults):
         self.assert_fails(self.run_program("qc", broken, self.navigation), broken, "Input/output error")
         self.assert_fails(self.run_program("qc", self.observations, "--nav", broken), broken, "Input/output error")
         self.assert_fails(self.run_program("inspect", broken), broken, "Input/output error")
-        self.assert_fails(self.run_program("qc", self.folder, self.navigation), str(self.folder), "directory")
+        for command in (("qc", self.folder, self.navigation), ("inspect", self.folder)):
+            self.assert_fails(self.run_program(*command), str(self.folder), "found a folder, expected a file")
+        self.assert_fails(self.run_program("qc", ""), "the name of a file is empty", code=2)
 
     def test_settings_that_cannot_be_read_are_named_with_the_reason(self):
         for broken, why in ((self.folder, "Is a directory"), ("/proc/self/mem", "Input/output error"),

@@ -108,6 +108,36 @@ TEST(Figures, AreFoundByColumnHeadingAndWhateverTheCase) {
   EXPECT_EQ(FindFigure(""), nullptr);
 }
 
+TEST(Figures, TheHeadingOfAColumnIsExplainedByTheTableThatComesFirst) {
+  const auto key = [](const char* heading) {
+    const std::string text = ExplanationOf(heading);
+    return text.substr(0, text.find_first_of(" \n"));
+  };
+  EXPECT_EQ(key("Slips"), "sure_slips");
+  EXPECT_EQ(key("Jumps"), "phase_jumps");
+  EXPECT_EQ(key("SNR"), "strength_mean_dbhz");
+  EXPECT_EQ(key("MP m"), "multipath_moving_rms_m");
+  EXPECT_EQ(key("cut-off %"), "cutoff_completeness_ratio");
+  EXPECT_EQ(key("PG slips[3]"), "phase_geometry_slip_epochs");
+  EXPECT_EQ(key("slip_epochs"), "phase_geometry_slip_epochs");
+  EXPECT_EQ(ExplanationOf("Nothing"), "");
+  EXPECT_EQ(ExplanationOf(""), "");
+  EXPECT_NE(ExplanationOf("slips").find("geometry_free_slips"), std::string::npos);
+}
+
+TEST(Figures, EveryHeadingOfATableIsExplained) {
+  int headings = 0;
+  ForEachRow(AllFigures(), [&headings](const auto& row) {
+    if (row.text.heading == nullptr) return;
+    EXPECT_NE(ExplanationOf(row.text.heading).find(row.key), std::string::npos) << row.text.heading;
+    ++headings;
+  });
+  EXPECT_GT(headings, 20);
+  for (const Figure& figure : FigureTexts()) {
+    EXPECT_NE(ExplanationOf(figure.key).find(figure.title.substr(0, 20)), std::string::npos) << figure.key;
+  }
+}
+
 TEST(Figures, NamesNearAWrongOneAreOffered) {
   EXPECT_EQ(FiguresLike("completness").front(), "completeness_ratio");
   EXPECT_FALSE(FiguresLike("mp9").empty());

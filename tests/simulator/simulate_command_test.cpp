@@ -77,15 +77,21 @@ TEST(SimulateCommand, FaultsAfterTheEndAreReported) {
   const Answer a = Orsolva(folder, "simulate --preset gaps --hours 1");
   ASSERT_EQ(a.code, 0) << a.err;
   EXPECT_EQ(a.err, "orsolva: 3 faults begin after the end of the span and do not happen\n");
+  orsolva_test::WriteText(
+      folder.Path("late.json"),
+      R"({"hours": 0.1, "faults": [{"kind": "outage", "satellite": "E", "duration_s": 60, "at_s": 3600}]})");
+  const Answer one = Orsolva(folder, "simulate --scenario late.json");
+  ASSERT_EQ(one.code, 0) << one.err;
+  EXPECT_EQ(one.err, "orsolva: 1 fault begins after the end of the span and does not happen\n");
 }
 
 TEST(SimulateCommand, WrongOptionsAreTwoAndSayWhatIsExpected) {
   const TestFolder folder("simulate_wrong");
   orsolva_test::WriteText(folder.Path("s.json"), "{}");
-  for (const char* wrong :
-       {"--preset nosuch", "--faults nosuch", "--hours 0", "--interval 0.05", "--interval x", "--seed -1",
-        "--start then", "--position 1,2,3", "--position spp", "--systems GX", "--station AB", "--cutoff 91",
-        "--preset quiet --scenario s.json", "--nosuch", "stray"}) {
+  for (const char* wrong : {"--preset nosuch", "--faults nosuch", "--hours 0", "--interval 0.05",
+                            "--interval x", "--seed -1", "--start then", "--position 1,2,3", "--position spp",
+                            "--systems GX", "--station AB", "--cutoff 91", "--preset quiet --scenario s.json",
+                            "--rtcm 4 --ubx", "--ubx --sbf", "--sbf --rtcm 7", "--nosuch", "stray"}) {
     const Answer a = Orsolva(folder, std::string("simulate ") + wrong);
     EXPECT_EQ(a.code, 2) << wrong;
     EXPECT_FALSE(a.err.empty()) << wrong;

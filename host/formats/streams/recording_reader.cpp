@@ -82,7 +82,9 @@ void RecordingReader::Finish() {
   const FrameCounts& frames = frames_.Counts();
   AddNotice(frames.crc_errors, "frame with a wrong CRC", false);
   AddNotice(frames.cut_frames, "the data end within a frame", false);
-  AddNotice(frames.skipped_bytes, "byte outside frames skipped", true);
+  if (frames.skipped_bytes == 1) AddNotice(1, "1 byte outside frames skipped", true);
+  if (frames.skipped_bytes > 1)
+    AddNotice(1, std::to_string(frames.skipped_bytes) + " bytes outside frames skipped", true);
   AddNotices();
   finished_ = true;
 }

@@ -22,7 +22,7 @@ void Sum(std::string_view bytes, std::vector<std::uint32_t>& sums) {
   for (const char c : bytes) sums.push_back(sum = Extended(sum, c));
 }
 
-/// CK_B of a part has CK_A of what stands before it in it once for every byte.
+/// CK_B of a part includes CK_A of everything before the part once per byte.
 std::uint32_t SumOfPart(std::uint32_t before, std::uint32_t until, std::size_t bytes) {
   const std::uint32_t a = until - before;
   const std::uint32_t b = (until >> 8) - (before >> 8) - static_cast<std::uint32_t>(bytes) * before;

@@ -103,7 +103,9 @@ TEST(RtcmReader, DamageIsReportedOnceWithItsNumbers) {
                        diagnostics);
   EXPECT_EQ(TimesOf(reader), (std::vector{GpsTime(2001, 1), GpsTime(2001, 3)}));
   long wrong = 0;
+  std::string skipped;
   for (const Notice& notice : diagnostics.Notices()) {
+    if (notice.text.find("outside frames") != std::string::npos) skipped = notice.text;
     if (notice.text == "frame with a wrong CRC") {
       wrong = notice.count;
       EXPECT_FALSE(notice.recovered);
@@ -111,6 +113,7 @@ TEST(RtcmReader, DamageIsReportedOnceWithItsNumbers) {
   }
   EXPECT_EQ(wrong, 1);  // the second one follows skipped bytes, where no frame had to begin
   EXPECT_EQ(reader.Frames().skipped_bytes, 2 * damaged.size() + 7);
+  EXPECT_EQ(skipped, std::to_string(2 * damaged.size() + 7) + " bytes outside frames skipped");
 }
 
 TEST(RtcmReader, FailureAfterTheFirstEpochEndsTheData) {

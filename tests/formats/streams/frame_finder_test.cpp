@@ -1,4 +1,4 @@
-// Frames among bytes that begin like frames, against check sums that are taken of every candidate anew.
+// Frames among bytes that begin like frames, against check sums computed for every candidate.
 #include "host/formats/streams/frame_finder.h"
 
 #include <gtest/gtest.h>

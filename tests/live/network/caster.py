@@ -114,7 +114,7 @@ class Caster:
 
     def _serve(self, client):
         try:
-            client.settimeout(10)
+            client.settimeout(60)  # a busy machine reads late
             if self.tls:
                 client = self.tls.wrap_socket(client, server_side=True)
             client.setsockopt(socket.IPPROTO_TCP, socket.TCP_NODELAY, 1)

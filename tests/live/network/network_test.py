@@ -86,12 +86,21 @@ class NetworkBase(unittest.TestCase):
             plan = Disconnects(seed)
             plan.mount = self.mount(f"M{seed:03}", plan)
             mounts.append(plan.mount)
+        # Each as it was when it first had all: the last connection is silent from then on, and a silent one is given
+        # up after a minute, which others may need on a busy machine.
+        whole = {}
+
+        def all_whole():
+            for name, station in service.stations().items():
+                if station["epochs"] >= SECONDS:
+                    whole.setdefault(name, station)
+            return len(whole) == len(mounts)
         with Caster(mounts) as caster, self.run_service(caster) as service:
-            for mount in mounts:
-                station = self.whole(service, mount.name, 300)
-                self.assertEqual((station["epochs"], station["epochs_lost"]), (SECONDS, 0), mount.name)
-                self.assertEqual(station["connections"], Disconnects.COUNT + 1, mount.name)
-                self.assertGreater(station["epochs_dropped"], 0)
+            service.until(all_whole, 300)
+        for name, station in whole.items():
+            self.assertEqual((station["epochs"], station["epochs_lost"]), (SECONDS, 0), name)
+            self.assertEqual(station["connections"], Disconnects.COUNT + 1, name)
+            self.assertGreater(station["epochs_dropped"], 0)
         self.assertGreaterEqual(sum(mount.connections - 1 for mount in mounts), least)
 
 

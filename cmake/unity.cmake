@@ -100,7 +100,8 @@ orsolva_unity(orsolva_analysis
   host/analysis/slips/step_departure.cpp
   host/analysis/slips/wide_lane.cpp)
 orsolva_unity(orsolva_live
-  host/live/sources/descriptor_stream.cpp
+  host/live/sources/serial_line.cpp
+  host/live/sources/tcp_stream.cpp
   host/live/stations/station_runs.cpp
   host/live/windows/epoch_counter.cpp)
 orsolva_unity(orsolva_live_serving)

@@ -1,8 +1,12 @@
 #include "host/live/sources/source_spec.h"
 
+#include <fmt/format.h>
+
 #include <charconv>
 #include <filesystem>
 #include <string_view>
+
+#include "host/live/sources/serial_line.h"
 
 namespace orsolva_host::live {
 namespace {
@@ -69,6 +73,8 @@ std::string ParseSerial(std::string_view text, SourceSpec& spec) {
   spec.path = text.substr(0, colon);
   if (colon != std::string_view::npos && !ParseWhole(text.substr(colon + 1), spec.baud))
     return "the speed is no whole number";
+  if (!IsLineSpeed(spec.baud))
+    return fmt::format("a speed of {} is not known, expected one of {}", spec.baud, LineSpeeds());
   return FileName(spec.path).empty() ? "the device is missing: serial:/dev/ttyUSB0:115200" : "";
 }
 

@@ -89,6 +89,13 @@ std::string ParseFigureChoice(const std::string& text, FigureChoice& choice) {
   return "'" + text + "' is not a choice of figures: give analysis, library or both";
 }
 
+bool IsNearSurface(const std::array<double, 3>& xyz_m) {
+  constexpr double kLowest_m = 6e6;
+  constexpr double kHighest_m = 1e7;
+  const double radius_m = std::hypot(xyz_m[0], xyz_m[1], xyz_m[2]);
+  return radius_m > kLowest_m && radius_m < kHighest_m;
+}
+
 std::string ParsePosition(const std::string& text, PositionChoice& position) {
   if (text == "spp" || text == "header") {
     position.source = text == "spp" ? PositionSource::kComputed : PositionSource::kHeader;
@@ -97,15 +104,10 @@ std::string ParsePosition(const std::string& text, PositionChoice& position) {
   const std::string wanted = "'" + text + "' is not a position: give X,Y,Z in metres, header or spp";
   const std::vector<std::string> parts = SplitAtCommas(text);
   if (parts.size() != 3) return wanted;
-  double sum = 0;
   for (std::size_t i = 0; i < 3; ++i) {
     if (ParseDecimal(parts[i], position.xyz_m[i]) != FieldState::kNumber) return wanted;
-    sum += position.xyz_m[i] * position.xyz_m[i];
   }
-  constexpr double kLowest_m = 6e6;
-  constexpr double kHighest_m = 1e7;
-  const double radius_m = std::sqrt(sum);
-  if (!(radius_m > kLowest_m && radius_m < kHighest_m)) {
+  if (!IsNearSurface(position.xyz_m)) {
     return "'" + text + "' is nowhere near the Earth's surface: give Earth-centred X,Y,Z in metres";
   }
   position.source = PositionSource::kOption;

@@ -2,6 +2,7 @@
 #ifndef ORSOLVA_CLI_ARGUMENT_TEXTS_H
 #define ORSOLVA_CLI_ARGUMENT_TEXTS_H
 
+#include <array>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,6 +27,8 @@ std::string ParseInterval(const std::string& text, std::optional<double>& interv
 std::string ParseFormats(const std::string& text, std::vector<Format>& formats);
 /// "analysis", "library" or "both".
 std::string ParseFigureChoice(const std::string& text, FigureChoice& choice);
+/// Whether a position can be that of an antenna on the ground, at sea or in the air.
+bool IsNearSurface(const std::array<double, 3>& xyz_m);
 /// "X,Y,Z" in metres, "header" or "spp".
 std::string ParsePosition(const std::string& text, PositionChoice& position);
 /// Letters out of kAllSystems, each at most once.

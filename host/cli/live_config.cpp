@@ -3,14 +3,22 @@
 #include <fmt/format.h>
 #include <toml++/toml.h>
 
+#include <array>
+#include <cmath>
+#include <cstdint>
 #include <cstdlib>
 #include <fstream>
 #include <functional>
 #include <map>
+#include <optional>
 #include <utility>
 
+#include "host/cli/argument_texts.h"
 #include "host/cli/config_file.h"
 #include "host/judging/run_error.h"
+#include "host/live/alarms/message_watch.h"
+#include "host/live/sources/source_spec.h"
+#include "host/live/station_name.h"
 #include "host/rinex/text_file.h"
 
 namespace orsolva_host::live {
@@ -20,32 +28,66 @@ namespace {
 using TakeValue = std::function<std::string(const toml::node&)>;
 using Keys = std::map<std::string, TakeValue>;
 
+/// As it is shown in a message.
+std::string Shown(const toml::node& node) {
+  if (const auto text = node.value_exact<std::string>()) return "\"" + *text + "\"";
+  if (const auto whole = node.value_exact<std::int64_t>()) return fmt::format("{}", *whole);
+  if (const auto number = node.value_exact<double>()) return fmt::format("{}", *number);
+  if (const auto truth = node.value_exact<bool>()) return *truth ? "true" : "false";
+  return node.is_array() ? "a list" : node.is_table() ? "a table" : "a date or time";
+}
+
+std::string FoundInsteadOf(const toml::node& node, const std::string& expected) {
+  return fmt::format("found {}, expected {}", Shown(node), expected);
+}
+
 TakeValue Text(std::string& target) {
   return [&target](const toml::node& node) -> std::string {
     const auto text = node.value_exact<std::string>();
-    if (!text) return "expected a text in quotation marks";
+    if (!text) return FoundInsteadOf(node, "a text in quotation marks");
     target = *text;
     return {};
   };
 }
 
-TakeValue Positive(double& target) {
+/// What is no source is not shown: it may hold a password.
+TakeValue Source(std::string& target) {
   return [&target](const toml::node& node) -> std::string {
-    const auto number = node.value<double>();
-    if (!number || !(*number >= 0)) return "expected a number that is not negative";
+    const std::string wrong = Text(target)(node);
+    SourceSpec unused;
+    return wrong.empty() ? ParseSource(target, unused) : wrong;
+  };
+}
+
+TakeValue Name(std::string& target) {
+  return [&target](const toml::node& node) -> std::string {
+    const std::string wrong = Text(target)(node);
+    return wrong.empty() ? WrongWithName(target) : wrong;
+  };
+}
+
+/// A number from least to most, ends included.
+TakeValue InRange(double& target, double least, double most, const std::string& unit) {
+  return [&target, least, most, unit](const toml::node& node) -> std::string {
+    const auto number = node.is_number() ? node.value<double>() : std::nullopt;
+    if (!number || !(*number >= least && *number <= most))
+      return FoundInsteadOf(node, fmt::format("a number from {:.10g} to {:.10g}{}", least, most,
+                                              unit.empty() ? "" : " " + unit));
     target = *number;
     return {};
   };
 }
 
-TakeValue Texts(std::vector<std::string>& target) {
+TakeValue Messages(std::vector<std::string>& target) {
   return [&target](const toml::node& node) -> std::string {
+    const std::string expected = "a list of message types from 1 to 4095, such as \"1074|1077\"";
     const toml::array* const list = node.as_array();
-    if (list == nullptr) return "expected a list of texts";
+    if (list == nullptr) return FoundInsteadOf(node, expected);
     target.clear();
     for (const toml::node& item : *list) {
-      if (!item.is_string()) return "expected a list of texts";
-      target.push_back(*item.value<std::string>());
+      const auto entry = item.value_exact<std::string>();
+      if (!entry || TypesOf(*entry).empty()) return FoundInsteadOf(item, expected);
+      target.push_back(*entry);
     }
     return {};
   };
@@ -54,13 +96,17 @@ TakeValue Texts(std::vector<std::string>& target) {
 TakeValue Place(std::optional<std::array<double, 3>>& target) {
   return [&target](const toml::node& node) -> std::string {
     const toml::array* const list = node.as_array();
-    if (list == nullptr || list->size() != 3) return "expected [x, y, z] in metres";
+    if (list == nullptr || list->size() != 3) return FoundInsteadOf(node, "[x, y, z] in metres");
     std::array<double, 3> xyz_m = {};
     for (std::size_t i = 0; i < 3; ++i) {
-      const auto number = list->get(i)->value<double>();
-      if (!number) return "expected [x, y, z] in metres";
-      xyz_m[i] = *number;
+      const toml::node& item = *list->get(i);
+      if (!item.is_number()) return FoundInsteadOf(item, "a number of metres");
+      xyz_m[i] = item.value<double>().value_or(NAN);
     }
+    if (!IsNearSurface(xyz_m))
+      return fmt::format(
+          "found [{}, {}, {}], expected Earth-centred x, y, z in metres near the Earth's surface", xyz_m[0],
+          xyz_m[1], xyz_m[2]);
     target = xyz_m;
     return {};
   };
@@ -80,52 +126,50 @@ void TakeTable(const std::string& path, const toml::table& table, const Keys& ke
 }
 
 Keys KeysOf(Limits& limits) {
-  return {{"gap_s", Positive(limits.gap_s)},
-          {"gap_intervals", Positive(limits.gap_intervals)},
-          {"latency_warning_s", Positive(limits.latency_warning_s)},
-          {"latency_bad_s", Positive(limits.latency_bad_s)},
-          {"burst_ratio", Positive(limits.burst_ratio)},
-          {"snr_drop_db", Positive(limits.snr_drop_db)},
-          {"snr_drop_s", Positive(limits.snr_drop_s)},
-          {"completeness", Positive(limits.completeness)},
-          {"multipath_m", Positive(limits.multipath_m)},
-          {"few_ratio", Positive(limits.few_ratio)},
-          {"ephemeris_age_s", Positive(limits.ephemeris_age_s)},
-          {"glonass_ephemeris_age_s", Positive(limits.glonass_ephemeris_age_s)},
-          {"moved_m", Positive(limits.moved_m)},
-          {"crc_ratio", Positive(limits.crc_ratio)},
-          {"required_messages", Texts(limits.required_messages)}};
+  Keys keys = {{"required_messages", Messages(limits.required_messages)}};
+  for (const LimitField& field : LimitFields())
+    keys[field.key] = InRange(limits.*field.value, field.least, field.most, field.unit);
+  return keys;
 }
 
 /// The profile comes before the limits, whatever their order in the file.
 StationSettings StationOf(const std::string& path, const toml::table& table, StationSettings station) {
   std::string profile, password_file, password_env;
   const toml::table* limits = nullptr;
-  const Keys keys = {{"name", Text(station.name)},
-                     {"source", Text(station.source)},
-                     {"nav", Text(station.navigation)},
-                     {"user", Text(station.user)},
-                     {"password_file", Text(password_file)},
-                     {"password_env", Text(password_env)},
-                     {"certificates", Text(station.certificates)},
-                     {"position", Place(station.position_m)},
-                     {"elevation", Positive(station.elevation_cutoff_deg)},
-                     {"speed", Positive(station.speed)},
-                     {"profile", Text(profile)},
-                     {"limits", [&limits](const toml::node& node) -> std::string {
-                        limits = node.as_table();
-                        return limits == nullptr ? "expected a table" : "";
-                      }}};
+  const Keys keys = {
+      {"name", Name(station.name)},
+      {"source", Source(station.source)},
+      {"nav", Source(station.navigation)},
+      {"user", Text(station.user)},
+      {"password_file", Text(password_file)},
+      {"password_env", Text(password_env)},
+      {"certificates", Text(station.certificates)},
+      {"position", Place(station.position_m)},
+      {"elevation", InRange(station.elevation_cutoff_deg, 0, StationSettings::kHighestCutoff_deg, "degrees")},
+      {"speed", InRange(station.speed, 0, StationSettings::kFastest, "")},
+      {"profile", Text(profile)},
+      {"limits", [&limits](const toml::node& node) -> std::string {
+         limits = node.as_table();
+         return limits == nullptr ? FoundInsteadOf(node, "a table") : "";
+       }}};
   TakeTable(path, table, keys);
   if (!profile.empty()) {
     const LimitsProfile* const found = FindLimits(profile);
     if (found == nullptr) Refuse(path, *table.get("profile"), "there is no profile '" + profile + "'");
     station.limits = found->limits;
   }
-  if (limits != nullptr) TakeTable(path, *limits, KeysOf(station.limits));
+  if (limits != nullptr) {
+    TakeTable(path, *limits, KeysOf(station.limits));
+    const std::string wrong = WrongWithLimits(station.limits);
+    if (!wrong.empty()) Refuse(path, *limits, wrong);
+  }
+  if (!password_file.empty() && !password_env.empty())
+    Refuse(path, *table.get("password_env"), "there is a password_file too, expected one of both");
   if (!password_file.empty()) station.password = SecretFromFile(password_file);
   if (!password_env.empty()) {
     station.password = EnvironmentText(password_env);
+    if (station.password.empty())
+      Refuse(path, *table.get("password_env"), "the environment has no variable " + password_env);
     station.password_variable = password_env;
   }
   if (station.source.empty()) Refuse(path, table, "a station needs a source");
@@ -156,11 +200,12 @@ void AddStations(const std::string& path, const StationSettings& defaults, Servi
   }
   ServiceSettings given;
   StationSettings common = defaults;
+  std::string state_folder, reports_folder;
   const Keys keys = {{"listen", Text(given.listen)},
                      {"events", Text(given.events)},
                      {"on_alarm", Text(given.on_alarm)},
-                     {"state", Text(common.state_folder)},
-                     {"reports", Text(common.reports_folder)},
+                     {"state", Text(state_folder)},
+                     {"reports", Text(reports_folder)},
                      {"station", [](const toml::node& node) -> std::string {
                         return node.is_array_of_tables() ? "" : "stations are written as [[station]]";
                       }}};
@@ -171,6 +216,8 @@ void AddStations(const std::string& path, const StationSettings& defaults, Servi
   unless_set(given.listen, service.listen);
   unless_set(given.events, service.events);
   unless_set(given.on_alarm, service.on_alarm);
+  unless_set(state_folder, common.state_folder);
+  unless_set(reports_folder, common.reports_folder);
   if (const toml::array* const stations = table["station"].as_array()) {
     for (const toml::node& station : *stations) {
       service.stations.push_back(StationOf(path, *station.as_table(), common));

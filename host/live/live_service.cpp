@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstddef>
 #include <set>
 #include <utility>
 
 #include "host/live/alarm_command.h"
+#include "host/live/station_name.h"
 
 namespace orsolva_host::live {
 namespace {
@@ -13,6 +15,7 @@ namespace {
 constexpr std::size_t kEventsAtOnce = 1000;
 constexpr std::chrono::milliseconds kWait{500};
 constexpr std::chrono::seconds kLongestCommand{60};
+constexpr char kStandardInput[] = "-";
 constexpr std::chrono::seconds kLastCommands{5};  ///< that are left when the service ends
 
 /// With a number behind it where it is taken.
@@ -29,7 +32,8 @@ std::string WrongWith(const StationSettings& station) {
   if (spec.kind == SourceKind::kNtrip && !HasCasters())
     return "this program was built without libcurl and reads no casters";
   if (!station.navigation.empty()) wrong = ParseSource(station.navigation, spec);
-  return wrong.empty() ? "" : "navigation: " + wrong;
+  if (!wrong.empty()) return "navigation: " + wrong;
+  return station.name.empty() ? "" : WrongWithName(station.name);
 }
 
 }  // namespace
@@ -37,19 +41,26 @@ std::string WrongWith(const StationSettings& station) {
 std::string Complete(ServiceSettings& settings) {
   if (settings.stations.empty()) return "no station is given";
   std::set<std::string> names;
-  for (StationSettings& station : settings.stations) {
-    SourceSpec spec;
+  for (const StationSettings& station : settings.stations) {
+    const bool named = !station.name.empty();
     const std::string wrong = WrongWith(station);
-    if (!wrong.empty()) return (station.name.empty() ? "a source" : station.name) + ": " + wrong;
+    if (!wrong.empty()) return (named ? station.name : "a source") + ": " + wrong;
+    if (named && !names.insert(station.name).second) return "two stations are named " + station.name;
+  }
+  // After those that were given, which stay as they are whatever the order.
+  for (StationSettings& station : settings.stations) {
+    if (!station.name.empty()) continue;
+    SourceSpec spec;
     ParseSource(station.source, spec);
-    if (!station.name.empty() && names.count(station.name) != 0)
-      return "two stations are named " + station.name;
-    if (station.name.empty()) station.name = FreeName(spec.StationName(), names);
+    station.name = FreeName(NameFrom(spec.StationName()), names);
     names.insert(station.name);
   }
-  const auto standard = std::count_if(settings.stations.begin(), settings.stations.end(),
-                                      [](const StationSettings& s) { return s.source == "-"; });
-  return standard > 1 ? "standard input can be one station only" : "";
+  std::size_t readers = 0;
+  for (const StationSettings& station : settings.stations) {
+    readers += station.source == kStandardInput ? 1 : 0;
+    readers += station.navigation == kStandardInput ? 1 : 0;
+  }
+  return readers > 1 ? "standard input can be one source only" : "";
 }
 
 LiveService::LiveService(const ServiceSettings& settings, LiveBoard& board,

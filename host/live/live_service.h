@@ -23,8 +23,8 @@ struct ServiceSettings {
   std::string listen;    ///< address of the server; empty: none
 };
 
-/// What is wrong with the stations as a whole or with one of them; empty when nothing is. Names that are
-/// missing are made.
+/// What is wrong with the stations as a whole or with one of them; empty when nothing is. Stations without a
+/// name get that of their mount point, host, device or file, with "-2" and so on where it is taken.
 std::string Complete(ServiceSettings& settings);
 
 class LiveService {

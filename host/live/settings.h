@@ -14,6 +14,8 @@
 namespace orsolva_host::live {
 
 struct StationSettings {
+  static constexpr double kHighestCutoff_deg = 90;
+  static constexpr double kFastest = 100'000;
   std::string name;
   std::string source;                               ///< with secrets: never shown; StationState::source is
   std::string navigation;                           ///< second source, of ephemerides alone; empty: none

@@ -1,5 +1,7 @@
 #include "host/live/alarms/limits.h"
 
+#include <fmt/format.h>
+
 namespace orsolva_host::live {
 namespace {
 
@@ -25,6 +27,32 @@ Limits EpnRealtime() {
 }
 
 }  // namespace
+
+const std::vector<LimitField>& LimitFields() {
+  constexpr double kDay_s = 86400;
+  static const std::vector<LimitField> fields = {
+      {"gap_s", &Limits::gap_s, 0.1, kDay_s, "s"},
+      {"gap_intervals", &Limits::gap_intervals, 1, 1000, "intervals"},
+      {"latency_warning_s", &Limits::latency_warning_s, 0.1, 3600, "s"},
+      {"latency_bad_s", &Limits::latency_bad_s, 0.1, 3600, "s"},
+      {"burst_ratio", &Limits::burst_ratio, 0.01, 1, ""},
+      {"snr_drop_db", &Limits::snr_drop_db, 0.1, 60, "dB"},
+      {"snr_drop_s", &Limits::snr_drop_s, 1, 3600, "s"},
+      {"completeness", &Limits::completeness, 0, 1, ""},
+      {"multipath_m", &Limits::multipath_m, 0.01, 100, "m"},
+      {"few_ratio", &Limits::few_ratio, 0.01, 1, ""},
+      {"ephemeris_age_s", &Limits::ephemeris_age_s, 60, kDay_s, "s"},
+      {"glonass_ephemeris_age_s", &Limits::glonass_ephemeris_age_s, 60, kDay_s, "s"},
+      {"moved_m", &Limits::moved_m, 0.1, 100'000, "m"},
+      {"crc_ratio", &Limits::crc_ratio, 1e-6, 1, ""}};
+  return fields;
+}
+
+std::string WrongWithLimits(const Limits& limits) {
+  if (limits.latency_warning_s <= limits.latency_bad_s) return {};
+  return fmt::format("latency_warning_s is {:g}, expected at most latency_bad_s, which is {:g}",
+                     limits.latency_warning_s, limits.latency_bad_s);
+}
 
 const std::vector<LimitsProfile>& LimitsProfiles() {
   static const std::vector<LimitsProfile> profiles = {

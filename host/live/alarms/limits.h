@@ -28,6 +28,19 @@ struct Limits {
   std::vector<std::string> required_messages;
 };
 
+/// A number of Limits as it is written in a file of stations, with the values that make sense.
+struct LimitField {
+  const char* key;
+  double Limits::*value;
+  double least, most;  ///< both allowed
+  const char* unit;    ///< empty: none
+};
+
+const std::vector<LimitField>& LimitFields();
+
+/// What contradicts itself in limits that each are in their range; empty when nothing does.
+std::string WrongWithLimits(const Limits& limits);
+
 /// A named set of limits.
 struct LimitsProfile {
   const char* name;

@@ -1,7 +1,9 @@
 #include "host/live/alarms/message_watch.h"
 
 #include <algorithm>
-#include <cstdlib>
+#include <charconv>
+#include <cstddef>
+#include <system_error>
 
 #include "host/formats/rtcm/decoder.h"
 #include "host/formats/rtcm/msm.h"
@@ -25,17 +27,21 @@ bool IsGlobal(int type) {
   return !msm || std::string("JIS").find(msm->system) == std::string::npos;
 }
 
+}  // namespace
+
 std::vector<int> TypesOf(const std::string& required) {
+  constexpr int kMost = 4095;  // 12 bits
   std::vector<int> types;
-  for (std::size_t at = 0; at < required.size();) {
+  for (std::size_t at = 0; at <= required.size();) {
     const std::size_t end = std::min(required.find('|', at), required.size());
-    types.push_back(std::atoi(required.substr(at, end - at).c_str()));
+    int type = 0;
+    const auto [stopped, error] = std::from_chars(required.data() + at, required.data() + end, type);
+    if (error != std::errc() || stopped != required.data() + end || type < 1 || type > kMost) return {};
+    types.push_back(type);
     at = end + 1;
   }
   return types;
 }
-
-}  // namespace
 
 void MessageWatch::Take(int type, std::int64_t now_ns) {
   if (!began_ns_) began_ns_ = minute_ns_ = now_ns;

@@ -12,6 +12,9 @@
 
 namespace orsolva_host::live {
 
+/// The types of an entry, "1074|1077"; empty when it is none.
+std::vector<int> TypesOf(const std::string& required);
+
 /// Times are those of arrival on the GPS time scale.
 class MessageWatch {
  public:

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "host/live/event_json.h"
+#include "host/live/station_name.h"
 #include "host/live/stations/station_judge.h"
 #include "host/output/whole_file.h"
 #include "host/report/json_writer.h"
@@ -91,8 +92,8 @@ void StationJudge::PublishHour(const orsolva_host::Report& report, std::int64_t 
 void StationJudge::WriteReport(const orsolva_host::Report& report, std::int64_t begin_ns) const {
   if (settings_.reports_folder.empty()) return;
   const CivilTime hour = ToCivil(TimeOfNanoseconds(begin_ns));
-  const std::string name =
-      fmt::format("{}_{:04}{:02}{:02}{:02}.json", settings_.name, hour.year, hour.month, hour.day, hour.hour);
+  const std::string name = fmt::format("{}_{:04}{:02}{:02}{:02}.json", FileNameOf(settings_.name), hour.year,
+                                       hour.month, hour.day, hour.hour);
   std::filesystem::create_directories(settings_.reports_folder);
   WholeFile file((std::filesystem::path(settings_.reports_folder) / name).string());
   file.Write(WriteJson(report));

@@ -12,6 +12,7 @@
 #include "host/analysis/geometry/station.h"
 #include "host/formats/rtcm/reader.h"
 #include "host/formats/rtcm/stream_clock.h"
+#include "host/live/station_name.h"
 #include "host/live/windows/minute_store.h"
 #include "host/output/whole_file.h"
 #include "host/rinex/byte_source.h"
@@ -136,6 +137,7 @@ void StationThread::Run() {
   any_alarm_ = judge_.AnyAlarm();
   judge_.Publish(Now());
   ended_ = true;
+  stop_.Stop();  // nobody takes what the second source of ephemerides reads on
 }
 
 void StationThread::PublishNow() {
@@ -244,51 +246,62 @@ void StationThread::FollowOnce(ByteStream& stream, BackOff& back_off) {
   }
 }
 
-/// A second connection, whose ephemerides are handed to the judge.
+/// A second source, whose ephemerides are handed to the judge. What goes wrong with it is noted once, and it
+/// is tried again; the station goes on.
 void StationThread::FollowNavigation(const SourceSpec& spec) {
   BackOff back_off(std::hash<std::string>()(settings_.name + " navigation"));
   MountWishes wishes;
   ByteBudget budget;
-  std::string problem;  // that was noted, until it is over
+  std::string noted;
   while (!stop_.Stopped()) {
-    const auto stream = OpenStream(spec, OptionsOf(wishes));
-    rtcm::FrameScanner frames;
-    rtcm::DecoderOptions decoding;
-    decoding.near_ns = Now();
-    decoding.epochs = false;
-    rtcm::Decoder decoder(decoding);
-    ReadOutcome outcome;
-    while (!stop_.Stopped()) {
-      if (const milliseconds wait = budget.Wait(steady_clock::now()); wait.count() > 0) {
-        stop_.WaitFor(wait);
-        continue;
-      }
-      outcome = stream->Read(kReadFor);
-      if (outcome.state == ReadOutcome::State::kNothing) continue;
-      if (outcome.state != ReadOutcome::State::kData) break;
-      back_off.Succeeded();
-      problem.clear();
-      frames.Append(outcome.bytes);
-      while (const auto message = frames.Next()) decoder.Take(*message);
-      const auto messages = decoder.TakeEphemerides();
-      const BroadcastRecords records = decoder.TakeBroadcast();
-      if (!messages.empty()) judge_.TakeEphemerides(messages, records);
-      budget.Spend(outcome.bytes.size(), steady_clock::now());
+    bool any_byte = false;
+    ReadOutcome end;
+    try {
+      end = ReadNavigation(*OpenStream(spec, OptionsOf(wishes)), budget, back_off, any_byte);
+    } catch (const std::exception& error) {
+      end = {ReadOutcome::State::kEnd, "", error.what()};
     }
-    if (outcome.problem != problem) judge_.EphemeridesFailed(spec.Shown() + ": " + outcome.problem);
-    problem = outcome.problem;
-    stop_.WaitFor(back_off.Next(outcome.state == ReadOutcome::State::kRefused));
+    if (any_byte) noted.clear();
+    if (!end.problem.empty() && end.problem != noted)
+      judge_.EphemeridesFailed(spec.Shown() + ": " + end.problem);
+    noted = end.problem;
+    stop_.WaitFor(back_off.Next(end.state == ReadOutcome::State::kRefused));
   }
+}
+
+/// One connection to its end. @return how it ended
+ReadOutcome StationThread::ReadNavigation(ByteStream& stream, ByteBudget& budget, BackOff& back_off,
+                                          bool& any_byte) {
+  rtcm::FrameScanner frames;
+  rtcm::DecoderOptions decoding;
+  decoding.near_ns = Now();
+  decoding.epochs = false;
+  rtcm::Decoder decoder(decoding);
+  while (!stop_.Stopped()) {
+    if (const milliseconds wait = budget.Wait(steady_clock::now()); wait.count() > 0) {
+      stop_.WaitFor(wait);
+      continue;
+    }
+    const ReadOutcome outcome = stream.Read(kReadFor);
+    if (outcome.state == ReadOutcome::State::kNothing) continue;
+    if (outcome.state != ReadOutcome::State::kData) return outcome;
+    any_byte = true;
+    back_off.Succeeded();
+    frames.Append(outcome.bytes);
+    while (const auto message = frames.Next()) decoder.Take(*message);
+    const auto messages = decoder.TakeEphemerides();
+    const BroadcastRecords records = decoder.TakeBroadcast();
+    if (!messages.empty()) judge_.TakeEphemerides(messages, records);
+    budget.Spend(outcome.bytes.size(), steady_clock::now());
+  }
+  return {};
 }
 
 // Ephemerides between starts
 
 std::string StationThread::KeptPath() const {
   if (settings_.state_folder.empty()) return {};
-  std::string name = settings_.name;
-  std::replace_if(
-      name.begin(), name.end(), [](char c) { return c == '/' || c == '\\' || c == '.'; }, '_');
-  return (std::filesystem::path(settings_.state_folder) / (name + ".rtcm3")).string();
+  return (std::filesystem::path(settings_.state_folder) / (FileNameOf(settings_.name) + ".rtcm3")).string();
 }
 
 void StationThread::KeepEphemerides() {

@@ -58,6 +58,7 @@ class StationThread {
   void Follow();
   void FollowOnce(ByteStream& stream, BackOff& back_off);
   void FollowNavigation(const SourceSpec& spec);
+  ReadOutcome ReadNavigation(ByteStream& stream, ByteBudget& budget, BackOff& back_off, bool& any_byte);
   void PublishNow();
   void MeasureCost();
   void KeepEphemerides();

@@ -285,14 +285,4 @@ TEST(AlarmCommand, GetsNoVariableThatHasAPassword) {
   unsetenv("ALARM_TEST_SECRET");
 }
 
-TEST(ServiceSettings, NamesAreMadeUniqueAndGivenOnesMustBe) {
-  ServiceSettings settings;
-  settings.stations.resize(2);
-  for (StationSettings& station : settings.stations) station.source = "tcp://h:1";
-  EXPECT_EQ(Complete(settings), "");
-  EXPECT_EQ(settings.stations[1].name, "h-2");
-  settings.stations[1].name = "h";
-  EXPECT_NE(Complete(settings), "");
-}
-
 }  // namespace

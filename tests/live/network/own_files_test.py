@@ -1,16 +1,17 @@
-"""What `orsolva live` does when a file that it keeps or writes is bad.
+"""What `orsolva live` does when a file that it keeps or writes is bad, and when a replay has ended; and where its files are.
 
 usage: own_files_test.py PROGRAM
 """
 import json
 import pathlib
+import socket
 import subprocess
 import sys
 import tempfile
 import unittest
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
-from service import simulate  # noqa: E402
+from service import Service, simulate, table_of  # noqa: E402
 
 PROGRAM = sys.argv.pop(1)
 SECONDS = 70
@@ -45,6 +46,23 @@ class OwnFilesTest(unittest.TestCase):
             self.assertGreater(len(kept.read_bytes()), 1000)
             self.assertNotEqual(kept.read_bytes(), damaged)
 
+    def test_the_files_of_a_station_stay_in_their_folders_whatever_its_name(self):
+        inner = pathlib.Path(self.folder.name, "names", "inner")
+        inner.mkdir(parents=True)
+        names = ["../A.B", "../A_B", "/A", ".A"]
+        network = inner.parent / "network.toml"
+        network.write_text("".join(table_of(name, str(self.recording)) for name in names), encoding="utf-8")
+        done = subprocess.run([PROGRAM, "live", "--stations", network, "--state", inner / "state", "--reports", inner / "reports"],
+                              capture_output=True, text=True, timeout=60)
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        self.assertNotIn("not_written", done.stdout)
+        self.assertEqual(sorted(path.name for path in inner.parent.iterdir()), ["inner", "network.toml"])
+        self.assertEqual(sorted(path.name for path in inner.iterdir()), ["reports", "state"])
+        stems = ["%2E.%2FA.B", "%2E.%2FA_B", "%2EA", "%2FA"]
+        self.assertEqual(sorted(path.name for path in (inner / "state").iterdir()), [stem + ".rtcm3" for stem in stems])
+        reports = {path.name.rsplit("_", 1)[0] for path in (inner / "reports").iterdir()}
+        self.assertEqual(sorted(reports), stems)
+
     def test_events_that_cannot_be_written_are_said_once_and_in_the_exit_code(self):
         done = self.replay("--events", "/dev/full")
         self.assertEqual(done.returncode, 1, done.stderr)
@@ -53,6 +71,19 @@ class OwnFilesTest(unittest.TestCase):
         done = self.replay("--events", good)
         self.assertEqual((done.returncode, done.stderr), (0, ""))
         self.assertGreater(good.stat().st_size, 0)
+
+    def test_the_second_source_of_a_replay_is_closed_when_it_has_ended(self):
+        with socket.create_server(("127.0.0.1", 0)) as second, socket.create_server(("127.0.0.1", 0)) as other:
+            def address(server):
+                return f"tcp://127.0.0.1:{server.getsockname()[1]}"
+            # The other station keeps the service running.
+            stations = {"R": {"source": self.recording, "nav": address(second)}, "OTHER": address(other)}
+            # In two seconds: the second source is opened before the replay has ended.
+            with Service(PROGRAM, stations, "--speed", str(SECONDS / 2)):
+                connection, _ = second.accept()
+                with connection:
+                    connection.settimeout(15)
+                    self.assertEqual(connection.recv(1), b"")
 
 
 if __name__ == "__main__":

@@ -41,6 +41,7 @@ class Change:
         size: after minus before
         per_day: slope of a drift, else 0
         certainty: size in units of the scatter
+        end: index after its last day; of a step its place
     """
 
     place: int
@@ -49,6 +50,7 @@ class Change:
     after: float
     per_day: float
     certainty: float
+    end: int
 
     @property
     def size(self) -> float:
@@ -161,7 +163,7 @@ def _joined(segments: list[_Segment], values: Series, least: float, scatter: flo
                 found.append(_step(begin, level, after.first, scatter))
             elif begin > 0:
                 begin = _begin_of_drift(values, level_begin, after)
-            found.append(Change(begin, "drift", after.first, after.last, after.slope, abs(after.last - after.first) / scatter))
+            found.append(Change(begin, "drift", after.first, after.last, after.slope, abs(after.last - after.first) / scatter, after.end))
             level, level_begin = after.last, after.end
             continue
         now = float(np.mean(values[after.begin : after.end]))
@@ -205,4 +207,4 @@ def _begin_of_drift(values: Series, level_begin: int, drift: _Segment) -> int:
 
 
 def _step(place: int, before: float, after: float, scatter: float) -> Change:
-    return Change(place, "step", before, after, 0.0, abs(after - before) / scatter)
+    return Change(place, "step", before, after, 0.0, abs(after - before) / scatter, place)

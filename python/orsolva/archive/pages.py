@@ -190,7 +190,8 @@ def _network_change(change: NetworkChange) -> dict[str, Any]:
 
 def _change(change: StationChange) -> dict[str, Any]:
     parts = [{"figure": part.key.figure, "text": part.text} for part in change.parts]
-    facts = {"day": _number(change.day), "kind": change.kind, "explanation": change.explanation}
+    last = _number(change.last_day) if change.kind == "drift" and not change.goes_on else None
+    facts = {"day": _number(change.day), "last": last, "kind": change.kind, "explanation": change.explanation}
     return {**facts, "why": change.why, "network": change.network is not None, "text": str(change), "parts": parts}
 
 

@@ -8,7 +8,7 @@ from typing import TYPE_CHECKING, Any
 
 import numpy as np
 
-from .change_points import Change, Series, changes, scatter_of
+from .change_points import SHORTEST, Change, Series, changes, scatter_of
 from .figures import BY_KEY, FIGURES, Figure
 from .network import NetworkChange, Steps, network_change_of
 from .reading import Archive
@@ -60,10 +60,17 @@ class Daily:
 
 @dataclass(frozen=True)
 class Part:
-    """A change of one series."""
+    """A change of one series.
+
+    Attributes:
+        last_day: of a drift its last; of a step the first one after it
+        goes_on: whether it is a drift that reaches the end of the series
+    """
 
     key: Key
     change: Change
+    last_day: datetime.date
+    goes_on: bool
 
     @property
     def text(self) -> str:
@@ -94,9 +101,20 @@ class StationChange:
         """Step or drift."""
         return self.parts[0].change.kind
 
+    @property
+    def last_day(self) -> datetime.date:
+        """Of a drift the last day in any of its series, of a step its day."""
+        return max(part.last_day for part in self.parts) if self.kind == "drift" else self.day
+
+    @property
+    def goes_on(self) -> bool:
+        """Whether it is a drift that has not ended in one of its series."""
+        return any(part.goes_on for part in self.parts)
+
     def __str__(self) -> str:
         others = f" and {len(self.parts) - 1} more series" if len(self.parts) > 1 else ""
-        return f"{self.day} {self.kind} of {self.parts[0].text}{others}; {self.why}"
+        until = f" to {self.last_day}" if self.kind == "drift" and not self.goes_on else ""
+        return f"{self.day}{until} {self.kind} of {self.parts[0].text}{others}; {self.why}"
 
     @property
     def why(self) -> str:
@@ -235,7 +253,7 @@ def station_changes(series: dict[Key, Daily], equipment: Sequence[tuple[datetime
     for key, daily in series.items():
         level = float(np.median(daily.values))
         for change in changes(daily.values, BY_KEY[key.figure].matters(level)):
-            parts.append((daily.days[change.place], Part(key, change)))
+            parts.append((daily.days[change.place], part_of(key, daily, change)))
     found: list[StationChange] = []
     # The most certain ones first: the others gather about their days.
     for day, part in sorted(parts, key=lambda one: (-one[1].change.certainty, one[0], one[1].key.figure, one[1].key.signal)):
@@ -245,6 +263,13 @@ def station_changes(series: dict[Key, Daily], equipment: Sequence[tuple[datetime
         elif part.key not in (other.key for other in same.parts):
             same.parts.append(part)
     return sorted(found, key=lambda one: one.day)
+
+
+def part_of(key: Key, daily: Daily, change: Change) -> Part:
+    """A change with its days. A level that begins in the last days is too short to be told from the drift before it."""
+    drift = change.kind == "drift"
+    last_day = daily.days[change.end - 1 if drift else change.place]
+    return Part(key, change, last_day, drift and change.end >= len(daily.days) - SHORTEST)
 
 
 def _explanation(day: datetime.date, equipment: Sequence[tuple[datetime.date, str]]) -> str | None:
@@ -285,24 +310,19 @@ def _state(trend: StationTrend, today: datetime.date) -> tuple[str, str]:
         return "silent", f"no file for {silent} days"
     if last["state"] == "failed":
         return "failing", last["error"] or "the last file cannot be judged"
-    recent = [one for one in trend.changes if (today - one.day).days <= _RECENT_CHANGE_DAYS]
-    unexplained = [one for one in recent if one.explanation is None and one.network is None and one.kind == "step"]
+    recent = [one for one in trend.changes if (today - one.last_day).days <= _RECENT_CHANGE_DAYS]
+    over = [one for one in recent if not one.goes_on]
     if off := _off(trend):
         return "off", off
-    if unexplained:
+    if unexplained := [one for one in over if one.explanation is None and one.network is None]:
         return "changed", str(unexplained[-1])
-    if drift := next((one for one in reversed(trend.changes) if one.kind == "drift" and _goes_on(trend, one)), None):
-        return "drifting", str(drift)
-    if shared := [one for one in recent if one.network is not None]:
+    if drifts := [one for one in recent if one.goes_on]:
+        return "drifting", str(drifts[-1])
+    if shared := [one for one in over if one.network is not None]:
         return "network", str(shared[-1])
-    if recent:
-        return "explained", str(recent[-1])
+    if over:
+        return "explained", str(over[-1])
     return "good", ""
-
-
-def _goes_on(trend: StationTrend, change: StationChange) -> bool:
-    """Whether nothing ended a drift."""
-    return not any(one.day > change.day for one in trend.changes)
 
 
 def _off(trend: StationTrend) -> str:

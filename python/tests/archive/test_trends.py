@@ -5,12 +5,13 @@ import re
 import sys
 import pathlib
 
+import numpy as np
 import pytest
 
 import orsolva.archive
 from conftest import archive
 from orsolva.archive.pages import geographic
-from orsolva.archive.trends import Key, equipment_changes, trends
+from orsolva.archive.trends import Daily, Key, StationTrend, _state, equipment_changes, station_changes, trends
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent))
 import truth
@@ -104,3 +105,50 @@ def test_equipment_is_compared_day_by_day():
 ])
 def test_places_on_the_map(latitude, longitude, xyz):
     assert geographic(*xyz) == pytest.approx((latitude, longitude), abs=1e-3)
+
+
+DAYS = [datetime.date(2026, 1, 1) + datetime.timedelta(days=day) for day in range(420)]
+
+
+def station(values, kind="snr", equipment=()):
+    """A station with one series that ends today."""
+    daily = Daily(DAYS[: len(values)], np.asarray(values))
+    series = {Key(kind, "G1C"): daily}
+    trend = StationTrend("ST0100DNK", None, series, [{"date": daily.days[-1], "state": "judged", "error": None}], list(equipment))
+    trend.changes = station_changes(series, trend.equipment)
+    return trend, daily.days[-1]
+
+
+def levelled_off(days_after):
+    """Sixty days at 45 dB-Hz, sixty days of -0.05 dB each, then level."""
+    days = np.arange(120 + days_after)
+    return 45 - 0.05 * np.clip(days - 60, 0, 60) + 0.1 * np.random.default_rng(1).standard_normal(len(days))
+
+
+@pytest.mark.parametrize("days_after, state", [(0, "drifting"), (15, "changed"), (29, "changed"), (60, "good"), (300, "good")])
+def test_a_drift_that_levels_off_does_not_go_on(days_after, state):
+    trend, today = station(levelled_off(days_after))
+    (change,) = trend.changes
+    assert change.kind == "drift" and abs((change.day - DAYS[61]).days) <= 3
+    assert _state(trend, today)[0] == state
+    assert change.goes_on == (state == "drifting")
+    assert abs((change.last_day - DAYS[119]).days) <= 3
+    assert (f" to {change.last_day} drift of SNR G1C" in str(change)) == (state != "drifting")
+
+
+def test_a_drift_goes_on_though_another_series_steps():
+    trend, today = station(levelled_off(0))
+    steps = np.where(np.arange(120) < 100, 0.3, 0.5) + 0.005 * np.random.default_rng(2).standard_normal(120)
+    trend.series[Key("multipath", "G1C")] = Daily(DAYS[:120], steps)
+    trend.changes = station_changes(trend.series, [(DAYS[100], "radome none to SCIS")])
+    assert [change.kind for change in trend.changes] == ["drift", "step"]
+    assert trend.changes[1].explanation is not None
+    assert _state(trend, today)[0] == "drifting"
+
+
+def test_a_drift_of_a_signal_that_is_gone_does_not_go_on():
+    trend, today = station(levelled_off(0))
+    assert _state(trend, today)[0] == "drifting"
+    later = today + datetime.timedelta(days=31)
+    trend.runs.append({"date": later, "state": "judged", "error": None})
+    assert _state(trend, later)[0] == "good"

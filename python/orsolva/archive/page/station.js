@@ -66,9 +66,9 @@ const scrolled = (id, title, content) => make('section', { 'aria-labelledby': id
 
 function changes() {
   if (!data.changes.length) return make('section', {}, make('h2', {}, 'Changes'), make('p', {}, 'None.'));
-  const rows = data.changes.map((change) => [dayText(change.day), change.kind, change.why,
+  const rows = data.changes.map((change) => [change.last === null ? dayText(change.day) : `${dayText(change.day)} to ${dayText(change.last)}`, change.kind, change.why,
     make('ul', {}, ...change.parts.map((part) => make('li', {}, part.text)))]);
-  return scrolled('changes', 'Changes', table('The first day after each', ['Day', 'Kind', 'Explanation', 'Series'], rows));
+  return scrolled('changes', 'Changes', table('The first day of each, and the last of drifts that have ended', ['Day', 'Kind', 'Explanation', 'Series'], rows));
 }
 
 function equipment() {

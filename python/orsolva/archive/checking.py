@@ -8,7 +8,7 @@ from dataclasses import dataclass, field
 import pyarrow.compute as pc
 
 from .places import content_now
-from .store import Bundle, Store, counts_by_run
+from .store import Bundle, DamagedBundle, Store, counts_by_run
 
 _NAMED = 20
 
@@ -41,9 +41,12 @@ def check(store: Store, sources: bool = False, seen: Callable[[str], object] = l
     findings = Findings()
     for bundle in sorted(store.bundles()):
         seen(bundle.name)
-        findings.problems += _problems_of(store, bundle, findings)
-        if sources:
-            findings.notes += _sources_of(store, bundle)
+        try:
+            findings.problems += _problems_of(store, bundle, findings)
+            if sources:
+                findings.notes += _sources_of(store, bundle)
+        except (DamagedBundle, OSError) as error:
+            findings.problems.append(f"{bundle.name}: {error}")
     findings.problems += [f"{name}: its writing did not end; the next run completes it" for name in sorted(store.unfinished())]
     findings.problems += [f"{name}: left by a writer that was ended; the next run removes it" for name in store.leftovers()]
     return findings

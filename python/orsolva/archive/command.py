@@ -24,6 +24,7 @@ from .workers import DaskCluster, Processes, ThisProcess, Workers
 
 GOOD, FAILED, WRONG_USAGE, INTERRUPTED = 0, 1, 2, 130
 CLOSED_PIPE = 141
+_ERRORS_NAMED = 20
 _BUILT_IN_PROFILES = ("network", "station")
 
 
@@ -181,7 +182,7 @@ def _plan(options: argparse.Namespace) -> int:
             for _, jobs in plan.jobs():
                 for job in jobs:
                     print(job.path)
-    return GOOD
+        return _result(Outcome(errors=list(plan.left_out.values())))
 
 
 def _words_of(counts: Counts) -> str:
@@ -213,20 +214,24 @@ def _run(options: argparse.Namespace) -> int:
                 print(_words_of(plan.counts))
             elif plan.counts.unreadable:
                 print(f"orsolva archive: {_unreadable(plan.counts)}", file=sys.stderr)
-            if plan.counts.to_do == 0:
-                complete_unfinished(store, plan.choice)
-                return GOOD
-            workers = _workers(options)
-            outcome = Outcome(interrupted=True)
-            try:
-                outcome = Run(plan, workers, lease, progress).go()
-            finally:
-                workers.close(now=outcome.interrupted)
+            to_do = plan.counts.to_do
+            outcome = _judged(plan, options, lease, progress) if to_do else Outcome()
             if not outcome.interrupted and not outcome.errors:
-                complete_unfinished(store, plan.choice)
-    if not options.quiet:
+                outcome.errors += complete_unfinished(plan, lease)
+            outcome.errors += plan.left_out.values()
+    if to_do and not options.quiet:
         _say(outcome, time.monotonic() - begun)
     return _result(outcome)
+
+
+def _judged(plan: Plan, options: argparse.Namespace, lease: Lease, progress: Progress) -> Outcome:
+    workers = _workers(options)
+    outcome = Outcome(interrupted=True)
+    try:
+        outcome = Run(plan, workers, lease, progress).go()
+    finally:
+        workers.close(now=outcome.interrupted)
+    return outcome
 
 
 def _workers(options: argparse.Namespace) -> Workers:
@@ -246,8 +251,10 @@ def _say(outcome: Outcome, seconds: float) -> None:
 
 def _result(outcome: Outcome) -> int:
     """Says what went wrong. @return the exit code"""
-    for error in outcome.errors:
+    for error in outcome.errors[:_ERRORS_NAMED]:
         print(f"orsolva archive: {error}", file=sys.stderr)
+    if len(outcome.errors) > _ERRORS_NAMED:
+        print(f"orsolva archive: and {len(outcome.errors) - _ERRORS_NAMED} more errors", file=sys.stderr)
     if outcome.interrupted:
         print("interrupted; what was judged is in the store. Run again for the rest.", file=sys.stderr)
         return INTERRUPTED

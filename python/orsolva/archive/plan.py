@@ -18,7 +18,7 @@ from .. import __version__
 from .file_names import FileName, parse
 from .places import UNREADABLE, Found, content_now, place
 from .settings import ArchiveError, digest
-from .store import Bundle, Store, bucket_of, runs_with_rows_missing
+from .store import Bundle, DamagedBundle, Store, bucket_of, runs_with_rows_missing
 
 _BATCH = 2000
 # Navigation of a whole network or day, as the usual archives name it.
@@ -87,12 +87,17 @@ class Choice:
 
 
 class Plan:
-    """A listing next to the runs of a store. To be closed, which removes the temporary file."""
+    """A listing next to the runs of a store. To be closed, which removes the temporary file.
+
+    Attributes:
+        left_out: bundles that cannot be read, with the error; their files count neither as to do nor as done
+    """
 
     def __init__(self, store: Store, choice: Choice = Choice()) -> None:
         self.store = store
         self.choice = choice
         self.counts = Counts()
+        self.left_out: dict[Bundle, str] = {}
         self._folder = tempfile.TemporaryDirectory(prefix="orsolva-plan-")
         self._rows = sqlite3.connect(pathlib.Path(self._folder.name) / "listing.sqlite", isolation_level=None)
         self._rows.executescript(
@@ -189,7 +194,11 @@ class Plan:
         unfinished = self.store.unfinished()
         self._rows.execute("BEGIN")
         for bundle in list(self._bundles("files")):
-            known = self._known(bundle, self.choice.repair or bundle.name in unfinished)
+            try:
+                known = self._known(bundle, self.choice.repair or bundle.name in unfinished)
+            except (DamagedBundle, OSError) as error:
+                self.left_out[bundle] = f"{bundle.name} is left out: {error}"
+                continue
             self._compare_bundle(bundle, known, own_navigation)
         self._rows.execute("COMMIT")
         return self.counts

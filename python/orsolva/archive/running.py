@@ -13,10 +13,10 @@ import pyarrow as pa
 
 from .judge import from_bytes
 from .lease import Lease
-from .plan import Choice, Plan
+from .plan import Plan
 from .progress import Progress
 from .settings import ArchiveError
-from .store import Bundle, Store, runs_with_rows_missing
+from .store import Bundle, DamagedBundle, Store, runs_with_rows_missing
 from .tables import ALL_TABLES, schema_of
 from .workers import Chunk, Judged, Workers
 
@@ -131,21 +131,31 @@ class Run:
 
     def _write(self, opened: _Open) -> None:
         """A bundle that cannot be written is left to the next run; the others go on."""
-        del self._open[opened.bundle]
         judged = {table: _together(opened.parts, table) for table in ALL_TABLES}
-        runs = judged["runs"]
-        if runs.num_rows > 0:
-            try:
-                self._store.write(opened.bundle, judged, self._lease.check)
-            except OSError as error:
-                self.outcome.errors.append(f"{opened.bundle.name} was not written: {error}. Make room and run again.")
-                return
-        states: list[Any] = runs["state"].to_pylist()
+        error = self._error_of_writing(opened.bundle, judged)
+        # Not earlier: a bundle is written again when Ctrl-C comes while it is written.
+        del self._open[opened.bundle]
+        if error is not None:
+            self.outcome.errors.append(error)
+            return
+        states: list[Any] = judged["runs"]["state"].to_pylist()
         self.outcome.judged += states.count("judged")
         self.outcome.incomplete += states.count("incomplete")
         self.outcome.failed += states.count("failed")
         if not self.outcome.interrupted and not opened.lost:
             self.outcome.set_aside += opened.files - len(states)
+
+    def _error_of_writing(self, bundle: Bundle, judged: dict[str, pa.Table]) -> str | None:
+        """Writes a bundle. @throws ArchiveError when the lease is lost, which ends the run"""
+        if judged["runs"].num_rows == 0:
+            return None
+        try:
+            self._store.write(bundle, judged, self._lease.check)
+        except OSError as error:
+            return f"{bundle.name} was not written: {error}. Make room and run again."
+        except (DamagedBundle, pa.ArrowException) as error:
+            return f"{bundle.name} was not written: {error}"
+        return None
 
 
 def _together(parts: list[Judged], table: str) -> pa.Table:
@@ -159,12 +169,22 @@ def remove_leftovers(store: Store) -> None:
         store.place.remove(name)
 
 
-def complete_unfinished(store: Store, choice: Choice) -> None:
-    """Bundles whose writing was ended and of which nothing is to be judged: only rows without a run can be left there."""
-    for name in sorted(store.unfinished()):
-        bundle = Bundle.of_name(name)
-        if choice.has(bundle) and not runs_with_rows_missing(store, bundle):
-            store.rewrite(bundle)
+def complete_unfinished(plan: Plan, lease: Lease) -> list[str]:
+    """Bundles whose writing was ended and of which nothing is to be judged: only rows without a run can be left there.
+
+    Returns:
+        errors of bundles that cannot be read or written, but of those that the plan left out
+    """
+    errors: list[str] = []
+    for bundle in sorted(Bundle.of_name(name) for name in plan.store.unfinished()):
+        if not plan.choice.has(bundle) or bundle in plan.left_out:
+            continue
+        try:
+            if not runs_with_rows_missing(plan.store, bundle):
+                plan.store.rewrite(bundle, lease.check)
+        except (DamagedBundle, OSError) as error:
+            errors.append(f"{bundle.name} was not completed: {error}")
+    return errors
 
 
 def default_workers() -> int:

@@ -10,6 +10,7 @@ A bundle is the month of a bucket of stations. Its table of runs is written last
 """
 from __future__ import annotations
 
+import re
 import zlib
 from collections.abc import Callable, Iterator
 from dataclasses import dataclass
@@ -25,6 +26,10 @@ from .settings import ArchiveError, Settings
 from .tables import ALL_TABLES, TABLES, in_order, schema_of
 
 _UNFINISHED = "unfinished/"
+
+
+class DamagedBundle(ArchiveError):
+    """A file of a table cannot be read. It concerns its bundle alone."""
 
 
 @dataclass(frozen=True, order=True)
@@ -43,6 +48,11 @@ class Bundle:
     def path(self, table: str) -> str:
         """Where its rows of a table are, from the store on."""
         return f"{table}/year={self.year:04}/month={self.month:02}/bucket={self.bucket:02}/data.parquet"
+
+    @staticmethod
+    def has_name(text: str) -> bool:
+        """Whether a text is the name of a bundle."""
+        return re.fullmatch(r"\d{4}-\d{2}-\d{2,}", text, re.ASCII) is not None
 
     @staticmethod
     def of_name(name: str) -> Bundle:
@@ -81,15 +91,15 @@ class Store:
         return [name for name in TABLES if name not in self.settings.without]
 
     def read(self, table: str, bundle: Bundle) -> pa.Table:
-        """The rows of a bundle, committed or not."""
+        """The rows of a bundle, committed or not. @throws DamagedBundle, OSError"""
         data = self.place.read(bundle.path(table))
         if data is None:
             return schema_of(table).empty_table()
         try:
             return pq.read_table(pa.BufferReader(data), partitioning=None).select(schema_of(table).names).cast(schema_of(table))
-        except (pa.ArrowInvalid, OSError, KeyError) as error:
-            name = bundle.path(table)
-            raise ArchiveError(f"{self.address}/{name}: cannot be read ({error}). Remove the bundle's files and run again.") from error
+        except (pa.ArrowException, OSError, KeyError, ValueError) as error:
+            name = f"{self.address}/{bundle.path(table)}"
+            raise DamagedBundle(f"{name}: cannot be read ({error}). Remove this file and run with --repair.") from error
 
     def bundles(self) -> Iterator[Bundle]:
         """Those with committed runs, in any order."""
@@ -100,7 +110,8 @@ class Store:
 
     def unfinished(self) -> set[str]:
         """Names of bundles whose last writing did not end."""
-        return {name.removeprefix(_UNFINISHED) for name in self.place.names(_UNFINISHED) if not name.endswith(PART)}
+        names = {name.removeprefix(_UNFINISHED) for name in self.place.names(_UNFINISHED)}
+        return {name for name in names if Bundle.has_name(name)}
 
     def leftovers(self) -> list[str]:
         """Files that a writer was about to write when it was ended."""
@@ -141,9 +152,9 @@ class Store:
         pq.write_table(rows, sink, compression="zstd", row_group_size=1 << 17, store_schema=True)
         self.place.write(bundle.path(table), sink.getvalue().to_pybytes())
 
-    def rewrite(self, bundle: Bundle) -> None:
+    def rewrite(self, bundle: Bundle, still_mine: Callable[[], None] = lambda: None) -> None:
         """Writes a bundle again without rows that no run has."""
-        self.write(bundle, {table: schema_of(table).empty_table() for table in ALL_TABLES})
+        self.write(bundle, {table: schema_of(table).empty_table() for table in ALL_TABLES}, still_mine)
 
 
 def runs_with_rows_missing(store: Store, bundle: Bundle) -> set[str]:
@@ -173,4 +184,4 @@ def init(address: str, settings: Settings) -> Store:
     return Store(address)
 
 
-__all__ = ["ALL_TABLES", "Bundle", "Store", "bucket_of", "counts_by_run", "init", "runs_with_rows_missing"]
+__all__ = ["ALL_TABLES", "Bundle", "DamagedBundle", "Store", "bucket_of", "counts_by_run", "init", "runs_with_rows_missing"]

@@ -266,7 +266,7 @@ def station_changes(series: dict[Key, Daily], equipment: Sequence[tuple[datetime
 
 
 def part_of(key: Key, daily: Daily, change: Change) -> Part:
-    """A change with its days. A level that begins in the last days is too short to be told from the drift before it."""
+    """A change with its days. A level that begins in the last days is too short to be distinguished from the drift before it."""
     drift = change.kind == "drift"
     last_day = daily.days[change.end - 1 if drift else change.place]
     return Part(key, change, last_day, drift and change.end >= len(daily.days) - SHORTEST)

@@ -18,6 +18,7 @@ import pytest
 import orsolva
 import orsolva.archive
 from conftest import FIRST_DAY, archive, program, simulate_file, simulate_network, started, sums
+from orsolva.archive.store import Bundle, Store
 
 STATIONS = int(os.environ.get("ORSOLVA_ARCHIVE_STATIONS", 3))
 DAYS = int(os.environ.get("ORSOLVA_ARCHIVE_DAYS", 4))
@@ -141,7 +142,7 @@ places.Folder.write = write
     assert disturbed(code, "run", store, network, "--workers", "0") == -signal.SIGKILL
     if "data[:99]" in step:
         assert "cannot be read" in archive("run", store, network, good=(1,))
-        shutil.rmtree(store / "signals")
+        next(file for file in store.glob("signals/*/*/*/data.parquet") if file.stat().st_size == 99).unlink()
     complete(store, network, undisturbed)
 
 
@@ -285,3 +286,47 @@ def test_unreadable_truncated_and_doubled_files(store, network, tmp_path):
         states = dict(opened.sql("SELECT name, state FROM runs").fetchall())
     assert states[files[0].stem] == "failed" and states[files[3].stem] == "judged"
     assert list(states.values()).count("judged") >= FILES - 3
+
+
+@pytest.mark.parametrize("table, when", [("runs", "left out"), ("signals", "not written")])
+def test_a_damaged_table_file_costs_its_bundle_alone(store, network, undisturbed, table, when):
+    """Seen when the plan is made or when the bundle is written. Once the file is removed, its rows are judged again."""
+    archive("run", store, network, "--until", FIRST_DAY)
+    damaged = sorted(store.glob(f"{table}/*/*/*/data.parquet"))[0]
+    damaged.write_bytes(damaged.read_bytes()[:999])
+    printed = {command: archive(command, store, *sources, good=(1,)) for command, sources in (("run", [network]), ("plan", [network]), ("check", []))}
+    for text in printed.values():
+        assert text.count("cannot be read") == 1 and f"{damaged}: cannot be read" in text and "Remove this file and run with --repair." in text
+    assert when in printed["run"] and "0 new" in printed["plan"] and "left out" in printed["plan"]
+    damaged.unlink()
+    assert committed(store) > 0
+    archive("run", store, network, "--repair")
+    assert sums(store) == undisturbed
+
+
+def test_an_unfinished_bundle_is_completed_next_to_a_damaged_one(store, network, undisturbed, tmp_path):
+    """Both are without new files; what is not the name of a bundle is none."""
+    archive("run", store, network)
+    places = sorted(path.parent.relative_to(store / "runs") for path in store.glob("runs/*/*/*/data.parquet"))
+    bundles = [Bundle.of_path(f"runs/{path}/data.parquet") for path in (places[0], places[-1])]
+    (store / bundles[0].path("signals")).write_bytes(b"damaged")
+    for name in [*(bundle.name for bundle in bundles), ".nfs0001"]:
+        (store / "unfinished" / name).touch()
+    (tmp_path / "empty").mkdir()
+    assert f"{bundles[0].name} was not completed" in archive("run", store, tmp_path / "empty", good=(1,))
+    assert not (store / "unfinished" / bundles[1].name).exists()
+
+
+def test_ctrl_c_while_a_bundle_is_written_loses_none_of_its_rows(store, network):
+    """What was judged is written."""
+    code = """
+real = store.Store._write_table
+def write(self, table, bundle, rows, left=[3]):
+    left[0] -= 1
+    if left[0] == 0: raise KeyboardInterrupt
+    real(self, table, bundle, rows)
+store.Store._write_table = write
+"""
+    assert disturbed(code, "run", store, network, "--workers", "0") == 130
+    assert committed(store) > 0
+    archive("check", store)

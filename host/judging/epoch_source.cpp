@@ -62,7 +62,12 @@ class RinexSource : public EpochSource {
 
   const std::string& Name() const override { return path_; }
   const ObservationHeader& Header() const override { return reader_.Header(); }
-  bool Next(ObsEpoch_QC_gbt& epoch, ObservationEpoch& full) override { return reader_.Next(epoch, full); }
+  bool Next(ObsEpoch_QC_gbt& epoch, ObservationEpoch& full) override {
+    do {
+      if (!reader_.Next(epoch, full)) return false;
+    } while (reader_.HasWrongTime());
+    return true;
+  }
   const std::optional<FileError>& Failure() const override { return reader_.Failure(); }
   std::vector<DescriptionChange> Changes() const override { return reader_.Changes(); }
 

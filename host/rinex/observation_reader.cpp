@@ -232,7 +232,7 @@ void ObservationReader::AssignChoices() {
 }
 
 bool ObservationReader::Advance(ObsEpoch_QC_gbt& epoch) {
-  while (body_->Next(header_.types, block_)) {
+  while (blocks_.Next(*body_, header_.types, block_)) {
     if (block_.flag > 1) {
       TakeEvent(block_);
       continue;
@@ -311,6 +311,10 @@ void ObservationReader::NoteChanges(const std::array<std::string, 3>& before) {
 }
 
 void ObservationReader::CheckOrder(const Time_gbt& time) {
+  if (blocks_.HasWrongTime()) {
+    return diagnostics_.Add(name_, block_.line, "time jumps ahead and back again; the epoch is not judged",
+                            false);
+  }
   if (last_time_) {
     const double step_s = Difference(time, *last_time_);
     if (step_s == 0) {

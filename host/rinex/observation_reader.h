@@ -16,6 +16,7 @@
 #include "host/rinex/observation_body.h"
 #include "host/rinex/observation_header.h"
 #include "host/rinex/satellite_names.h"
+#include "host/rinex/timed_blocks.h"
 #include "orsolva/records.h"
 
 namespace orsolva_host {
@@ -57,7 +58,8 @@ struct ObservationOptions {
 /// omitted. Only the first 8 signals of a satellite and the first 80 satellites of an epoch are kept, with a
 /// notice. Events (flags above 1) are skipped, but their header lines are applied. A whole header of another
 /// version or form among the observations begins a part of that form. Epochs are delivered in
-/// the order of the file, including duplicate ones and those that go backwards in time, which give a notice.
+/// the order of the file, including duplicate ones, those that go backwards in time and those with a wrong
+/// time, which give a notice.
 ///
 /// Codes of RINEX 2 are mapped to signals as described in version2_codes.h.
 class ObservationReader {
@@ -79,6 +81,9 @@ class ObservationReader {
 
   /// The next epoch twice: as the library's record, which has its limits, and with everything the file holds.
   bool Next(ObsEpoch_QC_gbt& epoch, ObservationEpoch& full);
+
+  /// Whether the time of the last epoch is wrong, as the next one shows (TimedBlocks).
+  bool HasWrongTime() const { return blocks_.HasWrongTime(); }
 
   /// Why reading ended before the end of the file; absent when it did not.
   const std::optional<FileError>& Failure() const { return failure_; }
@@ -118,6 +123,7 @@ class ObservationReader {
   HeaderParser parser_;
   std::unique_ptr<ObservationBody> body_;
   std::array<SystemPlan, kSystems> plans_;
+  TimedBlocks blocks_;
   EpochBlock block_;
   FullEpoch full_;
   std::vector<Signal_QC_gbt> signals_;       ///< of the current satellite, including those beyond 8

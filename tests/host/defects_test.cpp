@@ -246,6 +246,34 @@ TEST(Defects, EpochsThatStandTwiceOrRunBackwardsAreGivenAndNamed) {
   EXPECT_EQ(file.CountOf("goes backwards"), 1);
 }
 
+std::string AtHour(int hour, std::string epoch) {
+  return epoch.replace(epoch.find(" 00 00 "), 7,
+                       hour < 10 ? " 0" + std::to_string(hour) + " 00 " : " 23 00 ");
+}
+
+TEST(Defects, AnEpochAheadOfThoseAroundItIsNamed) {
+  const ReadFile file(Header(kTypes) + Good("00.0") + Good("01.0") + AtHour(9, Good("02.0")) + Good("03.0") +
+                      Good("04.0"));
+  EXPECT_EQ(file.epochs.size(), 5U);
+  EXPECT_EQ(file.LineOf("jumps ahead and back again; the epoch is not judged"), 8);
+  EXPECT_FALSE(file.Said("goes backwards"));
+  const ReadFile first(Header(kTypes) + AtHour(9, Good("00.0")) + Good("01.0") + Good("02.0"));
+  EXPECT_EQ(first.LineOf("jumps ahead and back again"), 4);
+  EXPECT_FALSE(first.Said("goes backwards"));
+  const ReadFile crinex(Crinex(CrinexEpoch("00.0") + AtHour(9, CrinexEpoch("30.0")) + CrinexEpoch("31.0")));
+  EXPECT_EQ(crinex.epochs.size(), 3U);
+  EXPECT_TRUE(crinex.Said("jumps ahead and back again"));
+}
+
+TEST(Defects, AGapOrAnEpochOutOfOrderIsNoWrongTime) {
+  const std::string begin = Header(kTypes) + Good("00.0") + Good("01.0");
+  EXPECT_FALSE(ReadFile(begin + AtHour(9, Good("02.0")) + AtHour(9, Good("03.0"))).Said("jumps ahead"));
+  EXPECT_FALSE(ReadFile(begin + Good("04.0") + Good("03.0") + Good("05.0")).Said("jumps ahead"));
+  EXPECT_FALSE(ReadFile(begin + AtHour(9, Good("02.0"))).Said("jumps ahead"));
+  const std::string morning = AtHour(9, Good("00.0")) + AtHour(9, Good("01.0"));
+  EXPECT_FALSE(ReadFile(Header(kTypes) + morning + Good("00.0") + Good("01.0")).Said("jumps ahead"));
+}
+
 TEST(Defects, SatellitesListedWithoutAValueAreLeftOutAndCounted) {
   const ReadFile file(Header(kTypes) + Epoch("00.0", 3) + Satellite("G05", {"", ""}) + "G06\n" +
                       Satellite("G07", {"3.000", "40.000"}));

@@ -1,7 +1,7 @@
 // Cyclic redundancy checks without reflection and with the initial value 0.
 //
-// The remainder is linear: that of a part of a stream follows from those of everything before the part and
-// before its end (Koopman's and Warren's textbooks call it combining CRCs).
+// The remainder is linear: with a, then b, CRC(ab) = CRC(a) x^(8 |b|) + CRC(b) modulo the polynomial. So that
+// of a part of a stream follows from those of everything before the part and before its end.
 #ifndef ORSOLVA_FORMATS_STREAMS_CRC_H
 #define ORSOLVA_FORMATS_STREAMS_CRC_H
 

@@ -16,10 +16,8 @@ constexpr double kNominalRange = 3.0e8;  // m, for the signal travel time of sam
 // double.
 constexpr std::int64_t kMaxSamples = std::int64_t{1} << 40;
 
-constexpr double kRoundingRad = 1e-6;
-constexpr double kRightAngle = 1.5707963267948966;  // rad
-// s, more than leap seconds and the rounding of times shift an epoch by.
-constexpr double kScaleMargin = 10.0;
+// s by which UTC, the time scale of GLONASS records, may jump.
+constexpr double kLeapSecond = 1.0;
 
 constexpr std::int64_t kNone = -1;
 
@@ -56,33 +54,41 @@ bool StationView::Elevation(const gnssqctoolkit::SatelliteId& satellite, const T
   return true;
 }
 
-double StationView::BelowFor(const gnssqctoolkit::SatelliteId& satellite, const Time_gbt& time,
-                             double limit_rad, double margin_s) const {
+bool StationView::Bounded(const gnssqctoolkit::SatelliteId& satellite, const Time_gbt& time,
+                          BoundedElevation& bounded) const {
+  bounded = BoundedElevation{};
+  bounded.Time = time;
   gnssqctoolkit::BoundedMotion motion;
   double unit[3];
   if (!ephemeris_->Motion(satellite, ToAbsolute(time), kNominalRange, motion) ||
       gnssqctoolkit::GeometricRange(motion.State.Position, position_, unit) < 0.0) {
-    return 0.0;
+    return Elevation(satellite, time, bounded.ElevationRad);
   }
-  const double rise = limit_rad - kRoundingRad - gnssqctoolkit::AzimuthElevation(frame_, unit, nullptr);
-  if (!(rise > 0.0)) return 0.0;
+  bounded.ElevationRad = gnssqctoolkit::AzimuthElevation(frame_, unit, nullptr);
   double line[3];
   for (int i = 0; i < 3; ++i) line[i] = motion.State.Position[i] - position_[i];
-  const double distance = std::sqrt(line[0] * line[0] + line[1] * line[1] + line[2] * line[2]);
-  // A satellite that moves by s turns the direction by an angle whose sine is at most s / distance.
-  const double held = distance * std::sin(std::min(rise, kRightAngle)) / motion.SpeedLimit;
-  const double margin = margin_s + kScaleMargin;
-  if (!(margin <= std::min(held, motion.Before))) return 0.0;
-  return std::max(0.0, std::min(held, motion.After) - margin);
+  bounded.DistanceM = std::sqrt(line[0] * line[0] + line[1] * line[1] + line[2] * line[2]);
+  bounded.SpeedLimit = motion.SpeedLimit;
+  bounded.TimeUncertaintyS = satellite.system == gnssqctoolkit::kGlonass ? kLeapSecond : 0.0;
+  bounded.BeforeS = motion.Before;
+  bounded.AfterS = motion.After;
+  return true;
 }
 
 void ElevationSamples::Open(const StationView& view, const gnssqctoolkit::SatelliteId& satellite,
-                            const Time_gbt& batch_first, const Time_gbt& batch_last) {
+                            const Time_gbt& batch_first, const Time_gbt& batch_last, ElevationReach* reach) {
   Clear();
   view_ = &view;
+  reach_ = reach;
   satellite_ = satellite;
   first_ = batch_first;
   last_index_ = std::clamp<std::int64_t>(IndexAtOrAfter(batch_last), 1, kMaxSamples);
+}
+
+bool ElevationSamples::Span(const Time_gbt& t) const {
+  if (last_index_ >= kMaxSamples || !gnssqctoolkit::HasPlainFraction(ToAbsolute(first_))) return false;
+  const double since_first = TimeDifference(t, first_);
+  return since_first >= 0.0 && since_first <= static_cast<double>(last_index_ * kSampleStep) - 1.0;
 }
 
 void ElevationSamples::Clear() {
@@ -164,8 +170,17 @@ void ElevationSamples::Keep(const Sample& sample) {
 bool ElevationSamples::Exists(std::int64_t i) {
   if (Computed(i) != nullptr) return true;
   double elevation = 0.0;
-  if (!view_->Elevation(satellite_, SampleTime(i), elevation)) return false;
+  if (!ComputeAt(SampleTime(i), elevation)) return false;
   Keep({i, elevation});
+  return true;
+}
+
+bool ElevationSamples::ComputeAt(const Time_gbt& t, double& elevation) {
+  if (reach_ == nullptr) return view_->Elevation(satellite_, t, elevation);
+  BoundedElevation bounded;
+  if (!view_->Bounded(satellite_, t, bounded)) return false;
+  reach_->Take(bounded);
+  elevation = bounded.ElevationRad;
   return true;
 }
 

@@ -14,6 +14,7 @@
 #include "navigation/ephemerides/ephemeris.h"
 #include "navigation/orbits/geometry.h"
 #include "orsolva/records.h"
+#include "qc/elevation_reach.h"
 #include "toolkit/satellite.h"
 
 namespace orsolva {
@@ -34,11 +35,9 @@ class StationView {
                  double azimuth_elevation[2]) const;
   /// The elevation alone, in rad.
   bool Elevation(const gnssqctoolkit::SatelliteId& satellite, const Time_gbt& time, double& elevation) const;
-  /// For how long after `time` the elevation certainly stays below `limit_rad`, s; 0 when nothing is known.
-  /// It is then below it as well up to `margin_s` before `time` and after the end, and exists at all these
-  /// times.
-  double BelowFor(const gnssqctoolkit::SatelliteId& satellite, const Time_gbt& time, double limit_rad,
-                  double margin_s) const;
+  /// The same elevation, and how fast it may change.
+  bool Bounded(const gnssqctoolkit::SatelliteId& satellite, const Time_gbt& time,
+               BoundedElevation& bounded) const;
   const gnssqctoolkit::Ephemeris& Records() const { return *ephemeris_; }
 
  private:
@@ -61,8 +60,12 @@ class ElevationSamples {
  public:
   virtual ~ElevationSamples() = default;
 
+  /// @param reach  is given every sample that is computed, unless null
   void Open(const StationView& view, const gnssqctoolkit::SatelliteId& satellite, const Time_gbt& batch_first,
-            const Time_gbt& batch_last);
+            const Time_gbt& batch_last, ElevationReach* reach);
+  /// Whether `t` lies between two samples 60 s apart, were there samples at all times. False as well less
+  /// than a second before the last of them, and where times are absurd.
+  bool Span(const Time_gbt& t) const;
   /// The first pair of neighbours with TimeBefore <= t <= TimeAfter; false when there is none.
   bool Bracket(const Time_gbt& t, SampleBracket& bracket);
   void Clear();
@@ -76,6 +79,7 @@ class ElevationSamples {
   /// The elevation of a sample computed before, null when it was not.
   const double* Computed(std::int64_t i) const;
   void Keep(const Sample& sample);
+  bool ComputeAt(const Time_gbt& t, double& elevation);
   Time_gbt SampleTime(std::int64_t i) const;
   std::int64_t IndexAtOrAfter(const Time_gbt& t) const;
   bool Exists(std::int64_t i);
@@ -90,6 +94,7 @@ class ElevationSamples {
 
   const StationView* view_ = nullptr;
   gnssqctoolkit::SatelliteId satellite_;
+  ElevationReach* reach_ = nullptr;
   Time_gbt first_{};
   std::int64_t last_index_ = 0;
   std::vector<Sample> elevations_;             // existing samples that were computed, ascending

@@ -4,6 +4,7 @@
 
 #include "navigation/ephemerides/ephemeris.h"
 #include "orsolva/records.h"
+#include "qc/elevation_reach.h"
 #include "qc/elevation_samples.h"
 #include "toolkit/satellite.h"
 
@@ -11,17 +12,10 @@ namespace orsolva {
 
 inline constexpr double kElevationSplit = 0.5235987755982988;  ///< 30 degrees, rad
 
-enum class CutoffSide {
-  kUnknown,  ///< no samples bracket the time
-  kNear,     ///< within half a degree of it, or on both sides
-  kAbove,
-  kBelow,
-};
-
 struct ElevationFlags {
   bool AboveCutoff = false;
   bool Above30 = false;
-  double ElevationRad = 0.0;  ///< linear between the samples
+  double ElevationRad = 0.0;  ///< linear between the samples; not a number where only flags are asked for
 };
 
 /// Elevations of the current satellite over the current batch.
@@ -32,6 +26,9 @@ class QcEleList {
   /// Position of the station and elevation cut-off (rad), for the satellites opened next.
   void SetStation(const gnssqctoolkit::Ephemeris& ephemeris, const double station_position[3],
                   double elevation_mask);
+  /// Whether only flags are asked for, no elevations, of the satellites opened next. Flags are the same then,
+  /// and samples that cannot change one are not computed.
+  void AskForFlagsOnly(bool only) { flags_only_ = only; }
   void OpenSatellite(const gnssqctoolkit::SatelliteId& satellite, const Time_gbt& batch_first,
                      const Time_gbt& batch_last);
 
@@ -43,12 +40,12 @@ class QcEleList {
   /// The cut-off flag at any time: from the samples where they bracket it, else from the exact elevation.
   bool AboveCutoff(const Time_gbt& t);
 
-  /// On which side of the cut-off the samples around `t` clearly are.
-  /// @param until  the later of them: up to there it is the same
-  CutoffSide SideUntil(const Time_gbt& t, Time_gbt& until);
+  /// The same flag.
+  /// @param until  a time up to which it certainly is the same; `t` where nothing is known
+  bool AboveCutoffUntil(const Time_gbt& t, Time_gbt& until);
 
   /// For how long from `t` on the cut-off flag certainly stays clear, s; 0 when nothing is known.
-  double BelowCutoffFor(const Time_gbt& t) const;
+  double BelowCutoffFor(const Time_gbt& t);
 
   /// The satellite is within half a degree of the cut-off. False where the samples show that it is not,
   /// and where it has no position.
@@ -63,16 +60,22 @@ class QcEleList {
   /// How long from `t` on the satellite has the same place, s; see Ephemeris::StandsStillFor.
   double StandsStillFor(const Time_gbt& t) const;
 
-  void Clear() { samples_.Clear(); }
+  void Clear();
 
  private:
-  bool AboveLimit(const SampleBracket& bracket, const Time_gbt& t, double interpolated, double limit) const;
-  bool ExactlyAbove(const Time_gbt& t, double limit) const;
+  bool AboveWithin(const SampleBracket& bracket, const Time_gbt& t, Time_gbt& until);
+  bool AboveLimit(const SampleBracket& bracket, const Time_gbt& t, double interpolated, double limit);
+  bool ExactlyAbove(const Time_gbt& t, double limit);
+  bool ExactElevation(const Time_gbt& t, double& elevation);
+  CutoffSide SideAround(const Time_gbt& t, double limit, double clear = 0.0) const;
+  bool FlagsWithoutSamples(const Time_gbt& t, ElevationFlags& flags);
 
   StationView view_;
   double mask_ = 0.0;
   gnssqctoolkit::SatelliteId satellite_;
   ElevationSamples samples_;
+  bool flags_only_ = false;
+  ElevationReach reach_;  // of the elevation computed last
 };
 
 }  // namespace orsolva

@@ -45,19 +45,10 @@ std::uint64_t NominalGap::CountBetweenSamples() const {
   std::uint64_t count = 0;
   for (std::int64_t k = 1; k <= steps;) {
     Time_gbt until{};
-    const CutoffSide side = elevations_.SideUntil(WholeNominal(k), until);
-    if (side == CutoffSide::kAbove || side == CutoffSide::kBelow) {
-      const std::int64_t end = std::min(steps, k + Steps(TimeDifference(until, WholeNominal(k)), interval_));
-      if (side == CutoffSide::kAbove) count += static_cast<std::uint64_t>(end - k + 1);
-      k = end + 1;
-      continue;
-    }
-    const bool above = elevations_.AboveCutoff(WholeNominal(k));
-    if (above) ++count;
-    const bool pays = side == CutoffSide::kUnknown && !above && static_cast<double>(steps - k) > kLeastSteps;
-    const double below_for = pays ? elevations_.BelowCutoffFor(WholeNominal(k)) : 0.0;
-    // Checked again at the first nominal epoch that is not earlier than that.
-    k += std::max<std::int64_t>(1, static_cast<std::int64_t>(std::ceil(below_for / interval_)));
+    const bool above = elevations_.AboveCutoffUntil(WholeNominal(k), until);
+    const std::int64_t end = std::min(steps, k + Steps(TimeDifference(until, WholeNominal(k)), interval_));
+    if (above) count += static_cast<std::uint64_t>(end - k + 1);
+    k = end + 1;
   }
   return count;
 }

@@ -137,6 +137,7 @@ void PostProcessGnssQc::WidenRun(const BatchSummary& summary) {
 void PostProcessGnssQc::RunMeasures() {
   InitialiseMeasures();
   EleList.SetStation(Eph, Position, Config.ElevationMask);
+  EleList.AskForFlagsOnly(observer_ == nullptr || !observer_->LooksAtDirections());
   std::size_t satellite_epochs = 0, signals = 0;
   for (const int number : ObsData.PresentSatellites()) {
     observed_[number - 1] = true;

@@ -85,8 +85,9 @@ class QcDetailObserver {
   virtual ~QcDetailObserver() = default;
   virtual void OnSatelliteEpoch(const SatelliteEpochDetail& detail) = 0;
   virtual void OnPairEpoch(const PairEpochDetail& detail) = 0;
-  /// Whether directions and signals of satellites are looked at. If not they are not computed: elevations are
-  /// those interpolated between samples 60 s apart, azimuths are 0, and there are no signals.
+  /// Whether directions and signals of satellites are looked at, asked once per batch and once per satellite
+  /// and epoch. If not they are not computed: elevations are not a number, azimuths are 0, and there are no
+  /// signals.
   virtual bool LooksAtDirections() const { return true; }
 };
 

@@ -11,11 +11,13 @@
 #include "qc/base/epoch_time.h"
 #include "tests/support/exact_sky.h"
 #include "tests/support/sky.h"
+#include "tests/unit/qc/literal_elevations.h"
 
 namespace {
 
 using namespace orsolva;
 using gnssqctoolkit::Ephemeris;
+using orsolva_test::LiteralElevations;
 
 constexpr double kMask = 10.0 * gnssqctoolkit::kRadiansPerDegree;
 
@@ -23,62 +25,6 @@ Time_gbt At(double seconds_of_week) {
   const double whole = std::floor(seconds_of_week);
   return {sky::kWeekStart + static_cast<std::int64_t>(whole), seconds_of_week - whole};
 }
-
-/// The rule of the samples as it is worded: every one of them computed, walked from the front.
-class LiteralElevations {
- public:
-  LiteralElevations(const Ephemeris& ephemeris, int prn, const Time_gbt& first, const Time_gbt& last)
-      : view_(ephemeris, sky::kStation), prn_(prn) {
-    for (int i = 0;; ++i) {
-      const Time_gbt t{first.time + 60 * i, first.sec};
-      double elevation = 0.0;
-      if (Exact(t, elevation)) samples_.push_back({t, elevation});
-      if (i >= 1 && TimeDifference(t, last) >= 0.0) break;
-    }
-  }
-
-  bool Flags(const Time_gbt& t, bool& cutoff, bool& above_30, double& interpolated) const {
-    cutoff = above_30 = false;
-    for (std::size_t i = 0; i + 1 < samples_.size(); ++i) {
-      if (!(TimeDifference(t, samples_[i].Time) >= 0.0) ||
-          !(TimeDifference(samples_[i + 1].Time, t) >= 0.0)) {
-        continue;
-      }
-      interpolated = samples_[i].Elevation + TimeDifference(t, samples_[i].Time) *
-                                                 (samples_[i + 1].Elevation - samples_[i].Elevation) / 60.0;
-      cutoff = Above(samples_[i].Elevation, samples_[i + 1].Elevation, interpolated, t, kMask);
-      above_30 = Above(samples_[i].Elevation, samples_[i + 1].Elevation, interpolated, t, kElevationSplit);
-      return true;
-    }
-    return false;
-  }
-
- private:
-  struct Sample {
-    Time_gbt Time;
-    double Elevation;
-  };
-
-  bool Exact(const Time_gbt& t, double& elevation) const {
-    double azimuth_elevation[2];
-    if (!view_.Direction({1, prn_}, t, azimuth_elevation)) return false;
-    elevation = azimuth_elevation[1];
-    return true;
-  }
-
-  bool Above(double before, double after, double interpolated, const Time_gbt& t, double limit) const {
-    const double margin = 0.5 * 0.017453292519943295;
-    if (before > limit + margin && after > limit + margin) return true;
-    if (before < limit - margin && after < limit - margin) return false;
-    if (interpolated > limit + margin) return true;
-    double exact = 0.0;
-    return Exact(t, exact) && exact > limit;
-  }
-
-  StationView view_;
-  int prn_;
-  std::vector<Sample> samples_;
-};
 
 QcEleList Opened(const Ephemeris& ephemeris, int prn, const Time_gbt& first, const Time_gbt& last) {
   QcEleList list;
@@ -89,16 +35,12 @@ QcEleList Opened(const Ephemeris& ephemeris, int prn, const Time_gbt& first, con
 
 void ExpectSameAsLiteral(QcEleList& list, const LiteralElevations& literal, const Time_gbt& t) {
   ElevationFlags flags;
-  bool cutoff = false;
-  bool above_30 = false;
-  double interpolated = 0.0;
-  const bool found = literal.Flags(t, cutoff, above_30, interpolated);
+  ElevationFlags expected;
+  const bool found = literal.Flags(t, expected);
   ASSERT_EQ(list.EpochElevationFlags(t, flags), found);
-  EXPECT_EQ(flags.AboveCutoff, cutoff);
-  EXPECT_EQ(flags.Above30, above_30);
-  if (found) {
-    EXPECT_EQ(flags.ElevationRad, interpolated);
-  }
+  EXPECT_EQ(flags.AboveCutoff, expected.AboveCutoff);
+  EXPECT_EQ(flags.Above30, expected.Above30);
+  EXPECT_EQ(flags.ElevationRad, expected.ElevationRad);
 }
 
 // Records at a few random reference times leave random gaps; epochs come in order and out of order, some of
@@ -114,7 +56,7 @@ TEST(ElevationFlags, AreThoseOfTheLiteralRuleWhateverTheGapsInTheRecords) {
     const Time_gbt first = At(any(random) / 2.0);
     const Time_gbt last = At(any(random));
     QcEleList list = Opened(ephemeris, prn, first, last);
-    const LiteralElevations literal(ephemeris, prn, first, last);
+    const LiteralElevations literal(ephemeris, {1, prn}, sky::kStation, kMask, first, last);
     for (int k = 0; k < 40; ++k) {
       ExpectSameAsLiteral(list, literal, At(any(random)));
       const auto on_sample = static_cast<std::int64_t>(any(random) / 60.0) * 60;

@@ -8,39 +8,19 @@
 
 #include "navigation/ephemerides/ephemeris.h"
 #include "tests/support/exact_sky.h"
+#include "tests/support/random_records.h"
 
 namespace gnssqctoolkit {
 namespace {
 
 using orsolva_test::BdsRecord;
 using orsolva_test::DistanceTo;
+using orsolva_test::Draw;
 using orsolva_test::GalileoRecord;
 using orsolva_test::GlonassRecord;
 using orsolva_test::GpsRecord;
 using orsolva_test::kSkyTime;
-
-double Draw(std::mt19937& random, double least, double most) {
-  return least + (most - least) * (random() / 4294967296.0);
-}
-
-/// Elements anywhere within what counts as ordinary.
-template <class Record>
-void Scatter(std::mt19937& random, Record& record) {
-  record.sqrtA = Draw(random, 4000.0, 8000.0);
-  record.e = Draw(random, 0.0, 0.25);
-  record.M0 = Draw(random, -10.0, 10.0);
-  record.i0 = Draw(random, -3.2, 3.2);
-  record.omg = Draw(random, -10.0, 10.0);
-  record.deln = Draw(random, -1e-6, 1e-6);
-  record.OMGd = Draw(random, -1e-6, 1e-6);
-  record.idot = Draw(random, -1e-6, 1e-6);
-  record.cus = Draw(random, -1e-3, 1e-3);
-  record.cic = Draw(random, -1e-3, 1e-3);
-  record.crs = Draw(random, -1e5, 1e5);
-  record.af0 = Draw(random, -1.0, 1.0);
-  record.af1 = Draw(random, -1e-3, 1e-3);
-  record.af2 = Draw(random, -1e-9, 1e-9);
-}
+using orsolva_test::Scatter;
 
 /// Looks at pairs of times within the ages the library selects by.
 void HoldsTheLimit(const Ephemeris& records, const SatelliteId& satellite, double age, std::mt19937& random) {
@@ -86,17 +66,7 @@ TEST(SpeedLimit, HoldsForEveryOrdinaryStateVector) {
   std::mt19937 random(2);
   for (int k = 0; k < 500; ++k) {
     GloEph_gbt record = GlonassRecord(5);
-    double* const place[3] = {&record.x, &record.y, &record.z};
-    double* const speed[3] = {&record.vx, &record.vy, &record.vz};
-    const double r = Draw(random, 25000.0, 27000.0), v = Draw(random, 0.0, 3.8);
-    double p[3], q[3];
-    for (int i = 0; i < 3; ++i) p[i] = Draw(random, -1.0, 1.0), q[i] = Draw(random, -1.0, 1.0);
-    // Every fourth one falls straight down.
-    const double p_norm = std::hypot(p[0], p[1], p[2]), q_norm = std::hypot(q[0], q[1], q[2]);
-    for (int i = 0; i < 3; ++i) {
-      *place[i] = r * p[i] / p_norm;
-      *speed[i] = k % 4 == 0 ? -v * p[i] / p_norm : v * q[i] / q_norm;
-    }
+    Scatter(random, record);
     Ephemeris records;
     records.Glonass().Add(record);
     HoldsTheLimit(records, {kGlonass, 5}, 1800.0, random);

@@ -126,6 +126,17 @@ void AddPosition(const Report& report, std::vector<Finding>& findings) {
       .figures = {{"solution_to_header_m", *distance_m}};
 }
 
+void AddGivenPosition(const Report& report, std::vector<Finding>& findings) {
+  const analysis::PositionFigures& position = report.analysis.figures.position;
+  const std::optional<double>& distance_m = position.distance_to_given_m;
+  const bool usable = position.residual_rms_m.value_or(0) <= kFindingLimits.unusable_residual_m;
+  if (!distance_m || !usable || *distance_m < kFindingLimits.far_from_header_m) return;
+  AddFinding(findings, "given-position-far", kWarning,
+             fmt::format("Position {} from the one given", Distance(*distance_m)),
+             "The library's record has its elevations from the one given.")
+      .figures = {{"solution_to_given_m", *distance_m}};
+}
+
 void AddInterval(const Report& report, std::vector<Finding>& findings) {
   for (const Contradiction& c : report.analysis.figures.contradictions) {
     if (c.id != "interval" && c.id != "file_name_interval") continue;
@@ -193,8 +204,11 @@ void AddMissingEpochs(const Report& report, std::vector<Finding>& findings) {
   const analysis::SpanFigures& span = report.analysis.figures.span;
   const Count missing = span.lost_epochs.value_or(0), expected = span.expected_epochs.value_or(0);
   if (missing > 0) {
-    const bool matters = Share(missing, expected) >= kFindingLimits.missing_share;
-    AddFinding(findings, "missing-epochs", matters ? kWarning : kInfo,
+    const double share = Share(missing, expected);
+    AddFinding(findings, "missing-epochs",
+               share > kFindingLimits.mostly_missing_share ? kError
+               : share >= kFindingLimits.missing_share     ? kWarning
+                                                           : kInfo,
                fmt::format("{} of {} epochs missing", missing, expected), GapTexts(span))
         .figures = {{"missing_epochs", static_cast<double>(missing)}};
   }
@@ -246,6 +260,22 @@ std::vector<std::string> CommonSlips(const Report& report) {
 }
 
 /// What struck the receiver as a whole.
+/// Phases that do not go on together, and so hide slips.
+void AddRestarts(const Report& report, std::vector<Finding>& findings) {
+  const Count restarts = report.analysis.figures.receiver_clock.restarts.value_or(0);
+  if (restarts == 0) return;
+  const Count steps = std::max<Count>(report.analysis.figures.span.present_epochs.value_or(0), 2) - 1;
+  const double share = Share(restarts, steps);
+  AddFinding(findings, "receiver-restarts",
+             share > kFindingLimits.mostly_restarts_share ? kError
+             : share > kFindingLimits.some_restarts_share ? kWarning
+                                                          : kInfo,
+             fmt::format("Phases do not go on at {} of {} steps", restarts, steps),
+             "Slips cannot be found there. Look for restarts of the receiver, and for phases of the wrong "
+             "sign or unit.")
+      .figures = {{"receiver_restarts", static_cast<double>(restarts)}};
+}
+
 void AddReceiver(const Report& report, std::vector<Finding>& findings) {
   const std::vector<Event>& events = report.analysis.events;
   const analysis::ReceiverClockFigures& clock = report.analysis.figures.receiver_clock;
@@ -279,10 +309,12 @@ void AddDataFindings(const Report& report, std::vector<Finding>& findings) {
   AddAbsence(report, findings);
   AddNotJudged(report, findings);
   AddPosition(report, findings);
+  AddGivenPosition(report, findings);
   AddInterval(report, findings);
   AddStatements(report, findings);
   AddMissingEpochs(report, findings);
   AddReceiver(report, findings);
+  AddRestarts(report, findings);
 }
 
 }  // namespace orsolva_host

@@ -25,7 +25,11 @@ struct FindingLimits {
   double unusable_residual_m = 20;  ///< codes of a receiver at work leave 1 to 3 m, with one band up to 10 m
   double off_header_m = 10;         ///< worth a look: codes of an hour on two bands are good to some metres
   double missing_share = 0.001;     ///< of the nominal epochs: three of a day at 30 s
-  double unusable_share = 0.01;     ///< of the epochs present
+  double mostly_missing_share = 0.5;
+  double unusable_share = 0.01;  ///< of the epochs present
+  // Of the steps between epochs.
+  double some_restarts_share = 0.01;
+  double mostly_restarts_share = 0.5;
   double least_steps_per_slip = 2000;  ///< the best of stations at 30 s have 10,000 and more
   double least_observations_per_interruption = 1000;
   // Of the observations expected, less those of missing epochs.

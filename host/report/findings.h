@@ -14,10 +14,12 @@
 // antenna-moves        info, warning  the antenna moves; a warning where its first position is far_from_header_m off
 // position-off         info           the header's position is off_header_m off
 // position-far         warning        the position of the header is contradicted
+// given-position-far   warning        the position given is far_from_header_m off
 // wrong-interval, wrong-name-interval
 //                      warning        the interval of header or file name is not that of the data
 // statements           warning        other statements of header or file name that the data contradict
-// missing-epochs       info, warning  epochs are missing; a warning from missing_share on
+// missing-epochs       info to error  epochs are missing; a warning from missing_share on, an error above
+//                                     mostly_missing_share
 // unusable-epochs      warning        unusable_share of the epochs do not allow a position
 // disordered-epochs    info           duplicate epochs, or time goes backwards
 // power-failures       warning        the file flags them
@@ -25,6 +27,8 @@
 //                                     slipped at one epoch
 // code-clock-jumps     warning        codes jumped against the phases
 // clock-resets         info           the receiver clock was reset
+// receiver-restarts    info to error  too few phases go on over a step; a warning above some_restarts_share of the
+//                                     steps, an error above mostly_restarts_share
 // changed-statements, signals-gone, became-worse
 //                      warning        against an earlier report: another marker, receiver or antenna, signals that
 //                                     are gone, figures worse by more than their limit (watched_figures.h)

@@ -25,7 +25,7 @@ bool TimedBlocks::Take(ObservationBody& body, const ObservationTypes& types, Epo
   return body.Next(types, block);
 }
 
-/// What fails is told when the epoch is asked for.
+/// A failure is thrown when the epoch is asked for.
 bool TimedBlocks::LooksAhead(ObservationBody& body, const ObservationTypes& types) {
   if (failure_) return false;
   try {

@@ -1,5 +1,5 @@
 // The epochs and events of a file one by one, with a look at the next epoch where the time jumps ahead:
-// whether one of the two times is wrong can be told from the next one only.
+// whether one of the two times is wrong shows in the next one only.
 #ifndef ORSOLVA_RINEX_TIMED_BLOCKS_H
 #define ORSOLVA_RINEX_TIMED_BLOCKS_H
 

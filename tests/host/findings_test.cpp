@@ -175,6 +175,38 @@ TEST(Findings, APositionThatTheAnalysisDoesNotContradictIsNoWarning) {
   EXPECT_NE(report.verdict.text.find("; Position 25 m"), std::string::npos) << report.verdict.text;
 }
 
+TEST(Findings, AGivenPositionFarFromTheDatasIsAWarning) {
+  Report report = CleanDay();
+  report.analysis.figures.position.distance_to_given_m = 49;
+  EXPECT_EQ(Only(report, "given-position-far").id, "");
+  report.analysis.figures.position.distance_to_given_m = 479450;
+  EXPECT_EQ(Only(report, "given-position-far").severity, "warning");
+  report.analysis.figures.position.residual_rms_m = 135;
+  EXPECT_EQ(Only(report, "given-position-far").id, "");
+}
+
+TEST(Findings, PhasesThatDoNotGoOnAreSaidAndWeighed) {
+  Report report = CleanDay();
+  EXPECT_EQ(Only(report, "receiver-restarts").id, "");
+  Count& restarts = report.analysis.figures.receiver_clock.restarts.emplace(1);
+  report.analysis.figures.span.present_epochs = 2880;
+  EXPECT_EQ(Only(report, "receiver-restarts").severity, "info");
+  restarts = 100;
+  EXPECT_EQ(Only(report, "receiver-restarts").severity, "warning");
+  restarts = 2879;
+  EXPECT_EQ(Only(report, "receiver-restarts").severity, "error");
+  EXPECT_EQ(Only(report, "receiver-restarts").title, "Phases do not go on at 2879 of 2879 steps");
+}
+
+TEST(Findings, AFileThatIsMostlyMissingIsPoor) {
+  Report report = CleanDay();
+  report.analysis.figures.span.expected_epochs = 2880;
+  report.analysis.figures.span.lost_epochs = 1440;
+  EXPECT_EQ(Only(report, "missing-epochs").severity, "warning");
+  report.analysis.figures.span.lost_epochs = 1441;
+  EXPECT_EQ(Only(report, "missing-epochs").severity, "error");
+}
+
 TEST(Findings, OneMissingEpochOfADayIsNoWarning) {
   Report report = CleanDay();
   report.analysis.figures.span.lost_epochs = 1;

@@ -228,6 +228,39 @@ TEST(SlipDetector, AHoleOfOneSignalIsBridgedAndASlipOverItSized) {
   }
 }
 
+/// The phase of 2W is away for three epochs and returns with one slip, and an epoch later has another, which
+/// is decided first.
+std::vector<Event> EventsOfHoleBeforeSlip(double in_hole, double after) {
+  return EventsOf(Day(200, [&](int t, ObservationEpoch& epoch) {
+    Slip(3, 100, 0, in_hole)(t, epoch);
+    Slip(3, 104, 0, after)(t, epoch);
+    if (t >= 100 && t < 103) epoch.signals[epoch.satellites[2].first_signal + 1].phase_cycles = kAbsent;
+  }));
+}
+
+TEST(SlipDetector, AHoleIsClosedThoughASlipThatFollowsIsDecidedFirst) {
+  for (const double cycles : {-2.0, 0.0, 1.0}) {
+    const auto events = EventsOfHoleBeforeSlip(cycles, -1);
+    ASSERT_EQ(events.size(), 2U) << cycles;
+    EXPECT_EQ(events[0].kind, cycles == 0 ? EventKind::kSignalGapContinuous : EventKind::kSignalGapSlip);
+    EXPECT_EQ(events[0].time_ns, kStart_ns + 103 * kNanosecondsPerSecond);
+    EXPECT_EQ(events[0].sizes, cycles == 0 ? std::vector<double>{} : std::vector<double>{cycles});
+    EXPECT_EQ(events[1].kind, EventKind::kSlip);
+    EXPECT_EQ(events[1].time_ns, kStart_ns + 104 * kNanosecondsPerSecond);
+    EXPECT_EQ(events[1].sizes, std::vector<double>{-1});
+  }
+}
+
+TEST(SlipDetector, HalfACycleOverAHoleIsLeftOpenWhereASlipThatFollowsIsDecidedFirst) {
+  const auto events = EventsOfHoleBeforeSlip(0.5, -1);
+  ASSERT_EQ(events.size(), 2U);
+  EXPECT_EQ(events[0].kind, EventKind::kSignalGapUnresolved);
+  EXPECT_EQ(events[0].time_ns, kStart_ns + 103 * kNanosecondsPerSecond);
+  EXPECT_FALSE(events[0].sure);
+  EXPECT_EQ(events[1].kind, EventKind::kSlip);
+  EXPECT_EQ(events[1].time_ns, kStart_ns + 104 * kNanosecondsPerSecond);
+}
+
 TEST(SlipDetector, AReceiverThatResetsItsClockByAMillisecondDoesNotSlip) {
   const auto events = EventsOf(Day(200, [](int t, ObservationEpoch& epoch) {
     if (t < 100) return;

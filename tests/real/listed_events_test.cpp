@@ -125,7 +125,7 @@ TEST(ListedEvents, AreThoseFoundOnTheStationDay) {
   ExpectListed("Events of ESBC from 10 degrees up", found.slips);
   ExpectListed("Satellite clocks of ESBC from 10 degrees up", found.clocks);
   EXPECT_EQ(found.continuous, 263);
-  EXPECT_EQ(found.unresolved, 37);
+  EXPECT_EQ(found.unresolved, 40);
 }
 
 }  // namespace

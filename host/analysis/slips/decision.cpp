@@ -83,11 +83,42 @@ void Decision::DecideNext(SatelliteTrack& track) {
     if (!Explain() || state.gap) break;  // no rate leads over a hole: nothing changes those around
     FitRates(track, target);
     RefreshScales(track, step, around_);
-    if (hole) break;  // a hole is closed once
+    if (hole) {  // a hole is closed once
+      if (target != step) CloseBesideRepair(track, step);
+      break;
+    }
   }
   Carry(track, step);
   Readmit(track, step);
   ++track.decide;
+}
+
+/// A hole of some signals next to a repair that gained more, looked at by itself: what the signals that
+/// stayed clearly say of those that return. Half a cycle, or a slip of those that stayed, would rest on the
+/// repair too: such a hole is reported as open.
+void Decision::CloseBesideRepair(SatelliteTrack& track, std::int64_t step) {
+  track.budget -= 1;
+  Rank(track, step);
+  if (case_.test.returning == 0) return;
+  const Explanation& best = case_.ranked.front();
+  if (!IsSureHole() || !OnlyReturningSlip(best.cycles)) {
+    return AddEvent(HoleKind(), nullptr, case_.none.total - best.total, Margin(), false);
+  }
+  if (!CloseGap()) return;
+  FitRates(track, step);
+  RefreshScales(track, step, around_);
+}
+
+/// Whether a slip vector has whole cycles and leaves alone the signals that stayed, of which there are some.
+bool Decision::OnlyReturningSlip(const Cycles& cycles) const {
+  bool any_stayed = false;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
+    if (cycles[i] != std::nearbyint(cycles[i])) return false;
+    if ((case_.test.returning >> i & 1) != 0) continue;
+    any_stayed = true;
+    if (cycles[i] != 0) return false;
+  }
+  return any_stayed;
 }
 
 /// Whether a slip of one cycle on all signals, which no wide lane shows, is so small against what a hole of

@@ -78,6 +78,10 @@ class Decision {
   double PriorOf(const Cycles& cycles) const;
   double FitOf(const Cycles& cycles) const;
   bool CloseGap();
+  double Margin() const;  ///< of the best explanation over the next, nats
+  bool IsSureHole() const;
+  void CloseBesideRepair(SatelliteTrack& track, std::int64_t step);
+  bool OnlyReturningSlip(const Cycles& cycles) const;
   bool IsBlind() const;
   double BlindSlipPrior() const;
   bool IsPlainHalf() const;

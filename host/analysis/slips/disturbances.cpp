@@ -21,6 +21,7 @@ constexpr double kForbidsClock = 16;       // misfit of the wide lane, which no 
 constexpr double kNotMuchDearer = 4;       // nats
 constexpr double kSurelyNoRange_m = 1;     // by which no range leaves a cubic within a step
 constexpr double kPlainHalfScales = 5;     // of the range
+constexpr double kAlone = 99;              // nats, margin of an explanation without a rival
 constexpr int kUnstableSteps = 5;          // broken steps among kUnstableWindow and those to come
 constexpr int kUnstableWindow = 12;
 constexpr int kSteadySteps = 20;
@@ -161,7 +162,7 @@ bool Decision::RestsOnRangeAlone(const Cycles& cycles) const {
 bool Decision::TakeSlip() {
   const Explanation& best = case_.ranked.front();
   if (TakeUnstable(best.cycles)) return true;
-  const double margin = case_.ranked.size() > 1 ? case_.ranked[1].total - best.total : 99;
+  const double margin = Margin();
   const bool sure = margin > (IsStormySky() ? kSureStormMargin : kSureMargin) &&
                     FitOf(best.cycles) < kFitChi2 &&
                     !(IsStormy() && IsSameOnAll(best.cycles, case_.test.count)) &&
@@ -263,12 +264,20 @@ void Decision::MarkBroken(const Cycles& cycles) {
   }
 }
 
+double Decision::Margin() const {
+  return case_.ranked.size() > 1 ? case_.ranked[1].total - case_.ranked.front().total : kAlone;
+}
+
+bool Decision::IsSureHole() const {
+  return Margin() > kSureGapMargin && FitOf(case_.ranked.front().cycles) < kFitChi2;
+}
+
 /// A hole ends: continuous, a slip of known size, or open.
 bool Decision::CloseGap() {
   SatelliteTrack& track = *case_.track;
   const Explanation& best = case_.ranked.front();
-  const double margin = case_.ranked.size() > 1 ? case_.ranked[1].total - best.total : 99;
-  const bool sure = margin > kSureGapMargin && FitOf(best.cycles) < kFitChi2;
+  const double margin = Margin();
+  const bool sure = IsSureHole();
   const double score = case_.none.total - best.total;
   const Cycles broken = sure ? best.cycles : Returning();
   if (!case_.gap && TakeUnstable(broken)) return true;

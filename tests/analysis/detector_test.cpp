@@ -182,6 +182,47 @@ TEST(SlipDetector, ASlipOfEverySignalIsUnsureWhereOnlyTheStepsAroundPredictTheRa
   }
 }
 
+/// The sky at 30 s with a third band, whose signals are the last of their satellites.
+std::vector<ObservationEpoch> ThreeBandDay(const Change& change) {
+  std::vector<ObservationEpoch> day;
+  for (int k = 0; k < 120; ++k) {
+    const ObservationEpoch two = EpochAt(30 * k);
+    ObservationEpoch epoch;
+    epoch.time_ns = two.time_ns;
+    for (SatelliteObservation satellite : two.satellites) {
+      const SignalObservation* o = &two.signals[satellite.first_signal];
+      satellite.first_signal = epoch.signals.size();
+      satellite.signal_count = 3;
+      epoch.signals.insert(epoch.signals.end(), {o[0], o[1], o[0]});
+      epoch.signals.back().code = {'5', 'Q'};
+      const double frequency = CarrierFrequency('G', '5', 0);
+      const double mu = kReferenceCarrier_hz / frequency * (kReferenceCarrier_hz / frequency);
+      const double ionosphere = 5 + 0.03 * k;  // as of 1C
+      epoch.signals.back().pseudorange_m += (mu - 1) * ionosphere;
+      epoch.signals.back().phase_cycles *= frequency / CarrierFrequency('G', '1', 0);
+      epoch.signals.back().phase_cycles -= (mu - 1) * ionosphere * frequency / kLightSpeed_m_s;
+      epoch.satellites.push_back(satellite);
+    }
+    change(k, epoch);
+    day.push_back(std::move(epoch));
+  }
+  return day;
+}
+
+TEST(SlipDetector, ASignalThatSlippedAMomentAgoIsNoWitnessAgainstTwoBandsThatMoveAlike) {
+  for (const bool slipped_before : {false, true}) {
+    const std::vector<Event> events = EventsOf(ThreeBandDay([=](int k, ObservationEpoch& epoch) {
+      SignalObservation* o = &epoch.signals[epoch.satellites[2].first_signal];
+      if (k >= 52 && slipped_before) o[2].phase_cycles += 9;
+      if (k >= 60) o[0].phase_cycles += 2, o[1].phase_cycles += 2;
+    }));
+    ASSERT_EQ(events.size(), slipped_before ? 2U : 1U);
+    EXPECT_EQ(events.back().time_ns, kStart_ns + 1800 * kNanosecondsPerSecond);
+    EXPECT_EQ(events.back().sizes, (std::vector<double>{2, 2}));
+    EXPECT_EQ(events.back().sure, !slipped_before);
+  }
+}
+
 TEST(SlipDetector, AnEventComesOutFourEpochsAfterItsOwn) {
   const auto day = Day(200, Slip(3, 100, 1, 0));
   SlipDetector detector({}, {});

@@ -5,6 +5,7 @@
 #ifndef ORSOLVA_ANALYSIS_SLIPS_DECISION_H
 #define ORSOLVA_ANALYSIS_SLIPS_DECISION_H
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -56,6 +57,16 @@ class Decision {
   void DecideNext(SatelliteTrack& track);
 
  private:
+  struct SteadySlip {
+    Cycles cycles = {};
+    int count = 0;
+    double least_m = 1e300;
+    void Add(double size_cycles, double size_m) {
+      cycles[static_cast<std::size_t>(count++)] = size_cycles;
+      least_m = std::min(least_m, size_m);
+    }
+  };
+
   /// Whether range, ionosphere and noise of the step hide one cycle on all signals at once, of all slips of
   /// whole cycles the one that shows least, in one case of six or more: what it gains, less one standard
   /// deviation of it, is less than a slip has to.
@@ -88,7 +99,9 @@ class Decision {
   bool IsStormy() const;
   bool IsStormySky() const;
   double LeastGain() const;
-  bool RestsOnRangeAlone(const Cycles& cycles) const;
+  SteadySlip SteadyPart(const Cycles& cycles) const;
+  bool RestsOnRangeAlone(const SteadySlip& slip) const;
+  bool IsSureSlip(const Explanation& best) const;
   bool IsNoSlip();
   bool TakeSlip();
   bool TakeOther(const Explanation* integer);

@@ -148,25 +148,44 @@ double Decision::LeastGain() const {
   return hidden ? kMinStormGain : kMinGain;
 }
 
+/// Of a slip what it says of the signals that have not been broken in the steps before: the others, as a
+/// signal that slips all the time, are no witnesses. Of all where fewer than two bands would be left.
+Decision::SteadySlip Decision::SteadyPart(const Cycles& cycles) const {
+  SteadySlip steady, all;
+  std::array<char, kMaxSignals> band = {};
+  std::uint32_t before = 0;
+  const std::int64_t first = std::max(case_.track->first + 1, case_.step - kUnstableWindow);
+  for (std::int64_t i = first; i < case_.step; ++i) before |= RingBit(i);
+  for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
+    const SignalTrack& s = case_.track->signals[case_.test.signal[i]];
+    const double metres = std::fabs(cycles[i]) * s.wavelength_m;
+    all.Add(cycles[i], metres);
+    if ((s.broken & before) != 0) continue;
+    band[static_cast<std::size_t>(steady.count)] = case_.band[i];
+    steady.Add(cycles[i], metres);
+  }
+  return HasTwoBands(band, steady.count) ? steady : all;
+}
+
 /// Whether every signal slips where nothing predicts the range, so that slips are known by their differences
 /// alone, or only the steps around do, which a low satellite or an old clock leaves by decimetres.
-bool Decision::RestsOnRangeAlone(const Cycles& cycles) const {
-  double least_m = 1e300;
-  for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
-    least_m =
-        std::min(least_m, std::fabs(cycles[i]) * case_.track->signals[case_.test.signal[i]].wavelength_m);
-  }
-  return least_m > 0 && (case_.test.free_range || (IsBlind() && least_m < kSurelyNoRange_m));
+bool Decision::RestsOnRangeAlone(const SteadySlip& slip) const {
+  return slip.least_m > 0 && (case_.test.free_range || (IsBlind() && slip.least_m < kSurelyNoRange_m));
+}
+
+bool Decision::IsSureSlip(const Explanation& best) const {
+  if (!(Margin() > (IsStormySky() ? kSureStormMargin : kSureMargin) && FitOf(best.cycles) < kFitChi2))
+    return false;
+  const SteadySlip steady = SteadyPart(best.cycles);
+  const bool same = steady.cycles[0] != 0 && IsSameOnAll(steady.cycles, steady.count);
+  return !(same && (IsStormy() || IsHalf(steady.cycles[0]))) && !RestsOnRangeAlone(steady);
 }
 
 bool Decision::TakeSlip() {
   const Explanation& best = case_.ranked.front();
   if (TakeUnstable(best.cycles)) return true;
   const double margin = Margin();
-  const bool sure = margin > (IsStormySky() ? kSureStormMargin : kSureMargin) &&
-                    FitOf(best.cycles) < kFitChi2 &&
-                    !(IsStormy() && IsSameOnAll(best.cycles, case_.test.count)) &&
-                    !IsHalfOnAll(best, case_.test.count) && !RestsOnRangeAlone(best.cycles);
+  const bool sure = IsSureSlip(best);
   bool half = false;
   for (std::size_t i = 0; i < static_cast<std::size_t>(case_.test.count); ++i) {
     if (best.cycles[i] == 0) continue;

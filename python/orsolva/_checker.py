@@ -13,7 +13,7 @@ from ._errors import ArgumentError, ArgumentTypeError
 from ._navigation import NavigationLike, navigation_of
 from ._observations import Observations
 from ._report import FigureChoice, PathLike, Progress, Report, _callback, earlier
-from ._settings import Position, Time, Window, kept_arguments, run_arguments, text
+from ._settings import Position, Time, Window, in_nanoseconds, kept_arguments, run_arguments, text
 from ._table import Table
 
 Names = Union[str, Sequence[str], npt.NDArray[Any]]
@@ -247,8 +247,7 @@ def _times(time: object, rows: int) -> npt.NDArray[np.int64]:
     _one_dimensional("time", array, rows)
     if np.isnat(array).any():
         raise ArgumentError("time: a row has none")
-    exact = array.astype("datetime64[ns]")
-    return np.ascontiguousarray(exact).view(np.int64)
+    return np.ascontiguousarray(in_nanoseconds("time", array)).view(np.int64)
 
 
 def _names(name: str, names: object) -> tuple[npt.NDArray[np.int32], list[str]]:

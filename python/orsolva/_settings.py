@@ -8,6 +8,7 @@ from collections.abc import Sequence
 from typing import Any, Union
 
 import numpy as np
+import numpy.typing as npt
 
 from ._errors import ArgumentError, ArgumentTypeError
 
@@ -33,6 +34,10 @@ def path_of(name: str, path: object) -> str:
         raise ArgumentError(f"{name}: standard input is read by the command only; give a file")
     if not text or "\0" in text:
         raise ArgumentError(f"{name}: found {text!r}, expected a path")
+    try:
+        text.encode()
+    except UnicodeEncodeError:
+        raise ArgumentError(f"{name}: found {text!r}, a name that is not UTF-8; rename it") from None
     return text
 
 
@@ -91,10 +96,20 @@ def _size(value: object) -> int:
 
 def nanoseconds(name: str, time: np.datetime64) -> int:
     """A time as nanoseconds since 1970."""
-    exact = time.astype("datetime64[ns]")
-    if np.isnat(exact):
+    if np.isnat(time):
         raise ArgumentError(f"{name}: found no time")
-    return int(exact.astype(np.int64))
+    return int(in_nanoseconds(name, np.asarray(time)).astype(np.int64))
+
+
+def in_nanoseconds(name: str, times: npt.NDArray[np.datetime64]) -> npt.NDArray[np.datetime64]:
+    """Times in nanoseconds, of which 64 bits hold the years 1678 to 2261; NumPy takes others for times within them."""
+    exact = times.astype("datetime64[ns]")
+    # Units that are finer than nanoseconds have a shorter range.
+    fine = np.datetime_data(times.dtype)[0] in ("ps", "fs", "as")
+    wrong = np.zeros(times.shape, bool) if fine else exact.astype(times.dtype) != times
+    if wrong.any():
+        raise ArgumentError(f"{name}: found {times[wrong][0]}, expected times from 1678 to 2261")
+    return exact
 
 
 def _limit(name: str, value: object) -> str | int:

@@ -60,9 +60,10 @@ Getter NumberGetter(std::string_view format) {
   }
 }
 
-/// Nanoseconds of the unit of a timestamp; 0 when the format is none.
+/// Nanoseconds of the unit of a timestamp; 0 when the format is none, or one with a time zone: those are in
+/// UTC, which leap seconds part from GPS time.
 std::int64_t UnitOf(std::string_view format) {
-  if (format.size() < 4 || format.substr(0, 2) != "ts" || format[3] != ':') return 0;
+  if (format.size() != 4 || format.substr(0, 2) != "ts" || format[3] != ':') return 0;
   switch (format[2]) {
     case 's':
       return 1'000'000'000;
@@ -163,13 +164,17 @@ ArrowBatch::Found ArrowBatch::Required(const std::string& name) const {
 std::vector<std::int64_t> ArrowBatch::Times(const std::string& name) const {
   const Found found = Required(name);
   const std::int64_t unit = UnitOf(found.schema->format);
-  if (unit == 0) Refuse(name, found.schema->format, "a timestamp");
+  if (unit == 0) Refuse(name, found.schema->format, "a timestamp on the GPS time scale, without a time zone");
+  constexpr auto kLargest = std::numeric_limits<std::int64_t>::max();
   const auto* data = static_cast<const std::int64_t*>(found.array->buffers[1]);
   std::vector<std::int64_t> times;
   times.reserve(static_cast<std::size_t>(array_.length));
   for (std::int64_t row = found.offset; row < found.offset + array_.length; ++row) {
     if (!IsValid(*found.array, row))
       throw ArgumentError(fmt::format("{}: row {} is null", name, row - found.offset));
+    if (data[row] > kLargest / unit || data[row] < -(kLargest / unit))
+      throw ArgumentError(
+          fmt::format("{}: row {} is not within the years 1678 to 2261", name, row - found.offset));
     times.push_back(data[row] * unit);
   }
   return times;

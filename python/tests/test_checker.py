@@ -116,6 +116,8 @@ T = np.datetime64("2020-06-25T00:00:00", "ns")
         (([T, T], ["G01"], ["1C"], [2e7]), "time: found 2"),
         ((3.0, ["G01"], ["1C"], [2e7]), "time: found float64"),
         ((np.datetime64("NaT", "ns"), ["G01"], ["1C"], [2e7]), "time"),
+        ((np.datetime64("3000-01-01T00:00:00", "s"), ["G01"], ["1C"], [2e7]), "time: found 3000-01-01T00:00:00, expected times from 1678"),
+        ((np.array(["2020-06-25", "1600-01-01"], "M8[D]"), ["G01", "G02"], ["1C", "1C"], [2e7, 2e7]), "time: found 1600-01-01"),
         ((T, ["X01"], ["1C"], [2e7]), "satellites: found 'X01'"),
         ((T, [1], ["1C"], [2e7]), "satellites: found int64"),
         ((T, ["G01"], ["L1"], [2e7]), "signals: found 'L1'"),
@@ -161,6 +163,27 @@ def test_columns_of_the_wrong_type_are_named(clean):
             run.push_table(good.drop_columns(["signal"]))
         with pytest.raises(orsolva.ArgumentTypeError, match="__arrow_c_stream__"):
             run.push_table([1, 2])
+
+
+@pytest.mark.parametrize("unit", ["s", "ms", "us", "ns"])
+def test_times_of_arrow_are_those_of_gps_and_fit_into_nanoseconds(unit):
+    """A time zone means UTC. The year 3000 is no time in nanoseconds."""
+    pa = pytest.importorskip("pyarrow")
+    second = {"s": 1, "ms": 10**3, "us": 10**6, "ns": 10**9}[unit]
+    rows = {"satellite": ["G01"], "signal": ["1C"], "pseudorange_m": [2e7]}
+
+    def push(run, value, zone=None):
+        run.push_table(pa.table({"time": pa.array([value], pa.timestamp(unit, zone)), **rows}))
+
+    with orsolva.Checker(interval_s=30) as run:
+        for zone in ("UTC", "Europe/Berlin"):
+            with pytest.raises(orsolva.ArgumentError, match="time: .* without a time zone"):
+                push(run, 1593043200 * second, zone)
+        for wrong in (32503680000, -11676096000) if unit != "ns" else ():
+            with pytest.raises(orsolva.ArgumentError, match="time: row 0 is not within the years 1678 to 2261"):
+                push(run, wrong * second)
+        push(run, 1593043200 * second)
+        assert run.report().run.first_epoch_gpst.startswith("2020-06-25 00:00:00")
 
 
 def test_a_finished_checker_takes_no_more():

@@ -66,6 +66,9 @@ def test_paths_of_the_wrong_type_are_named(observations):
         orsolva.qc("-")
     with pytest.raises(orsolva.ArgumentError, match="path"):
         orsolva.read_obs("")
+    for path in ("a\udc80b", b"a\x80b"):  # what os.listdir() gives of a name that is not UTF-8
+        with pytest.raises(orsolva.ArgumentError, match="a name that is not UTF-8; rename it"):
+            orsolva.qc(path)
 
 
 @pytest.mark.parametrize(
@@ -78,6 +81,7 @@ def test_paths_of_the_wrong_type_are_named(observations):
         ({"fields": ["phase", "phase"]}, "fields"),
         ({"start": 3}, "start"),
         ({"start": "yesterday"}, "start"),
+        ({"end": "3000-01-01"}, "end: found 3000-01-01, expected times from 1678"),
         ({"start": "2020-06-25", "end": "2020-06-24"}, "end"),
         ({"every_s": 0}, "every_s"),
         ({"flags": 1}, "flags"),

@@ -267,6 +267,7 @@ def _trends(options: argparse.Namespace) -> int:
 
     with open_store(options.store) as archive:
         found = sorted(trends(archive, options.since, options.until), key=lambda one: (STATES.index(one.state), one.station))
+        left_out = archive.in_the_future(options.until)
     for trend in found:
         if trend.state == "good" and not options.all:
             continue
@@ -275,6 +276,8 @@ def _trends(options: argparse.Namespace) -> int:
             print(f"{'':{len(trend.station)}}  {change}")
     for shared in network_changes(found):
         print(f"network: {shared}")
+    if left_out:
+        print(left_out)
     states = Counter(trend.state for trend in found)
     print(", ".join(f"{states[state]} {state}" for state in STATES if states[state]) or "no stations")
     return GOOD

@@ -52,10 +52,10 @@ def write_pages(
     rows: list[dict[str, Any]] = []
     heats: list[dict[str, npt.NDArray[np.float64]]] = []
     shared: set[NetworkChange] = set()
-    last = archive.sql(f"SELECT max(date) FROM runs WHERE date <= '{until or '9999-12-31'}'").fetchall()[0][0]
+    last = archive.last_day(until)
     if last is None:
         raise ArchiveError(f"{archive.store.address}: there are no runs to show")
-    first_of = archive.sql(f"SELECT min(date) FROM runs WHERE date >= '{since or '0001-01-01'}'").fetchall()[0][0]
+    first_of = archive.rows(f"SELECT min(date) FROM runs WHERE date >= '{since or '0001-01-01'}'")[0][0]
     if first_of is None or first_of > last:
         raise ArchiveError(f"{archive.store.address}: there are no runs from {since} to {until or last}. Choose another --since or --until.")
     (folder / "stations").mkdir(parents=True, exist_ok=True)
@@ -76,7 +76,8 @@ def write_pages(
         "changes": [_network_change(change) for change in sorted(shared, key=lambda one: (one.day, one.figure), reverse=True)],
         "figures": [_heat(figure, [heats[place][figure.key] for place in order]) for figure in FIGURES],
     }
-    subtitle = f"{len(rows)} stations, {first_of} to {last}"
+    left_out = archive.in_the_future(until)
+    subtitle = f"{len(rows)} stations, {first_of} to {last}" + (f"; {left_out}" if left_out else "")
     (folder / "index.html").write_text(_page("Network", subtitle, "", "network.js", data), encoding="utf-8")
     return Counter(row["state"] for row in rows)
 
@@ -222,7 +223,7 @@ def _events(archive: Archive, trend: StationTrend) -> list[dict[str, Any]]:
     station = trend.station.replace("'", "''")
     days = f"date BETWEEN '{trend.runs[0]['date']}' AND '{trend.runs[-1]['date']}'"
     query = f"SELECT time, satellite, kind, signals, size_cycles FROM events WHERE station = '{station}' AND {days}"
-    found = archive.sql(f"{query} ORDER BY time DESC, satellite LIMIT {_EVENTS_SHOWN}").fetchall()
+    found = archive.rows(f"{query} ORDER BY time DESC, satellite LIMIT {_EVENTS_SHOWN}")
     return [
         {
             "time": str(time)[:19],

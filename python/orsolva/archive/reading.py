@@ -1,7 +1,10 @@
 """A store as tables: DuckDB views and polars scans of the rows that count."""
 from __future__ import annotations
 
+import contextlib
+import datetime
 import pathlib
+from collections.abc import Iterator
 from typing import TYPE_CHECKING, Any
 
 from .. import _table
@@ -25,8 +28,9 @@ class Archive:
     def __init__(self, address: str) -> None:
         self.store = Store(address)
         self.connection: duckdb.DuckDBPyConnection = _table.imported("duckdb", "open()").connect()
-        for table in self.tables:
-            self._add_view(table)
+        with self._readable():
+            for table in self.tables:
+                self._add_view(table)
 
     @property
     def tables(self) -> list[str]:
@@ -36,6 +40,38 @@ class Archive:
     def sql(self, query: str) -> duckdb.DuckDBPyRelation:
         """A query over the tables; `.pl()`, `.df()` and `.arrow()` give what it finds."""
         return self.connection.sql(query)
+
+    def rows(self, query: str) -> list[tuple[Any, ...]]:
+        """What a query finds. @throws ArchiveError when a file of the store is damaged"""
+        with self._readable():
+            return self.connection.sql(query).fetchall()
+
+    def frame(self, query: str) -> polars.DataFrame:
+        """The same as a polars DataFrame."""
+        with self._readable():
+            found: polars.DataFrame = self.connection.sql(query).pl()
+        return found
+
+    def last_day(self, until: datetime.date | None = None) -> datetime.date | None:
+        """The last day with a file, until a day or of all; None without any.
+
+        Days after tomorrow do not count, as a receiver with a wrong week names files: every station would be silent since
+        then. They do where there are no others.
+        """
+        tomorrow = datetime.datetime.now(datetime.timezone.utc).date() + datetime.timedelta(days=1)
+        latest = until or datetime.date.max
+        query = f"SELECT max(date) FILTER (date <= '{min(latest, tomorrow)}'), max(date) FROM runs WHERE date <= '{latest}'"
+        found: tuple[datetime.date | None, datetime.date | None] = self.rows(query)[0]
+        return found[0] or found[1]
+
+    def in_the_future(self, until: datetime.date | None = None) -> str:
+        """What is left out behind the last day, for people; empty when nothing is."""
+        last = self.last_day(until)
+        if last is None:
+            return ""
+        later = f"date > '{last}' AND date <= '{until or datetime.date.max}'"
+        files, first = self.rows(f"SELECT count(*), min(name) FROM runs WHERE {later}")[0]
+        return f"{files} {'file' if files == 1 else 'files'} named after a day in the future left out, such as {first}" if files else ""
 
     def scan(self, table: str) -> polars.LazyFrame:
         """A table as a polars LazyFrame. @throws ArchiveError when there is none of the name"""
@@ -58,6 +94,16 @@ class Archive:
 
     def __repr__(self) -> str:
         return f"<orsolva.archive.Archive {self.store.address}: {', '.join(self.tables)}>"
+
+    @contextlib.contextmanager
+    def _readable(self) -> Iterator[None]:
+        import pyarrow as pa
+
+        try:
+            yield
+        except (_table.imported("duckdb", "open()").Error, pa.ArrowException) as error:
+            address = self.store.address
+            raise ArchiveError(f"{address}: cannot be read ({error}). `orsolva archive check {address}` names what is damaged.") from error
 
     def _files(self, table: str) -> list[str]:
         return sorted(name for name in self.store.place.names(table) if name.endswith(".parquet"))

@@ -152,15 +152,18 @@ class StationTrend:
 def trends(store: Archive | str, since: datetime.date | None = None, until: datetime.date | None = None) -> Iterator[StationTrend]:
     """Every station of a store, one after the other.
 
-    The store is read twice: whether a change is one of the whole network depends on all stations.
+    The store is read twice: whether a change is one of the whole network depends on all stations. States are those of its
+    last day; files that are named after days in the future are left out.
 
     Args:
         store: an open archive, or its address
         since, until: days, both included; by default all
     """
     archive = store if isinstance(store, Archive) else open_store(store)
-    days = f"date BETWEEN '{since or '0001-01-01'}' AND '{until or '9999-12-31'}'"
-    today = archive.sql(f"SELECT max(date) FROM runs WHERE {days}").fetchall()[0][0]
+    today = archive.last_day(until)
+    if today is None:
+        return
+    days = f"date BETWEEN '{since or '0001-01-01'}' AND '{today}'"
     known: dict[str, list[StationChange]] = {}
     steps = Steps()
     for trend in _stations(archive, days):
@@ -180,8 +183,8 @@ def trends(store: Archive | str, since: datetime.date | None = None, until: date
 def _stations(archive: Archive, days: str) -> Iterator[StationTrend]:
     """Every station with its series, without changes and state."""
     for bucket in range(archive.store.settings.buckets):
-        runs = archive.sql(f"{_DAILY_RUNS.format(where=f'bucket = {bucket} AND {days}')}").pl()
-        rows = archive.sql(_SIGNALS.format(where=f"bucket = {bucket} AND {days}")).pl()
+        runs = archive.frame(_DAILY_RUNS.format(where=f"bucket = {bucket} AND {days}"))
+        rows = archive.frame(_SIGNALS.format(where=f"bucket = {bucket} AND {days}"))
         by_station = {station: part for (station,), part in rows.group_by(["station"], maintain_order=True)}
         for (station,), of_station in runs.group_by(["station"], maintain_order=True):
             yield trend_of(str(station), of_station, by_station.get(station, rows.clear()))
@@ -223,6 +226,7 @@ def _series(runs: polars.DataFrame, signals: polars.DataFrame) -> dict[Key, Dail
 
 def _add(series: dict[Key, Daily], key: Key, rows: polars.DataFrame) -> None:
     known = rows.select("date", key.figure).drop_nulls()
+    known = known.filter(known[key.figure].cast(float).is_finite())
     if known.height > 0:
         series[key] = Daily(known["date"].to_list(), known[key.figure].cast(float).to_numpy())
 

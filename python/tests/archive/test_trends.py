@@ -2,6 +2,7 @@
 import datetime
 import json
 import re
+import shutil
 import sys
 import pathlib
 
@@ -11,7 +12,7 @@ import pytest
 import orsolva.archive
 from conftest import archive
 from orsolva.archive.pages import geographic
-from orsolva.archive.trends import Daily, Key, StationTrend, _state, equipment_changes, station_changes, trends
+from orsolva.archive.trends import Daily, Key, StationTrend, _add, _state, equipment_changes, station_changes, trends
 
 sys.path.insert(0, str(pathlib.Path(__file__).parent))
 import truth
@@ -152,3 +153,49 @@ def test_a_drift_of_a_signal_that_is_gone_does_not_go_on():
     later = today + datetime.timedelta(days=31)
     trend.runs.append({"date": later, "state": "judged", "error": None})
     assert _state(trend, later)[0] == "good"
+
+
+def test_figures_that_are_no_numbers_are_no_days():
+    polars = pytest.importorskip("polars")
+    series = {}
+    _add(series, Key("missing"), polars.DataFrame({"date": DAYS[:4], "missing": [0.1, float("nan"), float("inf"), None]}))
+    assert series[Key("missing")].days == DAYS[:1]
+
+
+def test_a_file_of_the_future_silences_nobody(store, found, tmp_path):
+    """It is named, and neither a state nor a page has its day."""
+    shutil.copytree(store, tmp_path / "store")
+    truth.simulate(tmp_path / "source", "HIDE", 1, 62)
+    wrong = "HIDE01TST_R_21501500000_04H_01M_MO.rnx"
+    next((tmp_path / "source").rglob("*_MO.rnx")).rename(tmp_path / "source" / wrong)
+    archive("run", tmp_path / "store", tmp_path / "source")
+    after = {trend.station: (trend.state, trend.runs[-1]["date"]) for trend in trends(str(tmp_path / "store"))}
+    assert after == {name: (trend.state, trend.runs[-1]["date"]) for name, trend in found.items()}
+    said = "1 file named after a day in the future left out, such as " + wrong[:-4].upper()
+    assert said in archive("trends", tmp_path / "store")
+    archive("page", tmp_path / "store", "--output", tmp_path / "pages")
+    page = tmp_path / "pages/index.html"
+    assert data_of(page)["days"] == 30 and said in page.read_text()
+    with orsolva.archive.open(tmp_path / "store") as opened:
+        assert opened.last_day(datetime.date(2149, 1, 1)) == opened.last_day() == max(day for _, day in after.values())
+
+
+def test_a_store_of_the_future_alone_has_its_days(tmp_path):
+    """Such as one of simulated data."""
+    archive("init", tmp_path / "store")
+    with orsolva.archive.open(tmp_path / "store") as opened:
+        assert opened.last_day() is None and list(trends(opened)) == []
+    truth.simulate(tmp_path / "source", "HIDE", 1, 62)
+    next((tmp_path / "source").rglob("*_MO.rnx")).rename(tmp_path / "source/HIDE01TST_R_21501500000_04H_01M_MO.rnx")
+    archive("run", tmp_path / "store", tmp_path / "source")
+    (trend,) = trends(str(tmp_path / "store"))
+    assert trend.state == "good"
+
+
+def test_a_damaged_store_is_said_without_a_traceback(store, tmp_path):
+    shutil.copytree(store, tmp_path / "store")
+    damaged = sorted((tmp_path / "store").glob("signals/*/*/*/data.parquet"))[-1]
+    damaged.write_bytes(b"damaged")
+    for command in (["trends"], ["page", "--output", tmp_path / "pages"]):
+        printed = archive(command[0], tmp_path / "store", *command[1:], good=(1,))
+        assert str(damaged) in printed and f"`orsolva archive check {tmp_path / 'store'}` names what is damaged" in printed

@@ -35,9 +35,21 @@ bool HasOrdinaryOrbit(const KeplerElements& el) {
 
 double Norm(double x, double y, double z) { return std::sqrt(x * x + y * y + z * z); }
 
+// Bound of the angular speed of the turn along the orbit together with that of its plane. Both directions
+// are at an angle whose cosine is at least that of the inclination i, so that its square is at most
+// u'^2 + w^2 - 2 u' w cos i, with w the turn of the Earth against the node; between rest and the greatest u'
+// it is greatest at one end. The node of a geostationary orbit turns with a tilted plane: nothing cancels.
+double TurnLimit(const KeplerModel& model, const KeplerElements& el, double u_rate) {
+  const double turn = model.Rotation - el.OmgDot;
+  if (model.BdsGeo) return u_rate + model.Rotation + std::fabs(el.OmgDot);
+  const double drift = std::fabs(el.Idot) * kBoundedKeplerAge + std::fabs(el.Cic) + std::fabs(el.Cis);
+  const double cos_i = std::max(-1.0, std::cos(el.I0) - drift);
+  return std::sqrt(std::max(turn * turn, u_rate * u_rate + turn * turn - 2.0 * u_rate * turn * cos_i));
+}
+
 }  // namespace
 
-// The parts of the motion, along the radius, along the orbit and across it, are added as if they never
+// The parts of the motion, along the radius, across the orbit and with its turn, are added as if they never
 // cancelled.
 double KeplerSpeedLimit(const KeplerModel& model, const AbsoluteTime& toe, const ClockElements& clock,
                         const KeplerElements& el) {
@@ -50,8 +62,7 @@ double KeplerSpeedLimit(const KeplerModel& model, const AbsoluteTime& toe, const
   const double i_rate = std::fabs(el.Idot) + harmonic_rate * (std::fabs(el.Cic) + std::fabs(el.Cis));
   const double r_rate = a * el.E * n / (1.0 - el.E) + harmonic_rate * (std::fabs(el.Crc) + std::fabs(el.Crs));
   const double r = a * (1.0 + el.E) + std::fabs(el.Crc) + std::fabs(el.Crs);
-  const double turn = std::fabs(el.OmgDot) + model.Rotation;
-  return kClockRateShare * (r_rate + r * (u_rate + i_rate + turn));
+  return kClockRateShare * (r_rate + r * (i_rate + TurnLimit(model, el, u_rate)));
 }
 
 // From at least 25,000 km and at most 3.8 km/s, falling straight towards the Earth with every acceleration of

@@ -10,7 +10,7 @@ namespace orsolva {
 
 namespace {
 
-constexpr double kRoundingRad = 1e-6;
+constexpr double kReachRoundingRad = 1e-6;
 constexpr double kRightAngle = 1.5707963267948966;  // rad
 // s, more than leap seconds and the rounding of times shift an epoch by: records are chosen by it.
 constexpr double kScaleMargin = 10.0;
@@ -30,7 +30,7 @@ void ElevationReach::Take(const BoundedElevation& computed) {
 
 // Up to which time from that of the elevation it stays that far beyond the limit; negative when it never is.
 double ElevationReach::HeldFor(double limit_rad, double clear_rad) const {
-  const double rise = std::fabs(computed_.ElevationRad - limit_rad) - clear_rad - kRoundingRad;
+  const double rise = std::fabs(computed_.ElevationRad - limit_rad) - clear_rad - kReachRoundingRad;
   if (!(rise > 0.0)) return -1.0;
   return distance_s_ * AtMostSine(std::min(rise, kRightAngle)) - computed_.TimeUncertaintyS - kRoundingS;
 }

@@ -4,15 +4,17 @@
 usage: structure_test.py ROOT
 
 Fails when an include of the library points upward or in a circle, when host/ includes more of the library than its
-interface or one of its folders more than those below it, when
-python/ includes the command line or the terminal, when more than one file includes the argument
-parser, when an include path leaves its root with "..", when a layer below has no file, when a class of the library
-has no virtual destructor, when CMake is not given a source, or when ARCHITECTURE.md names a path, in its text or in a
-drawing, that is not there.
+interface or one of its folders more than those below it, when python/ includes the command line or the terminal, when
+more than one file includes the argument parser, when an include path leaves its root with "..", when a layer below has
+no file, when a class of the library has no virtual destructor, when CMake is not given a source, when sources that a
+build joins define one name, or when ARCHITECTURE.md names a path, in its text or in a drawing, that is not there.
 """
 import pathlib
 import re
 import sys
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent))
+from joined_sources import check_joined  # noqa: E402
 
 # Layers from the bottom up; a file may include its own layer and those below it. A folder that is not named
 # belongs to the layer of the folder around it.
@@ -243,6 +245,7 @@ def main():
     check_public(root, problems)
     check_examples(root, problems)
     check_listed(root, problems)
+    check_joined(root, problems)
     check_architecture(root, problems)
     for problem in problems:
         print(problem)

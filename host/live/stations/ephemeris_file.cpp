@@ -13,7 +13,7 @@
 namespace orsolva_host::live {
 namespace {
 
-constexpr std::size_t kReadAtOnce = 64 * 1024;
+constexpr std::size_t kPieceBytes = 64 * 1024;
 
 /// The message that carries records of a satellite; 0 where there is none.
 int MessageFor(const KeplerRecord& record) {
@@ -39,7 +39,7 @@ FileEphemerides OfStream(ByteSource& bytes, std::int64_t near_ns) {
   options.epochs = false;
   rtcm::Decoder decoder(options);
   rtcm::FrameScanner frames;
-  std::string buffer(kReadAtOnce, '\0');
+  std::string buffer(kPieceBytes, '\0');
   while (const std::size_t count = bytes.Read(buffer.data(), buffer.size())) {
     frames.Append({buffer.data(), count});
     while (const auto message = frames.Next()) decoder.Take(*message);

@@ -1,10 +1,12 @@
 #include <atomic>
 #include <chrono>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <optional>
 #include <string>
+#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -77,13 +79,23 @@ live::ServiceSettings ServiceOf(const LiveRequest& request) {
   return service;
 }
 
+/// Whether a file was cut short, as by a power failure.
+bool EndsWithinALine(const std::string& path) {
+  std::error_code none;
+  if (!std::filesystem::is_regular_file(path, none)) return false;
+  std::ifstream file(path, std::ios::binary | std::ios::ate);
+  return file && file.tellg() > 0 && file.seekg(-1, std::ios::end).get() != '\n';
+}
+
 /// Lines of events, to standard output or a file, each whole as soon as it is there.
 class EventLines {
  public:
   /// @throws RunError when the file cannot be opened
   explicit EventLines(const std::string& path) : path_(path) {
     if (path.empty() || path == "-") return;
+    const bool cut = EndsWithinALine(path);
     file_.open(path, std::ios::app | std::ios::binary);
+    if (cut) file_ << '\n' << std::flush;
     if (!file_) throw RunError(path + ": the file of events cannot be written.");
   }
   void Write(const std::string& line) {

@@ -69,7 +69,7 @@ LiveService::LiveService(const ServiceSettings& settings, LiveBoard& board,
   for (const StationSettings& station : settings_.stations) {
     SourceSpec spec;
     ParseSource(station.source, spec);
-    stations_.push_back(std::make_unique<StationThread>(station, spec, board));
+    stations_.push_back(std::make_unique<StationThread>(station, spec, board, files_));
   }
 }
 
@@ -118,6 +118,7 @@ bool LiveService::Ended() const {
 void LiveService::Stop() {
   for (const auto& station : stations_) station->Stop();
   for (const auto& station : stations_) station->Join();
+  files_.Finish();
   last_round_ = true;
   if (events_thread_.joinable()) events_thread_.join();
 }

@@ -10,6 +10,7 @@
 #include <thread>
 #include <vector>
 
+#include "host/live/file_writer.h"
 #include "host/live/live_board.h"
 #include "host/live/settings.h"
 #include "host/live/stations/station_thread.h"
@@ -51,6 +52,7 @@ class LiveService {
   LiveBoard* board_;
   std::function<void(const std::string&)> write_;
   std::vector<std::unique_ptr<StationThread>> stations_;
+  FileWriter files_;
   std::thread events_thread_;
   std::atomic<bool> last_round_{false};
 };

@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <filesystem>
 #include <mutex>
+#include <set>
 #include <system_error>
+
+#include "host/platform/platform.h"
 
 namespace orsolva_host {
 namespace {
@@ -68,6 +71,18 @@ void WholeFiles::Publish() {
   files_.clear();
 }
 
+void WholeFiles::PublishToDisk() {
+  std::set<std::string> folders;
+  for (const auto& [part, path] : files_) {
+    const std::string wrong = SyncToDisk(part);
+    if (!wrong.empty()) throw WriteError(path + ": could not be put on the disk (" + wrong + ").");
+    folders.insert(fs::path(path).parent_path().string());
+  }
+  Publish();
+  // Without it a new name may be missing after a power failure, as if the file had not been written.
+  for (const std::string& folder : folders) SyncToDisk(folder.empty() ? "." : folder);
+}
+
 void RemoveUnfinishedFiles() {
   Unfinished& all = AllUnfinished();
   all.mutex.lock();  // for good
@@ -78,6 +93,11 @@ void RemoveUnfinishedFiles() {
 void WholeFile::Commit() {
   sink_->Close();
   files_.Publish();
+}
+
+void WholeFile::CommitToDisk() {
+  sink_->Close();
+  files_.PublishToDisk();
 }
 
 void WriteWholeFile(const std::string& path, std::string_view text) {

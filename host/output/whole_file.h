@@ -29,6 +29,9 @@ class WholeFiles {
   std::unique_ptr<ByteSink> Begin(const std::string& path);
   /// Renames every file to its target, replacing any existing file. @throws WriteError
   void Publish();
+  /// The same, so that after a power failure every file is there whole or as it was before. It takes
+  /// milliseconds, or as long as the disk does. @throws WriteError
+  void PublishToDisk();
 
  private:
   std::vector<std::pair<std::string, std::string>> files_;  ///< hidden name and target
@@ -48,6 +51,8 @@ class WholeFile {
   void Write(std::string_view text) { sink_->Write(text.data(), text.size()); }
   /// @throws WriteError
   void Commit();
+  /// As WholeFiles::PublishToDisk. @throws WriteError
+  void CommitToDisk();
 
  private:
   WholeFiles files_;

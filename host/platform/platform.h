@@ -51,6 +51,9 @@ std::vector<std::string> ProgramFolders();
 /// @return its exit code, 128 and more when a signal ended it; 127 or another code when it cannot be run
 int RunProgram(const std::vector<std::string>& words, const std::string& input);
 
+/// Waits until a file or a folder is on the disk as it is now. @return why that failed; empty when it did not
+std::string SyncToDisk(const std::string& path);
+
 /// To be called first. Keeps the memory of one file for the next: if it were returned and allocated again,
 /// its pages would be zeroed again while threads wait for one another.
 void KeepFreedMemory();

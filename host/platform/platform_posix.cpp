@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -111,6 +112,14 @@ int EndAsByClosedPipe() {
   std::raise(SIGPIPE);
   constexpr int kOfShells = 128;
   return kOfShells + SIGPIPE;
+}
+
+std::string SyncToDisk(const std::string& path) {
+  const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  const bool synced = file >= 0 && fsync(file) == 0;
+  const std::string wrong = synced ? "" : std::system_category().message(errno);
+  if (file >= 0) close(file);
+  return wrong;
 }
 
 void KeepFreedMemory() {

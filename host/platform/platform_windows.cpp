@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 
 #include "host/platform/become_program.h"
 #include "host/platform/platform.h"
@@ -100,6 +101,15 @@ void IgnoreSignalsOfWriting() {}
 bool IsOutputClosed() { return false; }
 
 int EndAsByClosedPipe() { return 1; }
+
+std::string SyncToDisk(const std::string& path) {
+  const HANDLE file = CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                  OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  const bool synced = file != INVALID_HANDLE_VALUE && FlushFileBuffers(file) != 0;
+  const std::string wrong = synced ? "" : "error " + std::to_string(GetLastError());
+  if (file != INVALID_HANDLE_VALUE) CloseHandle(file);
+  return wrong;
+}
 
 void KeepFreedMemory() {}
 

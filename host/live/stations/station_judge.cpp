@@ -66,10 +66,11 @@ void Add(const rtcm::FrameCounts& from, rtcm::FrameCounts& to) {
 }  // namespace
 
 StationJudge::StationJudge(const StationSettings& settings, std::string shown_source, bool replay,
-                           LiveBoard& board)
+                           LiveBoard& board, FileWriter* files)
     : settings_(settings),
       replay_(replay),
       board_(&board),
+      files_(files),
       counter_(minutes_, signals_, settings.elevation_cutoff_deg),
       strengths_(signals_),
       sky_(settings.elevation_cutoff_deg),
@@ -88,8 +89,9 @@ std::int64_t StationJudge::UtcOf(std::int64_t gps_ns) const {
   return gps_ns - rtcm::LeapSecondsAtGps(gps_ns / kNanosecondsPerSecond) * kNanosecondsPerSecond;
 }
 
+/// Notes touch the board alone: some come from another thread.
 std::uint64_t StationJudge::Report(LiveEvent event) {
-  any_alarm_ = any_alarm_ || event.state == LiveEvent::State::kRaised;
+  if (event.state == LiveEvent::State::kRaised) any_alarm_ = true;
   return board_->Add(std::move(event)).id;
 }
 

@@ -20,6 +20,7 @@
 #include "host/formats/rtcm/frame.h"
 #include "host/live/alarms/message_watch.h"
 #include "host/live/alarms/station_alarms.h"
+#include "host/live/file_writer.h"
 #include "host/live/live_board.h"
 #include "host/live/settings.h"
 #include "host/live/stations/ephemeris_book.h"
@@ -37,7 +38,9 @@ class StationJudge {
  public:
   /// @param shown_source  without secrets
   /// @param replay        times of arrival are those of the epochs; Take and Tick ignore theirs
-  StationJudge(const StationSettings& settings, std::string shown_source, bool replay, LiveBoard& board);
+  /// @param files         writes reports and outlives what it is given; null: they are written at once
+  StationJudge(const StationSettings& settings, std::string shown_source, bool replay, LiveBoard& board,
+               FileWriter* files = nullptr);
 
   // Times now_ns are those of the host on the GPS time scale.
 
@@ -68,7 +71,7 @@ class StationJudge {
     AddEphemerides(messages, records, EphemerisBook::Origin::kStream, now_ns);
   }
 
-  /// Something could not be kept or written; judging goes on.
+  /// Something could not be kept or written; judging goes on. May be called from another thread.
   void NotWritten(const std::string& why, std::int64_t now_ns) { Note("not_written", why, now_ns); }
 
   /// The time of the latest epoch.
@@ -116,7 +119,7 @@ class StationJudge {
   void JudgeMinute(std::int64_t now_ns);
   void EndRun(bool whole, std::int64_t now_ns);
   void PublishHour(const orsolva_host::Report& report, std::int64_t now_ns);
-  void WriteReport(const orsolva_host::Report& report, std::int64_t begin_ns) const;
+  void WriteReport(const orsolva_host::Report& report, std::int64_t begin_ns, std::int64_t now_ns);
   void RunFailed(const std::exception& error, std::int64_t now_ns);
   void FindPosition(const ObservationEpoch& epoch);
   std::map<char, double> EphemerisAges(std::int64_t now_ns) const;
@@ -125,6 +128,7 @@ class StationJudge {
   StationSettings settings_;
   bool replay_;
   LiveBoard* board_;
+  FileWriter* files_;
   StationState state_;  ///< the parts that are kept as they are published
   Foreign foreign_;
 

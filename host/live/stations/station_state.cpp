@@ -7,7 +7,6 @@
 #include "host/live/event_json.h"
 #include "host/live/station_name.h"
 #include "host/live/stations/station_judge.h"
-#include "host/output/whole_file.h"
 #include "host/report/json_writer.h"
 #include "host/rinex/civil_time.h"
 
@@ -81,23 +80,24 @@ void StationJudge::PublishHour(const orsolva_host::Report& report, std::int64_t 
       text(headline.missing_epochs), text(headline.cutoff_expected), text(headline.cutoff_observed),
       text(headline.cycle_slips), text(headline.worst_multipath_m));
   Report(std::move(event));
-  try {
-    WriteReport(report, runs_.BeginTime());
-  } catch (const std::exception& error) {
-    NotWritten(error.what(), now_ns);
-  }
+  WriteReport(report, runs_.BeginTime(), now_ns);
 }
 
 /// NAME_YYYYMMDDHH.json, of the hour in GPS time.
-void StationJudge::WriteReport(const orsolva_host::Report& report, std::int64_t begin_ns) const {
+void StationJudge::WriteReport(const orsolva_host::Report& report, std::int64_t begin_ns,
+                               std::int64_t now_ns) {
   if (settings_.reports_folder.empty()) return;
   const CivilTime hour = ToCivil(TimeOfNanoseconds(begin_ns));
   const std::string name = fmt::format("{}_{:04}{:02}{:02}{:02}.json", FileNameOf(settings_.name), hour.year,
                                        hour.month, hour.day, hour.hour);
-  std::filesystem::create_directories(settings_.reports_folder);
-  WholeFile file((std::filesystem::path(settings_.reports_folder) / name).string());
-  file.Write(WriteJson(report));
-  file.Commit();
+  const std::string path = (std::filesystem::path(settings_.reports_folder) / name).string();
+  try {
+    if (files_ == nullptr) return WriteDurably(path, WriteJson(report));
+    files_->Write(path, WriteJson(report),
+                  [this, now_ns](const std::string& why) { NotWritten(why, now_ns); });
+  } catch (const std::exception& error) {
+    NotWritten(error.what(), now_ns);
+  }
 }
 
 }  // namespace orsolva_host::live

@@ -14,7 +14,6 @@
 #include "host/formats/rtcm/stream_clock.h"
 #include "host/live/station_name.h"
 #include "host/live/windows/minute_store.h"
-#include "host/output/whole_file.h"
 #include "host/rinex/byte_source.h"
 
 namespace orsolva_host::live {
@@ -90,10 +89,11 @@ bool StopFlag::WaitFor(milliseconds time) {
   return changed_.wait_for(lock, time, [this] { return stopped_.load(); });
 }
 
-StationThread::StationThread(StationSettings settings, SourceSpec spec, LiveBoard& board)
+StationThread::StationThread(StationSettings settings, SourceSpec spec, LiveBoard& board, FileWriter& files)
     : settings_(Dated(std::move(settings), spec, failure_)),
       spec_(std::move(spec)),
-      judge_(settings_, spec_.Shown(), IsReplay(spec_, settings_), board) {
+      judge_(settings_, spec_.Shown(), IsReplay(spec_, settings_), board, &files),
+      files_(&files) {
   ChooseLogin({settings_.user, settings_.password}, {settings_.common_user, settings_.common_password},
               spec_);
 }
@@ -306,14 +306,8 @@ std::string StationThread::KeptPath() const {
 
 void StationThread::KeepEphemerides() {
   if (settings_.state_folder.empty() || judge_.Ephemerides().Size() == 0) return;
-  try {
-    std::filesystem::create_directories(settings_.state_folder);
-    WholeFile file(KeptPath());
-    file.Write(judge_.Ephemerides().Frames());
-    file.Commit();
-  } catch (const std::exception& error) {
-    judge_.NotWritten(error.what(), Now());
-  }
+  files_->Write(KeptPath(), judge_.Ephemerides().Frames(),
+                [this](const std::string& why) { judge_.NotWritten(why, Now()); });
 }
 
 /// Those of a file given as --nav, and those of the start before. Weeks are those near the stream's time;

@@ -12,6 +12,7 @@
 #include <string>
 #include <thread>
 
+#include "host/live/file_writer.h"
 #include "host/live/live_board.h"
 #include "host/live/settings.h"
 #include "host/live/sources/back_off.h"
@@ -38,8 +39,8 @@ class StopFlag {
 
 class StationThread {
  public:
-  /// @param spec  of settings.source, which is valid
-  StationThread(StationSettings settings, SourceSpec spec, LiveBoard& board);
+  /// @param spec  of settings.source, which is valid @param files  finishes before this is destroyed
+  StationThread(StationSettings settings, SourceSpec spec, LiveBoard& board, FileWriter& files);
   /// Stops and joins.
   ~StationThread();
 
@@ -72,6 +73,7 @@ class StationThread {
   StationSettings settings_;
   SourceSpec spec_;
   StationJudge judge_;
+  FileWriter* files_;
   StopFlag stop_;
   std::thread thread_, navigation_thread_;
   std::atomic<bool> ended_{false}, any_alarm_{false};

@@ -1,53 +1,27 @@
 // Streams behind descriptors, with what other programs and networks do to them.
-#include <arpa/inet.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <stdlib.h>
-#include <sys/socket.h>
 #include <sys/time.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <chrono>
+#include <memory>
 #include <string>
-#include <vector>
 
 #include "host/live/sources/byte_stream.h"
 #include "host/live/sources/descriptor_stream.h"
+#include "tests/live/core/listener.h"
 
 namespace {
 
 using namespace orsolva_host::live;
+using orsolva_test::Listener;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 using State = ReadOutcome::State;
-
-/// A port of this machine. With a full queue it neither accepts nor refuses.
-class Listener {
- public:
-  explicit Listener(bool full) : socket_(socket(AF_INET, SOCK_STREAM, 0)) {
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    EXPECT_EQ(bind(socket_.Number(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-    EXPECT_EQ(listen(socket_.Number(), full ? 0 : 5), 0);
-    socklen_t size = sizeof address;
-    getsockname(socket_.Number(), reinterpret_cast<sockaddr*>(&address), &size);
-    port_ = ntohs(address.sin_port);
-    for (int i = 0; full && i < 3; ++i) {
-      waiting_.emplace_back(socket(AF_INET, SOCK_STREAM | SOCK_NONBLOCK, 0));
-      connect(waiting_.back().Number(), reinterpret_cast<sockaddr*>(&address), sizeof address);
-    }
-  }
-  int Accept() const { return accept(socket_.Number(), nullptr, nullptr); }
-  std::string Source() const { return "tcp://127.0.0.1:" + std::to_string(port_); }
-
- private:
-  Descriptor socket_;
-  int port_ = 0;
-  std::vector<Descriptor> waiting_;
-};
 
 std::unique_ptr<ByteStream> Open(const std::string& source) {
   SourceSpec spec;

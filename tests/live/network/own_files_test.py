@@ -72,6 +72,23 @@ class OwnFilesTest(unittest.TestCase):
         self.assertEqual((done.returncode, done.stderr), (0, ""))
         self.assertGreater(good.stat().st_size, 0)
 
+    def test_a_line_of_events_that_was_cut_short_spoils_no_other(self):
+        events = pathlib.Path(self.folder.name, "cut.jsonl")
+        events.write_text('{"id":1}\n{"id":2,"ti', encoding="utf-8")
+        self.assertEqual(self.replay("--events", events).returncode, 0)
+        lines = events.read_text(encoding="utf-8").splitlines()
+        self.assertEqual(lines[:2], ['{"id":1}', '{"id":2,"ti'])
+        self.assertGreater(len([json.loads(line) for line in lines[2:]]), 0)
+
+    def test_files_that_cannot_be_written_are_noted(self):
+        done = self.replay("--state", "/dev/null/state", "--reports", "/dev/null/reports")
+        self.assertEqual(done.returncode, 0, done.stderr)
+        events = [json.loads(line) for line in done.stdout.splitlines()]
+        notes = sorted(event["seen"] for event in events if event["kind"] == "not_written")
+        self.assertEqual(len(notes), 2, events)
+        self.assertIn("/dev/null/reports", notes[0])
+        self.assertIn("/dev/null/state", notes[1])
+
     def test_the_second_source_of_a_replay_is_closed_when_it_has_ended(self):
         with socket.create_server(("127.0.0.1", 0)) as second, socket.create_server(("127.0.0.1", 0)) as other:
             def address(server):

@@ -29,7 +29,7 @@ SHORT_SPAN, LONG_SPAN = "six-hours-120s", "two-days-120s"
 MOST_GROWTH = 1.08  # of the cost per satellite-epoch from the short span to the long one
 
 WHOLE, HOLES = "whole-1s", "holes-1s"
-MOST_FOR_HOLES = 3.0  # times the cost per satellite-epoch in a row; the searches a satellite has at its start weigh most
+MOST_FOR_HOLES = 2.9  # times the cost per satellite-epoch in a row; the searches a satellite has at its start weigh most
 
 
 def instructions(build: pathlib.Path, case: str) -> tuple[int, int]:

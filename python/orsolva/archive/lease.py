@@ -34,16 +34,24 @@ class Lease:
         self._renewing = threading.Thread(target=self._renew, daemon=True)
 
     def __enter__(self) -> Lease:
-        self._refuse_other_shards()
         if not self._place.create(self._name, self._text()):
             self._take_over(self._name)
             self._place.write(self._name, self._text())
+        # Not before: of two that begin together at least one sees the other.
+        try:
+            self._refuse_other_shards()
+        except BaseException:
+            self._give_back()
+            raise
         self._renewing.start()
         return self
 
     def __exit__(self, *_: object) -> None:
         self._stop.set()
         self._renewing.join()
+        self._give_back()
+
+    def _give_back(self) -> None:
         with contextlib.suppress(Exception):
             if self._is_mine():
                 self._place.remove(self._name)

@@ -218,7 +218,12 @@ class ObjectStore:
             yield path[start:]
 
     def listing(self, left_out: LeftOut | None = None) -> Iterator[Found]:
-        for path, facts in self._walk(self.root):
+        try:
+            self.files.invalidate_cache()
+            self.files.ls(self.root)
+        except FileNotFoundError:
+            raise ArchiveError(f"{self.scheme}://{self.root}: there is nothing. Is the address right?") from None
+        for path, facts in self._walk(self.root, left_out):
             yield Found(f"{self.scheme}://{path}", int(facts["size"] or 0), _mark(facts))
 
     def content(self) -> str | None:
@@ -229,13 +234,23 @@ class ObjectStore:
         except FileNotFoundError:
             return None
 
-    def _walk(self, path: str) -> Iterator[tuple[str, dict[str, Any]]]:
-        self.files.invalidate_cache()
-        for folder, _, files in self.files.walk(path, detail=True):
-            for name, facts in files.items():
-                if name:
-                    yield f"{folder}/{name}", facts
+    def _walk(self, path: str, left_out: LeftOut | None = None) -> Iterator[tuple[str, dict[str, Any]]]:
+        """Objects below a path. The walk of fsspec leaves out what it cannot list without a word."""
+        path = path.rstrip("/") or path
+        folders = [path]
+        while folders:
+            folder = folders.pop()
             self.files.invalidate_cache()
+            with _tolerant(None if folder == path else left_out):
+                for facts in self.files.ls(folder, detail=True):
+                    name = facts["name"].rstrip("/")
+                    if name == folder:
+                        continue  # an object that stands for the folder
+                    if facts["type"] == "directory":
+                        folders.append(name)
+                    else:
+                        yield name, facts
+        self.files.invalidate_cache()
 
 
 def _mark(facts: dict[str, Any]) -> str:

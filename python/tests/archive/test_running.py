@@ -1,4 +1,5 @@
 """Leases, bad input, and runs that end early."""
+import contextlib
 import errno
 import os
 import pathlib
@@ -282,3 +283,56 @@ def test_a_link_does_no_harm(tmp_path, network):
     (source / "again").symlink_to(source, target_is_directory=True)
     archive("init", tmp_path / "store")
     assert "12 new" in archive("plan", tmp_path / "store", source)
+
+
+@pytest.mark.parametrize("when", ["before", "after"])
+def test_of_two_numbers_of_shards_that_begin_together_one_is_refused(tmp_path, monkeypatch, when):
+    """Before or after one writes its lease, the other begins."""
+    place, held, create = Folder(str(tmp_path)), [], Folder.create
+
+    def begin(lease):
+        with contextlib.suppress(ArchiveError):
+            held.append(lease.__enter__())
+
+    def create_both(self, name, data):
+        made = create(self, name, data) if when == "after" or name != "lease/1-of-1" else None
+        if name == "lease/1-of-1":
+            begin(Lease(place, (1, 2)))
+        return create(self, name, data) if made is None else made
+
+    monkeypatch.setattr(Folder, "create", create_both)
+    begin(Lease(place))
+    assert len(held) == 1
+    held[0].__exit__()
+    assert list(place.names("lease")) == []
+
+
+def test_an_object_store_that_cannot_be_listed_is_not_empty(monkeypatch):
+    """As with folders: what is below a source is counted and left out, the source itself and the store are errors."""
+    fsspec = pytest.importorskip("fsspec")
+    from orsolva.archive.places import place
+
+    memory = fsspec.filesystem("memory")
+    for name in ("a/1", "a/b/2", "c/3"):
+        memory.pipe_file(f"/listed/{name}", b"x")
+    ls, closed = type(memory).ls, []
+
+    def listed(self, path, *arguments, **more):
+        if path.rstrip("/") in closed:
+            raise PermissionError(errno.EACCES, os.strerror(errno.EACCES), path)
+        return ls(self, path, *arguments, **more)
+
+    monkeypatch.setattr(type(memory), "ls", listed)
+    where, left_out = place("memory://listed"), []
+    assert sorted(found.path for found in where.listing(left_out.append)) == [f"memory:///listed/{name}" for name in ("a/1", "a/b/2", "c/3")]
+    closed.append("/listed/a")
+    assert [found.path for found in where.listing(left_out.append)] == ["memory:///listed/c/3"]
+    assert [error.filename for error in left_out] == ["/listed/a"]
+    with pytest.raises(PermissionError):  # rows must not seem to be absent
+        list(where.names())
+    closed.append("/listed")
+    with pytest.raises(PermissionError):
+        list(where.listing(left_out.append))
+    with pytest.raises(ArchiveError, match="there is nothing"):
+        list(place("memory://elsewhere").listing(left_out.append))
+    assert list(place("memory://elsewhere").names("unfinished/")) == []

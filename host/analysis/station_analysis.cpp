@@ -21,7 +21,7 @@ class StationAnalysis::Figures : public DetectorObserver {
  public:
   explicit Figures(const AnalysisOptions& options)
       : cutoff_deg_(options.elevation_cutoff_deg),
-        epochs_(options.detector.interval_s, cutoff_deg_, options.window_s),
+        epochs_(options.stated_interval_s, cutoff_deg_, options.window_s),
         phases_(cutoff_deg_) {
     if (!options.series) return;
     series_.emplace(cutoff_deg_);

@@ -19,6 +19,8 @@ namespace orsolva_host::analysis {
 struct AnalysisOptions {
   DetectorOptions detector;
   double elevation_cutoff_deg = 10;
+  double stated_interval_s =
+      0;                ///< of the user, the header or the file name; counts where the data show none
   bool series = false;  ///< figures over time are made, too
   double window_s = 0;  ///< of AnalysisResult::windows; 0: none
 };

@@ -17,7 +17,7 @@ analysis::AnalysisOptions OptionsOf(const JudgingSettings& settings, const Obser
   options.detector.position = header.position;
   if (settings.position.source == PositionSource::kOption)
     options.detector.position = settings.position.xyz_m;
-  options.detector.interval_s = settings.interval_s.value_or(0);
+  options.stated_interval_s = settings.interval_s.value_or(0);
   options.detector.glonass_channels = header.glonass_channels;
   options.detector.precise_orbits = std::move(precise);
   return options;

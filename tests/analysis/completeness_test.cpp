@@ -30,7 +30,7 @@ class CompletenessTest : public testing::Test {
       if (epoch.satellites.empty()) continue;
       roster.Take(epoch);
       sky.Add(epoch, roster, &station_, i - last);
-      completeness.Add(epoch, roster, sky, i - last);
+      completeness.Add(epoch, roster, sky, true, 0);
       last = i;
     }
     AnalysisResult result;

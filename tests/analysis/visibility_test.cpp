@@ -157,8 +157,6 @@ TEST(ExpectedEpochs, AdditionalEpochsCountNothing) {
   EXPECT_FALSE(expected.IsExpected(0, Visibility::kHorizon));
   expected.Add(At(30), 1, station, visibility);
   EXPECT_EQ(expected.Satellites()[0].healthy[Visibility::kHorizon], 2U);
-  expected.Rescale(30);
-  EXPECT_EQ(expected.Satellites()[0].healthy[Visibility::kHorizon], 60U);
 }
 
 }  // namespace

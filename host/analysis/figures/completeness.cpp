@@ -15,11 +15,10 @@ void AddTo(CompletenessFigures& sum, Count expected, Count observed) {
   if (*sum.expected > 0) sum.ratio = static_cast<double>(*sum.observed) / static_cast<double>(*sum.expected);
 }
 
-using LevelCounts = std::array<Count, Visibility::kLevels>;
-
 /// To the signal, and to the sums over its satellite, its system, and the signal in its system.
-void AddToRows(AnalysisResult& result, SatelliteId id, SignalCode code, const LevelCounts& expected,
-               const LevelCounts& observed) {
+void AddToRows(AnalysisResult& result, SatelliteId id, SignalCode code,
+               const std::array<Count, Visibility::kLevels>& expected,
+               const std::array<Count, Visibility::kLevels>& observed) {
   SignalFigures& signal = SatelliteSignalRow(result, id, code);
   SignalFigures& shared = SystemSignalRow(result, id.system, code);
   SatelliteFigures& satellite = SatelliteRow(result, id);
@@ -37,32 +36,40 @@ bool Contains(const std::vector<SignalCode>& codes, SignalCode code) {
 }  // namespace
 
 void Completeness::Add(const ObservationEpoch& epoch, const SignalRoster& roster, const Sky& sky,
-                       std::int64_t steps) {
-  if (steps == 0) return;
+                       bool nominal, std::size_t kind) {
   signals_.resize(roster.Signals().size());
+  std::vector<LevelCounts>& of_kind = of_kinds_[kind];
+  of_kind.resize(signals_.size());
   for (std::size_t i = 0; i < epoch.satellites.size(); ++i) {
     const SatelliteObservation& satellite = epoch.satellites[i];
-    const bool above_horizon = sky.IsExpected(i, Visibility::kHorizon);
-    const bool above_cutoff = sky.IsExpected(i, Visibility::kCutoff);
+    const bool above_horizon = sky.IsHealthyAbove(i, Visibility::kHorizon);
+    const bool above_cutoff = sky.IsHealthyAbove(i, Visibility::kCutoff);
     for (std::size_t k = 0; k < satellite.signal_count; ++k) {
       const SignalObservation& o = epoch.signals[satellite.first_signal + k];
       if (std::isnan(o.pseudorange_m) || std::isnan(o.phase_cycles)) continue;
-      Signal& signal = signals_[roster.SignalAt(satellite.first_signal + k)];
+      const std::size_t listed = roster.SignalAt(satellite.first_signal + k);
+      of_kind[listed][Visibility::kHorizon] += above_horizon;
+      of_kind[listed][Visibility::kCutoff] += above_cutoff;
+      if (!nominal) continue;
+      Signal& signal = signals_[listed];
       signal.seen = true;
       signal.observed[Visibility::kHorizon] += above_horizon;
       signal.observed[Visibility::kCutoff] += above_cutoff;
-      if (above_horizon) signal.steps[Visibility::kHorizon] += static_cast<Count>(steps);
-      if (above_cutoff) signal.steps[Visibility::kCutoff] += static_cast<Count>(steps);
     }
   }
 }
 
-void Completeness::Rescale(double ratio) {
-  for (Signal& signal : signals_) {
+void Completeness::Recount(const Span::Kinds& kinds) {
+  for (std::size_t i = 0; i < signals_.size(); ++i) {
     for (std::size_t level = 0; level < Visibility::kLevels; ++level) {
-      Count& steps = signal.steps[level];
-      steps = static_cast<Count>(std::llround(static_cast<double>(steps) * ratio));
-      signal.observed[level] = std::min(signal.observed[level], steps);
+      double observed = 0;
+      for (std::size_t kind = 0; kind < kinds.size(); ++kind) {
+        if (kinds[kind].epochs == 0 || i >= of_kinds_[kind].size()) continue;
+        const double part =
+            static_cast<double>(kinds[kind].nominal) / static_cast<double>(kinds[kind].epochs);
+        observed += static_cast<double>(of_kinds_[kind][i][level]) * part;
+      }
+      signals_[i].observed[level] = static_cast<Count>(std::llround(observed));
     }
   }
 }
@@ -96,7 +103,7 @@ void Completeness::FillIn(const SignalRoster& roster, const Sky& sky,
     const ExpectedEpochs::Counts* expected = expected_of[signal.satellite];
     if (!signals_[i].seen || expected == nullptr) continue;
     LevelCounts observed = signals_[i].observed;
-    // Rescaling rounds the two apart from each other.
+    // Recounting rounds the two apart from each other.
     for (std::size_t k = 0; k < observed.size(); ++k)
       observed[k] = std::min(observed[k], expected->healthy[k]);
     AddToRows(result, roster.Satellites()[signal.satellite], signal.code, expected->healthy, observed);

@@ -25,6 +25,7 @@
 #include "host/analysis/analysis_result.h"
 #include "host/analysis/figures/signal_roster.h"
 #include "host/analysis/figures/sky.h"
+#include "host/analysis/figures/span.h"
 #include "host/observation/observation_epoch.h"
 
 namespace orsolva_host::analysis {
@@ -33,13 +34,14 @@ class Completeness {
  public:
   static constexpr std::size_t kTrackedOn = 10;
 
-  /// @param sky    has taken the epoch
-  /// @param steps  nominal epochs since the one before, see ExpectedEpochs; with 0 nothing is counted
-  void Add(const ObservationEpoch& epoch, const SignalRoster& roster, const Sky& sky, std::int64_t steps);
-  /// Converts what has been counted to another interval. With a longer one only every so many-th of the
-  /// epochs that were dense counts, and each of those that were as far apart as that; with a shorter one all
-  /// do.
-  void Rescale(double ratio);
+  /// @param sky      has taken the epoch
+  /// @param nominal  whether the epoch is a nominal one, as far as is known by then
+  /// @param kind     of the step to it, by which Recount tells later
+  void Add(const ObservationEpoch& epoch, const SignalRoster& roster, const Sky& sky, bool nominal,
+           std::size_t kind);
+  /// Counts again with the nominal epochs of each kind of step; of a kind of which not all are, a signal has
+  /// the same part. What comes later adds to that.
+  void Recount(const Span::Kinds& kinds);
   void FillIn(const SignalRoster& roster, const Sky& sky, AnalysisResult& result) const {
     FillIn(roster, sky, sky.AllCounts(), result);
   }
@@ -50,10 +52,10 @@ class Completeness {
   Completeness Between(const Completeness& earlier, const Completeness& later) const;
 
  private:
+  using LevelCounts = std::array<Count, Visibility::kLevels>;
   struct Signal {
     bool seen = false;
-    std::array<Count, Visibility::kLevels> observed = {};
-    std::array<Count, Visibility::kLevels> steps = {};  ///< nominal epochs that the observed ones stand for
+    LevelCounts observed = {};  ///< at nominal epochs, as they came
   };
   /// The signals that a satellite was observed with.
   std::vector<std::vector<SignalCode>> SeenOfSatellites(const SignalRoster& roster) const;
@@ -63,6 +65,8 @@ class Completeness {
                             const std::vector<std::vector<SignalCode>>& seen, AnalysisResult& result);
 
   std::vector<Signal> signals_;  ///< of the roster
+  std::array<std::vector<LevelCounts>, StepKinds::kMost>
+      of_kinds_;  ///< observed at all epochs by kind of step, of signals
 };
 
 }  // namespace orsolva_host::analysis

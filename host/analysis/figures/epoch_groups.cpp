@@ -3,29 +3,39 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/analysis/figures/nominal_counts.h"
+
 namespace orsolva_host::analysis {
 
 void EpochGroups::AddEpoch(const ObservationEpoch& epoch, const Station* station) {
   roster_.Take(epoch);
   span_.Add(epoch);
-  if (span_.IntervalChange() != 1) Rescale(span_.IntervalChange());
+  if (span_.OverflowsNow() && span_.CountsOtherwise()) Recount();
+  if (station != nullptr) station_ = *station;
   const std::int64_t steps =
       grid_.IsOn() ? PassBorders(epoch.time_ns, station, span_.NominalStep()) : span_.NominalStep();
   present_ += span_.NominalStep() > 0 && HasObservation(epoch);
   counts_.Add(epoch, roster_);
   sky_->Add(epoch, roster_, station, steps);
-  completeness_.Add(epoch, roster_, *sky_, span_.NominalStep());
+  completeness_.Add(epoch, roster_, *sky_, span_.NominalStep() > 0, span_.Kind());
   strength_.Add(epoch, roster_, *sky_);
   for (std::size_t i = 0; i < epoch.satellites.size(); ++i) mask_.Add(sky_->ElevationDegrees(i));
 }
 
-void EpochGroups::Rescale(double ratio) {
-  sky_->Rescale(ratio);
-  completeness_.Rescale(ratio);
-  for (Mark& mark : marks_) {
-    mark.completeness.Rescale(ratio);
-    ExpectedEpochs::Rescale(ratio, mark.expected);
+void EpochGroups::Recount() {
+  std::vector<std::int64_t> borders_ns;
+  for (const Mark& mark : marks_) borders_ns.push_back(mark.border_ns);
+  std::vector<NominalCounts> counts =
+      CountAgain(span_.Stretches(), borders_ns, sky_->TheVisibility(), station_ ? &*station_ : nullptr);
+  const Span::Kinds kinds = span_.CountsOfKinds();
+  for (std::size_t i = 0; i < marks_.size(); ++i) {
+    marks_[i].present = counts[i].present;
+    marks_[i].expected = std::move(counts[i].expected);
+    marks_[i].completeness.Recount(kinds);
   }
+  present_ = counts.back().present;
+  if (station_) sky_->Replace(std::move(counts.back().expected));
+  completeness_.Recount(kinds);
 }
 
 EpochGroups::Mark EpochGroups::MarkAt(std::int64_t border_ns) const {
@@ -92,6 +102,13 @@ void EpochGroups::FillInWindows(AnalysisResult& result) const {
 }
 
 void EpochGroups::FillIn(AnalysisResult& result) const {
+  if (!span_.CountsOtherwise()) return FillInCounted(result);
+  EpochGroups recounted = *this;
+  recounted.Recount();
+  recounted.FillInCounted(result);
+}
+
+void EpochGroups::FillInCounted(AnalysisResult& result) const {
   span_.FillIn(result.span);
   counts_.FillIn(roster_, result);
   sky_->FillIn(roster_, result);

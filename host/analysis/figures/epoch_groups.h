@@ -51,7 +51,8 @@ class EpochGroups {
   };
   Mark MarkAt(std::int64_t border_ns) const;
   std::int64_t PassBorders(std::int64_t time_ns, const Station* station, std::int64_t steps);
-  void Rescale(double ratio);
+  void Recount();
+  void FillInCounted(AnalysisResult& result) const;
   void FillInCompleteness(const Mark& from, const Mark& to, WindowFigures& window) const;
   void FillInWindows(AnalysisResult& result) const;
 
@@ -60,6 +61,7 @@ class EpochGroups {
   Span span_;
   ObservationCounts counts_;
   std::optional<Sky> sky_;
+  std::optional<Station> station_;  ///< the last one known
   Completeness completeness_;
   ReceiverMask mask_;
   Strength strength_;

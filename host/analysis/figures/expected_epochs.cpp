@@ -1,7 +1,6 @@
 #include "host/analysis/figures/expected_epochs.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace orsolva_host::analysis {
 namespace {
@@ -14,21 +13,22 @@ std::int64_t FloorDivision(std::int64_t a, std::int64_t b) { return a >= 0 ? a /
 void ExpectedEpochs::Add(std::int64_t time_ns, std::int64_t steps, const Station& station,
                          Visibility& visibility) {
   counts_.resize(visibility.Satellites());
-  expected_now_.assign(visibility.Satellites(), 0);
+  above_now_.assign(visibility.Satellites(), 0);
   if (last_ns_ && steps > 1) CountGap(time_ns, steps, (time_ns - *last_ns_) / steps, station, visibility);
   visibility.MoveTo(time_ns, station);
-  if (steps == 0) return;
-  CountEpoch(time_ns, visibility);
-  last_ns_ = time_ns;
+  counted_now_ = steps > 0;
+  NoteEpoch(time_ns, visibility);
+  if (counted_now_) last_ns_ = time_ns;
 }
 
-void ExpectedEpochs::CountEpoch(std::int64_t time_ns, const Visibility& visibility) {
+void ExpectedEpochs::NoteEpoch(std::int64_t time_ns, const Visibility& visibility) {
   for (const std::size_t satellite : visibility.InView()) {
     for (const Visibility::Window& window : visibility.WindowsOf(satellite)) {
       if (time_ns < window.from_ns || time_ns >= window.to_ns) continue;
+      if (window.healthy) above_now_[satellite] |= static_cast<std::uint8_t>(1U << window.level);
+      if (!counted_now_) continue;
       Counts& counts = counts_[satellite];
       ++(window.healthy ? counts.healthy : counts.unhealthy)[window.level];
-      if (window.healthy) expected_now_[satellite] |= static_cast<std::uint8_t>(1U << window.level);
     }
   }
 }
@@ -55,15 +55,6 @@ void ExpectedEpochs::CountGap(std::int64_t time_ns, std::int64_t steps, std::int
     if (j >= 1 && visibility.InView().empty()) {
       const auto next_ns = visibility.NextCovered(time_ns - j * step_ns);
       j = next_ns ? std::min(j, FloorDivision(time_ns - *next_ns, step_ns)) : 0;
-    }
-  }
-}
-
-void ExpectedEpochs::Rescale(double ratio, std::vector<Counts>& all) {
-  for (Counts& counts : all) {
-    for (auto* levels : {&counts.healthy, &counts.unhealthy}) {
-      for (Count& count : *levels)
-        count = static_cast<Count>(std::llround(static_cast<double>(count) * ratio));
     }
   }
 }

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "host/analysis/analysis_result.h"
@@ -29,23 +30,27 @@ class ExpectedEpochs {
 
   /// Whether the satellite was counted as expected at the epoch taken last.
   bool IsExpected(std::size_t satellite, Visibility::Level level) const {
-    return satellite < expected_now_.size() && (expected_now_[satellite] & (1U << level)) != 0;
+    return counted_now_ && IsHealthyAbove(satellite, level);
+  }
+  /// The same, whether or not that epoch was a nominal one.
+  bool IsHealthyAbove(std::size_t satellite, Visibility::Level level) const {
+    return satellite < above_now_.size() && (above_now_[satellite] & (1U << level)) != 0;
   }
   /// By the numbers of the visibility.
   const std::vector<Counts>& Satellites() const { return counts_; }
 
-  /// Converts what has been counted to another interval: n epochs become n times the ratio.
-  void Rescale(double ratio) { Rescale(ratio, counts_); }
-  static void Rescale(double ratio, std::vector<Counts>& all);
+  /// Puts counts of the same epochs at another interval in place.
+  void Replace(std::vector<Counts> counts) { counts_ = std::move(counts); }
 
  private:
   void CountGap(std::int64_t time_ns, std::int64_t steps, std::int64_t step_ns, const Station& station,
                 Visibility& visibility);
-  void CountEpoch(std::int64_t time_ns, const Visibility& visibility);
+  void NoteEpoch(std::int64_t time_ns, const Visibility& visibility);
 
   std::vector<Counts> counts_;
-  std::vector<std::uint8_t> expected_now_;  ///< bits by level
-  std::optional<std::int64_t> last_ns_;     ///< last nominal epoch
+  std::vector<std::uint8_t> above_now_;  ///< bits by level
+  bool counted_now_ = false;
+  std::optional<std::int64_t> last_ns_;  ///< last nominal epoch
 };
 
 }  // namespace orsolva_host::analysis

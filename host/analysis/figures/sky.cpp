@@ -49,6 +49,11 @@ bool Sky::IsSatelliteExpected(std::size_t satellite, Visibility::Level level) co
   return number && expected_.IsExpected(*number, level);
 }
 
+bool Sky::IsHealthyAbove(std::size_t place, Visibility::Level level) const {
+  const std::optional<std::size_t>& number = satellites_[satellite_at_[place]].number;
+  return number && expected_.IsHealthyAbove(*number, level);
+}
+
 const ExpectedEpochs::Counts* Sky::CountsOf(std::size_t satellite,
                                             const std::vector<ExpectedEpochs::Counts>& all) const {
   const std::optional<std::size_t>& number = satellites_[satellite].number;

@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "host/analysis/analysis_result.h"
@@ -36,7 +37,10 @@ class Sky {
   void AddLost(std::int64_t last_ns, const Station* station, std::int64_t count) {
     if (station != nullptr) expected_.Add(last_ns, count, *station, visibility_);
   }
-  void Rescale(double ratio) { expected_.Rescale(ratio); }
+  /// Puts the expected epochs of the same time at another interval in place.
+  void Replace(std::vector<ExpectedEpochs::Counts> counts) { expected_.Replace(std::move(counts)); }
+  /// To go through the time again with.
+  Visibility TheVisibility() const { return visibility_; }
 
   /// Of a satellite of the epoch taken last; NaN where it is not known.
   double ElevationDegrees(std::size_t place) const { return elevations_deg_[place]; }
@@ -44,7 +48,9 @@ class Sky {
   bool IsExpected(std::size_t place, Visibility::Level level) const {
     return IsSatelliteExpected(satellite_at_[place], level);
   }
-  /// The same of a satellite of the roster, which the epoch need not hold.
+  /// Whether it was healthy and above, in an epoch off the grid, too.
+  bool IsHealthyAbove(std::size_t place, Visibility::Level level) const;
+  /// Whether a satellite of the roster was counted as expected, which the epoch need not hold.
   bool IsSatelliteExpected(std::size_t satellite, Visibility::Level level) const;
 
   /// Counts of a satellite of the roster; null where there is no orbit of it.

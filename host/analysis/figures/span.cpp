@@ -59,10 +59,6 @@ void Span::Begin(double interval_s) {
 void Span::FindNominalStep(std::int64_t time_ns) {
   const bool early = first_interval_ns_ > 0 && steps_seen_ < kFirstSteps;
   const std::int64_t interval_ns = early ? first_interval_ns_ : interval_.Nanoseconds();
-  const bool changed = nominal_interval_ns_ > 0 && interval_ns != nominal_interval_ns_;
-  interval_change_ =
-      changed ? static_cast<double>(nominal_interval_ns_) / static_cast<double>(interval_ns) : 1;
-  nominal_interval_ns_ = interval_ns;
   nominal_step_ = steps_.Add(time_ns, interval_ns);
 }
 
@@ -72,23 +68,79 @@ void Span::Add(const ObservationEpoch& epoch) {
   const std::int64_t step_ns = last_ns_ ? epoch.time_ns - *last_ns_ : 0;
   last_ns_ = epoch.time_ns;
   if (step_ns > 0) ++steps_seen_;
+  kind_ = kinds_.Of(step_ns);
   interval_.Add(step_ns);
   FindNominalStep(epoch.time_ns);
   const bool fresh = runs_.empty() || runs_.size() == 1 || !GoesOn(runs_.back(), step_ns, present);
-  overflown_ = overflown_ || (fresh && runs_.size() == kMaxRuns);
+  overflows_now_ = !overflown_ && fresh && runs_.size() == kMaxRuns;
+  overflown_ = overflown_ || overflows_now_;
   if (overflown_) {
     later_nominal_ += static_cast<Count>(nominal_step_);
     later_present_ += nominal_step_ > 0 && present;
     later_usable_ += nominal_step_ > 0 && usable;
     later_gaps_ += present && (nominal_step_ > 1 || !last_was_present_);
   } else {
-    if (fresh) runs_.push_back({step_ns, epoch.time_ns, epoch.time_ns, 0, 0, present});
+    if (fresh) runs_.push_back({step_ns, epoch.time_ns, epoch.time_ns, 0, 0, present, kind_, 0, 0});
     Run& run = runs_.back();
     run.last_ns = epoch.time_ns;
     ++run.epochs;
     run.usable += usable;
+    run.steps += static_cast<Count>(nominal_step_);
+    run.nominal += nominal_step_ > 0;
   }
   last_was_present_ = present;
+}
+
+/// Hands each run with its stretches, at most two, and with the epochs of it that are nominal.
+template <typename Take>
+void Span::GoThrough(const Take& take) const {
+  const std::int64_t interval_ns = interval_.Nanoseconds();
+  std::int64_t nominal_ns = 0;
+  for (std::size_t i = 0; i < runs_.size(); ++i) {
+    const Run& run = runs_[i];
+    const std::int64_t each = Intervals(run.step_ns, interval_ns);
+    Stretch first = {run.first_ns, 1, 1}, rest;
+    if (i > 0 && each == 0) {
+      first.last_ns = run.last_ns;
+      first.steps = Intervals(run.last_ns - nominal_ns, interval_ns);
+      first.present = std::min(static_cast<Count>(first.steps), run.epochs);
+    } else if (i > 0) {
+      first.steps = std::max<std::int64_t>(Intervals(run.first_ns - nominal_ns, interval_ns), 1);
+      rest = {run.last_ns, each * static_cast<std::int64_t>(run.epochs - 1), run.epochs - 1};
+    }
+    if (first.steps > 0) nominal_ns = run.last_ns;
+    take(run, first, rest);
+  }
+}
+
+bool Span::CountsOtherwise() const {
+  if (overflown_ && !overflows_now_) return false;
+  bool otherwise = false;
+  GoThrough([&](const Run& run, const Stretch& first, const Stretch& rest) {
+    otherwise = otherwise || run.steps != static_cast<Count>(first.steps + rest.steps) ||
+                run.nominal != first.present + rest.present;
+  });
+  return otherwise;
+}
+
+std::vector<Span::Stretch> Span::Stretches() const {
+  std::vector<Stretch> stretches;
+  GoThrough([&](const Run& run, Stretch first, Stretch rest) {
+    if (!run.present) first.present = rest.present = 0;
+    if (first.steps > 0) stretches.push_back(first);
+    if (rest.steps > 0) stretches.push_back(rest);
+  });
+  return stretches;
+}
+
+Span::Kinds Span::CountsOfKinds() const {
+  Kinds kinds = {};
+  GoThrough([&](const Run& run, const Stretch& first, const Stretch& rest) {
+    if (!run.present) return;
+    kinds[run.kind].epochs += run.epochs;
+    kinds[run.kind].nominal += first.present + rest.present;
+  });
+  return kinds;
 }
 
 /// Goes through the runs with the interval of the whole stream.

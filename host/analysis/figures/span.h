@@ -14,9 +14,14 @@
 // The interval is that of the whole stream (interval.h), known at the end: the steps are kept as runs of
 // equal steps, two per gap, and counted when a result is read. After kMaxRuns the rest is counted as it
 // comes, with the interval known by then.
+//
+// Other groups count as epochs come, with the interval known by then. Where a run would count otherwise with
+// the interval found later, they are to recount: Stretches gives the nominal epochs again, and KindCounts how
+// many epochs of each kind of step count.
 #ifndef ORSOLVA_ANALYSIS_FIGURES_SPAN_H
 #define ORSOLVA_ANALYSIS_FIGURES_SPAN_H
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -24,6 +29,7 @@
 
 #include "host/analysis/analysis_result.h"
 #include "host/analysis/figures/interval.h"
+#include "host/analysis/figures/step_kinds.h"
 #include "host/observation/observation_epoch.h"
 
 namespace orsolva_host::analysis {
@@ -54,8 +60,30 @@ class Span {
 
   /// n of the epoch taken last, with the interval known by then.
   std::int64_t NominalStep() const { return nominal_step_; }
-  /// The interval before the epoch taken last over that since then: 1 unless another one was found.
-  double IntervalChange() const { return interval_change_; }
+  /// Kind of the step to the epoch taken last, below StepKinds::kMost.
+  std::size_t Kind() const { return kind_; }
+
+  /// Nominal epochs in a row, evenly spread from the stretch before, or the last one alone.
+  struct Stretch {
+    std::int64_t last_ns = 0;
+    std::int64_t steps = 0;
+    Count present = 0;  ///< evenly spread, the last one among them
+  };
+  /// Epochs of a kind of step and how many of them are nominal ones.
+  struct KindCounts {
+    Count epochs = 0;
+    Count nominal = 0;
+  };
+  using Kinds = std::array<KindCounts, StepKinds::kMost>;
+
+  /// Whether what was counted as it came differs from what the interval known now gives.
+  bool CountsOtherwise() const;
+  /// Nothing taken from now on is in the runs; that before it can be recounted this once.
+  bool OverflowsNow() const { return overflows_now_; }
+  bool HasOverflown() const { return overflown_; }
+  /// What the runs hold, with the interval known now.
+  std::vector<Stretch> Stretches() const;
+  Kinds CountsOfKinds() const;
 
   void FillIn(SpanFigures& figures) const;
 
@@ -68,21 +96,26 @@ class Span {
     Count epochs = 0;
     Count usable = 0;
     bool present = false;
+    std::size_t kind = 0;
+    Count steps = 0;    ///< nominal epochs as they were counted when they came
+    Count nominal = 0;  ///< epochs that counted then
   };
   class Counting;
+  template <typename Take>
+  void GoThrough(const Take& take) const;
   void FindNominalStep(std::int64_t time_ns);
   bool GoesOn(const Run& run, std::int64_t step_ns, bool present) const;
 
   Interval interval_;
   NominalSteps steps_;
   std::int64_t first_interval_ns_ = 0;
-  std::int64_t nominal_interval_ns_ = 0;
   std::int64_t nominal_step_ = 0;
-  double interval_change_ = 1;
+  StepKinds kinds_;
+  std::size_t kind_ = 0;
   Count steps_seen_ = 0;
   std::optional<std::int64_t> last_ns_;
   std::vector<Run> runs_;
-  bool overflown_ = false;
+  bool overflown_ = false, overflows_now_ = false;
   Count later_nominal_ = 0, later_present_ = 0, later_usable_ = 0, later_gaps_ = 0;  ///< after kMaxRuns
   bool last_was_present_ = false;
 };

@@ -28,7 +28,7 @@ constexpr MaybeCount InterruptionFigures::*kInterruptionCounts[] = {
     &InterruptionFigures::by_signal,  &InterruptionFigures::by_satellite, &InterruptionFigures::by_receiver,
     &InterruptionFigures::continuous, &InterruptionFigures::slipped,      &InterruptionFigures::unresolved};
 
-/// Sums never fall but where an interval that is found later rescales them.
+/// Sums never fall but where one is counted again in parts.
 Count Less(const MaybeCount& later, const MaybeCount& earlier) {
   const Count from = earlier.value_or(0), to = later.value_or(0);
   return to > from ? to - from : 0;

@@ -20,6 +20,7 @@
 
 #include "orsolva/session.hpp"
 #include "tests/support/run.h"
+#include "tests/support/sanitized.h"
 #include "tests/support/simulated_sky.h"
 
 namespace orsolva_test {
@@ -28,13 +29,7 @@ namespace {
 constexpr int kEpochs = 4;
 
 // The sanitizers make a run tens of times longer: there only every 40th allocation fails.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr long kStep = 40;
-#elif defined(__has_feature)
-constexpr long kStep = __has_feature(address_sanitizer) || __has_feature(thread_sanitizer) ? 40 : 1;
-#else
-constexpr long kStep = 1;
-#endif
+constexpr long kStep = kSanitized ? 40 : 1;
 
 const SimulatedSky& Sky() {
   static const SimulatedSky sky([] {

@@ -10,6 +10,7 @@
 
 #include "tests/property/failing_memory.h"
 #include "tests/support/run.h"
+#include "tests/support/sanitized.h"
 #include "tests/support/simulated_sky.h"
 
 namespace orsolva_test {
@@ -19,13 +20,7 @@ constexpr int kEpochs = 24;
 constexpr long kMaxGrown = 4L << 20;  // what fragments may take
 
 // The sanitizers keep freed memory for a while: there only the count of blocks is tested.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kKeepsFreedMemory = true;
-#elif defined(__has_feature)
-constexpr bool kKeepsFreedMemory = __has_feature(address_sanitizer) || __has_feature(thread_sanitizer);
-#else
-constexpr bool kKeepsFreedMemory = false;
-#endif
+constexpr bool kKeepsFreedMemory = kSanitized;
 
 long Runs() {
   const char* given = std::getenv("ORSOLVA_SOAK");

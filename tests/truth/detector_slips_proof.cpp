@@ -4,6 +4,7 @@
 
 #include "host/simulator/constellation.h"
 #include "host/simulator/scenario_json.h"
+#include "tests/support/sanitized.h"
 #include "tests/truth/proof.h"
 #include "tests/truth/simulated_run.h"
 #include "tests/truth/slip_pattern.h"
@@ -167,6 +168,7 @@ void ProveDetectedSlips(bool long_form, Proof& proof) {
       "Slips of BDS and QZSS by orbit, quiet, 30 s.", {"orbit", "slips", "missed", "size right"}, {}, 1};
   for (const std::string& kind : SlipPatternKinds()) kinds.rows.push_back({kind});
   for (const Case& one : kCases) {
+    if (!RunsHere(static_cast<std::size_t>(&one - kCases), 3)) continue;
     const CaseScore score = RunCase(one, long_form);
     Hold(one, score, proof);
     const SlipScore& all = score.all;

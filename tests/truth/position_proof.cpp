@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "tests/support/sanitized.h"
 #include "tests/truth/faulty_scenarios.h"
 #include "tests/truth/position_trial.h"
 #include "tests/truth/proof.h"
@@ -132,7 +133,8 @@ void ProvePosition(bool long_form, Proof& proof) {
        "largest of these, m", "median of all, m", "95 %, m", "largest, m"},
       {},
       1};
-  for (const PositionCase& one : kCases) AddCase(one, long_form ? one.most_sites : 24, table, proof);
+  const int short_sites = kSanitized ? 8 : 24;
+  for (const PositionCase& one : kCases) AddCase(one, long_form ? one.most_sites : short_sites, table, proof);
   proof.tables.push_back(table);
 }
 

@@ -8,6 +8,7 @@
 
 #include "host/report/figure_tables.h"
 #include "host/report/figures.h"
+#include "tests/support/sanitized.h"
 #include "tests/support/text_file.h"
 #include "tests/truth/proof.h"
 
@@ -18,12 +19,14 @@ std::string CommittedPage() {
   return ReadText(std::string(ORSOLVA_SOURCE_DIR) + "/docs/internals/validation.md");
 }
 
-/// Runs a proof in its short form, leaves its tables in <build>/validation and holds the page against them.
+/// Runs a proof in its short form, leaves its tables in <build>/validation and holds the page against them;
+/// with a sanitizer some proofs have fewer cases, and the page is left to the ordinary build.
 void Hold(const std::string& id, std::size_t least_checks) {
   const Proof proof = Prove(id, false);
   for (const std::string& failure : proof.Failures()) ADD_FAILURE() << failure;
   EXPECT_EQ(proof.Failed(), 0u);
-  EXPECT_GE(proof.Checks(), least_checks);
+  EXPECT_GE(proof.Checks(), kSanitized ? 1 : least_checks);
+  if (kSanitized) return;
   const std::filesystem::path folder = std::filesystem::path(ORSOLVA_BINARY_DIR) / "validation";
   std::filesystem::create_directories(folder);
   std::ofstream(folder / (id + ".md")) << proof.Markdown();

@@ -8,6 +8,7 @@
 
 #include "host/live/stations/station_judge.h"
 #include "tests/live/core/judged_stream.h"
+#include "tests/support/sanitized.h"
 
 namespace {
 
@@ -74,7 +75,9 @@ TEST(HourBorder, SlipsNearItAreFoundOnceAndInTime) {
   const std::vector<std::vector<double>> streams = {
       {3510, 3598, 3680, 4201, 4270}, {3599, 3667, 4200}, {3607, 4202}, {3612, 4204}};
   Count satellites = 0;
-  for (const std::vector<double>& times_s : streams) {
+  for (std::size_t i = 0; i < streams.size(); ++i) {
+    if (!RunsHere(i, 4)) continue;
+    const std::vector<double>& times_s = streams[i];
     Judged judged;
     Judge(SlippingAt(times_s, 1.2), judged);
     const std::map<int, Count> events = SlipEvents(judged);

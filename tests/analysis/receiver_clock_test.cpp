@@ -73,6 +73,54 @@ TEST_F(ReceiverClock, WhatAllSatellitesDriftByIsTheReceivers) {
   EXPECT_NEAR(clock_m, 0.01, 1e-6);
 }
 
+TEST_F(ReceiverClock, ASlipOfASatelliteThatRisesMovesNoStepAfterIt) {
+  for (int step = 0; step < 10; ++step) {
+    auto samples = Samples({0, 0, 0, 0, step == 0 ? 20.0 : 0});
+    const auto change = SolveClock(samples);
+    ASSERT_TRUE(change);
+    EXPECT_EQ(change->metres, 0) << step;
+    EXPECT_EQ(samples[4].offset_m, 0) << step;
+  }
+}
+
+TEST_F(ReceiverClock, ADriftOfOneSatelliteIsNotSharedOutAmongTheOthers) {
+  for (int step = 0; step < 40; ++step) {
+    auto samples = Samples({0, 0, 0, 0, 0, 0.15});
+    const auto change = SolveClock(samples);
+    ASSERT_TRUE(change);
+    EXPECT_EQ(change->metres, 0) << step;
+  }
+}
+
+TEST_F(ReceiverClock, AnOffsetCountsFromFiveSteps) {
+  for (int step = 0; step < 7; ++step) {
+    auto samples = Samples({0, 0, 0, 0, 0, 0.1});
+    ASSERT_TRUE(SolveClock(samples));
+    EXPECT_EQ(samples[5].offset_m, step < 5 ? 0 : 0.1) << step;
+  }
+}
+
+TEST(ClockOffsets, ADroppedStepIsForgotten) {
+  ClockOffsets offsets;
+  for (int epoch = 1; epoch <= 26; ++epoch) offsets.Push(epoch, epoch);
+  EXPECT_EQ(offsets.Rate(), 16.5) << "7 to 26";
+  offsets.Drop(26);
+  EXPECT_EQ(offsets.Rate(), 16);
+  offsets.Drop(7);
+  EXPECT_EQ(offsets.Rate(), 16.5);
+  offsets.Drop(26), offsets.Drop(6), offsets.Drop(27);
+  EXPECT_EQ(offsets.Rate(), 16.5) << "gone, left and not seen yet";
+}
+
+TEST(ClockOffsets, WhatIsNoDriftTakesThePlaceOfOldSteps) {
+  ClockOffsets offsets;
+  for (int epoch = 0; epoch < 20; ++epoch) offsets.Push(epoch, 1);
+  for (int epoch = 20; epoch < 35; ++epoch) offsets.Push(epoch, std::nan(""));
+  EXPECT_EQ(offsets.Rate(), 1);
+  offsets.Push(35, std::nan(""));
+  EXPECT_TRUE(std::isnan(offsets.Rate()));
+}
+
 TEST_F(ReceiverClock, IsThatOfTheLargestClusterWhereManySatellitesSlipTogether) {
   auto samples = Samples({3.000, 3.001, 2.999, 3.002, 3.242, 3.245, 2.758, 2.76, 3.6});
   const auto change = SolveClock(samples);

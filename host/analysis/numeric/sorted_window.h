@@ -100,6 +100,12 @@ class SortedWindow {
     }
     next_ = next_ + 1 == N ? 0 : next_ + 1;
   }
+  /// Takes a value out; its place in the window stays. @param ago  pushes since that of the value, below N
+  void Forget(int ago) {
+    double& value = history_[(next_ - 1 - ago + N) % N];
+    if (std::isfinite(value)) sorted_.Remove(value);
+    value = std::numeric_limits<double>::quiet_NaN();
+  }
   const SortedList<N>& Sorted() const { return sorted_; }
   int Count() const { return sorted_.Count(); }
 

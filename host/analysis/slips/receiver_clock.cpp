@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "host/analysis/numeric/linear_solve.h"
 #include "host/analysis/numeric/robust.h"
@@ -9,6 +10,8 @@
 namespace orsolva_host::analysis {
 namespace {
 
+constexpr int kMinOffsetSteps = 5;
+constexpr double kMostDrift_m = 0.2;  // in a step; clocks of satellites wander by up to 0.15 m in 30 s
 constexpr double kMinSpread_m = 0.004;
 constexpr double kAgreement_m = 0.06;
 constexpr std::size_t kMinSatellites = 4;
@@ -22,17 +25,60 @@ constexpr double kClearlyMoreOften = 1.5;  // than the next cluster
 
 double WeightOf(const ClockSample& s) { return 1 / (s.sigma * s.sigma); }
 
-/// Takes off each sample what its satellite's clock drifts by against the weighted mean of all.
-void TakeOffsets(std::vector<ClockSample>& samples) {
-  double sum = 0, weights = 0;
-  for (ClockSample& s : samples) {
-    s.offset_m = Median(s.offsets->Sorted()) * s.dt_s;
-    if (!std::isfinite(s.offset_m)) continue;
-    sum += WeightOf(s) * s.offset_m;
-    weights += WeightOf(s);
+struct Weighted {
+  double metres, weight;
+};
+
+/// Twice the weighted mean of what lies within three spreads. @param mean  to begin with, a median
+double RobustMean(const std::vector<Weighted>& values, double mean) {
+  std::vector<double> scratch;
+  for (int round = 0; round < 2; ++round) {
+    scratch.clear();
+    for (const Weighted& v : values) scratch.push_back(std::fabs(v.metres - mean));
+    const double limit = kOutlierSpreads * std::max(kSigmaOfMedian * Median(scratch), kMinSpread_m);
+    double sum = 0, weights = 0;
+    for (const Weighted& v : values) {
+      if (!(std::fabs(v.metres - mean) < limit)) continue;
+      sum += v.weight * (v.metres - mean);
+      weights += v.weight;
+    }
+    if (weights > 0) mean += sum / weights;
   }
-  const double mean = weights > 0 ? sum / weights : 0;
-  for (ClockSample& s : samples) s.offset_m = std::isfinite(s.offset_m) ? s.offset_m - mean : 0;
+  return mean;
+}
+
+/// Finds for each sample what its satellite's clock drifts by against what is common to all. That must be
+/// robust: one wrong offset would else move the receiver clock, and with it every other satellite.
+void TakeOffsets(std::vector<ClockSample>& samples) {
+  std::vector<Weighted> known;
+  std::vector<double> metres;
+  for (ClockSample& s : samples) {
+    s.offset_m = s.offsets->Rate() * s.dt_s;
+    if (!std::isfinite(s.offset_m)) continue;
+    known.push_back({s.offset_m, WeightOf(s)});
+    metres.push_back(s.offset_m);
+  }
+  const double common = known.empty() ? 0 : RobustMean(known, Median(metres));
+  for (ClockSample& s : samples) s.offset_m = std::isfinite(s.offset_m) ? s.offset_m - common : 0;
+}
+
+double ClockOf(const std::vector<ClockSample>& samples) {
+  std::vector<Weighted> values;
+  std::vector<double> metres;
+  for (const ClockSample& s : samples) {
+    values.push_back({s.metres - s.offset_m, WeightOf(s)});
+    metres.push_back(s.metres);
+  }
+  return RobustMean(values, Median(metres));
+}
+
+/// Moves the offsets on by what is left of the samples.
+void Learn(const std::vector<ClockSample>& samples, double clock_m) {
+  for (const ClockSample& s : samples) {
+    const double drift_m = s.metres - clock_m;
+    const bool drifts = std::fabs(drift_m - s.offset_m) < kMostDrift_m;
+    s.offsets->Push(s.epoch, drifts ? drift_m / s.dt_s : std::numeric_limits<double>::quiet_NaN());
+  }
 }
 
 /// Residuals of the samples once a clock and their own offsets are taken off.
@@ -45,17 +91,6 @@ double Spread(const std::vector<double>& residuals, std::vector<double>& scratch
   scratch.clear();
   for (const double r : residuals) scratch.push_back(std::fabs(r));
   return kSigmaOfMedian * Median(scratch);
-}
-
-double WeightedMeanOfGood(const std::vector<ClockSample>& samples, const std::vector<double>& residuals,
-                          double limit_m) {
-  double sum = 0, weights = 0;
-  for (std::size_t i = 0; i < samples.size(); ++i) {
-    if (!(std::fabs(residuals[i]) < limit_m)) continue;
-    sum += WeightOf(samples[i]) * residuals[i];
-    weights += WeightOf(samples[i]);
-  }
-  return weights > 0 ? sum / weights : 0;
 }
 
 std::size_t CountWithin(const std::vector<double>& residuals, double limit_m) {
@@ -130,18 +165,30 @@ std::optional<double> LargestCluster(std::vector<double> residuals) {
 
 }  // namespace
 
+void ClockOffsets::Push(std::int64_t epoch, double rate_m_s) {
+  rates_.Push(rate_m_s);
+  epochs_[static_cast<std::size_t>(pushed_)] = epoch;
+  pushed_ = pushed_ + 1 == kSteps ? 0 : pushed_ + 1;
+}
+
+void ClockOffsets::Drop(std::int64_t epoch) {
+  for (int ago = 0; ago < kSteps; ++ago) {
+    const int place = (pushed_ - 1 - ago + kSteps) % kSteps;
+    if (epochs_[static_cast<std::size_t>(place)] == epoch) return rates_.Forget(ago);
+  }
+}
+
+double ClockOffsets::Rate() const {
+  return rates_.Count() < kMinOffsetSteps ? std::numeric_limits<double>::quiet_NaN()
+                                          : Median(rates_.Sorted());
+}
+
 std::optional<ClockChange> SolveClock(std::vector<ClockSample>& samples) {
   if (samples.size() < kMinSatellites) return std::nullopt;
   TakeOffsets(samples);
-  std::vector<double> residuals, scratch;
-  for (const ClockSample& s : samples) residuals.push_back(s.metres);
   ClockChange change;
-  change.metres = Median(residuals);
-  for (int round = 0; round < 2; ++round) {
-    Residuals(samples, change.metres, residuals);
-    const double limit = kOutlierSpreads * std::max(Spread(residuals, scratch), kMinSpread_m);
-    change.metres += WeightedMeanOfGood(samples, residuals, limit);
-  }
+  change.metres = ClockOf(samples);
+  std::vector<double> residuals, scratch;
   Residuals(samples, change.metres, residuals);
   const double spread = Spread(residuals, scratch);
   const std::size_t agree = CountWithin(residuals, kAgreement_m);
@@ -154,7 +201,7 @@ std::optional<ClockChange> SolveClock(std::vector<ClockSample>& samples) {
     if (!rest) return std::nullopt;
     change.metres += *rest;
   }
-  for (const ClockSample& s : samples) s.offsets->Push((s.metres - change.metres) / s.dt_s);
+  Learn(samples, change.metres);
   return change;
 }
 

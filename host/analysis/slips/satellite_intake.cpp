@@ -157,6 +157,7 @@ std::optional<ClockSample> SatelliteIntake::SampleOfClock() {
                  (0.5 + 0.2 / std::max(range_.sin_elevation, 0.05));
   sample.line_of_sight = range_.line_of_sight;
   sample.offsets = &clock_offsets_;
+  sample.epoch = number_;
   sample.dt_s = SecondsBetween(time_ns_, last_time_ns_);
   return sample;
 }

@@ -54,6 +54,8 @@ class SatelliteIntake {
 
   /// Phase change for the receiver clock, over a step from the stream's epoch before.
   std::optional<ClockSample> SampleOfClock();
+  /// Takes the step that led to an epoch of the stream out of what was learned of the satellite's clock.
+  void DropFromClock(std::int64_t epoch) { clock_offsets_.Drop(epoch); }
   /// Change of code minus phase, and of the phase change itself; NaN where not known.
   double CodeMinusPhaseChange() const { return code_minus_phase_change_m_; }
   double PhaseChangeOfChange() const { return phase_change_m_ - last_phase_change_m_; }

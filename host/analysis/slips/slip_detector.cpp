@@ -58,6 +58,15 @@ void Merge(Event& into, const Event& more) {
   into.kind = half ? EventKind::kHalfCycle : EventKind::kSlip;
 }
 
+/// A step that an event explains says nothing about the drift of the satellite's clock, nor does the way back
+/// from an outlier.
+void ForgetClock(SatelliteIntake& intake, std::int64_t step, EventKind kind) {
+  if (kind == EventKind::kGapContinuous || kind == EventKind::kSignalGapContinuous) return;
+  intake.DropFromClock(intake.track.At(step).epoch);
+  if (kind == EventKind::kOutlier && intake.track.Has(step + 1))
+    intake.DropFromClock(intake.track.At(step + 1).epoch);
+}
+
 }  // namespace
 
 SlipDetector::SlipDetector(const DetectorOptions& options, const BroadcastRecords& records,
@@ -365,6 +374,7 @@ void SlipDetector::CollectEvents(SatelliteIntake& intake) {
     if (step >= track.decide) {
       track.events[kept++] = {step, std::move(event)};
     } else if (!(IsSlip(event.kind) && event.kind != EventKind::kJump && event.sizes.empty())) {
+      ForgetClock(intake, step, event.kind);
       fresh_.push_back(std::move(event));
     }
   }

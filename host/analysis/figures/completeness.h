@@ -36,7 +36,7 @@ class Completeness {
 
   /// @param sky      has taken the epoch
   /// @param nominal  whether the epoch is a nominal one, as far as is known by then
-  /// @param kind     of the step to it, by which Recount tells later
+  /// @param kind     of the step to it, by which Recount sorts it later
   void Add(const ObservationEpoch& epoch, const SignalRoster& roster, const Sky& sky, bool nominal,
            std::size_t kind);
   /// Counts again with the nominal epochs of each kind of step; of a kind of which not all are, a signal has

@@ -19,6 +19,7 @@
 #include "host/judging/selection_texts.h"
 #include "host/live/live_service.h"
 #include "host/live/serving/live_server.h"
+#include "host/output/byte_sink.h"
 #include "host/platform/platform.h"
 #include "host/rinex/civil_time.h"
 #include "host/terminal/interrupt.h"
@@ -125,6 +126,14 @@ class EventLines {
   std::atomic<bool> nobody_reads_{false};
 };
 
+/// What cannot be written there is said before a station runs. @throws WriteError
+void MakeFolders(const live::ServiceSettings& settings) {
+  for (const live::StationSettings& station : settings.stations) {
+    for (const std::string& folder : {station.state_folder, station.reports_folder})
+      if (!folder.empty()) MakeFolder(folder);
+  }
+}
+
 int RunLive(const LiveRequest& request) {
   constexpr std::chrono::milliseconds kLook{100};
   const live::ServiceSettings settings = ServiceOf(request);
@@ -133,6 +142,7 @@ int RunLive(const LiveRequest& request) {
     address = live::ParseListenAddress(settings.listen);
     if (!address) throw UsageError("--listen: found \"" + settings.listen + "\", expected HOST:PORT");
   }
+  MakeFolders(settings);
   ReturnFreedMemory();
   RecordInterrupts();
   EventLines lines(settings.events);
@@ -150,7 +160,9 @@ int RunLive(const LiveRequest& request) {
     std::this_thread::sleep_for(kLook);
   service.Stop();
   for (const std::string& failure : service.Failures()) PrintError(failure);
-  if (lines.LostAny()) return kRunFailed;
+  if (service.LostFiles())
+    PrintError("reports or ephemerides could not be written: see the events not_written.");
+  if (lines.LostAny() || service.LostFiles()) return kRunFailed;
   if (InterruptExitCode() != 0) return kGood;  // the usual end of a service
   if (!service.Failures().empty()) return kRunFailed;
   return request.exit_by_alarms && service.AnyAlarm() ? kVerdictFailed : kGood;

@@ -19,6 +19,8 @@
 #include "host/live/alarms/message_watch.h"
 #include "host/live/sources/source_spec.h"
 #include "host/live/station_name.h"
+#include "host/report/toml_keys.h"
+#include "host/rinex/diagnostics.h"
 #include "host/rinex/text_file.h"
 
 namespace orsolva_host::live {
@@ -191,13 +193,28 @@ std::string SecretFromFile(const std::string& path) {
   return line;
 }
 
-void AddStations(const std::string& path, const StationSettings& defaults, ServiceSettings& service) {
-  toml::table table;
+namespace {
+
+toml::table TableOf(const std::string& path) {
+  std::string text;
   try {
-    table = toml::parse_file(path);
+    text = TextOfFile(path, kLargestSettings_bytes);
+  } catch (const FileError& error) {
+    throw ConfigError(error.what());
+  }
+  if (const std::size_t line = LineOfDeepKey(text); line > 0)
+    throw ConfigError(fmt::format("{}:{}: a key of more than {} parts", path, line, kMaxKeyParts));
+  try {
+    return toml::parse(text, path);
   } catch (const toml::parse_error& error) {
     throw ConfigError(fmt::format("{}:{}: {}", path, error.source().begin.line, error.description()));
   }
+}
+
+}  // namespace
+
+void AddStations(const std::string& path, const StationSettings& defaults, ServiceSettings& service) {
+  const toml::table table = TableOf(path);
   ServiceSettings given;
   StationSettings common = defaults;
   std::string state_folder, reports_folder;

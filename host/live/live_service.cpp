@@ -100,6 +100,7 @@ void LiveService::PassEvents() {
 
 void LiveService::Pass(const LiveEvent& event, std::chrono::steady_clock::time_point until) {
   if (write_) write_(event.json + "\n");
+  if (event.kind == kNotWritten) lost_files_ = true;
   if (settings_.on_alarm.empty() || event.state == LiveEvent::State::kNote) return;
   const auto now = std::chrono::steady_clock::now();
   if (now >= until) return;

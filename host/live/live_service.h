@@ -41,6 +41,8 @@ class LiveService {
   /// Ends all stations, and hands out what is left of the events.
   void Stop();
   bool AnyAlarm() const;
+  /// Whether a report or ephemerides could not be written.
+  bool LostFiles() const { return lost_files_; }
   /// "NAME: why" of stations that failed.
   std::vector<std::string> Failures() const;
 
@@ -54,7 +56,7 @@ class LiveService {
   std::vector<std::unique_ptr<StationThread>> stations_;
   FileWriter files_;
   std::thread events_thread_;
-  std::atomic<bool> last_round_{false};
+  std::atomic<bool> last_round_{false}, lost_files_{false};
 };
 
 }  // namespace orsolva_host::live

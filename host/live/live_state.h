@@ -106,12 +106,15 @@ struct Alarm {
   std::uint64_t event_id = 0;     ///< of the event that raised it
 };
 
+/// The kind of an event: a report or ephemerides could not be written.
+inline constexpr char kNotWritten[] = "not_written";
+
 /// An entry of the log of events. Ids begin at 1 and rise by 1 over all stations.
 struct LiveEvent {
   std::uint64_t id = 0;
   std::int64_t time_utc_ns = 0;  ///< of the host; of a replay the time of the stream as UTC
   std::string station;
-  std::string kind;     ///< of kAlarmKinds, or "connected", "disconnected", "hour", "ended", "not_written"
+  std::string kind;     ///< of kAlarmKinds, or "connected", "disconnected", "hour", "ended", kNotWritten
                         ///< (a file), "no_ephemerides" (of the second source), "not_judged" (a run failed;
                         ///< another follows)
   std::string subject;  ///< as in Alarm

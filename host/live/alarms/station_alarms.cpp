@@ -12,9 +12,10 @@
 namespace orsolva_host::live {
 namespace {
 
-constexpr double kFirstEpoch_s = 30;  ///< from the start to the first epoch
-constexpr double kHold_s = 10;        ///< a lack of satellites lasts so long
-constexpr double kQuiet_s = 60;       ///< without a burst, until it is over
+constexpr double kFirstEpoch_s = 30;    ///< from the start to the first epoch
+constexpr double kHold_s = 10;          ///< a lack of satellites lasts so long
+constexpr double kRecording_s = 86400;  ///< no network holds epochs back for a day
+constexpr double kQuiet_s = 60;         ///< without a burst, until it is over
 constexpr Count kMinExpected = 600;
 constexpr double kWell = 0.02;  ///< completeness above its limit that is good again
 constexpr double kNine = 0.9;   ///< part of a limit below which a figure is good again
@@ -145,10 +146,13 @@ void StationAlarms::Latency(std::optional<double> median_s, std::int64_t now_ns)
   alarms_.Update(
       AlarmKind::kLatency, "", Above(*median_s, limits_.latency_warning_s, kNine * limits_.latency_warning_s),
       kTwoMinutes, Utc(now_ns), [&] {
-        return Finding{bad ? Severity::kBad : Severity::kWarning,
-                       fmt::format("epochs came {:.1f} s after their time (median of a minute)", *median_s),
-                       "If other streams are as late, this host's clock is wrong: synchronise it. Else "
-                       "check the network of the station and the load of the caster."};
+        return Finding{
+            bad ? Severity::kBad : Severity::kWarning,
+            fmt::format("epochs came {:.1f} s after their time (median of a minute)", *median_s),
+            *median_s > kRecording_s
+                ? "So late they may be those of a recording: give the time of its first epoch with --start."
+                : "If other streams are as late, this host's clock is wrong: synchronise it. Else "
+                  "check the network of the station and the load of the caster."};
       });
 }
 

@@ -72,7 +72,7 @@ class StationJudge {
   }
 
   /// Something could not be kept or written; judging goes on. May be called from another thread.
-  void NotWritten(const std::string& why, std::int64_t now_ns) { Note("not_written", why, now_ns); }
+  void NotWritten(const std::string& why, std::int64_t now_ns) { Note(kNotWritten, why, now_ns); }
 
   /// The time of the latest epoch.
   std::optional<std::int64_t> LatestEpoch() const { return latest_ns_; }

@@ -138,4 +138,13 @@ TEST(StationsFile, FoldersOfTheCommandLineComeFirst) {
   EXPECT_EQ(station.reports_folder, "own");
 }
 
+TEST(StationsFile, ThatIsNoneIsNamed) {
+  ServiceSettings service;
+  EXPECT_THROW(AddStations("/nonexistent/stations.toml", {}, service), ConfigError);
+  EXPECT_THROW(AddStations("/dev/zero", {}, service), ConfigError);
+  std::string deep;
+  for (int i = 0; i < 300'000; ++i) deep += "a.";
+  EXPECT_EQ(ComplaintOf(deep + "a = 1"), "3: a key of more than 100 parts");
+}
+
 }  // namespace

@@ -43,9 +43,11 @@ struct Watched {
   explicit Watched(const Limits& limits = {})
       : alarms("S", limits, [this](const LiveEvent& event) {
           texts.push_back(event.kind + " " + event.subject + " " + NameOf(event.state));
+          advice = event.advice;
           return static_cast<std::uint64_t>(texts.size());
         }) {}
   std::vector<std::string> texts;
+  std::string advice;  ///< of the last event
   StationAlarms alarms;
 };
 
@@ -106,6 +108,16 @@ TEST(StationAlarms, ALackOfSatellitesLastsTenSecondsAt50Hz) {
   EXPECT_EQ(watched.texts.size(), 1U);
   watched.alarms.Satellites(all, {}, 0.02, kNow_ns);
   EXPECT_EQ(watched.texts, (std::vector<std::string>{"satellites_few  raised", "satellites_few  cleared"}));
+}
+
+TEST(StationAlarms, EpochsADayLateMayBeThoseOfARecording) {
+  Watched watched;
+  for (int i = 0; i < 5; ++i) watched.alarms.Latency(90'000, kNow_ns);
+  EXPECT_NE(watched.advice.find("--start"), std::string::npos) << watched.advice;
+  Watched late;
+  for (int i = 0; i < 5; ++i) late.alarms.Latency(30, kNow_ns);
+  EXPECT_EQ(late.advice.find("--start"), std::string::npos) << late.advice;
+  EXPECT_NE(late.advice.find("clock"), std::string::npos) << late.advice;
 }
 
 }  // namespace

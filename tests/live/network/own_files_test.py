@@ -80,14 +80,20 @@ class OwnFilesTest(unittest.TestCase):
         self.assertEqual(lines[:2], ['{"id":1}', '{"id":2,"ti'])
         self.assertGreater(len([json.loads(line) for line in lines[2:]]), 0)
 
+    def test_a_folder_that_cannot_be_made_ends_the_service_at_once(self):
+        for option in ("--state", "--reports"):
+            done = self.replay(option, "/dev/null/folder")
+            self.assertEqual((done.returncode, done.stdout), (1, ""), done.stderr)
+            self.assertIn("/dev/null/folder", done.stderr)
+
     def test_files_that_cannot_be_written_are_noted(self):
-        done = self.replay("--state", "/dev/null/state", "--reports", "/dev/null/reports")
-        self.assertEqual(done.returncode, 0, done.stderr)
+        done = self.replay("--state", "/proc/self", "--reports", "/proc/self")
+        self.assertEqual(done.returncode, 1, done.stderr)
+        self.assertIn("could not be written", done.stderr)
         events = [json.loads(line) for line in done.stdout.splitlines()]
         notes = sorted(event["seen"] for event in events if event["kind"] == "not_written")
         self.assertEqual(len(notes), 2, events)
-        self.assertIn("/dev/null/reports", notes[0])
-        self.assertIn("/dev/null/state", notes[1])
+        self.assertTrue(all("/proc/self/" in note for note in notes), notes)
 
     def test_the_second_source_of_a_replay_is_closed_when_it_has_ended(self):
         with socket.create_server(("127.0.0.1", 0)) as second, socket.create_server(("127.0.0.1", 0)) as other:

@@ -18,6 +18,7 @@ import numpy.typing as npt
 
 from .figures import BY_KEY, FIGURES, Figure
 from .network import NetworkChange
+from .places import PART
 from .reading import Archive
 from .settings import ArchiveError
 from .trends import STATES, Daily, Key, StationChange, StationTrend, trends
@@ -62,7 +63,7 @@ def write_pages(
     first = max(first_of, last - datetime.timedelta(days=heat_days - 1))
     for trend in trends(archive, since, until):
         page = f"stations/{_file_name(trend.station)}.html"
-        (folder / page).write_text(_station_page(archive, trend, report), encoding="utf-8")
+        _write(folder / page, _station_page(archive, trend, report))
         rows.append(_row(trend, page))
         shared |= {change.network for change in trend.changes if change.network is not None}
         heats.append({figure.key: _daily_medians(trend, figure, first, last) for figure in FIGURES})
@@ -78,8 +79,19 @@ def write_pages(
     }
     left_out = archive.in_the_future(until)
     subtitle = f"{len(rows)} stations, {first_of} to {last}" + (f"; {left_out}" if left_out else "")
-    (folder / "index.html").write_text(_page("Network", subtitle, "", "network.js", data), encoding="utf-8")
+    _write(folder / "index.html", _page("Network", subtitle, "", "network.js", data))
     return Counter(row["state"] for row in rows)
+
+
+def _write(path: pathlib.Path, text: str) -> None:
+    """Whoever reads the page sees the old one or the new one, also when the disk is full."""
+    part = path.with_name(path.name + PART)
+    try:
+        part.write_text(text, encoding="utf-8")
+        part.replace(path)
+    except BaseException:
+        part.unlink(missing_ok=True)
+        raise
 
 
 def _page(title: str, subtitle: str, back: str, script: str, data: dict[str, Any]) -> str:

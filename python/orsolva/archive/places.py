@@ -21,6 +21,8 @@ UNREADABLE = "unreadable"
 # The folder at the root of a file system that keeps what a repair finds; only root may read it.
 _OF_THE_FILE_SYSTEM = "lost+found"
 _BLOCK = 1 << 20
+# What file systems without links say to one.
+_NO_LINKS = (errno.EPERM, errno.ENOTSUP, errno.EOPNOTSUPP, errno.ENOSYS, errno.EMLINK)
 LeftOut = Callable[[OSError], object]
 
 
@@ -102,6 +104,10 @@ class Folder:
                 os.link(file.name, path)
             except FileExistsError:
                 return False
+            except OSError as error:
+                if error.errno not in _NO_LINKS:
+                    raise
+                return _create_without_link(path, data)
         return True
 
     def remove(self, name: str) -> None:
@@ -127,6 +133,16 @@ class Folder:
         if not _is_utf8(path):
             raise OSError(errno.EILSEQ, "the name is not UTF-8: rename it", path)
         return Found(path, status.st_size, f"time:{status.st_mtime_ns}")
+
+
+def _create_without_link(path: pathlib.Path, data: bytes) -> bool:
+    """On file systems that have no links, such as exFAT and many SMB shares. For a moment others may see the file empty."""
+    try:
+        with open(path, "xb") as file:
+            file.write(data)
+    except FileExistsError:
+        return False
+    return True
 
 
 def _is_utf8(path: str) -> bool:

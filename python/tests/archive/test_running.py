@@ -336,3 +336,18 @@ def test_an_object_store_that_cannot_be_listed_is_not_empty(monkeypatch):
     with pytest.raises(ArchiveError, match="there is nothing"):
         list(place("memory://elsewhere").listing(left_out.append))
     assert list(place("memory://elsewhere").names("unfinished/")) == []
+
+
+@pytest.mark.parametrize("number", [errno.EPERM, errno.ENOTSUP])
+def test_a_store_needs_no_file_system_with_links(tmp_path, network, undisturbed, monkeypatch, number):
+    def link(*_, **__):
+        raise OSError(number, os.strerror(number))
+
+    monkeypatch.setattr(os, "link", link)
+    archive("init", tmp_path / "store", "--buckets", 2)
+    assert "other settings" in archive("init", tmp_path / "store", "--buckets", 3, good=(1,))
+    archive("run", tmp_path / "store", network)
+    assert sums(tmp_path / "store") == sums(undisturbed)
+    place = Folder(str(tmp_path))
+    with Lease(place), pytest.raises(ArchiveError, match="runs on this store"):
+        Lease(place).__enter__()

@@ -1,6 +1,8 @@
 """Trends and pages of simulated stations whose changes are known; truth.py has the large proof."""
 import datetime
+import errno
 import json
+import os
 import re
 import shutil
 import sys
@@ -199,3 +201,17 @@ def test_a_damaged_store_is_said_without_a_traceback(store, tmp_path):
     for command in (["trends"], ["page", "--output", tmp_path / "pages"]):
         printed = archive(command[0], tmp_path / "store", *command[1:], good=(1,))
         assert str(damaged) in printed and f"`orsolva archive check {tmp_path / 'store'}` names what is damaged" in printed
+
+
+def test_a_full_disk_leaves_the_old_pages(store, tmp_path, monkeypatch):
+    archive("page", store, "--output", tmp_path)
+    before = {path.name: path.read_bytes() for path in tmp_path.rglob("*.html")}
+    real = pathlib.Path.write_text
+
+    def write_text(self, text, *arguments, **more):
+        real(self, text[:99], *arguments, **more)
+        raise OSError(errno.ENOSPC, os.strerror(errno.ENOSPC), str(self))
+
+    monkeypatch.setattr(pathlib.Path, "write_text", write_text)
+    assert "No space left on device" in archive("page", store, "--output", tmp_path, good=(1,))
+    assert {path.name: path.read_bytes() for path in tmp_path.rglob("*") if path.is_file()} == before

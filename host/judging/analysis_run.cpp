@@ -8,7 +8,15 @@
 namespace orsolva_host {
 namespace {
 
+/// Of the user, else of the header, else of the file name; 0: none says one.
+double StatedInterval(const JudgingSettings& settings, const ObservationHeader& header,
+                      const StationDescription& description) {
+  if (settings.interval_s) return *settings.interval_s;
+  return header.interval_s ? *header.interval_s : description.name.interval_s.value_or(0);
+}
+
 analysis::AnalysisOptions OptionsOf(const JudgingSettings& settings, const ObservationHeader& header,
+                                    const StationDescription& description,
                                     std::shared_ptr<const PreciseOrbits> precise, bool series) {
   analysis::AnalysisOptions options;
   options.series = series;
@@ -17,7 +25,7 @@ analysis::AnalysisOptions OptionsOf(const JudgingSettings& settings, const Obser
   options.detector.position = header.position;
   if (settings.position.source == PositionSource::kOption)
     options.detector.position = settings.position.xyz_m;
-  options.stated_interval_s = settings.interval_s.value_or(0);
+  options.stated_interval_s = StatedInterval(settings, header, description);
   options.detector.glonass_channels = header.glonass_channels;
   options.detector.precise_orbits = std::move(precise);
   return options;
@@ -39,7 +47,8 @@ AnalysisRun::AnalysisRun(const JudgingSettings& settings, const EpochSource& sou
                          const BroadcastRecords& records, std::shared_ptr<const PreciseOrbits> precise,
                          EventSink* events, SeriesSink* series)
     : description_(Described(settings, source)),
-      analysis_(OptionsOf(settings, source.Header(), std::move(precise), series != nullptr), records),
+      analysis_(OptionsOf(settings, source.Header(), description_, std::move(precise), series != nullptr),
+                records),
       events_(events),
       series_(series) {
   for (const char letter : settings.systems) chosen_[PlaceOf(letter)].set();

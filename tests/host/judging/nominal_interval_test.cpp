@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/judging/analysis_run.h"
 #include "host/judging/run_error.h"
 
 namespace {
@@ -85,6 +86,27 @@ TEST(NominalInterval, OfTheOptionNeedsNoHeaderAndNoData) {
   EXPECT_STREQ(Choose(15.0, Every(30, 100), 5.0).interval.source, "option");
   EXPECT_STREQ(Choose(std::nullopt, Every(30, 3)).interval.source, "data");
   EXPECT_THROW(Choose(std::nullopt, {0}), RunError);
+}
+
+/// That of the analysis for steps of 60 to 240 s in equal numbers.
+double AnalysisIntervalOfHoles(std::optional<double> header_s, std::optional<double> option_s) {
+  JudgingSettings settings;
+  settings.interval_s = option_s;
+  AnalysisRun run(settings, Headed(header_s), {}, nullptr, nullptr, nullptr);
+  std::int64_t seconds = 1593043200;
+  for (int i = 0; i < 49; ++i) {
+    ObservationEpoch epoch;
+    epoch.time_ns = seconds * 1000000000;
+    run.Add(epoch);
+    seconds += 60 + 30 * (i % 7);
+  }
+  return run.Finish({}).figures.span.interval_s;
+}
+
+TEST(NominalInterval, OfTheAnalysisIsTheOneStatedWhereNoStepIsFrequent) {
+  EXPECT_EQ(AnalysisIntervalOfHoles(std::nullopt, std::nullopt), 60);
+  EXPECT_EQ(AnalysisIntervalOfHoles(30, std::nullopt), 30);
+  EXPECT_EQ(AnalysisIntervalOfHoles(60, 30), 30) << "that of the user goes first";
 }
 
 }  // namespace

@@ -16,6 +16,9 @@ Position = Union[str, Sequence[float]]
 Time = Union[str, np.datetime64]
 Window = Union[str, float]
 
+_FIRST_TIME = np.datetime64("1678-01-01")
+_END_OF_TIMES = np.datetime64("2262-01-01")
+
 
 def path_of(name: str, path: object) -> str:
     """A path as text.
@@ -102,14 +105,22 @@ def nanoseconds(name: str, time: np.datetime64) -> int:
 
 
 def in_nanoseconds(name: str, times: npt.NDArray[np.datetime64]) -> npt.NDArray[np.datetime64]:
-    """Times in nanoseconds, of which 64 bits hold the years 1678 to 2261; NumPy takes others for times within them."""
-    exact = times.astype("datetime64[ns]")
-    # Units that are finer than nanoseconds have a shorter range.
-    fine = np.datetime_data(times.dtype)[0] in ("ps", "fs", "as")
-    wrong = np.zeros(times.shape, bool) if fine else exact.astype(times.dtype) != times
+    """Times in nanoseconds, of which 64 bits hold the years 1678 to 2261. NumPy takes others for times within them, or
+    raises an error without their name."""
+    wrong = _out_of_range(times)
     if wrong.any():
         raise ArgumentError(f"{name}: found {times[wrong][0]}, expected times from 1678 to 2261")
-    return exact
+    return times.astype("datetime64[ns]")
+
+
+def _out_of_range(times: npt.NDArray[np.datetime64]) -> npt.NDArray[np.bool_]:
+    # Units that are finer than nanoseconds have a shorter range.
+    if np.datetime_data(times.dtype)[0] in ("ps", "fs", "as"):
+        return np.zeros(times.shape, np.bool_)
+    try:
+        return (times < _FIRST_TIME) | (times >= _END_OF_TIMES)
+    except OverflowError:  # years of more digits than days have
+        return np.ones(times.shape, np.bool_)
 
 
 def _limit(name: str, value: object) -> str | int:
